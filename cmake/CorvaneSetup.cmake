@@ -1,0 +1,54 @@
+# Language, Qt, warnings and sanitizers: what holds for every target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+
+if(NOT CORVANE_SYSTEM)
+  if(APPLE)
+    set(CORVANE_SYSTEM mac)
+  else()
+    set(CORVANE_SYSTEM linux)
+  endif()
+endif()
+
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg)
+if(NOT CORVANE_SYSTEM STREQUAL "mac")
+  find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+else()
+  enable_language(OBJCXX)
+endif()
+find_package(Threads REQUIRED)
+
+find_program(CORVANE_CCACHE ccache)
+if(CORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVANE_CCACHE})
+endif()
+
+# What every target of ours is compiled with; linked by corvane_library and corvane_test.
+add_library(corvane_flags INTERFACE)
+target_include_directories(corvane_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(corvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+                                               -Woverloaded-virtual -Wimplicit-fallthrough)
+if(CORVANE_WARNINGS_ARE_ERRORS)
+  target_compile_options(corvane_flags INTERFACE -Werror)
+endif()
+target_compile_definitions(
+  corvane_flags
+  INTERFACE QT_NO_CAST_FROM_ASCII
+            QT_NO_CAST_TO_ASCII
+            QT_NO_URL_CAST_FROM_STRING
+            QT_NO_CAST_FROM_BYTEARRAY
+            QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+            QT_NO_FOREACH
+            CORVANE_IDENTIFIER="${CORVANE_IDENTIFIER}"
+            CORVANE_VERSION="${PROJECT_VERSION}"
+            CORVANE_BUILD="${CORVANE_BUILD_NUMBER}")
+if(CORVANE_SANITIZE)
+  target_compile_options(corvane_flags INTERFACE -fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer
+                                                 -fno-sanitize-recover=all)
+  target_link_options(corvane_flags INTERFACE -fsanitize=${CORVANE_SANITIZE})
+endif()

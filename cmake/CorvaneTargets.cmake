@@ -1,0 +1,63 @@
+# corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …] [LINK …])
+#
+# Adds the layer `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
+# LINUX is added by the system: what reads the machine. The DESKTOP pair talks to the desktop (menu
+# bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop.
+function(corvane_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;LINK")
+  set(target corvane_${name})
+  set(sources ${arg_SOURCES})
+  if(CORVANE_SYSTEM STREQUAL "linux")
+    list(APPEND sources ${arg_LINUX} ${arg_LINUX_DESKTOP})
+  elseif(CORVANE_SYSTEM STREQUAL "mac")
+    list(APPEND sources ${arg_MAC} ${arg_MAC_DESKTOP})
+  else()
+    list(APPEND sources ${arg_MAC} ${arg_LINUX_DESKTOP})
+  endif()
+  if(sources)
+    add_library(${target} STATIC ${sources})
+    set(scope PUBLIC)
+  else()
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  add_library(corvane::${name} ALIAS ${target})
+  target_link_libraries(${target} ${scope} corvane_flags ${arg_LINK})
+  if(arg_MAC AND CORVANE_SYSTEM STREQUAL "simulated-mac")
+    target_link_libraries(${target} PUBLIC corvane_simulated_mac)
+  endif()
+endfunction()
+
+# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [SOURCES …] [LINK …])
+#
+# Adds a Qt Test program from tests/FOLDER/tst_Name.cpp, run by ctest without a display and with home
+# and XDG folders of its own. SYSTEM names the systems it is for (default: all); THREADED marks it for
+# the ThreadSanitizer preset. Extra SOURCES are relative to the tests folder.
+function(corvane_test path)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;SOURCES;LINK")
+  if(arg_SYSTEM AND NOT CORVANE_SYSTEM IN_LIST arg_SYSTEM)
+    return()
+  endif()
+  if(CORVANE_ONLY_THREADED_TESTS AND NOT arg_THREADED)
+    return()
+  endif()
+  get_filename_component(target ${path} NAME)
+  add_executable(${target} ${CMAKE_CURRENT_SOURCE_DIR}/${path}.cpp ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE corvane_flags corvane_test_support Qt6::Test ${arg_LINK})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  set(home ${CMAKE_CURRENT_BINARY_DIR}/home/${target})
+  file(MAKE_DIRECTORY ${home}/runtime)
+  file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  string(REPLACE "tst_" "" name ${path})
+  add_test(NAME ${name} COMMAND ${target})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 300)
+  endif()
+  set_tests_properties(
+    ${name}
+    PROPERTIES
+      TIMEOUT ${arg_TIMEOUT}
+      ENVIRONMENT
+      "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_CACHE_HOME=${home}/cache;XDG_RUNTIME_DIR=${home}/runtime;QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:ignore_noninstrumented_modules=1"
+  )
+endfunction()

@@ -1,0 +1,10 @@
+#include "platform/HostSystem.h"
+
+namespace corvane {
+
+HostSystem hostSystem()
+{
+    return HostSystem::linuxDesktop;
+}
+
+} // namespace corvane

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace corvane {
+
+/// Pure functions over the text of kernel files. Nothing here allocates: every result is a view
+/// into the text. A number that does not parse is nothing.
+
+/// Cuts the first line off `text` and returns it without its line feed; nothing when `text` is
+/// empty.
+std::optional<std::string_view> takeLine(std::string_view &text);
+
+/// Cuts the first word off `text` (blanks and tabs separate); nothing when there is none.
+std::optional<std::string_view> takeWord(std::string_view &text);
+
+/// Without blanks, tabs, line ends and NULs on both sides.
+std::string_view trimmed(std::string_view text);
+
+/// The whole of `text` as a decimal count.
+std::optional<std::uint64_t> parseUnsigned(std::string_view text);
+
+/// The whole of `text` as a signed decimal number.
+std::optional<std::int64_t> parseSigned(std::string_view text);
+
+/// The whole of `text` as a decimal number with an optional point; finite.
+std::optional<double> parseDecimal(std::string_view text);
+
+/// A byte count that no machine has; larger ones are garbage.
+inline constexpr std::uint64_t largestByteCount = std::uint64_t(1) << 50;
+
+/// `count` units of `unit` bytes; nothing above `largestByteCount`.
+std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit);
+
+/// Calls `visit(number)` for each CPU of a list such as "0-3,8,10-11"; a part that does not parse
+/// ends the walk. Numbers above 65,535 do too: no kernel has such CPUs.
+template <typename Visitor>
+void forEachCPU(std::string_view list, Visitor visit)
+{
+    constexpr std::uint64_t highest = 65'535;
+    list = trimmed(list);
+    while (!list.empty()) {
+        const std::string_view part = list.substr(0, list.find(','));
+        list.remove_prefix(part.size() == list.size() ? part.size() : part.size() + 1);
+        const std::size_t dash = part.find('-');
+        const auto first = parseUnsigned(part.substr(0, dash));
+        const auto last =
+            dash == std::string_view::npos ? first : parseUnsigned(part.substr(dash + 1));
+        if (!first || !last || *last > highest)
+            return;
+        for (std::uint64_t cpu = *first; cpu <= *last; ++cpu)
+            visit(static_cast<int>(cpu));
+    }
+}
+
+} // namespace corvane

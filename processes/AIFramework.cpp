@@ -1,0 +1,62 @@
+#include "processes/AIFramework.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Description {
+    QLatin1StringView rawValue;
+    QLatin1StringView displayName;
+    QLatin1StringView symbol;
+};
+
+/// In declaration order.
+constexpr std::array<Description, allAIFrameworks.size()> descriptions{{
+    {"ollama"_L1, "Ollama"_L1, "shippingbox.fill"_L1},
+    {"mlx"_L1, "MLX"_L1, "sparkle"_L1},
+    {"llamaCpp"_L1, "llama.cpp"_L1, "cpu.fill"_L1},
+    {"lmStudio"_L1, "LM Studio"_L1, "studentdesk"_L1},
+    {"koboldCpp"_L1, "KoboldCpp"_L1, "books.vertical.fill"_L1},
+    {"whisperCpp"_L1, "whisper.cpp"_L1, "waveform"_L1},
+    {"vllm"_L1, "vLLM"_L1, "server.rack"_L1},
+    {"comfyUI"_L1, "ComfyUI"_L1, "paintbrush.fill"_L1},
+    {"sdWebUI"_L1, "SD WebUI"_L1, "photo.artframe"_L1},
+    {"transformers"_L1, "Transformers"_L1, "wand.and.stars"_L1},
+    {"generic"_L1, "ML Workload"_L1, "brain"_L1},
+}};
+
+const Description &description(AIFramework framework)
+{
+    return descriptions[static_cast<std::size_t>(framework)];
+}
+
+} // namespace
+
+QString rawValue(AIFramework framework)
+{
+    return description(framework).rawValue;
+}
+
+std::optional<AIFramework> aiFramework(const QString &rawValue)
+{
+    const auto found = std::ranges::find(descriptions, rawValue, &Description::rawValue);
+    if (found == descriptions.end())
+        return std::nullopt;
+    return allAIFrameworks[static_cast<std::size_t>(found - descriptions.begin())];
+}
+
+QString displayName(AIFramework framework)
+{
+    return description(framework).displayName;
+}
+
+QString symbol(AIFramework framework)
+{
+    return description(framework).symbol;
+}
+
+} // namespace corvane

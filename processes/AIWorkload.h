@@ -1,0 +1,28 @@
+#pragma once
+
+#include "processes/AIFramework.h"
+
+#include <cstdint>
+
+namespace corvane {
+
+/// One process that was recognised as local AI inference.
+struct AIWorkload {
+    std::int64_t id = 0;  ///< Process id; identity in lists.
+    std::int64_t pid = 0; ///< The same value.
+    QString processName = {};
+    AIFramework framework = AIFramework::generic;
+    std::optional<QString> model = {}; ///< Absent when the command line tells none.
+    std::uint64_t memory = 0;          ///< Physical footprint in bytes.
+
+    friend bool operator==(const AIWorkload &, const AIWorkload &) = default;
+};
+
+inline std::size_t qHash(const AIWorkload &workload, std::size_t seed = 0)
+{
+    return qHashMulti(seed, workload.id, workload.pid, workload.processName, workload.framework,
+                      workload.model.value_or(QString()), workload.model.has_value(),
+                      workload.memory);
+}
+
+} // namespace corvane

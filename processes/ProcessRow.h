@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace corvane {
+
+/// One process of the ranking by memory.
+struct ProcessRow {
+    std::int64_t id = 0; ///< Process id; the row's identity in lists.
+    QString name = {};
+    std::uint64_t memory = 0; ///< Physical footprint in bytes.
+
+    friend bool operator==(const ProcessRow &, const ProcessRow &) = default;
+};
+
+inline std::size_t qHash(const ProcessRow &row, std::size_t seed = 0)
+{
+    return qHashMulti(seed, row.id, row.name, row.memory);
+}
+
+} // namespace corvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QLocale>
+#include <QString>
+
+namespace corvane {
+
+/// Turns byte counts into the text that every memory figure of the interface shows: megabytes below
+/// one GiB, gigabytes from there on, in powers of 1024.
+class ByteFormatter {
+public:
+    /// The shared formatter, in the user's locale.
+    static const ByteFormatter &f();
+
+    explicit ByteFormatter(const QLocale &locale);
+
+    /// "188.5 MB", "12.35 GB". At most one fraction digit for MB and two for GB, trailing zeros
+    /// dropped, ties to even. The unit is chosen before rounding.
+    QString string(quint64 bytes) const;
+
+private:
+    QLocale m_locale;
+};
+
+} // namespace corvane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace corvane {
+
+/// Share of the GPU's active time that one performance state had.
+struct GPUStateShare {
+    QString state = {};
+    double fraction = 0; ///< 0…1
+};
+
+/// One sample of the chip's telemetry. The watts, fractions and the frequency are always there: a
+/// chip that could not be read has no reading at all. A record rebuilt from the history file
+/// carries the watts and fractions alone.
+struct ChipReading {
+    double cpuWatts = 0;
+    double gpuWatts = 0;
+    double aneWatts = 0;
+    double cpuActiveFraction = 0;                 ///< 0…1; views multiply by 100.
+    double gpuActiveFraction = 0;                 ///< 0…1
+    double cpuActiveMHz = 0;                      ///< Frequency while active; 0 when unknown.
+    std::optional<QString> gpuDominantState = {}; ///< Empty text: no state was active.
+    std::vector<double> cpuCoreUtilizations = {}; ///< 0…1 a logical CPU; empty when unknown.
+    std::vector<GPUStateShare> gpuStateResidency = {};
+    std::optional<double> cpuTempC = {}; ///< Temperatures are absent when no sensor answered.
+    std::optional<double> gpuTempC = {};
+    std::optional<double> aneTempC = {};
+    std::optional<double> packageTempC = {};
+};
+
+/// CPU, GPU and Neural Engine together, in watts; 0 without a reading.
+inline double totalWatts(const std::optional<ChipReading> &chip)
+{
+    return chip ? chip->cpuWatts + chip->gpuWatts + chip->aneWatts : 0;
+}
+
+} // namespace corvane

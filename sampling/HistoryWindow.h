@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <array>
+#include <optional>
+
+namespace corvane {
+
+/// How much history the charts cover; the value is the length in whole seconds.
+enum class HistoryWindow : qint64 { oneMin = 60 };
+
+inline constexpr std::array allHistoryWindows{HistoryWindow::oneMin};
+
+/// Length in seconds.
+constexpr qint64 seconds(HistoryWindow window)
+{
+    return static_cast<qint64>(window);
+}
+
+/// The window of that many seconds; nothing when there is none.
+constexpr std::optional<HistoryWindow> historyWindow(qint64 rawSeconds)
+{
+    for (const HistoryWindow window : allHistoryWindows) {
+        if (seconds(window) == rawSeconds)
+            return window;
+    }
+    return std::nullopt;
+}
+
+} // namespace corvane

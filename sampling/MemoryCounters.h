@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace corvane {
+
+/// What one read of the system's memory statistics yields, before any arithmetic. The page counts
+/// are in units of `pageSize` bytes and come together or not at all.
+struct MemoryCounters {
+    struct Pages {
+        std::uint64_t free = 0;
+        std::uint64_t active = 0;
+        std::uint64_t inactive = 0;
+        std::uint64_t wired = 0;
+        std::uint64_t compressor = 0; ///< Held by the compressor.
+        std::uint64_t purgeable = 0;
+        std::uint64_t external = 0; ///< File-backed.
+    };
+    struct Swap {
+        std::uint64_t total = 0; ///< Bytes.
+        std::uint64_t used = 0;  ///< Bytes.
+    };
+
+    std::optional<std::uint64_t> totalBytes = {};
+    std::uint64_t pageSize = 0; ///< 0: unknown, which makes every size from pages 0.
+    std::optional<Pages> pages = {};
+    std::optional<Swap> swap = {};
+    std::optional<std::int32_t> pressureLevel = {}; ///< 1 normal, 2 warning, 4 critical.
+};
+
+/// Reads them, again and again. Owned by one sampler, used on one thread; keeps the kernel's files
+/// open between reads. `root` is the folder below which they lie (Linux).
+class MemoryCountersReader {
+public:
+    explicit MemoryCountersReader(const std::string &root = "/");
+    ~MemoryCountersReader();
+
+    MemoryCounters read();
+
+private:
+    struct Sources;
+    std::unique_ptr<Sources> m_sources;
+};
+
+} // namespace corvane

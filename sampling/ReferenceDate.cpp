@@ -1,0 +1,25 @@
+#include "sampling/ReferenceDate.h"
+
+#include <chrono>
+
+namespace corvane {
+
+namespace {
+
+constexpr double unixSecondsAt2001 = 978'307'200;
+
+} // namespace
+
+double secondsSince2001()
+{
+    const auto sinceUnixEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(sinceUnixEpoch).count() - unixSecondsAt2001;
+}
+
+QDateTime localDateTime(double secondsSince2001)
+{
+    const double milliseconds = (secondsSince2001 + unixSecondsAt2001) * 1000;
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
+}
+
+} // namespace corvane

@@ -1,0 +1,1 @@
+corvane_test(platform/tst_KernelText LINK corvane::platform)

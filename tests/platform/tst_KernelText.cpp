@@ -1,0 +1,119 @@
+#include "platform/KernelText.h"
+
+#include <QTest>
+
+#include <limits>
+#include <vector>
+
+using namespace corvane;
+
+Q_DECLARE_METATYPE(std::optional<std::uint64_t>)
+
+class TestKernelText : public QObject {
+    Q_OBJECT
+
+private slots:
+    void takesLines();
+    void takesWords();
+    void trims();
+    void parsesUnsigned_data();
+    void parsesUnsigned();
+    void parsesSigned();
+    void parsesDecimals();
+    void refusesByteCountsOfNoMachine();
+    void walksCPULists_data();
+    void walksCPULists();
+};
+
+void TestKernelText::takesLines()
+{
+    std::string_view text = "one\n\nlast without end";
+    QCOMPARE(takeLine(text), std::optional<std::string_view>("one"));
+    QCOMPARE(takeLine(text), std::optional<std::string_view>(""));
+    QCOMPARE(takeLine(text), std::optional<std::string_view>("last without end"));
+    QVERIFY(!takeLine(text));
+}
+
+void TestKernelText::takesWords()
+{
+    std::string_view text = "  cpu \t12  ";
+    QCOMPARE(takeWord(text), std::optional<std::string_view>("cpu"));
+    QCOMPARE(takeWord(text), std::optional<std::string_view>("12"));
+    QVERIFY(!takeWord(text));
+}
+
+void TestKernelText::trims()
+{
+    QVERIFY(trimmed(std::string_view(" a b\r\n\0", 7)) == "a b");
+    QVERIFY(trimmed(" \n\t").empty());
+    QVERIFY(trimmed("").empty());
+}
+
+void TestKernelText::parsesUnsigned_data()
+{
+    using Expected = std::optional<std::uint64_t>;
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<Expected>("expected");
+    QTest::newRow("a count") << QByteArray("4096") << Expected(4096);
+    QTest::newRow("the largest") << QByteArray("18446744073709551615")
+                                 << Expected(std::numeric_limits<std::uint64_t>::max());
+    QTest::newRow("one more than the largest") << QByteArray("18446744073709551616") << Expected();
+    QTest::newRow("negative") << QByteArray("-1") << Expected();
+    QTest::newRow("trailing letters") << QByteArray("12kB") << Expected();
+    QTest::newRow("a leading blank") << QByteArray(" 12") << Expected();
+    QTest::newRow("empty") << QByteArray("") << Expected();
+}
+
+void TestKernelText::parsesUnsigned()
+{
+    QFETCH(QByteArray, text);
+    QTEST(parseUnsigned(text.toStdString()), "expected");
+}
+
+void TestKernelText::parsesSigned()
+{
+    QCOMPARE(parseSigned("-21500"), std::optional<std::int64_t>(-21500));
+    QCOMPARE(parseSigned("3"), std::optional<std::int64_t>(3));
+    QVERIFY(!parseSigned("--3"));
+}
+
+void TestKernelText::parsesDecimals()
+{
+    QCOMPARE(parseDecimal("12.34"), std::optional<double>(12.34));
+    QVERIFY(!parseDecimal("inf"));
+    QVERIFY(!parseDecimal("nan"));
+    QVERIFY(!parseDecimal("1.2.3"));
+}
+
+void TestKernelText::refusesByteCountsOfNoMachine()
+{
+    QCOMPARE(byteCount(1, 1024), std::optional<std::uint64_t>(1024));
+    QCOMPARE(byteCount(std::uint64_t(1) << 40, 1024),
+             std::optional<std::uint64_t>(std::uint64_t(1) << 50));
+    QVERIFY(!byteCount((std::uint64_t(1) << 40) + 1, 1024));
+    QVERIFY(!byteCount(std::numeric_limits<std::uint64_t>::max(), 1024));
+}
+
+void TestKernelText::walksCPULists_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QList<int>>("expected");
+    QTest::newRow("a range") << QByteArray("0-3\n") << QList<int>{0, 1, 2, 3};
+    QTest::newRow("ranges and single CPUs")
+        << QByteArray("0-1,4,6-7\n") << QList<int>{0, 1, 4, 6, 7};
+    QTest::newRow("an empty line is no CPU") << QByteArray("\n") << QList<int>{};
+    QTest::newRow("garbage ends the walk") << QByteArray("2,x,5\n") << QList<int>{2};
+    QTest::newRow("a range backwards is empty") << QByteArray("5-2,7\n") << QList<int>{7};
+    QTest::newRow("no kernel has so many") << QByteArray("0-99999999999\n") << QList<int>{};
+}
+
+void TestKernelText::walksCPULists()
+{
+    QFETCH(QByteArray, list);
+    QList<int> visited;
+    forEachCPU(list.toStdString(), [&visited](int cpu) { visited.append(cpu); });
+    QTEST(visited, "expected");
+}
+
+QTEST_APPLESS_MAIN(TestKernelText)
+#include "tst_KernelText.moc"
