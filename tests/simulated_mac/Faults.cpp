@@ -82,14 +82,14 @@ const char *name(Way way)
 void Faults::failOnce(Call call, Way way, int use)
 {
     const std::lock_guard lock(m_mutex);
-    m_plans[call].once = way;
-    m_plans[call].usesUntilOnce = use;
+    plan(call).once = way;
+    plan(call).usesUntilOnce = use;
 }
 
 void Faults::failAlways(Call call, Way way)
 {
     const std::lock_guard lock(m_mutex);
-    m_plans[call].always = way;
+    plan(call).always = way;
 }
 
 void Faults::failRandomly(std::uint32_t seed, double probability)
@@ -102,7 +102,7 @@ void Faults::failRandomly(std::uint32_t seed, double probability)
 void Faults::clear()
 {
     const std::lock_guard lock(m_mutex);
-    m_plans.clear();
+    m_plans = {};
     m_chance.reset();
     m_random.seed();
 }
@@ -110,17 +110,12 @@ void Faults::clear()
 std::optional<Way> Faults::ask(Call call)
 {
     const std::lock_guard lock(m_mutex);
-    return askLocked(call);
-}
-
-std::optional<Way> Faults::askLocked(Call call)
-{
-    Plan &plan = m_plans[call];
-    ++plan.uses;
-    if (plan.once && --plan.usesUntilOnce == 0)
-        return std::exchange(plan.once, std::nullopt);
-    if (plan.always)
-        return plan.always;
+    Plan &asked = plan(call);
+    ++asked.uses;
+    if (asked.once && --asked.usesUntilOnce == 0)
+        return std::exchange(asked.once, std::nullopt);
+    if (asked.always)
+        return asked.always;
     if (!m_chance || std::uniform_real_distribution<double>()(m_random) >= *m_chance)
         return std::nullopt;
     const std::vector<Way> &ways = waysToFail().at(static_cast<std::size_t>(call)).ways;
@@ -130,8 +125,7 @@ std::optional<Way> Faults::askLocked(Call call)
 int Faults::uses(Call call) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto plan = m_plans.find(call);
-    return plan == m_plans.end() ? 0 : plan->second.uses;
+    return m_plans[static_cast<std::size_t>(call)].uses;
 }
 
 std::uint32_t Faults::garbage()

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <random>
@@ -53,6 +53,7 @@ enum class Call {
     proc_pid_rusage,
     proc_name,
 };
+inline constexpr std::size_t callCount = static_cast<std::size_t>(Call::proc_name) + 1;
 
 /// How a call answers when it fails.
 enum class Way {
@@ -102,11 +103,11 @@ private:
         int usesUntilOnce = 0;
         int uses = 0;
     };
-    std::optional<Way> askLocked(Call call);
+    Plan &plan(Call call) { return m_plans[static_cast<std::size_t>(call)]; }
 
     mutable std::mutex m_mutex;
-    std::map<Call, Plan> m_plans;   ///< This and what follows is guarded by m_mutex.
-    std::optional<double> m_chance; ///< Of a random failure.
+    std::array<Plan, callCount> m_plans = {}; ///< This and what follows is guarded by m_mutex.
+    std::optional<double> m_chance;           ///< Of a random failure.
     std::mt19937 m_random;
 };
 

@@ -263,7 +263,8 @@ Machine maxM4()
         for (int detail = 0; detail < 110; ++detail)
             channels.push_back(energy("PCPUDTL" + std::to_string(detail), 20));
     }
-    for (const char *part : {"GPU0", "GPU SRAM0", "ISP0", "AVE0", "MSR0", "DCS0", "DRAM0", "AMCC0"})
+    for (const char *part :
+         {"GPU0", "GPU SRAM0", "ISP0", "AVE0", "AVE1", "MSR0", "DCS0", "DRAM0", "AMCC0"})
         channels.push_back(energy(part, 2000));
     channels.push_back(energy("ANE0", 1500));
     for (int port = 0; port < 16; ++port)
