@@ -1,0 +1,3 @@
+corvane_fuzz(ChannelTotals LINK corvane::telemetry)
+corvane_fuzz(FrequencyTables LINK corvane::telemetry)
+corvane_fuzz(SensorNames LINK corvane::telemetry)
