@@ -72,6 +72,12 @@ bool setDigitByDigit(const QString &text, const QFont &font, Digits digits)
 
 } // namespace
 
+double TextLine::baseline(const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    return top + (height + metrics.ascent() - metrics.descent()) / 2;
+}
+
 double textWidth(const QString &text, const QFont &font, Digits digits)
 {
     if (!setDigitByDigit(text, font, digits))
@@ -102,6 +108,12 @@ void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString 
                    const QFont &font, Digits digits)
 {
     drawText(painter, baselineEnd - QPointF(textWidth(text, font, digits), 0), text, font, digits);
+}
+
+double centredBaseline(const QFont &font, double top, double height)
+{
+    const QFontMetricsF metrics(font);
+    return top + (height - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent();
 }
 
 QString elided(const QString &text, const QFont &font, double width)

@@ -58,6 +58,8 @@ void TestThermalSampler::categorizes_data()
     row("graphics comes before the cores", "PACC GPU Temp", Category::gpu);
     row("the cores come before the chip", "SOC EACC Temp", Category::cpu);
     row("what is ignored comes before all", "GPU battery", none);
+    row("so does the gauge of the chip's battery", "SOC gas gauge", none);
+    row("and a device sensor of the power manager", "PMU tdev1 SOC", none);
     row("flash memory comes before the Neural Engine", "ANE nand", none);
     row("a calibration value comes before the cores", "PMU TCAL", none);
 
