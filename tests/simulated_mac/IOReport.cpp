@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <span>
+#include <set>
 
 using namespace corvane::simulated;
 
@@ -19,10 +19,27 @@ public:
     std::vector<std::size_t> channels;
 };
 
+class Subscription;
+
+/// Subscriptions that were never closed: known to the kernel, so that they are no lost memory.
+std::set<const Subscription *> &openSubscriptions()
+{
+    static auto *open = new std::set<const Subscription *>; // Outlives the search for lost memory.
+    return *open;
+}
+
 class Subscription : public Object {
 public:
-    Subscription() : Object(subscriptionType) { ++ledger().subscriptions; }
-    ~Subscription() override { --ledger().subscriptions; }
+    Subscription() : Object(subscriptionType)
+    {
+        openSubscriptions().insert(this);
+        ++ledger().subscriptions;
+    }
+    ~Subscription() override
+    {
+        openSubscriptions().erase(this);
+        --ledger().subscriptions;
+    }
 };
 
 /// One channel of a sample or a difference. Its texts are made when they are asked for and go with
@@ -35,17 +52,19 @@ public:
     {
     }
 
-    CFStringRef text(std::unique_ptr<String> &slot, const std::string &text)
+    /// The same text is the same string.
+    CFStringRef text(const std::string &text)
     {
-        if (!slot || slot->text != text)
-            slot = std::make_unique<String>(text);
-        return referenceTo<CFStringRef>(slot.get());
+        auto known = std::find_if(texts.begin(), texts.end(),
+                                  [&](const auto &string) { return string->text == text; });
+        if (known == texts.end())
+            known = texts.insert(known, std::make_unique<String>(text));
+        return referenceTo<CFStringRef>(known->get());
     }
 
     const Channel &channel;
     SimulatedMac::Counter counter;
-    std::unique_ptr<String> group, subgroup, name, unit;
-    std::vector<std::unique_ptr<String>> states;
+    std::vector<std::unique_ptr<String>> texts;
 };
 
 /// A sample, or the difference of two.
@@ -175,40 +194,38 @@ int iterate(CFDictionaryRef samples, int (^visit)(CFDictionaryRef))
 
 /// A text of a channel, or what the switch puts in its place.
 CFStringRef channelText(Call call, CFDictionaryRef channel,
-                        std::unique_ptr<String> ChannelEntry::*slot,
-                        const std::optional<std::string> &text)
+                        std::optional<std::string> (*textOf)(const Channel &))
 {
     auto &entry = objectAs<ChannelEntry>(channel);
     const auto fault = faults().ask(call);
+    const auto text = textOf(entry.channel);
     if (fault == Way::garbage)
-        return entry.text(entry.*slot, "\xc3\xa9\xe2\x88\x9e" + std::to_string(faults().garbage()));
-    if (fault || !text)
-        return nullptr;
-    return entry.text(entry.*slot, *text);
+        return entry.text("\xc3\xa9\xe2\x88\x9e" + std::to_string(faults().garbage()));
+    return fault || !text ? nullptr : entry.text(*text);
 }
 
 CFStringRef channelGroup(CFDictionaryRef channel)
 {
-    return channelText(Call::IOReportChannelGetGroup, channel, &ChannelEntry::group,
-                       objectAs<ChannelEntry>(channel).channel.group);
+    return channelText(Call::IOReportChannelGetGroup, channel,
+                       [](const Channel &of) { return std::optional(of.group); });
 }
 
 CFStringRef channelSubgroup(CFDictionaryRef channel)
 {
-    return channelText(Call::IOReportChannelGetSubGroup, channel, &ChannelEntry::subgroup,
-                       objectAs<ChannelEntry>(channel).channel.subgroup);
+    return channelText(Call::IOReportChannelGetSubGroup, channel,
+                       [](const Channel &of) { return of.subgroup; });
 }
 
 CFStringRef channelName(CFDictionaryRef channel)
 {
-    return channelText(Call::IOReportChannelGetChannelName, channel, &ChannelEntry::name,
-                       objectAs<ChannelEntry>(channel).channel.name);
+    return channelText(Call::IOReportChannelGetChannelName, channel,
+                       [](const Channel &of) { return std::optional(of.name); });
 }
 
 CFStringRef channelUnit(CFDictionaryRef channel)
 {
-    return channelText(Call::IOReportChannelGetUnitLabel, channel, &ChannelEntry::unit,
-                       objectAs<ChannelEntry>(channel).channel.unit);
+    return channelText(Call::IOReportChannelGetUnitLabel, channel,
+                       [](const Channel &of) { return of.unit; });
 }
 
 std::int64_t garbageNumber()
@@ -250,13 +267,10 @@ CFStringRef stateName(CFDictionaryRef channel, std::int32_t index)
     const auto fault = faults().ask(Call::IOReportStateGetNameForIndex);
     if (fault == Way::null || !hasState(entry, index))
         return nullptr;
-    const auto state = static_cast<std::size_t>(index);
-    entry.states.resize(entry.channel.states.size());
     if (fault == Way::garbage)
-        return entry.text(entry.states[state],
-                          "\xf0\x9f\x8c\x8b" + std::to_string(faults().garbage()));
-    const auto &name = entry.channel.states[state].name;
-    return name ? entry.text(entry.states[state], *name) : nullptr;
+        return entry.text("\xf0\x9f\x8c\x8b" + std::to_string(faults().garbage()));
+    const auto &name = entry.channel.states[static_cast<std::size_t>(index)].name;
+    return name ? entry.text(*name) : nullptr;
 }
 
 std::int64_t stateResidency(CFDictionaryRef channel, std::int32_t index)
