@@ -1,3 +1,4 @@
+#include "platform/BackgroundJob.h"
 #include "processes/AIProcessDetector.h"
 #include "processes/ProcTree.h"
 #include "processes/ProcessSampler.h"
@@ -6,6 +7,8 @@
 #include <QTest>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -35,6 +38,9 @@ private slots:
     void looksAtTheEightyHeaviest();
     void findsNothingWhereNothingIs();
     void findsItself();
+    void isSafeFromManyThreads();
+    void isDeliveredInTheBackground();
+    void isDroppedWithItsOwner();
 };
 
 void TestSurvey::equalsRankingAndDetection()
@@ -85,5 +91,54 @@ void TestSurvey::findsItself()
     QVERIFY(std::ranges::is_sorted(survey.processes, std::greater(), &ProcessRow::memory));
 }
 
-QTEST_APPLESS_MAIN(TestSurvey)
+void TestSurvey::isSafeFromManyThreads()
+{
+    ProcTree tree;
+    addCrowd(tree, 1000, 5, 900 * MiB);
+    tree.add(1,
+             {.own = 300 * MiB, .comm = "ollama\n", .cmdline = QByteArray("ollama\0run\0a\0", 13)});
+    const Survey expected = surveyBelow(tree.root());
+    std::atomic<int> differing = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int pass = 0; pass < 20; ++pass)
+                differing += surveyBelow(tree.root()) != expected;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(differing.load(), 0);
+}
+
+void TestSurvey::isDeliveredInTheBackground()
+{
+    QObject owner;
+    std::vector<Survey> received;
+    for (int i = 0; i < 5; ++i)
+        runThenDeliver(&owner, takeSurvey,
+                       [&received](Survey survey) { received.push_back(std::move(survey)); });
+    QTRY_COMPARE(received.size(), std::size_t(5));
+    for (const Survey &survey : received)
+        QVERIFY(!survey.processes.empty());
+}
+
+void TestSurvey::isDroppedWithItsOwner()
+{
+    bool delivered = false;
+    for (int i = 0; i < 20; ++i) {
+        QObject owner;
+        runThenDeliver(&owner, takeSurvey, [&delivered](const Survey &) { delivered = true; });
+    }
+    QObject other;
+    bool later = false;
+    while (!later) {
+        runThenDeliver(
+            &other, [] { return true; }, [&later](bool value) { later = value; });
+        QTest::qWait(1);
+    }
+    QVERIFY(!delivered);
+}
+
+QTEST_GUILESS_MAIN(TestSurvey)
 #include "tst_Survey.moc"
