@@ -39,8 +39,7 @@ std::vector<std::int32_t> listProcesses(DIR *proc)
             pids.push_back(static_cast<std::int32_t>(*pid));
     }
     std::ranges::sort(pids);
-    const auto repeated = std::ranges::unique(pids);
-    pids.erase(repeated.begin(), repeated.end());
+    pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
     return pids;
 }
 
