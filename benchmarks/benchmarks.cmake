@@ -1,0 +1,1 @@
+corvane_benchmark(ProcessPass LINK corvane::processes)
