@@ -52,8 +52,10 @@ enum class Call {
     proc_listpids,
     proc_pid_rusage,
     proc_name,
+    pthread_set_qos_class_self_np,
 };
-inline constexpr std::size_t callCount = static_cast<std::size_t>(Call::proc_name) + 1;
+inline constexpr std::size_t callCount =
+    static_cast<std::size_t>(Call::pthread_set_qos_class_self_np) + 1;
 
 /// How a call answers when it fails.
 enum class Way {

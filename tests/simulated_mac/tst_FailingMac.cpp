@@ -1,6 +1,8 @@
 // Every platform call of the Apple sources made to fail, one at a time and all at random, with
 // everything above them running: nothing may crash, and all that was handed out comes back.
 
+#include "platform/ThreadPriority.h"
+#include "processes/ProcessBridge.h"
 #include "sampling/CPUCoreSampler.h"
 #include "sampling/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
@@ -63,6 +65,9 @@ bool TestFailingMac::readEverything(const ChipSource &chip)
 {
     const MemorySnapshot memory = MemorySampler::sample();
     SystemInfo::shownChipName(readChipName());
+    for (const ProcessRecord &process : ProcessBridge::topProcessesByMemory(20))
+        ProcessBridge::processArgsForPID(*process.pid);
+    lowerThreadPriority();
     const auto reading = chip ? chip() : std::nullopt;
     const auto check = [&] {
         QVERIFY(memory.used <= memory.total);
