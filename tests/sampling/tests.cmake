@@ -1,0 +1,1 @@
+corvane_test(sampling/tst_ProcStat LINK corvane::readers)
