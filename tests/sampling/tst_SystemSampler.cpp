@@ -244,7 +244,8 @@ void TestSystemSampler::aDayOfTicksGrowsNothing()
             sampler.tick();
         settle(sampler);
         QCOMPARE(sampler.history().size(), std::size_t(60));
-        QCOMPARE(openDescriptors(), filesBefore);
+        // The queue may be writing the timer's own tick just now.
+        QTRY_VERIFY(openDescriptors() <= filesBefore);
         QVERIFY2(heapInUse() - heapBefore < 64 * 1024, "the heap grew");
     }
     QVERIFY(linesIn(m_directory) <= 180);
