@@ -5,3 +5,8 @@ corvane_test(telemetry/tst_FrequencyTables LINK corvane::telemetry)
 corvane_test(telemetry/tst_IOReportPowerSampler LINK corvane::telemetry)
 corvane_test(telemetry/tst_NaturalOrder LINK corvane::telemetry)
 corvane_test(telemetry/tst_ThermalSampler LINK corvane::telemetry)
+
+if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED_TESTS)
+  add_executable(corvane_probe_chip telemetry/probe_chip.cpp)
+  target_link_libraries(corvane_probe_chip PRIVATE corvane_flags corvane::telemetry)
+endif()
