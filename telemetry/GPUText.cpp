@@ -90,7 +90,7 @@ std::optional<double> parseMicrowatts(std::string_view text)
     const auto microwatts = parseUnsigned(trimmed(text));
     if (!microwatts || double(*microwatts) > mostWatts * 1e6)
         return std::nullopt;
-    return double(*microwatts) * 1e-6;
+    return double(*microwatts) / 1e6;
 }
 
 } // namespace corvane
