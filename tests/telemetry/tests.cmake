@@ -19,3 +19,28 @@ if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED_TESTS)
   add_executable(corvane_probe_chip telemetry/probe_chip.cpp)
   target_link_libraries(corvane_probe_chip PRIVATE corvane_flags corvane::telemetry)
 endif()
+
+# Stand-ins for NVIDIA's management library: an ordinary one, and ones that lack functions.
+if(CORVANE_SYSTEM STREQUAL "linux")
+  foreach(variant "" _OLD _NEW _BARE)
+    string(TOLOWER stand_in_nvml${variant} library)
+    add_library(${library} MODULE telemetry/stand_in_nvml.cpp)
+    target_link_libraries(${library} PRIVATE corvane_flags)
+    target_compile_definitions(${library} PRIVATE STAND_IN${variant})
+    list(APPEND stand_ins STAND_IN_NVML${variant}="$<TARGET_FILE:${library}>")
+  endforeach()
+  add_library(corvane_stand_in_nvidia STATIC telemetry/StandInNvidia.cpp)
+  target_link_libraries(corvane_stand_in_nvidia PUBLIC corvane_flags corvane_test_support)
+  target_compile_definitions(corvane_stand_in_nvidia INTERFACE ${stand_ins})
+  add_dependencies(corvane_stand_in_nvidia stand_in_nvml stand_in_nvml_old stand_in_nvml_new
+                   stand_in_nvml_bare)
+endif()
+corvane_test(telemetry/tst_NvidiaLibrary SYSTEM linux LINK corvane::telemetry
+             corvane_stand_in_nvidia)
+corvane_test(telemetry/tst_NvidiaReader SYSTEM linux THREADED LINK corvane::telemetry
+             corvane_stand_in_nvidia)
+corvane_test(telemetry/tst_GPUWatch SYSTEM linux THREADED LINK corvane::telemetry
+             corvane_stand_in_nvidia)
+corvane_test(telemetry/tst_TemperatureSensors LINK corvane::telemetry)
+corvane_test(telemetry/tst_ThermalBridge SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_CPUClusterStates SYSTEM linux LINK corvane::telemetry)
