@@ -64,8 +64,12 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void **keys, 
 CFIndex CFArrayGetCount(CFArrayRef array);
 const void *CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
-/// A constant string, made once and never freed.
+/// A constant string, made once and never freed. Compiled for a Mac it is the compiler's affair.
+#ifdef __APPLE__
+#define CFSTR(text) (reinterpret_cast<CFStringRef>(__builtin___CFStringMakeConstantString(text)))
+#else
 CFStringRef CFSimulatedConstantString(const char *text);
 #define CFSTR(text) CFSimulatedConstantString("" text "")
+#endif
 
 } // extern "C"
