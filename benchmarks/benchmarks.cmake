@@ -1,2 +1,6 @@
 corvane_benchmark(ProcessPass LINK corvane::processes)
 corvane_benchmark(History LINK corvane::history)
+if(CORVANE_SYSTEM STREQUAL "simulated-mac")
+  corvane_benchmark(SimulatedChip LINK corvane::telemetry corvane_simulated_mac)
+  target_include_directories(bench_SimulatedChip PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+endif()
