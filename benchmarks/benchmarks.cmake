@@ -1,1 +1,3 @@
 corvane_benchmark(History LINK corvane::history)
+corvane_benchmark(Tick LINK corvane::sampler)
+corvane_benchmark(Label LINK corvane::app)
