@@ -1,6 +1,4 @@
-corvane_test(sampling/tst_AppSettings SYSTEM linux simulated-mac
-  SOURCES ${PROJECT_SOURCE_DIR}/sampling/AppSettings.cpp ${PROJECT_SOURCE_DIR}/sampling/AppSettings.h
-  LINK    corvane::records)
+corvane_test(sampling/tst_AppSettings SYSTEM linux simulated-mac LINK corvane::sampler)
 corvane_test(sampling/tst_ByteFormatter LINK corvane::records)
 corvane_test(sampling/tst_CPUCoreSampler LINK corvane::readers)
 corvane_test(sampling/tst_HistoryWindow LINK corvane::records)
@@ -12,3 +10,8 @@ corvane_test(sampling/tst_SeriesReduction LINK corvane::records)
 corvane_test(sampling/tst_SystemMetrics LINK corvane::records)
 corvane_test(sampling/tst_CoreTicks SYSTEM linux LINK corvane::readers)
 corvane_test(sampling/tst_MemoryCounters SYSTEM linux LINK corvane::readers)
+corvane_test(sampling/tst_LiveMemory SYSTEM linux TIMEOUT 1200 LINK corvane::readers)
+if(TEST sampling/LiveMemory)
+  # It watches the whole machine's memory, which the other tests would move.
+  set_tests_properties(sampling/LiveMemory PROPERTIES RUN_SERIAL ON)
+endif()
