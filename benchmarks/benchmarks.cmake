@@ -1,0 +1,1 @@
+corvane_benchmark(History LINK corvane::history)
