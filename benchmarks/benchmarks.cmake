@@ -1,0 +1,1 @@
+corvane_benchmark(Sparkline LINK corvane::charts)
