@@ -135,6 +135,48 @@ const QColor &plateStroke()
     return color;
 }
 
+const QColor &pillFill()
+{
+    static const QColor color = withOpacity(QColor(33, 36, 46), 0.96);
+    return color;
+}
+
+const QColor &pillStroke()
+{
+    static const QColor color = white(0.1);
+    return color;
+}
+
+const QColor &chartGrid()
+{
+    static const QColor color = white(0.05);
+    return color;
+}
+
+const QColor &chartCursor()
+{
+    static const QColor color = white(0.35);
+    return color;
+}
+
+const QColor &timeLabel()
+{
+    static const QColor color = withOpacity(textSecondary(), 0.5);
+    return color;
+}
+
+const QColor &timeLabelTag()
+{
+    static const QColor color = withOpacity(QColor(11, 13, 20), 0.5);
+    return color;
+}
+
+const QColor &focusRing()
+{
+    static const QColor color = withOpacity(cpu(), 0.6);
+    return color;
+}
+
 QColor withOpacity(const QColor &colour, double opacity)
 {
     QColor faded = colour;

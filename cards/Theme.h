@@ -28,6 +28,13 @@ const QColor &panelStroke();
 const QColor &divider();
 const QColor &plate(); ///< Behind numbers that stand on a foreign bar.
 const QColor &plateStroke();
+const QColor &pillFill(); ///< Of the values under a chart's cursor.
+const QColor &pillStroke();
+const QColor &chartGrid();
+const QColor &chartCursor();
+const QColor &timeLabel();
+const QColor &timeLabelTag(); ///< Keeps a time label readable on a chart's fill.
+const QColor &focusRing();
 
 /// `colour` at `opacity` times its own.
 QColor withOpacity(const QColor &colour, double opacity);

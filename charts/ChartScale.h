@@ -1,0 +1,46 @@
+#pragma once
+
+#include "charts/SparklineData.h"
+
+#include <QPointF>
+#include <QSizeF>
+
+#include <optional>
+#include <span>
+
+namespace corvane {
+
+/// Maps time and value to points of a chart, with the origin at its top left. Plain arithmetic
+/// without a widget.
+struct ChartScale {
+    ChartRange time = {};
+    ChartRange value = {};
+    QSizeF size = {};
+
+    /// Whether there is anything to map: no series is drawn on an empty or backwards range.
+    bool isUsable() const { return time.span() > 0 && value.span() > 0; }
+
+    /// Nothing for a time outside the range (both ends belong to it) or one that is not a number.
+    std::optional<double> xFor(double seconds) const;
+
+    /// Pinned to the range. What is not a number comes out at the upper end, as in the core bars.
+    double yFor(double amount) const;
+
+    std::optional<QPointF> pointFor(double seconds, double amount) const;
+
+    double middleTime() const { return (time.lower + time.upper) * 0.5; }
+};
+
+/// Index of the sample nearest to `x` on a chart of that width; of two equally near ones the older.
+/// A sample that is later than a following one is passed over: the clock was set back behind it.
+/// Nothing without width, time range or samples.
+std::optional<std::size_t> nearestIndex(std::span<const double> timestamps, const ChartRange &time,
+                                        double x, double width);
+
+/// Horizontal centre of a pill: at the cursor, but 4 points inside either edge; the right one wins.
+double clampedPillX(double x, double halfWidth, double plotWidth);
+
+/// Vertical centre of a pill: it hangs 2 points below the top edge, its centre never above 4.
+double pillY(double height);
+
+} // namespace corvane

@@ -1,0 +1,59 @@
+#include "charts/SpokenValue.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QWidget>
+
+namespace corvane {
+
+namespace {
+
+class SpokenWidget : public QAccessibleWidget {
+public:
+    SpokenWidget(QWidget *widget, const SpokenValue *spoken)
+        : QAccessibleWidget(widget, QAccessible::Chart),
+          m_spoken(spoken)
+    {
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        // Linux's accessibility bus reads out descriptions, the Mac's reads out values.
+        if (kind == QAccessible::Value || kind == QAccessible::Description)
+            return m_spoken->spokenValue();
+        return QAccessibleWidget::text(kind);
+    }
+
+private:
+    const SpokenValue *m_spoken; ///< The widget itself; Qt drops this interface with it.
+};
+
+QAccessibleInterface *spokenInterface(const QString &, QObject *object)
+{
+    auto *widget = qobject_cast<QWidget *>(object);
+    const auto *spoken = dynamic_cast<const SpokenValue *>(object);
+    return widget && spoken ? new SpokenWidget(widget, spoken) : nullptr;
+}
+
+} // namespace
+
+SpokenValue::SpokenValue()
+{
+    QAccessible::installFactory(spokenInterface); // Once: Qt drops repetitions.
+}
+
+void SpokenValue::announceChange(QWidget *self)
+{
+    if (!QAccessible::isActive())
+        return;
+    QString text = spokenValue();
+    if (text == m_announced)
+        return;
+    m_announced = std::move(text);
+    QAccessibleValueChangeEvent changedValue(self, m_announced);
+    QAccessible::updateAccessibility(&changedValue);
+    QAccessibleEvent changedDescription(self, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&changedDescription);
+}
+
+} // namespace corvane

@@ -1,0 +1,200 @@
+#include "history/HistoryStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+PersistedMetric record(int number)
+{
+    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
+}
+
+void writeText(const char *path, const QByteArray &text)
+{
+    QFile file(QFile::decodeName(path));
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        file.write(text);
+}
+
+/// Gives this process mounts of its own; as an ordinary user by making it the root of a namespace,
+/// which many systems allow. Has to come before the first thread.
+bool takeMountsOfItsOwn()
+{
+    const QByteArray user = QByteArray::number(geteuid());
+    const QByteArray group = QByteArray::number(getegid());
+    if (unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0)
+        return false;
+    if (user != "0") {
+        writeText("/proc/self/uid_map", "0 " + user + " 1");
+        writeText("/proc/self/setgroups", "deny");
+        writeText("/proc/self/gid_map", "0 " + group + " 1");
+    }
+    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+} // namespace
+
+/// The store on a small disk of its own, which only this process sees and which goes with it.
+class TestFullDisk : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TestFullDisk(bool mayMount) : m_mayMount(mayMount) { }
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void losesWhatTheDiskRefused();
+    void keepsTheFileWhenThereIsNoRoomToTrimIt();
+    void startsOnAFullDisk();
+    void readsFromAReadOnlyDisk();
+    void startsOnAReadOnlyDisk();
+
+private:
+    void fill() const;
+    void setReadOnly(bool readOnly) const;
+    QList<int> load() const;
+
+    const bool m_mayMount;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_disk;
+};
+
+void TestFullDisk::initTestCase()
+{
+    if (!m_mayMount)
+        QSKIP("This user cannot have mounts of its own here.");
+}
+
+void TestFullDisk::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_disk = m_folder->path().toLocal8Bit();
+    if (mount("none", m_disk.constData(), "tmpfs", 0, "size=64k") != 0)
+        QSKIP(qPrintable(u"No disk can be mounted here: %1"_s.arg(qt_error_string())));
+}
+
+void TestFullDisk::cleanup()
+{
+    umount2(m_disk.constData(), MNT_DETACH);
+}
+
+/// Leaves no room but what is left of the last block of a file.
+void TestFullDisk::fill() const
+{
+    QFile filler(m_folder->filePath(u"filler"_s));
+    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    const QByteArray block(4096, 'x');
+    while (filler.write(block) > 0) { }
+}
+
+void TestFullDisk::setReadOnly(bool readOnly) const
+{
+    const unsigned long flags = readOnly ? MS_REMOUNT | MS_RDONLY : MS_REMOUNT;
+    QCOMPARE(mount("none", m_disk.constData(), "tmpfs", flags, "size=64k"), 0);
+}
+
+QList<int> TestFullDisk::load() const
+{
+    QList<int> found;
+    for (const PersistedMetric &metric : HistoryStore(m_folder->path()).loadLast(1000))
+        found.append(static_cast<int>(metric.t));
+    return found;
+}
+
+void TestFullDisk::losesWhatTheDiskRefused()
+{
+    HistoryStore store(m_folder->path());
+    store.append(record(0));
+    store.loadLast(1);
+    fill();
+    // The rest of the file's block takes some, one of them in part.
+    for (int number = 1; number < 100; ++number)
+        store.append(record(number));
+    const auto written = static_cast<int>(store.loadLast(1000).size());
+    QVERIFY(written > 1 && written < 100);
+    QCOMPARE(QFile(m_folder->filePath(u"history.jsonl"_s)).size(), 4096);
+
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    for (int number = 100; number < 103; ++number)
+        store.append(record(number));
+    store.loadLast(1);
+    QList<int> expected;
+    for (int number = 0; number < written; ++number)
+        expected.append(number);
+    QCOMPARE(load(), expected + QList<int>({101, 102}));
+}
+
+void TestFullDisk::keepsTheFileWhenThereIsNoRoomToTrimIt()
+{
+    HistoryStore store(m_folder->path());
+    for (int number = 0; number < 150; ++number)
+        store.append(record(number));
+    QCOMPARE(store.loadLast(1000).size(), 150U);
+    fill();
+    store.trim(120);
+    QCOMPARE(store.loadLast(1000).size(), 150U);
+    const QStringList names = QDir(m_folder->path()).entryList(QDir::Files);
+    QCOMPARE(names, QStringList({u"filler"_s, u"history.jsonl"_s}));
+
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    store.trim(120);
+    QCOMPARE(store.loadLast(1000).size(), 120U);
+}
+
+void TestFullDisk::startsOnAFullDisk()
+{
+    fill();
+    HistoryStore store(m_folder->path());
+    store.append(record(1));
+    QVERIFY(store.loadLast(60).empty());
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    store.append(record(2));
+    QCOMPARE(store.loadLast(60).size(), 1U);
+}
+
+void TestFullDisk::readsFromAReadOnlyDisk()
+{
+    HistoryStore store(m_folder->path());
+    for (int number = 0; number < 3; ++number)
+        store.append(record(number));
+    QCOMPARE(store.loadLast(60).size(), 3U);
+    setReadOnly(true);
+    store.append(record(3));
+    store.trim(1);
+    QCOMPARE(store.loadLast(60).size(), 3U);
+    setReadOnly(false);
+    store.append(record(4));
+    store.loadLast(1);
+    QCOMPARE(load(), QList<int>({0, 1, 2, 4}));
+}
+
+void TestFullDisk::startsOnAReadOnlyDisk()
+{
+    setReadOnly(true);
+    HistoryStore store(m_folder->filePath(u"Corvane"_s));
+    store.append(record(1));
+    store.trim(0);
+    QVERIFY(store.loadLast(60).empty());
+}
+
+int main(int argc, char **argv)
+{
+    TestFullDisk test(takeMountsOfItsOwn());
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_FullDisk.moc"
