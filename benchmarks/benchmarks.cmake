@@ -1,4 +1,5 @@
 corvane_benchmark(Sparkline LINK corvane::charts)
+corvane_benchmark(ProcessPass LINK corvane::processes)
 corvane_benchmark(History LINK corvane::history)
 corvane_benchmark(Tick LINK corvane::sampler)
 corvane_benchmark(Label LINK corvane::app)

@@ -17,6 +17,45 @@ std::optional<Number> parseWhole(std::string_view text)
     return number;
 }
 
+/// Bytes of the UTF-8 sequence that `first` opens; 0 when it opens none.
+std::size_t sequenceLength(unsigned char first)
+{
+    if (first < 0x80)
+        return 1;
+    if (first < 0xC2) // A continuation byte, or an overlong form of ASCII.
+        return 0;
+    if (first < 0xE0)
+        return 2;
+    if (first < 0xF0)
+        return 3;
+    return first < 0xF5 ? 4 : 0;
+}
+
+/// Whether the bytes of one sequence stand for a character (the table of well-formed sequences in
+/// the Unicode standard: the second byte alone tells overlong forms, surrogates and numbers above
+/// U+10FFFF).
+bool isSequence(std::string_view bytes)
+{
+    for (const char byte : bytes.substr(1)) {
+        if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80)
+            return false;
+    }
+    const auto first = static_cast<unsigned char>(bytes.front());
+    const auto second = static_cast<unsigned char>(bytes.size() > 1 ? bytes[1] : 0);
+    switch (first) {
+    case 0xE0:
+        return second >= 0xA0;
+    case 0xED:
+        return second < 0xA0;
+    case 0xF0:
+        return second >= 0x90;
+    case 0xF4:
+        return second < 0x90;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 std::optional<std::string_view> takeLine(std::string_view &text)
@@ -72,6 +111,27 @@ std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit)
     if (unit != 0 && count > largestByteCount / unit)
         return std::nullopt;
     return count * unit;
+}
+
+std::optional<std::uint64_t> parseKibibytes(std::string_view text)
+{
+    constexpr std::uint64_t kibibyte = 1024;
+    const auto word = takeWord(text);
+    const auto count = word ? parseUnsigned(*word) : std::nullopt;
+    if (!count || trimmed(text) != "kB" || !byteCount(*count, kibibyte))
+        return std::nullopt;
+    return count;
+}
+
+bool isUtf8(std::string_view text)
+{
+    while (!text.empty()) {
+        const std::size_t length = sequenceLength(static_cast<unsigned char>(text.front()));
+        if (length == 0 || length > text.size() || !isSequence(text.substr(0, length)))
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
 }
 
 } // namespace corvane
