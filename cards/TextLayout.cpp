@@ -72,6 +72,12 @@ bool setDigitByDigit(const QString &text, const QFont &font, Digits digits)
 
 } // namespace
 
+double TextLine::baseline(const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    return top + (height + metrics.ascent() - metrics.descent()) / 2;
+}
+
 double textWidth(const QString &text, const QFont &font, Digits digits)
 {
     if (!setDigitByDigit(text, font, digits))

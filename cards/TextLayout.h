@@ -12,6 +12,15 @@ namespace corvane {
 /// that changes moves nothing. Done by hand, since Qt 6.4 cannot ask a font for its tabular digits.
 enum class Digits { proportional, fixedWidth };
 
+/// A line's box in its parent: the text stands centred in it, whatever the font.
+struct TextLine {
+    double top = 0;
+    double height = 0;
+
+    constexpr double bottom() const { return top + height; }
+    double baseline(const QFont &font) const;
+};
+
 /// Width of one line of text in points.
 double textWidth(const QString &text, const QFont &font, Digits digits = Digits::fixedWidth);
 

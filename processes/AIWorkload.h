@@ -2,6 +2,8 @@
 
 #include "processes/AIFramework.h"
 
+#include <QHashFunctions>
+
 #include <cstdint>
 
 namespace corvane {
@@ -20,9 +22,9 @@ struct AIWorkload {
 
 inline std::size_t qHash(const AIWorkload &workload, std::size_t seed = 0)
 {
-    return qHashMulti(seed, workload.id, workload.pid, workload.processName, workload.framework,
-                      workload.model.value_or(QString()), workload.model.has_value(),
-                      workload.memory);
+    return qHashMulti(seed, workload.id, workload.pid, workload.processName,
+                      static_cast<int>(workload.framework), workload.model.value_or(QString()),
+                      workload.model.has_value(), workload.memory);
 }
 
 } // namespace corvane

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "sampling/AppSettings.h"
+#include "sampling/SystemSampler.h"
+
+namespace corvane {
+
+/// What lives as long as the program, in the order in which it is made. Made once by the
+/// application before anything is shown; main thread.
+struct AppState {
+    AppSettings settings;            ///< From the stored preferences.
+    SystemSampler sampler{settings}; ///< Samples from here on.
+};
+
+} // namespace corvane

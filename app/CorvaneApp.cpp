@@ -1,0 +1,93 @@
+#include "app/CorvaneApp.h"
+
+#include "app/MainWindow.h"
+
+#include <QApplication>
+#include <QCursor>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// What the system's stores of preferences, windows and buses know the program by.
+void nameProgram()
+{
+    QCoreApplication::setOrganizationName(u"Corvane"_s);
+    QCoreApplication::setOrganizationDomain(u"corvane.github.io"_s);
+    QCoreApplication::setApplicationName(u"Corvane"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
+}
+
+} // namespace
+
+CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
+{
+    connectLabel();
+    connectPanel();
+    // A program that runs and shows nothing is a defect.
+    if (!TrayLabel::isAvailable())
+        openMainWindow();
+}
+
+void CorvaneApp::openMainWindow()
+{
+    if (!m_mainWindow) {
+        m_mainWindow = new MainWindow;
+        m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connectMainWindow();
+    }
+    m_mainWindow->QWidget::show();
+    m_mainWindow->raise();
+    m_mainWindow->activateWindow();
+}
+
+void CorvaneApp::connectLabel()
+{
+    const auto show = [this] { m_label.show(m_state.sampler.current()); };
+    connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
+    connect(&m_label, &TrayLabel::activated, &m_panel,
+            [this] { m_panel.toggleAt(QCursor::pos()); });
+    connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
+    connect(&m_label, &TrayLabel::quitRequested, qApp, &QCoreApplication::quit);
+    show();
+}
+
+void CorvaneApp::connectPanel()
+{
+    const auto show = [this] { m_panel.show(m_state.sampler.current()); };
+    connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
+    connect(&m_panel, &MenuBarContent::openWindowRequested, this, &CorvaneApp::openMainWindow);
+    connect(&m_panel, &MenuBarContent::quitRequested, qApp, &QCoreApplication::quit);
+    show();
+}
+
+void CorvaneApp::connectMainWindow()
+{
+    const SystemSampler &sampler = m_state.sampler;
+    MainWindow *window = m_mainWindow;
+    const auto showSamples = [&sampler, window] {
+        window->show(sampler.current(), sampler.history());
+    };
+    const auto showProcesses = [&sampler, window] { window->showProcesses(sampler.processes()); };
+    const auto showWorkloads = [&sampler, window] { window->showWorkloads(sampler.aiWorkloads()); };
+    connect(&sampler, &SystemSampler::historyChanged, window, showSamples);
+    connect(&sampler, &SystemSampler::processesChanged, window, showProcesses);
+    connect(&sampler, &SystemSampler::aiWorkloadsChanged, window, showWorkloads);
+    showSamples();
+    showProcesses();
+    showWorkloads();
+}
+
+int run(int argc, char **argv)
+{
+    nameProgram();
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const CorvaneApp corvane;
+    return QApplication::exec();
+}
+
+} // namespace corvane

@@ -1,0 +1,166 @@
+#include "app/MenuBarContent.h"
+
+#include "app/PanelButton.h"
+#include "app/PanelHeader.h"
+#include "app/PanelRow.h"
+#include "cards/Theme.h"
+
+#include <QBoxLayout>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int panelWidth = 280;
+constexpr int padding = 12;
+constexpr int radius = 10;
+constexpr int dividerGap = 10;
+constexpr int rowGap = 8;
+constexpr int buttonGap = 8;
+constexpr int screenMargin = 8;
+
+/// A hairline across the panel.
+class Divider : public QWidget {
+public:
+    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
+};
+
+/// A Wayland compositor places a pop-up only below an input event of its own window, which a click
+/// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
+Qt::WindowFlags panelFlags()
+{
+    const bool canGrab = QGuiApplication::platformName() != "wayland"_L1;
+    return (canGrab ? Qt::Popup : Qt::Tool) | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+}
+
+} // namespace
+
+MenuBarContent::MenuBarContent(QWidget *parent)
+    : QWidget(parent, panelFlags()),
+      m_header(new PanelHeader(this))
+{
+    setWindowTitle(u"Corvane"_s);
+    setAccessibleName(u"Corvane panel"_s);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setFixedWidth(panelWidth);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(0);
+    const auto addDivider = [this, column] {
+        column->addSpacing(dividerGap);
+        column->addWidget(new Divider(this));
+        column->addSpacing(dividerGap);
+    };
+
+    column->addWidget(m_header);
+    addDivider();
+    for (PanelRow *&row : m_rows) {
+        row = new PanelRow(this);
+        if (&row != &m_rows.front())
+            column->addSpacing(rowGap);
+        column->addWidget(row);
+    }
+    addDivider();
+
+    auto *openWindow = new PanelButton(u"Open Window"_s, u"macwindow"_s, this);
+    auto *quit = new PanelButton(u"Quit"_s, u"power"_s, this);
+    connect(openWindow, &PanelButton::clicked, this, &MenuBarContent::openWindowRequested);
+    connect(openWindow, &PanelButton::clicked, this, &QWidget::hide);
+    connect(quit, &PanelButton::clicked, this, &MenuBarContent::quitRequested);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonGap);
+    buttons->addWidget(openWindow, 1);
+    buttons->addWidget(quit);
+    column->addLayout(buttons);
+
+    show(SystemMetrics::placeholder());
+    adjustSize();
+}
+
+void MenuBarContent::show(const SystemMetrics &current)
+{
+    m_header->show(totalWatts(current.chip));
+    const auto rows = readOutRows(current);
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        m_rows[row]->show(rows[row]);
+}
+
+void MenuBarContent::toggleAt(const QPoint &anchor)
+{
+    // The click that closed the panel may be this one: it reaches the label after the panel is
+    // gone.
+    constexpr int sameClickMilliseconds = 250;
+    if (isVisible()) {
+        hide();
+        return;
+    }
+    if (m_sinceHidden.isValid() && m_sinceHidden.elapsed() < sameClickMilliseconds)
+        return;
+    const QScreen *screen = QGuiApplication::screenAt(anchor);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    move(panelOrigin(anchor, size(), screen->availableGeometry()));
+    QWidget::show();
+    activateWindow();
+}
+
+void MenuBarContent::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::panelFill());
+    painter.drawRoundedRect(rect(), radius, radius);
+    painter.setPen(QPen(Theme::panelStroke(), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5,
+                            radius - 0.5);
+}
+
+void MenuBarContent::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void MenuBarContent::hideEvent(QHideEvent *event)
+{
+    m_sinceHidden.start();
+    QWidget::hideEvent(event);
+}
+
+bool MenuBarContent::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowDeactivate)
+        hide();
+    return QWidget::event(event);
+}
+
+QPoint panelOrigin(const QPoint &anchor, const QSize &size, const QRect &available)
+{
+    constexpr int gap = 4;
+    const QRect room = available.adjusted(screenMargin, screenMargin, -screenMargin, -screenMargin);
+    const bool below = anchor.y() < available.center().y();
+    const int x = anchor.x() - size.width() / 2;
+    const int y = below ? anchor.y() + gap : anchor.y() - gap - size.height();
+    // Where the panel is larger than the screen its upper left part stays visible.
+    return {std::max(std::min(x, room.right() + 1 - size.width()), room.left()),
+            std::max(std::min(y, room.bottom() + 1 - size.height()), room.top())};
+}
+
+} // namespace corvane

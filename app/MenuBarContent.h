@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/ReadOut.h"
+
+#include <QElapsedTimer>
+#include <QWidget>
+
+namespace corvane {
+
+class PanelHeader;
+class PanelRow;
+
+/// The panel that drops down from the label: name, chip and total power, five live rows and two
+/// buttons. Owned by the application, which shows it each new sample; main thread. Closes on a
+/// click elsewhere and on Escape.
+class MenuBarContent : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MenuBarContent(QWidget *parent = nullptr);
+
+    /// Shows these numbers; an absent chip reading as 0.
+    void show(const SystemMetrics &current);
+
+    /// Opens it near `anchor` (a point on the screen), or closes it if it is open: what a click on
+    /// the label does.
+    void toggleAt(const QPoint &anchor);
+
+signals:
+    void openWindowRequested();
+    void quitRequested();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    PanelHeader *m_header = nullptr;
+    std::array<PanelRow *, 5> m_rows = {};
+    QElapsedTimer m_sinceHidden;
+};
+
+/// Top left corner of a panel of `size` that belongs to `anchor`: centred on it, below it in the
+/// upper half of the screen and above it in the lower one, never outside `available`.
+QPoint panelOrigin(const QPoint &anchor, const QSize &size, const QRect &available);
+
+} // namespace corvane

@@ -1,0 +1,105 @@
+#include "app/PanelButton.h"
+
+#include "cards/Icon.h"
+#include "cards/TextLayout.h"
+#include "cards/Theme.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+constexpr double buttonHeight = 28;
+constexpr double radius = 6;
+constexpr double padding = 12;
+constexpr double symbolSize = 14;
+constexpr double iconGap = 6;
+constexpr double ringWidth = 2;
+constexpr double disabledOpacity = 0.4;
+
+const QFont &textFont()
+{
+    static const QFont font = Theme::systemFont(12, QFont::Medium);
+    return font;
+}
+
+double fillOpacity(const PanelButton &button)
+{
+    if (!button.isEnabled())
+        return 0.08;
+    if (button.isDown())
+        return 0.05;
+    return button.underMouse() ? 0.12 : 0.08;
+}
+
+void strokeInside(QPainter &painter, const QRectF &rect, const QColor &color, double width)
+{
+    const double inset = width / 2;
+    painter.setPen(QPen(color, width));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset,
+                            radius - inset);
+}
+
+} // namespace
+
+PanelButton::PanelButton(const QString &text, const QString &symbol, QWidget *parent)
+    : QAbstractButton(parent),
+      m_symbol(symbol)
+{
+    setText(text);
+    setAccessibleName(text);
+    setFocusPolicy(Qt::StrongFocus);
+    setFixedHeight(static_cast<int>(buttonHeight));
+}
+
+QSize PanelButton::sizeHint() const
+{
+    return {static_cast<int>(std::ceil(contentWidth() + 2 * padding)),
+            static_cast<int>(buttonHeight)};
+}
+
+void PanelButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::withOpacity(Qt::white, fillOpacity(*this)));
+    painter.drawRoundedRect(rect(), radius, radius);
+    strokeInside(painter, rect(), Theme::withOpacity(Qt::white, 0.06), 1);
+    if (hasFocus())
+        strokeInside(painter, rect(), Theme::withOpacity(Theme::cpu(), 0.6), ringWidth);
+
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    double x = (width() - contentWidth()) / 2;
+    if (!m_symbol.isEmpty()) {
+        paintIcon(painter, m_symbol,
+                  QRectF(x, (buttonHeight - symbolSize) / 2, symbolSize, symbolSize),
+                  Theme::textPrimary());
+        x += symbolSize + iconGap;
+    }
+    painter.setPen(Theme::textPrimary());
+    drawText(painter, QPointF(x, TextLine{0, buttonHeight}.baseline(textFont())), text(),
+             textFont());
+}
+
+void PanelButton::enterEvent(QEnterEvent *)
+{
+    update();
+}
+
+void PanelButton::leaveEvent(QEvent *)
+{
+    update();
+}
+
+double PanelButton::contentWidth() const
+{
+    const double icon = m_symbol.isEmpty() ? 0 : symbolSize + iconGap;
+    return icon + textWidth(text(), textFont());
+}
+
+} // namespace corvane

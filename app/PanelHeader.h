@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QWidget>
+
+namespace corvane {
+
+/// Top of the panel: the program's name, the chip's below it, and the total power. Told by the
+/// panel.
+class PanelHeader : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit PanelHeader(QWidget *parent = nullptr);
+
+    void show(double watts);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_power;
+};
+
+} // namespace corvane

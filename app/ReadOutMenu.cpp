@@ -1,0 +1,44 @@
+#include "app/ReadOutMenu.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+ReadOutMenu::ReadOutMenu(QWidget *parent) : QMenu(parent)
+{
+    for (QAction *&row : m_rows) {
+        row = addAction(QString());
+        row->setEnabled(false);
+    }
+    addSeparator();
+    connect(addAction(u"Open Window"_s), &QAction::triggered, this,
+            &ReadOutMenu::openWindowRequested);
+    connect(addAction(u"Quit"_s), &QAction::triggered, this, &ReadOutMenu::quitRequested);
+
+    connect(this, &QMenu::aboutToShow, this, [this] {
+        m_isOpen = true;
+        updateRows();
+    });
+    connect(this, &QMenu::aboutToHide, this, [this] { m_isOpen = false; });
+    updateRows();
+}
+
+void ReadOutMenu::show(const SystemMetrics &current)
+{
+    m_current = current;
+    if (m_isOpen)
+        updateRows();
+}
+
+void ReadOutMenu::updateRows()
+{
+    const auto rows = readOutRows(m_current);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        // An ampersand in a menu marks a key; here it would be part of the text.
+        const QString text = inOneLine(rows[row]).replace(u'&', u"&&"_s);
+        if (m_rows[row]->text() != text)
+            m_rows[row]->setText(text);
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,24 @@
+#include "platform/KernelText.h"
+
+#include <cstddef>
+
+using namespace corvane;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    std::string_view text(reinterpret_cast<const char *>(data), size);
+    forEachCPU(text, [](int cpu) {
+        if (cpu < 0)
+            __builtin_trap();
+    });
+    while (auto line = takeLine(text)) {
+        while (const auto word = takeWord(*line)) {
+            if (word->empty())
+                __builtin_trap();
+            parseUnsigned(*word);
+            parseSigned(*word);
+            parseDecimal(trimmed(*word));
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,1 @@
+corvane_fuzz(KernelText LINK corvane::platform)

@@ -1,0 +1,59 @@
+#include "history/HistoryStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+} // namespace
+
+HistoryStore::HistoryStore(const QString &directory)
+    : m_file(QFile::encodeName(directory + "/history.jsonl"_L1).toStdString()),
+      m_queue(CORVANE_IDENTIFIER ".history"_L1)
+{
+    QDir().mkpath(directory);
+    m_file.create();
+}
+
+QString HistoryStore::defaultDirectory()
+{
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return (data.isEmpty() ? QDir::homePath() : data) + "/Corvane"_L1;
+}
+
+void HistoryStore::append(const PersistedMetric &metric)
+{
+    m_queue.async([this, metric] {
+        if (const auto line = metric.toJson())
+            m_file.append(line->toStdString());
+    });
+}
+
+std::vector<PersistedMetric> HistoryStore::loadLast(int n)
+{
+    std::vector<PersistedMetric> metrics;
+    if (n < 1)
+        return metrics;
+    m_queue.sync([this, n, &metrics] {
+        for (const std::string &line : m_file.last(static_cast<std::size_t>(n))) {
+            if (const auto metric = PersistedMetric::fromJson(QByteArray::fromStdString(line)))
+                metrics.push_back(*metric);
+        }
+    });
+    return metrics;
+}
+
+void HistoryStore::trim(int toLast)
+{
+    m_queue.async(
+        [this, toLast] { m_file.keepLast(static_cast<std::size_t>(std::max(toLast, 0))); });
+}
+
+} // namespace corvane

@@ -1,0 +1,176 @@
+#include "history/LineFile.h"
+
+#include "platform/FileDescriptor.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+constexpr std::size_t chunkSize = std::size_t(64) << 10;
+
+/// Where a line lies in the file.
+struct Line {
+    std::size_t start = 0;
+    std::size_t length = 0;
+};
+
+std::size_t size(const FileDescriptor &file)
+{
+    struct stat status = {};
+    return fstat(file.get(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+}
+
+/// Fills `into` from `offset`; false when the file ends before or cannot be read.
+bool readAt(const FileDescriptor &file, char *into, std::size_t length, std::size_t offset)
+{
+    while (length > 0) {
+        const ssize_t count = pread(file.get(), into, length, static_cast<off_t>(offset));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        into += count;
+        offset += static_cast<std::size_t>(count);
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+bool writeAll(const FileDescriptor &file, const char *from, std::size_t length)
+{
+    while (length > 0) {
+        const ssize_t count = write(file.get(), from, length);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return false;
+        from += count;
+        length -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+/// The last `count` lines, in the file's order. Read backwards, as far as they need.
+std::vector<Line> lastLines(const FileDescriptor &file, std::size_t count)
+{
+    const std::size_t fileSize = size(file);
+    const std::size_t floor = fileSize - std::min(fileSize, LineFile::mostBytes);
+    std::vector<Line> lines;
+    std::string chunk;
+    std::size_t end = fileSize; // Of the line that is being looked for the start of.
+    for (std::size_t at = fileSize; at > floor && lines.size() < count;) {
+        chunk.resize(std::min(chunkSize, at - floor));
+        at -= chunk.size();
+        if (!readAt(file, chunk.data(), chunk.size(), at))
+            return {};
+        std::size_t feed = chunk.size();
+        while (lines.size() < count && feed > 0
+               && (feed = chunk.rfind('\n', feed - 1)) != std::string::npos) {
+            const std::size_t start = at + feed + 1;
+            if (start < end)
+                lines.push_back({start, end - start});
+            end = at + feed;
+        }
+    }
+    if (floor == 0 && end > 0 && lines.size() < count)
+        lines.push_back({0, end});
+    std::ranges::reverse(lines);
+    return lines;
+}
+
+/// Copies the lines, each followed by a line feed.
+bool copyLines(const FileDescriptor &from, const std::vector<Line> &lines, const FileDescriptor &to)
+{
+    std::string chunk;
+    for (const Line &line : lines) {
+        for (std::size_t done = 0; done < line.length; done += chunk.size()) {
+            chunk.resize(std::min(chunkSize, line.length - done));
+            if (!readAt(from, chunk.data(), chunk.size(), line.start + done))
+                return false;
+            if (done + chunk.size() == line.length)
+                chunk += '\n';
+            if (!writeAll(to, chunk.data(), chunk.size()))
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+LineFile::LineFile(std::string path) : m_path(std::move(path)) { }
+
+void LineFile::create() const
+{
+    FileDescriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+}
+
+void LineFile::append(const std::string &line) const
+{
+    const FileDescriptor file = openRegular(m_path, FileAccess::append);
+    if (!file)
+        return;
+    const std::string whole = line + '\n';
+    while (write(file.get(), whole.data(), whole.size()) < 0 && errno == EINTR) { }
+}
+
+std::vector<std::string> LineFile::last(std::size_t count) const
+{
+    std::vector<std::string> texts;
+    const FileDescriptor file = openRegular(m_path, FileAccess::read);
+    if (!file)
+        return texts;
+    for (const Line &line : lastLines(file, count)) {
+        if (line.length > longestLine)
+            continue;
+        std::string text(line.length, '\0');
+        if (readAt(file, text.data(), text.size(), line.start))
+            texts.push_back(std::move(text));
+    }
+    return texts;
+}
+
+void LineFile::keepLast(std::size_t count) const
+{
+    const FileDescriptor file = openRegular(m_path, FileAccess::read);
+    if (!file)
+        return;
+    // One more than is kept tells whether there is anything to cut.
+    std::vector<Line> lines = lastLines(file, count + 1);
+    if (lines.size() <= count)
+        return;
+    lines.erase(lines.begin());
+
+    // A link to the file stays a link: what it points to is replaced.
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(m_path, error).string();
+    struct stat status = {};
+    if (error || fstat(file.get(), &status) != 0)
+        return;
+
+    // Always of this name, so that one that a killed run left behind is used up.
+    const std::string newPath = path + ".new";
+    unlink(newPath.c_str());
+    const FileDescriptor newFile(
+        open(newPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!newFile)
+        return;
+    // On the disk before it takes the name, so that a power cut leaves one of the two whole.
+    const bool complete = copyLines(file, lines, newFile)
+        && fchmod(newFile.get(), status.st_mode & 07777) == 0 && fsync(newFile.get()) == 0
+        && rename(newPath.c_str(), path.c_str()) == 0;
+    if (!complete)
+        unlink(newPath.c_str());
+}
+
+} // namespace corvane

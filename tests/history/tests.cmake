@@ -1,0 +1,1 @@
+corvane_test(history/tst_HistoryStore THREADED LINK corvane::history)
