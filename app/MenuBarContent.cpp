@@ -55,6 +55,7 @@ MenuBarContent::MenuBarContent(QWidget *parent)
     setAccessibleName(u"Corvane panel"_s);
     setAttribute(Qt::WA_TranslucentBackground);
     setFixedWidth(panelWidth);
+    setFocusPolicy(Qt::StrongFocus);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
@@ -115,6 +116,7 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     move(panelOrigin(anchor, size(), screen->availableGeometry()));
     QWidget::show();
     activateWindow();
+    setFocus(); // The first Tab reaches the first button.
 }
 
 void MenuBarContent::paintEvent(QPaintEvent *)

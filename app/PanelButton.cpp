@@ -4,6 +4,7 @@
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 #include <cmath>
@@ -84,6 +85,14 @@ void PanelButton::paintEvent(QPaintEvent *)
     painter.setPen(Theme::textPrimary());
     drawText(painter, QPointF(x, TextLine{0, buttonHeight}.baseline(textFont())), text(),
              textFont());
+}
+
+void PanelButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
 }
 
 void PanelButton::enterEvent(QEnterEvent *)

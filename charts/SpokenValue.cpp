@@ -35,6 +35,23 @@ QAccessibleInterface *spokenInterface(const QString &, QObject *object)
     return widget && spoken ? new SpokenWidget(widget, spoken) : nullptr;
 }
 
+/// Knows whether a screen reader listens.
+class Listeners : public QAccessible::ActivationObserver {
+public:
+    static bool any()
+    {
+        static Listeners listeners;
+        return listeners.m_any;
+    }
+
+private:
+    Listeners() { QAccessible::installActivationObserver(this); }
+    ~Listeners() override { QAccessible::removeActivationObserver(this); }
+    void accessibilityActiveChanged(bool active) override { m_any = active; }
+
+    bool m_any = QAccessible::isActive();
+};
+
 } // namespace
 
 SpokenValue::SpokenValue()
@@ -44,7 +61,7 @@ SpokenValue::SpokenValue()
 
 void SpokenValue::announceChange(QWidget *self)
 {
-    if (!QAccessible::isActive())
+    if (!Listeners::any())
         return;
     QString text = spokenValue();
     if (text == m_announced)

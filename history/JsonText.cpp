@@ -1,5 +1,7 @@
 #include "history/JsonText.h"
 
+#include "platform/KernelText.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -12,7 +14,6 @@ namespace corvane {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
-constexpr std::string_view digits = "0123456789";
 
 /// Length of the string that `text` begins with, both quotes included.
 std::size_t stringLength(std::string_view text)
@@ -68,19 +69,73 @@ bool spells(std::string_view string, std::string_view key)
     return document.array().first().toString().toUtf8() == QByteArrayView(key.data(), key.size());
 }
 
-/// Cuts the digits off `text` that it begins with.
-std::string_view takeDigits(std::string_view &text)
+/// Cuts the digits off `text` that it begins with; nothing when there are none.
+std::optional<std::string_view> takeDigits(std::string_view &text)
 {
-    const std::string_view taken = text.substr(0, text.find_first_not_of(digits));
+    const std::string_view taken = text.substr(0, text.find_first_not_of("0123456789"));
     text.remove_prefix(taken.size());
+    return taken.empty() ? std::nullopt : std::optional(taken);
+}
+
+bool takeCharacter(std::string_view &text, char character)
+{
+    const bool taken = text.starts_with(character);
+    text.remove_prefix(taken ? 1 : 0);
     return taken;
 }
 
-bool takeSign(std::string_view &text, char sign)
+/// A number as it is written: ±digits × 10^exponent, without zeros on either side of the digits.
+struct Decimal {
+    bool negative = false;
+    std::string digits = {};
+    std::int64_t exponent = 0;
+};
+
+/// What follows the "e".
+std::optional<std::int64_t> takeExponent(std::string_view &text)
 {
-    const bool taken = text.starts_with(sign);
-    text.remove_prefix(taken ? 1 : 0);
-    return taken;
+    const bool negative = takeCharacter(text, '-');
+    if (!negative)
+        takeCharacter(text, '+');
+    const auto digits = takeDigits(text);
+    if (!digits)
+        return std::nullopt;
+    // Beyond the digits of any text, and far from an overflow of what is added to it.
+    constexpr std::int64_t huge = std::int64_t(1) << 40;
+    std::int64_t size = huge;
+    std::from_chars(digits->data(), digits->data() + digits->size(), size);
+    size = std::min(size, huge);
+    return negative ? -size : size;
+}
+
+std::optional<Decimal> parseNumber(std::string_view text)
+{
+    Decimal number{.negative = takeCharacter(text, '-')};
+    const auto whole = takeDigits(text);
+    if (!whole || (whole->size() > 1 && whole->front() == '0'))
+        return std::nullopt;
+    number.digits = *whole;
+    if (takeCharacter(text, '.')) {
+        const auto fraction = takeDigits(text);
+        if (!fraction)
+            return std::nullopt;
+        number.digits += *fraction;
+        number.exponent = -static_cast<std::int64_t>(fraction->size());
+    }
+    if (takeCharacter(text, 'e') || takeCharacter(text, 'E')) {
+        const auto exponent = takeExponent(text);
+        if (!exponent)
+            return std::nullopt;
+        number.exponent += *exponent;
+    }
+    if (!text.empty())
+        return std::nullopt;
+
+    number.digits.erase(0, number.digits.find_first_not_of('0'));
+    const std::size_t length = number.digits.find_last_not_of('0') + 1;
+    number.exponent += static_cast<std::int64_t>(number.digits.size() - length);
+    number.digits.resize(length);
+    return number;
 }
 
 } // namespace
@@ -104,53 +159,24 @@ std::optional<std::string_view> memberText(std::string_view object, std::string_
     return found;
 }
 
-std::optional<std::uint64_t> exactUnsigned(std::string_view number)
+bool isNumber(std::string_view text)
 {
-    const bool negative = takeSign(number, '-');
-    const std::string_view whole = takeDigits(number);
-    std::string_view fraction;
-    if (takeSign(number, '.')) {
-        fraction = takeDigits(number);
-        if (fraction.empty())
-            return std::nullopt;
-    }
-    std::int64_t exponent = 0;
-    if (takeSign(number, 'e') || takeSign(number, 'E')) {
-        const bool shrinks = takeSign(number, '-');
-        if (!shrinks)
-            takeSign(number, '+');
-        const std::string_view size = takeDigits(number);
-        if (size.empty())
-            return std::nullopt;
-        // Far beyond the digits of any line, and far from an overflow of what is added below.
-        constexpr std::int64_t huge = std::int64_t(1) << 40;
-        const auto [end, error] = std::from_chars(size.data(), size.data() + size.size(), exponent);
-        exponent = error == std::errc() ? std::min(exponent, huge) : huge;
-        exponent = shrinks ? -exponent : exponent;
-    }
-    if (whole.empty() || !number.empty())
-        return std::nullopt;
+    return parseNumber(text).has_value();
+}
 
-    // The number is significant × 10^exponent, without zeros on either side.
-    std::string significant = std::string(whole) + std::string(fraction);
-    exponent -= static_cast<std::int64_t>(fraction.size());
-    significant.erase(0, significant.find_first_not_of('0'));
-    const std::size_t length = significant.find_last_not_of('0') + 1;
-    exponent += static_cast<std::int64_t>(significant.size() - length);
-    significant.resize(length);
-    if (significant.empty())
-        return 0;
-
+std::optional<std::uint64_t> exactUnsigned(std::string_view text)
+{
     constexpr std::int64_t mostDigits = 20;
-    if (negative || exponent < 0
-        || static_cast<std::int64_t>(significant.size()) + exponent > mostDigits)
+    auto number = parseNumber(text);
+    if (!number)
         return std::nullopt;
-    significant.append(static_cast<std::size_t>(exponent), '0');
-    std::uint64_t value = 0;
-    const char *last = significant.data() + significant.size();
-    if (std::from_chars(significant.data(), last, value).ec != std::errc())
+    if (number->digits.empty())
+        return 0;
+    const auto digits = static_cast<std::int64_t>(number->digits.size());
+    if (number->negative || number->exponent < 0 || digits + number->exponent > mostDigits)
         return std::nullopt;
-    return value;
+    number->digits.append(static_cast<std::size_t>(number->exponent), '0');
+    return parseUnsigned(number->digits);
 }
 
 } // namespace corvane

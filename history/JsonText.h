@@ -12,8 +12,11 @@ namespace corvane {
 /// last one. Nothing when there is none. Text that is not valid gives some part of it or nothing.
 std::optional<std::string_view> memberText(std::string_view object, std::string_view key);
 
+/// Whether the text is a number by JSON's grammar, which Qt's reader widens (".5", "1.").
+bool isNumber(std::string_view text);
+
 /// The exact value of a JSON number in any notation ("17179869184", "1.6e10"); nothing for text
 /// that is no number, and for one that is negative, has a fraction or is above 64 bits. "-0" is 0.
-std::optional<std::uint64_t> exactUnsigned(std::string_view number);
+std::optional<std::uint64_t> exactUnsigned(std::string_view text);
 
 } // namespace corvane

@@ -2,35 +2,35 @@
 
 #include "history/JsonText.h"
 
+#include <QByteArrayView>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QLocale>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <string_view>
 
 namespace corvane {
 
 namespace {
 
-using namespace Qt::StringLiterals;
-
 /// A field and its key.
 template <typename Number>
 struct Field {
-    QLatin1StringView key;
+    std::string_view key;
     Number PersistedMetric::*number;
 };
 
-constexpr Field<double> time{"t"_L1, &PersistedMetric::t};
-constexpr std::array byteCounts{Field<quint64>{"memTotal"_L1, &PersistedMetric::memTotal},
-                                Field<quint64>{"memUsed"_L1, &PersistedMetric::memUsed}};
-constexpr std::array measures{Field<double>{"memPct"_L1, &PersistedMetric::memPct},
-                              Field<double>{"cpuPct"_L1, &PersistedMetric::cpuPct},
-                              Field<double>{"gpuPct"_L1, &PersistedMetric::gpuPct},
-                              Field<double>{"cpuW"_L1, &PersistedMetric::cpuW},
-                              Field<double>{"gpuW"_L1, &PersistedMetric::gpuW},
-                              Field<double>{"aneW"_L1, &PersistedMetric::aneW}};
+constexpr Field<double> time{"t", &PersistedMetric::t};
+constexpr std::array byteCounts{Field<quint64>{"memTotal", &PersistedMetric::memTotal},
+                                Field<quint64>{"memUsed", &PersistedMetric::memUsed}};
+constexpr std::array measures{Field<double>{"memPct", &PersistedMetric::memPct},
+                              Field<double>{"cpuPct", &PersistedMetric::cpuPct},
+                              Field<double>{"gpuPct", &PersistedMetric::gpuPct},
+                              Field<double>{"cpuW", &PersistedMetric::cpuW},
+                              Field<double>{"gpuW", &PersistedMetric::gpuW},
+                              Field<double>{"aneW", &PersistedMetric::aneW}};
 
 } // namespace
 
@@ -62,9 +62,9 @@ SystemMetrics PersistedMetric::toSample() const
 std::optional<QByteArray> PersistedMetric::toJson() const
 {
     QByteArray line;
-    const auto add = [&line](QLatin1StringView key, const QByteArray &number) {
+    const auto add = [&line](std::string_view key, const QByteArray &number) {
         line += (line.isEmpty() ? '{' : ',');
-        line += '"' + QByteArray(key.data(), key.size()) + "\":" + number;
+        line += '"' + QByteArray(key.data(), static_cast<qsizetype>(key.size())) + "\":" + number;
     };
     const auto addMeasure = [this, &add](const Field<double> &field) {
         const double number = this->*field.number;
@@ -84,33 +84,29 @@ std::optional<QByteArray> PersistedMetric::toJson() const
 
 std::optional<PersistedMetric> PersistedMetric::fromJson(const QByteArray &line)
 {
-    const QJsonDocument document = QJsonDocument::fromJson(line);
-    if (!document.isObject())
+    if (!QJsonDocument::fromJson(line).isObject())
         return std::nullopt;
-    const QJsonObject object = document.object();
 
+    // Qt's values hold whole numbers of 63 bits and make doubles of the larger ones, so all numbers
+    // are read from the text.
     PersistedMetric metric;
-    const auto readMeasure = [&metric, &object](const Field<double> &field) {
-        const QJsonValue value = object.value(field.key);
-        metric.*field.number = value.toDouble();
-        return value.isDouble() && std::isfinite(value.toDouble());
+    const auto textOf = [&line](std::string_view key) {
+        return memberText(std::string_view(line.data(), line.size()), key).value_or("");
     };
-    if (!readMeasure(time))
+    const auto readMeasure = [&metric, &textOf](const Field<double> &field) {
+        const std::string_view text = textOf(field.key);
+        bool finite = false;
+        metric.*field.number = QByteArrayView(text.data(), text.size()).toDouble(&finite);
+        return finite && isNumber(text);
+    };
+    const auto readByteCount = [&metric, &textOf](const Field<quint64> &field) {
+        const auto count = exactUnsigned(textOf(field.key));
+        metric.*field.number = count.value_or(0);
+        return count.has_value();
+    };
+    if (!readMeasure(time) || !std::ranges::all_of(byteCounts, readByteCount)
+        || !std::ranges::all_of(measures, readMeasure))
         return std::nullopt;
-    for (const auto &field : measures) {
-        if (!readMeasure(field))
-            return std::nullopt;
-    }
-    // Qt's values hold whole numbers of 63 bits and make doubles of the larger ones, so these are
-    // read from the text.
-    for (const auto &field : byteCounts) {
-        const auto text = memberText(std::string_view(line.data(), line.size()),
-                                     std::string_view(field.key.data(), field.key.size()));
-        const auto count = text ? exactUnsigned(*text) : std::nullopt;
-        if (!count)
-            return std::nullopt;
-        metric.*field.number = *count;
-    }
     return metric;
 }
 

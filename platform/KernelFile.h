@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/FileDescriptor.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -15,11 +17,6 @@ namespace corvane {
 class KernelFile {
 public:
     explicit KernelFile(std::string path);
-    ~KernelFile();
-    KernelFile(KernelFile &&other) noexcept;
-    KernelFile &operator=(KernelFile &&other) noexcept;
-    KernelFile(const KernelFile &) = delete;
-    KernelFile &operator=(const KernelFile &) = delete;
 
     /// The present contents, at most `limit` bytes of them; valid until the next read.
     std::optional<std::string_view> read(std::size_t limit = wholeFile);
@@ -31,7 +28,7 @@ public:
 private:
     std::string m_path;
     std::string m_buffer; ///< Kept, so that a steady tick allocates nothing.
-    int m_descriptor = -1;
+    FileDescriptor m_file;
 };
 
 /// Contents of a file that is read once, by the rules above.

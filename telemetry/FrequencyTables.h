@@ -19,7 +19,11 @@ struct FrequencyTables {
 FrequencyTables readFrequencyTables(const std::string &root = "/");
 
 /// The same, read once for the life of the process.
-const FrequencyTables &frequencyTables();
+inline const FrequencyTables &frequencyTables()
+{
+    static const FrequencyTables tables = readFrequencyTables();
+    return tables;
+}
 
 namespace IORegistryReader {
 

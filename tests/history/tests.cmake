@@ -1,1 +1,7 @@
+corvane_test(history/tst_JsonText LINK corvane::history)
+corvane_test(history/tst_PersistedMetric LINK corvane::history)
+corvane_test(history/tst_LineFile LINK corvane::history)
+corvane_test(history/tst_SerialQueue THREADED LINK corvane::history)
 corvane_test(history/tst_HistoryStore THREADED LINK corvane::history)
+corvane_test(history/tst_FullDisk SYSTEM linux THREADED LINK corvane::history)
+corvane_test(history/tst_KilledWriter THREADED LINK corvane::history)

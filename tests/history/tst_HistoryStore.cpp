@@ -1,34 +1,360 @@
 #include "history/HistoryStore.h"
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <limits>
+#include <memory>
+
+#include <sys/stat.h>
+
 using namespace corvane;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A record that is told from others by its time.
+PersistedMetric record(int number)
+{
+    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
+}
+
+QByteArray line(int number)
+{
+    return *record(number).toJson() + '\n';
+}
+
+QByteArray lines(int first, int last)
+{
+    QByteArray all;
+    for (int number = first; number <= last; ++number)
+        all += line(number);
+    return all;
+}
+
+QList<int> numbers(int first, int last)
+{
+    QList<int> all;
+    for (int number = first; number <= last; ++number)
+        all.append(number);
+    return all;
+}
+
+} // namespace
 
 class TestHistoryStore : public QObject {
     Q_OBJECT
 
 private slots:
-    void keepsRecordsAcrossStarts();
+    void init();
+    void livesInTheFolderForApplicationData();
+    void createsFolderAndFile();
+    void leavesAnExistingFileAlone();
+    void writesARecordALine();
+    void loads_data();
+    void loads();
+    void trims_data();
+    void trims();
+    void losesTheCutRecordAndTheOneBehindIt();
+    void dropsARecordThatIsNotFinite();
+    void finishesItsWritesBeforeItIsGone();
+    void seesEveryAppendBeforeALoad();
+    void doesNotRecreateADeletedFile();
+    void survivesTheLossOfItsFolder();
+    void survivesAFileInPlaceOfItsFolder();
+    void survivesAFIFOInPlaceOfItsFile();
+    void survivesAFolderInPlaceOfItsFile();
+
+private:
+    QList<int> load(int count = 1000);
+    void write(const QByteArray &contents) const;
+    QByteArray contents() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_directory;
+    QString m_path;
 };
 
-void TestHistoryStore::keepsRecordsAcrossStarts()
+void TestHistoryStore::init()
 {
-    const QTemporaryDir folder;
-    const QString directory = folder.filePath(u"new/Corvane"_s);
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_directory = m_folder->filePath(u"Corvane"_s);
+    m_path = m_directory + "/history.jsonl"_L1;
+}
+
+/// The records that a new start finds.
+QList<int> TestHistoryStore::load(int count)
+{
+    QList<int> found;
+    for (const PersistedMetric &metric : HistoryStore(m_directory).loadLast(count))
+        found.append(static_cast<int>(metric.t));
+    return found;
+}
+
+void TestHistoryStore::write(const QByteArray &contents) const
+{
+    QVERIFY(QDir().mkpath(m_directory));
+    QFile file(m_path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(contents), contents.size());
+}
+
+QByteArray TestHistoryStore::contents() const
+{
+    QFile file(m_path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+void TestHistoryStore::livesInTheFolderForApplicationData()
+{
+    QStandardPaths::setTestModeEnabled(true);
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    QCOMPARE(HistoryStore::defaultDirectory(), data + "/Corvane"_L1);
+    const HistoryStore store;
+    QVERIFY(QFile::exists(data + "/Corvane/history.jsonl"_L1));
+    QStandardPaths::setTestModeEnabled(false);
+}
+
+void TestHistoryStore::createsFolderAndFile()
+{
+    m_directory = m_folder->filePath(u"new/with blanks/and Ümläute/Corvane"_s);
+    m_path = m_directory + "/history.jsonl"_L1;
+    HistoryStore store(m_directory);
+    QCOMPARE(contents(), QByteArray());
+    store.append(record(1));
+    QCOMPARE(store.loadLast(60).size(), 1U);
+    QCOMPARE(contents(), line(1));
+}
+
+void TestHistoryStore::leavesAnExistingFileAlone()
+{
+    write("\nnot ours\n\n" + line(1));
+    QCOMPARE(load(), QList<int>{1});
+    QCOMPARE(contents(), "\nnot ours\n\n" + line(1));
+}
+
+void TestHistoryStore::writesARecordALine()
+{
     {
-        HistoryStore store(directory);
-        QVERIFY(QFile::exists(directory + "/history.jsonl"_L1));
-        for (int i = 0; i < 130; ++i)
-            store.append({.t = i + 0.1, .memTotal = 100, .memUsed = quint64(i)});
-        store.trim(120);
+        HistoryStore store(m_directory);
+        store.append({.t = 785000000.25, .memTotal = 4, .memUsed = 1, .memPct = 25});
+        store.append({.t = 785000001.25, .memTotal = 4, .memUsed = 2, .memPct = 50});
     }
-    const std::vector<PersistedMetric> metrics = HistoryStore(directory).loadLast(200);
-    QCOMPARE(metrics.size(), 120u);
-    QCOMPARE(metrics.front().t, 10.1);
-    QCOMPARE(metrics.back().memUsed, 129u);
+    QCOMPARE(contents(),
+             QByteArray(R"({"t":785000000.25,"memTotal":4,"memUsed":1,"memPct":25,"cpuPct":0,)"
+                        R"("gpuPct":0,"cpuW":0,"gpuW":0,"aneW":0})"
+                        "\n"
+                        R"({"t":785000001.25,"memTotal":4,"memUsed":2,"memPct":50,"cpuPct":0,)"
+                        R"("gpuPct":0,"cpuW":0,"gpuW":0,"aneW":0})"
+                        "\n"));
+}
+
+void TestHistoryStore::loads_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QList<int>>("expected");
+    const auto row = [](const char *name, const QByteArray &contents, int count,
+                        const QList<int> &expected) {
+        QTest::newRow(name) << contents << count << expected;
+    };
+    const QByteArray cut = line(9).left(40);
+    row("none are wanted", lines(1, 10), 0, {});
+    row("fewer than none are wanted", lines(1, 10), -5, {});
+    row("the least number there is", lines(1, 10), std::numeric_limits<int>::min(), {});
+    row("the greatest number there is", lines(1, 10), std::numeric_limits<int>::max(),
+        numbers(1, 10));
+    row("an empty file", "", 60, {});
+    row("fewer than wanted come in the file's order", lines(1, 10), 60, numbers(1, 10));
+    row("of more the newest come", lines(1, 200), 60, numbers(141, 200));
+    row("the newest alone", lines(1, 10), 1, {10});
+    row("the last one lacks its line feed", lines(1, 3).chopped(1), 60, numbers(1, 3));
+    row("the last one is cut", lines(1, 3) + cut, 60, numbers(1, 3));
+    row("the first one is cut", line(1).mid(20) + lines(2, 3), 60, numbers(2, 3));
+    row("a damaged line is not made up for by an older one", lines(1, 3) + "x\n" + line(4), 2, {4});
+    row("only damaged lines are wanted", lines(1, 3) + "x\n{}\n", 2, {});
+    row("blank lines do not count", "\n" + line(1) + "\n\n" + line(2) + "\n", 2, {1, 2});
+    row("lines of another system's editor", lines(1, 3).replace("\n", "\r\n"), 60, numbers(1, 3));
+    row("records out of order stay so", line(3) + line(1) + line(2), 60, {3, 1, 2});
+    row("a field is missing", line(1) + line(2).replace("\"aneW\"", "\"x\"") + line(3), 60, {1, 3});
+    row("a byte count is negative", line(1) + line(2).replace(":50,", ":-50,") + line(3), 60,
+        {1, 3});
+    row("NULs where a power cut left a hole", line(1) + QByteArray(300, '\0') + '\n' + line(3), 60,
+        {1, 3});
+    row("a line longer than any record", line(1) + QByteArray(100'000, 'x') + '\n' + line(3), 2,
+        {3});
+    row("nothing but garbage", QByteArray::fromHex("fffe00010a7b7d0a5b0a22"), 60, {});
+}
+
+void TestHistoryStore::loads()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(int, count);
+    write(contents);
+    QTEST(load(count), "expected");
+    QCOMPARE(this->contents(), contents);
+}
+
+void TestHistoryStore::trims_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QByteArray>("after");
+    const auto row = [](const char *name, const QByteArray &before, int count,
+                        const QByteArray &after) {
+        QTest::newRow(name) << before << count << after;
+    };
+    row("an empty file", "", 120, "");
+    row("120 lines stay", lines(1, 120), 120, lines(1, 120));
+    row("of 121 the oldest goes", lines(1, 121), 120, lines(2, 121));
+    row("of 180 the oldest sixty go", lines(1, 180), 120, lines(61, 180));
+    row("120 lines and blank ones stay byte for byte", "\n\n" + lines(1, 120) + "\n", 120,
+        "\n\n" + lines(1, 120) + "\n");
+    row("blank lines go with the others", line(1) + "\n" + line(2) + "\n\n" + line(3), 2,
+        lines(2, 3));
+    row("damaged lines among the newest stay", lines(1, 2) + "x\n" + line(3), 2, "x\n" + line(3));
+    row("a cut last line is ended", lines(1, 3) + "{\"t\":", 2, line(3) + "{\"t\":\n");
+    row("none are wanted", lines(1, 3), 0, "");
+    row("fewer than none are wanted", lines(1, 3), -5, "");
+    row("all there could be are wanted", lines(1, 3), std::numeric_limits<int>::max(), lines(1, 3));
+}
+
+void TestHistoryStore::trims()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(int, count);
+    write(before);
+    HistoryStore store(m_directory);
+    store.trim(count);
+    store.loadLast(1);
+    QTEST(contents(), "after");
+}
+
+void TestHistoryStore::losesTheCutRecordAndTheOneBehindIt()
+{
+    write(lines(1, 3) + line(4).left(30));
+    {
+        HistoryStore store(m_directory);
+        for (int number = 5; number <= 7; ++number)
+            store.append(record(number));
+    }
+    QCOMPARE(load(), (QList<int>{1, 2, 3, 6, 7}));
+    QCOMPARE(load(3), (QList<int>{6, 7}));
+    QCOMPARE(contents(), lines(1, 3) + line(4).left(30) + lines(5, 7));
+}
+
+void TestHistoryStore::dropsARecordThatIsNotFinite()
+{
+    {
+        HistoryStore store(m_directory);
+        store.append(record(1));
+        PersistedMetric metric = record(2);
+        metric.gpuW = std::numeric_limits<double>::quiet_NaN();
+        store.append(metric);
+        store.append(record(3));
+    }
+    QCOMPARE(contents(), line(1) + line(3));
+}
+
+void TestHistoryStore::finishesItsWritesBeforeItIsGone()
+{
+    {
+        HistoryStore store(m_directory);
+        for (int number = 1; number <= 500; ++number)
+            store.append(record(number));
+        store.trim(120);
+        store.append(record(501));
+    }
+    QCOMPARE(contents(), lines(381, 501));
+}
+
+void TestHistoryStore::seesEveryAppendBeforeALoad()
+{
+    HistoryStore store(m_directory);
+    for (int number = 1; number <= 200; ++number) {
+        store.append(record(number));
+        if (number % 60 == 0)
+            store.trim(120);
+        const std::vector<PersistedMetric> newest = store.loadLast(1);
+        QCOMPARE(newest.size(), 1U);
+        QCOMPARE(newest.front().t, static_cast<double>(number));
+    }
+    QCOMPARE(contents(), lines(61, 200));
+}
+
+void TestHistoryStore::doesNotRecreateADeletedFile()
+{
+    {
+        HistoryStore store(m_directory);
+        store.append(record(1));
+        QCOMPARE(store.loadLast(60).size(), 1U);
+        QVERIFY(QFile::remove(m_path));
+        store.append(record(2));
+        store.trim(0);
+        QVERIFY(store.loadLast(60).empty());
+    }
+    QVERIFY(!QFile::exists(m_path));
+    {
+        HistoryStore store(m_directory);
+        store.append(record(3));
+    }
+    QCOMPARE(load(), QList<int>{3});
+}
+
+void TestHistoryStore::survivesTheLossOfItsFolder()
+{
+    HistoryStore store(m_directory);
+    store.append(record(1));
+    QCOMPARE(store.loadLast(60).size(), 1U);
+    QVERIFY(QDir(m_directory).removeRecursively());
+    store.append(record(2));
+    store.trim(0);
+    QVERIFY(store.loadLast(60).empty());
+    QVERIFY(!QFile::exists(m_directory));
+
+    // The file may come back by another's hand, for instance from a backup.
+    write(lines(1, 3));
+    store.append(record(4));
+    QCOMPARE(store.loadLast(60).size(), 4U);
+}
+
+void TestHistoryStore::survivesAFileInPlaceOfItsFolder()
+{
+    QFile file(m_directory);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("someone's");
+    file.close();
+    {
+        HistoryStore store(m_directory);
+        store.append(record(1));
+        store.trim(0);
+        QVERIFY(store.loadLast(60).empty());
+    }
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("someone's"));
+}
+
+void TestHistoryStore::survivesAFIFOInPlaceOfItsFile()
+{
+    QVERIFY(QDir().mkpath(m_directory));
+    QCOMPARE(mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    HistoryStore store(m_directory);
+    store.append(record(1));
+    store.trim(0);
+    QVERIFY(store.loadLast(60).empty());
+}
+
+void TestHistoryStore::survivesAFolderInPlaceOfItsFile()
+{
+    QVERIFY(QDir().mkpath(m_path));
+    HistoryStore store(m_directory);
+    store.append(record(1));
+    store.trim(0);
+    QVERIFY(store.loadLast(60).empty());
+    QVERIFY(QDir(m_path).exists());
 }
 
 QTEST_APPLESS_MAIN(TestHistoryStore)

@@ -1,1 +1,2 @@
+corvane_test(platform/tst_BootClock LINK corvane::platform)
 corvane_test(platform/tst_KernelText LINK corvane::platform)

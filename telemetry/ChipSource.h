@@ -1,0 +1,18 @@
+#pragma once
+
+#include "sampling/ChipReading.h"
+#include "telemetry/FrequencyTables.h"
+
+#include <functional>
+
+namespace corvane {
+
+/// Gives the chip reading of a tick; nothing when there was none. Empty: no chip sampler here.
+using ChipSource = std::function<std::optional<ChipReading>()>;
+
+/// Opens this machine's chip sampler. To be called on the sampling thread alone. `root` is the
+/// folder below which kernel files are read (Linux).
+ChipSource openChipSource(const std::string &root = "/",
+                          const FrequencyTables &frequencies = frequencyTables());
+
+} // namespace corvane

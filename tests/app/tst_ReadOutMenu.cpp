@@ -1,0 +1,78 @@
+#include "app/ReadOutMenu.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+SystemMetrics withGPU(double fraction)
+{
+    return {.chip = ChipReading{.gpuActiveFraction = fraction}};
+}
+
+} // namespace
+
+class TestReadOutMenu : public QObject {
+    Q_OBJECT
+
+private slots:
+    void showsFiveRowsAndTheTwoCommands();
+    void rowsStandStillWhileItIsClosed();
+    void rowsFollowWhileItIsOpen();
+    void commandsAreAnnounced();
+};
+
+void TestReadOutMenu::showsFiveRowsAndTheTwoCommands()
+{
+    const ReadOutMenu menu;
+    QStringList texts;
+    for (const QAction *action : menu.actions())
+        texts.append(action->isSeparator() ? u"-"_s : action->text().section(u':', 0, 0));
+    QCOMPARE(texts,
+             (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s, u"ANE"_s, u"Swap"_s, u"-"_s,
+                          u"Open Window"_s, u"Quit"_s}));
+}
+
+void TestReadOutMenu::rowsStandStillWhileItIsClosed()
+{
+    ReadOutMenu menu;
+    QSignalSpy changed(menu.actions().at(1), &QAction::changed);
+    menu.show(withGPU(0.5));
+    QCOMPARE(changed.count(), 0);
+
+    emit menu.aboutToShow();
+    QCOMPARE(menu.actions().at(1)->text(), u"GPU: 50 %, 0.00 W"_s);
+}
+
+void TestReadOutMenu::rowsFollowWhileItIsOpen()
+{
+    ReadOutMenu menu;
+    emit menu.aboutToShow();
+    menu.show(withGPU(0.25));
+    QCOMPARE(menu.actions().at(1)->text(), u"GPU: 25 %, 0.00 W"_s);
+
+    QSignalSpy changed(menu.actions().at(1), &QAction::changed);
+    menu.show(withGPU(0.25));
+    QCOMPARE(changed.count(), 0);
+
+    emit menu.aboutToHide();
+    menu.show(withGPU(0.75));
+    QCOMPARE(changed.count(), 0);
+}
+
+void TestReadOutMenu::commandsAreAnnounced()
+{
+    ReadOutMenu menu;
+    QSignalSpy open(&menu, &ReadOutMenu::openWindowRequested);
+    QSignalSpy quit(&menu, &ReadOutMenu::quitRequested);
+    menu.actions().at(6)->trigger();
+    menu.actions().at(7)->trigger();
+    QCOMPARE(open.count(), 1);
+    QCOMPARE(quit.count(), 1);
+}
+
+QTEST_MAIN(TestReadOutMenu)
+#include "tst_ReadOutMenu.moc"

@@ -1,0 +1,170 @@
+#include "history/HistoryStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+PersistedMetric record(int number)
+{
+    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
+}
+
+} // namespace
+
+/// The store on a small disk of its own, which only this process sees and which goes with it.
+class TestFullDisk : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void losesWhatTheDiskRefused();
+    void keepsTheFileWhenThereIsNoRoomToTrimIt();
+    void startsOnAFullDisk();
+    void readsFromAReadOnlyDisk();
+    void startsOnAReadOnlyDisk();
+
+private:
+    void fill() const;
+    void setReadOnly(bool readOnly) const;
+    QList<int> load() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QByteArray m_disk;
+};
+
+void TestFullDisk::initTestCase()
+{
+    const bool own = unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) == 0
+        && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    if (!own)
+        QSKIP(qPrintable(u"No disk can be mounted here: %1"_s.arg(qt_error_string())));
+}
+
+void TestFullDisk::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_disk = m_folder->path().toLocal8Bit();
+    if (mount("none", m_disk.constData(), "tmpfs", 0, "size=64k") != 0)
+        QSKIP(qPrintable(u"No disk can be mounted here: %1"_s.arg(qt_error_string())));
+}
+
+void TestFullDisk::cleanup()
+{
+    umount2(m_disk.constData(), MNT_DETACH);
+}
+
+/// Leaves no room but what is left of the last block of a file.
+void TestFullDisk::fill() const
+{
+    QFile filler(m_folder->filePath(u"filler"_s));
+    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    const QByteArray block(4096, 'x');
+    while (filler.write(block) > 0) { }
+}
+
+void TestFullDisk::setReadOnly(bool readOnly) const
+{
+    const unsigned long flags = readOnly ? MS_REMOUNT | MS_RDONLY : MS_REMOUNT;
+    QCOMPARE(mount("none", m_disk.constData(), "tmpfs", flags, "size=64k"), 0);
+}
+
+QList<int> TestFullDisk::load() const
+{
+    QList<int> found;
+    for (const PersistedMetric &metric : HistoryStore(m_folder->path()).loadLast(1000))
+        found.append(static_cast<int>(metric.t));
+    return found;
+}
+
+void TestFullDisk::losesWhatTheDiskRefused()
+{
+    HistoryStore store(m_folder->path());
+    store.append(record(0));
+    store.loadLast(1);
+    fill();
+    // The rest of the file's block takes some, one of them in part.
+    for (int number = 1; number < 100; ++number)
+        store.append(record(number));
+    const auto written = static_cast<int>(store.loadLast(1000).size());
+    QVERIFY(written > 1 && written < 100);
+    QCOMPARE(QFile(m_folder->filePath(u"history.jsonl"_s)).size(), 4096);
+
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    for (int number = 100; number < 103; ++number)
+        store.append(record(number));
+    store.loadLast(1);
+    QList<int> expected;
+    for (int number = 0; number < written; ++number)
+        expected.append(number);
+    QCOMPARE(load(), expected + QList<int>({101, 102}));
+}
+
+void TestFullDisk::keepsTheFileWhenThereIsNoRoomToTrimIt()
+{
+    HistoryStore store(m_folder->path());
+    for (int number = 0; number < 150; ++number)
+        store.append(record(number));
+    QCOMPARE(store.loadLast(1000).size(), 150U);
+    fill();
+    store.trim(120);
+    QCOMPARE(store.loadLast(1000).size(), 150U);
+    const QStringList names = QDir(m_folder->path()).entryList(QDir::Files);
+    QCOMPARE(names, QStringList({u"filler"_s, u"history.jsonl"_s}));
+
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    store.trim(120);
+    QCOMPARE(store.loadLast(1000).size(), 120U);
+}
+
+void TestFullDisk::startsOnAFullDisk()
+{
+    fill();
+    HistoryStore store(m_folder->path());
+    store.append(record(1));
+    QVERIFY(store.loadLast(60).empty());
+    QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
+    store.append(record(2));
+    QCOMPARE(store.loadLast(60).size(), 1U);
+}
+
+void TestFullDisk::readsFromAReadOnlyDisk()
+{
+    HistoryStore store(m_folder->path());
+    for (int number = 0; number < 3; ++number)
+        store.append(record(number));
+    QCOMPARE(store.loadLast(60).size(), 3U);
+    setReadOnly(true);
+    store.append(record(3));
+    store.trim(1);
+    QCOMPARE(store.loadLast(60).size(), 3U);
+    setReadOnly(false);
+    store.append(record(4));
+    store.loadLast(1);
+    QCOMPARE(load(), QList<int>({0, 1, 2, 4}));
+}
+
+void TestFullDisk::startsOnAReadOnlyDisk()
+{
+    setReadOnly(true);
+    HistoryStore store(m_folder->filePath(u"Corvane"_s));
+    store.append(record(1));
+    store.trim(0);
+    QVERIFY(store.loadLast(60).empty());
+}
+
+QTEST_APPLESS_MAIN(TestFullDisk)
+#include "tst_FullDisk.moc"

@@ -1,0 +1,169 @@
+#include "history/HistoryStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include <csignal>
+#include <cstdlib>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+extern char **environ;
+
+namespace {
+
+constexpr int kept = 20;
+
+/// What the other process does until it is killed: it appends records with rising numbers, trims,
+/// and tells on its standard output the number that it knows to be in the file.
+[[noreturn]] void appendForEver(const QString &directory, int first)
+{
+    HistoryStore store(directory);
+    for (int number = first;; ++number) {
+        store.append({.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50});
+        if (number % 30 == 0)
+            store.trim(kept);
+        if (number % 7 == 0) {
+            store.loadLast(1);
+            if (write(STDOUT_FILENO, &number, sizeof number) != sizeof number)
+                _exit(1);
+        }
+    }
+}
+
+/// The other process.
+class Writer {
+public:
+    Writer(std::string program, const QString &directory, int first)
+    {
+        std::array<int, 2> pipeEnds = {};
+        if (pipe(pipeEnds.data()) != 0)
+            qFatal("no pipe");
+        m_output = pipeEnds[0];
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, pipeEnds[0]);
+        posix_spawn_file_actions_addclose(&actions, pipeEnds[1]);
+        std::string directoryArgument = directory.toStdString();
+        std::string firstArgument = std::to_string(first);
+        std::array<char *, 4> arguments{program.data(), directoryArgument.data(),
+                                        firstArgument.data(), nullptr};
+        if (posix_spawn(&m_process, program.c_str(), &actions, nullptr, arguments.data(), environ)
+            != 0)
+            qFatal("no process");
+        posix_spawn_file_actions_destroy(&actions);
+        close(pipeEnds[1]);
+    }
+    ~Writer()
+    {
+        killNow();
+        close(m_output);
+    }
+    Writer(const Writer &) = delete;
+    Writer &operator=(const Writer &) = delete;
+
+    /// The next number that is in the file; nothing when the process is gone.
+    std::optional<int> next() const
+    {
+        int number = 0;
+        return read(m_output, &number, sizeof number) == sizeof number ? std::optional(number)
+                                                                       : std::nullopt;
+    }
+
+    void killNow()
+    {
+        if (m_process == 0)
+            return;
+        kill(m_process, SIGKILL);
+        waitpid(std::exchange(m_process, 0), nullptr, 0);
+    }
+
+private:
+    pid_t m_process = 0;
+    int m_output = -1;
+};
+
+} // namespace
+
+class TestKilledWriter : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TestKilledWriter(std::string program) : m_program(std::move(program)) { }
+
+private slots:
+    void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut();
+
+private:
+    std::string m_program;
+};
+
+void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
+{
+    const QTemporaryDir folder;
+    std::mt19937 random(1234);
+    int first = 1;
+    qsizetype damagedBefore = 0;
+    for (int round = 0; round < 100; ++round) {
+        Writer writer(m_program, folder.path(), first);
+        std::optional<int> number = writer.next();
+        QVERIFY(number);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+        writer.killNow();
+        int known = 0;
+        for (; number; number = writer.next())
+            known = *number;
+
+        QFile file(folder.filePath(u"history.jsonl"_s));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QList<QByteArray> pieces = file.readAll().split('\n');
+        pieces.removeAll(QByteArray());
+
+        std::set<int> found;
+        for (const PersistedMetric &metric : HistoryStore(folder.path()).loadLast(100'000)) {
+            QVERIFY(found.empty() || metric.t > *found.rbegin());
+            found.insert(static_cast<int>(metric.t));
+        }
+        const auto damaged = pieces.size() - static_cast<qsizetype>(found.size());
+        // The file runs ahead of what was told, and a trim leaves the newest of all.
+        const int newest = std::max(known, found.empty() ? 0 : *found.rbegin());
+        qsizetype missing = 0;
+        for (int i = std::max(first, newest - kept + 1); i <= known; ++i)
+            missing += found.contains(i) ? 0 : 1;
+        QVERIFY2(missing <= damaged, qPrintable(u"%1 of %2"_s.arg(missing).arg(damaged)));
+        QVERIFY2(damaged <= damagedBefore + 1, qPrintable(QString::number(damaged)));
+        damagedBefore = damaged;
+        first = newest + 1;
+    }
+    // Whatever the killed ones left is used up by the next one that trims.
+    HistoryStore(folder.path()).trim(1);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{u"history.jsonl"_s});
+}
+
+/// With a folder and a number, the program is the other process.
+int main(int argc, char **argv)
+{
+    if (argc == 3 && argv[1][0] == '/')
+        appendForEver(QString::fromLocal8Bit(argv[1]), std::atoi(argv[2]));
+    TestKilledWriter test(argv[0]);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_KilledWriter.moc"

@@ -1,0 +1,1 @@
+corvane_test(sampling/tst_SystemSampler THREADED LINK corvane::sampler)

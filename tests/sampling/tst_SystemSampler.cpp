@@ -1,0 +1,290 @@
+#include "sampling/SystemSampler.h"
+
+#include "support/ProcessState.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A machine whose numbers and time the test sets.
+struct ScriptedMachine {
+    double now = 1000;
+    MemorySnapshot memory = {.total = 1000, .used = 250};
+    std::optional<ChipReading> chip = {};
+
+    SamplerSources sources()
+    {
+        return {.memory = [this] { return memory; },
+                .chip = [this] { return chip; },
+                .now = [this] { return now++; }};
+    }
+};
+
+PersistedMetric record(double t)
+{
+    return {.t = t, .memTotal = 1000, .memUsed = 500, .memPct = 50, .cpuPct = 37.5, .cpuW = 2};
+}
+
+void fillHistory(const QString &directory, int records)
+{
+    HistoryStore store(directory);
+    for (int i = 0; i < records; ++i)
+        store.append(record(i));
+}
+
+qint64 linesIn(const QString &directory)
+{
+    QFile file(directory + u"/history.jsonl"_s);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().count('\n') : -1;
+}
+
+std::vector<SystemMetrics> samples(int count)
+{
+    std::vector<SystemMetrics> list;
+    for (int i = 0; i < count; ++i)
+        list.push_back({.timestamp = double(i)});
+    return list;
+}
+
+} // namespace
+
+class TestSystemSampler : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void firstSampleIsThereAtOnce();
+    void continuesTheHistoryOfTheFile();
+    void keepsSixtySamples();
+    void samplesWithoutAChip();
+    void samplesWithAChip();
+    void announcesCurrentBeforeHistory();
+    void continuesAfterARestart();
+    void trimsOnEverySixtiethTick();
+    void settingTheSameWindowAgainChangesNothing();
+    void aDayOfTicksGrowsNothing();
+    void historyFitsANewWindow_data();
+    void historyFitsANewWindow();
+
+private:
+    void settle(const SystemSampler &sampler);
+
+    QTemporaryDir m_folder;
+    QString m_directory;
+    ScriptedMachine m_machine;
+    std::optional<AppSettings> m_settings;
+};
+
+void TestSystemSampler::init()
+{
+    static int test = 0;
+    m_directory = m_folder.filePath(QString::number(test++));
+    m_machine = {};
+    QCoreApplication::setOrganizationName(u"Corvane"_s);
+    QCoreApplication::setApplicationName(u"Corvane"_s);
+    m_settings.emplace();
+}
+
+/// Waits until the file work handed in so far is done: a window change loads, and loads wait their
+/// turn.
+void TestSystemSampler::settle(const SystemSampler &sampler)
+{
+    QSignalSpy changed(&sampler, &SystemSampler::historyChanged);
+    m_settings->setHistoryWindow(HistoryWindow::oneMin);
+    QCoreApplication::processEvents();
+    QVERIFY(changed.count() >= 1); // The timer may have its say too.
+}
+
+void TestSystemSampler::firstSampleIsThereAtOnce()
+{
+    const SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    QCOMPARE(sampler.history().size(), std::size_t(1));
+    QCOMPARE(sampler.history().front().id, sampler.current().id);
+    QCOMPARE(sampler.current().timestamp, 1000.0);
+    QCOMPARE(sampler.current().memory.used, quint64(250));
+    QVERIFY(sampler.processes().empty());
+    QVERIFY(sampler.aiWorkloads().empty());
+}
+
+void TestSystemSampler::continuesTheHistoryOfTheFile()
+{
+    fillHistory(m_directory, 200);
+    const SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    const auto &history = sampler.history();
+    QCOMPARE(history.size(), std::size_t(60)); // 60 of the file and the first tick, cut at once.
+    for (std::size_t i = 0; i < 59; ++i) {
+        QCOMPARE(history[i].timestamp, 141.0 + double(i));
+        QVERIFY(history[i].chip);
+        QCOMPARE(history[i].chip->cpuActiveFraction, 0.375);
+        QVERIFY(!history[i].chip->cpuTempC);
+        QVERIFY(!history[i].chip->packageTempC);
+    }
+    QCOMPARE(history.back().timestamp, 1000.0);
+}
+
+void TestSystemSampler::keepsSixtySamples()
+{
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    for (int i = 0; i < 100; ++i) {
+        sampler.tick();
+        QVERIFY(sampler.history().size() <= 60);
+    }
+    QCOMPARE(sampler.history().size(), std::size_t(60));
+    QCOMPARE(sampler.history().back().timestamp, 1100.0);
+    QCOMPARE(sampler.history().front().timestamp, 1041.0);
+}
+
+void TestSystemSampler::samplesWithoutAChip()
+{
+    SamplerSources sources = m_machine.sources();
+    sources.chip = {};
+    SystemSampler sampler(*m_settings, sources, m_directory);
+    QVERIFY(!sampler.current().chip);
+    sampler.tick();
+    QVERIFY(!sampler.current().chip);
+    QCOMPARE(sampler.current().memory.total, quint64(1000));
+}
+
+void TestSystemSampler::samplesWithAChip()
+{
+    m_machine.chip = ChipReading{.cpuWatts = 3, .cpuTempC = 55};
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    QCOMPARE(sampler.current().chip->cpuWatts, 3.0);
+    m_machine.chip.reset(); // A tick on which the chip had nothing to report.
+    sampler.tick();
+    QVERIFY(!sampler.current().chip);
+    QCOMPARE(sampler.history().front().chip->cpuTempC, std::optional<double>(55));
+}
+
+void TestSystemSampler::announcesCurrentBeforeHistory()
+{
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    QStringList order;
+    connect(&sampler, &SystemSampler::currentChanged, this, [&] {
+        order.append(
+            u"current %1 of %2"_s.arg(sampler.current().timestamp).arg(sampler.history().size()));
+    });
+    connect(&sampler, &SystemSampler::historyChanged, this,
+            [&] { order.append(u"history %1"_s.arg(sampler.history().size())); });
+    sampler.tick();
+    QCOMPARE(order, (QStringList{u"current 1001 of 1"_s, u"history 2"_s}));
+}
+
+void TestSystemSampler::continuesAfterARestart()
+{
+    m_machine.chip = ChipReading{.cpuWatts = 1.25, .gpuActiveFraction = 0.5};
+    {
+        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+        for (int i = 0; i < 4; ++i)
+            sampler.tick();
+    }
+    const SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    QCOMPARE(sampler.history().size(), std::size_t(6));
+    for (std::size_t i = 0; i < 6; ++i)
+        QCOMPARE(sampler.history()[i].timestamp, 1000.0 + double(i));
+    QCOMPARE(sampler.history().front().chip->cpuWatts, 1.25);
+    QCOMPARE(sampler.history().front().chip->gpuActiveFraction, 0.5);
+    QCOMPARE(sampler.history().front().memory.used, quint64(250));
+}
+
+void TestSystemSampler::trimsOnEverySixtiethTick()
+{
+    fillHistory(m_directory, 300);
+    {
+        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory); // Tick 1.
+        for (int tick = 2; tick <= 59; ++tick)
+            sampler.tick();
+    }
+    QCOMPARE(linesIn(m_directory), 300 + 59);
+    {
+        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+        for (int tick = 2; tick <= 61; ++tick)
+            sampler.tick();
+    }
+    QCOMPARE(linesIn(m_directory), 120 + 1);
+}
+
+void TestSystemSampler::settingTheSameWindowAgainChangesNothing()
+{
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    for (int i = 0; i < 9; ++i)
+        sampler.tick();
+    const auto before = sampler.history();
+    QSignalSpy changed(&sampler, &SystemSampler::historyChanged);
+    m_settings->setHistoryWindow(HistoryWindow::oneMin);
+    QCOMPARE(changed.count(), 0); // Not before the writer is done.
+    QCoreApplication::processEvents();
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(sampler.history().size(), before.size());
+    for (std::size_t i = 0; i < before.size(); ++i)
+        QCOMPARE(sampler.history()[i].id, before[i].id);
+}
+
+void TestSystemSampler::aDayOfTicksGrowsNothing()
+{
+    constexpr int day = 86'400;
+    m_machine.chip = ChipReading{.cpuCoreUtilizations = {0.5, 0.25}};
+    {
+        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+        for (int tick = 0; tick < 1000; ++tick)
+            sampler.tick();
+        settle(sampler);
+        const auto filesBefore = openDescriptors();
+        const qint64 heapBefore = heapInUse();
+        for (int tick = 1001; tick < day; ++tick)
+            sampler.tick();
+        settle(sampler);
+        QCOMPARE(sampler.history().size(), std::size_t(60));
+        QCOMPARE(openDescriptors(), filesBefore);
+        QVERIFY2(heapInUse() - heapBefore < 64 * 1024, "the heap grew");
+    }
+    QVERIFY(linesIn(m_directory) <= 180);
+    QVERIFY(linesIn(m_directory) >= 120);
+}
+
+void TestSystemSampler::historyFitsANewWindow_data()
+{
+    QTest::addColumn<int>("held");
+    QTest::addColumn<int>("window");
+    QTest::addColumn<int>("inFile");
+    QTest::addColumn<int>("expected");
+    QTest::addColumn<bool>("fromFile");
+    QTest::newRow("a shorter window keeps the newest") << 60 << 30 << 200 << 30 << false;
+    QTest::newRow("the same window keeps what is held") << 60 << 60 << 200 << 60 << false;
+    QTest::newRow("a longer window takes more from the file") << 60 << 300 << 200 << 200 << true;
+    QTest::newRow("a longer window with less in the file") << 60 << 300 << 40 << 60 << false;
+    QTest::newRow("a longer window with as much in the file") << 60 << 300 << 60 << 60 << false;
+    QTest::newRow("nothing held, nothing in the file") << 0 << 60 << 0 << 0 << false;
+    QTest::newRow("nothing held, some in the file") << 0 << 60 << 10 << 10 << true;
+}
+
+void TestSystemSampler::historyFitsANewWindow()
+{
+    QFETCH(int, held);
+    QFETCH(int, window);
+    QFETCH(int, inFile);
+    QFETCH(bool, fromFile);
+    const auto before = samples(held);
+    const auto file = samples(qMin(inFile, window)); // A load gives no more than it is asked for.
+    qint64 asked = -1;
+    const auto after = historyAfterWindowChange(before, window, [&](qint64 count) {
+        asked = count;
+        return file;
+    });
+    QTEST(int(after.size()), "expected");
+    QCOMPARE(asked, window < held ? -1 : window);
+    if (!after.empty())
+        QCOMPARE(after.back().id, fromFile ? file.back().id : before.back().id);
+}
+
+QTEST_GUILESS_MAIN(TestSystemSampler)
+#include "tst_SystemSampler.moc"

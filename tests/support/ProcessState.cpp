@@ -1,0 +1,26 @@
+#include "support/ProcessState.h"
+
+#include <QDir>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+namespace corvane::test {
+
+qint64 heapInUse()
+{
+#ifdef __GLIBC__
+    const auto info = mallinfo2();
+    return static_cast<qint64>(info.uordblks + info.hblkhd);
+#else
+    return 0;
+#endif
+}
+
+qsizetype openDescriptors()
+{
+    return QDir(QStringLiteral("/dev/fd")).entryList(QDir::Files | QDir::System).size();
+}
+
+} // namespace corvane::test

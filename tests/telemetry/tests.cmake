@@ -1,0 +1,7 @@
+corvane_test(telemetry/tst_ChannelTotals LINK corvane::telemetry)
+corvane_test(telemetry/tst_ChipIdentity LINK corvane::telemetry)
+corvane_test(telemetry/tst_ChipName SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_FrequencyTables LINK corvane::telemetry)
+corvane_test(telemetry/tst_IOReportPowerSampler LINK corvane::telemetry)
+corvane_test(telemetry/tst_NaturalOrder LINK corvane::telemetry)
+corvane_test(telemetry/tst_ThermalSampler LINK corvane::telemetry)
