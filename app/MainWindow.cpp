@@ -41,7 +41,8 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"Corvane"_s);
-    setFocusPolicy(Qt::StrongFocus); // Takes the focus first, so that no part starts with a ring.
+    setFocusPolicy(Qt::StrongFocus);
+    setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
     resize(usualSize.boundedTo(screen()->availableSize()));
 }

@@ -121,7 +121,7 @@ void Card::paintShapes(QPainter &, const QRect &) { }
 
 void Card::paintBackdrop(QPainter &painter)
 {
-    const double scale = devicePixelRatioF();
+    const double scale = painter.deviceTransform().m11(); // Of the device that is painted on.
     const QSize windowSize = window()->size();
     if (m_backdrop.isNull() || m_backdropWindow != windowSize
         || m_backdrop.devicePixelRatio() != scale) {

@@ -7,11 +7,21 @@ namespace corvane {
 
 namespace {
 
-QString shownText(const CardText &line)
+/// The text as it is shown. One that is cut has digits of their own widths, since the cut is
+/// reckoned with these.
+struct ShownText {
+    QString text;
+    Digits digits;
+    double width;
+};
+
+ShownText shownText(const CardText &line)
 {
-    if (line.mostWidth <= 0 || textWidth(line.text, line.font, line.digits) <= line.mostWidth)
-        return line.text;
-    return elided(line.text, line.font, line.mostWidth);
+    const double width = textWidth(line.text, line.font, line.digits);
+    if (line.mostWidth <= 0 || width <= line.mostWidth)
+        return {line.text, line.digits, width};
+    const QString cut = elided(line.text, line.font, line.mostWidth);
+    return {cut, Digits::proportional, textWidth(cut, line.font, Digits::proportional)};
 }
 
 double leftEnd(const CardText &line, double width)
@@ -27,7 +37,7 @@ double leftEnd(const CardText &line, double width)
 
 double CardText::width() const
 {
-    return textWidth(shownText(*this), font, digits);
+    return shownText(*this).width;
 }
 
 QRectF CardText::bounds() const
@@ -42,10 +52,9 @@ QRectF CardText::bounds() const
 
 void CardText::paint(QPainter &painter) const
 {
-    const QString shown = shownText(*this);
+    const ShownText shown = shownText(*this);
     painter.setPen(color);
-    drawText(painter, {leftEnd(*this, textWidth(shown, font, digits)), baseline.y()}, shown, font,
-             digits);
+    drawText(painter, {leftEnd(*this, shown.width), baseline.y()}, shown.text, font, shown.digits);
 }
 
 } // namespace corvane

@@ -39,8 +39,7 @@ void InfoButton::toggle()
         close();
         return;
     }
-    m_popover = new InfoPopover(m_info.title, m_info.text, this,
-                                glyph().marginsAdded({3.5, 3.5, 3.5, 3.5}));
+    m_popover = new InfoPopover(m_info.title, m_info.text, this, clickArea());
     connect(m_popover, &InfoPopover::dismissed, this, &InfoButton::close);
 }
 

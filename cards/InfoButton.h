@@ -26,6 +26,9 @@ public:
     /// around it, on whole points.
     static constexpr QRectF glyph() { return {4, 3.5, 13, 13}; }
 
+    /// The square as it would lie exactly around the glyph; the popover points at it.
+    static constexpr QRectF clickArea() { return {0.5, 0, side, side}; }
+
     explicit InfoButton(const InfoText &info, QWidget *parent = nullptr);
     ~InfoButton() override;
 

@@ -101,7 +101,8 @@ PopoverPlacement placePopover(const QRectF &anchor, const QSizeF &body, const QS
 {
     const double middle = anchor.center().x();
     const double rightmost = window.width() - windowMargin - body.width();
-    const double left = std::max(std::min(middle - body.width() / 2, rightmost), windowMargin);
+    const double left =
+        std::round(std::max(std::min(middle - body.width() / 2, rightmost), windowMargin));
     const double tipX =
         std::clamp(middle, left + cornerDistance, left + body.width() - cornerDistance);
 

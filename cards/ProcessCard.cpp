@@ -84,7 +84,7 @@ void ProcessCard::layOut()
     m_list->setGeometry(CardStyle::padding, bodyTop, width() - CardStyle::padding,
                         height() - bodyTop - listFoot);
     const double middle = (bodyTop + height() - CardStyle::padding) / 2.0;
-    m_empty.baseline = {width() / 2.0, centredBaseline(m_empty.font, middle, 0)};
+    m_empty.baseline = {width() / 2.0, TextLine{middle, 0}.baseline(m_empty.font)};
 }
 
 void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) const

@@ -132,7 +132,7 @@ void RowList::paintRows(QPainter &painter, const QRectF &part) const
 
 void RowList::paintFade(QPainter &painter, const QRectF &part) const
 {
-    const double scale = painter.device()->devicePixelRatioF();
+    const double scale = painter.deviceTransform().m11();
     QImage layer((part.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     layer.setDevicePixelRatio(scale);
     layer.fill(Qt::transparent);

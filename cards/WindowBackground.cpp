@@ -87,7 +87,7 @@ QImage windowBackground(const QSize &window, const QRect &part)
 
 void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRect &part)
 {
-    const double scale = widget.devicePixelRatioF();
+    const double scale = painter.deviceTransform().m11();
     const QWidget *window = widget.window();
     const QPoint origin = widget.mapTo(window, QPoint(0, 0));
     const QRectF inWindow(part.translated(origin));

@@ -1,6 +1,6 @@
 #include "cards/Theme.h"
 #include "charts/CoreBars.h"
-#include "charts/Rendering.h"
+#include "support/Rendering.h"
 
 #include <QTest>
 

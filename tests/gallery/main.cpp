@@ -7,6 +7,8 @@
 #include "app/MainWindow.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/InfoButton.h"
+#include "cards/InfoPopover.h"
+#include "cards/InfoTexts.h"
 #include "cards/MemoryCard.h"
 #include "cards/PowerCard.h"
 #include "cards/ProcessCard.h"
@@ -36,7 +38,12 @@ const ChipInfo chip{.name = u"Apple M3 Max"_s, .cpuMaxW = 36, .gpuMaxW = 56, .an
 /// A window of that size with the dashboard's background.
 class Backdrop : public QWidget {
 public:
-    explicit Backdrop(const QSize &size) { resize(size); }
+    explicit Backdrop(const QSize &size)
+    {
+        resize(size);
+        setFocusPolicy(Qt::StrongFocus);
+        setFocus();
+    }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -125,7 +132,13 @@ bool infoPopover(const Gallery &gallery)
     card.show(scriptedCurrent(), scriptedHistory());
     window.show();
     card.infoButton()->click();
-    return gallery.save(window, u"info-popover"_s);
+    const bool good = gallery.save(window, u"info-popover"_s);
+    card.infoButton()->click();
+
+    // The wording of the other system too.
+    const InfoText mac = infoText(InfoTopic::power, HostSystem::mac);
+    InfoPopover popover(mac.title, mac.text, card.infoButton(), InfoButton::clickArea());
+    return gallery.save(window, u"info-popover-mac"_s) && good;
 }
 
 /// One card alone on the dashboard's background.
