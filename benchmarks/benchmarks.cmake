@@ -1,0 +1,2 @@
+corvane_benchmark(Sparkline LINK corvane::charts)
+corvane_benchmark(History LINK corvane::history)

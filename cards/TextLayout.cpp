@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace corvane {
 
@@ -64,6 +65,53 @@ void forEachPiece(const QString &text, const QFont &font, const DigitMetrics &di
     }
 }
 
+/// Sets text at the size that it has on the device. A font that the painter enlarges is hinted at
+/// its small size first, which thickens every stem.
+class DeviceText {
+public:
+    DeviceText(QPainter &painter, const QFont &font)
+        : m_painter(painter),
+          m_ratio(wholeRatio(painter))
+    {
+        if (m_ratio == 1) {
+            painter.setFont(font);
+            return;
+        }
+        QFont large = font;
+        large.setPixelSize(font.pixelSize() * m_ratio);
+        if (font.letterSpacingType() == QFont::AbsoluteSpacing)
+            large.setLetterSpacing(QFont::AbsoluteSpacing, font.letterSpacing() * m_ratio);
+        painter.save();
+        painter.setFont(large);
+        painter.scale(1.0 / m_ratio, 1.0 / m_ratio);
+    }
+
+    ~DeviceText()
+    {
+        if (m_ratio != 1)
+            m_painter.restore();
+    }
+
+    DeviceText(const DeviceText &) = delete;
+    DeviceText &operator=(const DeviceText &) = delete;
+
+    void draw(const QPointF &baseline, const QString &text) const
+    {
+        m_painter.drawText(baseline * m_ratio, text);
+    }
+
+private:
+    /// The device's pixels a point, where they are a whole number; fonts have whole pixel sizes.
+    static int wholeRatio(const QPainter &painter)
+    {
+        const double ratio = painter.device()->devicePixelRatioF();
+        return ratio == std::floor(ratio) ? static_cast<int>(ratio) : 1;
+    }
+
+    QPainter &m_painter;
+    int m_ratio;
+};
+
 bool setDigitByDigit(const QString &text, const QFont &font, Digits digits)
 {
     return digits == Digits::fixedWidth && std::ranges::any_of(text, isDigit)
@@ -91,15 +139,15 @@ double textWidth(const QString &text, const QFont &font, Digits digits)
 void drawText(QPainter &painter, const QPointF &baseline, const QString &text, const QFont &font,
               Digits digits)
 {
-    painter.setFont(font);
+    const DeviceText device(painter, font);
     if (!setDigitByDigit(text, font, digits)) {
-        painter.drawText(baseline, text);
+        device.draw(baseline, text);
         return;
     }
     double x = baseline.x();
     forEachPiece(text, font, digitMetrics(font),
                  [&](const QString &piece, double width, double indent) {
-                     painter.drawText(QPointF(x + indent, baseline.y()), piece);
+                     device.draw(QPointF(x + indent, baseline.y()), piece);
                      x += width;
                  });
 }

@@ -8,9 +8,9 @@ namespace corvane {
 
 namespace {
 
-class SpokenWidget : public QAccessibleWidget {
+class SpokenValueInterface : public QAccessibleWidget {
 public:
-    SpokenWidget(QWidget *widget, const SpokenValue *spoken)
+    SpokenValueInterface(QWidget *widget, const SpokenValue *spoken)
         : QAccessibleWidget(widget, QAccessible::Chart),
           m_spoken(spoken)
     {
@@ -32,7 +32,7 @@ QAccessibleInterface *spokenInterface(const QString &, QObject *object)
 {
     auto *widget = qobject_cast<QWidget *>(object);
     const auto *spoken = dynamic_cast<const SpokenValue *>(object);
-    return widget && spoken ? new SpokenWidget(widget, spoken) : nullptr;
+    return widget && spoken ? new SpokenValueInterface(widget, spoken) : nullptr;
 }
 
 /// Knows whether a screen reader listens.

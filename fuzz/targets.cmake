@@ -1,4 +1,6 @@
 corvane_fuzz(ChannelTotals LINK corvane::telemetry)
 corvane_fuzz(FrequencyTables LINK corvane::telemetry)
+corvane_fuzz(HistoryFile LINK corvane::history)
+corvane_fuzz(HistoryLine LINK corvane::history)
 corvane_fuzz(KernelText LINK corvane::platform)
 corvane_fuzz(SensorNames LINK corvane::telemetry)

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <string>
 
 namespace corvane {
 
@@ -45,28 +44,22 @@ std::size_t valueLength(std::string_view text)
     return text.size();
 }
 
-void skipBlanks(std::string_view &text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-}
-
 /// Cuts a part of this length and the blanks behind it off `text`.
 std::string_view take(std::string_view &text, std::size_t length)
 {
     const std::string_view part = text.substr(0, length);
     text.remove_prefix(part.size());
-    skipBlanks(text);
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     return part.substr(0, part.find_last_not_of(blanks) + 1);
 }
 
-/// Whether a string, quotes and escapes included, reads as `key`.
-bool spells(std::string_view string, std::string_view key)
+/// What a string, quotes and escapes included, reads as.
+std::string unescaped(std::string_view string)
 {
     if (string.find('\\') == std::string_view::npos)
-        return string.size() == key.size() + 2 && string.substr(1, key.size()) == key;
-    const std::string list = '[' + std::string(string) + ']';
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(list));
-    return document.array().first().toString().toUtf8() == QByteArrayView(key.data(), key.size());
+        return std::string(string.substr(1, std::max<std::size_t>(string.size(), 2) - 2));
+    const QByteArray list = QByteArray::fromStdString('[' + std::string(string) + ']');
+    return QJsonDocument::fromJson(list).array().first().toString().toStdString();
 }
 
 /// Cuts the digits off `text` that it begins with; nothing when there are none.
@@ -140,9 +133,9 @@ std::optional<Decimal> parseNumber(std::string_view text)
 
 } // namespace
 
-std::optional<std::string_view> memberText(std::string_view object, std::string_view key)
+std::vector<JsonMember> members(std::string_view object)
 {
-    std::optional<std::string_view> found;
+    std::vector<JsonMember> found;
     object.remove_prefix(std::min(object.find('{'), object.size()));
     while (object.starts_with('{') || object.starts_with(',')) {
         take(object, 1);
@@ -152,11 +145,17 @@ std::optional<std::string_view> memberText(std::string_view object, std::string_
         if (!object.starts_with(':'))
             break;
         take(object, 1);
-        const std::string_view value = take(object, valueLength(object));
-        if (spells(name, key))
-            found = value;
+        found.push_back({unescaped(name), take(object, valueLength(object))});
     }
     return found;
+}
+
+std::string_view valueOf(const std::vector<JsonMember> &members, std::string_view name)
+{
+    const auto last =
+        std::find_if(members.rbegin(), members.rend(),
+                     [name](const JsonMember &member) { return member.name == name; });
+    return last == members.rend() ? std::string_view() : last->value;
 }
 
 bool isNumber(std::string_view text)

@@ -2,15 +2,25 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace corvane {
 
 /// What a JSON reader that keeps numbers as doubles cannot tell: how a number is written. Pure.
 
-/// The text of the value that belongs to `key` in an object known to be valid JSON; of several the
-/// last one. Nothing when there is none. Text that is not valid gives some part of it or nothing.
-std::optional<std::string_view> memberText(std::string_view object, std::string_view key);
+struct JsonMember {
+    std::string name;
+    std::string_view value; ///< As it is written.
+};
+
+/// The members of an object known to be valid JSON, in its order. Text that is not valid gives
+/// some of them, whose values are parts of it.
+std::vector<JsonMember> members(std::string_view object);
+
+/// The value of that name, of several the last one; empty when there is none.
+std::string_view valueOf(const std::vector<JsonMember> &members, std::string_view name);
 
 /// Whether the text is a number by JSON's grammar, which Qt's reader widens (".5", "1.").
 bool isNumber(std::string_view text);

@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 namespace corvane {
 
@@ -90,17 +91,16 @@ std::optional<PersistedMetric> PersistedMetric::fromJson(const QByteArray &line)
     // Qt's values hold whole numbers of 63 bits and make doubles of the larger ones, so all numbers
     // are read from the text.
     PersistedMetric metric;
-    const auto textOf = [&line](std::string_view key) {
-        return memberText(std::string_view(line.data(), line.size()), key).value_or("");
-    };
-    const auto readMeasure = [&metric, &textOf](const Field<double> &field) {
-        const std::string_view text = textOf(field.key);
+    const std::vector<JsonMember> all =
+        members(std::string_view(line.data(), static_cast<std::size_t>(line.size())));
+    const auto readMeasure = [&metric, &all](const Field<double> &field) {
+        const std::string_view text = valueOf(all, field.key);
         bool finite = false;
         metric.*field.number = QByteArrayView(text.data(), text.size()).toDouble(&finite);
         return finite && isNumber(text);
     };
-    const auto readByteCount = [&metric, &textOf](const Field<quint64> &field) {
-        const auto count = exactUnsigned(textOf(field.key));
+    const auto readByteCount = [&metric, &all](const Field<quint64> &field) {
+        const auto count = exactUnsigned(valueOf(all, field.key));
         metric.*field.number = count.value_or(0);
         return count.has_value();
     };

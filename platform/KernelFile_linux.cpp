@@ -32,8 +32,8 @@ std::optional<std::string_view> KernelFile::read(std::size_t limit)
     if (!m_file)
         return std::nullopt;
 
-    // The kernel hands out most of these files whole in one read; a full buffer means that there
-    // may be more.
+    // Only a read of nothing tells the end: a longer file comes by records, and a read stops before
+    // the record that no longer fits the kernel's page.
     std::size_t length = 0;
     while (length < limit) {
         if (m_buffer.size() == length)
@@ -45,9 +45,9 @@ std::optional<std::string_view> KernelFile::read(std::size_t limit)
             m_file = {};
             return std::nullopt;
         }
-        length += static_cast<std::size_t>(count);
-        if (static_cast<std::size_t>(count) < room)
+        if (count == 0)
             break;
+        length += static_cast<std::size_t>(count);
     }
     if (length == 0)
         return std::nullopt;

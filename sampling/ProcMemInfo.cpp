@@ -93,7 +93,7 @@ std::optional<std::int32_t> pressureLevel(const ProcMemoryTexts &texts, const Me
     }
     if (!info.available || !info.total || *info.total == 0)
         return std::nullopt;
-    return level(*info.available < *info.total / 20, *info.available < *info.total / 10);
+    return level(*info.available * 20 < *info.total, *info.available * 10 < *info.total);
 }
 
 /// What the ZFS cache could give back, in bytes.

@@ -58,15 +58,19 @@ std::optional<CPULine> takeCPULine(std::string_view &text)
 
 std::optional<std::vector<CoreTicks>> CPUTickCounters::update(std::string_view procStat)
 {
+    const bool first = m_counters.empty();
     bool anyCPU = false;
     while (const auto line = takeCPULine(procStat)) {
         anyCPU = true;
         if (line->cpu >= m_counters.size())
             m_counters.resize(line->cpu + 1);
         Counter &counter = m_counters[line->cpu];
+        // A CPU that joins later has its whole past in its counters, none of which is news.
+        if (!first && !counter.seen)
+            counter.last = line->times;
         for (std::size_t column = 0; column < CPUTimes::columns; ++column) {
             const std::uint64_t now = line->times.ticks[column];
-            const std::uint64_t before = counter.seen ? counter.last.ticks[column] : 0;
+            const std::uint64_t before = counter.last.ticks[column];
             counter.sum.ticks[column] += now > before ? now - before : 0;
         }
         counter.last = line->times;

@@ -30,7 +30,7 @@ std::optional<CPULine> takeCPULine(std::string_view &text);
 class CPUTickCounters {
 public:
     /// The counters after this reading; nothing when it tells of no CPU. A CPU that is not in it
-    /// keeps its counters, one that never was has zeros.
+    /// keeps its counters, one that never was has zeros, and one that joins later starts from them.
     std::optional<std::vector<CoreTicks>> update(std::string_view procStat);
 
 private:

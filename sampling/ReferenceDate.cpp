@@ -1,6 +1,7 @@
 #include "sampling/ReferenceDate.h"
 
 #include <chrono>
+#include <cmath>
 
 namespace corvane {
 
@@ -18,8 +19,12 @@ double secondsSince2001()
 
 QDateTime localDateTime(double secondsSince2001)
 {
+    // What a history file says may be any number; no such date is shown, and none is cast.
+    constexpr double latest = 1e13;
+    if (!(std::abs(secondsSince2001) <= latest))
+        return {};
     const double milliseconds = (secondsSince2001 + unixSecondsAt2001) * 1000;
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(std::floor(milliseconds)));
 }
 
 } // namespace corvane

@@ -7,6 +7,7 @@
 #include "sampling/MemorySampler.h"
 #include "sampling/ReferenceDate.h"
 #include "sampling/SystemMetrics.h"
+#include "telemetry/ChipSource.h"
 
 #include <QObject>
 #include <QTimer>
@@ -20,7 +21,7 @@ namespace corvane {
 /// all.
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
-    std::function<std::optional<ChipReading>()> chip = {}; ///< Empty: no chip sampler here.
+    ChipSource chip = openChipSource(); ///< Empty: no chip sampler here.
     std::function<double()> now = secondsSince2001;        ///< Wall clock.
 };
 

@@ -7,10 +7,11 @@ namespace corvane {
 
 namespace {
 
-/// "model name" of the first processor that has one; only x86 kernels write it.
+/// "model name" of the first processor; only x86 kernels write it.
 std::optional<std::string> modelName(const std::string &root)
 {
-    const auto contents = readKernelFile(root + "/proc/cpuinfo");
+    constexpr std::size_t firstProcessor = 4096; // The file is long where there are many.
+    const auto contents = readKernelFile(root + "/proc/cpuinfo", firstProcessor);
     std::string_view text = contents ? std::string_view(*contents) : std::string_view();
     while (const auto line = takeLine(text)) {
         const std::size_t colon = line->find(':');

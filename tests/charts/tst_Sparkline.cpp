@@ -86,6 +86,8 @@ private slots:
     void valuesOutsideArePinned();
     void samplesOutsideAreLeftOut();
     void gradientRunsFromEdgeToEdge();
+    void fillsHaveNoSeams_data() { addScales(); }
+    void fillsHaveNoSeams();
     void drawsTheLineOverTheFill_data() { addScales(); }
     void drawsTheLineOverTheFill();
     void gridIsOnePoint_data() { addScales(); }
@@ -203,6 +205,41 @@ void TestSparkline::gradientRunsFromEdgeToEdge()
     QVERIFY(std::abs(pixelAt(image, 50, 51).alpha() - 97) <= 3);
     QVERIFY(std::abs(pixelAt(image, 50, 75).alpha() - 49) <= 3);
     QVERIFY(pixelAt(image, 50, 99).alpha() <= 3);
+}
+
+void TestSparkline::fillsHaveNoSeams()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(301, 100);
+    SparklineData data =
+        plain({area({}, QColor(0, 120, 200, 140)), area({}, QColor(200, 90, 0, 140))});
+    data.stacking = Stacking::stacked;
+    data.timestamps.clear();
+    for (int i = 0; i < 83; ++i) {
+        data.timestamps.push_back(i * 30.0 / 82);
+        data.series[0].values.push_back(3 + 2 * std::sin(i * 0.7));
+        data.series[1].values.push_back(3 + 2 * std::sin(i * 1.9));
+    }
+    chart.show(data);
+    const QImage image = rendered(chart, scale);
+
+    QImage whole(image.size(), image.format());
+    whole.setDevicePixelRatio(scale);
+    whole.fill(Qt::transparent);
+    QPainter painter(&whole);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const std::vector<SeriesShape> shapes = seriesShapes(data, chart.size());
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+        painter.setBrush(data.series[i].fillColors.front());
+        painter.drawPolygon(shapes[i].fill, Qt::WindingFill);
+    }
+    painter.end();
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            QVERIFY(std::abs(image.pixelColor(x, y).alpha() - whole.pixelColor(x, y).alpha()) <= 2);
+    }
 }
 
 void TestSparkline::drawsTheLineOverTheFill()

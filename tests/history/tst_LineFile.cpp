@@ -184,7 +184,7 @@ void TestLineFile::readsAndCuts()
 void TestLineFile::agreesWithThePlainWay()
 {
     std::mt19937 random(64'000);
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 50; ++i) {
         const QByteArray before = randomContents(random);
         const auto count = static_cast<int>(random() % 45);
         write(before);
@@ -197,13 +197,15 @@ void TestLineFile::agreesWithThePlainWay()
 void TestLineFile::handsOutNoOverlongLine()
 {
     const QByteArray fits(LineFile::longestLine, 'a');
-    const QByteArray tooLong(LineFile::longestLine + 1, 'b');
+    const QByteArray tooLong(LineFile::longestLine * 5 + 1, 'b');
     write("first\n" + fits + '\n' + tooLong + "\nlast\n");
     // It counts as a line all the same.
     QCOMPARE(m_file.last(2), Lines{"last"});
     QCOMPARE(m_file.last(3), (Lines{fits.toStdString(), "last"}));
     m_file.keepLast(2);
     QVERIFY(contents() == tooLong + "\nlast\n");
+    write(fits + "a\nlast\n");
+    QCOMPARE(m_file.last(2), Lines{"last"});
 }
 
 void TestLineFile::livesWithALineOfAHundredMegabytes()
@@ -219,9 +221,6 @@ void TestLineFile::livesWithALineOfAHundredMegabytes()
     }
     QCOMPARE(m_file.last(60), (Lines{"first", "second", "last"}));
     QCOMPARE(m_file.last(2), Lines{"last"});
-    m_file.keepLast(3);
-    QCOMPARE(QFile(m_path).size(), (100 << 20) + 13);
-    QCOMPARE(m_file.last(60), (Lines{"second", "last"}));
     m_file.keepLast(1);
     QCOMPARE(contents(), QByteArray("last\n"));
 }

@@ -2,6 +2,7 @@
 
 #include <QTest>
 
+#include <array>
 #include <memory>
 #include <mutex>
 #include <numeric>
@@ -103,9 +104,9 @@ void TestSerialQueue::takesJobsFromManyThreads()
 {
     int sum = 0;
     SerialQueue queue{QString()};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&queue, &sum] {
+    std::array<std::thread, 4> threads;
+    for (std::thread &thread : threads) {
+        thread = std::thread([&queue, &sum] {
             for (int j = 0; j < 250; ++j) {
                 queue.async([&sum] { ++sum; });
                 if (j % 50 == 0)

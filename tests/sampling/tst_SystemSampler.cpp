@@ -240,11 +240,15 @@ void TestSystemSampler::aDayOfTicksGrowsNothing()
         settle(sampler);
         const auto filesBefore = openDescriptors();
         const qint64 heapBefore = heapInUse();
-        for (int tick = 1001; tick < day; ++tick)
+        for (int tick = 1001; tick <= day; ++tick) {
             sampler.tick();
+            if (tick % 1000 == 0)
+                settle(sampler); // Stepped time outruns the disk; real time does not.
+        }
         settle(sampler);
         QCOMPARE(sampler.history().size(), std::size_t(60));
-        QCOMPARE(openDescriptors(), filesBefore);
+        // The queue may be writing the timer's own tick just now.
+        QTRY_VERIFY(openDescriptors() <= filesBefore);
         QVERIFY2(heapInUse() - heapBefore < 64 * 1024, "the heap grew");
     }
     QVERIFY(linesIn(m_directory) <= 180);

@@ -1,0 +1,118 @@
+#include "history/HistoryStore.h"
+
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace corvane;
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+const PersistedMetric record{.t = 785000000.123456,
+                             .memTotal = 17'179'869'184,
+                             .memUsed = 8'589'934'592,
+                             .memPct = 50,
+                             .cpuPct = 37.51,
+                             .gpuPct = 12.25,
+                             .cpuW = 3.753,
+                             .gpuW = 1.52,
+                             .aneW = 0.125};
+
+template <typename Work>
+Seconds timed(Work work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - start;
+}
+
+/// Times ours and the bare system calls in turn, and tells the ratio of the sums.
+template <typename Ours, typename Bare>
+void compare(benchmark::State &state, Ours ours, Bare bare)
+{
+    Seconds oursTotal(0);
+    Seconds bareTotal(0);
+    for (auto _ : state) {
+        const Seconds once = timed(ours);
+        bareTotal += timed(bare);
+        oursTotal += once;
+        state.SetIterationTime(once.count());
+    }
+    state.counters["ratio to bare calls"] = oursTotal / bareTotal;
+}
+
+void bareAppend(const std::string &path, const std::string &line)
+{
+    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (write(file, line.data(), line.size()) < 0)
+        std::abort();
+    close(file);
+}
+
+std::size_t bareRead(const std::string &path)
+{
+    static char buffer[1 << 16];
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const ssize_t count = read(file, buffer, sizeof buffer);
+    close(file);
+    return static_cast<std::size_t>(count);
+}
+
+/// One record: written as text and added to the file, as the store's queue does it.
+void append(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("ours")).toStdString();
+    const std::string barePath = folder.filePath(QStringLiteral("bare")).toStdString();
+    const LineFile file(path);
+    file.create();
+    LineFile(barePath).create();
+    const std::string line = record.toJson()->toStdString() + '\n';
+    compare(
+        state, [&file] { file.append(record.toJson()->toStdString()); },
+        [&barePath, &line] { bareAppend(barePath, line); });
+}
+
+/// The newest 60 records of a file of 180, as at every start.
+void load(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    HistoryStore store(folder.path());
+    for (int i = 0; i < 180; ++i)
+        store.append(record);
+    if (store.loadLast(60).size() != 60)
+        std::abort();
+    const std::string path = folder.filePath(QStringLiteral("history.jsonl")).toStdString();
+    compare(
+        state, [&store] { benchmark::DoNotOptimize(store.loadLast(60)); },
+        [&path] { benchmark::DoNotOptimize(bareRead(path)); });
+}
+
+/// What a tick pays on the main thread: the hand-over to the queue.
+void handOver(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    HistoryStore store(folder.path());
+    const std::string path = folder.filePath(QStringLiteral("bare")).toStdString();
+    LineFile(path).create();
+    const std::string line = record.toJson()->toStdString() + '\n';
+    compare(
+        state, [&store] { store.append(record); }, [&path, &line] { bareAppend(path, line); });
+}
+
+} // namespace
+
+BENCHMARK(append)->UseManualTime();
+BENCHMARK(load)->UseManualTime();
+BENCHMARK(handOver)->UseManualTime()->Iterations(20'000);
+
+BENCHMARK_MAIN();

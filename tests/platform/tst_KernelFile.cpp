@@ -1,0 +1,266 @@
+#include "platform/KernelFile.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+class TestKernelFile : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void whatIsNoFileReadsAsNothing_data();
+    void whatIsNoFileReadsAsNothing();
+    void readsAgainFromTheStart();
+    void followsAFileThatGrowsAndShrinks();
+    void cutsAtTheLimit_data();
+    void cutsAtTheLimit();
+    void findsAFileThatComesLater();
+    void followsLinks();
+    void readsRecordsToTheEnd();
+    void aRefusedFileReadsAsNothing();
+    void aFailedReadIsTriedAgain();
+    void movesWithItsDescriptor();
+    void closesWhatItOpened();
+
+private:
+    std::string path(const QString &name) const { return m_folder->filePath(name).toStdString(); }
+    void write(const QString &name, const QByteArray &contents) const;
+
+    std::optional<QTemporaryDir> m_folder;
+};
+
+namespace {
+
+using Contents = std::optional<std::string>;
+
+Contents contentsOf(KernelFile &file, std::size_t limit = KernelFile::wholeFile)
+{
+    const auto text = file.read(limit);
+    return text ? Contents(std::string(*text)) : std::nullopt;
+}
+
+int openDescriptors()
+{
+    int count = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor)
+        count += fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+void TestKernelFile::init()
+{
+    m_folder.emplace();
+    QVERIFY(m_folder->isValid());
+}
+
+void TestKernelFile::write(const QString &name, const QByteArray &contents) const
+{
+    QFile file(m_folder->filePath(name)); // Truncates: the file stays the same one.
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(contents), contents.size());
+}
+
+void TestKernelFile::whatIsNoFileReadsAsNothing_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("missing") << u"missing"_s;
+    QTest::newRow("in a missing folder") << u"missing/file"_s;
+    QTest::newRow("below a file") << u"empty/file"_s;
+    QTest::newRow("a FIFO that nobody writes") << u"fifo"_s;
+    QTest::newRow("a folder") << u"folder"_s;
+    QTest::newRow("a link to itself") << u"loop"_s;
+    QTest::newRow("a link to nowhere") << u"dangling"_s;
+    QTest::newRow("a link to a device") << u"device"_s;
+    QTest::newRow("an empty file") << u"empty"_s;
+    QTest::newRow("an empty name") << QString();
+    QTest::newRow("a name that is too long") << QString(5000, u'x');
+}
+
+void TestKernelFile::whatIsNoFileReadsAsNothing()
+{
+    QFETCH(QString, name);
+    write(u"empty"_s, {});
+    QCOMPARE(mkfifo(path(u"fifo"_s).c_str(), 0600), 0);
+    QCOMPARE(mkdir(path(u"folder"_s).c_str(), 0700), 0);
+    QCOMPARE(symlink("loop", path(u"loop"_s).c_str()), 0);
+    QCOMPARE(symlink("missing", path(u"dangling"_s).c_str()), 0);
+    QCOMPARE(symlink("/dev/zero", path(u"device"_s).c_str()), 0);
+
+    const std::string place = name.isEmpty() ? std::string() : path(name);
+    KernelFile file(place);
+    QVERIFY(!file.read());
+    QVERIFY(!file.read());
+    QVERIFY(!readKernelFile(place));
+}
+
+void TestKernelFile::readsAgainFromTheStart()
+{
+    write(u"file"_s, "one\n");
+    KernelFile file(path(u"file"_s));
+    QCOMPARE(contentsOf(file), Contents("one\n"));
+    QCOMPARE(contentsOf(file), Contents("one\n"));
+    write(u"file"_s, "two\n");
+    QCOMPARE(contentsOf(file), Contents("two\n"));
+    QCOMPARE(readKernelFile(path(u"file"_s)), Contents("two\n"));
+}
+
+void TestKernelFile::followsAFileThatGrowsAndShrinks()
+{
+    KernelFile file(path(u"file"_s));
+    // Around the sizes at which the buffer grows, and back.
+    for (const int size : {10, 4095, 4096, 4097, 8192, 100'000, 20, 0, 5000, 1}) {
+        const QByteArray contents(size, char('a' + size % 26));
+        write(u"file"_s, contents);
+        if (size == 0)
+            QVERIFY(!file.read());
+        else
+            QCOMPARE(contentsOf(file), Contents(contents.toStdString()));
+    }
+}
+
+void TestKernelFile::cutsAtTheLimit_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("shorter than the limit") << 10 << 20 << 10;
+    QTest::newRow("as long as the limit") << 20 << 20 << 20;
+    QTest::newRow("longer than the limit") << 21 << 20 << 20;
+    QTest::newRow("a limit beyond the first buffer") << 20'000 << 10'000 << 10'000;
+    QTest::newRow("longer than any file of use") << int(KernelFile::wholeFile)
+            + 1 << int(KernelFile::wholeFile) << int(KernelFile::wholeFile);
+}
+
+void TestKernelFile::cutsAtTheLimit()
+{
+    QFETCH(int, size);
+    QFETCH(int, limit);
+    QFETCH(int, expected);
+    write(u"file"_s, QByteArray(size, 'x'));
+    KernelFile file(path(u"file"_s));
+    QCOMPARE(contentsOf(file, std::size_t(limit)),
+             Contents(std::string(std::size_t(expected), 'x')));
+    // A long read before does not widen a short one.
+    QCOMPARE(contentsOf(file, 5), Contents("xxxxx"));
+}
+
+void TestKernelFile::findsAFileThatComesLater()
+{
+    KernelFile file(path(u"file"_s));
+    QVERIFY(!file.read());
+    write(u"file"_s, "here");
+    QCOMPARE(contentsOf(file), Contents("here"));
+}
+
+void TestKernelFile::followsLinks()
+{
+    write(u"file"_s, "linked");
+    QCOMPARE(symlink("file", path(u"link"_s).c_str()), 0);
+    QCOMPARE(readKernelFile(path(u"link"_s)), Contents("linked"));
+}
+
+void TestKernelFile::readsRecordsToTheEnd()
+{
+    // The kernel's symbols are a long file that comes by records, a little less than a page each
+    // time. 64 KiB of them are there only when every such read is followed by the next.
+    constexpr std::size_t limit = 65'536;
+    const std::string symbols = "/proc/kallsyms";
+    QFile whole(QString::fromStdString(symbols));
+    if (!whole.open(QIODevice::ReadOnly | QIODevice::Unbuffered)
+        || whole.readAll().size() < qsizetype(limit))
+        QSKIP("this kernel does not list its symbols");
+    const auto read = readKernelFile(symbols, limit);
+    QVERIFY(read);
+    QCOMPARE(read->size(), limit);
+}
+
+void TestKernelFile::aRefusedFileReadsAsNothing()
+{
+    write(u"open"_s, "open");
+    write(u"closed"_s, "closed");
+    QCOMPARE(chmod(m_folder->path().toLocal8Bit().constData(), 0755), 0);
+    QCOMPARE(chmod(path(u"open"_s).c_str(), 0644), 0);
+    QCOMPARE(chmod(path(u"closed"_s).c_str(), 0000), 0);
+
+    // As root every file opens, so a child of another user tries.
+    enum Outcome { refused, notRefused, notReachable };
+    const pid_t child = fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+        constexpr uid_t nobody = 65534;
+        if (geteuid() == 0 && (setgid(nobody) != 0 || setuid(nobody) != 0))
+            _exit(notReachable);
+        if (!readKernelFile(path(u"open"_s)))
+            _exit(notReachable);
+        _exit(readKernelFile(path(u"closed"_s)) ? notRefused : refused);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == notReachable)
+        QSKIP("no other user can reach the temporary folder");
+    QCOMPARE(WEXITSTATUS(status), int(refused));
+}
+
+void TestKernelFile::aFailedReadIsTriedAgain()
+{
+    // Opening one's memory works, reading its first page fails: nothing is mapped there.
+    KernelFile memory("/proc/self/mem");
+    if (access("/proc/self/mem", R_OK) != 0)
+        QSKIP("this kernel does not show processes their memory");
+    const int before = openDescriptors();
+    QVERIFY(!memory.read());
+    QVERIFY(!memory.read());
+    QCOMPARE(openDescriptors(), before);
+}
+
+void TestKernelFile::movesWithItsDescriptor()
+{
+    write(u"one"_s, "one");
+    write(u"two"_s, "two");
+    KernelFile one(path(u"one"_s));
+    QCOMPARE(contentsOf(one), Contents("one"));
+    KernelFile moved = std::move(one);
+    QCOMPARE(moved.path(), path(u"one"_s));
+    QCOMPARE(contentsOf(moved), Contents("one"));
+    KernelFile two(path(u"two"_s));
+    QCOMPARE(contentsOf(two), Contents("two"));
+    two = std::move(moved);
+    QCOMPARE(two.path(), path(u"one"_s));
+    QCOMPARE(contentsOf(two), Contents("one"));
+}
+
+void TestKernelFile::closesWhatItOpened()
+{
+    write(u"file"_s, "contents");
+    const int before = openDescriptors();
+    {
+        KernelFile file(path(u"file"_s));
+        QVERIFY(file.read());
+        QVERIFY(file.read());
+        QCOMPARE(openDescriptors(), before + 1);
+        KernelFile folder(m_folder->path().toStdString());
+        QVERIFY(!folder.read());
+        QCOMPARE(openDescriptors(), before + 1);
+        KernelFile moved = std::move(file);
+        QCOMPARE(openDescriptors(), before + 1);
+    }
+    QVERIFY(readKernelFile(path(u"file"_s)));
+    QCOMPARE(openDescriptors(), before);
+}
+
+QTEST_APPLESS_MAIN(TestKernelFile)
+#include "tst_KernelFile.moc"

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "sampling/MemorySnapshot.h"
+
+#include <QStringList>
+
+namespace corvane::test {
+
+/// Every field by name, so that a failed comparison tells which one differs.
+inline QStringList described(const MemorySnapshot &memory)
+{
+    using namespace Qt::StringLiterals;
+    const auto field = [](QLatin1StringView name, std::uint64_t value) {
+        return name + u' ' + QString::number(value);
+    };
+    return {field("total"_L1, memory.total),
+            field("used"_L1, memory.used),
+            field("free"_L1, memory.free),
+            field("active"_L1, memory.active),
+            field("wired"_L1, memory.wired),
+            field("compressed"_L1, memory.compressed),
+            field("cached"_L1, memory.cached),
+            field("appMemory"_L1, memory.appMemory),
+            field("swapTotal"_L1, memory.swapTotal),
+            field("swapUsed"_L1, memory.swapUsed),
+            field("pressure"_L1, static_cast<std::uint64_t>(memory.pressure))};
+}
+
+} // namespace corvane::test
