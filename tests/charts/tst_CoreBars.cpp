@@ -1,6 +1,6 @@
 #include "cards/Theme.h"
 #include "charts/CoreBars.h"
-#include "charts/Rendering.h"
+#include "support/Rendering.h"
 
 #include <QTest>
 
@@ -78,8 +78,8 @@ void TestCoreBars::setsItselfToTheWidth_data()
     QTest::newRow("7.9 points a core") << std::size_t(33) << 2.0 << 52.0 << false << 2.0;
     QTest::newRow("5 points a core") << std::size_t(52) << 2.0 << 52.0 << false << 1.5;
     QTest::newRow("4.9 points a core") << std::size_t(53) << 1.0 << 52.0 << false << 1.9528;
-    QTest::newRow("192 cores") << std::size_t(192) << 1.0 << 52.0 << false << 0.1771;
-    QTest::newRow("more cores than points") << std::size_t(400) << 1.0 << 52.0 << false << 0.0;
+    QTest::newRow("192 cores") << std::size_t(192) << 0.0 << 52.0 << false << 0.6771;
+    QTest::newRow("more cores than points") << std::size_t(400) << 0.0 << 52.0 << false << 0.325;
 }
 
 void TestCoreBars::setsItselfToTheWidth()

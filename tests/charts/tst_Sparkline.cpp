@@ -1,7 +1,7 @@
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 #include "charts/HoverTime.h"
-#include "charts/Rendering.h"
+#include "support/Rendering.h"
 #include "charts/Sparkline.h"
 
 #include <QApplication>

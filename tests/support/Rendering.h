@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QWidget>
 
@@ -32,5 +33,25 @@ inline bool isClose(const QColor &actual, const QColor &expected, int tolerance 
         && std::abs(actual.blue() - expected.blue()) <= tolerance
         && std::abs(actual.alpha() - expected.alpha()) <= tolerance;
 }
+
+/// Collects what is repainted of a widget from now on.
+class PaintWatch : public QObject {
+public:
+    explicit PaintWatch(QWidget &widget) { widget.installEventFilter(this); }
+
+    const QRegion &region() const { return m_region; }
+    void clear() { m_region = {}; }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            m_region += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+
+private:
+    QRegion m_region;
+};
 
 } // namespace corvane::test
