@@ -9,3 +9,4 @@ if(CORVANE_SYSTEM STREQUAL "linux")
   target_compile_definitions(bench_ChipSample
                              PRIVATE CORVANE_MACHINES="${PROJECT_SOURCE_DIR}/tests/machines")
 endif()
+corvane_benchmark(Dashboard LINK corvane::app)
