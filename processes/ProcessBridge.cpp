@@ -20,10 +20,11 @@ FootprintReader ProcessBridge::footprintReader(const std::string &root)
 std::vector<ProcessRecord> ProcessBridge::allProcesses(const std::string &root)
 {
     const auto processes = listFootprints(root);
+    const auto read = footprintReader(root);
     std::vector<ProcessRecord> records;
     records.reserve(processes.size());
     for (const FootprintBounds &bounds : processes) {
-        if (const auto process = exactFootprint(bounds, footprintReader(root)))
+        if (const auto process = exactFootprint(bounds, read))
             records.push_back({process->pid, name(process->pid, root), process->memory});
     }
     return records;

@@ -25,6 +25,7 @@ private slots:
     void parsesKibibytes();
     void knowsUtf8_data();
     void knowsUtf8();
+    void agreesWithAnotherDecoder();
     void walksCPULists_data();
     void walksCPULists();
 };
@@ -152,6 +153,28 @@ void TestKernelText::knowsUtf8()
 {
     QFETCH(QByteArray, text);
     QTEST(isUtf8(text.toStdString()), "expected");
+}
+
+void TestKernelText::agreesWithAnotherDecoder()
+{
+    // Bytes near the borders between the forms, in all combinations of four.
+    constexpr unsigned char bytes[] = {'a',  0x7f, 0x80, 0x8f, 0x90, 0x9f, 0xa0, 0xbf,
+                                       0xc1, 0xc2, 0xdf, 0xe0, 0xe1, 0xec, 0xed, 0xee,
+                                       0xef, 0xf0, 0xf1, 0xf4, 0xf5, 0xff};
+    int valid = 0;
+    for (const char first : bytes) {
+        for (const char second : bytes) {
+            for (const char third : bytes) {
+                for (const char fourth : bytes) {
+                    const char text[] = {first, second, third, fourth};
+                    const bool expected = QUtf8StringView(text, sizeof(text)).isValidUtf8();
+                    QCOMPARE(isUtf8({text, sizeof(text)}), expected);
+                    valid += expected;
+                }
+            }
+        }
+    }
+    QVERIFY(valid > 100);
 }
 
 void TestKernelText::walksCPULists_data()

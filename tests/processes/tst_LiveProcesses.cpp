@@ -10,6 +10,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace corvane;
@@ -23,6 +27,7 @@ Q_DECLARE_METATYPE(Model)
 namespace {
 
 constexpr std::uint64_t MiB = 1 << 20;
+constexpr int notPermitted = 77;
 
 /// Within three per cent: the counters of `statm` and `status` may differ by some pages.
 bool isAbout(std::uint64_t value, std::uint64_t expected)
@@ -35,6 +40,25 @@ template <typename Rows>
 auto find(const Rows &rows, std::int64_t pid)
 {
     return std::ranges::find(rows, pid, &Rows::value_type::id);
+}
+
+/// Ends this process, a child of the test: becomes an ordinary user who sees /proc with that option
+/// at `folder`, and lists the processes below `root`. Status 0 when that one is all it lists.
+[[noreturn]] void listAsOrdinaryUser(const char *option, const char *folder,
+                                     const std::string &root)
+{
+    constexpr uid_t nobody = 65534;
+    const bool isReady = unshare(CLONE_NEWNS) == 0
+        && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+        && mount("proc", folder, "proc", 0, option) == 0 && setgid(nobody) == 0
+        && setuid(nobody) == 0;
+    if (!isReady)
+        _exit(notPermitted);
+    const auto all = ProcessBridge::allProcesses(root);
+    const bool isRight = all.size() == 1 && all[0].pid == getpid()
+        && ProcessBridge::processArgsForPID(getpid(), root)
+        && !ProcessBridge::processArgsForPID(getppid(), root);
+    _exit(isRight ? 0 : 1);
 }
 
 } // namespace
@@ -51,6 +75,8 @@ private slots:
     void takesTooManyArgumentsForNone();
     void findsThemAmongAllProcesses();
     void listsWhatAnIndependentReaderSees();
+    void listsItsOwnWhereOthersAreHidden_data();
+    void listsItsOwnWhereOthersAreHidden();
 };
 
 void TestLiveProcesses::recognises_data()
@@ -209,6 +235,32 @@ void TestLiveProcesses::listsWhatAnIndependentReaderSees()
         ++compared;
     }
     QCOMPARE(compared, 2);
+}
+
+void TestLiveProcesses::listsItsOwnWhereOthersAreHidden_data()
+{
+    QTest::addColumn<QByteArray>("option");
+    QTest::newRow("others are listed and refuse to be read") << QByteArray("hidepid=1");
+    QTest::newRow("others are not listed") << QByteArray("hidepid=2");
+}
+
+void TestLiveProcesses::listsItsOwnWhereOthersAreHidden()
+{
+    QFETCH(QByteArray, option);
+    const QTemporaryDir directory;
+    const QByteArray folder = directory.filePath(u"proc"_s).toUtf8();
+    QVERIFY(chmod(directory.path().toUtf8().constData(), 0755) == 0);
+    QVERIFY(mkdir(folder.constData(), 0755) == 0);
+    const std::string root = directory.path().toStdString();
+    const pid_t child = fork();
+    if (child == 0)
+        listAsOrdinaryUser(option.constData(), folder.constData(), root);
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == notPermitted)
+        QSKIP("Only an administrator can mount /proc so.");
+    QCOMPARE(WEXITSTATUS(status), 0);
 }
 
 QTEST_GUILESS_MAIN(TestLiveProcesses)
