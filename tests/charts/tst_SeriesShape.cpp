@@ -94,7 +94,7 @@ void TestSeriesShape::shorterAndLongerSeries()
 {
     const std::vector<SeriesShape> shapes = seriesShapes(
         chart({series({1, 1}), series({2, 2, 2, 2, 2}), series({})}, Stacking::stacked), size);
-    QCOMPARE(shapes[0].line, QPolygonF({{0, 90}, {100, 90}}));
+    QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 90}, {100, 90}}));
     QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 80}}));
     QVERIFY(shapes[2].line.isEmpty());
     QVERIFY(shapes[2].fill.isEmpty());
@@ -122,7 +122,7 @@ void TestSeriesShape::skipsWhatHasNoPoint()
     data.timestamps = {-1, 0, 15, 10,
                        20.001}; // Too early, drawn, passed by a jump, drawn, too late.
     const std::vector<SeriesShape> shapes = seriesShapes(data, size);
-    QCOMPARE(shapes[0].line, QPolygonF({{0, 80}, {100, 60}}));
+    QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 80}, {100, 60}}));
     QCOMPARE(shapes[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
 }
 

@@ -15,6 +15,9 @@ namespace corvane::simulated {
 /// the process interfaces read.
 class SimulatedMac {
 public:
+    /// A base chip, until another machine is booted.
+    SimulatedMac() { boot(baseM1()); }
+
     /// What a channel has counted since the machine was booted.
     struct Counter {
         std::int64_t value = 0;
