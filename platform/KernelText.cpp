@@ -1,7 +1,9 @@
 #include "platform/KernelText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string>
 
 namespace corvane {
 
@@ -100,10 +102,17 @@ std::optional<std::int64_t> parseSigned(std::string_view text)
 
 std::optional<double> parseDecimal(std::string_view text)
 {
-    const auto number = parseWhole<double>(text);
-    if (!number || !std::isfinite(*number))
+    // By hand, since not every standard library reads floating-point numbers from a view. Up to 15
+    // digits are exact in a double, and so is the power of ten: the quotient is the nearest value.
+    constexpr std::size_t mostDigits = 15;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
+    if (point + fraction.size() > mostDigits)
         return std::nullopt;
-    return number;
+    const auto digits = parseUnsigned(std::string(text.substr(0, point)).append(fraction));
+    if (!digits)
+        return std::nullopt;
+    return static_cast<double>(*digits) / std::pow(10.0, fraction.size());
 }
 
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit)

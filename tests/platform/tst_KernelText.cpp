@@ -88,6 +88,15 @@ void TestKernelText::parsesDecimals()
     QVERIFY(!parseDecimal("inf"));
     QVERIFY(!parseDecimal("nan"));
     QVERIFY(!parseDecimal("1.2.3"));
+    QCOMPARE(parseDecimal("0.07"), std::optional<double>(0.07));
+    QCOMPARE(parseDecimal("4800.000"), std::optional<double>(4800));
+    QCOMPARE(parseDecimal("7"), std::optional<double>(7));
+    QCOMPARE(parseDecimal("123456789012.345"), std::optional<double>(123456789012.345));
+    QVERIFY(!parseDecimal("1234567890123.456")); // No kernel writes so many digits.
+    QVERIFY(!parseDecimal("-1.5"));
+    QVERIFY(!parseDecimal("1.-5"));
+    QVERIFY(!parseDecimal("."));
+    QVERIFY(!parseDecimal(""));
 }
 
 void TestKernelText::refusesByteCountsOfNoMachine()
