@@ -2,14 +2,12 @@
 // stands in for a desktop with a discrete card (its files are ordinary ones, which cost less to
 // read than the kernel's).
 
+#include "benchmarks/Ratio.h"
 #include "sampling/CoreTicks.h"
 #include "telemetry/ChipReader.h"
 #include "telemetry/ThermalBridge.h"
 
-#include <benchmark/benchmark.h>
-
 #include <array>
-#include <chrono>
 #include <filesystem>
 
 #include <fcntl.h>
@@ -20,9 +18,6 @@ using namespace corvane;
 namespace {
 
 namespace fs = std::filesystem;
-
-using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::duration<double>;
 
 /// Files that stay open, each read from its start in one call.
 class BareReads {
@@ -83,56 +78,39 @@ std::vector<std::string> filesOfATick(const std::string &root)
     return paths;
 }
 
-/// A second a sample, so that nothing is taken from the sample before.
-struct SteppedClock {
-    double now = 0;
-    std::function<double()> function()
-    {
-        return [this] { return now += 1; };
-    }
-};
-
-/// Times the sample and the bare reads by turns, so that the ratio holds on a machine that others
-/// use.
-void compare(benchmark::State &state, const std::string &root,
-             const std::vector<std::string> &files)
+/// Times a sample a second, so that nothing is taken from the sample before.
+void sampleChip(benchmark::State &state, const std::string &root,
+                const std::vector<std::string> &files)
 {
-    SteppedClock clock;
-    const auto gpus = std::make_shared<GPUWatch>(root, std::string(), clock.function());
-    ChipReader reader(root, {}, gpus, clock.function());
+    double now = 0;
+    const auto clock = [&now] { return now; };
+    const auto gpus = std::make_shared<GPUWatch>(root, std::string(), clock);
+    ChipReader reader(root, {}, gpus, clock);
     CoreTicksReader cores(root);
     ThermalBridge temperatures(root);
-    BareReads bare(files);
     ChipSnapshot last = reader.read();
-    Seconds sampleTime{};
-    Seconds bareTime{};
-    for ([[maybe_unused]] const auto round : state) {
-        const auto start = Clock::now();
-        bare();
-        const auto middle = Clock::now();
+    const auto sample = [&] {
+        now += 1;
         ChipSnapshot next = reader.read();
         benchmark::DoNotOptimize(chipChannels(last, next, reader.clusters()));
         last = std::move(next);
         benchmark::DoNotOptimize(cores.read());
         benchmark::DoNotOptimize(temperatures.readAllTemperatures());
-        const auto end = Clock::now();
-        bareTime += middle - start;
-        sampleTime += end - middle;
-        state.SetIterationTime(Seconds(end - middle).count());
-    }
+    };
+    BareReads bare(files);
     state.counters["files"] = static_cast<double>(bare.count());
-    state.counters["bare_us"] = bareTime.count() * 1e6 / static_cast<double>(state.iterations());
-    state.counters["ratio"] = sampleTime / bareTime;
+    compare(state, sample, [&bare] { bare(); });
 }
 
 void thisMachine(benchmark::State &state)
 {
-    compare(state, "/", {"/proc/stat"});
+    sampleChip(state, "/", {"/proc/stat"});
 }
 
 void desktopWithACard(benchmark::State &state)
 {
-    compare(state, CORVANE_MACHINES "/amd-desktop", filesOfATick(CORVANE_MACHINES "/amd-desktop"));
+    sampleChip(state, CORVANE_MACHINES "/amd-desktop",
+               filesOfATick(CORVANE_MACHINES "/amd-desktop"));
 }
 
 BENCHMARK(thisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <functional>
 #include <future>
 #include <memory>
 #include <string>
@@ -22,15 +21,12 @@ class Gate {
 public:
     void open() { m_promise.set_value(); }
 
-    /// For jobs: returns once the gate is open.
-    std::function<void()> wait() const
-    {
-        return [future = m_future] { future.wait(); };
-    }
+    /// For jobs, to wait on.
+    std::shared_future<void> opened() const { return m_opened; }
 
 private:
     std::promise<void> m_promise;
-    std::shared_future<void> m_future = m_promise.get_future().share();
+    std::shared_future<void> m_opened = m_promise.get_future().share();
 };
 
 /// Set when the last copy of the token that this made is gone: the job that held it is over.
@@ -105,8 +101,8 @@ void TestBackgroundJob::runsJobsAtTheSameTime()
     const auto deliver = [&received](const std::string &value) { received.push_back(value); };
     runThenDeliver(
         &owner,
-        [wait = slow.wait()] {
-            wait();
+        [opened = slow.opened()] {
+            opened.wait();
             return std::string("slow");
         },
         deliver);
@@ -127,8 +123,8 @@ void TestBackgroundJob::deliversInTheOrderOfFinishing()
     for (int i = 0; i < count; ++i) {
         runThenDeliver(
             &owner,
-            [i, wait = gates[static_cast<std::size_t>(i)].wait()] {
-                wait();
+            [i, opened = gates[static_cast<std::size_t>(i)].opened()] {
+                opened.wait();
                 return i;
             },
             [&received](int value) { received.push_back(value); });
@@ -149,8 +145,8 @@ void TestBackgroundJob::dropsTheValueOfAnOwnerThatIsGone()
     bool delivered = false;
     runThenDeliver(
         owner.get(),
-        [wait = gate.wait(), token = end.token()] {
-            wait();
+        [opened = gate.opened(), token = end.token()] {
+            opened.wait();
             return 1;
         },
         [&delivered](int) { delivered = true; });
@@ -206,8 +202,8 @@ void TestBackgroundJob::runsNoMoreThanSoManyAtOnce()
     Gate gate;
     int delivered = 0;
     const auto count = [&delivered](int) { ++delivered; };
-    const auto waiting = [wait = gate.wait()] {
-        wait();
+    const auto waiting = [opened = gate.opened()] {
+        opened.wait();
         return 1;
     };
     for (int i = 0; i < mostBackgroundJobs + 5; ++i)

@@ -1,7 +1,6 @@
 #include "processes/ProcTree.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <unistd.h>
 
@@ -29,6 +28,17 @@ QByteArray statmText(const FakeProcess &process)
         + " 11 0 29 0\n";
 }
 
+std::optional<QByteArray> statusText(const FakeProcess &process)
+{
+    return "Name:\tx\nVmRSS:\t" + kibibytes(process.own + process.shared) + "VmSwap:\t"
+        + kibibytes(*process.swapped) + "Threads:\t1\n";
+}
+
+std::string path(int pid, const char *file)
+{
+    return "proc/" + std::to_string(pid) + '/' + file;
+}
+
 } // namespace
 
 ProcTree::ProcTree()
@@ -41,62 +51,42 @@ std::uint64_t ProcTree::pageSize()
     return static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
-std::string ProcTree::root() const
-{
-    return m_directory.path().toStdString();
-}
-
 void ProcTree::addFolder(const QByteArray &name)
 {
-    QDir(m_directory.path()).mkpath(QString::fromUtf8("proc/" + name));
-}
-
-QByteArray ProcTree::path(int pid, const char *file) const
-{
-    return m_directory.path().toUtf8() + "/proc/" + QByteArray::number(pid) + '/' + file;
-}
-
-void ProcTree::write(const QByteArray &path, const QByteArray &contents)
-{
-    QFile file(QString::fromUtf8(path));
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("The made-up machine could not be written.");
+    QDir(QString::fromStdString(root())).mkpath(QString::fromUtf8("proc/" + name));
 }
 
 void ProcTree::add(int pid, const FakeProcess &process)
 {
+    const auto write = [this, pid](const char *file, const std::optional<QByteArray> &contents) {
+        if (contents)
+            m_tree.write(path(pid, file), contents->toStdString());
+    };
     addFolder(QByteArray::number(pid));
-    write(path(pid, "statm"), process.statm.value_or(statmText(process)));
-    if (process.status)
-        write(path(pid, "status"), *process.status);
-    else if (process.swapped)
-        write(path(pid, "status"),
-              "Name:\tx\nVmRSS:\t" + kibibytes(process.own + process.shared) + "VmSwap:\t"
-                  + kibibytes(*process.swapped) + "Threads:\t1\n");
-    if (process.comm)
-        write(path(pid, "comm"), *process.comm);
-    if (process.cmdline)
-        write(path(pid, "cmdline"), *process.cmdline);
-    if (process.exe && symlink(process.exe->constData(), path(pid, "exe").constData()) != 0)
+    write("statm", process.statm.value_or(statmText(process)));
+    write("status", process.status || !process.swapped ? process.status : statusText(process));
+    write("comm", process.comm);
+    write("cmdline", process.cmdline);
+    const std::string exe = root() + '/' + path(pid, "exe");
+    if (process.exe && symlink(process.exe->constData(), exe.c_str()) != 0)
         qFatal("The made-up machine could not be written.");
 }
 
 void ProcTree::setSwap(std::uint64_t total, std::uint64_t free)
 {
-    write(m_directory.path().toUtf8() + "/proc/meminfo",
-          "MemTotal:       24684096 kB\nSwapCached:            0 kB\nSwapTotal:" + kibibytes(total)
-              + "SwapFree:" + kibibytes(free));
+    const QByteArray text = "MemTotal:       24684096 kB\nSwapCached:            0 kB\nSwapTotal:"
+        + kibibytes(total) + "SwapFree:" + kibibytes(free);
+    m_tree.write("proc/meminfo", text.toStdString());
 }
 
-void ProcTree::setMergingScans(const QByteArray &fullScans)
+void ProcTree::setMergingScans(const std::string &fullScans)
 {
-    QDir(m_directory.path()).mkpath(QStringLiteral("sys/kernel/mm/ksm"));
-    write(m_directory.path().toUtf8() + "/sys/kernel/mm/ksm/full_scans", fullScans);
+    m_tree.write("sys/kernel/mm/ksm/full_scans", fullScans);
 }
 
 void ProcTree::remove(int pid, const char *file)
 {
-    QFile::remove(QString::fromUtf8(path(pid, file)));
+    m_tree.remove(path(pid, file));
 }
 
 } // namespace corvane::test

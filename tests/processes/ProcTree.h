@@ -1,7 +1,8 @@
 #pragma once
 
+#include "support/MachineTree.h"
+
 #include <QByteArray>
-#include <QTemporaryDir>
 
 #include <cstdint>
 #include <optional>
@@ -28,20 +29,17 @@ class ProcTree {
 public:
     ProcTree();
 
-    std::string root() const;
+    std::string root() const { return m_tree.root(); }
     void add(int pid, const FakeProcess &process);
     void addFolder(const QByteArray &name);
     void setSwap(std::uint64_t total, std::uint64_t free);
-    void setMergingScans(const QByteArray &fullScans);
+    void setMergingScans(const std::string &fullScans);
     void remove(int pid, const char *file);
 
     static std::uint64_t pageSize();
 
 private:
-    void write(const QByteArray &path, const QByteArray &contents);
-    QByteArray path(int pid, const char *file) const;
-
-    QTemporaryDir m_directory;
+    MachineTree m_tree;
 };
 
 } // namespace corvane::test
