@@ -29,8 +29,6 @@ struct ChartScale {
     double yFor(double amount) const;
 
     std::optional<QPointF> pointFor(double seconds, double amount) const;
-
-    double middleTime() const { return (time.lower + time.upper) * 0.5; }
 };
 
 /// Where each sample stands: nothing for one outside the time range, and for one that is later than

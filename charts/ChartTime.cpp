@@ -68,8 +68,7 @@ QString timeLabel(double secondsSince2001, const QLocale &locale)
 
 std::array<QString, 3> timeLabels(const ChartRange &time, const QLocale &locale)
 {
-    const double middle = (time.lower + time.upper) * 0.5;
-    return {timeLabel(time.lower, locale), timeLabel(middle, locale),
+    return {timeLabel(time.lower, locale), timeLabel(time.middle(), locale),
             timeLabel(time.upper, locale)};
 }
 
