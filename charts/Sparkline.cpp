@@ -39,32 +39,27 @@ QBrush fillBrush(const std::vector<QColor> &colors, double height)
     return gradient;
 }
 
-/// Stroking a wide line as a whole costs more than three times what its segments with round ends
-/// do, which cover the same where the colour is opaque. A line of one device pixel has a fast way
-/// of its own.
-void paintLine(QPainter &painter, const QPolygonF &line, const QPen &pen)
+/// Round ends and joins. A join between nearly straight segments is the same as a mitred one to a
+/// fraction of a pixel, and Qt's stroker draws its round one twice, as a dot; a sharp one is cut.
+QPen linePen(const QColor &color, double width)
 {
-    painter.setPen(pen);
-    const double pixels = pen.widthF() * painter.deviceTransform().m11();
-    if (pixels <= 1 || pen.color().alpha() < 255) {
-        painter.drawPolyline(line);
-        return;
-    }
-    for (qsizetype i = 1; i < line.size(); ++i)
-        painter.drawLine(line[i - 1], line[i]);
+    constexpr double sharp = 1.5; ///< Length of the mitre, in line widths.
+    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(sharp);
+    return pen;
 }
 
-/// Fills an area in strips, each clipped to whole device pixels and drawn a little beyond them, so
-/// that no seam shows. Measured with Qt's rasteriser, whose time grows faster than the length of an
-/// outline: strips of this width take about 0.6 of the time of the whole.
-void paintFill(QPainter &painter, const SeriesShape &shape, const QBrush &brush)
+/// Paints an area and its line in strips, each clipped to whole device pixels and drawn a little
+/// beyond them, so that no seam shows. Measured with Qt's rasteriser and stroker, whose time grows
+/// faster than the length of an outline.
+void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill, const QPen &pen)
 {
     constexpr double stripWidth = 120;
     constexpr double overlap = 2;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(brush);
     const QPolygonF &line = shape.line;
     const qsizetype last = line.size() - 1;
+    const double reach = overlap + pen.widthF();
+    const QRectF all = shape.fill.boundingRect().adjusted(-reach, -reach, reach, reach);
     QPolygonF strip;
     for (qsizetype from = 0, to = 0; from < last; from = to) {
         while (to < last && line[to].x() < line[from].x() + stripWidth)
@@ -76,18 +71,21 @@ void paintFill(QPainter &painter, const SeriesShape &shape, const QBrush &brush)
         while (right < last && line[right].x() < line[to].x() + overlap)
             ++right;
 
-        strip.clear();
-        for (qsizetype i = left; i <= right; ++i)
-            strip.append(line[i]);
-        for (qsizetype i = right; i >= left; --i)
-            strip.append(shape.fill[shape.fill.size() - 1 - i]); // The way back along the baseline.
-        const QRectF all = shape.fill.boundingRect().adjusted(-overlap, -overlap, overlap, overlap);
         const double clipLeft = from > 0 ? line[from].x() : all.left();
         const double clipRight = to < last ? line[to].x() : all.right();
         const QPointF topLeft = snappedToPixels(painter, QPointF(clipLeft, all.top()));
         const QPointF bottomRight = snappedToPixels(painter, QPointF(clipRight, all.bottom()));
         painter.setClipRect(QRectF(topLeft, bottomRight));
+
+        strip = line.mid(left, right - left + 1);
+        const qsizetype points = strip.size();
+        for (qsizetype i = right; i >= left; --i)
+            strip.append(shape.fill[shape.fill.size() - 1 - i]); // The way back along the baseline.
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(fill);
         painter.drawPolygon(strip, Qt::WindingFill);
+        painter.setPen(pen);
+        painter.drawPolyline(strip.constData(), static_cast<int>(points));
     }
     painter.setClipping(false);
 }
@@ -261,9 +259,8 @@ void Sparkline::prepare()
     std::vector<SeriesShape> shapes = seriesShapes(m_data, size());
     for (std::size_t i = 0; i < shapes.size(); ++i) {
         const SparklineSeries &series = m_data.series[i];
-        m_layers.push_back(
-            {std::move(shapes[i]), fillBrush(series.fillColors, height()),
-             QPen(series.lineColor, series.lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)});
+        m_layers.push_back({std::move(shapes[i]), fillBrush(series.fillColors, height()),
+                            linePen(series.lineColor, series.lineWidth)});
     }
 }
 
@@ -287,10 +284,8 @@ void Sparkline::paintEvent(QPaintEvent *)
 
 void Sparkline::paintLayers(QPainter &painter) const
 {
-    for (const Layer &layer : m_layers) {
-        paintFill(painter, layer.shape, layer.fill);
-        paintLine(painter, layer.shape.line, layer.line);
-    }
+    for (const Layer &layer : m_layers)
+        paintSeries(painter, layer.shape, layer.fill, layer.line);
 }
 
 void Sparkline::paintCursor(QPainter &painter) const

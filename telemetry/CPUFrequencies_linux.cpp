@@ -1,10 +1,10 @@
 #include "telemetry/CPUFrequencies.h"
 
 #include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace corvane {
 
@@ -24,21 +24,16 @@ std::vector<int> relatedCPUs(const std::string &folder)
     return cpus;
 }
 
-/// In the order of their first CPUs. A machine without frequency scaling may have the folder, and
-/// nothing in it.
+/// A machine without frequency scaling may have the folder, and nothing in it.
 std::vector<CPUPolicy> readPolicies(const std::string &root)
 {
+    const std::string folder = root + "/sys/devices/system/cpu/cpufreq/";
     std::vector<CPUPolicy> policies;
-    std::error_code error;
-    const std::string folder = root + "/sys/devices/system/cpu/cpufreq";
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        CPUPolicy policy = {entry->path().string(), relatedCPUs(entry->path().string())};
+    for (const std::string &name : namesInFolder(folder)) {
+        CPUPolicy policy = {folder + name, relatedCPUs(folder + name)};
         if (!policy.cpus.empty())
             policies.push_back(std::move(policy));
     }
-    std::sort(policies.begin(), policies.end(),
-              [](const CPUPolicy &a, const CPUPolicy &b) { return a.cpus < b.cpus; });
     return policies;
 }
 

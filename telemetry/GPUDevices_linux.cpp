@@ -1,5 +1,7 @@
 #include "telemetry/GPUDevices.h"
 
+#include "platform/KernelFolder.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -13,17 +15,6 @@ namespace corvane {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> names(const std::string &folder)
-{
-    std::vector<std::string> found;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error))
-        found.push_back(entry->path().filename().string());
-    std::ranges::sort(found);
-    return found;
-}
 
 bool exists(const std::string &path)
 {
@@ -80,7 +71,7 @@ bool isIntegrated(GPUDriver driver, const GPUDevice &device)
 void appendCards(std::vector<GPUDevice> &devices, const std::string &root)
 {
     const std::string drm = root + "/sys/class/drm/";
-    for (const std::string &name : names(drm)) {
+    for (const std::string &name : namesInFolder(drm)) {
         if (!isNumbered(name, "card"))
             continue;
         std::error_code error;
@@ -101,7 +92,7 @@ void appendCards(std::vector<GPUDevice> &devices, const std::string &root)
 void appendWithoutCard(std::vector<GPUDevice> &devices, const std::string &root)
 {
     for (const char *folder : {"/sys/bus/pci/drivers/nvidia", "/proc/driver/nvidia/gpus"}) {
-        for (const std::string &address : names(root + folder)) {
+        for (const std::string &address : namesInFolder(root + folder)) {
             if (!isPCIAddress(address)
                 || std::ranges::find(devices, address, &GPUDevice::address) != devices.end())
                 continue;
@@ -119,7 +110,7 @@ void appendHidden(std::vector<GPUDevice> &devices, const std::string &root)
 {
     if (std::ranges::find(devices, GPUDriver::nvidia, &GPUDevice::driver) != devices.end())
         return;
-    const std::vector<std::string> nodes = names(root + "/dev");
+    const std::vector<std::string> nodes = namesInFolder(root + "/dev");
     if (std::ranges::any_of(nodes, [](const auto &name) { return isNumbered(name, "nvidia"); }))
         devices.push_back({.driver = GPUDriver::nvidia});
 }

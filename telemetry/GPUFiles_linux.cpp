@@ -1,5 +1,7 @@
 #include "telemetry/GPUFiles.h"
 
+#include "platform/KernelFolder.h"
+
 #include "platform/KernelText.h"
 #include "telemetry/GPUText.h"
 
@@ -39,11 +41,9 @@ auto parsed(std::optional<KernelFile> &file, Parser parse)
 std::vector<std::string> sensorFolders(const std::string &device)
 {
     std::vector<std::string> folders;
-    std::error_code error;
-    for (fs::directory_iterator entry(device + "/hwmon", error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (entry->path().filename().string().starts_with("hwmon"))
-            folders.push_back(entry->path().string());
+    for (const std::string &name : namesInFolder(device + "/hwmon")) {
+        if (name.starts_with("hwmon"))
+            folders.push_back(device + "/hwmon/" + name);
     }
     std::ranges::sort(folders, {}, [](const std::string &folder) {
         const std::string name = readKernelFile(folder + "/name").value_or(std::string());
@@ -54,18 +54,11 @@ std::vector<std::string> sensorFolders(const std::string &device)
 
 std::vector<KernelFile> temperatureFiles(const std::string &folder)
 {
-    std::vector<std::string> paths;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (name.starts_with("temp") && name.ends_with("_input"))
-            paths.push_back(entry->path().string());
-    }
-    std::ranges::sort(paths);
     std::vector<KernelFile> files;
-    for (std::string &path : paths)
-        files.emplace_back(std::move(path));
+    for (const std::string &name : namesInFolder(folder)) {
+        if (name.starts_with("temp") && name.ends_with("_input"))
+            files.emplace_back(folder + "/" + name);
+    }
     return files;
 }
 

@@ -1,10 +1,9 @@
 #include "telemetry/PackageEnergy.h"
 
 #include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <limits>
 
 namespace corvane {
@@ -23,15 +22,11 @@ struct Zone {
 std::vector<std::string> packageZones(const std::string &folder, const std::string &controlType)
 {
     std::vector<std::string> zones;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string zone = entry->path().filename().string();
-        const auto name = readKernelFile(entry->path().string() + "/name");
+    for (const std::string &zone : namesInFolder(folder)) {
+        const auto name = readKernelFile(folder + "/" + zone + "/name");
         if (name && isPackageZone(zone, *name, controlType))
             zones.push_back(zone);
     }
-    std::ranges::sort(zones);
     return zones;
 }
 

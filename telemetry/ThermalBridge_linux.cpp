@@ -1,6 +1,7 @@
 #include "telemetry/ThermalBridge.h"
 
 #include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
 #include "telemetry/GPUText.h"
 #include "telemetry/GPUWatch.h"
@@ -27,29 +28,13 @@ struct Zone {
     KernelFile file;
 };
 
-/// Entries of a folder, shorter names first, so that the tenth comes behind the second.
-std::vector<fs::path> entries(const std::string &folder)
-{
-    std::vector<fs::path> found;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error))
-        found.push_back(entry->path());
-    std::ranges::sort(found, {}, [](const fs::path &path) {
-        return std::pair(path.filename().string().size(), path.filename().string());
-    });
-    return found;
-}
-
 /// "temp3_input" → "temp3"; nothing for any other file.
-std::optional<std::string> sensorStem(const fs::path &path)
+std::optional<std::string> sensorStem(const std::string &name)
 {
     constexpr std::string_view suffix = "_input";
-    std::string name = path.filename().string();
     if (!name.starts_with("temp") || !name.ends_with(suffix))
         return std::nullopt;
-    name.resize(name.size() - suffix.size());
-    return name;
+    return name.substr(0, name.size() - suffix.size());
 }
 
 std::string trimmedFile(const std::string &path)
@@ -66,7 +51,7 @@ struct ThermalBridge::Sensors {
     std::vector<Zone> zones = {};
     int readsUntilScan = 0;
 
-    bool isGPU(const fs::path &monitor) const;
+    bool isGPU(const std::string &monitor) const;
     void scanMonitors();
     void scanZones();
     bool readMonitors(std::map<std::string, double> &temperatures);
@@ -75,10 +60,10 @@ struct ThermalBridge::Sensors {
 };
 
 /// By the device that it monitors; even its name is for the watch alone.
-bool ThermalBridge::Sensors::isGPU(const fs::path &monitor) const
+bool ThermalBridge::Sensors::isGPU(const std::string &monitor) const
 {
     std::error_code error;
-    const fs::path device = fs::canonical(monitor / "device", error);
+    const fs::path device = fs::canonical(monitor + "device", error);
     return !error && gpus->isGPU(device.string());
 }
 
@@ -86,18 +71,20 @@ void ThermalBridge::Sensors::scanMonitors()
 {
     std::vector<SensorDevice> devices;
     std::vector<std::vector<std::string>> paths;
-    for (const fs::path &monitor : entries(root + "/sys/class/hwmon")) {
-        if (isGPU(monitor))
+    const std::string folder = root + "/sys/class/hwmon/";
+    for (const std::string &monitor : namesInFolder(folder)) {
+        const std::string path = folder + monitor + "/";
+        if (isGPU(path))
             continue;
         SensorDevice &device = devices.emplace_back();
-        device.driver = trimmedFile(monitor.string() + "/name");
+        device.driver = trimmedFile(path + "name");
         auto &ofDevice = paths.emplace_back();
-        for (const fs::path &entry : entries(monitor.string())) {
-            const auto stem = sensorStem(entry);
+        for (const std::string &name : namesInFolder(path)) {
+            const auto stem = sensorStem(name);
             if (!stem)
                 continue;
-            device.labels.push_back(trimmedFile((monitor / *stem).string() + "_label"));
-            ofDevice.push_back(entry.string());
+            device.labels.push_back(trimmedFile(path + *stem + "_label"));
+            ofDevice.push_back(path + name);
         }
     }
 
@@ -114,11 +101,12 @@ void ThermalBridge::Sensors::scanMonitors()
 void ThermalBridge::Sensors::scanZones()
 {
     zones.clear();
-    for (const fs::path &zone : entries(root + "/sys/class/thermal")) {
-        if (!zone.filename().string().starts_with("thermal_zone"))
+    const std::string folder = root + "/sys/class/thermal/";
+    for (const std::string &zone : namesInFolder(folder)) {
+        if (!zone.starts_with("thermal_zone"))
             continue;
-        if (const auto kind = thermalZoneKind(trimmedFile(zone.string() + "/type")))
-            zones.push_back({*kind, KernelFile(zone.string() + "/temp")});
+        if (const auto kind = thermalZoneKind(trimmedFile(folder + zone + "/type")))
+            zones.push_back({*kind, KernelFile(folder + zone + "/temp")});
     }
 }
 

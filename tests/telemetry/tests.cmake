@@ -44,3 +44,6 @@ corvane_test(telemetry/tst_GPUWatch SYSTEM linux THREADED LINK corvane::telemetr
 corvane_test(telemetry/tst_TemperatureSensors LINK corvane::telemetry)
 corvane_test(telemetry/tst_ThermalBridge SYSTEM linux LINK corvane::telemetry)
 corvane_test(telemetry/tst_CPUClusterStates SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_ChipReader SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_IOReportBridgeLinux SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_ChipOfThisMachine SYSTEM linux LINK corvane::telemetry)
