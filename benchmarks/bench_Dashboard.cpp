@@ -13,6 +13,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
@@ -22,7 +24,7 @@ constexpr QSize windowSize{1280, 900};
 
 SystemMetrics sample(int second)
 {
-    const double wave = 0.5 + 0.4 * ((second * 37) % 100) / 100.0;
+    const double wave = 0.5 + 0.3 * std::sin(second / 5.0) + 0.1 * std::sin(second * 2.9);
     return {
         .timestamp = 8e8 + second,
         .memory = {.total = std::uint64_t(64) << 30,

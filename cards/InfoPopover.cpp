@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
 
 #include <algorithm>
 #include <cmath>
@@ -24,11 +25,11 @@ constexpr double cornerDistance = 20; ///< Of the arrow's middle from the body's
 constexpr double cornerRadius = 10;
 constexpr double padding = 14;
 constexpr double titleHeight = 17;
-constexpr double titleBaseline = 13;
+constexpr double titleBaseline = 12.45;
 constexpr double titleGap = 8;
 constexpr double lineHeight = 16; ///< A line of 14 and 2 between lines.
 constexpr double lineBox = 14;
-constexpr double textBaseline = 11.75;
+constexpr double textBaseline = 11.5;
 constexpr int fontSize = 11;
 
 MarkdownStyle bodyStyle()
@@ -38,7 +39,11 @@ MarkdownStyle bodyStyle()
     style.bold = Theme::systemFont(fontSize, QFont::DemiBold);
     style.italic = Theme::systemFont(fontSize);
     style.italic.setItalic(true);
+    // Monospaced letters look larger. Pixel sizes are whole, so the size is given in typographic
+    // points.
+    constexpr double codeSize = 0.95 * fontSize;
     style.code = Theme::monospacedFont(fontSize);
+    style.code.setPointSizeF(codeSize * 72 / qApp->primaryScreen()->logicalDotsPerInch());
     style.codePadding = 2;
     return style;
 }

@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int legendHeight = 14;
 constexpr int chartGap = 12;
-constexpr double legendBaseline = 56;
+constexpr double legendBaseline = 56.45;
 constexpr double legendDot = 6;
 constexpr double legendDotGap = 5;
 constexpr double legendGap = 14; ///< Between entries.

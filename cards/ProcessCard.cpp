@@ -23,8 +23,7 @@ constexpr double columnGap = 10;
 constexpr double nameWidth = 130;
 constexpr double bytesWidth = 60;
 constexpr double shareWidth = 38;
-constexpr double nameBaseline = 14; ///< From a row's top.
-constexpr double figureBaseline = 13.55;
+constexpr double baseline = 13.55; ///< From a row's top.
 constexpr double barHeight = 6;
 constexpr double shortestFill = 2;
 
@@ -90,11 +89,11 @@ void ProcessCard::layOut()
 void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) const
 {
     const Row &row = m_rows[static_cast<std::size_t>(index)];
-    const double base = place.top() + figureBaseline;
+    const double base = place.top() + baseline;
     CardText text{.text = row.name,
                   .font = Theme::systemFont(11),
                   .color = Theme::textPrimary(),
-                  .baseline = {place.left(), place.top() + nameBaseline},
+                  .baseline = {place.left(), base},
                   .mostWidth = nameWidth};
     text.paint(painter);
 
