@@ -28,7 +28,7 @@ double wobble(int index, int seed)
     return std::sin(index * 12.9898 + seed * 78.233) * std::cos(index * 4.1414 + seed);
 }
 
-/// Three bursts of load with pauses between them, 0…1, at the times of the pictures.
+/// Three bursts of load with pauses between them, 0…1.
 double burst(double second)
 {
     struct Ramp {

@@ -54,7 +54,7 @@ protected:
 
 class Gallery {
 public:
-    Gallery(const QDir &folder, int scale) : m_folder(folder), m_scale(scale) { }
+    Gallery(const QDir &folder, const QString &scale) : m_folder(folder), m_scale(scale) { }
 
     bool save(QWidget &window, const QString &name) const
     {
@@ -68,7 +68,7 @@ public:
 
 private:
     QDir m_folder;
-    int m_scale;
+    QString m_scale;
 };
 
 std::unique_ptr<MainWindow> dashboard(const QSize &size)
@@ -190,7 +190,7 @@ bool cards(const Gallery &gallery)
         && good;
 }
 
-int renderAll(const QDir &folder, int scale)
+int renderAll(const QDir &folder, const QString &scale)
 {
     const Gallery gallery(folder, scale);
     bool good = dashboards(gallery);
@@ -220,5 +220,5 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     const QApplication application(argc, argv);
-    return renderAll(QDir(folder), QByteArray(argv[2]).toInt());
+    return renderAll(QDir(folder), QString::fromLocal8Bit(argv[2]));
 }
