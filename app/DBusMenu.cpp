@@ -129,7 +129,7 @@ void DBusMenu::adopt(QAction *action)
     m_actions.insert(id, action);
     connect(action, &QAction::changed, this, [this, id] {
         // Several rows that change together make one message.
-        if (m_isOpen && m_changed.isEmpty())
+        if (m_isOpen && m_changed.empty())
             QMetaObject::invokeMethod(this, &DBusMenu::sendChanges, Qt::QueuedConnection);
         m_changed.insert(id);
     });

@@ -4,7 +4,8 @@
 
 #include <QHash>
 #include <QObject>
-#include <QSet>
+
+#include <set>
 
 class QAction;
 class QMenu;
@@ -67,7 +68,7 @@ private:
     QHash<int, QAction *> m_actions; ///< By id; 0 is the menu itself. Ids are never used again.
     int m_lastId = 0;
     uint m_revision = 1;
-    QSet<int> m_changed; ///< Not told yet.
+    std::set<int> m_changed; ///< Not told yet.
     bool m_isOpen = false;
 };
 
