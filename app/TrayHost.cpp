@@ -20,7 +20,7 @@ constexpr std::array knownHosts{
     KnownHost{"ayatana-indicator-application-service", {.form = LabelForm::text}},
     KnownHost{"indicator-application-service", {.form = LabelForm::text}},
     KnownHost{"waybar", {.form = LabelForm::widePicture}},
-    KnownHost{"swaybar", {.form = LabelForm::widePicture}},
+    KnownHost{"swaybar", {.order = ItemOrder::newestLeft}}, // Drops what is not square.
 };
 
 /// Xfce runs each plugin of its panel as "panel-NUMBER-PLUGIN" of one wrapper program.

@@ -31,7 +31,7 @@ void TestTrayHost::isToldByTheProgram_data()
         << TrayProgram{"main", "indicator-application-service"} << text;
     QTest::newRow("waybar keeps proportions") << TrayProgram{"waybar", "waybar"} << wide;
     QTest::newRow("a wrapped waybar") << TrayProgram{".waybar-wrapped", "waybar"} << wide;
-    QTest::newRow("swaybar keeps proportions") << TrayProgram{"swaybar", "swaybar"} << wide;
+    QTest::newRow("swaybar puts new items first") << TrayProgram{"swaybar", "swaybar"} << reversed;
     QTest::newRow("Xfce's tray puts new items first")
         << TrayProgram{"panel-6-systray", "wrapper-2.0"} << reversed;
     QTest::newRow("the same with a number of two digits")
