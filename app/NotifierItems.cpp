@@ -4,6 +4,8 @@
 #include "app/StatusNotifierItem.h"
 #include "app/TrayPicture.h"
 
+#include <QGuiApplication>
+
 namespace corvane {
 
 namespace {
@@ -70,8 +72,14 @@ void NotifierItems::addItem(const QString &id, const QString &title,
     connect(notifier, &StatusNotifierItem::activated, this, &NotifierItems::activated);
     connect(notifier, &StatusNotifierItem::secondaryActivated, this,
             &NotifierItems::secondaryActivated);
-    connect(notifier, &StatusNotifierItem::contextMenuRequested, item.menu.get(),
-            [menu = item.menu.get()](const QPoint &position) { menu->popup(position); });
+    connect(notifier, &StatusNotifierItem::contextMenuRequested, this,
+            [this, menu = item.menu.get()](const QPoint &position) {
+                // A Wayland compositor shows a menu without a window of its own as a window.
+                if (QGuiApplication::platformName() == "wayland"_L1)
+                    emit activated(position);
+                else
+                    menu->popup(position);
+            });
     connect(notifier, &StatusNotifierItem::settled, this, &NotifierItems::registerNext);
     m_items.push_back(std::move(item));
 }

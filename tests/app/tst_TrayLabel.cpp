@@ -6,6 +6,7 @@
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
 
+#include <QApplication>
 #include <QDBusVirtualObject>
 #include <QPoint>
 #include <QSignalSpy>
@@ -67,6 +68,7 @@ private slots:
     void describesItselfAsHostsExpect();
     void saysAllValuesInTheToolTip();
     void clicksOpenThePanelAndTheDashboard();
+    void showsItsMenuWhereTheDesktopDrawsNone();
     void handsTheActivationTokenOn();
     void menuShowsLiveRowsAndCommands();
     void constantValuesSendNothing();
@@ -268,6 +270,16 @@ void TestTrayLabel::clicksOpenThePanelAndTheDashboard()
     QCOMPARE(openWindow.count(), 2);
     callItem(u"Scroll"_s, {120, u"vertical"_s});
     QCOMPARE(activated.count(), 1);
+}
+
+void TestTrayLabel::showsItsMenuWhereTheDesktopDrawsNone()
+{
+    startTray("kded6");
+    callItem(u"ContextMenu"_s, {120, 40});
+    QWidget *menu = QApplication::activePopupWidget();
+    QVERIFY(menu);
+    QCOMPARE(menu->pos(), QPoint(120, 40));
+    menu->close();
 }
 
 void TestTrayLabel::handsTheActivationTokenOn()
