@@ -1,10 +1,8 @@
+#include "benchmarks/Ratio.h"
 #include "history/HistoryStore.h"
 
 #include <QTemporaryDir>
 
-#include <benchmark/benchmark.h>
-
-#include <chrono>
 #include <cstdlib>
 #include <string>
 
@@ -15,8 +13,6 @@ using namespace corvane;
 
 namespace {
 
-using Seconds = std::chrono::duration<double>;
-
 const PersistedMetric record{.t = 785000000.123456,
                              .memTotal = 17'179'869'184,
                              .memUsed = 8'589'934'592,
@@ -26,29 +22,6 @@ const PersistedMetric record{.t = 785000000.123456,
                              .cpuW = 3.753,
                              .gpuW = 1.52,
                              .aneW = 0.125};
-
-template <typename Work>
-Seconds timed(Work work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::steady_clock::now() - start;
-}
-
-/// Times ours and the bare system calls in turn, and tells the ratio of the sums.
-template <typename Ours, typename Bare>
-void compare(benchmark::State &state, Ours ours, Bare bare)
-{
-    Seconds oursTotal(0);
-    Seconds bareTotal(0);
-    for (auto _ : state) {
-        const Seconds once = timed(ours);
-        bareTotal += timed(bare);
-        oursTotal += once;
-        state.SetIterationTime(once.count());
-    }
-    state.counters["ratio to bare calls"] = oursTotal / bareTotal;
-}
 
 void bareAppend(const std::string &path, const std::string &line)
 {

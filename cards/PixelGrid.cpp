@@ -28,7 +28,11 @@ QPointF snappedToPixels(const QPainter &painter, const QPointF &point)
 
 void fillHairline(QPainter &painter, const QRectF &line, const QColor &color)
 {
+    // Without antialiasing, which would smear an edge that arithmetic leaves a hair off its pixel.
+    const bool antialiased = painter.testRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(snappedToPixels(painter, line), color);
+    painter.setRenderHint(QPainter::Antialiasing, antialiased);
 }
 
 } // namespace corvane

@@ -93,6 +93,48 @@ const QColor &critical()
     return color;
 }
 
+const QColor &track()
+{
+    static const QColor color = white(0.05);
+    return color;
+}
+
+const QColor &tag()
+{
+    static const QColor color = white(0.06);
+    return color;
+}
+
+const QColor &scrollThumb()
+{
+    static const QColor color = white(0.22);
+    return color;
+}
+
+const QColor &popoverFill()
+{
+    static const QColor color(38, 42, 53);
+    return color;
+}
+
+const QColor &popoverStroke()
+{
+    static const QColor color = white(0.12);
+    return color;
+}
+
+const QColor &codeText()
+{
+    static const QColor color(220, 227, 245);
+    return color;
+}
+
+const QColor &codeFill()
+{
+    static const QColor color = white(0.07);
+    return color;
+}
+
 const QColor &cardFill()
 {
     static const QColor color = white(0.045);

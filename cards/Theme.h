@@ -20,6 +20,13 @@ const QColor &textPrimary();   ///< Titles, names, values.
 const QColor &textSecondary(); ///< Explanatory text.
 const QColor &textTertiary();  ///< The info icon and faint captions.
 const QColor &critical();      ///< Critical pressure, failures.
+const QColor &track();         ///< What a bar fills.
+const QColor &tag();           ///< Behind a count.
+const QColor &scrollThumb();
+const QColor &popoverFill();
+const QColor &popoverStroke();
+const QColor &codeText(); ///< Code within a popover's text.
+const QColor &codeFill();
 
 const QColor &cardFill();
 const QColor &cardStroke(); ///< The hairline around every card.

@@ -6,6 +6,12 @@
 
 namespace corvane {
 
+bool ChartScale::isUsable() const
+{
+    return time.span() > 0 && value.span() > 0 && std::isfinite(time.span())
+        && std::isfinite(value.span());
+}
+
 std::optional<double> ChartScale::xFor(double seconds) const
 {
     const double fraction = (seconds - time.lower) / time.span();
@@ -26,6 +32,20 @@ std::optional<QPointF> ChartScale::pointFor(double seconds, double amount) const
     if (!x)
         return std::nullopt;
     return QPointF(*x, yFor(amount));
+}
+
+std::vector<std::optional<double>> sampleColumns(std::span<const double> timestamps,
+                                                 const ChartScale &scale)
+{
+    std::vector<std::optional<double>> columns(timestamps.size());
+    double earliestFollowing = std::numeric_limits<double>::infinity();
+    for (std::size_t i = timestamps.size(); i-- > 0;) {
+        if (!(timestamps[i] <= earliestFollowing))
+            continue;
+        earliestFollowing = timestamps[i];
+        columns[i] = scale.xFor(timestamps[i]);
+    }
+    return columns;
 }
 
 std::optional<std::size_t> nearestIndex(std::span<const double> timestamps, const ChartRange &time,

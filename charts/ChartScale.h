@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace corvane {
 
@@ -17,8 +18,9 @@ struct ChartScale {
     ChartRange value = {};
     QSizeF size = {};
 
-    /// Whether there is anything to map: no series is drawn on an empty or backwards range.
-    bool isUsable() const { return time.span() > 0 && value.span() > 0; }
+    /// Whether there is anything to map: no series is drawn on an empty, backwards or
+    /// infinite range.
+    bool isUsable() const;
 
     /// Nothing for a time outside the range (both ends belong to it) or one that is not a number.
     std::optional<double> xFor(double seconds) const;
@@ -27,12 +29,15 @@ struct ChartScale {
     double yFor(double amount) const;
 
     std::optional<QPointF> pointFor(double seconds, double amount) const;
-
-    double middleTime() const { return (time.lower + time.upper) * 0.5; }
 };
 
+/// Where each sample stands: nothing for one outside the time range, and for one that is later than
+/// a following one (the clock was set back behind it), which would make a line run backwards.
+std::vector<std::optional<double>> sampleColumns(std::span<const double> timestamps,
+                                                 const ChartScale &scale);
+
 /// Index of the sample nearest to `x` on a chart of that width; of two equally near ones the older.
-/// A sample that is later than a following one is passed over: the clock was set back behind it.
+/// A sample that is later than a following one is passed over here too.
 /// Nothing without width, time range or samples.
 std::optional<std::size_t> nearestIndex(std::span<const double> timestamps, const ChartRange &time,
                                         double x, double width);

@@ -16,22 +16,28 @@ struct ClockStyle {
     QString separator = u":"_s;
 };
 
+/// Read from the locale's own short pattern, such as "h:mm AP" or "HH 'h' mm": an hour counts to
+/// twelve where there is a marker; what is quoted is text.
 ClockStyle clockStyle(const QLocale &locale)
 {
     const QString pattern = locale.timeFormat(QLocale::ShortFormat);
     ClockStyle style;
-    // An hour counts to twelve where the pattern has a marker (a, ap, A, AP) outside its quotes.
     bool quoted = false;
-    for (const QChar character : pattern) {
-        if (character == u'\'')
+    qsizetype hourEnd = -1;
+    qsizetype minuteStart = -1;
+    for (qsizetype i = 0; i < pattern.size(); ++i) {
+        const QChar letter = pattern[i].toLower();
+        if (letter == u'\'')
             quoted = !quoted;
-        else if (!quoted && character.toLower() == u'a')
+        else if (!quoted && letter == u'a')
             style.twelveHours = true;
+        else if (!quoted && letter == u'h')
+            hourEnd = i + 1;
+        else if (!quoted && letter == u'm' && minuteStart < 0)
+            minuteStart = i;
     }
-    const qsizetype hour = pattern.lastIndexOf(u'h', -1, Qt::CaseInsensitive);
-    const qsizetype minute = pattern.indexOf(u'm');
-    if (hour >= 0 && minute > hour)
-        style.separator = pattern.mid(hour + 1, minute - hour - 1).remove(u'\'');
+    if (hourEnd > 0 && minuteStart > hourEnd)
+        style.separator = pattern.mid(hourEnd, minuteStart - hourEnd).remove(u'\'');
     return style;
 }
 
@@ -62,8 +68,7 @@ QString timeLabel(double secondsSince2001, const QLocale &locale)
 
 std::array<QString, 3> timeLabels(const ChartRange &time, const QLocale &locale)
 {
-    const double middle = (time.lower + time.upper) * 0.5;
-    return {timeLabel(time.lower, locale), timeLabel(middle, locale),
+    return {timeLabel(time.lower, locale), timeLabel(time.middle(), locale),
             timeLabel(time.upper, locale)};
 }
 

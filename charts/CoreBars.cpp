@@ -49,7 +49,7 @@ CoreBarsData fittedCoreBars(std::vector<double> values, const QColor &color, dou
     data.values = std::move(values);
     data.color = color;
     data.height = bandHeight;
-    data.spacing = pitch >= 8 ? 3 : pitch >= 5 ? 2 : 1;
+    data.spacing = pitch >= 8 ? 3 : pitch >= 5 ? 2 : pitch >= 2 ? 1 : 0;
     data.barCornerRadius = std::clamp((pitch - data.spacing) / 2, 0.0, 2.0);
     if (pitch >= 13) {
         data.labels = coreNumbers(cores);

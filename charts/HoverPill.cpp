@@ -182,7 +182,7 @@ bool HoverPill::show(const PillContent &content)
 
 void HoverPill::paint(QPainter &painter, const QPointF &origin) const
 {
-    const double scale = painter.device()->devicePixelRatioF();
+    const double scale = painter.deviceTransform().m11();
     const QSizeF shadowSize = m_size + QSizeF(2 * shadowReach, 2 * shadowReach);
     if (m_shadow.devicePixelRatio() != scale || m_shadow.size() != (shadowSize * scale).toSize())
         m_shadow = shadowOf(m_size, scale);

@@ -12,6 +12,7 @@ struct ChartRange {
     double upper = 0;
 
     double span() const { return upper - lower; }
+    double middle() const { return (lower + upper) * 0.5; }
     bool operator==(const ChartRange &) const = default;
 };
 

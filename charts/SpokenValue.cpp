@@ -8,9 +8,9 @@ namespace corvane {
 
 namespace {
 
-class SpokenWidget : public QAccessibleWidget {
+class SpokenValueInterface : public QAccessibleWidget {
 public:
-    SpokenWidget(QWidget *widget, const SpokenValue *spoken)
+    SpokenValueInterface(QWidget *widget, const SpokenValue *spoken)
         : QAccessibleWidget(widget, QAccessible::Chart),
           m_spoken(spoken)
     {
@@ -32,8 +32,25 @@ QAccessibleInterface *spokenInterface(const QString &, QObject *object)
 {
     auto *widget = qobject_cast<QWidget *>(object);
     const auto *spoken = dynamic_cast<const SpokenValue *>(object);
-    return widget && spoken ? new SpokenWidget(widget, spoken) : nullptr;
+    return widget && spoken ? new SpokenValueInterface(widget, spoken) : nullptr;
 }
+
+/// Knows whether a screen reader listens.
+class Listeners : public QAccessible::ActivationObserver {
+public:
+    static bool any()
+    {
+        static Listeners listeners;
+        return listeners.m_any;
+    }
+
+private:
+    Listeners() { QAccessible::installActivationObserver(this); }
+    ~Listeners() override { QAccessible::removeActivationObserver(this); }
+    void accessibilityActiveChanged(bool active) override { m_any = active; }
+
+    bool m_any = QAccessible::isActive();
+};
 
 } // namespace
 
@@ -44,7 +61,7 @@ SpokenValue::SpokenValue()
 
 void SpokenValue::announceChange(QWidget *self)
 {
-    if (!QAccessible::isActive())
+    if (!Listeners::any())
         return;
     QString text = spokenValue();
     if (text == m_announced)

@@ -165,9 +165,9 @@ void LineFile::keepLast(std::size_t count) const
         open(newPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!newFile)
         return;
+    fchmod(newFile.get(), status.st_mode & 07777); // Some file systems have no permissions.
     // On the disk before it takes the name, so that a power cut leaves one of the two whole.
-    const bool complete = copyLines(file, lines, newFile)
-        && fchmod(newFile.get(), status.st_mode & 07777) == 0 && fsync(newFile.get()) == 0
+    const bool complete = copyLines(file, lines, newFile) && fsync(newFile.get()) == 0
         && rename(newPath.c_str(), path.c_str()) == 0;
     if (!complete)
         unlink(newPath.c_str());

@@ -1,7 +1,9 @@
 #include "platform/KernelText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string>
 
 namespace corvane {
 
@@ -15,6 +17,45 @@ std::optional<Number> parseWhole(std::string_view text)
     if (error != std::errc() || end != text.data() + text.size())
         return std::nullopt;
     return number;
+}
+
+/// Bytes of the UTF-8 sequence that `first` opens; 0 when it opens none.
+std::size_t sequenceLength(unsigned char first)
+{
+    if (first < 0x80)
+        return 1;
+    if (first < 0xC2) // A continuation byte, or an overlong form of ASCII.
+        return 0;
+    if (first < 0xE0)
+        return 2;
+    if (first < 0xF0)
+        return 3;
+    return first < 0xF5 ? 4 : 0;
+}
+
+/// Whether the bytes of one sequence stand for a character (the table of well-formed sequences in
+/// the Unicode standard: the second byte alone tells overlong forms, surrogates and numbers above
+/// U+10FFFF).
+bool isSequence(std::string_view bytes)
+{
+    for (const char byte : bytes.substr(1)) {
+        if ((static_cast<unsigned char>(byte) & 0xC0) != 0x80)
+            return false;
+    }
+    const auto first = static_cast<unsigned char>(bytes.front());
+    const auto second = static_cast<unsigned char>(bytes.size() > 1 ? bytes[1] : 0);
+    switch (first) {
+    case 0xE0:
+        return second >= 0xA0;
+    case 0xED:
+        return second < 0xA0;
+    case 0xF0:
+        return second >= 0x90;
+    case 0xF4:
+        return second < 0x90;
+    default:
+        return true;
+    }
 }
 
 } // namespace
@@ -61,10 +102,17 @@ std::optional<std::int64_t> parseSigned(std::string_view text)
 
 std::optional<double> parseDecimal(std::string_view text)
 {
-    const auto number = parseWhole<double>(text);
-    if (!number || !std::isfinite(*number))
+    // By hand, since not every standard library reads floating-point numbers from a view. Up to 15
+    // digits are exact in a double, and so is the power of ten: the quotient is the nearest value.
+    constexpr std::size_t mostDigits = 15;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
+    if (point + fraction.size() > mostDigits)
         return std::nullopt;
-    return number;
+    const auto digits = parseUnsigned(std::string(text.substr(0, point)).append(fraction));
+    if (!digits)
+        return std::nullopt;
+    return static_cast<double>(*digits) / std::pow(10.0, fraction.size());
 }
 
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit)
@@ -72,6 +120,27 @@ std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit)
     if (unit != 0 && count > largestByteCount / unit)
         return std::nullopt;
     return count * unit;
+}
+
+std::optional<std::uint64_t> parseKibibytes(std::string_view text)
+{
+    constexpr std::uint64_t kibibyte = 1024;
+    const auto word = takeWord(text);
+    const auto count = word ? parseUnsigned(*word) : std::nullopt;
+    if (!count || trimmed(text) != "kB" || !byteCount(*count, kibibyte))
+        return std::nullopt;
+    return count;
+}
+
+bool isUtf8(std::string_view text)
+{
+    while (!text.empty()) {
+        const std::size_t length = sequenceLength(static_cast<unsigned char>(text.front()));
+        if (length == 0 || length > text.size() || !isSequence(text.substr(0, length)))
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
 }
 
 } // namespace corvane

@@ -34,6 +34,12 @@ inline constexpr std::uint64_t largestByteCount = std::uint64_t(1) << 50;
 /// `count` units of `unit` bytes; nothing above `largestByteCount`.
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit);
 
+/// The count of a text such as "  24684096 kB", in KiB; nothing when no machine has as many bytes.
+std::optional<std::uint64_t> parseKibibytes(std::string_view text);
+
+/// Whether `text` is well-formed UTF-8: no stray, overlong or missing bytes, no surrogates.
+bool isUtf8(std::string_view text);
+
 /// Calls `visit(number)` for each CPU of a list such as "0-3,8,10-11"; a part that does not parse
 /// ends the walk. Numbers above 65,535 do too: no kernel has such CPUs.
 template <typename Visitor>

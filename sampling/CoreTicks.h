@@ -18,8 +18,9 @@ struct CoreTicks {
     friend bool operator==(const CoreTicks &, const CoreTicks &) = default;
 };
 
-/// Reads the counters of all logical CPUs, in processor order. Owned by one sampler, used on one
-/// thread. `root` is the folder below which kernel files lie (Linux).
+/// Reads the counters of all logical CPUs, in processor order. Owned by one sampler; main thread.
+/// Readers of the same machine that follow each other at once may share one reading. `root` is the
+/// folder below which kernel files lie (Linux).
 class CoreTicksReader {
 public:
     explicit CoreTicksReader(const std::string &root = "/");

@@ -30,16 +30,24 @@ struct MemoryCountersReader::Sources {
     KernelFile memInfo{root + "/proc/meminfo"};
     KernelFile pressure{root + "/proc/pressure/memory"};
     KernelFile arcStats{root + "/proc/spl/kstat/zfs/arcstats"};
+    bool hasArcStats = false;
     std::vector<KernelFile> zram = {};
-    int readsUntilScan = 0; ///< RAM disks come and go, but rarely.
+    int readsUntilScan = 0;
+
+    /// Looks for what few machines have: the ZFS module and compressed RAM disks come and go, but
+    /// rarely.
+    void scan()
+    {
+        constexpr int readsBetweenScans = 30;
+        if (readsUntilScan-- > 0)
+            return;
+        readsUntilScan = readsBetweenScans;
+        hasArcStats = arcStats.read().has_value();
+        zram = zramFiles(root);
+    }
 
     std::uint64_t zramBytes()
     {
-        constexpr int readsBetweenScans = 30;
-        if (readsUntilScan-- == 0) {
-            zram = zramFiles(root);
-            readsUntilScan = readsBetweenScans;
-        }
         std::uint64_t bytes = 0;
         for (KernelFile &file : zram)
             bytes += zramMemory(file.read().value_or(std::string_view()));
@@ -56,10 +64,12 @@ MemoryCountersReader::~MemoryCountersReader() = default;
 
 MemoryCounters MemoryCountersReader::read()
 {
-    return memoryCounters({.memInfo = m_sources->memInfo.read(),
-                           .pressure = m_sources->pressure.read(),
-                           .arcStats = m_sources->arcStats.read(),
-                           .zramBytes = m_sources->zramBytes()});
+    m_sources->scan();
+    return memoryCounters(
+        {.memInfo = m_sources->memInfo.read(),
+         .pressure = m_sources->pressure.read(),
+         .arcStats = m_sources->hasArcStats ? m_sources->arcStats.read() : std::nullopt,
+         .zramBytes = m_sources->zramBytes()});
 }
 
 } // namespace corvane

@@ -16,7 +16,7 @@ std::optional<Value> systemControl(const char *name)
 {
     Value value = {};
     std::size_t size = sizeof value;
-    if (sysctlbyname(name, &value, &size, nullptr, 0) != 0)
+    if (sysctlbyname(name, &value, &size, nullptr, 0) != 0 || size != sizeof value)
         return std::nullopt;
     return value;
 }
@@ -44,7 +44,10 @@ std::optional<MemoryCounters::Pages> readPages()
     constexpr mach_msg_type_number_t words = 40;
     alignas(8) std::array<integer_t, words> buffer = {};
     mach_msg_type_number_t count = words;
-    if (host_statistics64(host(), HOST_VM_INFO64, buffer.data(), &count) != KERN_SUCCESS)
+    constexpr std::size_t needed =
+        offsetof(vm_statistics64, external_page_count) + sizeof(natural_t);
+    if (host_statistics64(host(), HOST_VM_INFO64, buffer.data(), &count) != KERN_SUCCESS
+        || count * sizeof(integer_t) < needed)
         return std::nullopt;
 
     const auto field = [&buffer](std::size_t offset) {

@@ -36,16 +36,6 @@ constexpr auto memInfoFields = std::to_array<MemInfoField>({
     {"SwapFree", &MemInfo::swapFree},
 });
 
-/// The count of a line such as "  24684096 kB", in KiB.
-std::optional<std::uint64_t> kibibytes(std::string_view text)
-{
-    const auto word = takeWord(text);
-    const auto count = word ? parseUnsigned(*word) : std::nullopt;
-    if (!count || trimmed(text) != "kB" || !byteCount(*count, kibibyte))
-        return std::nullopt;
-    return count;
-}
-
 MemInfo parseMemInfo(std::string_view text)
 {
     MemInfo info;
@@ -55,7 +45,7 @@ MemInfo parseMemInfo(std::string_view text)
             continue;
         for (const MemInfoField &field : memInfoFields) {
             if (line->substr(0, colon) == field.name)
-                info.*field.value = kibibytes(line->substr(colon + 1));
+                info.*field.value = parseKibibytes(line->substr(colon + 1));
         }
     }
     return info;

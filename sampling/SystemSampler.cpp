@@ -1,5 +1,7 @@
 #include "sampling/SystemSampler.h"
 
+#include "platform/BackgroundJob.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -55,8 +57,20 @@ void SystemSampler::tick()
     m_store.append(PersistedMetric::from(m_current));
 
     ++m_tickCount;
+    if (m_tickCount % processSampleEveryNTicks == 0 && m_sources.survey)
+        survey();
     if (m_tickCount % trimEveryNTicks == 0)
         m_store.trim(trimKeepSeconds);
+}
+
+void SystemSampler::survey()
+{
+    runThenDeliver(this, m_sources.survey, [this](Survey survey) {
+        m_processes = std::move(survey.processes);
+        emit processesChanged();
+        m_aiWorkloads = std::move(survey.workloads);
+        emit aiWorkloadsChanged();
+    });
 }
 
 void SystemSampler::applyWindowChange(qint64 windowSeconds)

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "history/HistoryStore.h"
-#include "processes/AIWorkload.h"
-#include "processes/ProcessRow.h"
+#include "processes/Survey.h"
 #include "sampling/AppSettings.h"
 #include "sampling/MemorySampler.h"
 #include "sampling/ReferenceDate.h"
 #include "sampling/SystemMetrics.h"
+#include "telemetry/ChipSource.h"
 
 #include <QObject>
 #include <QTimer>
@@ -20,8 +20,9 @@ namespace corvane {
 /// all.
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
-    std::function<std::optional<ChipReading>()> chip = {}; ///< Empty: no chip sampler here.
-    std::function<double()> now = secondsSince2001;        ///< Wall clock.
+    ChipSource chip = openChipSource();             ///< Empty: no chip sampler here.
+    std::function<Survey()> survey = takeSurvey;    ///< Runs in the background; empty: none here.
+    std::function<double()> now = secondsSince2001; ///< Wall clock.
 };
 
 /// The spine of the program: takes one whole-system sample a second, publishes it, keeps the last
@@ -67,6 +68,7 @@ signals:
     void aiWorkloadsChanged();
 
 private:
+    void survey();
     void applyWindowChange(qint64 windowSeconds);
     std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
 

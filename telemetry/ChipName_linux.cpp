@@ -1,4 +1,4 @@
-#include "telemetry/ChipIdentity.h"
+#include "telemetry/ChipName.h"
 
 #include "platform/KernelFile.h"
 #include "platform/KernelText.h"

@@ -1,4 +1,4 @@
-#include "telemetry/ChipIdentity.h"
+#include "telemetry/ChipName.h"
 
 #include <sys/sysctl.h>
 
@@ -7,8 +7,9 @@ namespace corvane {
 std::optional<std::string> readChipName(const std::string &)
 {
     constexpr const char *key = "machdep.cpu.brand_string";
+    constexpr std::size_t longestName = 4096;
     std::size_t size = 0;
-    if (sysctlbyname(key, nullptr, &size, nullptr, 0) != 0 || size == 0)
+    if (sysctlbyname(key, nullptr, &size, nullptr, 0) != 0 || size == 0 || size > longestName)
         return std::nullopt;
     std::string name(size, '\0');
     if (sysctlbyname(key, name.data(), &size, nullptr, 0) != 0)

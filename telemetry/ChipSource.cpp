@@ -32,7 +32,8 @@ std::optional<ChannelSource> openChannels(const std::vector<ChannelGroupRequest>
 
 } // namespace
 
-ChipSource openChipSource(const std::string &root, const FrequencyTables &frequencies)
+ChipSource openChipSource(const std::string &root, const FrequencyTables &frequencies,
+                          std::function<double()> now)
 {
     const std::shared_ptr sampler = IOReportPowerSampler::open({
         .cores = CPUCoreSampler(
@@ -42,6 +43,7 @@ ChipSource openChipSource(const std::string &root, const FrequencyTables &freque
         }),
         .frequencies = frequencies,
         .openChannels = [root](const auto &requests) { return openChannels(requests, root); },
+        .now = std::move(now),
     });
     if (!sampler)
         return {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/BootClock.h"
 #include "sampling/ChipReading.h"
 #include "telemetry/FrequencyTables.h"
 
@@ -11,8 +12,9 @@ namespace corvane {
 using ChipSource = std::function<std::optional<ChipReading>()>;
 
 /// Opens this machine's chip sampler. To be called on the sampling thread alone. `root` is the
-/// folder below which kernel files are read (Linux).
+/// folder below which kernel files are read (Linux), `now` tells the seconds.
 ChipSource openChipSource(const std::string &root = "/",
-                          const FrequencyTables &frequencies = frequencyTables());
+                          const FrequencyTables &frequencies = frequencyTables(),
+                          std::function<double()> now = secondsSinceBoot);
 
 } // namespace corvane

@@ -10,3 +10,5 @@ corvane_test(app/tst_StatusNotifierTypes SYSTEM linux simulated-mac LINK corvane
 corvane_test(app/tst_DBusMenu SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
              SOURCES support/BusMonitor.cpp support/FakeTray.cpp support/PrivateBus.cpp LINK corvane::app)
+corvane_test(app/tst_DashboardLayout LINK corvane::app)
+corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)

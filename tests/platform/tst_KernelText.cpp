@@ -21,6 +21,11 @@ private slots:
     void parsesSigned();
     void parsesDecimals();
     void refusesByteCountsOfNoMachine();
+    void parsesKibibytes_data();
+    void parsesKibibytes();
+    void knowsUtf8_data();
+    void knowsUtf8();
+    void agreesWithAnotherDecoder();
     void walksCPULists_data();
     void walksCPULists();
 };
@@ -83,6 +88,15 @@ void TestKernelText::parsesDecimals()
     QVERIFY(!parseDecimal("inf"));
     QVERIFY(!parseDecimal("nan"));
     QVERIFY(!parseDecimal("1.2.3"));
+    QCOMPARE(parseDecimal("0.07"), std::optional<double>(0.07));
+    QCOMPARE(parseDecimal("4800.000"), std::optional<double>(4800));
+    QCOMPARE(parseDecimal("7"), std::optional<double>(7));
+    QCOMPARE(parseDecimal("123456789012.345"), std::optional<double>(123456789012.345));
+    QVERIFY(!parseDecimal("1234567890123.456")); // No kernel writes so many digits.
+    QVERIFY(!parseDecimal("-1.5"));
+    QVERIFY(!parseDecimal("1.-5"));
+    QVERIFY(!parseDecimal("."));
+    QVERIFY(!parseDecimal(""));
 }
 
 void TestKernelText::refusesByteCountsOfNoMachine()
@@ -92,6 +106,75 @@ void TestKernelText::refusesByteCountsOfNoMachine()
              std::optional<std::uint64_t>(std::uint64_t(1) << 50));
     QVERIFY(!byteCount((std::uint64_t(1) << 40) + 1, 1024));
     QVERIFY(!byteCount(std::numeric_limits<std::uint64_t>::max(), 1024));
+}
+
+void TestKernelText::parsesKibibytes_data()
+{
+    using Expected = std::optional<std::uint64_t>;
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<Expected>("expected");
+    QTest::newRow("aligned") << QByteArray("  24684096 kB") << Expected(24684096);
+    QTest::newRow("after a tab") << QByteArray("\t 0 kB") << Expected(0);
+    QTest::newRow("no unit") << QByteArray(" 12") << Expected();
+    QTest::newRow("another unit") << QByteArray(" 12 MB") << Expected();
+    QTest::newRow("no machine has so many") << QByteArray("1099511627777 kB") << Expected();
+    QTest::newRow("empty") << QByteArray() << Expected();
+}
+
+void TestKernelText::parsesKibibytes()
+{
+    QFETCH(QByteArray, text);
+    QTEST(parseKibibytes(text.toStdString()), "expected");
+}
+
+void TestKernelText::knowsUtf8_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("expected");
+    QTest::newRow("empty") << QByteArray() << true;
+    QTest::newRow("ASCII with control characters") << QByteArray("a\n\x1b\x7f") << true;
+    QTest::newRow("the lowest of two, three and four bytes")
+        << QByteArray("\xc2\x80\xe0\xa0\x80\xf0\x90\x80\x80") << true;
+    QTest::newRow("the highest of two, three and four bytes")
+        << QByteArray("\xdf\xbf\xef\xbf\xbf\xf4\x8f\xbf\xbf") << true;
+    QTest::newRow("around the surrogates") << QByteArray("\xed\x9f\xbf\xee\x80\x80") << true;
+    QTest::newRow("a surrogate") << QByteArray("\xed\xa0\x80") << false;
+    QTest::newRow("overlong in two bytes") << QByteArray("\xc1\xbf") << false;
+    QTest::newRow("overlong in three bytes") << QByteArray("\xe0\x9f\xbf") << false;
+    QTest::newRow("overlong in four bytes") << QByteArray("\xf0\x8f\xbf\xbf") << false;
+    QTest::newRow("beyond the last character") << QByteArray("\xf4\x90\x80\x80") << false;
+    QTest::newRow("a byte that opens nothing") << QByteArray("a\xff") << false;
+    QTest::newRow("a stray continuation") << QByteArray("\x80") << false;
+    QTest::newRow("cut") << QByteArray("a\xe2\x82") << false;
+    QTest::newRow("broken off by ASCII") << QByteArray("\xe2\x28\xa1") << false;
+}
+
+void TestKernelText::knowsUtf8()
+{
+    QFETCH(QByteArray, text);
+    QTEST(isUtf8(text.toStdString()), "expected");
+}
+
+void TestKernelText::agreesWithAnotherDecoder()
+{
+    // Bytes near the borders between the forms, in all combinations of four.
+    constexpr unsigned char bytes[] = {'a',  0x7f, 0x80, 0x8f, 0x90, 0x9f, 0xa0, 0xbf,
+                                       0xc1, 0xc2, 0xdf, 0xe0, 0xe1, 0xec, 0xed, 0xee,
+                                       0xef, 0xf0, 0xf1, 0xf4, 0xf5, 0xff};
+    int valid = 0;
+    for (const char first : bytes) {
+        for (const char second : bytes) {
+            for (const char third : bytes) {
+                for (const char fourth : bytes) {
+                    const char text[] = {first, second, third, fourth};
+                    const bool expected = QUtf8StringView(text, sizeof(text)).isValidUtf8();
+                    QCOMPARE(isUtf8({text, sizeof(text)}), expected);
+                    valid += expected;
+                }
+            }
+        }
+    }
+    QVERIFY(valid > 100);
 }
 
 void TestKernelText::walksCPULists_data()

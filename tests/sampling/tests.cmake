@@ -11,3 +11,8 @@ corvane_test(sampling/tst_SystemMetrics LINK corvane::records)
 corvane_test(sampling/tst_SystemSampler THREADED LINK corvane::sampler)
 corvane_test(sampling/tst_CoreTicks SYSTEM linux LINK corvane::readers)
 corvane_test(sampling/tst_MemoryCounters SYSTEM linux LINK corvane::readers)
+corvane_test(sampling/tst_LiveMemory SYSTEM linux TIMEOUT 1200 LINK corvane::readers)
+if(TEST sampling/LiveMemory)
+  # It watches the whole machine's memory, which the other tests would move.
+  set_tests_properties(sampling/LiveMemory PROPERTIES RUN_SERIAL ON)
+endif()

@@ -1,6 +1,7 @@
 #include "sampling/CoreTicks.h"
 
 #include "sampling/CPUCoreSampler.h"
+#include "support/MachineTree.h"
 #include "support/Machines.h"
 
 #include <QDir>
@@ -30,6 +31,7 @@ private slots:
     void readsMachines();
     void anOfflineCoreIsAGap();
     void followsCoresThatComeAndGo();
+    void readersOfOneMachineGetNothingOld();
     void aMachineWithoutCountersHasNothing();
     void readsThisMachine();
 };
@@ -118,6 +120,21 @@ void TestCoreTicks::followsCoresThatComeAndGo()
     QVERIFY(!reader.read());
     setStat("cpu  9 0 0 9\ncpu0 7 0 0 5\ncpu1 6 0 0 9\nintr 1\n");
     QVERIFY(reader.read() == Ticks({{.user = 7, .idle = 5}, {.user = 6, .idle = 9}}));
+}
+
+void TestCoreTicks::readersOfOneMachineGetNothingOld()
+{
+    const MachineTree tree;
+    tree.write("proc/stat", "cpu0 1 0 0 1\n");
+    CoreTicksReader first(tree.root());
+    CoreTicksReader second(tree.root());
+    QVERIFY(first.read() == Ticks({{.user = 1, .idle = 1}}));
+    tree.write("proc/stat", "cpu0 2 0 0 2\n");
+    QVERIFY(first.read() == Ticks({{.user = 2, .idle = 2}}));
+    QVERIFY(second.read() == Ticks({{.user = 2, .idle = 2}})); // The other's reading, or its own.
+    tree.write("proc/stat", "cpu0 3 0 0 3\n");
+    QVERIFY(second.read() == Ticks({{.user = 3, .idle = 3}}));
+    QVERIFY(first.read() == Ticks({{.user = 3, .idle = 3}}));
 }
 
 void TestCoreTicks::aMachineWithoutCountersHasNothing()

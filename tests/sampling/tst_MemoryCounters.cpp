@@ -34,7 +34,7 @@ private slots:
     void readsMachines_data();
     void readsMachines();
     void readsAgain();
-    void noticesCompressedDisksThatComeAndGo();
+    void noticesWhatComesAndGoes();
     void aMachineWithoutFilesHasNothing();
 };
 
@@ -145,31 +145,42 @@ void TestMemoryCounters::readsAgain()
     QCOMPARE(reader.read().pressureLevel, std::optional<std::int32_t>(2));
 }
 
-void TestMemoryCounters::noticesCompressedDisksThatComeAndGo()
+void TestMemoryCounters::noticesWhatComesAndGoes()
 {
     const QTemporaryDir root;
     writeFile(root.filePath(u"proc/meminfo"_s), "MemTotal: 1000 kB\nMemFree: 100 kB\n");
     writeFile(root.filePath(u"sys/block/sda/mm_stat"_s), "9 9 999424 9 9 9 9 9 9\n");
     MemoryCountersReader reader(root.path().toStdString());
-    const auto compressor = [&reader] { return reader.read().pages->compressor; };
-    QCOMPARE(compressor(), std::uint64_t(0));
+    QCOMPARE(reader.read().pages->compressor, std::uint64_t(0));
+    QCOMPARE(reader.read().pages->purgeable, std::uint64_t(0));
 
     // It need not be seen at once, but within a minute of ticks.
-    const auto withinAMinute = [&compressor](std::uint64_t expected) {
+    const auto withinAMinute = [&reader](auto count, std::uint64_t expected) {
         for (int tick = 0; tick < 60; ++tick) {
-            if (compressor() == expected)
+            const auto pages = reader.read().pages;
+            if (pages && (*pages).*count == expected)
                 return true;
         }
         return false;
     };
+    constexpr auto compressor = &MemoryCounters::Pages::compressor;
+    constexpr auto purgeable = &MemoryCounters::Pages::purgeable;
     writeFile(root.filePath(u"sys/block/zram0/mm_stat"_s), "9 9 4096 9 9 9 9 9 9\n");
-    QVERIFY(withinAMinute(4));
+    QVERIFY(withinAMinute(compressor, 4));
     writeFile(root.filePath(u"sys/block/zram1/mm_stat"_s), "9 9 8192 9 9 9 9 9 9\n");
-    QVERIFY(withinAMinute(12));
+    QVERIFY(withinAMinute(compressor, 12));
+    writeFile(root.filePath(u"proc/spl/kstat/zfs/arcstats"_s), "size 4 5120\nc_min 4 1024\n");
+    QVERIFY(withinAMinute(purgeable, 4));
+
+    // What is known is read every time.
     writeFile(root.filePath(u"sys/block/zram0/mm_stat"_s), "9 9 1024 9 9 9 9 9 9\n");
-    QCOMPARE(compressor(), std::uint64_t(9)); // A known one is read every time.
+    writeFile(root.filePath(u"proc/spl/kstat/zfs/arcstats"_s), "size 4 7168\nc_min 4 1024\n");
+    const auto pages = reader.read().pages;
+    QCOMPARE(pages->compressor, std::uint64_t(9));
+    QCOMPARE(pages->purgeable, std::uint64_t(6));
+
     QVERIFY(QDir(root.filePath(u"sys/block/zram1"_s)).removeRecursively());
-    QVERIFY(withinAMinute(1));
+    QVERIFY(withinAMinute(compressor, 1));
 }
 
 void TestMemoryCounters::aMachineWithoutFilesHasNothing()

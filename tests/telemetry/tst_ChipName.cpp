@@ -68,8 +68,8 @@ void TestChipName::readsKernelFiles_data()
     row("bytes that are not text", {{cpuInfo, "\xFF\xFE\x01:\xC3\nmodel name\t: \xFF Chip\n"}},
         "\xFF Chip");
     row("NULs in the list", {{cpuInfo, "proc\0essor\0\nmodel name\t: Chip\0\n"_ba}}, "Chip");
-    row("a line of a hundred thousand bytes",
-        {{cpuInfo, QByteArray(100'000, 'x') + "\nmodel name\t: Chip\n"}}, "Chip");
+    row("a line of a thousand bytes",
+        {{cpuInfo, QByteArray(1'000, 'x') + "\nmodel name\t: Chip\n"}}, "Chip");
 }
 
 void TestChipName::readsKernelFiles()

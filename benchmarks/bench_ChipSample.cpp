@@ -1,0 +1,121 @@
+// One chip sample against the bare reads of the same files: on this machine, and on a tree that
+// stands in for a desktop with a discrete card (its files are ordinary ones, which cost less to
+// read than the kernel's).
+
+#include "benchmarks/Ratio.h"
+#include "sampling/CoreTicks.h"
+#include "telemetry/ChipReader.h"
+#include "telemetry/ThermalBridge.h"
+
+#include <array>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace corvane;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Files that stay open, each read from its start in one call.
+class BareReads {
+public:
+    explicit BareReads(const std::vector<std::string> &paths)
+    {
+        for (const std::string &path : paths) {
+            const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+            if (file >= 0)
+                m_files.push_back(file);
+        }
+    }
+
+    ~BareReads()
+    {
+        for (const int file : m_files)
+            close(file);
+    }
+
+    BareReads(const BareReads &) = delete;
+    BareReads &operator=(const BareReads &) = delete;
+
+    void operator()()
+    {
+        for (const int file : m_files) {
+            const ssize_t count = pread(file, m_buffer.data(), m_buffer.size(), 0);
+            benchmark::DoNotOptimize(count);
+        }
+    }
+
+    std::size_t count() const { return m_files.size(); }
+
+private:
+    std::vector<int> m_files;
+    std::array<char, 65'536> m_buffer = {};
+};
+
+/// What a tick reads of the desktop: files of these names.
+std::vector<std::string> filesOfATick(const std::string &root)
+{
+    std::vector<std::string> paths;
+    const auto isRead = [](const std::string &name) {
+        for (const char *wanted : {"stat", "time_in_state", "energy_uj", "runtime_status",
+                                   "gpu_busy_percent", "pp_dpm_sclk", "power1_average"}) {
+            if (name == wanted)
+                return true;
+        }
+        return name.starts_with("temp") && name.ends_with("_input");
+    };
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(root)) {
+        const std::string path = entry.path().string();
+        const bool isCounted = path.find(":0:0/") == std::string::npos // Inside the package.
+            && path.find("hwmon2") == std::string::npos                // The board's own sensors.
+            && path.find("hwmon0/temp1") == std::string::npos;         // Outdone by another one.
+        if (entry.is_regular_file() && isCounted && isRead(entry.path().filename().string()))
+            paths.push_back(path);
+    }
+    return paths;
+}
+
+/// Times a sample a second, so that nothing is taken from the sample before.
+void sampleChip(benchmark::State &state, const std::string &root,
+                const std::vector<std::string> &files)
+{
+    double now = 0;
+    const auto clock = [&now] { return now; };
+    const auto gpus = std::make_shared<GPUWatch>(root, std::string(), clock);
+    ChipReader reader(root, {}, gpus, clock);
+    CoreTicksReader cores(root);
+    ThermalBridge temperatures(root);
+    ChipSnapshot last = reader.read();
+    const auto sample = [&] {
+        now += 1;
+        ChipSnapshot next = reader.read();
+        benchmark::DoNotOptimize(chipChannels(last, next, reader.clusters()));
+        last = std::move(next);
+        benchmark::DoNotOptimize(cores.read());
+        benchmark::DoNotOptimize(temperatures.readAllTemperatures());
+    };
+    BareReads bare(files);
+    state.counters["files"] = static_cast<double>(bare.count());
+    compare(state, sample, [&bare] { bare(); });
+}
+
+void thisMachine(benchmark::State &state)
+{
+    sampleChip(state, "/", {"/proc/stat"});
+}
+
+void desktopWithACard(benchmark::State &state)
+{
+    sampleChip(state, CORVANE_MACHINES "/amd-desktop",
+               filesOfATick(CORVANE_MACHINES "/amd-desktop"));
+}
+
+BENCHMARK(thisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(desktopWithACard)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,208 @@
+// What a tick of the open dashboard costs the main thread: telling every part and painting what
+// changed, as a ratio to clearing as many pixels as the whole window has.
+
+#include "app/MainWindow.h"
+#include "cards/AIWorkloadsCard.h"
+#include "cards/MemoryCard.h"
+#include "cards/PowerCard.h"
+#include "cards/ProcessCard.h"
+#include "cards/UtilizationCard.h"
+
+#include <QApplication>
+#include <QImage>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize windowSize{1280, 900};
+
+SystemMetrics sample(int second)
+{
+    const double wave = 0.5 + 0.3 * std::sin(second / 5.0) + 0.1 * std::sin(second * 2.9);
+    return {
+        .timestamp = 8e8 + second,
+        .memory = {.total = std::uint64_t(64) << 30,
+                   .used = (std::uint64_t(40) << 30) + static_cast<std::uint64_t>(second) * 4096,
+                   .wired = std::uint64_t(6) << 30,
+                   .cached = std::uint64_t(9) << 30,
+                   .appMemory = std::uint64_t(38) << 30},
+        .chip = ChipReading{.cpuWatts = 20 * wave,
+                            .gpuWatts = 30 * wave,
+                            .aneWatts = wave,
+                            .cpuActiveFraction = wave,
+                            .gpuActiveFraction = wave,
+                            .cpuActiveMHz = 3000 * wave,
+                            .gpuDominantState = u"P12"_s,
+                            .cpuCoreUtilizations = std::vector<double>(16, wave),
+                            .packageTempC = 60}};
+}
+
+/// The minute that ends at that second.
+std::vector<SystemMetrics> history(int end)
+{
+    std::vector<SystemMetrics> samples;
+    for (int second = end - 59; second <= end; ++second)
+        samples.push_back(sample(second));
+    return samples;
+}
+
+std::vector<ProcessRow> processes(int second)
+{
+    std::vector<ProcessRow> rows;
+    for (int i = 0; i < 20; ++i) {
+        rows.push_back({i, u"process-%1"_s.arg(i),
+                        static_cast<std::uint64_t>(20 - i) * (100 << 20)
+                            + static_cast<std::uint64_t>(second) * (1 << 20)});
+    }
+    return rows;
+}
+
+/// Paints what was asked for since the last call, as the event loop would.
+void paintNow()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+}
+
+void clearWindow(benchmark::State &state)
+{
+    QImage image(windowSize, QImage::Format_RGB32);
+    for (auto _ : state) {
+        image.fill(Qt::black);
+        benchmark::DoNotOptimize(image.bits());
+    }
+}
+BENCHMARK(clearWindow);
+
+/// One tick: new samples each second, new processes each third.
+void tick(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    window.QWidget::show();
+    paintNow();
+    int second = 60;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const std::vector<SystemMetrics> samples = history(++second);
+        state.ResumeTiming();
+        window.show(samples.back(), samples);
+        if (second % 3 == 0)
+            window.showProcesses(processes(second));
+        paintNow();
+    }
+}
+BENCHMARK(tick)->Unit(benchmark::kMicrosecond);
+
+/// The same while nobody looks.
+void hiddenTick(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    const std::vector<SystemMetrics> samples = history(60);
+    for (auto _ : state) {
+        window.show(samples.back(), samples);
+        paintNow();
+    }
+}
+BENCHMARK(hiddenTick)->Unit(benchmark::kMicrosecond);
+
+/// A repaint of everything, as after another window moved away.
+void repaint(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    window.QWidget::show();
+    window.show(sample(60), history(60));
+    window.showProcesses(processes(60));
+    paintNow();
+    for (auto _ : state)
+        window.repaint();
+}
+BENCHMARK(repaint)->Unit(benchmark::kMicrosecond);
+
+/// A step of resizing, with all that is kept in pictures made anew.
+void resize(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    window.QWidget::show();
+    window.show(sample(60), history(60));
+    window.showProcesses(processes(60));
+    paintNow();
+    int step = 0;
+    for (auto _ : state) {
+        window.resize(windowSize + QSize(++step % 2, 0));
+        paintNow();
+    }
+}
+BENCHMARK(resize)->Unit(benchmark::kMicrosecond);
+
+/// One card told anew and repainted.
+template <typename Card, typename Tell>
+void tellCard(benchmark::State &state, Card &card, const QSize &size, Tell tell)
+{
+    card.resize(size);
+    card.QWidget::show();
+    paintNow();
+    int second = 60;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const std::vector<SystemMetrics> samples = history(++second);
+        state.ResumeTiming();
+        tell(card, samples, second);
+        paintNow();
+    }
+}
+
+const auto tellSamples = [](auto &card, const std::vector<SystemMetrics> &samples, int) {
+    card.show(samples.back(), samples);
+};
+
+void memoryCard(benchmark::State &state)
+{
+    MemoryCard card;
+    tellCard(state, card, {617, 262}, tellSamples);
+}
+BENCHMARK(memoryCard)->Unit(benchmark::kMicrosecond);
+
+void powerCard(benchmark::State &state)
+{
+    PowerCard card;
+    tellCard(state, card, {617, 262}, tellSamples);
+}
+BENCHMARK(powerCard)->Unit(benchmark::kMicrosecond);
+
+void cpuCard(benchmark::State &state)
+{
+    UtilizationCard card(UtilizationKind::cpu);
+    tellCard(state, card, {406, 226}, tellSamples);
+}
+BENCHMARK(cpuCard)->Unit(benchmark::kMicrosecond);
+
+void processCard(benchmark::State &state)
+{
+    ProcessCard card;
+    tellCard(state, card, {617, 304},
+             [](ProcessCard &told, const std::vector<SystemMetrics> &, int second) {
+                 told.show(processes(second), std::uint64_t(64) << 30);
+             });
+}
+BENCHMARK(processCard)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

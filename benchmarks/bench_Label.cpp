@@ -1,0 +1,52 @@
+#include "app/TrayPicture.h"
+#include "benchmarks/Ratio.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+using namespace corvane;
+
+namespace {
+
+/// The least that a changed number costs a tray: its pictures allocated and cleared.
+void clearPictures()
+{
+    for (const int pixels : {16, 22, 24, 32, 44, 48, 64}) {
+        QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        benchmark::DoNotOptimize(picture.constBits());
+    }
+}
+
+void labelRedraw(benchmark::State &state)
+{
+    SystemMetrics current{.memory = {.total = 100}};
+    const auto redraw = [&current] {
+        current.memory.used = (current.memory.used + 1) % 100;
+        const auto numbers = labelNumbers(current);
+        benchmark::DoNotOptimize(trayIcon(numbers[0], LabelPosition::left));
+    };
+    compare(state, redraw, clearPictures);
+}
+BENCHMARK(labelRedraw)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+/// A tick on which no number changed: the texts are made and compared, nothing is drawn.
+void labelUnchanged(benchmark::State &state)
+{
+    const SystemMetrics current{.memory = {.total = 100, .used = 63}};
+    const auto before = labelNumbers(current);
+    compare(
+        state, [&] { benchmark::DoNotOptimize(labelNumbers(current) == before); }, clearPictures);
+}
+BENCHMARK(labelUnchanged)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,0 +1,112 @@
+#include "cards/Theme.h"
+#include "charts/HoverTime.h"
+#include "charts/Sparkline.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <cmath>
+
+// What one tick costs a chart of the dashboard. `fillsItsArea` is the yardstick: the pixels of the
+// power chart blended once, as plain rectangles.
+
+namespace {
+
+using namespace corvane;
+
+constexpr QSize powerChart(585, 174);
+
+std::vector<double> watts(std::size_t samples, double mean, std::size_t shift)
+{
+    std::vector<double> values;
+    for (std::size_t i = 0; i < samples; ++i) {
+        const auto t = static_cast<double>(i + shift);
+        values.push_back(mean * (1 + 0.5 * std::sin(t * 0.3) + 0.1 * std::sin(t * 2.1)));
+    }
+    return values;
+}
+
+SparklineData powerData(std::size_t samples, std::size_t shift)
+{
+    SparklineData data{.yDomain = {0, 60}, .stacking = Stacking::stacked, .showsGrid = false};
+    for (std::size_t i = 0; i < samples; ++i)
+        data.timestamps.push_back(static_cast<double>(i + shift));
+    data.xDomain = {data.timestamps.front(), data.timestamps.back()};
+    const std::pair<double, QColor> parts[] = {
+        {10, Theme::cpu()}, {20, Theme::gpu()}, {1, Theme::ane()}};
+    for (const auto &[mean, color] : parts)
+        data.series.push_back({.values = watts(samples, mean, shift),
+                               .lineColor = color,
+                               .fillColors = {Theme::withOpacity(color, 0.55)}});
+    return data;
+}
+
+QImage canvas(double scale)
+{
+    QImage image(powerChart * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::black);
+    return image;
+}
+
+void hover(Sparkline &chart)
+{
+    const QPointF place(300, 20);
+    QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&chart, &move);
+}
+
+void fillsItsArea(benchmark::State &state)
+{
+    QImage image = canvas(static_cast<double>(state.range(0)));
+    QPainter painter(&image);
+    const QColor color = Theme::withOpacity(Theme::gpu(), 0.55);
+    for (auto _ : state)
+        painter.fillRect(QRectF({}, powerChart), color);
+}
+
+/// New data and a repaint: range 0 is the scale, range 1 the number of samples, range 2 whether the
+/// pointer rests on the chart.
+void ticks(benchmark::State &state)
+{
+    QImage image = canvas(static_cast<double>(state.range(0)));
+    const auto samples = static_cast<std::size_t>(state.range(1));
+    Sparkline chart;
+    chart.resize(powerChart);
+    chart.setHoverPill([](std::size_t index) {
+        return PillContent{
+            HoverTime::string(static_cast<double>(index)),
+            {totalRow(QStringLiteral("39.60 W"), Theme::power()),
+             componentRow(QStringLiteral("CPU"), QStringLiteral("9.30"), Theme::cpu())}};
+    });
+    if (state.range(2))
+        hover(chart);
+    const SparklineData data[] = {powerData(samples, 0), powerData(samples, 1)};
+    std::size_t tick = 0;
+    for (auto _ : state) {
+        chart.show(data[++tick % 2]);
+        chart.render(&image, {}, {}, QWidget::DrawChildren);
+    }
+}
+
+} // namespace
+
+BENCHMARK(fillsItsArea)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ticks)
+    ->ArgNames({"scale", "samples", "hovered"})
+    ->Args({1, 60, 0})
+    ->Args({1, 60, 1})
+    ->Args({1, 180, 0})
+    ->Args({2, 60, 0})
+    ->Unit(benchmark::kMicrosecond);
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,0 +1,176 @@
+#include "cards/Card.h"
+
+#include "cards/CardStyle.h"
+#include "cards/Icon.h"
+#include "cards/InfoButton.h"
+#include "cards/Theme.h"
+#include "cards/WindowBackground.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int iconSide = 16;
+constexpr int iconGap = 6;
+constexpr double titleBaseline = 29;
+constexpr double statBaseline = 28.55;
+constexpr int statGap = 8; ///< Between a text of the header line and the info glyph.
+
+} // namespace
+
+Card::Card(const Heading &heading, const InfoText &info, QWidget *parent)
+    : SpokenWidget(parent),
+      m_heading(heading),
+      m_infoButton(new InfoButton(info, this))
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(heading.title);
+    addText({.text = heading.title,
+             .font = Theme::systemFont(13, QFont::DemiBold),
+             .color = heading.color,
+             .digits = Digits::proportional,
+             .baseline = {CardStyle::padding + iconSide + iconGap, titleBaseline}});
+}
+
+std::vector<SpokenText> Card::spokenTexts() const
+{
+    std::vector<SpokenText> texts;
+    for (const CardText &text : m_texts) {
+        if (text.isSpoken())
+            texts.push_back(text.spoken());
+    }
+    return texts;
+}
+
+QString Card::spokenText(const QString &name) const
+{
+    const auto found = std::ranges::find(m_texts, name, &CardText::name);
+    return found == m_texts.end() ? QString() : found->text;
+}
+
+CardText &Card::addText(const CardText &text)
+{
+    return m_texts.emplace_back(text);
+}
+
+void Card::say(CardText &text, const QString &words)
+{
+    say(text, words, text.color);
+}
+
+void Card::say(CardText &text, const QString &words, const QColor &color)
+{
+    if (text.text == words && text.color == color)
+        return;
+    update(text.bounds().toAlignedRect());
+    text.text = words;
+    text.color = color;
+    update(text.bounds().toAlignedRect());
+
+    int index = 0;
+    for (const CardText &other : m_texts) {
+        if (&other == &text && other.isSpoken())
+            announceText(index);
+        index += other.isSpoken() ? 1 : 0;
+    }
+}
+
+void Card::moveText(CardText &text, const QPointF &baseline)
+{
+    if (text.baseline == baseline)
+        return;
+    update(text.bounds().toAlignedRect());
+    text.baseline = baseline;
+    update(text.bounds().toAlignedRect());
+}
+
+QPointF Card::headerStatEnd() const
+{
+    return {m_infoButton->x() + InfoButton::glyph().left() - statGap, statBaseline};
+}
+
+double Card::headerStatWidth() const
+{
+    return headerStatEnd().x() - titleText().bounds().right() - statGap;
+}
+
+CardText Card::headerStat(const QString &name)
+{
+    return {.name = name,
+            .font = Theme::systemFont(11),
+            .color = Theme::textSecondary(),
+            .side = Qt::AlignRight};
+}
+
+double Card::contentLeft() const
+{
+    return CardStyle::padding;
+}
+
+double Card::contentRight() const
+{
+    return width() - CardStyle::padding;
+}
+
+void Card::paintShapes(QPainter &, const QRect &) { }
+
+void Card::paintBackdrop(QPainter &painter)
+{
+    const double scale = painter.deviceTransform().m11(); // Of the device that is painted on.
+    const QSize windowSize = window()->size();
+    if (m_backdrop.isNull() || m_backdropWindow != windowSize
+        || m_backdrop.devicePixelRatio() != scale) {
+        m_backdrop = QPixmap(size() * scale);
+        m_backdrop.setDevicePixelRatio(scale);
+        m_backdropWindow = windowSize;
+        QPainter backdrop(&m_backdrop);
+        paintWindowBackground(backdrop, *this, rect());
+        CardStyle::paint(backdrop, rect());
+    }
+    painter.drawPixmap(0, 0, m_backdrop); // What is painted anew is clipped to already.
+}
+
+void Card::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRect dirty = event->rect();
+    paintBackdrop(painter);
+
+    const QRectF icon(CardStyle::padding, CardStyle::padding + (headerHeight - iconSide) / 2.0,
+                      iconSide, iconSide);
+    if (icon.intersects(dirty))
+        paintIcon(painter, m_heading.symbol, icon, m_heading.color);
+    paintShapes(painter, dirty);
+    for (const CardText &text : m_texts) {
+        if (!text.text.isEmpty() && text.bounds().intersects(dirty))
+            text.paint(painter);
+    }
+}
+
+void Card::resizeEvent(QResizeEvent *)
+{
+    m_backdrop = {};
+    placeHeader();
+    layOut();
+    update();
+}
+
+void Card::moveEvent(QMoveEvent *)
+{
+    m_backdrop = {};
+}
+
+void Card::placeHeader()
+{
+    constexpr double middle = CardStyle::padding + headerHeight / 2.0;
+    const QRectF glyph = InfoButton::glyph();
+    m_infoButton->move(qRound(contentRight() - glyph.right()), qRound(middle - glyph.center().y()));
+}
+
+} // namespace corvane

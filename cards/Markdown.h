@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QFont>
+#include <QList>
+#include <QString>
+
+namespace corvane {
+
+/// How a piece of an explanatory text is emphasised.
+enum class Emphasis { none, bold, italic, code };
+
+/// A piece of text of one emphasis, its marks taken off.
+struct MarkdownRun {
+    QString text = {};
+    Emphasis emphasis = Emphasis::none;
+
+    friend bool operator==(const MarkdownRun &, const MarkdownRun &) = default;
+};
+
+/// The inline marks `**bold**`, `*italic*` and `` `code` ``; blanks and line breaks are kept as
+/// they are. A mark without its closing partner is plain text, and nothing inside code is a mark.
+/// For the program's own texts only.
+QList<MarkdownRun> markdownRuns(const QString &text);
+
+/// The text without its marks, as a screen reader says it.
+QString plainText(const QString &markdown);
+
+/// A piece that lies on one line. `x` is from the left edge of the text.
+struct MarkdownPiece {
+    MarkdownRun run = {};
+    int line = 0;
+    double x = 0;
+    double width = 0;
+};
+
+/// A text broken into lines.
+struct MarkdownLayout {
+    QList<MarkdownPiece> pieces = {};
+    int lineCount = 0;
+};
+
+/// Fonts and measures of an explanatory text.
+struct MarkdownStyle {
+    QFont plain = {};
+    QFont bold = {};
+    QFont italic = {};
+    QFont code = {};
+    double codePadding = 0; ///< Left and right of a piece of code.
+
+    const QFont &font(Emphasis emphasis) const;
+};
+
+/// Breaks at blanks and at line breaks so that lines are at most `width` wide. A piece of code is
+/// never broken at its blanks; what is wider than a whole line is broken anywhere. Pure.
+MarkdownLayout layOut(const QList<MarkdownRun> &runs, const MarkdownStyle &style, double width);
+
+} // namespace corvane

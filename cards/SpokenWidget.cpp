@@ -1,0 +1,153 @@
+#include "cards/SpokenWidget.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// One text. Lives as long as its widget does; without a text of its place it is not valid.
+class SpokenTextInterface : public QAccessibleInterface {
+public:
+    SpokenTextInterface(SpokenWidget *widget, int index) : m_widget(widget), m_index(index) { }
+
+    bool isValid() const override
+    {
+        return m_widget && static_cast<std::size_t>(m_index) < m_widget->spokenTexts().size();
+    }
+    QObject *object() const override { return nullptr; }
+    QAccessibleInterface *parent() const override
+    {
+        return QAccessible::queryAccessibleInterface(m_widget);
+    }
+    QAccessibleInterface *child(int) const override { return nullptr; }
+    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    void setText(QAccessible::Text, const QString &) override { }
+    QAccessible::Role role() const override { return QAccessible::StaticText; }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state;
+        state.readOnly = true;
+        state.invisible = !isValid() || !m_widget->isVisible();
+        return state;
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        if (!isValid())
+            return {};
+        const SpokenText text = spoken();
+        if (kind == QAccessible::Value)
+            return text.value;
+        if (kind != QAccessible::Name)
+            return {};
+        // Readers say a static text's name alone, so it carries the value too.
+        return text.name.isEmpty() ? text.value : text.name + u": "_s + text.value;
+    }
+
+    QRect rect() const override
+    {
+        if (!isValid())
+            return {};
+        const QRect place = spoken().place.toAlignedRect();
+        return {m_widget->mapToGlobal(place.topLeft()), place.size()};
+    }
+
+private:
+    SpokenText spoken() const { return m_widget->spokenTexts()[static_cast<std::size_t>(m_index)]; }
+
+    QPointer<SpokenWidget> m_widget;
+    int m_index;
+};
+
+/// The widget: its texts come first, then its child widgets.
+class SpokenWidgetInterface : public QAccessibleWidget {
+public:
+    explicit SpokenWidgetInterface(SpokenWidget *widget)
+        : QAccessibleWidget(widget, QAccessible::Grouping),
+          m_widget(widget)
+    {
+    }
+
+    ~SpokenWidgetInterface() override
+    {
+        for (const QAccessible::Id id : m_texts)
+            QAccessible::deleteAccessibleInterface(id);
+    }
+
+    int childCount() const override { return textCount() + QAccessibleWidget::childCount(); }
+
+    QAccessibleInterface *child(int index) const override
+    {
+        if (index < 0)
+            return nullptr;
+        if (index >= textCount())
+            return QAccessibleWidget::child(index - textCount());
+        while (static_cast<int>(m_texts.size()) <= index) {
+            const int next = static_cast<int>(m_texts.size());
+            m_texts.push_back(
+                QAccessible::registerAccessibleInterface(new SpokenTextInterface(m_widget, next)));
+        }
+        return QAccessible::accessibleInterface(m_texts[static_cast<std::size_t>(index)]);
+    }
+
+    int indexOfChild(const QAccessibleInterface *wanted) const override
+    {
+        for (std::size_t i = 0; i < m_texts.size(); ++i) {
+            if (QAccessible::accessibleInterface(m_texts[i]) == wanted)
+                return static_cast<int>(i);
+        }
+        const int index = QAccessibleWidget::indexOfChild(wanted);
+        return index < 0 ? index : index + textCount();
+    }
+
+    QAccessibleInterface *childAt(int x, int y) const override
+    {
+        if (QAccessibleInterface *widget = QAccessibleWidget::childAt(x, y))
+            return widget;
+        for (int i = 0; i < textCount(); ++i) {
+            if (child(i)->rect().contains(x, y))
+                return child(i);
+        }
+        return nullptr;
+    }
+
+private:
+    int textCount() const { return static_cast<int>(m_widget->spokenTexts().size()); }
+
+    SpokenWidget *m_widget;
+    mutable std::vector<QAccessible::Id> m_texts = {}; ///< Made when first asked for.
+};
+
+QAccessibleInterface *spokenWidgetInterface(const QString &className, QObject *object)
+{
+    if (className != QLatin1StringView(SpokenWidget::staticMetaObject.className()))
+        return nullptr;
+    return new SpokenWidgetInterface(static_cast<SpokenWidget *>(object));
+}
+
+} // namespace
+
+SpokenWidget::SpokenWidget(QWidget *parent) : QWidget(parent)
+{
+    // Qt keeps a list of factories and takes the same one once.
+    QAccessible::installFactory(spokenWidgetInterface);
+}
+
+void SpokenWidget::announceText(int index)
+{
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleEvent event(this, QAccessible::NameChanged);
+    event.setChild(index);
+    QAccessible::updateAccessibility(&event);
+}
+
+} // namespace corvane

@@ -1,0 +1,33 @@
+#include "telemetry/CPUClusters.h"
+
+#include "platform/KernelText.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+
+using namespace corvane;
+
+/// Three lines: the CPUs that are present, those of the one kind and those of the other.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    constexpr std::size_t longest = 100; // Each part of a list may stand for 65,536 CPUs.
+    std::string_view text(reinterpret_cast<const char *>(data), std::min(size, longest));
+    const auto list = [&text] { return std::string(takeLine(text).value_or(std::string_view())); };
+    CPUTopology topology;
+    topology.present = list();
+    topology.performanceList = list();
+    topology.efficiencyList = list();
+
+    std::set<int> present;
+    forEachCPU(topology.present, [&present](int cpu) { present.insert(cpu); });
+    std::size_t sorted = 0;
+    for (const CPUCluster &cluster : cpuClusters(topology)) {
+        if (cluster.cpus.empty() || !std::ranges::is_sorted(cluster.cpus))
+            std::abort();
+        sorted += cluster.cpus.size();
+    }
+    if (sorted != present.size())
+        std::abort();
+    return 0;
+}

@@ -1,0 +1,40 @@
+#include "telemetry/GPUSleepGate.h"
+#include "telemetry/GPUText.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using namespace corvane;
+
+namespace {
+
+void expect(bool isSound)
+{
+    if (!isSound)
+        std::abort();
+}
+
+void expectWithin(std::optional<double> value, double least, double greatest)
+{
+    expect(!value || (*value >= least && *value <= greatest));
+}
+
+} // namespace
+
+/// Any bytes as the contents of each file of a GPU or a sensor.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char *>(data), size);
+    expectWithin(parseBusyPercent(text), 0, 1);
+    expectWithin(presentLevelMHz(text), 1, 100'000);
+    expectWithin(parseClockMHz(text), 1, 100'000);
+    expectWithin(parseMillidegrees(text), 0.001, 149.999);
+    expectWithin(parseMicrowatts(text), 0, 100'000);
+    expect(clockStateName(presentLevelMHz(text)).ends_with(" MHz")
+           == presentLevelMHz(text).has_value());
+    expectWithin(gpuQuietSeconds("active\n", "auto\n", text), 3, 1e17);
+    GPUSleepGate gate;
+    const bool admitted = gate.admits(text);
+    expect(!admitted || text.find("suspend") == std::string_view::npos);
+    return 0;
+}

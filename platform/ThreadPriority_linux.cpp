@@ -1,0 +1,17 @@
+#include "platform/ThreadPriority.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace corvane {
+
+void lowerThreadPriority()
+{
+    // To Linux a thread is a process of its own here: the others keep their priority.
+    constexpr int niceness = 10;
+    const auto thread = static_cast<id_t>(gettid());
+    if (getpriority(PRIO_PROCESS, thread) < niceness)
+        setpriority(PRIO_PROCESS, thread, niceness);
+}
+
+} // namespace corvane

@@ -1,0 +1,249 @@
+#include "processes/AIProcessDetector.h"
+
+#include "processes/ArgumentCache.h"
+
+#include <algorithm>
+#include <array>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr std::array relevantNameFragments{
+    "ollama"_L1,           "llama"_L1, "kobold"_L1,        "whisper"_L1, "mlx"_L1,
+    "lm studio"_L1,        "lms"_L1,   "python"_L1,        "comfy"_L1,   "sd-webui"_L1,
+    "stable-diffusion"_L1, "forge"_L1, "automatic1111"_L1, "vllm"_L1,    "torch"_L1,
+    "huggingface"_L1};
+
+constexpr std::array strictModelFlags{"--model"_L1,      "--model-path"_L1, "--model_path"_L1,
+                                      "--model-id"_L1,   "--model_id"_L1,   "--ckpt"_L1,
+                                      "--checkpoint"_L1, "--ckpt-path"_L1,  "--ckpt_path"_L1,
+                                      "--weights"_L1,    "--lora"_L1,       "--base-model"_L1};
+
+/// May stand for a module as well as for a model.
+constexpr QLatin1StringView ambiguousModelFlag = "-m"_L1;
+
+/// Deliberately without ".pt".
+constexpr std::array modelFileSuffixes{".gguf"_L1, ".safetensors"_L1, ".bin"_L1, ".ckpt"_L1,
+                                       ".pth"_L1};
+
+template <typename Fragments>
+bool containsAny(const QString &text, const Fragments &fragments)
+{
+    return std::ranges::any_of(fragments, [&text](auto part) { return text.contains(part); });
+}
+
+bool isStrictModelFlag(const QString &argument)
+{
+    const QString lower = argument.toLower();
+    return std::ranges::find(strictModelFlags, lower) != strictModelFlags.end();
+}
+
+bool isModelFile(const QString &name)
+{
+    const QString lower = name.toLower();
+    return std::ranges::any_of(modelFileSuffixes,
+                               [&lower](auto suffix) { return lower.endsWith(suffix); });
+}
+
+std::optional<QString> modelFromStrictFlags(const QStringList &argv)
+{
+    for (qsizetype i = 0; i < argv.size(); ++i) {
+        if (i + 1 < argv.size() && isStrictModelFlag(argv[i]))
+            return AIProcessDetector::basename(argv[i + 1]);
+        const qsizetype equals = argv[i].indexOf(u'=');
+        if (equals >= 0 && isStrictModelFlag(argv[i].first(equals)))
+            return AIProcessDetector::basename(argv[i].sliced(equals + 1));
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> modelFromAmbiguousFlag(const QStringList &argv)
+{
+    for (qsizetype i = 0; i + 1 < argv.size(); ++i) {
+        const QString &next = argv[i + 1];
+        if (argv[i] == ambiguousModelFlag && (isModelFile(next) || next.contains(u'/')))
+            return AIProcessDetector::basename(next);
+    }
+    return std::nullopt;
+}
+
+using Match = AIProcessDetector::Match;
+
+/// What an interpreter runs. Several rules name a fragment that a shorter one covers in the end
+/// ("/comfyui/" in "comfyui"); the shorter one stands here.
+std::optional<Match> classifyInterpreter(const QStringList &argv)
+{
+    const auto flagsModel = [&argv] { return AIProcessDetector::modelFromFlags(argv); };
+    const auto checkpointModel = [&argv] { return AIProcessDetector::modelFromCheckpoint(argv); };
+    const QString all = argv.join(u' ').toLower();
+
+    constexpr std::array mlxMarks{"mlx_lm"_L1, "mlx_vlm"_L1, "mlx-examples"_L1, "/mlx/"_L1};
+    if (containsAny(all, mlxMarks) || AIProcessDetector::hasModule(argv, u"mlx"_s))
+        return Match{AIFramework::mlx, flagsModel()};
+    if (all.contains("vllm"_L1))
+        return Match{AIFramework::vllm, flagsModel()};
+    if (all.contains("comfyui"_L1))
+        return Match{AIFramework::comfyUI, checkpointModel()};
+    constexpr std::array webUIMarks{"webui.py"_L1, "automatic1111"_L1, "forge"_L1, "sd-webui"_L1,
+                                    "stable-diffusion"_L1};
+    if (containsAny(all, webUIMarks))
+        return Match{AIFramework::sdWebUI, checkpointModel()};
+    if (containsAny(all, std::array{"transformers"_L1, "huggingface"_L1}))
+        return Match{AIFramework::transformers, flagsModel()};
+    // The blank behind ".pt" keeps other words that begin so out; a last argument is the price.
+    constexpr std::array modelFileMarks{".gguf"_L1, ".safetensors"_L1, ".ckpt"_L1, ".pt "_L1,
+                                        ".pth"_L1};
+    if (containsAny(all, modelFileMarks))
+        return Match{AIFramework::generic, flagsModel()};
+    return std::nullopt;
+}
+
+QStringList decoded(const std::vector<std::string> &arguments)
+{
+    QStringList list;
+    list.reserve(static_cast<qsizetype>(arguments.size()));
+    for (const std::string &argument : arguments)
+        list.append(QString::fromStdString(argument));
+    return list;
+}
+
+/// Read without holding the cache's lock: two callers may both read, and the later one wins.
+QStringList argumentsOf(std::int32_t pid, const AIProcessDetector::ArgumentReader &read,
+                        ArgumentCache &cache)
+{
+    if (auto cached = cache.find(pid))
+        return *std::move(cached);
+    const auto record = read(pid);
+    const QStringList arguments = record ? decoded(record->argv) : QStringList();
+    cache.remember(pid, arguments);
+    return arguments;
+}
+
+} // namespace
+
+ArgumentCache &AIProcessDetector::processWideCache()
+{
+    // Never destroyed: a job may still use it while the program ends.
+    static auto *const cache = new ArgumentCache;
+    return *cache;
+}
+
+std::vector<AIWorkload> AIProcessDetector::detectAll(const std::string &root)
+{
+    const auto heaviest = ProcessBridge::topProcessesByMemory(
+        processesLooked, root, {.first = 0, .fromMemory = leastMemory});
+    return detect(heaviest, [&root](std::int32_t pid) {
+        return ProcessBridge::processArgsForPID(pid, root);
+    });
+}
+
+std::vector<AIWorkload> AIProcessDetector::detect(std::span<const ProcessRecord> heaviest,
+                                                  const ArgumentReader &readArguments,
+                                                  ArgumentCache &cache)
+{
+    std::vector<AIWorkload> workloads;
+    std::unordered_set<std::int64_t> seen;
+    for (const auto &[pid, name, memory] : heaviest) {
+        if (!pid || !memory || (!name && *memory >= leastMemory))
+            continue;
+        seen.insert(*pid);
+        if (*memory < leastMemory)
+            continue;
+        const QString processName = QString::fromStdString(*name);
+        if (!nameLooksRelevant(processName))
+            continue;
+        auto match = classify(processName, argumentsOf(*pid, readArguments, cache));
+        if (match)
+            workloads.push_back({.id = *pid,
+                                 .pid = *pid,
+                                 .processName = processName,
+                                 .framework = match->framework,
+                                 .model = std::move(match->model),
+                                 .memory = *memory});
+    }
+    cache.keepOnly(seen);
+    std::ranges::stable_sort(workloads, std::greater(), &AIWorkload::memory);
+    return workloads;
+}
+
+bool AIProcessDetector::nameLooksRelevant(const QString &name)
+{
+    return containsAny(name.toLower(), relevantNameFragments);
+}
+
+std::optional<AIProcessDetector::Match> AIProcessDetector::classify(const QString &name,
+                                                                    const QStringList &argv)
+{
+    const QString lower = name.toLower();
+    if (lower.contains("ollama"_L1))
+        return Match{AIFramework::ollama, ollamaModel(argv)};
+    if (lower.contains("kobold"_L1))
+        return Match{AIFramework::koboldCpp, modelFromFlags(argv)};
+    if (lower.startsWith("llama-"_L1) || lower == "llama.cpp"_L1)
+        return Match{AIFramework::llamaCpp, modelFromFlags(argv)};
+    if (lower == "main"_L1) {
+        if (argv.join(u' ').toLower().contains(".gguf"_L1))
+            return Match{AIFramework::llamaCpp, modelFromFlags(argv)};
+        return std::nullopt;
+    }
+    if (lower.contains("whisper"_L1))
+        return Match{AIFramework::whisperCpp, modelFromFlags(argv)};
+    // Its command lines do not carry the model.
+    if (lower.contains("lm studio"_L1) || lower.contains("lms-"_L1) || lower == "lms"_L1)
+        return Match{AIFramework::lmStudio, std::nullopt};
+    if (lower.startsWith("python"_L1) || lower == "torch"_L1 || lower.contains("huggingface"_L1))
+        return classifyInterpreter(argv);
+    return std::nullopt;
+}
+
+std::optional<QString> AIProcessDetector::ollamaModel(const QStringList &argv)
+{
+    if (auto model = modelFromFlags(argv))
+        return model;
+    const qsizetype run = argv.indexOf("run"_L1);
+    if (run < 0 || run + 1 == argv.size())
+        return std::nullopt;
+    return argv[run + 1];
+}
+
+std::optional<QString> AIProcessDetector::modelFromFlags(const QStringList &argv)
+{
+    if (auto model = modelFromStrictFlags(argv))
+        return model;
+    if (auto model = modelFromAmbiguousFlag(argv))
+        return model;
+    return modelFromCheckpoint(argv);
+}
+
+std::optional<QString> AIProcessDetector::modelFromCheckpoint(const QStringList &argv)
+{
+    const auto found = std::ranges::find_if(argv, isModelFile);
+    if (found == argv.end())
+        return std::nullopt;
+    return basename(*found);
+}
+
+bool AIProcessDetector::hasModule(const QStringList &argv, const QString &module)
+{
+    for (qsizetype i = 0; i + 1 < argv.size(); ++i) {
+        if ((argv[i] == "-m"_L1 || argv[i] == "--module"_L1) && argv[i + 1] == module)
+            return true;
+    }
+    return false;
+}
+
+QString AIProcessDetector::basename(const QString &path)
+{
+    const QString whole = path.trimmed();
+    const QStringList pieces = whole.split(u'/', Qt::SkipEmptyParts);
+    if (!whole.contains(u'/') || pieces.isEmpty())
+        return whole;
+    // A relative owner/name pair is a model's identifier and stays whole.
+    const bool identifier = pieces.size() == 2 && !whole.startsWith(u'/');
+    return identifier && !isModelFile(pieces.last()) ? whole : pieces.last();
+}
+
+} // namespace corvane

@@ -1,0 +1,154 @@
+#include "processes/ProcessBridge.h"
+
+#include "platform/KernelFile.h"
+#include "platform/KernelText.h"
+#include "processes/ProcessFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+struct DirectoryCloser {
+    void operator()(DIR *directory) const { closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, DirectoryCloser>;
+
+std::string processFile(std::int32_t pid, const char *name, const std::string &root)
+{
+    return root + "/proc/" + std::to_string(pid) + '/' + name;
+}
+
+/// The processes in the order of their numbers, which is the kernel's. A walk that meets one twice
+/// (processes come and go under it) counts it once.
+std::vector<std::int32_t> listProcesses(DIR *proc)
+{
+    std::vector<std::int32_t> pids;
+    while (const dirent *entry = readdir(proc)) {
+        const auto pid = parseUnsigned(entry->d_name);
+        if (pid && *pid > 0 && *pid <= INT_MAX)
+            pids.push_back(static_cast<std::int32_t>(*pid));
+    }
+    std::ranges::sort(pids);
+    pids.erase(std::unique(pids.begin(), pids.end()), pids.end());
+    return pids;
+}
+
+/// Reads one small file of process after process. This is nearly all that a pass costs, so it is
+/// done with three bare system calls and no allocation.
+class StatmReader {
+public:
+    explicit StatmReader(DIR *proc) : m_proc(dirfd(proc)) { }
+
+    /// Valid until the next read; empty when the process has ended or may not be inspected.
+    std::string_view read(std::int32_t pid)
+    {
+        constexpr std::string_view name = "/statm";
+        char *end = std::to_chars(m_path.data(), m_path.data() + 12, pid).ptr;
+        *std::ranges::copy(name, end).out = '\0';
+        // Never waiting, so that no other kind of file in its place can hold the pass up.
+        const int file =
+            openat(m_proc, m_path.data(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+        if (file < 0)
+            return {};
+        const ssize_t length = ::read(file, m_text.data(), m_text.size());
+        close(file);
+        return {m_text.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
+    }
+
+private:
+    int m_proc;
+    std::array<char, 32> m_path = {};
+    std::array<char, 256> m_text = {}; ///< Seven counts fit in.
+};
+
+SwapLimits swapLimits(const std::string &root)
+{
+    SwapLimits swap;
+    if (const auto memInfo = readKernelFile(root + "/proc/meminfo"))
+        swap.inUse = parseSwapInUse(*memInfo);
+    if (swap.inUse > 0) {
+        // Pages are merged from the second scan on (the kernel's document "ksm").
+        const auto scans = readKernelFile(root + "/sys/kernel/mm/ksm/full_scans");
+        swap.pagesMerged = scans && trimmed(*scans) != "0";
+    }
+    return swap;
+}
+
+/// Where the link leads; empty when it may not be read.
+std::string linkTarget(const std::string &path)
+{
+    std::array<char, PATH_MAX> target = {};
+    const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+    return {target.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
+}
+
+} // namespace
+
+std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &root)
+{
+    const Directory proc(opendir((root + "/proc").c_str()));
+    if (!proc)
+        return {};
+    const auto pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+    const SwapLimits swap = swapLimits(root);
+    const auto pids = listProcesses(proc.get());
+    StatmReader statm(proc.get());
+    std::vector<FootprintBounds> processes;
+    processes.reserve(pids.size());
+    for (const std::int32_t pid : pids) {
+        if (const auto bounds = parseStatm(pid, statm.read(pid), pageSize, swap))
+            processes.push_back(*bounds);
+    }
+    return processes;
+}
+
+std::optional<std::uint64_t> ProcessBridge::readFootprint(const FootprintBounds &bounds,
+                                                          const std::string &root)
+{
+    const auto status = readKernelFile(processFile(bounds.pid, "status", root));
+    const auto swapped = status ? parseSwapped(*status) : std::nullopt;
+    if (!swapped)
+        return std::nullopt;
+    return bounds.least + *swapped;
+}
+
+std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::string &root)
+{
+    const auto comm = readKernelFile(processFile(pid, "comm", root));
+    if (!comm)
+        return std::nullopt;
+    const std::string_view name = parseProcessName(*comm);
+    if (!mayBeCut(name))
+        return std::string(name);
+    return std::string(completedName(name, linkTarget(processFile(pid, "exe", root))));
+}
+
+std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
+                                                               const std::string &root)
+{
+    constexpr std::size_t longest = 8 << 20; // The kernel starts nothing with more than 6 MiB.
+    if (pid <= 0)
+        return std::nullopt;
+    const std::string link = linkTarget(processFile(pid, "exe", root));
+    const auto commandLine = readKernelFile(processFile(pid, "cmdline", root), longest);
+    if (link.empty() && !commandLine)
+        return std::nullopt;
+    auto argv = parseCommandLine(commandLine.value_or(std::string()));
+    if (!argv)
+        return std::nullopt;
+    const std::string_view path = executablePath(link);
+    return ArgumentRecord{.path = std::string(isUtf8(path) ? path : std::string_view()),
+                          .argv = std::move(*argv)};
+}
+
+} // namespace corvane

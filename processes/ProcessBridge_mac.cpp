@@ -1,0 +1,91 @@
+#include "processes/ProcessBridge.h"
+
+#include <libproc.h>
+#include <sys/resource.h>
+#include <sys/sysctl.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <new>
+
+#include <string.h>
+
+namespace corvane {
+
+namespace {
+
+/// Memory that the kernel fills; null when there is none to be had.
+template <typename Item>
+std::unique_ptr<Item[]> zeroedBuffer(std::size_t count)
+{
+    return std::unique_ptr<Item[]>(new (std::nothrow) Item[count]());
+}
+
+/// Physical footprint in bytes; 0 when the process may not be inspected.
+std::uint64_t footprint(pid_t pid)
+{
+    rusage_info_v4 usage = {};
+    if (proc_pid_rusage(pid, RUSAGE_INFO_V4, reinterpret_cast<rusage_info_t *>(&usage)) != 0)
+        return 0;
+    return usage.ri_phys_footprint;
+}
+
+} // namespace
+
+std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &)
+{
+    const int size = proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
+    const std::size_t slots = size > 0 ? static_cast<std::size_t>(size) / sizeof(pid_t) : 0;
+    if (slots == 0)
+        return {};
+    const auto pids = zeroedBuffer<pid_t>(slots);
+    if (!pids)
+        return {};
+    const int filled =
+        proc_listpids(PROC_ALL_PIDS, 0, pids.get(), static_cast<int>(slots * sizeof(pid_t)));
+    const std::size_t count = filled > 0 ? static_cast<std::size_t>(filled) / sizeof(pid_t) : 0;
+
+    std::vector<FootprintBounds> processes;
+    processes.reserve(std::min(count, slots));
+    for (std::size_t slot = 0; slot < std::min(count, slots); ++slot) {
+        const pid_t pid = pids[slot];
+        const std::uint64_t memory = pid > 0 ? footprint(pid) : 0;
+        if (memory > 0)
+            processes.push_back({.pid = pid, .least = memory, .most = memory});
+    }
+    return processes;
+}
+
+std::optional<std::uint64_t> ProcessBridge::readFootprint(const FootprintBounds &bounds,
+                                                          const std::string &)
+{
+    return bounds.least; // The kernel counts compressed and swapped memory in already.
+}
+
+std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::string &)
+{
+    std::array<char, 256> name = {};
+    if (proc_name(pid, name.data(), static_cast<std::uint32_t>(name.size())) <= 0)
+        return std::nullopt;
+    return std::string(name.data(), strnlen(name.data(), name.size()));
+}
+
+std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
+                                                               const std::string &)
+{
+    if (pid <= 0)
+        return std::nullopt;
+    std::array<int, 3> query = {CTL_KERN, KERN_PROCARGS2, pid};
+    const auto queryLength = static_cast<unsigned>(query.size());
+    std::size_t room = 0;
+    if (sysctl(query.data(), queryLength, nullptr, &room, nullptr, 0) != 0 || room == 0)
+        return std::nullopt;
+    const auto block = zeroedBuffer<char>(room);
+    std::size_t size = room;
+    if (!block || sysctl(query.data(), queryLength, block.get(), &size, nullptr, 0) != 0)
+        return std::nullopt;
+    return parseArgumentBlock({block.get(), std::min(size, room)});
+}
+
+} // namespace corvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+/// Pure functions over the text of GPU drivers' files.
+
+/// The share that amdgpu's `gpu_busy_percent` tells, 0…1.
+std::optional<double> parseBusyPercent(std::string_view text);
+
+/// The line in use of amdgpu's `pp_dpm_sclk`, in MHz; nothing when no line is marked.
+std::optional<double> presentLevelMHz(std::string_view levels);
+
+/// The clock of a file that holds one number of MHz; nothing for 0, which means that it stands.
+std::optional<double> parseClockMHz(std::string_view text);
+
+/// Names the performance state of a GPU by its clock, rounded to 100 MHz: "1100 MHz". Level numbers
+/// would not do, since the levels of many chips are a least, a present and a greatest clock.
+std::string clockStateName(std::optional<double> megahertz);
+
+/// Names NVIDIA's performance state: "P0" to "P15"; empty for any other number.
+std::string performanceStateName(std::optional<int> state);
+
+/// Degrees Celsius of a sensor's millidegrees; nothing when it is off or out of its mind.
+std::optional<double> parseMillidegrees(std::string_view text);
+
+/// Watts of a sensor's microwatts.
+std::optional<double> parseMicrowatts(std::string_view text);
+
+} // namespace corvane

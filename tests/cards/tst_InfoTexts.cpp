@@ -1,0 +1,159 @@
+#include "cards/InfoTexts.h"
+#include "cards/Markdown.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+class TestInfoTexts : public QObject {
+    Q_OBJECT
+
+private slots:
+    void hasTheSameTitleOnBothSystems_data();
+    void hasTheSameTitleOnBothSystems();
+    void hasItsParagraphs_data();
+    void hasItsParagraphs();
+    void closesEveryMark();
+    void namesTheSourcesOfItsSystem_data();
+    void namesTheSourcesOfItsSystem();
+    void namesNoServiceOfTheOtherSystem();
+    void takesThisSystemByDefault();
+};
+
+namespace {
+
+QStringList paragraphs(InfoTopic topic, HostSystem system)
+{
+    return infoText(topic, system).text.split(u"\n\n"_s);
+}
+
+} // namespace
+
+void TestInfoTexts::hasTheSameTitleOnBothSystems_data()
+{
+    QTest::addColumn<InfoTopic>("topic");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("memory") << InfoTopic::memory << u"Unified Memory"_s;
+    QTest::newRow("power") << InfoTopic::power << u"Package Power"_s;
+    QTest::newRow("CPU") << InfoTopic::cpu << u"CPU — Utilization"_s;
+    QTest::newRow("GPU") << InfoTopic::gpu << u"GPU — Utilization"_s;
+    QTest::newRow("Neural Engine") << InfoTopic::ane << u"Neural Engine — Power-derived load"_s;
+    QTest::newRow("workloads") << InfoTopic::workloads << u"AI Workloads"_s;
+    QTest::newRow("processes") << InfoTopic::processes << u"Top Processes"_s;
+}
+
+void TestInfoTexts::hasTheSameTitleOnBothSystems()
+{
+    QFETCH(InfoTopic, topic);
+    QTEST(infoText(topic, HostSystem::mac).title, "title");
+    QTEST(infoText(topic, HostSystem::linuxDesktop).title, "title");
+}
+
+void TestInfoTexts::hasItsParagraphs_data()
+{
+    QTest::addColumn<InfoTopic>("topic");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("last");
+    QTest::newRow("memory")
+        << InfoTopic::memory << 3
+        << u"Single physical RAM pool shared between CPU and GPU on Apple Silicon — there is no separate VRAM."_s
+        << u"**Swap** memory offloaded to disk — if it grows, you're past the comfortable limit.  **Pressure** Normal / Warning / Critical (read from `kern.memorystatus_vm_pressure_level`)."_s;
+    QTest::newRow("power")
+        << InfoTopic::power << 3
+        << u"Sum of **CPU + GPU + ANE** in watts. Computed as `ΔEnergy / Δtime` from the **IOReport Energy Model** channels (`CPU Energy`, `GPU Energy`, `ANE`)."_s
+        << u"**Excludes** DRAM, memory controller, display backlight and I/O rails — compute only. The `peak` in the header is the maximum within the currently visible window."_s;
+    QTest::newRow("CPU")
+        << InfoTopic::cpu << 3
+        << u"**Active residency %**: fraction of the last second the CPU clusters spent in any non-idle P-state."_s
+        << u"**MHz** is the residency-weighted average active frequency across E-cores and P-cores. The frequency table is read from the IORegistry (`pmgr/voltage-states*-sram`)."_s;
+    QTest::newRow("GPU")
+        << InfoTopic::gpu << 3
+        << u"**Active residency %**: fraction of time the GPU spent in any non-idle P-state. Same caveat as the CPU — the GPU can show 80% while sitting in P1 with very little real load."_s
+        << u"For real load look at the **watts** on the Power card. Idle is typically 0.05–0.5 W; under heavy MLX/Metal it can climb past 30 W on M-Max chips."_s;
+    QTest::newRow("Neural Engine")
+        << InfoTopic::ane << 4
+        << u"The **Apple Neural Engine** runs Core ML models and int8 convolutions with very high efficiency. It powers dictation, Vision, Face ID, and on-device ML in many apps."_s
+        << u"MLX inference typically runs on GPU/Metal, so the ANE will stay idle even under heavy load."_s;
+    QTest::newRow("workloads")
+        << InfoTopic::workloads << 4
+        << u"Processes that look like local AI inference, detected by **process name + argv pattern matching**."_s
+        << u"Only processes the current user can inspect are visible — sampled every 3 s."_s;
+    QTest::newRow("processes")
+        << InfoTopic::processes << 3
+        << u"Processes ranked by **phys_footprint**: the same metric Activity Monitor uses for its \"Memory\" column (sum of resident + compressed physical pages attributable to the process)."_s
+        << u"Processes from **other users or root** may not appear because the app runs without elevated privileges; full visibility would require a privileged helper or debug entitlements."_s;
+}
+
+void TestInfoTexts::hasItsParagraphs()
+{
+    QFETCH(InfoTopic, topic);
+    const QStringList texts = paragraphs(topic, HostSystem::mac);
+    QTEST(static_cast<int>(texts.size()), "count");
+    QTEST(texts.first(), "first");
+    QTEST(texts.last(), "last");
+    QVERIFY(paragraphs(topic, HostSystem::linuxDesktop).size() >= 3);
+}
+
+void TestInfoTexts::closesEveryMark()
+{
+    for (const InfoTopic topic : allInfoTopics) {
+        for (const HostSystem system : {HostSystem::mac, HostSystem::linuxDesktop}) {
+            for (const MarkdownRun &run : markdownRuns(infoText(topic, system).text)) {
+                if (run.emphasis == Emphasis::code)
+                    continue; // A pattern may hold an asterisk.
+                QVERIFY2(!run.text.contains(u'*') && !run.text.contains(u'`'),
+                         qPrintable(run.text));
+            }
+        }
+    }
+}
+
+void TestInfoTexts::namesTheSourcesOfItsSystem_data()
+{
+    QTest::addColumn<InfoTopic>("topic");
+    QTest::addColumn<QString>("source");
+    QTest::newRow("memory") << InfoTopic::memory << u"/proc/meminfo"_s;
+    QTest::newRow("pressure") << InfoTopic::memory << u"/proc/pressure/memory"_s;
+    QTest::newRow("how it relates to free") << InfoTopic::memory << u"`free`"_s;
+    QTest::newRow("energy") << InfoTopic::power << u"/sys/class/powercap"_s;
+    QTest::newRow("what opens the counters") << InfoTopic::power << u"energy_uj"_s;
+    QTest::newRow("ticks") << InfoTopic::cpu << u"/proc/stat"_s;
+    QTest::newRow("how it relates to top") << InfoTopic::cpu << u"`top`"_s;
+    QTest::newRow("frequency") << InfoTopic::cpu << u"scaling_cur_freq"_s;
+    QTest::newRow("GPU load") << InfoTopic::gpu << u"gpu_busy_percent"_s;
+    QTest::newRow("NPU") << InfoTopic::ane << u"npu_busy_time_us"_s;
+    QTest::newRow("arguments") << InfoTopic::workloads << u"cmdline"_s;
+    QTest::newRow("footprint") << InfoTopic::processes << u"RssAnon + VmSwap"_s;
+    QTest::newRow("hidden processes") << InfoTopic::processes << u"hidepid"_s;
+}
+
+void TestInfoTexts::namesTheSourcesOfItsSystem()
+{
+    QFETCH(InfoTopic, topic);
+    QFETCH(QString, source);
+    QVERIFY(infoText(topic, HostSystem::linuxDesktop).text.contains(source));
+}
+
+void TestInfoTexts::namesNoServiceOfTheOtherSystem()
+{
+    for (const InfoTopic topic : allInfoTopics) {
+        const QString linuxText = infoText(topic, HostSystem::linuxDesktop).text;
+        for (const QString &service :
+             {u"Apple"_s, u"macOS"_s, u"IOReport"_s, u"IORegistry"_s, u"Metal"_s, u"kern."_s,
+              u"Activity Monitor"_s, u"proc_"_s, u"Core ML"_s, u"P1"_s})
+            QVERIFY2(!linuxText.contains(service), qPrintable(service));
+        const QString macText = infoText(topic, HostSystem::mac).text;
+        QVERIFY(!macText.contains(u"/proc"_s) && !macText.contains(u"/sys"_s));
+        QVERIFY(macText != linuxText);
+    }
+}
+
+void TestInfoTexts::takesThisSystemByDefault()
+{
+    QCOMPARE(infoText(InfoTopic::gpu).text, infoText(InfoTopic::gpu, hostSystem()).text);
+}
+
+QTEST_APPLESS_MAIN(TestInfoTexts)
+#include "tst_InfoTexts.moc"

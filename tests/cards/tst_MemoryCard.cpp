@@ -1,0 +1,305 @@
+#include "cards/MemoryCard.h"
+#include "cards/Theme.h"
+#include "charts/Sparkline.h"
+#include "gallery/ScriptedSamples.h"
+#include "support/Rendering.h"
+
+#include <QTest>
+
+#include <numeric>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::uint64_t gib = std::uint64_t(1) << 30;
+
+struct Shown {
+    Shown()
+    {
+        card.resize(617, 262);
+        card.QWidget::show();
+    }
+
+    void show(const MemorySnapshot &memory)
+    {
+        const SystemMetrics current{.timestamp = 60, .memory = memory};
+        card.show(current, {{.timestamp = 0, .memory = memory}, current});
+    }
+
+    SpokenText text(const QString &name) const
+    {
+        for (const SpokenText &text : card.spokenTexts()) {
+            if (text.name == name)
+                return text;
+        }
+        return {};
+    }
+
+    MemoryCard card;
+};
+
+double sum(const std::array<MemorySegment, 4> &segments)
+{
+    double total = 0;
+    for (const MemorySegment &segment : segments)
+        total += segment.fraction;
+    return total;
+}
+
+} // namespace
+
+class TestMemoryCard : public QObject {
+    Q_OBJECT
+
+private slots:
+    void dividesTheMemory_data();
+    void dividesTheMemory();
+    void fillsAtMostTheWholeBar();
+    void readsTheSnapshot();
+    void namesThePressure_data();
+    void namesThePressure();
+    void tellsSwap_data();
+    void tellsSwap();
+    void spacesItsChips_data();
+    void spacesItsChips();
+    void keepsItsChipsInside_data();
+    void keepsItsChipsInside();
+    void paintsTheBar_data();
+    void paintsTheBar();
+    void chartsTheUsedShare();
+    void repaintsOnlyWhatChanged();
+};
+
+void TestMemoryCard::dividesTheMemory_data()
+{
+    using Fractions = QList<double>;
+    QTest::addColumn<MemorySnapshot>("memory");
+    QTest::addColumn<Fractions>("expected");
+    QTest::newRow("app memory loses what is wired and compressed")
+        << MemorySnapshot{.total = 100, .wired = 10, .compressed = 5, .cached = 20, .appMemory = 60}
+        << Fractions{0.10, 0.45, 0.05, 0.20};
+    QTest::newRow("no app piece when these are more")
+        << MemorySnapshot{.total = 100, .wired = 30, .compressed = 40, .cached = 5, .appMemory = 60}
+        << Fractions{0.30, 0, 0.40, 0.05};
+    QTest::newRow("what is too much is cut from the right") << MemorySnapshot{.total = 100,
+                                                                              .wired = 30,
+                                                                              .compressed = 20,
+                                                                              .cached = 40,
+                                                                              .appMemory = 80}
+                                                            << Fractions{0.30, 0.30, 0.20, 0.20};
+    QTest::newRow("compressed is cut next") << MemorySnapshot{.total = 100,
+                                                              .wired = 60,
+                                                              .compressed = 70,
+                                                              .cached = 40,
+                                                              .appMemory = 150}
+                                            << Fractions{0.60, 0.20, 0.20, 0};
+    QTest::newRow("a total of 0 counts as 1")
+        << MemorySnapshot{.wired = 4096, .cached = 4096, .appMemory = 8192}
+        << Fractions{1, 0, 0, 0};
+    QTest::newRow("nothing known") << MemorySnapshot{} << Fractions{0, 0, 0, 0};
+}
+
+void TestMemoryCard::dividesTheMemory()
+{
+    QFETCH(MemorySnapshot, memory);
+    QFETCH(QList<double>, expected);
+    const std::array<MemorySegment, 4> segments = breakdownSegments(memory);
+    for (std::size_t i = 0; i < segments.size(); ++i)
+        QVERIFY(qAbs(segments[i].fraction - expected[static_cast<qsizetype>(i)]) < 1e-12);
+    QCOMPARE(segments[0].color, Theme::withOpacity(Theme::memory(), 0.95));
+    QCOMPARE(segments[1].color, Theme::withOpacity(Qt::white, 0.85));
+    QCOMPARE(segments[2].color, Theme::withOpacity(Theme::cpu(), 0.85));
+    QCOMPARE(segments[3].color, Theme::withOpacity(Qt::white, 0.18));
+}
+
+void TestMemoryCard::fillsAtMostTheWholeBar()
+{
+    constexpr std::uint64_t most = ~std::uint64_t(0);
+    QVERIFY(sum(breakdownSegments({.total = 1, .wired = most, .compressed = most})) <= 1);
+    QVERIFY(sum(breakdownSegments({.total = most, .cached = most, .appMemory = most})) <= 1);
+}
+
+void TestMemoryCard::readsTheSnapshot()
+{
+    Shown shown;
+    shown.card.show(scriptedCurrent(), scriptedHistory());
+    QCOMPARE(shown.card.spokenTexts().front().value, u"Unified Memory"_s);
+    QCOMPARE(shown.text(u"Memory used in percent"_s).value, u"71"_s);
+    QCOMPARE(shown.text(u"App"_s).value, u"38.94 GB"_s); // Not reduced.
+    QCOMPARE(shown.text(u"Wired"_s).value, u"6.41 GB"_s);
+    QCOMPARE(shown.text(u"Compressed"_s).value, u"3.12 GB"_s);
+    QCOMPARE(shown.text(u"Cached"_s).value, u"9.85 GB"_s);
+    QCOMPARE(shown.text(u"Swap"_s).value, u"1.37 GB / 3 GB"_s);
+
+    shown.show({.wired = 5 * gib, .compressed = 5 * gib, .appMemory = 2 * gib});
+    QCOMPARE(shown.text(u"Memory used in percent"_s).value, u"0"_s);
+    QCOMPARE(shown.text(u"App"_s).value, u"2 GB"_s);
+}
+
+void TestMemoryCard::namesThePressure_data()
+{
+    QTest::addColumn<MemoryPressure>("pressure");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QColor>("color");
+    QTest::newRow("normal") << MemoryPressure::normal << u"NORMAL"_s << Theme::memory();
+    QTest::newRow("warning") << MemoryPressure::warning << u"WARNING"_s << Theme::gpu();
+    QTest::newRow("critical") << MemoryPressure::critical << u"CRITICAL"_s << QColor(255, 69, 58);
+}
+
+void TestMemoryCard::namesThePressure()
+{
+    QFETCH(MemoryPressure, pressure);
+    QFETCH(QColor, color);
+    Shown shown;
+    shown.show({.total = gib, .pressure = MemoryPressure::warning});
+    shown.show({.total = gib, .pressure = pressure});
+    const SpokenText badge = shown.text(u"Memory pressure"_s);
+    QTEST(badge.value, "name");
+    for (const double scale : {1.0, 2.0}) {
+        // The dot lies 5 before the text; bounds are 2 wider than the text.
+        const QImage image = rendered(shown.card, scale);
+        QVERIFY(isClose(pixelAt(image, badge.place.left() + 2 - 5 - 3, 25), color, 4));
+    }
+}
+
+void TestMemoryCard::tellsSwap_data()
+{
+    QTest::addColumn<quint64>("total");
+    QTest::addColumn<quint64>("used");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("in use") << quint64(3 * gib) << quint64(gib / 2) << u"512 MB / 3 GB"_s;
+    QTest::newRow("unused") << quint64(3 * gib) << quint64(0) << u"0 MB / 3 GB"_s;
+    QTest::newRow("none") << quint64(0) << quint64(0) << u"off"_s;
+    QTest::newRow("none, whatever is said to be used") << quint64(0) << quint64(gib) << u"off"_s;
+}
+
+void TestMemoryCard::tellsSwap()
+{
+    QFETCH(quint64, total);
+    QFETCH(quint64, used);
+    Shown shown;
+    shown.show({.swapTotal = total, .swapUsed = used});
+    QTEST(shown.text(u"Swap"_s).value, "expected");
+}
+
+void TestMemoryCard::spacesItsChips_data()
+{
+    QTest::addColumn<double>("row");
+    QTest::addColumn<double>("chips");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("wide") << 585.0 << 400.0 << 18.0;
+    QTest::newRow("just enough") << 454.0 << 400.0 << 18.0;
+    QTest::newRow("whole points, rounded down") << 453.0 << 400.0 << 17.0;
+    QTest::newRow("never below 8") << 405.0 << 400.0 << 8.0;
+    QTest::newRow("not even that") << 300.0 << 400.0 << 8.0;
+}
+
+void TestMemoryCard::spacesItsChips()
+{
+    QFETCH(double, row);
+    QFETCH(double, chips);
+    QTEST(chipSpacing(row, chips), "expected");
+}
+
+void TestMemoryCard::keepsItsChipsInside_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<quint64>("bytes");
+    QTest::newRow("the narrowest card") << 437 << quint64(40 * gib);
+    QTest::newRow("2 TiB in the narrowest card") << 437 << quint64(2048 * gib - gib / 3);
+    QTest::newRow("2 TiB in the widest card") << 1257 << quint64(2048 * gib);
+    QTest::newRow("nothing") << 437 << quint64(0);
+}
+
+void TestMemoryCard::keepsItsChipsInside()
+{
+    QFETCH(int, width);
+    QFETCH(quint64, bytes);
+    Shown shown;
+    shown.card.resize(width, 236);
+    shown.show({.total = 2048 * gib,
+                .used = bytes,
+                .wired = bytes,
+                .compressed = bytes,
+                .cached = bytes,
+                .appMemory = bytes,
+                .swapTotal = 2048 * gib,
+                .swapUsed = bytes});
+    double end = 0;
+    for (const QString &chip : {u"App"_s, u"Wired"_s, u"Compressed"_s, u"Cached"_s}) {
+        const QRectF place = shown.text(chip).place;
+        QVERIFY(place.left() > end);
+        end = place.right();
+    }
+    QVERIFY(end <= width - 16 + 2 + 0.01);
+    QVERIFY(shown.text(u"Swap"_s).place.right() <= width - 14);
+}
+
+void TestMemoryCard::paintsTheBar_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::newRow("scale 1") << 1.0;
+    QTest::newRow("scale 2") << 2.0;
+}
+
+void TestMemoryCard::paintsTheBar()
+{
+    QFETCH(double, scale);
+    Shown shown;
+    shown.show({.total = 100, .wired = 20, .compressed = 20, .cached = 20, .appMemory = 60});
+    const QRectF bar = shown.card.breakdownBar();
+    QCOMPARE(bar, QRectF(16, 94, 585, 10));
+    const QImage image = rendered(shown.card, scale);
+    const auto at = [&](double share) {
+        return pixelAt(image, bar.left() + bar.width() * share, bar.center().y());
+    };
+    const auto isGrey = [](const QColor &color) {
+        return qAbs(color.red() - color.green()) < 12 && qAbs(color.blue() - color.green()) < 20;
+    };
+    QVERIFY(at(0.1).green() > 180 && at(0.195).green() > 180 && !isGrey(at(0.195)));
+    QVERIFY(at(0.205).green() > 200 && isGrey(at(0.205)) && isGrey(at(0.395)));
+    QVERIFY(at(0.405).blue() > 200 && !isGrey(at(0.405)) && !isGrey(at(0.595)));
+    QVERIFY(isGrey(at(0.605)) && at(0.7).green() > 60 && at(0.7).green() < 100);
+    QVERIFY(at(0.805).green() < 50 && at(0.98).green() < 50);
+    // A capsule: nothing in its corner, and nothing above or below it.
+    const QColor ground = pixelAt(image, bar.left() + 50, bar.top() - 2);
+    QVERIFY(isClose(pixelAt(image, bar.left() + 0.3, bar.top() + 0.3), ground, 6));
+    QVERIFY(isClose(pixelAt(image, bar.left() + 50, bar.bottom() + 1), ground, 6));
+}
+
+void TestMemoryCard::chartsTheUsedShare()
+{
+    Shown shown;
+    shown.show({.total = 100, .used = 50});
+    QCOMPARE(shown.card.chart()->geometry(), QRect(16, 168, 585, 78));
+    QVERIFY(shown.card.chart()->spokenValue().endsWith(u", 50%"_s));
+    const QImage image = rendered(shown.card, 2);
+    // The line is 2 wide, at half of the chart.
+    QVERIFY(isClose(pixelAt(image, 300, 207), Theme::memory(), 6));
+    QVERIFY(pixelAt(image, 300, 204).green() < 60);
+    // Its fill fades downwards.
+    QVERIFY(pixelAt(image, 200, 212).green() > pixelAt(image, 200, 230).green());
+}
+
+void TestMemoryCard::repaintsOnlyWhatChanged()
+{
+    Shown shown;
+    const MemorySnapshot memory{.total = 64 * gib, .used = 32 * gib, .swapTotal = gib};
+    shown.show(memory);
+    QCoreApplication::processEvents();
+    PaintWatch watch(shown.card);
+    shown.show(memory);
+    QCoreApplication::processEvents();
+    QCOMPARE(watch.region(), QRegion());
+    MemorySnapshot other = memory;
+    other.swapUsed = gib / 2;
+    shown.show(other);
+    QCoreApplication::processEvents();
+    QVERIFY(QRect(16, 135, 300, 30).contains(watch.region().boundingRect()));
+}
+
+QTEST_MAIN(TestMemoryCard)
+#include "tst_MemoryCard.moc"

@@ -1,0 +1,214 @@
+#include "cards/PowerCard.h"
+#include "cards/Theme.h"
+#include "charts/Sparkline.h"
+#include "gallery/ScriptedSamples.h"
+#include "support/Rendering.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using History = std::vector<SystemMetrics>;
+
+SystemMetrics sample(double time, double cpu, double gpu = 0, double ane = 0)
+{
+    return {.timestamp = time,
+            .chip = ChipReading{.cpuWatts = cpu, .gpuWatts = gpu, .aneWatts = ane}};
+}
+
+History steady(double watts)
+{
+    return {sample(0, watts), sample(30, watts), sample(60, watts)};
+}
+
+struct Shown {
+    Shown()
+    {
+        card.resize(617, 262);
+        card.QWidget::show();
+    }
+
+    void show(const History &history) { card.show(history.back(), history); }
+
+    PowerCard card;
+};
+
+} // namespace
+
+class TestPowerCard : public QObject {
+    Q_OBJECT
+
+private slots:
+    void findsThePeak_data();
+    void findsThePeak();
+    void scalesAbovePeaks_data();
+    void scalesAbovePeaks();
+    void neverLowersItsScale();
+    void raisesItsScaleUnseen();
+    void tellsPeakAndTemperature_data();
+    void tellsPeakAndTemperature();
+    void stacksItsBands_data();
+    void stacksItsBands();
+    void saysTheHoveredValues();
+    void showsItsLegend();
+    void bearsHugePower();
+};
+
+void TestPowerCard::findsThePeak_data()
+{
+    QTest::addColumn<History>("history");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("no history") << History{} << 0.0;
+    QTest::newRow("one sample is its total") << History{sample(0, 1, 2, 4)} << 7.0;
+    QTest::newRow("at the ends of two samples") << History{sample(0, 6), sample(1, 2)} << 4.0;
+    QTest::newRow("a spike is averaged with its neighbours")
+        << History{sample(0, 0), sample(1, 0), sample(2, 9), sample(3, 0), sample(4, 0)} << 3.0;
+    QTest::newRow("a missing reading counts as 0")
+        << History{sample(0, 6), {.timestamp = 1}, sample(2, 6)} << 4.0;
+    QTest::newRow("never below 0") << History{sample(0, -5)} << 0.0;
+}
+
+void TestPowerCard::findsThePeak()
+{
+    QFETCH(History, history);
+    QTEST(peakTotal(history), "expected");
+}
+
+void TestPowerCard::scalesAbovePeaks_data()
+{
+    QTest::addColumn<double>("peak");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("nothing") << 0.0 << 5.0;
+    QTest::newRow("4 W") << 4.0 << 5.0;
+    QTest::newRow("8 W") << 8.0 << 10.0;
+    QTest::newRow("8.6 W: fives") << 8.6 << 15.0;
+    QTest::newRow("30 W: tens") << 30.0 << 40.0;
+    QTest::newRow("90 W: twenty-fives") << 90.0 << 125.0;
+    QTest::newRow("400 W") << 400.0 << 475.0;
+}
+
+void TestPowerCard::scalesAbovePeaks()
+{
+    QFETCH(double, peak);
+    QTEST(powerScale(peak), "expected");
+}
+
+void TestPowerCard::neverLowersItsScale()
+{
+    Shown shown;
+    QCOMPARE(shown.card.stableYMax(), 5.0);
+    shown.show(steady(30));
+    QCOMPARE(shown.card.stableYMax(), 40.0);
+    shown.show(steady(2));
+    QCOMPARE(shown.card.stableYMax(), 40.0);
+    shown.show(steady(90));
+    QCOMPARE(shown.card.stableYMax(), 125.0);
+}
+
+void TestPowerCard::raisesItsScaleUnseen()
+{
+    Shown shown;
+    shown.card.recomputeYMax(steady(30));
+    QCOMPARE(shown.card.stableYMax(), 40.0);
+    QCOMPARE(shown.card.spokenText(u"Power"_s), QString());
+}
+
+void TestPowerCard::tellsPeakAndTemperature_data()
+{
+    using Temp = std::optional<double>;
+    QTest::addColumn<Temp>("package");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("both") << Temp(47.2) << u"peak 12.4 W · pkg 47°C"_s;
+    QTest::newRow("no temperature") << Temp() << u"peak 12.4 W"_s;
+    QTest::newRow("zero degrees") << Temp(0) << u"peak 12.4 W"_s;
+}
+
+void TestPowerCard::tellsPeakAndTemperature()
+{
+    QFETCH(std::optional<double>, package);
+    Shown shown;
+    History history = steady(12.4);
+    history.back().chip->packageTempC = package;
+    shown.show(history);
+    QTEST(shown.card.spokenText(u"Power"_s), "expected");
+    history.back().chip.reset();
+    shown.show(history);
+    QVERIFY(!shown.card.spokenText(u"Power"_s).contains(u"pkg"_s));
+}
+
+void TestPowerCard::stacksItsBands_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::newRow("scale 1") << 1.0;
+    QTest::newRow("scale 2") << 2.0;
+}
+
+void TestPowerCard::stacksItsBands()
+{
+    QFETCH(double, scale);
+    Shown shown;
+    // 1 + 2 + 1 W of 5: the bands end at 20, 60 and 80 % of a chart 174 high that ends at 246.
+    shown.show({sample(0, 1, 2, 1), sample(60, 1, 2, 1)});
+    const QImage image = rendered(shown.card, scale);
+    const auto at = [&](double watts) { return 246 - 174 * watts / 5; };
+    const auto looksLike = [](const QColor &actual, const QColor &color) {
+        const auto share = [](int part) { return part > 150; };
+        return (actual.red() > 100) == share(color.red())
+            && (actual.blue() > 100) == share(color.blue());
+    };
+    QVERIFY(looksLike(pixelAt(image, 300, at(0.9)), Theme::cpu()));
+    QVERIFY(looksLike(pixelAt(image, 300, at(1.1)), Theme::gpu()));
+    QVERIFY(looksLike(pixelAt(image, 300, at(2.9)), Theme::gpu()));
+    QVERIFY(looksLike(pixelAt(image, 300, at(3.1)), Theme::ane()));
+    QVERIFY(looksLike(pixelAt(image, 300, at(3.9)), Theme::ane()));
+    QVERIFY(pixelAt(image, 300, at(4.1)).red() < 60);
+}
+
+void TestPowerCard::saysTheHoveredValues()
+{
+    Shown shown;
+    History history = steady(1);
+    history.back() = sample(60, 9.3, 29.92, 0.38);
+    shown.show(history);
+    // Without a cursor a chart speaks of its newest sample.
+    QCOMPARE(shown.card.chart()->spokenValue().section(u", "_s, 1),
+             u"39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
+    history.back().chip.reset();
+    shown.show(history);
+    QVERIFY(shown.card.chart()->spokenValue().contains(u"0.00 W"_s));
+}
+
+void TestPowerCard::showsItsLegend()
+{
+    Shown shown;
+    shown.show(steady(1));
+    const QImage image = rendered(shown.card, 2);
+    QVERIFY(isClose(pixelAt(image, 19, 53), Theme::cpu()));
+    QCOMPARE(shown.card.chart()->geometry(), QRect(16, 72, 585, 174));
+}
+
+void TestPowerCard::bearsHugePower()
+{
+    Shown shown;
+    shown.card.resize(437, 236);
+    History history = steady(133);
+    for (SystemMetrics &metrics : history)
+        metrics.chip =
+            ChipReading{.cpuWatts = 123456, .gpuWatts = 133, .aneWatts = 134, .packageTempC = 104};
+    shown.show(history);
+    QCOMPARE(shown.card.spokenText(u"Power"_s), u"peak 123723.0 W · pkg 104°C"_s);
+    for (const SpokenText &text : shown.card.spokenTexts())
+        QVERIFY(text.place.left() >= 0 && text.place.right() <= 437);
+    // Empty, single and backwards histories draw no series.
+    shown.card.show({}, {});
+    shown.show({sample(5, 3)});
+    shown.show({sample(5, 3), sample(4, 3)});
+    rendered(shown.card, 1);
+}
+
+QTEST_MAIN(TestPowerCard)
+#include "tst_PowerCard.moc"

@@ -1,0 +1,174 @@
+#include "cards/ProcessCard.h"
+#include "cards/RowList.h"
+#include "cards/Theme.h"
+#include "gallery/ScriptedSamples.h"
+#include "support/Rendering.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::uint64_t gib = std::uint64_t(1) << 30;
+
+/// A card as on a dashboard of 1280 × 900.
+struct Shown {
+    Shown()
+    {
+        card.resize(617, 304);
+        card.QWidget::show();
+    }
+
+    SpokenText row(int index) const
+    {
+        return card.list()->spokenTexts()[static_cast<std::size_t>(index)];
+    }
+
+    ProcessCard card;
+};
+
+/// Columns of the bar, in the card: behind the name and before the bytes and the share.
+constexpr double barLeft = 16 + 130 + 10;
+constexpr double barEnd = 617 - 16 - 38 - 10 - 60 - 10;
+
+} // namespace
+
+class TestProcessCard : public QObject {
+    Q_OBJECT
+
+private slots:
+    void sharesTheLargest_data();
+    void sharesTheLargest();
+    void saysThatThereIsNothing();
+    void listsEveryProcess();
+    void showsSharesOfNoMemoryAsZero();
+    void fillsBarsByTheLargest_data();
+    void fillsBarsByTheLargest();
+    void repaintsOnlyRowsThatChanged();
+    void bearsHostileNames();
+};
+
+void TestProcessCard::sharesTheLargest_data()
+{
+    QTest::addColumn<quint64>("memory");
+    QTest::addColumn<quint64>("largest");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("the largest itself") << quint64(8) << quint64(8) << 1.0;
+    QTest::newRow("a quarter of it") << quint64(2) << quint64(8) << 0.25;
+    QTest::newRow("nothing of nothing") << quint64(0) << quint64(0) << 0.0;
+}
+
+void TestProcessCard::sharesTheLargest()
+{
+    QFETCH(quint64, memory);
+    QFETCH(quint64, largest);
+    QTEST(footprintFraction(memory, largest), "expected");
+}
+
+void TestProcessCard::saysThatThereIsNothing()
+{
+    Shown card;
+    QVERIFY(!card.card.list()->isVisible());
+    QCOMPARE(card.card.spokenTexts().back().value, u"No process data yet"_s);
+    card.card.show(scriptedProcesses(), 64 * gib);
+    QVERIFY(card.card.list()->isVisible());
+    QCOMPARE(card.card.spokenTexts().size(), std::size_t(1));
+    card.card.show({}, 64 * gib);
+    QVERIFY(!card.card.list()->isVisible());
+    QCOMPARE(card.card.list()->rowCount(), 0);
+    QCOMPARE(card.card.spokenTexts().back().value, u"No process data yet"_s);
+}
+
+void TestProcessCard::listsEveryProcess()
+{
+    Shown card;
+    card.card.show(scriptedProcesses(), 64 * gib);
+    QCOMPARE(card.card.list()->rowCount(), 20);
+    QCOMPARE(card.row(0).name, u"llama-server"_s);
+    QCOMPARE(card.row(0).value, u"20.94 GB, 32.7%"_s);
+    QCOMPARE(card.row(11).value, u"514 MB, 0.8%"_s);
+    QCOMPARE(card.card.list()->geometry(), QRect(16, 46, 601, 250));
+}
+
+void TestProcessCard::showsSharesOfNoMemoryAsZero()
+{
+    Shown card;
+    card.card.show({{1, u"a"_s, 4 * gib}}, 0);
+    QCOMPARE(card.row(0).value, u"4 GB, 0.0%"_s);
+}
+
+void TestProcessCard::fillsBarsByTheLargest_data()
+{
+    QTest::addColumn<quint64>("second");
+    QTest::addColumn<quint64>("first");
+    QTest::addColumn<double>("filled");
+    const double whole = barEnd - barLeft;
+    QTest::newRow("half of the largest") << quint64(4 * gib) << quint64(8 * gib) << whole / 2;
+    QTest::newRow("hardly anything is 2 points") << quint64(1) << quint64(8 * gib) << 2.0;
+    QTest::newRow("no memory anywhere is 2 points") << quint64(0) << quint64(0) << 2.0;
+    QTest::newRow("more than the first is a full bar")
+        << quint64(9 * gib) << quint64(8 * gib) << whole;
+}
+
+void TestProcessCard::fillsBarsByTheLargest()
+{
+    QFETCH(quint64, second);
+    QFETCH(quint64, first);
+    QFETCH(double, filled);
+    Shown card;
+    card.card.show({{1, u"a"_s, first}, {2, u"b"_s, second}}, 64 * gib);
+    for (const double scale : {1.0, 2.0}) {
+        const QImage image = rendered(card.card, scale);
+        constexpr double middle = 46 + 20 + 10;
+        const auto isFilled = [&](double x) {
+            const QColor color = pixelAt(image, x, middle);
+            return color.green() > 2 * color.red();
+        };
+        QVERIFY(isFilled(barLeft + filled / 2));
+        QVERIFY(isFilled(barLeft + std::max(filled - 2.5, 0.6)));
+        QVERIFY(!isFilled(barLeft + filled + 1.1));
+        QVERIFY(!isFilled(barLeft - 1.1));
+        // The bar is 6 high, in the middle of its row.
+        QVERIFY(filled < 10
+                || pixelAt(image, barLeft + 5, middle - 4).green()
+                    < 1.5 * pixelAt(image, barLeft + 5, middle - 4).red());
+    }
+}
+
+void TestProcessCard::repaintsOnlyRowsThatChanged()
+{
+    Shown card;
+    std::vector<ProcessRow> rows = scriptedProcesses();
+    card.card.show(rows, 64 * gib);
+    QCoreApplication::processEvents();
+    PaintWatch watch(*card.card.list());
+    card.card.show(rows, 64 * gib);
+    QCoreApplication::processEvents();
+    QCOMPARE(watch.region(), QRegion());
+
+    rows[3].memory += 64 << 20;
+    card.card.show(rows, 64 * gib);
+    QCoreApplication::processEvents();
+    QCOMPARE(watch.region().boundingRect(), QRect(0, 60, 585, 20));
+}
+
+void TestProcessCard::bearsHostileNames()
+{
+    Shown card;
+    const QString marks = u"a\u202Eb\u2066c\nd\te<b>f</b>"_s;
+    card.card.show({{1, QString(4000, u'W'), gib}, {2, marks, gib}, {3, QString(), gib}}, 64 * gib);
+    const QString shown = card.row(1).name;
+    QVERIFY(!shown.contains(u'\n') && !shown.contains(QChar(0x202E)) && !shown.contains(u'\t'));
+    QVERIFY(shown.endsWith(u"<b>f</b>"_s)); // As it is, not as markup.
+    QVERIFY(card.row(0).name.size() <= 512);
+    // A long name stops before the bar.
+    const QImage image = rendered(card.card, 2);
+    for (double y = 46; y < 66; ++y)
+        QVERIFY(pixelAt(image, 16 + 130 + 5, y).red() < 60);
+}
+
+QTEST_MAIN(TestProcessCard)
+#include "tst_ProcessCard.moc"

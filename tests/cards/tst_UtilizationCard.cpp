@@ -1,0 +1,250 @@
+#include "cards/Theme.h"
+#include "cards/UtilizationCard.h"
+#include "charts/CoreBars.h"
+#include "charts/Sparkline.h"
+#include "gallery/ScriptedSamples.h"
+#include "support/Rendering.h"
+
+#include <QAccessible>
+#include <QMouseEvent>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const ChipInfo tenWatts{.aneMaxW = 10};
+
+/// A card as on a dashboard of 1200 × 900.
+struct Shown {
+    explicit Shown(UtilizationKind kind) : card(kind, nullptr, tenWatts)
+    {
+        card.resize(400, 226);
+        card.QWidget::show();
+    }
+
+    void show(const ChipReading &chip)
+    {
+        SystemMetrics current{.timestamp = 60, .chip = chip};
+        SystemMetrics previous{.timestamp = 0, .chip = chip};
+        card.show(current, {previous, current});
+    }
+
+    UtilizationCard card;
+};
+
+void hover(Sparkline &chart, double x)
+{
+    const QPointF place(x, 10);
+    QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&chart, &move);
+}
+
+} // namespace
+
+class TestUtilizationCard : public QObject {
+    Q_OBJECT
+
+private slots:
+    void readsLikeItsKind_data();
+    void readsLikeItsKind();
+    void showsNoCoresButTheCPUs();
+    void placesItsParts();
+    void keepsBarsStillWhenTheFigureGrows();
+    void dimsAnAbsentFigure();
+    void chartsTheLoad();
+    void saysTheHoveredValues_data();
+    void saysTheHoveredValues();
+    void repaintsOnlyWhatChanged();
+    void bearsManyCores_data();
+    void bearsManyCores();
+};
+
+void TestUtilizationCard::readsLikeItsKind_data()
+{
+    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("CPU") << UtilizationKind::cpu
+                         << QStringList{u"CPU"_s, u"16.69 W · 74°C"_s, u"48%"_s, u"3.27 GHz"_s};
+    QTest::newRow("GPU") << UtilizationKind::gpu
+                         << QStringList{u"GPU"_s, u"31.62 W · 71°C"_s, u"90%"_s, u"P12"_s};
+    QTest::newRow("Neural Engine")
+        << UtilizationKind::ane
+        << QStringList{u"Neural Engine"_s, u"1.35 W · 68°C"_s, u"14%"_s, u"≈10W max"_s};
+}
+
+void TestUtilizationCard::readsLikeItsKind()
+{
+    QFETCH(UtilizationKind, kind);
+    Shown shown(kind);
+    shown.card.show(scriptedCurrent(), scriptedHistory());
+    QStringList texts;
+    for (const SpokenText &text : shown.card.spokenTexts())
+        texts.append(text.value);
+    QTEST(texts, "texts");
+}
+
+void TestUtilizationCard::showsNoCoresButTheCPUs()
+{
+    Shown cpu(UtilizationKind::cpu);
+    cpu.show({.cpuCoreUtilizations = {0.5, 1}});
+    QVERIFY(cpu.card.coreBars()->isVisible());
+    QCOMPARE(cpu.card.coreBars()->shown().values, (std::vector<double>{0.5, 1}));
+    cpu.show({});
+    QVERIFY(!cpu.card.coreBars()->isVisible());
+    cpu.card.show({}, {});
+    QVERIFY(!cpu.card.coreBars()->isVisible());
+    Shown gpu(UtilizationKind::gpu);
+    gpu.show({.cpuCoreUtilizations = {0.5, 1}});
+    QVERIFY(!gpu.card.coreBars()->isVisible());
+}
+
+void TestUtilizationCard::placesItsParts()
+{
+    for (const UtilizationKind kind :
+         {UtilizationKind::cpu, UtilizationKind::gpu, UtilizationKind::ane}) {
+        Shown shown(kind);
+        shown.show({.cpuCoreUtilizations = {0.5, 1}});
+        QCOMPARE(shown.card.chart()->geometry(), QRect(16, 110, 368, 100));
+    }
+    Shown cpu(UtilizationKind::cpu);
+    cpu.show({.cpuCoreUtilizations = {0.5, 1}});
+    QVERIFY(cpu.card.coreBars()->x() >= 16 + 96 + 16);
+    QCOMPARE(cpu.card.coreBars()->geometry().right() + 1, 384);
+    QCOMPARE(cpu.card.coreBars()->y(), 46);
+    QCOMPARE(cpu.card.coreBars()->height(), 52);
+}
+
+void TestUtilizationCard::keepsBarsStillWhenTheFigureGrows()
+{
+    Shown cpu(UtilizationKind::cpu);
+    cpu.show({.cpuActiveFraction = 0.01, .cpuCoreUtilizations = {0.5}});
+    const QRect before = cpu.card.coreBars()->geometry();
+    cpu.show({.cpuActiveFraction = 1, .cpuCoreUtilizations = {0.5}});
+    QCOMPARE(cpu.card.coreBars()->geometry(), before);
+    for (const SpokenText &text : cpu.card.spokenTexts())
+        QVERIFY(text.value != u"100%"_s || text.place.right() <= before.left());
+}
+
+void TestUtilizationCard::dimsAnAbsentFigure()
+{
+    // The most saturated pixel of the figure, in shares of the colour.
+    const auto strength = [](Shown &shown) {
+        const QImage image = rendered(shown.card, 2);
+        int most = 0;
+        for (double y = 48; y < 76; y += 0.5) {
+            for (double x = 14; x < 100; x += 0.5)
+                most = std::max(most, pixelAt(image, x, y).red());
+        }
+        return most;
+    };
+    Shown shown(UtilizationKind::gpu);
+    shown.show({});
+    QVERIFY(strength(shown) > 245);
+    shown.card.show({}, {});
+    QCOMPARE(shown.card.spokenText(u"Load"_s), u"0%"_s);
+    QVERIFY(strength(shown) < 190);
+}
+
+void TestUtilizationCard::chartsTheLoad()
+{
+    Shown shown(UtilizationKind::gpu);
+    shown.show({.gpuActiveFraction = 0.5});
+    for (const double scale : {1.0, 2.0}) {
+        const QImage image = rendered(shown.card, scale);
+        // Half of a chart of 100 points at y 110 is filled with the colour at 0.55.
+        const QColor below = pixelAt(image, 100, 165);
+        QVERIFY(below.red() > 120 && below.blue() < 60);
+        const QColor above = pixelAt(image, 100, 150);
+        QVERIFY(above.red() < 60);
+    }
+    // Values beyond the domain are pinned to its edge.
+    shown.show({.gpuActiveFraction = 1.7});
+    QVERIFY(pixelAt(rendered(shown.card, 1), 100, 112).red() > 120);
+    QVERIFY(pixelAt(rendered(shown.card, 1), 100, 107).red() < 60);
+}
+
+void TestUtilizationCard::saysTheHoveredValues_data()
+{
+    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<double>("megahertz");
+    QTest::addColumn<QString>("values");
+    QTest::newRow("CPU") << UtilizationKind::cpu << 3080.0 << u"39%, 13.89W, 3.08GHz"_s;
+    QTest::newRow("slow CPU") << UtilizationKind::cpu << 999.6 << u"39%, 13.89W, 1000MHz"_s;
+    QTest::newRow("GPU") << UtilizationKind::gpu << 3080.0 << u"90%, 29.92W"_s;
+    QTest::newRow("Neural Engine at its ceiling")
+        << UtilizationKind::ane << 3080.0 << u"100%, 12.00W"_s;
+}
+
+void TestUtilizationCard::saysTheHoveredValues()
+{
+    QFETCH(UtilizationKind, kind);
+    QFETCH(double, megahertz);
+    Shown shown(kind);
+    shown.show({.cpuWatts = 13.89,
+                .gpuWatts = 29.92,
+                .aneWatts = 12,
+                .cpuActiveFraction = 0.39,
+                .gpuActiveFraction = 0.9,
+                .cpuActiveMHz = megahertz});
+    hover(*shown.card.chart(), 5);
+    const QString spoken = shown.card.chart()->spokenValue();
+    QTEST(spoken.section(u", "_s, 1), "values");
+    QCOMPARE(spoken.section(u", "_s, 0, 0).size(), 8); // The time of the sample.
+    // A sample without a reading shows 0.
+    shown.card.show({.timestamp = 60}, {{.timestamp = 0}, {.timestamp = 60}});
+    QVERIFY(shown.card.chart()->spokenValue().contains(u"0%, 0.00W"_s));
+}
+
+void TestUtilizationCard::repaintsOnlyWhatChanged()
+{
+    Shown shown(UtilizationKind::cpu);
+    const ChipReading chip{.cpuActiveFraction = 0.4, .cpuActiveMHz = 3000};
+    shown.show(chip);
+    QCoreApplication::processEvents();
+    PaintWatch watch(shown.card);
+    shown.show(chip);
+    QCoreApplication::processEvents();
+    QCOMPARE(watch.region(), QRegion());
+    ChipReading other = chip;
+    other.cpuActiveMHz = 3100;
+    shown.show(other);
+    QCoreApplication::processEvents();
+    QVERIFY(!watch.region().isEmpty());
+    QVERIFY(!watch.region().intersects(QRect(0, 0, 400, 46)));
+}
+
+void TestUtilizationCard::bearsManyCores_data()
+{
+    QTest::addColumn<int>("cores");
+    QTest::addColumn<int>("width");
+    QTest::newRow("192 cores in the narrowest card") << 192 << 286;
+    QTest::newRow("192 cores in a wide card") << 192 << 830;
+    QTest::newRow("one core") << 1 << 286;
+}
+
+void TestUtilizationCard::bearsManyCores()
+{
+    QFETCH(int, cores);
+    QFETCH(int, width);
+    Shown shown(UtilizationKind::cpu);
+    shown.card.resize(width, 176);
+    shown.show({.cpuCoreUtilizations = std::vector<double>(static_cast<std::size_t>(cores), 1)});
+    const QImage image = rendered(shown.card, 2);
+    // Fully busy cores: something blue at the left and at the right end of the band.
+    const QRect bars = shown.card.coreBars()->geometry();
+    const auto isBlue = [&](double from, double to) {
+        for (double x = from; x < to; x += 0.5) {
+            if (pixelAt(image, x, bars.top() + 20).blue() > 90)
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(isBlue(bars.left(), bars.left() + 8));
+    QVERIFY(isBlue(bars.right() - 8, bars.right() + 1));
+}
+
+QTEST_MAIN(TestUtilizationCard)
+#include "tst_UtilizationCard.moc"

@@ -1,0 +1,8 @@
+corvane_test(charts/tst_ChartScale LINK corvane::charts)
+corvane_test(charts/tst_ChartTime LINK corvane::charts)
+corvane_test(charts/tst_CoreBars LINK corvane::charts)
+corvane_test(charts/tst_HoverPill LINK corvane::charts)
+corvane_test(charts/tst_HoverTime LINK corvane::charts)
+corvane_test(charts/tst_SeriesShape LINK corvane::charts)
+corvane_test(charts/tst_Sparkline LINK corvane::charts)
+corvane_test(charts/tst_SpokenValue LINK corvane::charts)

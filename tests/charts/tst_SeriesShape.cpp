@@ -1,0 +1,169 @@
+#include "charts/SeriesShape.h"
+
+#include <QTest>
+
+#include <limits>
+
+using namespace corvane;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+SparklineSeries series(std::vector<double> values)
+{
+    return {.values = std::move(values)};
+}
+
+/// Samples at 0, 10 and 20 seconds, values 0 to 10, on a chart of 200 x 100.
+SparklineData chart(std::vector<SparklineSeries> lines, Stacking stacking = Stacking::overlay)
+{
+    return {.timestamps = {0, 10, 20},
+            .series = std::move(lines),
+            .xDomain = {0, 20},
+            .yDomain = {0, 10},
+            .stacking = stacking};
+}
+
+const QSizeF size(200, 100);
+
+} // namespace
+
+class TestSeriesShape : public QObject {
+    Q_OBJECT
+
+private slots:
+    void lineAndFillOfOneSeries();
+    void stackedSeriesStandOnEachOther();
+    void overlaidSeriesReachTheBottom();
+    void clampsTheSumNotTheParts();
+    void valuesAreMeasuredFromTheBottomOfTheDomain();
+    void shorterAndLongerSeries();
+    void oneSampleCollapses();
+    void gapsAreStraight();
+    void skipsWhatHasNoPoint();
+    void noNumbersStayOnTheChart();
+    void degenerateInputHasNoShapes_data();
+    void degenerateInputHasNoShapes();
+};
+
+void TestSeriesShape::lineAndFillOfOneSeries()
+{
+    const std::vector<SeriesShape> shapes = seriesShapes(chart({series({2, 5, 10})}), size);
+    QCOMPARE(shapes.size(), std::size_t(1));
+    QCOMPARE(shapes[0].line, QPolygonF({{0, 80}, {100, 50}, {200, 0}}));
+    QCOMPARE(shapes[0].fill,
+             QPolygonF({{0, 100}, {0, 80}, {100, 50}, {200, 0}, {200, 100}, {100, 100}, {0, 100}}));
+}
+
+void TestSeriesShape::stackedSeriesStandOnEachOther()
+{
+    const std::vector<SeriesShape> shapes = seriesShapes(
+        chart({series({1, 1, 1}), series({2, 2, 2}), series({3, 3, 3})}, Stacking::stacked), size);
+    QCOMPARE(shapes[0].line, QPolygonF({{0, 90}, {100, 90}, {200, 90}}));
+    QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 70}}));
+    QCOMPARE(shapes[2].line, QPolygonF({{0, 40}, {100, 40}, {200, 40}})); // At 6 of 10.
+    QCOMPARE(shapes[2].fill,
+             QPolygonF({{0, 70}, {0, 40}, {100, 40}, {200, 40}, {200, 70}, {100, 70}, {0, 70}}));
+}
+
+void TestSeriesShape::overlaidSeriesReachTheBottom()
+{
+    const std::vector<SeriesShape> shapes =
+        seriesShapes(chart({series({1, 1, 1}), series({2, 2, 2})}), size);
+    QCOMPARE(shapes[1].line, QPolygonF({{0, 80}, {100, 80}, {200, 80}}));
+    QCOMPARE(shapes[1].fill.first(), QPointF(0, 100));
+}
+
+void TestSeriesShape::clampsTheSumNotTheParts()
+{
+    const std::vector<SeriesShape> shapes =
+        seriesShapes(chart({series({8, -4, 8}), series({6, 6, -20})}, Stacking::stacked), size);
+    QCOMPARE(shapes[0].line, QPolygonF({{0, 20}, {100, 100}, {200, 20}}));
+    QCOMPARE(shapes[1].line, QPolygonF({{0, 0}, {100, 80}, {200, 100}}));
+}
+
+void TestSeriesShape::valuesAreMeasuredFromTheBottomOfTheDomain()
+{
+    SparklineData data = chart({series({2, 4, 0})});
+    data.yDomain = {10, 20};
+    QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {100, 60}, {200, 100}}));
+}
+
+void TestSeriesShape::shorterAndLongerSeries()
+{
+    const std::vector<SeriesShape> shapes = seriesShapes(
+        chart({series({1, 1}), series({2, 2, 2, 2, 2}), series({})}, Stacking::stacked), size);
+    QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 90}, {100, 90}}));
+    QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 80}}));
+    QVERIFY(shapes[2].line.isEmpty());
+    QVERIFY(shapes[2].fill.isEmpty());
+}
+
+void TestSeriesShape::oneSampleCollapses()
+{
+    SparklineData data = chart({series({5})});
+    data.timestamps = {10};
+    const std::vector<SeriesShape> shapes = seriesShapes(data, size);
+    QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{100, 50}}));
+    QCOMPARE(shapes[0].fill, QPolygonF({{100, 100}, {100, 50}, {100, 100}}));
+}
+
+void TestSeriesShape::gapsAreStraight()
+{
+    SparklineData data = chart({series({2, 2, 8})});
+    data.timestamps = {0, 1, 20};
+    QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {10, 80}, {200, 20}}));
+}
+
+void TestSeriesShape::skipsWhatHasNoPoint()
+{
+    SparklineData data = chart({series({1, 2, 3, 4, 5})});
+    data.timestamps = {-1, 0, 15, 10,
+                       20.001}; // Too early, drawn, passed by a jump, drawn, too late.
+    const std::vector<SeriesShape> shapes = seriesShapes(data, size);
+    QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 80}, {100, 60}}));
+    QCOMPARE(shapes[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
+}
+
+void TestSeriesShape::noNumbersStayOnTheChart()
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    const std::vector<SeriesShape> shapes = seriesShapes(
+        chart({series({notANumber, infinity, -infinity}), series({1, -infinity, infinity})},
+              Stacking::stacked),
+        size);
+    for (const SeriesShape &shape : shapes) {
+        for (const QPointF &point : shape.fill)
+            QVERIFY(QRectF({}, size).adjusted(0, 0, 0.001, 0.001).contains(point));
+    }
+}
+
+void TestSeriesShape::degenerateInputHasNoShapes_data()
+{
+    QTest::addColumn<double>("lastTime");
+    QTest::addColumn<double>("highest");
+    QTest::addColumn<bool>("hasSamples");
+    QTest::newRow("a last instant that is the first") << 0.0 << 10.0 << true;
+    QTest::newRow("a last instant before the first") << -5.0 << 10.0 << true;
+    QTest::newRow("no range of values") << 20.0 << 0.0 << true;
+    QTest::newRow("values backwards") << 20.0 << -1.0 << true;
+    QTest::newRow("no samples") << 20.0 << 10.0 << false;
+    QTest::newRow("no numbers") << notANumber << notANumber << true;
+}
+
+void TestSeriesShape::degenerateInputHasNoShapes()
+{
+    QFETCH(double, lastTime);
+    QFETCH(double, highest);
+    QFETCH(bool, hasSamples);
+    SparklineData data = chart({series({1, 2, 3})});
+    data.xDomain.upper = lastTime;
+    data.yDomain.upper = highest;
+    if (!hasSamples)
+        data.timestamps.clear();
+    QVERIFY(seriesShapes(data, size).empty());
+}
+
+QTEST_APPLESS_MAIN(TestSeriesShape)
+#include "tst_SeriesShape.moc"

@@ -1,0 +1,711 @@
+#include "cards/TextLayout.h"
+#include "cards/Theme.h"
+#include "charts/HoverTime.h"
+#include "support/Rendering.h"
+#include "charts/Sparkline.h"
+
+#include <QApplication>
+#include <QEnterEvent>
+#include <QMouseEvent>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QColor red(200, 0, 0);
+const QColor green(0, 200, 0);
+const QColor blue(0, 0, 200);
+
+/// A series without a line of its own, to see where fills end.
+SparklineSeries area(std::vector<double> values, const QColor &color)
+{
+    return {.values = std::move(values), .lineColor = Qt::transparent, .fillColors = {color}};
+}
+
+/// Samples at 0, 10, 20 and 30 seconds, values 0 to 10, neither grid nor labels.
+SparklineData plain(std::vector<SparklineSeries> series)
+{
+    return {.timestamps = {0, 10, 20, 30},
+            .series = std::move(series),
+            .xDomain = {0, 30},
+            .yDomain = {0, 10},
+            .showsGrid = false,
+            .showsTimeLabels = false};
+}
+
+void hover(Sparkline &chart, double x)
+{
+    const QPointF place(x, 10);
+    QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&chart, &move);
+}
+
+void leave(Sparkline &chart)
+{
+    QEvent event(QEvent::Leave);
+    QApplication::sendEvent(&chart, &event);
+}
+
+PillContent indexPill(std::size_t index)
+{
+    return {QString::number(index), {valuesRow({u"42%"_s}, Qt::white)}};
+}
+
+/// Counts paint events of a widget.
+class PaintCounter : public QObject {
+public:
+    explicit PaintCounter(QWidget &widget) { widget.installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++count;
+        return false;
+    }
+};
+
+} // namespace
+
+class TestSparkline : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { qputenv("TZ", "UTC"); }
+
+    void stackedBandsEndAtTheirSums_data() { addScales(); }
+    void stackedBandsEndAtTheirSums();
+    void overlaidSeriesPaintOverEarlierOnes();
+    void valuesOutsideArePinned();
+    void samplesOutsideAreLeftOut();
+    void gradientRunsFromEdgeToEdge();
+    void fillsHaveNoSeams_data() { addScales(); }
+    void fillsHaveNoSeams();
+    void drawsTheLineOverTheFill_data() { addScales(); }
+    void drawsTheLineOverTheFill();
+    void gridIsOnePoint_data() { addScales(); }
+    void gridIsOnePoint();
+    void cursorIsOnePoint_data() { addScales(); }
+    void cursorIsOnePoint();
+    void cursorShowsOnDegenerateCharts();
+    void cursorFollowsThePointer();
+    void cursorSurvivesNewData();
+    void cursorVanishesWithTheChart();
+    void pillKeepsInsideTheChart_data() { addScales(); }
+    void pillKeepsInsideTheChart();
+    void pillNeedsBuilderAndSamples();
+    void pillAsksBeyondAShorterSeries();
+    void labelsStandOnTags_data() { addScales(); }
+    void labelsStandOnTags();
+    void labelsFollowTheLocale();
+    void labelsNeedRoom();
+    void keysMoveTheCursor();
+    void keysSkipWhatHasNoPoint();
+    void keysLeaveOthersAlone();
+    void focusIsSeen();
+    void losingTheFocusClearsTheCursor();
+    void speaksOfTheCursorOrTheNewest();
+    void repaintsOnlyChanges();
+    void hostileData_data();
+    void hostileData();
+
+private:
+    static void addScales()
+    {
+        QTest::addColumn<double>("scale");
+        QTest::newRow("scale 1") << 1.0;
+        QTest::newRow("scale 1.25") << 1.25;
+        QTest::newRow("scale 1.5") << 1.5;
+        QTest::newRow("scale 2") << 2.0;
+    }
+};
+
+void TestSparkline::stackedBandsEndAtTheirSums()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(200, 100);
+    SparklineData data =
+        plain({area({1, 1, 1, 1}, red), area({2, 2, 2, 2}, green), area({3, 3, 3, 3}, blue)});
+    data.stacking = Stacking::stacked;
+    chart.show(data);
+    const QImage image = rendered(chart, scale);
+    for (const double x : {1.0, 100.0, 198.0}) {
+        QCOMPARE(pixelAt(image, x, 38).alpha(), 0);
+        QCOMPARE(pixelAt(image, x, 41), blue); // The third band's top is at 6 of 10.
+        QCOMPARE(pixelAt(image, x, 68), blue);
+        QCOMPARE(pixelAt(image, x, 71), green);
+        QCOMPARE(pixelAt(image, x, 88), green);
+        QCOMPARE(pixelAt(image, x, 91), red);
+        QCOMPARE(pixelAt(image, x, 99), red);
+    }
+}
+
+void TestSparkline::overlaidSeriesPaintOverEarlierOnes()
+{
+    Sparkline chart;
+    chart.resize(200, 100);
+    chart.show(plain({area({8, 8, 8, 8}, red), area({3, 3, 3, 3}, green)}));
+    const QImage image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 100, 19).alpha(), 0);
+    QCOMPARE(pixelAt(image, 100, 21), red);
+    QCOMPARE(pixelAt(image, 100, 69), red);
+    QCOMPARE(pixelAt(image, 100, 71), green);
+    QCOMPARE(pixelAt(image, 100, 99), green);
+}
+
+void TestSparkline::valuesOutsideArePinned()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({area({20, 20, -5, -5}, red)}));
+    const QImage image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 50, 0), red);
+    QCOMPARE(pixelAt(image, 150, 60), red); // On the way down, from (100, 0) to (200, 100).
+    QCOMPARE(pixelAt(image, 150, 40).alpha(), 0);
+    QCOMPARE(pixelAt(image, 250, 99).alpha(), 0);
+}
+
+void TestSparkline::samplesOutsideAreLeftOut()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    SparklineData data = plain({area({5, 5, 5, 5}, red)});
+    data.timestamps = {-0.001, 10, 20, 30.001};
+    chart.show(data);
+    QImage image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 98, 80).alpha(), 0);
+    QCOMPARE(pixelAt(image, 102, 80), red);
+    QCOMPARE(pixelAt(image, 198, 80), red);
+    QCOMPARE(pixelAt(image, 202, 80).alpha(), 0);
+
+    data.timestamps = {0, 10, 20, 30};
+    chart.show(data);
+    image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 0, 80), red);
+    QCOMPARE(pixelAt(image, 299, 80), red);
+}
+
+void TestSparkline::gradientRunsFromEdgeToEdge()
+{
+    Sparkline chart;
+    chart.resize(100, 100);
+    SparklineSeries fading = area({5, 5, 5, 5}, red);
+    fading.fillColors = {QColor(255, 255, 255, 200), QColor(255, 255, 255, 0)};
+    chart.show(plain({fading}));
+    const QImage image = rendered(chart, 1);
+    // Half of it is over where the fill starts: the first colour is at the chart's own top.
+    QVERIFY(std::abs(pixelAt(image, 50, 51).alpha() - 97) <= 3);
+    QVERIFY(std::abs(pixelAt(image, 50, 75).alpha() - 49) <= 3);
+    QVERIFY(pixelAt(image, 50, 99).alpha() <= 3);
+}
+
+void TestSparkline::fillsHaveNoSeams()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(301, 100);
+    SparklineData data =
+        plain({area({}, QColor(0, 120, 200, 140)), area({}, QColor(200, 90, 0, 140))});
+    data.stacking = Stacking::stacked;
+    data.timestamps.clear();
+    for (int i = 0; i < 83; ++i) {
+        data.timestamps.push_back(i * 30.0 / 82);
+        data.series[0].values.push_back(3 + 2 * std::sin(i * 0.7));
+        data.series[1].values.push_back(3 + 2 * std::sin(i * 1.9));
+    }
+    chart.show(data);
+    const QImage image = rendered(chart, scale);
+
+    QImage whole(image.size(), image.format());
+    whole.setDevicePixelRatio(scale);
+    whole.fill(Qt::transparent);
+    QPainter painter(&whole);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const std::vector<SeriesShape> shapes = seriesShapes(data, chart.size());
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+        painter.setBrush(data.series[i].fillColors.front());
+        painter.drawPolygon(shapes[i].fill, Qt::WindingFill);
+    }
+    painter.end();
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            QVERIFY(std::abs(image.pixelColor(x, y).alpha() - whole.pixelColor(x, y).alpha()) <= 2);
+    }
+}
+
+void TestSparkline::drawsTheLineOverTheFill()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(200, 100);
+    SparklineSeries series = area({5, 5, 5, 5}, red);
+    series.lineColor = blue;
+    series.lineWidth = 4;
+    chart.show(plain({series}));
+    const QImage image = rendered(chart, scale);
+    QCOMPARE(pixelAt(image, 100, 47).alpha(), 0);
+    QCOMPARE(pixelAt(image, 100, 49), blue);
+    QCOMPARE(pixelAt(image, 100, 51), blue);
+    QCOMPARE(pixelAt(image, 100, 53), red);
+}
+
+/// Opacities of a column or row of device pixels that are not 0, with the place of the first.
+struct Ink {
+    int first = -1;
+    QList<int> alphas;
+};
+
+static Ink inkOf(const QList<int> &alphas)
+{
+    Ink ink;
+    for (int i = 0; i < alphas.size(); ++i) {
+        if (alphas[i] == 0)
+            continue;
+        if (ink.first < 0)
+            ink.first = i;
+        ink.alphas.append(alphas[i]);
+    }
+    return ink;
+}
+
+void TestSparkline::gridIsOnePoint()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(80, 40);
+    SparklineData data = plain({});
+    data.showsGrid = true;
+    chart.show(data);
+    const QImage image = rendered(chart, scale);
+    for (const int x : {0, image.width() / 2, image.width() - 1}) {
+        QList<int> column;
+        for (int y = 0; y < image.height(); ++y)
+            column.append(image.pixelColor(x, y).alpha());
+        const Ink ink = inkOf(column);
+        QCOMPARE(ink.alphas, QList<int>(qRound(scale), 13)); // White at 0.05.
+        QVERIFY(std::abs(ink.first + qRound(scale) / 2.0 - image.height() / 2.0) <= 0.5);
+    }
+}
+
+void TestSparkline::cursorIsOnePoint()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(80, 40);
+    chart.show(plain({}));
+    for (const double x : {0.0, 20.3, 40.0, 79.9, 80.0}) {
+        hover(chart, x);
+        const QImage image = rendered(chart, scale);
+        for (const int y : {0, image.height() - 1}) {
+            QList<int> row;
+            for (int column = 0; column < image.width(); ++column)
+                row.append(image.pixelColor(column, y).alpha());
+            const Ink ink = inkOf(row);
+            QCOMPARE(ink.alphas, QList<int>(qRound(scale), 89)); // White at 0.35.
+            QVERIFY(std::abs(ink.first + qRound(scale) / 2.0 - x * scale) <= 1);
+        }
+    }
+}
+
+void TestSparkline::cursorShowsOnDegenerateCharts()
+{
+    Sparkline chart;
+    chart.resize(80, 40);
+    chart.show({.xDomain = {5, 5}, .yDomain = {1, 0}, .showsGrid = true, .showsTimeLabels = false});
+    hover(chart, 20);
+    const QImage image = rendered(chart, 1);
+    QVERIFY(pixelAt(image, 20, 5).alpha() > 0);
+    QVERIFY(pixelAt(image, 50, 20).alpha() > 0);
+    QVERIFY(!chart.hoveredIndex());
+}
+
+void TestSparkline::cursorFollowsThePointer()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({area({1, 2, 3, 4}, red)}));
+    QVERIFY(!chart.cursorX());
+
+    QEnterEvent enter({120, 5}, {120, 5}, {120, 5});
+    QApplication::sendEvent(&chart, &enter);
+    QCOMPARE(chart.cursorX(), std::optional(120.0));
+    QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(1));
+    hover(chart, 150); // Halfway: the earlier.
+    QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(1));
+    hover(chart, 150.5);
+    QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(2));
+    hover(chart, 0);
+    QCOMPARE(chart.cursorX(), std::optional(0.0));
+    hover(chart, 300);
+    QCOMPARE(chart.cursorX(), std::optional(300.0));
+    hover(chart, 300.5);
+    QVERIFY(!chart.cursorX());
+    hover(chart, 20);
+    hover(chart, -0.5);
+    QVERIFY(!chart.cursorX());
+    hover(chart, 20);
+    leave(chart);
+    QVERIFY(!chart.cursorX());
+    QVERIFY(!chart.hoveredIndex());
+}
+
+void TestSparkline::cursorSurvivesNewData()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    std::vector<std::size_t> asked;
+    chart.setHoverPill([&asked](std::size_t index) {
+        asked.push_back(index);
+        return indexPill(index);
+    });
+    chart.show(plain({area({1, 2, 3, 4}, red)}));
+    hover(chart, 100);
+    QCOMPARE(asked.back(), std::size_t(1));
+
+    SparklineData later = plain({area({1, 2, 3, 4}, red)});
+    later.timestamps = {0, 2, 4, 10, 30};
+    chart.show(later);
+    QCOMPARE(chart.cursorX(), std::optional(100.0));
+    QCOMPARE(asked.back(), std::size_t(3));
+
+    // The same data under another meaning of their samples: the pill is asked for anew.
+    const std::size_t before = asked.size();
+    chart.show(later);
+    QVERIFY(asked.size() > before);
+}
+
+void TestSparkline::cursorVanishesWithTheChart()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({}));
+    chart.show();
+    hover(chart, 200);
+    chart.resize(250, 100);
+    QCOMPARE(chart.cursorX(), std::optional(200.0));
+    chart.resize(150, 100);
+    QVERIFY(!chart.cursorX());
+    hover(chart, 100);
+    chart.hide();
+    QVERIFY(!chart.cursorX());
+}
+
+void TestSparkline::pillKeepsInsideTheChart()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({area({1, 2, 3, 4}, red)}));
+    chart.setHoverPill(indexPill);
+    HoverPill pill;
+    pill.show(indexPill(0));
+    const double width = pill.size().width();
+
+    // Left end, top end and right end of the box, by its opaque inside.
+    const auto isBox = [](const QColor &color) { return color.alpha() > 240 && color.blue() < 80; };
+    hover(chart, 1);
+    QImage image = rendered(chart, scale);
+    QVERIFY(!isBox(pixelAt(image, 3, 12)));
+    QVERIFY(isBox(pixelAt(image, 7, 12)));
+    QVERIFY(!isBox(pixelAt(image, 4 + width / 2, 1)));
+    QVERIFY(isBox(pixelAt(image, 4 + width / 2, 5)));
+    QVERIFY(!isBox(pixelAt(image, 4 + width + 2, 12)));
+
+    hover(chart, 299);
+    image = rendered(chart, scale);
+    QVERIFY(isBox(pixelAt(image, 293, 12)));
+    QVERIFY(!isBox(pixelAt(image, 297, 12)));
+
+    hover(chart, 150);
+    image = rendered(chart, scale);
+    QVERIFY(isBox(pixelAt(image, 150 - width / 2 + 3, 12)));
+    QVERIFY(!isBox(pixelAt(image, 150 - width / 2 - 2, 12)));
+}
+
+void TestSparkline::pillNeedsBuilderAndSamples()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({}));
+    hover(chart, 150);
+    QCOMPARE(pixelAt(rendered(chart, 1), 140, 12).alpha(), 0);
+    chart.setHoverPill(indexPill);
+    QVERIFY(pixelAt(rendered(chart, 1), 140, 12).alpha() > 240);
+    SparklineData empty = plain({});
+    empty.timestamps.clear();
+    chart.show(empty);
+    QCOMPARE(pixelAt(rendered(chart, 1), 140, 12).alpha(), 0);
+    QVERIFY(pixelAt(rendered(chart, 1), 150, 12).alpha() > 0); // The cursor stays.
+}
+
+void TestSparkline::pillAsksBeyondAShorterSeries()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({area({1, 2}, red)}));
+    hover(chart, 290);
+    QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(3));
+}
+
+void TestSparkline::labelsStandOnTags()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.setLocale(QLocale(u"de_DE"_s));
+    chart.resize(300, 60);
+    SparklineData data = plain({});
+    data.showsTimeLabels = true;
+    chart.show(data);
+    const QImage image = rendered(chart, scale);
+    const QColor tag = Theme::timeLabelTag();
+    for (const double x : {2.5, 150.0 - 13, 297.0}) {
+        QVERIFY(isClose(pixelAt(image, x, 48.5), tag, 8));
+        QVERIFY(isClose(pixelAt(image, x, 57.5), tag, 8));
+        QCOMPARE(pixelAt(image, x, 45).alpha(), 0);
+    }
+    QCOMPARE(pixelAt(image, 80, 53).alpha(), 0);
+    // Ink of the texts, and nothing of it on the last point above the edge.
+    int brightest = 0;
+    for (double x = 4; x < 28; x += 1 / scale) {
+        for (double y = 48; y < 58; y += 1 / scale)
+            brightest = std::max(brightest, pixelAt(image, x, y).lightness());
+    }
+    QVERIFY(brightest > 60);
+    for (double x = 0; x < 300; x += 1 / scale)
+        QCOMPARE(pixelAt(image, x, 59.5).alpha(), 0);
+}
+
+void TestSparkline::labelsFollowTheLocale()
+{
+    Sparkline chart;
+    chart.resize(300, 60);
+    SparklineData data = plain({});
+    data.timestamps.clear();
+    data.xDomain = {50'700, 50'760}; // 14:05 to 14:06.
+    data.showsTimeLabels = true;
+    chart.setLocale(QLocale(u"de_DE"_s));
+    chart.show(data);
+    const QImage german = rendered(chart, 1);
+    chart.setLocale(QLocale(u"en_US"_s));
+    QVERIFY(rendered(chart, 1) != german);
+    chart.setLocale(QLocale(u"de_DE"_s));
+    QCOMPARE(rendered(chart, 1), german);
+}
+
+void TestSparkline::labelsNeedRoom()
+{
+    Sparkline chart;
+    const double width = textWidth(u"00:00"_s, Theme::systemFont(9, QFont::Medium));
+    const int justTooNarrow = static_cast<int>(3 * width + 8 + 11);
+    chart.resize(justTooNarrow, 40);
+    SparklineData data = plain({});
+    data.showsTimeLabels = true;
+    chart.show(data);
+    QImage image = rendered(chart, 1);
+    QVERIFY(pixelAt(image, 3, 34).alpha() > 0);
+    QVERIFY(pixelAt(image, justTooNarrow - 3, 34).alpha() > 0);
+    QCOMPARE(pixelAt(image, justTooNarrow / 2.0, 34).alpha(), 0); // It would touch the others.
+    chart.resize(justTooNarrow + 2, 40);
+    image = rendered(chart, 1);
+    QVERIFY(pixelAt(image, justTooNarrow / 2.0, 34).alpha() > 0);
+}
+
+void TestSparkline::keysMoveTheCursor()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({area({1, 2, 3, 4}, red)}));
+    const auto press = [&chart](Qt::Key key) {
+        QTest::keyClick(&chart, key);
+        return chart.cursorX().value_or(-1);
+    };
+    QCOMPARE(press(Qt::Key_Left), 300.0); // The first step is onto the newest.
+    QCOMPARE(press(Qt::Key_Left), 200.0);
+    QCOMPARE(press(Qt::Key_Right), 300.0);
+    QCOMPARE(press(Qt::Key_Right), 300.0);
+    QCOMPARE(press(Qt::Key_Home), 0.0);
+    QCOMPARE(press(Qt::Key_Left), 0.0);
+    QCOMPARE(press(Qt::Key_Right), 100.0);
+    QCOMPARE(press(Qt::Key_End), 300.0);
+    QCOMPARE(press(Qt::Key_Escape), -1.0);
+    QCOMPARE(press(Qt::Key_Home), 0.0);
+    hover(chart, 130); // From where the pointer was: the sample beside the nearest.
+    QCOMPARE(press(Qt::Key_Right), 200.0);
+}
+
+void TestSparkline::keysSkipWhatHasNoPoint()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    SparklineData data = plain({});
+    data.timestamps = {-5, 0, 20, 10, 10, 10, 30, 40}; // Outside, passed by a jump, three alike.
+    chart.show(data);
+    QList<double> stops;
+    QTest::keyClick(&chart, Qt::Key_Home);
+    for (int i = 0; i < 4; ++i) {
+        stops.append(chart.cursorX().value_or(-1));
+        QTest::keyClick(&chart, Qt::Key_Right);
+    }
+    QCOMPARE(stops, (QList<double>{0, 100, 300, 300}));
+
+    data.timestamps.clear();
+    chart.show(data);
+    QTest::keyClick(&chart, Qt::Key_Left);
+    QCOMPARE(chart.cursorX(), std::optional(300.0));
+}
+
+void TestSparkline::keysLeaveOthersAlone()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({}));
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Up, Qt::Key_A}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        press.accept();
+        QApplication::sendEvent(&chart, &press);
+        QVERIFY(!press.isAccepted()); // Escape without a cursor is for the window.
+    }
+}
+
+void TestSparkline::focusIsSeen()
+{
+    QWidget window;
+    Sparkline chart(&window);
+    chart.setGeometry(0, 0, 100, 50);
+    chart.show(plain({}));
+    window.resize(100, 50);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    chart.clearFocus();
+    QCOMPARE(pixelAt(rendered(chart, 1), 50, 1).alpha(), 0);
+    QVERIFY(chart.focusPolicy() & Qt::TabFocus);
+    chart.setFocus(Qt::TabFocusReason);
+    QVERIFY(isClose(pixelAt(rendered(chart, 1), 50, 1), Theme::focusRing()));
+    QCOMPARE(pixelAt(rendered(chart, 1), 50, 4).alpha(), 0);
+}
+
+void TestSparkline::losingTheFocusClearsTheCursor()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({}));
+    QTest::keyClick(&chart, Qt::Key_End);
+    QVERIFY(chart.cursorX());
+    QFocusEvent lost(QEvent::FocusOut);
+    QApplication::sendEvent(&chart, &lost);
+    QVERIFY(!chart.cursorX());
+}
+
+void TestSparkline::speaksOfTheCursorOrTheNewest()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    QCOMPARE(chart.spokenValue(), QString());
+    chart.setHoverPill(indexPill);
+    QCOMPARE(chart.spokenValue(), QString());
+    chart.show(plain({}));
+    QCOMPARE(chart.spokenValue(), u"3, 42%"_s);
+    hover(chart, 90);
+    QCOMPARE(chart.spokenValue(), u"1, 42%"_s);
+}
+
+void TestSparkline::repaintsOnlyChanges()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    PaintCounter paints(chart);
+    const SparklineData data = plain({area({1, 2, 3, 4}, red)});
+    chart.show(data);
+    QCoreApplication::processEvents();
+    QCOMPARE(paints.count, 0); // Hidden.
+
+    chart.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&chart));
+    QCoreApplication::processEvents();
+    const int shown = paints.count;
+    QVERIFY(shown > 0);
+    chart.show(data);
+    QCoreApplication::processEvents();
+    QCOMPARE(paints.count, shown);
+
+    chart.show(plain({area({1, 2, 3, 5}, red)}));
+    QCoreApplication::processEvents();
+    QCOMPARE(paints.count, shown + 1);
+    hover(chart, 50);
+    hover(chart, 50);
+    QCoreApplication::processEvents();
+    QCOMPARE(paints.count, shown + 2);
+
+    chart.hide();
+    chart.show(data);
+    QCoreApplication::processEvents();
+    QCOMPARE(paints.count, shown + 2);
+}
+
+void TestSparkline::hostileData_data()
+{
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    QTest::addColumn<std::vector<double>>("timestamps");
+    QTest::addColumn<std::vector<double>>("values");
+    std::vector<double> many;
+    std::vector<double> wild;
+    for (int i = 0; i < 10'000; ++i) {
+        many.push_back(i * 30.0 / 9'999);
+        wild.push_back(i % 100 == 0 ? 1e9 : 5 + 4 * std::sin(i * 0.01));
+    }
+    QTest::newRow("10,000 samples") << many << wild;
+    std::ranges::reverse(many);
+    QTest::newRow("10,000 samples backwards") << many << wild;
+    QTest::newRow("no numbers") << std::vector<double>{notANumber, notANumber, 5}
+                                << std::vector<double>{notANumber, 1, notANumber};
+    QTest::newRow("endless") << std::vector<double>{-infinity, 3, infinity}
+                             << std::vector<double>{infinity, -infinity, infinity};
+    QTest::newRow("largest numbers")
+        << std::vector<double>{0, 15, 30} << std::vector<double>{1e308, -1e308, 1e308};
+    QTest::newRow("more values than samples") << std::vector<double>{1} << wild;
+    QTest::newRow("more samples than values") << many << std::vector<double>{1};
+}
+
+void TestSparkline::hostileData()
+{
+    QFETCH(std::vector<double>, timestamps);
+    QFETCH(std::vector<double>, values);
+    Sparkline chart;
+    chart.setHoverPill(indexPill);
+    chart.resize(300, 100);
+    SparklineSeries series = area(values, red);
+    series.lineColor = blue;
+    for (const Stacking stacking : {Stacking::overlay, Stacking::stacked}) {
+        SparklineData data = plain({series, series, SparklineSeries{}});
+        data.timestamps = timestamps;
+        data.stacking = stacking;
+        data.showsTimeLabels = true;
+        chart.show(data);
+        hover(chart, 150);
+        for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_Home, Qt::Key_End})
+            QTest::keyClick(&chart, key);
+        for (const double scale : {1.0, 2.0})
+            QCOMPARE(rendered(chart, scale).size(), (QSizeF(300, 100) * scale).toSize());
+    }
+    // The clock of the chart itself may be wild too.
+    SparklineData data = plain({series});
+    data.timestamps = timestamps;
+    data.xDomain = {-std::numeric_limits<double>::infinity(), 1e308};
+    data.showsTimeLabels = true;
+    chart.show(data);
+    const QImage image = rendered(chart, 1);
+    QCOMPARE(image.pixelColor(20, 90).alpha(), 0); // No series.
+}
+
+QTEST_MAIN(TestSparkline)
+#include "tst_Sparkline.moc"

@@ -1,0 +1,224 @@
+// Renders the dashboard, every card and every state of them from scripted samples to PNG files:
+//
+//     corvane_gallery FOLDER [SCALE]
+//
+// Without a scale it runs itself at 1 and at 2, since the scale of a program is set at its start.
+
+#include "app/MainWindow.h"
+#include "cards/AIWorkloadsCard.h"
+#include "cards/InfoButton.h"
+#include "cards/InfoPopover.h"
+#include "cards/InfoTexts.h"
+#include "cards/MemoryCard.h"
+#include "cards/PowerCard.h"
+#include "cards/ProcessCard.h"
+#include "cards/Theme.h"
+#include "cards/UtilizationCard.h"
+#include "charts/Sparkline.h"
+#include "gallery/ScriptedSamples.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLocale>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QProcess>
+
+#include <cstdio>
+#include <functional>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const ChipInfo chip{.name = u"Apple M3 Max"_s, .cpuMaxW = 36, .gpuMaxW = 56, .aneMaxW = 8};
+
+/// A window of that size with the dashboard's background.
+class Backdrop : public QWidget {
+public:
+    explicit Backdrop(const QSize &size)
+    {
+        resize(size);
+        setFocusPolicy(Qt::StrongFocus);
+        setFocus();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter(this).fillRect(rect(), Theme::windowGradient(size()));
+    }
+};
+
+class Gallery {
+public:
+    Gallery(const QDir &folder, int scale) : m_folder(folder), m_scale(scale) { }
+
+    bool save(QWidget &window, const QString &name) const
+    {
+        window.show();
+        QCoreApplication::processEvents();
+        const QString path = m_folder.filePath(u"%1@%2x.png"_s.arg(name).arg(m_scale));
+        const bool saved = window.grab().save(path);
+        std::printf("%s %s\n", saved ? "wrote" : "could not write", qPrintable(path));
+        return saved;
+    }
+
+private:
+    QDir m_folder;
+    int m_scale;
+};
+
+std::unique_ptr<MainWindow> dashboard(const QSize &size)
+{
+    auto window = std::make_unique<MainWindow>(nullptr, chip);
+    window->resize(size);
+    window->QWidget::show();
+    window->show(scriptedCurrent(), scriptedHistory());
+    window->showProcesses(scriptedProcesses());
+    window->showWorkloads(scriptedWorkloads());
+    return window;
+}
+
+void hover(Sparkline *chart, double share)
+{
+    const QPointF place(chart->width() * share, chart->height() / 2.0);
+    QMouseEvent move(QEvent::MouseMove, place, chart->mapToGlobal(place), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(chart, &move);
+}
+
+bool dashboards(const Gallery &gallery)
+{
+    constexpr QSize usual(1280, 900);
+    bool good = gallery.save(*dashboard(usual), u"dashboard"_s);
+    good &= gallery.save(*dashboard({920, 760}), u"dashboard-min"_s);
+
+    const auto byPower = dashboard(usual);
+    hover(byPower->findChild<PowerCard *>()->chart(), 0.635);
+    good &= gallery.save(*byPower, u"dashboard-hover-power"_s);
+    const auto byCPU = dashboard(usual);
+    hover(byCPU->findChild<UtilizationCard *>()->chart(), 0.42);
+    good &= gallery.save(*byCPU, u"dashboard-hover-cpu"_s);
+
+    const ChipInfo unknown{.name = u"Apple Silicon"_s, .aneMaxW = 8};
+    MainWindow empty(nullptr, unknown);
+    empty.resize(usual);
+    empty.QWidget::show();
+    empty.show(historyWithoutChip().back(), historyWithoutChip());
+    return gallery.save(empty, u"dashboard-empty"_s) && good;
+}
+
+bool memoryPressure(const Gallery &gallery)
+{
+    Backdrop window({1280, 294});
+    int left = 16;
+    for (const MemoryPressure pressure : {MemoryPressure::warning, MemoryPressure::critical}) {
+        auto *card = new MemoryCard(&window);
+        card->setGeometry(left, 16, 617, 262);
+        card->show(historyUnderPressure(pressure).back(), historyUnderPressure(pressure));
+        left += 617 + 14;
+    }
+    return gallery.save(window, u"memory-pressure"_s);
+}
+
+bool infoPopover(const Gallery &gallery)
+{
+    Backdrop window({649, 322});
+    PowerCard card(&window);
+    card.setGeometry(16, 16, 617, 262);
+    card.show(scriptedCurrent(), scriptedHistory());
+    window.show();
+    card.infoButton()->click();
+    const bool good = gallery.save(window, u"info-popover"_s);
+    card.infoButton()->click();
+
+    // The wording of the other system too.
+    const InfoText mac = infoText(InfoTopic::power, HostSystem::mac);
+    InfoPopover popover(mac.title, mac.text, card.infoButton(), InfoButton::clickArea());
+    return gallery.save(window, u"info-popover-mac"_s) && good;
+}
+
+/// One card alone on the dashboard's background.
+bool saveCard(const Gallery &gallery, const QString &name, const QSize &size,
+              const std::function<QWidget *(QWidget *parent)> &make)
+{
+    Backdrop window(size + QSize(32, 32));
+    QWidget *card = make(&window);
+    card->setGeometry(QRect(QPoint(16, 16), size));
+    return gallery.save(window, name);
+}
+
+bool cards(const Gallery &gallery)
+{
+    constexpr QSize wide(617, 262);
+    constexpr QSize narrow(406, 226);
+    constexpr QSize tall(617, 304);
+    bool good = saveCard(gallery, u"card-memory"_s, wide, [](QWidget *parent) {
+        auto *card = new MemoryCard(parent);
+        card->show(scriptedCurrent(), scriptedHistory());
+        return card;
+    });
+    good &= saveCard(gallery, u"card-power"_s, wide, [](QWidget *parent) {
+        auto *card = new PowerCard(parent);
+        card->show(scriptedCurrent(), scriptedHistory());
+        return card;
+    });
+    const auto utilization = [&](UtilizationKind kind, const QString &name) {
+        return saveCard(gallery, name, narrow, [kind](QWidget *parent) {
+            auto *card = new UtilizationCard(kind, parent, chip);
+            card->show(scriptedCurrent(), scriptedHistory());
+            return card;
+        });
+    };
+    good &= utilization(UtilizationKind::cpu, u"card-cpu"_s);
+    good &= utilization(UtilizationKind::gpu, u"card-gpu"_s);
+    good &= utilization(UtilizationKind::ane, u"card-ane"_s);
+    good &= saveCard(gallery, u"card-workloads"_s, tall, [](QWidget *parent) {
+        auto *card = new AIWorkloadsCard(parent);
+        card->show(scriptedWorkloads());
+        return card;
+    });
+    return saveCard(gallery, u"card-processes"_s, tall,
+                    [](QWidget *parent) {
+                        auto *card = new ProcessCard(parent);
+                        card->show(scriptedProcesses(), gibibytes(64));
+                        return card;
+                    })
+        && good;
+}
+
+int renderAll(const QDir &folder, int scale)
+{
+    const Gallery gallery(folder, scale);
+    bool good = dashboards(gallery);
+    good &= memoryPressure(gallery);
+    good &= infoPopover(gallery);
+    good &= cards(gallery);
+    return good ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: corvane_gallery FOLDER [SCALE]\n");
+        return 2;
+    }
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    if (!QDir().mkpath(folder))
+        return 1;
+    if (argc == 2) {
+        const QString self = QString::fromLocal8Bit(argv[0]);
+        return QProcess::execute(self, {folder, u"1"_s})
+            | QProcess::execute(self, {folder, u"2"_s});
+    }
+    qputenv("QT_SCALE_FACTOR", argv[2]);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    const QApplication application(argc, argv);
+    return renderAll(QDir(folder), QByteArray(argv[2]).toInt());
+}

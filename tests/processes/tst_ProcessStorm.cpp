@@ -1,0 +1,88 @@
+// Passes over a process table that changes under them: thousands of processes come and go.
+
+#include "processes/LiveProcess.h"
+#include "processes/ProcessBridge.h"
+#include "processes/Survey.h"
+
+#include <QDir>
+#include <QMap>
+#include <QProcess>
+#include <QSet>
+#include <QTest>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+qsizetype openDescriptors()
+{
+    return QDir(u"/proc/self/fd"_s).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
+}
+
+} // namespace
+
+class TestProcessStorm : public QObject {
+    Q_OBJECT
+
+private slots:
+    void passesThroughAStorm();
+
+private:
+    void checkRows(const std::vector<ProcessRow> &rows);
+
+    QMap<qint64, QString> m_known; ///< Names of the processes that stay all the time.
+};
+
+void TestProcessStorm::checkRows(const std::vector<ProcessRow> &rows)
+{
+    QVERIFY(!rows.empty() && rows.size() <= 20);
+    QVERIFY(std::ranges::is_sorted(rows, std::greater(), &ProcessRow::memory));
+    QSet<qint64> pids;
+    for (const ProcessRow &row : rows) {
+        pids.insert(row.id);
+        QVERIFY(row.id > 0 && row.memory > 0 && !row.name.isEmpty());
+        QCOMPARE(m_known.value(row.id, row.name), row.name);
+        const bool isReadable =
+            ProcessBridge::processArgsForPID(static_cast<std::int32_t>(row.id)).has_value();
+        QVERIFY(isReadable || !m_known.contains(row.id));
+    }
+    QCOMPARE(static_cast<std::size_t>(pids.size()), rows.size());
+}
+
+void TestProcessStorm::passesThroughAStorm()
+{
+    LiveProcess rock(u"ollama"_s, {u"run"_s, u"llama3"_s}, 250);
+    QVERIFY(rock.isReady());
+    const bool rockIsAmongTheHeaviest = heavierProcesses(240 * 1024 * 1024) < 20;
+    QProcess storm;
+    storm.start(QStringLiteral(FORK_STORM), QStringList());
+    QVERIFY(storm.waitForStarted(-1));
+    m_known = {{rock.pid(), u"ollama"_s},
+               {storm.processId(), u"fork_storm"_s},
+               {getpid(), u"tst_ProcessStorm"_s}};
+    const qsizetype descriptors = openDescriptors();
+    int passes = 0;
+    for (; storm.state() != QProcess::NotRunning; ++passes) {
+        const Survey survey = takeSurvey();
+        checkRows(survey.processes);
+        if (QTest::currentTestFailed())
+            break;
+        QCOMPARE(openDescriptors(), descriptors);
+        const bool rockIsFound = std::ranges::any_of(
+            survey.workloads, [&rock](const AIWorkload &w) { return w.pid == rock.pid(); });
+        QVERIFY(rockIsFound || !rockIsAmongTheHeaviest);
+        QCoreApplication::processEvents();
+    }
+    storm.waitForFinished(-1);
+    QCOMPARE(storm.exitCode(), 0);
+    QVERIFY(passes > 0);
+}
+
+QTEST_GUILESS_MAIN(TestProcessStorm)
+#include "tst_ProcessStorm.moc"

@@ -1,0 +1,144 @@
+#include "platform/BackgroundJob.h"
+#include "processes/AIProcessDetector.h"
+#include "processes/ProcTree.h"
+#include "processes/ProcessSampler.h"
+#include "processes/Survey.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::uint64_t MiB = 1 << 20;
+
+/// Processes from `first` on, the `i`-th one holding `i` MiB less than the first.
+void addCrowd(ProcTree &tree, int first, int count, std::uint64_t heaviest)
+{
+    for (int i = 0; i < count; ++i)
+        tree.add(first + i,
+                 {.own = heaviest - static_cast<std::uint64_t>(i) * MiB,
+                  .comm = "node\n",
+                  .cmdline = QByteArray("node\0app.js\0", 12)});
+}
+
+} // namespace
+
+class TestSurvey : public QObject {
+    Q_OBJECT
+
+private slots:
+    void equalsRankingAndDetection();
+    void looksAtTheEightyHeaviest();
+    void findsNothingWhereNothingIs();
+    void findsItself();
+    void isSafeFromManyThreads();
+    void isDeliveredInTheBackground();
+    void isDroppedWithItsOwner();
+};
+
+void TestSurvey::equalsRankingAndDetection()
+{
+    ProcTree tree;
+    addCrowd(tree, 1000, 30, 900 * MiB);
+    tree.add(1,
+             {.own = 300 * MiB, .comm = "ollama\n", .cmdline = QByteArray("ollama\0run\0a\0", 13)});
+    tree.add(2,
+             {.own = 2000 * MiB,
+              .comm = "python3\n",
+              .cmdline = QByteArray("python3\0-m\0vllm\0--model\0b\0", 26)});
+    const Survey survey = surveyBelow(tree.root());
+    QCOMPARE(survey.processes.size(), std::size_t(20));
+    QCOMPARE(survey.processes.at(0), (ProcessRow{2, u"python3"_s, 2000 * MiB}));
+    QCOMPARE(survey.processes.at(19), (ProcessRow{1018, u"node"_s, 882 * MiB}));
+    QCOMPARE(
+        survey.workloads,
+        (std::vector<AIWorkload>{{2, 2, u"python3"_s, AIFramework::vllm, u"b"_s, 2000 * MiB},
+                                 {1, 1, u"ollama"_s, AIFramework::ollama, u"a"_s, 300 * MiB}}));
+    QCOMPARE(survey.processes, ProcessSampler::topByRAM(20, tree.root()));
+    QCOMPARE(survey.workloads, AIProcessDetector::detectAll(tree.root()));
+}
+
+void TestSurvey::looksAtTheEightyHeaviest()
+{
+    ProcTree tree;
+    addCrowd(tree, 1000, 79, 900 * MiB);
+    tree.add(1, {.own = 300 * MiB, .comm = "ollama\n"});
+    QCOMPARE(surveyBelow(tree.root()).workloads.size(), std::size_t(1));
+    addCrowd(tree, 2000, 1, 301 * MiB); // Now it is the 81st.
+    QCOMPARE(surveyBelow(tree.root()).workloads.size(), std::size_t(0));
+    QCOMPARE(AIProcessDetector::detectAll(tree.root()).size(), std::size_t(0));
+}
+
+void TestSurvey::findsNothingWhereNothingIs()
+{
+    const Survey survey = surveyBelow("/nowhere");
+    QVERIFY(survey.processes.empty());
+    QVERIFY(survey.workloads.empty());
+}
+
+void TestSurvey::findsItself()
+{
+    const Survey survey = takeSurvey();
+    QVERIFY(!survey.processes.empty());
+    QVERIFY(survey.processes.size() <= 20);
+    QVERIFY(std::ranges::is_sorted(survey.processes, std::greater(), &ProcessRow::memory));
+}
+
+void TestSurvey::isSafeFromManyThreads()
+{
+    ProcTree tree;
+    addCrowd(tree, 1000, 5, 900 * MiB);
+    tree.add(1,
+             {.own = 300 * MiB, .comm = "ollama\n", .cmdline = QByteArray("ollama\0run\0a\0", 13)});
+    const Survey expected = surveyBelow(tree.root());
+    std::atomic<int> differing = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int pass = 0; pass < 20; ++pass)
+                differing += surveyBelow(tree.root()) != expected;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(differing.load(), 0);
+}
+
+void TestSurvey::isDeliveredInTheBackground()
+{
+    QObject owner;
+    std::vector<Survey> received;
+    for (int i = 0; i < 5; ++i)
+        runThenDeliver(&owner, takeSurvey,
+                       [&received](Survey survey) { received.push_back(std::move(survey)); });
+    QTRY_COMPARE(received.size(), std::size_t(5));
+    for (const Survey &survey : received)
+        QVERIFY(!survey.processes.empty());
+}
+
+void TestSurvey::isDroppedWithItsOwner()
+{
+    bool delivered = false;
+    for (int i = 0; i < 20; ++i) {
+        QObject owner;
+        runThenDeliver(&owner, takeSurvey, [&delivered](const Survey &) { delivered = true; });
+    }
+    QObject other;
+    bool later = false;
+    while (!later) {
+        runThenDeliver(
+            &other, [] { return true; }, [&later](bool value) { later = value; });
+        QTest::qWait(1);
+    }
+    QVERIFY(!delivered);
+}
+
+QTEST_GUILESS_MAIN(TestSurvey)
+#include "tst_Survey.moc"

@@ -1,0 +1,84 @@
+#include "simulated_mac/SimulatedMac.h"
+
+#include <cmath>
+#include <utility>
+
+namespace corvane::simulated {
+
+namespace {
+
+/// Where the tick counters start: a machine that has been up for long, so that one of them soon
+/// wraps.
+constexpr double firstTicks = 4294967000.0;
+
+} // namespace
+
+void SimulatedMac::boot(Machine newMachine)
+{
+    faults().clear();
+    const std::lock_guard lock(processesMutex);
+    machine = std::move(newMachine);
+    m_clock = 0;
+    m_channels.clear();
+    for (const Channel &channel : machine.channels) {
+        Running running{.residencies = std::vector<double>(channel.states.size(), 0.0)};
+        publish(channel, running);
+        m_channels.push_back(std::move(running));
+    }
+    m_exactTicks.assign(machine.cpus.size(), {firstTicks, 0, firstTicks, 0});
+    m_ticks.clear();
+    openedLibraries.clear();
+    reportingIsLoaded = machine.reportingIsLoaded;
+    advance(0);
+}
+
+void SimulatedMac::advance(double seconds)
+{
+    m_clock += seconds;
+    for (std::size_t index = 0; index < m_channels.size(); ++index) {
+        const Channel &channel = machine.channels[index];
+        Running &running = m_channels[index];
+        running.value += static_cast<double>(channel.perSecond) * seconds;
+        for (std::size_t state = 0; state < channel.states.size(); ++state)
+            running.residencies[state] +=
+                static_cast<double>(channel.states[state].perSecond) * seconds;
+        if (m_clock - running.publishedAt >= channel.publishedEvery)
+            publish(channel, running);
+    }
+    m_ticks.resize(machine.cpus.size());
+    for (std::size_t cpu = 0; cpu < machine.cpus.size(); ++cpu) {
+        const Machine::Load &load = machine.cpus[cpu];
+        const std::array<std::uint32_t, 4> gains{load.user, load.system, load.idle, load.nice};
+        for (std::size_t state = 0; state < gains.size(); ++state) {
+            double &exact = m_exactTicks[cpu][state];
+            exact += gains[state] * seconds;
+            m_ticks[cpu][state] = static_cast<std::uint32_t>(std::fmod(exact, 4294967296.0));
+        }
+    }
+}
+
+std::vector<SimulatedMac::Counter> SimulatedMac::publishedCounters() const
+{
+    std::vector<Counter> counters;
+    counters.reserve(m_channels.size());
+    for (const Running &running : m_channels)
+        counters.push_back(running.published);
+    return counters;
+}
+
+void SimulatedMac::publish(const Channel &channel, Running &running) const
+{
+    running.published.value = std::llround(running.value);
+    running.published.residencies.resize(channel.states.size());
+    for (std::size_t state = 0; state < channel.states.size(); ++state)
+        running.published.residencies[state] = std::llround(running.residencies[state]);
+    running.publishedAt = m_clock;
+}
+
+SimulatedMac &mac()
+{
+    static SimulatedMac simulated;
+    return simulated;
+}
+
+} // namespace corvane::simulated

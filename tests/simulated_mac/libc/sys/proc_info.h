@@ -1,0 +1,3 @@
+#pragma once
+
+#define PROC_ALL_PIDS 1

@@ -1,0 +1,32 @@
+// The host port is asked for once for the life of the process: being without one needs a process of
+// its own.
+
+#include "sampling/CPUCoreSampler.h"
+#include "sampling/MemorySampler.h"
+#include "simulated_mac/SimulatedMac.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::simulated;
+
+class TestNoHostPort : public QObject {
+    Q_OBJECT
+
+private slots:
+    void isAbsence();
+};
+
+void TestNoHostPort::isAbsence()
+{
+    mac().boot(baseM1());
+    faults().failAlways(Call::mach_host_self, Way::null);
+    const MemorySnapshot memory = MemorySampler::sample();
+    QCOMPARE(memory.total, std::uint64_t(17'179'869'184));
+    QCOMPARE(memory.used, 0U);
+    QVERIFY(CPUCoreSampler().sample().empty());
+    QVERIFY(accounts() == Accounts{});
+}
+
+QTEST_APPLESS_MAIN(TestNoHostPort)
+#include "tst_HostPort_mac.moc"

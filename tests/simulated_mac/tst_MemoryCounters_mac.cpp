@@ -1,0 +1,156 @@
+#include "sampling/MemorySampler.h"
+#include "simulated_mac/SimulatedMac.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::simulated;
+
+class TestMemoryCountersOnMac : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { mac().boot(baseM1()); }
+    void readsEveryRevision_data();
+    void readsEveryRevision();
+    void addsUp();
+    void readsPressure_data();
+    void readsPressure();
+    void hasNoPagesWhenTheKernelRefuses_data();
+    void hasNoPagesWhenTheKernelRefuses();
+    void hasNoValueOfAControlThatFails_data();
+    void hasNoValueOfAControlThatFails();
+    void survivesGarbage();
+    void keepsOneHostRight();
+};
+
+void TestMemoryCountersOnMac::readsEveryRevision_data()
+{
+    QTest::addColumn<std::uint32_t>("words");
+    QTest::newRow("38 words, until macOS 15") << 38U;
+    QTest::newRow("40 words, macOS 26") << 40U;
+    QTest::newRow("62 words, later") << 62U;
+}
+
+void TestMemoryCountersOnMac::readsEveryRevision()
+{
+    QFETCH(std::uint32_t, words);
+    mac().machine.statisticsWords = words;
+    const MemoryCounters counters = MemoryCountersReader().read();
+    QCOMPARE(counters.totalBytes, std::optional<std::uint64_t>(17'179'869'184));
+    QCOMPARE(counters.pageSize, std::uint64_t(16384));
+    QVERIFY(counters.pages);
+    QCOMPARE(counters.pages->free, 40'000U);
+    QCOMPARE(counters.pages->active, 300'000U);
+    QCOMPARE(counters.pages->inactive, 290'000U);
+    QCOMPARE(counters.pages->wired, 150'000U);
+    QCOMPARE(counters.pages->compressor, 120'000U);
+    QCOMPARE(counters.pages->purgeable, 10'000U);
+    QCOMPARE(counters.pages->external, 200'000U);
+    QVERIFY(counters.swap);
+    QCOMPARE(counters.swap->total, 2'147'483'648U);
+    QCOMPARE(counters.swap->used, 536'870'912U);
+    QCOMPARE(counters.pressureLevel, std::optional<std::int32_t>(1));
+}
+
+void TestMemoryCountersOnMac::addsUp()
+{
+    const MemorySnapshot memory = MemorySampler::snapshot(MemoryCountersReader().read());
+    QCOMPARE(memory.cached, 210'000U * 16384ULL);    // 10,000 purgeable and 200,000 of files.
+    QCOMPARE(memory.appMemory, 570'000U * 16384ULL); // 150,000 + 300,000 + 120,000.
+    QCOMPARE(memory.used, 650'000U * 16384ULL);      // And 290,000 inactive less 210,000 cached.
+    QCOMPARE(memory.total, std::uint64_t(17'179'869'184));
+}
+
+void TestMemoryCountersOnMac::readsPressure_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<MemoryPressure>("expected");
+    QTest::newRow("normal") << 1 << MemoryPressure::normal;
+    QTest::newRow("warning") << 2 << MemoryPressure::warning;
+    QTest::newRow("critical") << 4 << MemoryPressure::critical;
+    QTest::newRow("a level of no meaning") << 3 << MemoryPressure::normal;
+}
+
+void TestMemoryCountersOnMac::readsPressure()
+{
+    QFETCH(int, level);
+    mac().machine.pressureLevel = level;
+    QTEST(MemorySampler::snapshot(MemoryCountersReader().read()).pressure, "expected");
+}
+
+void TestMemoryCountersOnMac::hasNoPagesWhenTheKernelRefuses_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("with an error") << static_cast<int>(Way::error);
+    QTest::newRow("with a record that ends before the last field")
+        << static_cast<int>(Way::shortAnswer);
+}
+
+void TestMemoryCountersOnMac::hasNoPagesWhenTheKernelRefuses()
+{
+    QFETCH(int, way);
+    faults().failAlways(Call::host_statistics64, static_cast<Way>(way));
+    const MemoryCounters counters = MemoryCountersReader().read();
+    QVERIFY(!counters.pages);
+    QVERIFY(counters.totalBytes);
+    const MemorySnapshot memory = MemorySampler::snapshot(counters);
+    QCOMPARE(memory.total, std::uint64_t(17'179'869'184));
+    QCOMPARE(memory.used, 0U);
+    QCOMPARE(memory.free, 0U);
+    QCOMPARE(memory.swapTotal, 0U);
+    QCOMPARE(memory.pressure, MemoryPressure::normal);
+}
+
+void TestMemoryCountersOnMac::hasNoValueOfAControlThatFails_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("with an error") << static_cast<int>(Way::error);
+    QTest::newRow("with half of a value") << static_cast<int>(Way::shortAnswer);
+}
+
+void TestMemoryCountersOnMac::hasNoValueOfAControlThatFails()
+{
+    QFETCH(int, way);
+    mac().machine.pressureLevel = 4;
+    const auto reading = [way](int use) {
+        faults().clear();
+        faults().failOnce(Call::sysctlbyname, static_cast<Way>(way), use);
+        return MemoryCountersReader().read();
+    };
+    QVERIFY(!reading(1).totalBytes);
+    QVERIFY(reading(1).swap);
+    QVERIFY(!reading(2).swap);
+    QVERIFY(reading(2).pressureLevel);
+    QVERIFY(!reading(3).pressureLevel);
+    QVERIFY(reading(3).totalBytes);
+
+    QCOMPARE(MemorySampler::snapshot(reading(1)).total, 0U);
+    QCOMPARE(MemorySampler::snapshot(reading(1)).used, 0U);
+    QCOMPARE(MemorySampler::snapshot(reading(2)).swapTotal, 0U);
+    QCOMPARE(MemorySampler::snapshot(reading(2)).swapUsed, 0U);
+    QCOMPARE(MemorySampler::snapshot(reading(3)).pressure, MemoryPressure::normal);
+}
+
+void TestMemoryCountersOnMac::survivesGarbage()
+{
+    faults().failAlways(Call::host_statistics64, Way::garbage);
+    faults().failAlways(Call::sysctlbyname, Way::garbage);
+    for (int round = 0; round < 200; ++round) {
+        const MemorySnapshot memory = MemorySampler::snapshot(MemoryCountersReader().read());
+        QVERIFY(memory.used <= memory.total);
+    }
+}
+
+void TestMemoryCountersOnMac::keepsOneHostRight()
+{
+    MemoryCountersReader().read();
+    const Accounts before = accounts();
+    for (int round = 0; round < 10; ++round)
+        MemoryCountersReader().read();
+    QVERIFY(accounts() == before);
+    QCOMPARE(before.hostRights, 1L);
+}
+
+QTEST_APPLESS_MAIN(TestMemoryCountersOnMac)
+#include "tst_MemoryCounters_mac.moc"

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QTemporaryDir>
+
+#include <string>
+
+namespace corvane::test {
+
+/// Scripts the stand-in for NVIDIA's library, whose source tells the words, and reads what was
+/// called. One at a time: the library finds the script through the environment.
+class StandInNvidia {
+public:
+    StandInNvidia();
+    ~StandInNvidia();
+
+    void script(const QByteArray &lines) const;
+
+    /// Has a function stall until `letGo`.
+    void stall(const QByteArray &function) const;
+    void letGo() const;
+
+    /// How often a function was called.
+    int calls(const QByteArray &function) const;
+
+private:
+    QByteArray path(const char *file) const;
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace corvane::test
