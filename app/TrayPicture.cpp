@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <tuple>
 
 namespace corvane {
 
@@ -80,6 +82,22 @@ QImage emptyPicture(int width, int height)
     return picture;
 }
 
+/// A square with all but its number, which never changes: plate and mark are painted once.
+QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
+{
+    static std::map<std::tuple<LabelPosition, QRgb, int>, QImage> squares;
+    QImage &square = squares[{position, color.rgba(), pixels}];
+    if (!square.isNull())
+        return square;
+    square = emptyPicture(pixels, pixels);
+    QPainter painter(&square);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / side, pixels / side);
+    paintPlate(painter, side, side);
+    paintMark(painter, color, position);
+    return square;
+}
+
 /// The wide picture's grid: the label of a menu bar on its plate.
 constexpr double wideHeight = 18;
 constexpr double widePadding = 5;
@@ -90,16 +108,9 @@ constexpr double wideNumberSize = 12;
 
 QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels)
 {
-    QImage picture = emptyPicture(pixels, pixels);
+    QImage picture = emptySquare(position, number.color, pixels);
     QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const double scale = pixels / side;
-
-    painter.scale(scale, scale);
-    paintPlate(painter, side, side);
-    paintMark(painter, number.color, position);
-    painter.resetTransform();
-    paintNumber(painter, number, scale);
+    paintNumber(painter, number, pixels / side);
     return picture;
 }
 
