@@ -35,6 +35,7 @@ void CorvaneApp::openMainWindow()
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
         connectMainWindow();
     }
+    m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
     m_mainWindow->QWidget::show();
     m_mainWindow->raise();
     m_mainWindow->activateWindow();

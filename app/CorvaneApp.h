@@ -19,7 +19,7 @@ class CorvaneApp : public QObject {
 public:
     explicit CorvaneApp(QObject *parent = nullptr);
 
-    /// Opens the dashboard, or brings it to the front.
+    /// Opens the dashboard, or brings it to the front, back from the taskbar too.
     void openMainWindow();
 
 private:

@@ -9,10 +9,10 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -47,9 +47,10 @@ Qt::WindowFlags panelFlags()
 
 } // namespace
 
-MenuBarContent::MenuBarContent(QWidget *parent)
+MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     : QWidget(parent, panelFlags()),
-      m_header(new PanelHeader(this))
+      m_header(new PanelHeader(this)),
+      m_clock(std::move(clock))
 {
     setWindowTitle(u"Corvane"_s);
     setAccessibleName(u"Corvane panel"_s);
@@ -103,12 +104,12 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
 {
     // The click that closed the panel may be this one: it reaches the label after the panel is
     // gone.
-    constexpr int sameClickMilliseconds = 250;
+    constexpr double sameClick = 0.25; // Seconds.
     if (isVisible()) {
         hide();
         return;
     }
-    if (m_sinceHidden.isValid() && m_sinceHidden.elapsed() < sameClickMilliseconds)
+    if (m_hiddenAt && m_clock() - *m_hiddenAt < sameClick)
         return;
     const QScreen *screen = QGuiApplication::screenAt(anchor);
     if (!screen)
@@ -142,7 +143,7 @@ void MenuBarContent::keyPressEvent(QKeyEvent *event)
 
 void MenuBarContent::hideEvent(QHideEvent *event)
 {
-    m_sinceHidden.start();
+    m_hiddenAt = m_clock();
     QWidget::hideEvent(event);
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "app/ReadOut.h"
+#include "platform/BootClock.h"
 
-#include <QElapsedTimer>
 #include <QWidget>
+
+#include <functional>
+#include <optional>
 
 namespace corvane {
 
@@ -17,7 +20,9 @@ class MenuBarContent : public QWidget {
     Q_OBJECT
 
 public:
-    explicit MenuBarContent(QWidget *parent = nullptr);
+    /// `clock` counts seconds; a test steps its own.
+    explicit MenuBarContent(std::function<double()> clock = secondsSinceBoot,
+                            QWidget *parent = nullptr);
 
     /// Shows these numbers; an absent chip reading as 0.
     void show(const SystemMetrics &current);
@@ -39,7 +44,8 @@ protected:
 private:
     PanelHeader *m_header = nullptr;
     std::array<PanelRow *, 5> m_rows = {};
-    QElapsedTimer m_sinceHidden;
+    std::function<double()> m_clock;
+    std::optional<double> m_hiddenAt = {}; ///< Nothing before it was first shown.
 };
 
 /// Top left corner of a panel of `size` that belongs to `anchor`: centred on it, below it in the

@@ -75,7 +75,7 @@ private:
     AppSettings &m_settings;
     SamplerSources m_sources;
     HistoryStore m_store;
-    QTimer m_timer;
+    QTimer m_timer{this};   ///< A child, so that a test can find and stop it.
     qint64 m_tickCount = 0; ///< Completed ticks.
 
     SystemMetrics m_current = SystemMetrics::placeholder();

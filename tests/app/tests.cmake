@@ -12,3 +12,4 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
              SOURCES support/BusMonitor.cpp support/FakeTray.cpp support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
+corvane_test(app/tst_CorvaneApp LINK corvane::app)

@@ -54,6 +54,8 @@ private slots:
     void equalNumbersPaintNothing();
     void opensAtTheAnchorAndClosesAgain();
     void closesOnEscape();
+    void closesOnAClickElsewhere();
+    void closesWhenAnotherWindowIsActive();
     void buttonsAreReachedByTab();
     void buttonsAnnounceTheirCommands();
     void staysOnTheScreen_data();
@@ -122,15 +124,20 @@ void TestMenuBarContent::equalNumbersPaintNothing()
 
 void TestMenuBarContent::opensAtTheAnchorAndClosesAgain()
 {
-    MenuBarContent panel;
+    double now = 1000;
+    MenuBarContent panel([&now] { return now; });
     panel.toggleAt({400, 10});
     QVERIFY(panel.isVisible());
     QCOMPARE(panel.y(), 14);
     QCOMPARE(panel.x(), 400 - 140);
     panel.toggleAt({400, 10});
     QVERIFY(!panel.isVisible());
+    now += 0.2;
     panel.toggleAt({400, 10});
     QVERIFY2(!panel.isVisible(), "the click that closed it must not open it again");
+    now += 0.1;
+    panel.toggleAt({400, 10});
+    QVERIFY2(panel.isVisible(), "a later click opens it again");
 }
 
 void TestMenuBarContent::closesOnEscape()
@@ -138,6 +145,25 @@ void TestMenuBarContent::closesOnEscape()
     MenuBarContent panel;
     panel.toggleAt({400, 10});
     QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesOnAClickElsewhere()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QTest::mouseClick(&panel, Qt::LeftButton, {}, QPoint(140, 30));
+    QVERIFY2(panel.isVisible(), "a click into it does nothing");
+    QTest::mouseClick(&panel, Qt::LeftButton, {}, QPoint(-20, 30));
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesWhenAnotherWindowIsActive()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
     QVERIFY(!panel.isVisible());
 }
 

@@ -1,3 +1,5 @@
+corvane_test(cards/tst_NumberText LINK corvane::theme)
+corvane_test(cards/tst_Theme LINK corvane::theme)
 corvane_test(cards/tst_Icon LINK corvane::theme corvane::processes)
 corvane_test(cards/tst_PixelGrid LINK corvane::theme)
 corvane_test(cards/tst_Markdown LINK corvane::theme)

@@ -246,6 +246,8 @@ void TestPersistedMetric::readsEveryNumberOfJson_data()
     row("blanks around it", " 12 ", 12);
     row("beyond every double", "1e400", {});
     row("an exponent that no integer holds", "1e99999999999999999999", {});
+    row("beyond every negative double", "-1e400", {});
+    row("closer to zero than any double", "1e-400", {});
     row("true", "true", {});
     row("null", "null", {});
     row("a number as text", "\"12\"", {});
