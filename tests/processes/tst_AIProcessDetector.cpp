@@ -426,6 +426,15 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
                           {3, "llama-cli", 901 * MiB}, {4, "firefox", 950 * MiB}};
     QCOMPARE(pids(AIProcessDetector::detect(records, lines.reader(), cache)),
              (QList<qint64>{3, 9, 5, 2, 1}));
+
+    // So many that a sort that is not stable would show, in an order of no kind.
+    Records equal;
+    QList<qint64> order;
+    for (std::int32_t i = 1; i <= 40; ++i) {
+        equal.push_back({i * 7 % 41, "ollama", enough});
+        order.append(i * 7 % 41);
+    }
+    QCOMPARE(pids(AIProcessDetector::detect(equal, lines.reader(), cache)), order);
 }
 
 void TestAIProcessDetector::readsArgumentsOnce()
