@@ -3,7 +3,6 @@
 #include "app/MainWindow.h"
 
 #include <QApplication>
-#include <QCursor>
 
 namespace corvane {
 
@@ -27,9 +26,6 @@ CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
 {
     connectLabel();
     connectPanel();
-    // A program that runs and shows nothing is a defect.
-    if (!TrayLabel::isAvailable())
-        openMainWindow();
 }
 
 void CorvaneApp::openMainWindow()
@@ -48,10 +44,11 @@ void CorvaneApp::connectLabel()
 {
     const auto show = [this] { m_label.show(m_state.sampler.current()); };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
-    connect(&m_label, &TrayLabel::activated, &m_panel,
-            [this] { m_panel.toggleAt(QCursor::pos()); });
+    connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
     connect(&m_label, &TrayLabel::quitRequested, qApp, &QCoreApplication::quit);
+    // A program that runs and shows nothing is a defect.
+    connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
     show();
 }
 

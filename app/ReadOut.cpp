@@ -56,7 +56,7 @@ QString inOneLine(const ReadOutRow &row)
     return u"%1: %2, %3"_s.arg(row.title, row.value, row.detail);
 }
 
-std::array<LabelNumber, 3> labelNumbers(const SystemMetrics &current)
+LabelNumbers labelNumbers(const SystemMetrics &current)
 {
     const double gpuPercent = current.chip ? current.chip->gpuActiveFraction * 100 : 0;
     const double watts = totalWatts(current.chip);
@@ -67,7 +67,12 @@ std::array<LabelNumber, 3> labelNumbers(const SystemMetrics &current)
     };
 }
 
-QString inWords(const std::array<LabelNumber, 3> &numbers)
+QString inOneLine(const LabelNumbers &numbers)
+{
+    return u"%1 %2 %3"_s.arg(numbers[0].text, numbers[1].text, numbers[2].text);
+}
+
+QString inWords(const LabelNumbers &numbers)
 {
     return u"%1, %2, %3"_s.arg(numbers[0].words, numbers[1].words, numbers[2].words);
 }

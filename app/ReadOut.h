@@ -35,11 +35,16 @@ struct LabelNumber {
     friend bool operator==(const LabelNumber &, const LabelNumber &) = default;
 };
 
+using LabelNumbers = std::array<LabelNumber, 3>;
+
 /// Memory load, GPU load and total power, in this order: "63", "41", "12W". Loads are cut to whole
 /// per cents, not rounded.
-std::array<LabelNumber, 3> labelNumbers(const SystemMetrics &current);
+LabelNumbers labelNumbers(const SystemMetrics &current);
+
+/// All three in one line: "63 41 12W".
+QString inOneLine(const LabelNumbers &numbers);
 
 /// All three in words, for tool tips: "Memory 63 %, GPU 41 %, Power 12 W".
-QString inWords(const std::array<LabelNumber, 3> &numbers);
+QString inWords(const LabelNumbers &numbers);
 
 } // namespace corvane

@@ -4,16 +4,14 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-ReadOutMenu::ReadOutMenu(QWidget *parent) : QMenu(parent)
+ReadOutMenu::ReadOutMenu(const QList<QAction *> &commands, QWidget *parent) : QMenu(parent)
 {
     for (QAction *&row : m_rows) {
         row = addAction(QString());
         row->setEnabled(false);
     }
     addSeparator();
-    connect(addAction(u"Open Window"_s), &QAction::triggered, this,
-            &ReadOutMenu::openWindowRequested);
-    connect(addAction(u"Quit"_s), &QAction::triggered, this, &ReadOutMenu::quitRequested);
+    addActions(commands);
 
     connect(this, &QMenu::aboutToShow, this, [this] {
         m_isOpen = true;
@@ -35,7 +33,7 @@ void ReadOutMenu::updateRows()
     const auto rows = readOutRows(m_current);
     for (std::size_t row = 0; row < rows.size(); ++row) {
         // An ampersand in a menu marks a key; here it would be part of the text.
-        const QString text = inOneLine(rows[row]).replace(u'&', u"&&"_s);
+        const QString text = inOneLine(rows[row]).replace("&"_L1, "&&"_L1);
         if (m_rows[row]->text() != text)
             m_rows[row]->setText(text);
     }

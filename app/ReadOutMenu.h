@@ -6,19 +6,16 @@
 
 namespace corvane {
 
-/// The menu of a label item: live read-outs, then the panel's two commands. For the desktops that
-/// show nothing but a menu. Its rows change only while it is open.
+/// The menu of a label item: live read-outs, then the commands. For the desktops that show nothing
+/// but a menu. Its rows change only while it is open.
 class ReadOutMenu : public QMenu {
     Q_OBJECT
 
 public:
-    explicit ReadOutMenu(QWidget *parent = nullptr);
+    /// The commands belong to the label and stand in all of its menus.
+    explicit ReadOutMenu(const QList<QAction *> &commands, QWidget *parent = nullptr);
 
     void show(const SystemMetrics &current);
-
-signals:
-    void openWindowRequested();
-    void quitRequested();
 
 private:
     void updateRows();

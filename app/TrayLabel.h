@@ -1,21 +1,18 @@
 #pragma once
 
-#include "app/ReadOut.h"
-#include "app/TrayPicture.h"
+#include "sampling/SystemMetrics.h"
 
 #include <QObject>
 
 #include <memory>
 
-class QSystemTrayIcon;
+class QPoint;
 
 namespace corvane {
 
-class ReadOutMenu;
-
-/// The label in the desktop's tray: three square items, one number each. Owned by the application,
-/// which shows it each new sample; main thread. An item is drawn and announced anew only when its
-/// text changed. Without a tray nothing is shown.
+/// The label in the desktop's bar. Owned by the application, which shows it each new sample; main
+/// thread. It takes the form that this desktop can show and comes by itself where a tray turns up
+/// late or again. Without a tray nothing is shown.
 class TrayLabel : public QObject {
     Q_OBJECT
 
@@ -23,27 +20,21 @@ public:
     explicit TrayLabel(QObject *parent = nullptr);
     ~TrayLabel() override;
 
-    /// Whether this desktop has a tray to show the label in.
-    static bool isAvailable();
+    /// Whether the label can be seen now.
+    bool isAvailable() const;
 
     void show(const SystemMetrics &current);
 
 signals:
-    void activated(); ///< A click: the panel is wanted.
+    void activated(const QPoint &anchor); ///< A click there: the panel is wanted.
     void openWindowRequested();
     void quitRequested();
+    /// Once, soon after the start: this desktop has no tray, at least not yet.
+    void trayIsMissing();
 
 private:
-    struct Item {
-        LabelPosition position;
-        LabelNumber number = {};
-        std::unique_ptr<ReadOutMenu> menu;
-        std::unique_ptr<QSystemTrayIcon> icon; ///< Shows the menu, so it goes first.
-    };
-    void addItem(LabelPosition position);
-
-    std::vector<Item> m_items; ///< Memory, GPU, power.
-    QString m_toolTip;
+    struct Bar; ///< What stands in this system's bar.
+    std::unique_ptr<Bar> m_bar;
 };
 
 } // namespace corvane

@@ -1,14 +1,20 @@
 #include "app/TrayPicture.h"
 
+#include "cards/Icon.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 namespace corvane {
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 /// The square's own grid; every length below is in its units.
 constexpr double side = 22;
@@ -33,15 +39,15 @@ double markLeft(LabelPosition position)
     return 14;
 }
 
-void paintPlate(QPainter &painter)
+void paintPlate(QPainter &painter, double width, double height)
 {
     const double inset = borderWidth / 2;
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::plate());
-    painter.drawRoundedRect(QRectF(0, 0, side, side), plateRadius, plateRadius);
+    painter.drawRoundedRect(QRectF(0, 0, width, height), plateRadius, plateRadius);
     painter.setPen(QPen(Theme::plateStroke(), borderWidth));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(inset, inset, side - borderWidth, side - borderWidth),
+    painter.drawRoundedRect(QRectF(inset, inset, width - borderWidth, height - borderWidth),
                             plateRadius - inset, plateRadius - inset);
 }
 
@@ -67,18 +73,30 @@ void paintMark(QPainter &painter, const QColor &color, LabelPosition position)
     painter.drawRoundedRect(QRectF(QPointF(markLeft(position), markTop), markSize), 1, 1);
 }
 
+QImage emptyPicture(int width, int height)
+{
+    QImage picture(width, height, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    return picture;
+}
+
+/// The wide picture's grid: the label of a menu bar on its plate.
+constexpr double wideHeight = 18;
+constexpr double widePadding = 5;
+constexpr double wideGap = 5;
+constexpr double wideNumberSize = 12;
+
 } // namespace
 
 QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels)
 {
-    QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
+    QImage picture = emptyPicture(pixels, pixels);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     const double scale = pixels / side;
 
     painter.scale(scale, scale);
-    paintPlate(painter);
+    paintPlate(painter, side, side);
     paintMark(painter, number.color, position);
     painter.resetTransform();
     paintNumber(painter, number, scale);
@@ -88,9 +106,62 @@ QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels
 QIcon trayIcon(const LabelNumber &number, LabelPosition position)
 {
     QIcon icon;
-    for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
+    for (const int pixels : trayPictureSizes)
         icon.addPixmap(QPixmap::fromImage(trayPicture(number, position, pixels)));
     return icon;
+}
+
+QImage widePicture(const LabelNumbers &numbers, int pixels)
+{
+    const double scale = pixels / wideHeight;
+    QFont font = Theme::systemFont(1, QFont::Bold);
+    font.setPixelSize(qRound(wideNumberSize * scale));
+    const double twoDigits = textWidth(u"00"_s, font);
+    const double unit = textWidth(u"W"_s, font);
+    std::array<double, 3> widths = {twoDigits, twoDigits, twoDigits + unit};
+    double width = 2 * (widePadding + wideGap) * scale;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        widths[index] = std::max(widths[index], textWidth(numbers[index].text, font));
+        width += widths[index];
+    }
+
+    QImage picture = emptyPicture(static_cast<int>(std::ceil(width)), pixels);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(scale, scale);
+    paintPlate(painter, picture.width() / scale, wideHeight);
+    painter.resetTransform();
+
+    const double baseline = (pixels + QFontMetricsF(font).capHeight()) / 2;
+    double right = widePadding * scale;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        right += widths[index];
+        painter.setPen(numbers[index].color);
+        drawTextRight(painter, QPointF(right, baseline), numbers[index].text, font);
+        right += wideGap * scale;
+    }
+    return picture;
+}
+
+QImage signPicture(int pixels)
+{
+    constexpr double logoSide = 28;
+    constexpr double logoRadius = 8;
+    constexpr double opacity = 0.7;
+    constexpr QRectF glyph(5.5, 5.5, 17, 17);
+    QLinearGradient gradient(0, 0, logoSide, logoSide);
+    gradient.setColorAt(0, Theme::withOpacity(Theme::cpu(), opacity));
+    gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), opacity));
+
+    QImage picture = emptyPicture(pixels, pixels);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / logoSide, pixels / logoSide);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(gradient);
+    painter.drawRoundedRect(QRectF(0, 0, logoSide, logoSide), logoRadius, logoRadius);
+    paintIcon(painter, u"waveform.path.ecg"_s, glyph, Qt::white);
+    return picture;
 }
 
 } // namespace corvane

@@ -5,6 +5,8 @@
 #include <QIcon>
 #include <QImage>
 
+#include <array>
+
 namespace corvane {
 
 /// Where a square item stands among the label's three; shown by a mark below its number, so that
@@ -17,5 +19,15 @@ QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels
 
 /// The same in every size from 16 to 64 pixels that trays ask for.
 QIcon trayIcon(const LabelNumber &number, LabelPosition position);
+
+/// All three numbers side by side on one plate so many pixels high. As wide as two digits each
+/// need, so that it changes its width only where a number has three.
+QImage widePicture(const LabelNumbers &numbers, int pixels);
+
+/// The program's own sign in a square of so many pixels, for bars that show the numbers as text.
+QImage signPicture(int pixels);
+
+/// Heights of the pictures that are offered to trays.
+inline constexpr std::array trayPictureSizes{16, 22, 24, 32, 44, 48, 64};
 
 } // namespace corvane

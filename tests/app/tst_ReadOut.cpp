@@ -39,6 +39,7 @@ private slots:
     void labelShowsThreeNumbers();
     void labelNumbersHaveTheirUnitColours();
     void labelSaysItInWords();
+    void labelReadsAsOneLine();
     void rowsShowValuesAndDetails_data();
     void rowsShowValuesAndDetails();
     void rowsHaveTheirUnitColours();
@@ -97,6 +98,12 @@ void TestReadOut::labelSaysItInWords()
     ChipReading chip = watts(10, 30, 9.7);
     chip.gpuActiveFraction = 0.9;
     QCOMPARE(inWords(labelNumbers(sample(71, 100, chip))), u"Memory 71 %, GPU 90 %, Power 50 W"_s);
+}
+
+void TestReadOut::labelReadsAsOneLine()
+{
+    const SystemMetrics current = sample(639, 1000, watts(8, 3, 0.6));
+    QCOMPARE(inOneLine(labelNumbers(current)), u"63 0 12W"_s);
 }
 
 void TestReadOut::rowsShowValuesAndDetails_data()

@@ -31,6 +31,28 @@ QPair<double, double> inkBetween(const QImage &picture, double top, double botto
     return {first / scale, (last + 1) / scale};
 }
 
+LabelNumbers numbers(const QString &memory, const QString &gpu, const QString &power)
+{
+    return {{{.text = memory, .color = Theme::memory()},
+             {.text = gpu, .color = Theme::gpu()},
+             {.text = power, .color = Theme::power()}}};
+}
+
+/// First and last column with pixels of that colour; an empty range for none.
+QPair<int, int> columnsOf(const QImage &picture, const QColor &color)
+{
+    QPair<int, int> columns{picture.width(), -1};
+    for (int x = 0; x < picture.width(); ++x) {
+        for (int y = 0; y < picture.height(); ++y) {
+            if (picture.pixelColor(x, y).rgb() != color.rgb())
+                continue;
+            columns.first = qMin(columns.first, x);
+            columns.second = x;
+        }
+    }
+    return columns;
+}
+
 } // namespace
 
 class TestTrayPicture : public QObject {
@@ -45,6 +67,10 @@ private slots:
     void keepsEveryNumberInside_data();
     void keepsEveryNumberInside();
     void iconHasAllSizes();
+    void widePictureShowsAllThreeInOrder_data();
+    void widePictureShowsAllThreeInOrder();
+    void widePictureKeepsItsWidthUpToTwoDigits();
+    void signFillsItsSquare();
 };
 
 void TestTrayPicture::hasTheSizeAskedFor_data()
@@ -117,6 +143,51 @@ void TestTrayPicture::iconHasAllSizes()
     const QIcon icon = trayIcon(number(u"71"_s), LabelPosition::left);
     for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
         QVERIFY(icon.availableSizes().contains(QSize(pixels, pixels)));
+}
+
+void TestTrayPicture::widePictureShowsAllThreeInOrder_data()
+{
+    QTest::addColumn<LabelNumbers>("shown");
+    QTest::newRow("usual values") << numbers(u"63"_s, u"41"_s, u"12W"_s);
+    QTest::newRow("the least") << numbers(u"0"_s, u"0"_s, u"0W"_s);
+    QTest::newRow("the most") << numbers(u"100"_s, u"100"_s, u"999W"_s);
+}
+
+void TestTrayPicture::widePictureShowsAllThreeInOrder()
+{
+    QFETCH(LabelNumbers, shown);
+    for (const int pixels : trayPictureSizes) {
+        if (pixels < 32)
+            continue; // Strokes too thin for a pixel of the pure colour.
+        const QImage picture = widePicture(shown, pixels);
+        QCOMPARE(picture.height(), pixels);
+        const auto memory = columnsOf(picture, Theme::memory());
+        const auto gpu = columnsOf(picture, Theme::gpu());
+        const auto power = columnsOf(picture, Theme::power());
+        QVERIFY(memory.first > 0 && memory.first <= memory.second);
+        QVERIFY(memory.second < gpu.first && gpu.first <= gpu.second);
+        QVERIFY(gpu.second < power.first && power.first <= power.second);
+        QVERIFY(power.second < picture.width() - 1);
+    }
+}
+
+void TestTrayPicture::widePictureKeepsItsWidthUpToTwoDigits()
+{
+    const int width = widePicture(numbers(u"0"_s, u"1"_s, u"2W"_s), 22).width();
+    QCOMPARE(widePicture(numbers(u"88"_s, u"41"_s, u"12W"_s), 22).width(), width);
+    QVERIFY(widePicture(numbers(u"100"_s, u"41"_s, u"12W"_s), 22).width() > width);
+}
+
+void TestTrayPicture::signFillsItsSquare()
+{
+    const QImage picture = signPicture(44);
+    QCOMPARE(picture.size(), QSize(44, 44));
+    QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
+    QVERIFY(picture.pixelColor(22, 2).alpha() > 100);
+    bool hasGlyph = false;
+    for (int y = 0; y < 44; ++y)
+        hasGlyph = hasGlyph || picture.pixelColor(22, y).lightness() > 240;
+    QVERIFY(hasGlyph);
 }
 
 QTEST_MAIN(TestTrayPicture)

@@ -1,4 +1,4 @@
-#include "app/TrayLabel.h"
+#include "app/TrayIcons.h"
 
 #include "app/ReadOutMenu.h"
 
@@ -6,23 +6,18 @@
 
 namespace corvane {
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent)
+TrayIcons::TrayIcons(const QList<QAction *> &commands, QObject *parent) : QObject(parent)
 {
     for (const auto position : {LabelPosition::left, LabelPosition::middle, LabelPosition::right})
-        addItem(position);
+        addItem(position, commands);
     show(SystemMetrics::placeholder());
     for (const Item &item : m_items)
         item.icon->show();
 }
 
-TrayLabel::~TrayLabel() = default;
+TrayIcons::~TrayIcons() = default;
 
-bool TrayLabel::isAvailable()
-{
-    return QSystemTrayIcon::isSystemTrayAvailable();
-}
-
-void TrayLabel::show(const SystemMetrics &current)
+void TrayIcons::show(const SystemMetrics &current)
 {
     const auto numbers = labelNumbers(current);
     const QString toolTip = inWords(numbers);
@@ -39,19 +34,16 @@ void TrayLabel::show(const SystemMetrics &current)
     m_toolTip = toolTip;
 }
 
-void TrayLabel::addItem(LabelPosition position)
+void TrayIcons::addItem(LabelPosition position, const QList<QAction *> &commands)
 {
     Item item{.position = position,
-              .menu = std::make_unique<ReadOutMenu>(),
+              .menu = std::make_unique<ReadOutMenu>(commands),
               .icon = std::make_unique<QSystemTrayIcon>()};
     item.icon->setContextMenu(item.menu.get());
-    connect(item.menu.get(), &ReadOutMenu::openWindowRequested, this,
-            &TrayLabel::openWindowRequested);
-    connect(item.menu.get(), &ReadOutMenu::quitRequested, this, &TrayLabel::quitRequested);
     connect(item.icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::MiddleClick)
-                    emit openWindowRequested();
+                    emit secondaryActivated();
                 else if (reason != QSystemTrayIcon::Context)
                     emit activated();
             });

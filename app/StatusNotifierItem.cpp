@@ -1,0 +1,132 @@
+#include "app/StatusNotifierItem.h"
+
+#include "app/StatusNotifierWatcher.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QTimer>
+
+#include <chrono>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// For a watcher that does not answer, or a desktop that does not look.
+constexpr auto longestWait = 1s;
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(const QString &busAddress, const QString &id,
+                                       const QString &title, QMenu &menu, QObject *parent)
+    : QObject(parent),
+      m_id(id),
+      m_title(title),
+      m_bus(QDBusConnection::connectToBus(busAddress, id)),
+      m_menu(menu)
+{
+    registerStatusNotifierTypes();
+    m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
+    m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    QDBusConnection::disconnectFromBus(m_id);
+}
+
+void StatusNotifierItem::showPictures(Pictures pictures)
+{
+    m_paint = std::move(pictures);
+    m_pixmaps.clear();
+    emit NewIcon();
+}
+
+void StatusNotifierItem::showToolTip(const QString &text)
+{
+    if (text == m_toolTip)
+        return;
+    m_toolTip = text;
+    emit NewToolTip();
+}
+
+void StatusNotifierItem::showLabel(const QString &text, const QString &widest)
+{
+    if (text == m_label && widest == m_widestLabel)
+        return;
+    m_label = text;
+    m_widestLabel = widest;
+    emit XAyatanaNewLabel(text, widest);
+}
+
+void StatusNotifierItem::registerAtWatcher()
+{
+    QDBusMessage call = StatusNotifierWatcher::methodCall(u"RegisterStatusNotifierItem"_s);
+    call << m_bus.baseService();
+    auto *answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        answer->deleteLater();
+        m_isAnswered = true;
+        if (m_wasRead || answer->isError())
+            settle();
+    });
+    QTimer::singleShot(longestWait, this, &StatusNotifierItem::settle);
+}
+
+void StatusNotifierItem::Activate(int x, int y)
+{
+    emit activated(QPoint(x, y));
+}
+
+void StatusNotifierItem::SecondaryActivate(int, int)
+{
+    emit secondaryActivated();
+}
+
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint)
+{
+    emit secondaryActivated();
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    emit contextMenuRequested(QPoint(x, y));
+}
+
+void StatusNotifierItem::Scroll(int, const QString &) { }
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString &token)
+{
+    // Qt hands it to the compositor with the next window that asks for the focus.
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}
+
+StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
+{
+    if (m_pixmaps.isEmpty() && m_paint) {
+        for (const QImage &picture : m_paint())
+            m_pixmaps.append(StatusNotifierPixmap::from(picture));
+    }
+    if (!m_wasRead) {
+        m_wasRead = true;
+        if (m_isAnswered)
+            QMetaObject::invokeMethod(this, &StatusNotifierItem::settle, Qt::QueuedConnection);
+    }
+    return m_pixmaps;
+}
+
+/// The text stands in the title: some desktops show nothing else of it.
+StatusNotifierToolTip StatusNotifierItem::toolTip() const
+{
+    return {.title = m_toolTip};
+}
+
+void StatusNotifierItem::settle()
+{
+    if (!std::exchange(m_isSettled, true))
+        emit settled();
+}
+
+} // namespace corvane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDBusArgument>
+#include <QImage>
+#include <QList>
+#include <QString>
+
+namespace corvane {
+
+/// A picture as trays receive it, (iiay): rows from top to bottom without padding, four bytes a
+/// pixel in the order alpha, red, green, blue, not premultiplied.
+struct StatusNotifierPixmap {
+    int width = 0;
+    int height = 0;
+    QByteArray bytes = {};
+
+    static StatusNotifierPixmap from(const QImage &picture);
+
+    friend bool operator==(const StatusNotifierPixmap &, const StatusNotifierPixmap &) = default;
+};
+
+using StatusNotifierPixmaps = QList<StatusNotifierPixmap>;
+
+/// A tool tip as trays receive it, (sa(iiay)ss). Some show nothing but the title.
+struct StatusNotifierToolTip {
+    QString iconName = {};
+    StatusNotifierPixmaps pixmaps = {};
+    QString title = {};
+    QString text = {};
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const StatusNotifierPixmap &pixmap);
+const QDBusArgument &operator>>(const QDBusArgument &argument, StatusNotifierPixmap &pixmap);
+QDBusArgument &operator<<(QDBusArgument &argument, const StatusNotifierToolTip &toolTip);
+const QDBusArgument &operator>>(const QDBusArgument &argument, StatusNotifierToolTip &toolTip);
+
+/// Makes these types known to the bus; once or more often.
+void registerStatusNotifierTypes();
+
+} // namespace corvane

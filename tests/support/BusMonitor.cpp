@@ -1,0 +1,70 @@
+#include "support/BusMonitor.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QTest>
+
+namespace corvane::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A signal that stands behind everything which its connection sent before.
+constexpr auto mark = "Mark"_L1;
+
+void sendMark(const QString &connection)
+{
+    QDBusConnection(connection)
+        .send(QDBusMessage::createSignal(u"/mark"_s, u"corvane.test"_s, mark));
+}
+
+} // namespace
+
+BusMonitor::BusMonitor(const QString &address)
+{
+    m_process.start(u"dbus-monitor"_s, {u"--address"_s, address, u"--profile"_s});
+    // It says so itself, by the name that a monitor gives up.
+    const bool isThere = QTest::qWaitFor([this] {
+        read();
+        return m_members.contains("NameLost"_L1);
+    });
+    if (!isThere)
+        qFatal("No monitor on the bus");
+    m_members.clear();
+}
+
+BusMonitor::~BusMonitor()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+QStringList BusMonitor::membersSince(const QStringList &connections)
+{
+    m_marks = 0;
+    for (const QString &connection : connections)
+        sendMark(connection);
+    const bool allCame = QTest::qWaitFor([this, &connections] {
+        read();
+        return m_marks == connections.size();
+    });
+    return allCame ? std::exchange(m_members, {}) : QStringList{u"monitor is deaf"_s};
+}
+
+/// One line a message, tab-separated, the member last; answers have none.
+void BusMonitor::read()
+{
+    while (m_process.canReadLine()) {
+        const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+        const QString member = line.section(u'\t', -1);
+        if (line.startsWith(u'#'))
+            continue;
+        if (member == mark)
+            ++m_marks;
+        else
+            m_members.append(member);
+    }
+}
+
+} // namespace corvane::test

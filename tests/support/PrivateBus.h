@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+namespace corvane::test {
+
+/// A message bus of the test's own, named by DBUS_SESSION_BUS_ADDRESS. It can be killed and started
+/// again at the same address.
+class PrivateBus {
+public:
+    PrivateBus();
+    ~PrivateBus();
+
+    /// Runs from here on; false if it did not come up.
+    bool start();
+    void kill();
+
+    const QString &address() const { return m_address; }
+
+private:
+    QTemporaryDir m_folder;
+    const QString m_address;
+    QProcess m_daemon;
+};
+
+} // namespace corvane::test
