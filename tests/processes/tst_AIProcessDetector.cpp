@@ -74,6 +74,7 @@ private slots:
     void readsArgumentsOnce();
     void keepsTheArgumentsOfTheFirstSighting();
     void doesNotRetryAFailedRead();
+    void readsWithoutHoldingTheCacheUp();
     void forgetsWhatLeftTheList();
     void keepsWhatShrankButStayed();
 };
@@ -99,6 +100,12 @@ void TestAIProcessDetector::classifies_data()
     row("a name with ollama goes before one with kobold", u"kobold-ollama"_s, u""_s, match(ollama));
     row("kobold", u"KoboldCpp"_s, u"k --model /m/x.gguf"_s, match(koboldCpp, u"x.gguf"_s));
     row("kobold goes before whisper", u"kobold-whisper"_s, u""_s, match(koboldCpp));
+    row("llama- goes before whisper", u"llama-whisper"_s, u""_s, match(llamaCpp));
+    row("whisper goes before LM Studio", u"lms-whisper"_s, u""_s, match(whisperCpp));
+    row("whisper goes before the interpreters", u"python-whisper"_s, u"x -m mlx"_s,
+        match(whisperCpp));
+    row("LM Studio goes before the interpreters", u"python-lms-server"_s, u"x -m mlx"_s,
+        match(lmStudio));
     row("llama-server with a model file", u"llama-server"_s,
         u"llama-server -m /models/qwen2.5-7b.Q4_K_M.gguf"_s,
         match(llamaCpp, u"qwen2.5-7b.Q4_K_M.gguf"_s));
@@ -149,6 +156,8 @@ void TestAIProcessDetector::classifies_data()
     row("ComfyUI", u"python3"_s, u"python3 ComfyUI/main.py --listen"_s, match(comfyUI));
     row("ComfyUI in a path", u"python3"_s, u"python3 /srv/comfyui/run.py a/flux.safetensors"_s,
         match(comfyUI, u"flux.safetensors"_s));
+    row("ComfyUI goes before the web interfaces", u"python3"_s,
+        u"python3 /srv/stable-diffusion/ComfyUI/main.py"_s, match(comfyUI));
     row("ComfyUI takes no model from flags", u"python3"_s, u"python3 ComfyUI/main.py --model x"_s,
         match(comfyUI));
     row("webui.py with the first model file", u"python3"_s,
@@ -159,8 +168,14 @@ void TestAIProcessDetector::classifies_data()
     row("sd-webui", u"python3"_s, u"python3 /srv/sd-webui/launch.py"_s, match(sdWebUI));
     row("stable-diffusion", u"python3"_s, u"python3 /srv/stable-diffusion/run.py"_s,
         match(sdWebUI));
+    row("a web interface goes before transformers", u"python3"_s,
+        u"python3 webui.py --cache /srv/transformers"_s, match(sdWebUI));
+    row("a web interface takes no model from flags", u"python3"_s,
+        u"python3 webui.py --model /m/x.pt"_s, match(sdWebUI));
     row("transformers", u"python3"_s, u"python3 -m transformers.serve --model-id google/gemma-2b"_s,
         match(transformers, u"google/gemma-2b"_s));
+    row("transformers goes before a model file", u"python3"_s,
+        u"python3 -m transformers.serve /m/x.gguf"_s, match(transformers, u"x.gguf"_s));
     row("huggingface in an argument", u"python3"_s, u"python3 /home/me/.cache/HuggingFace/run.py"_s,
         match(transformers));
     row("a model file alone", u"python3"_s, u"python3 chat.py /m/x.Q4.gguf"_s,
@@ -411,6 +426,15 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
                           {3, "llama-cli", 901 * MiB}, {4, "firefox", 950 * MiB}};
     QCOMPARE(pids(AIProcessDetector::detect(records, lines.reader(), cache)),
              (QList<qint64>{3, 9, 5, 2, 1}));
+
+    // So many that a sort that is not stable would show, in an order of no kind.
+    Records equal;
+    QList<qint64> order;
+    for (std::int32_t i = 1; i <= 40; ++i) {
+        equal.push_back({i * 7 % 41, "ollama", enough});
+        order.append(i * 7 % 41);
+    }
+    QCOMPARE(pids(AIProcessDetector::detect(equal, lines.reader(), cache)), order);
 }
 
 void TestAIProcessDetector::readsArgumentsOnce()
@@ -447,6 +471,19 @@ void TestAIProcessDetector::doesNotRetryAFailedRead()
     lines.byPid[7] = {"ollama", "run", "a"};
     QCOMPARE(AIProcessDetector::detect(records, lines.reader(), cache).at(0).model, Model());
     QCOMPARE(lines.reads.size(), std::size_t(1));
+}
+
+void TestAIProcessDetector::readsWithoutHoldingTheCacheUp()
+{
+    // Another caller uses the cache while the system is asked; whoever stores last wins.
+    ArgumentCache cache;
+    const auto read = [&cache](std::int32_t pid) {
+        cache.remember(pid, {u"ollama"_s, u"run"_s, u"other"_s});
+        return std::optional(ArgumentRecord{.argv = {"ollama", "run", "own"}});
+    };
+    const auto workloads = AIProcessDetector::detect(Records{{7, "ollama", enough}}, read, cache);
+    QCOMPARE(workloads.at(0).model, Model(u"own"_s));
+    QCOMPARE(cache.find(7), std::optional(QStringList{u"ollama"_s, u"run"_s, u"own"_s}));
 }
 
 void TestAIProcessDetector::forgetsWhatLeftTheList()

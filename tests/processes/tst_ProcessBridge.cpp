@@ -44,7 +44,7 @@ private slots:
     void ranks_data();
     void ranks();
     void namesOnlyWhatIsWanted();
-    void touchesNothingForNoProcesses();
+    void findsNothingWhereNothingIs();
     void addsSwappedMemory();
     void readsStatusOnlyWhileSwapIsInUse();
     void mindsMergedPages();
@@ -184,11 +184,11 @@ void TestProcessBridge::namesOnlyWhatIsWanted()
              (Records{{1, "a", 9 * MiB}, {2, "b", 8 * MiB}, {3, std::nullopt, 7 * MiB}}));
 }
 
-void TestProcessBridge::touchesNothingForNoProcesses()
+void TestProcessBridge::findsNothingWhereNothingIs()
 {
-    QCOMPARE(ProcessBridge::topProcessesByMemory(0, "/nowhere"), Records());
     QCOMPARE(ProcessBridge::topProcessesByMemory(5, "/nowhere"), Records());
     QCOMPARE(ProcessBridge::allProcesses("/nowhere"), Records());
+    QVERIFY(!ProcessBridge::processArgsForPID(7, "/nowhere"));
 }
 
 void TestProcessBridge::addsSwappedMemory()

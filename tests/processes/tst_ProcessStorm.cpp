@@ -3,8 +3,8 @@
 #include "processes/LiveProcess.h"
 #include "processes/ProcessBridge.h"
 #include "processes/Survey.h"
+#include "support/ProcessState.h"
 
-#include <QDir>
 #include <QMap>
 #include <QProcess>
 #include <QSet>
@@ -17,15 +17,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-qsizetype openDescriptors()
-{
-    return QDir(u"/proc/self/fd"_s).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size();
-}
-
-} // namespace
 
 class TestProcessStorm : public QObject {
     Q_OBJECT

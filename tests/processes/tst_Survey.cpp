@@ -7,7 +7,9 @@
 #include <QTest>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <random>
 #include <thread>
 
 using namespace corvane;
@@ -35,6 +37,7 @@ class TestSurvey : public QObject {
 
 private slots:
     void equalsRankingAndDetection();
+    void equalsThemOnAnyMachine();
     void looksAtTheEightyHeaviest();
     void findsNothingWhereNothingIs();
     void findsItself();
@@ -63,6 +66,32 @@ void TestSurvey::equalsRankingAndDetection()
                                  {1, 1, u"ollama"_s, AIFramework::ollama, u"a"_s, 300 * MiB}}));
     QCOMPARE(survey.processes, ProcessSampler::topByRAM(20, tree.root()));
     QCOMPARE(survey.workloads, AIProcessDetector::detectAll(tree.root()));
+}
+
+void TestSurvey::equalsThemOnAnyMachine()
+{
+    // Few sizes, so that equal footprints lie on the edges of both lists; swap in use; names that
+    // cannot be read.
+    constexpr std::array sizes{1 * MiB, 199 * MiB, 200 * MiB, 300 * MiB};
+    const std::array<std::optional<QByteArray>, 4> names{"ollama\n", "python3\n", "node\n", {}};
+    std::mt19937 random(7);
+    const auto oneOf = [&random](const auto &list) { return list[random() % list.size()]; };
+    for (int machine = 0; machine < 2; ++machine) {
+        ProcTree tree;
+        tree.setSwap(4096 * MiB, 3000 * MiB);
+        for (int pid = 1; pid <= 100; ++pid)
+            tree.add(pid,
+                     {.own = oneOf(sizes),
+                      .room = 400 * MiB,
+                      .swapped = oneOf(std::array{0 * MiB, 1 * MiB, 100 * MiB}),
+                      .comm = oneOf(names),
+                      .cmdline = QByteArray("x\0-m\0mlx\0", 9)});
+        const Survey survey = surveyBelow(tree.root());
+        QCOMPARE(survey.processes.size(), std::size_t(20));
+        QVERIFY(!survey.workloads.empty());
+        QCOMPARE(survey.processes, ProcessSampler::topByRAM(20, tree.root()));
+        QCOMPARE(survey.workloads, AIProcessDetector::detectAll(tree.root()));
+    }
 }
 
 void TestSurvey::looksAtTheEightyHeaviest()
