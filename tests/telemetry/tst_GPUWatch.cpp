@@ -85,6 +85,7 @@ private slots:
     void aWorkingGPUIsReadEachTick();
     void aGPUThatNeverSleepsIsReadEachTick_data();
     void aGPUThatNeverSleepsIsReadEachTick();
+    void aGPUThatNeverSleptMayBeAllowedTo();
     void anIntegratedGPUIsReadEachTick();
     void aGPUThatCameAwakeIsRead();
     void aGPUThatIsPluggedInIsFound();
@@ -97,7 +98,7 @@ private slots:
 void TestGPUWatch::aSleepingGPUIsNotTouched_data()
 {
     QTest::addColumn<QByteArray>("status");
-    for (const char *status : {"suspended", "suspending", "resuming"})
+    for (const char *status : {"suspended", "suspending", "resuming", "error"})
         QTest::newRow(status) << QByteArray(status);
 }
 
@@ -206,6 +207,25 @@ void TestGPUWatch::aGPUThatNeverSleepsIsReadEachTick()
     bench.tree.write(amdCard + "/power/" + file.toStdString(), text.toStdString());
     for (int tick = 0; tick < 30; ++tick)
         QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatNeverSleptMayBeAllowedTo()
+{
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    bench.tree.write(amdCard + "/power/control", "on\n");
+    AccessWatch files(bench.tree.root() + '/' + amdCard);
+    QCOMPARE(bench.countAfter(3), std::size_t(1)); // Idle for long enough: asked whether it sleeps.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+
+    bench.tree.write(amdCard + "/power/control", "auto\n");
+    files.touched();
+    for (int tick = 1; tick < 60; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+    QVERIFY(!files.touched().contains(u"power/control"_s));
+    QCOMPARE(bench.tick().size(), std::size_t(1)); // A minute later it is asked again.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+    QVERIFY(bench.tick().empty());
 }
 
 void TestGPUWatch::anIntegratedGPUIsReadEachTick()
