@@ -115,7 +115,7 @@ struct GPUWatch::Devices {
     void read(FileGPU &gpu, double now);
     void readNvidia(double now);
     bool nvidiaIsAwake();
-    void considerNvidiaRest(const NvidiaReading &reading, double now);
+    bool letsNvidiaRest(const NvidiaReading &reading, double now);
     void releaseNvidia();
 };
 
@@ -179,35 +179,37 @@ void GPUWatch::Devices::readNvidia(double now)
     }
     if (!nvidia.reader)
         nvidia.reader = std::make_unique<NvidiaReader>(nvidiaLibrary, clock);
-    const auto newest = nvidia.reader->newest();
+    if (const auto newest = nvidia.reader->newest()) {
+        for (const NvidiaDeviceReading &device : newest->devices)
+            readings.push_back(gpuReading(device, newest->seconds));
+        if (letsNvidiaRest(*newest, now))
+            return;
+    }
     nvidia.reader->request();
     nvidia.held = true;
-    if (!newest)
-        return;
-    for (const NvidiaDeviceReading &device : newest->devices)
-        readings.push_back(gpuReading(device, newest->seconds));
-    considerNvidiaRest(*newest, now);
 }
 
-void GPUWatch::Devices::considerNvidiaRest(const NvidiaReading &reading, double now)
+/// True when a quiet time began, in which the library is closed.
+bool GPUWatch::Devices::letsNvidiaRest(const NvidiaReading &reading, double now)
 {
     if (reading.seconds == nvidia.lastSeconds)
-        return;
+        return false;
     nvidia.lastSeconds = reading.seconds;
     const bool idle = std::ranges::all_of(reading.devices, [](const NvidiaDeviceReading &device) {
         return restsAt(device.busyFraction.value_or(0));
     });
     if (!nvidia.gate.restsAfter(idle))
-        return;
+        return false;
     std::optional<double> longest;
     for (NvidiaGPUs::Member &member : nvidia.members) {
         if (const auto seconds = member.quiet.secondsOf(member.device, now))
             longest = std::max(longest.value_or(0), *seconds);
     }
     if (!longest)
-        return;
+        return false;
     nvidia.gate.keepQuietUntil(now + *longest);
     releaseNvidia();
+    return true;
 }
 
 void GPUWatch::Devices::releaseNvidia()
