@@ -82,6 +82,7 @@ private slots:
     void readsWhatIsAwake();
     void readsOnceATick();
     void anIdleDiscreteGPUIsLetGoAndTriedAgain();
+    void aCardIsLetGoByItsIdleTime();
     void aWorkingGPUIsReadEachTick();
     void aGPUThatNeverSleepsIsReadEachTick_data();
     void aGPUThatNeverSleepsIsReadEachTick();
@@ -180,6 +181,31 @@ void TestGPUWatch::anIdleDiscreteGPUIsLetGoAndTriedAgain()
     for (int tick = 1; tick <= 20; ++tick)
         QVERIFY(bench.tick().empty()); // It fell asleep, and stays so.
     QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+}
+
+void TestGPUWatch::aCardIsLetGoByItsIdleTime()
+{
+    const std::string card = "sys/devices/pci0000:00/0000:03:00.0";
+    Bench bench("virtual-machine-chip");
+    bench.tree.link(card + "/driver", "sys/bus/pci/drivers/xe");
+    bench.tree.link("sys/class/drm/card0/device", card);
+    bench.tree.write(card + "/power/runtime_status", "active\n");
+    bench.tree.write(card + "/power/control", "auto\n");
+    bench.tree.write(card + "/power/autosuspend_delay_ms", "1000\n");
+    int idleMilliseconds = 5000;
+    const auto readAfter = [&](int idle) {
+        idleMilliseconds += idle;
+        bench.tree.write(card + "/tile0/gt0/gtidle/idle_residency_ms",
+                         std::to_string(idleMilliseconds) + '\n');
+        return !bench.tick().empty();
+    };
+    QVERIFY(readAfter(1000)); // With nothing to compare to, it may as well be working.
+    for (const int idle : {1000, 995, 500, 1000, 1000, 1000})
+        QVERIFY(readAfter(idle));
+    for (int tick = 1; tick <= 3; ++tick)
+        QVERIFY(!readAfter(1000)); // For 4 s after the third idle second.
+    QVERIFY(readAfter(1000));      // Idle for all that time.
+    QVERIFY(!readAfter(1000));
 }
 
 void TestGPUWatch::aWorkingGPUIsReadEachTick()
