@@ -18,6 +18,28 @@ namespace {
 
 constexpr double never = -std::numeric_limits<double>::infinity();
 
+/// How long a device has to be left alone to fall asleep. One that never sleeps is not asked again
+/// for a while: it may rest for days, and is read all that time.
+class QuietTime {
+public:
+    std::optional<double> secondsOf(const GPUDevice &device, double now)
+    {
+        constexpr double secondsBetweenTries = 60;
+        if (now < m_nextTry)
+            return std::nullopt;
+        const std::string power = device.folder + "/power/";
+        const auto seconds = gpuQuietSeconds(readKernelFile(power + "runtime_status"),
+                                             readKernelFile(power + "control"),
+                                             readKernelFile(power + "autosuspend_delay_ms"));
+        if (!seconds)
+            m_nextTry = now + secondsBetweenTries;
+        return seconds;
+    }
+
+private:
+    double m_nextTry = never;
+};
+
 /// A GPU whose driver speaks through files.
 struct FileGPU {
     explicit FileGPU(const GPUDevice &found)
@@ -29,6 +51,7 @@ struct FileGPU {
     GPUDevice device;
     KernelFile runtimeStatus;
     GPUSleepGate gate = {};
+    QuietTime quiet = {};
     std::unique_ptr<GPUFiles> files = {}; ///< Made when it is first seen awake.
     std::optional<GPUReading> last = {};
 };
@@ -38,6 +61,7 @@ struct NvidiaGPUs {
     struct Member {
         GPUDevice device;
         KernelFile runtimeStatus;
+        QuietTime quiet = {};
     };
     std::vector<Member> members = {};
     GPUSleepGate gate = {};
@@ -45,15 +69,6 @@ struct NvidiaGPUs {
     bool held = false;          ///< The library may be open.
     double lastSeconds = never; ///< Of the reading last looked at.
 };
-
-/// How long to leave a device alone; nothing for one that never sleeps.
-std::optional<double> quietSeconds(const GPUDevice &device)
-{
-    const std::string power = device.folder + "/power/";
-    return gpuQuietSeconds(readKernelFile(power + "runtime_status"),
-                           readKernelFile(power + "control"),
-                           readKernelFile(power + "autosuspend_delay_ms"));
-}
 
 constexpr bool restsAt(double busyShare)
 {
@@ -100,7 +115,7 @@ struct GPUWatch::Devices {
     void read(FileGPU &gpu, double now);
     void readNvidia(double now);
     bool nvidiaIsAwake();
-    void considerNvidiaRest(const NvidiaReading &reading, double now);
+    bool letsNvidiaRest(const NvidiaReading &reading, double now);
     void releaseNvidia();
 };
 
@@ -137,10 +152,10 @@ void GPUWatch::Devices::read(FileGPU &gpu, double now)
     gpu.last = reading;
     readings.push_back(std::move(reading));
 
-    // Without its display an integrated GPU sleeps whether it is looked at or not.
+    // An integrated GPU is awake for as long as its display is, and saves little by sleeping.
     if (gpu.device.integrated || !gpu.gate.restsAfter(idle))
         return;
-    if (const auto seconds = quietSeconds(gpu.device))
+    if (const auto seconds = gpu.quiet.secondsOf(gpu.device, now))
         gpu.gate.keepQuietUntil(now + *seconds);
 }
 
@@ -164,35 +179,37 @@ void GPUWatch::Devices::readNvidia(double now)
     }
     if (!nvidia.reader)
         nvidia.reader = std::make_unique<NvidiaReader>(nvidiaLibrary, clock);
-    const auto newest = nvidia.reader->newest();
+    if (const auto newest = nvidia.reader->newest()) {
+        for (const NvidiaDeviceReading &device : newest->devices)
+            readings.push_back(gpuReading(device, newest->seconds));
+        if (letsNvidiaRest(*newest, now))
+            return;
+    }
     nvidia.reader->request();
     nvidia.held = true;
-    if (!newest)
-        return;
-    for (const NvidiaDeviceReading &device : newest->devices)
-        readings.push_back(gpuReading(device, newest->seconds));
-    considerNvidiaRest(*newest, now);
 }
 
-void GPUWatch::Devices::considerNvidiaRest(const NvidiaReading &reading, double now)
+/// True when a quiet time began, in which the library is closed.
+bool GPUWatch::Devices::letsNvidiaRest(const NvidiaReading &reading, double now)
 {
     if (reading.seconds == nvidia.lastSeconds)
-        return;
+        return false;
     nvidia.lastSeconds = reading.seconds;
     const bool idle = std::ranges::all_of(reading.devices, [](const NvidiaDeviceReading &device) {
         return restsAt(device.busyFraction.value_or(0));
     });
     if (!nvidia.gate.restsAfter(idle))
-        return;
+        return false;
     std::optional<double> longest;
-    for (const NvidiaGPUs::Member &member : nvidia.members) {
-        if (const auto seconds = quietSeconds(member.device))
+    for (NvidiaGPUs::Member &member : nvidia.members) {
+        if (const auto seconds = member.quiet.secondsOf(member.device, now))
             longest = std::max(longest.value_or(0), *seconds);
     }
     if (!longest)
-        return;
+        return false;
     nvidia.gate.keepQuietUntil(now + *longest);
     releaseNvidia();
+    return true;
 }
 
 void GPUWatch::Devices::releaseNvidia()

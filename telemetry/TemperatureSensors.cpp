@@ -67,6 +67,12 @@ std::string_view prefixOf(const SensorDevice &device, std::string_view label)
 
 } // namespace
 
+bool tellsOfChip(std::string_view driver)
+{
+    return std::ranges::any_of(rules,
+                               [&](const Rule &rule) { return fitsDriver(rule.driver, driver); });
+}
+
 std::vector<std::vector<std::string>> sensorNames(const std::vector<SensorDevice> &devices)
 {
     std::map<std::string_view, int> numbers;

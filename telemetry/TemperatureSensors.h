@@ -13,6 +13,10 @@ struct SensorDevice {
     std::vector<std::string> labels = {};
 };
 
+/// Whether any temperature of a device with this driver may be of interest. Those of others need
+/// not even be listed: some of them take milliseconds for a label.
+bool tellsOfChip(std::string_view driver);
+
 /// The names under which the temperatures of these devices are known, each in the place of its
 /// label: a prefix that tells the category and a running number, such as "PACC 3" for a CPU core,
 /// "SOC 1" for a package and "GPU 2". Empty for one that belongs to none.

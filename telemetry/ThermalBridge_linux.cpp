@@ -76,8 +76,10 @@ void ThermalBridge::Sensors::scanMonitors()
         const std::string path = folder + monitor + "/";
         if (isGPU(path))
             continue;
-        SensorDevice &device = devices.emplace_back();
-        device.driver = trimmedFile(path + "name");
+        const std::string driver = trimmedFile(path + "name");
+        if (!tellsOfChip(driver))
+            continue;
+        SensorDevice &device = devices.emplace_back(SensorDevice{.driver = driver});
         auto &ofDevice = paths.emplace_back();
         for (const std::string &name : namesInFolder(path)) {
             const auto stem = sensorStem(name);

@@ -1,4 +1,4 @@
-foreach(test ChipName_mac CoreTicks_mac FailingMac FrequencyTables_mac HostPort_mac IOReportBridge_mac
+foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTables_mac HostPort_mac IOReportBridge_mac
              LivelyLoad MemoryCounters_mac PageSize_mac ProcessBridge_mac SimulatedMac SimulatedMachines
              ThermalBridge_mac ThreadPriority_mac)
   corvane_test(simulated_mac/tst_${test} SYSTEM simulated-mac

@@ -47,3 +47,4 @@ corvane_test(telemetry/tst_CPUClusterStates SYSTEM linux LINK corvane::telemetry
 corvane_test(telemetry/tst_ChipReader SYSTEM linux LINK corvane::telemetry)
 corvane_test(telemetry/tst_IOReportBridgeLinux SYSTEM linux LINK corvane::telemetry)
 corvane_test(telemetry/tst_ChipOfThisMachine SYSTEM linux LINK corvane::telemetry)
+corvane_test(telemetry/tst_ChipSource SYSTEM linux LINK corvane::telemetry)

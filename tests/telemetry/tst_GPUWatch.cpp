@@ -82,9 +82,11 @@ private slots:
     void readsWhatIsAwake();
     void readsOnceATick();
     void anIdleDiscreteGPUIsLetGoAndTriedAgain();
+    void aCardIsLetGoByItsIdleTime();
     void aWorkingGPUIsReadEachTick();
     void aGPUThatNeverSleepsIsReadEachTick_data();
     void aGPUThatNeverSleepsIsReadEachTick();
+    void aGPUThatNeverSleptMayBeAllowedTo();
     void anIntegratedGPUIsReadEachTick();
     void aGPUThatCameAwakeIsRead();
     void aGPUThatIsPluggedInIsFound();
@@ -97,7 +99,7 @@ private slots:
 void TestGPUWatch::aSleepingGPUIsNotTouched_data()
 {
     QTest::addColumn<QByteArray>("status");
-    for (const char *status : {"suspended", "suspending", "resuming"})
+    for (const char *status : {"suspended", "suspending", "resuming", "error"})
         QTest::newRow(status) << QByteArray(status);
 }
 
@@ -181,6 +183,31 @@ void TestGPUWatch::anIdleDiscreteGPUIsLetGoAndTriedAgain()
     QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
 }
 
+void TestGPUWatch::aCardIsLetGoByItsIdleTime()
+{
+    const std::string card = "sys/devices/pci0000:00/0000:03:00.0";
+    Bench bench("virtual-machine-chip");
+    bench.tree.link(card + "/driver", "sys/bus/pci/drivers/xe");
+    bench.tree.link("sys/class/drm/card0/device", card);
+    bench.tree.write(card + "/power/runtime_status", "active\n");
+    bench.tree.write(card + "/power/control", "auto\n");
+    bench.tree.write(card + "/power/autosuspend_delay_ms", "1000\n");
+    int idleMilliseconds = 5000;
+    const auto readAfter = [&](int idle) {
+        idleMilliseconds += idle;
+        bench.tree.write(card + "/tile0/gt0/gtidle/idle_residency_ms",
+                         std::to_string(idleMilliseconds) + '\n');
+        return !bench.tick().empty();
+    };
+    QVERIFY(readAfter(1000)); // With nothing to compare to, it may as well be working.
+    for (const int idle : {1000, 995, 500, 1000, 1000, 1000})
+        QVERIFY(readAfter(idle));
+    for (int tick = 1; tick <= 3; ++tick)
+        QVERIFY(!readAfter(1000)); // For 4 s after the third idle second.
+    QVERIFY(readAfter(1000));      // Idle for all that time.
+    QVERIFY(!readAfter(1000));
+}
+
 void TestGPUWatch::aWorkingGPUIsReadEachTick()
 {
     Bench bench("amd-desktop");
@@ -206,6 +233,25 @@ void TestGPUWatch::aGPUThatNeverSleepsIsReadEachTick()
     bench.tree.write(amdCard + "/power/" + file.toStdString(), text.toStdString());
     for (int tick = 0; tick < 30; ++tick)
         QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatNeverSleptMayBeAllowedTo()
+{
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    bench.tree.write(amdCard + "/power/control", "on\n");
+    AccessWatch files(bench.tree.root() + '/' + amdCard);
+    QCOMPARE(bench.countAfter(3), std::size_t(1)); // Idle for long enough: asked whether it sleeps.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+
+    bench.tree.write(amdCard + "/power/control", "auto\n");
+    files.touched();
+    for (int tick = 1; tick < 60; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+    QVERIFY(!files.touched().contains(u"power/control"_s));
+    QCOMPARE(bench.tick().size(), std::size_t(1)); // A minute later it is asked again.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+    QVERIFY(bench.tick().empty());
 }
 
 void TestGPUWatch::anIntegratedGPUIsReadEachTick()

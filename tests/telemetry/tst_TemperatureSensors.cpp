@@ -21,6 +21,8 @@ class TestTemperatureSensors : public QObject {
 private slots:
     void namesSensors_data();
     void namesSensors();
+    void tellsDriversApart_data();
+    void tellsDriversApart();
     void tellsZones_data();
     void tellsZones();
     void readsZones_data();
@@ -71,6 +73,24 @@ void TestTemperatureSensors::namesSensors()
 {
     QFETCH(Devices, devices);
     QTEST(sensorNames(devices), "names");
+}
+
+void TestTemperatureSensors::tellsDriversApart_data()
+{
+    QTest::addColumn<QByteArray>("driver");
+    QTest::addColumn<bool>("expected");
+    for (const char *driver : {"coretemp", "k10temp", "zenpower", "cpu_thermal", "cpu0_thermal",
+                               "soc_thermal", "gpu_thermal", "scpi_sensors"})
+        QTest::newRow(driver) << QByteArray(driver) << true;
+    for (const char *driver :
+         {"", "nvme", "dell_smm", "thinkpad", "spd5118", "acpitz", "amdgpu", "npu_thermal"})
+        QTest::newRow(*driver ? driver : "no name") << QByteArray(driver) << false;
+}
+
+void TestTemperatureSensors::tellsDriversApart()
+{
+    QFETCH(QByteArray, driver);
+    QTEST(tellsOfChip(driver.toStdString()), "expected");
 }
 
 void TestTemperatureSensors::tellsZones_data()

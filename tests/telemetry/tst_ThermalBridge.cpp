@@ -36,6 +36,7 @@ private slots:
     void zonesStandInBestFirst();
     void theHottestZoneOfAKindCounts();
     void aSleepingGPUIsNotTouched();
+    void onlyTheNameOfOtherDevicesIsRead();
     void findsADriverThatComesLate();
 };
 
@@ -124,6 +125,15 @@ void TestThermalBridge::aSleepingGPUIsNotTouched()
     ThermalBridge bridge(tree.root());
     QCOMPARE(bridge.readAllTemperatures(), (Temperatures{{"PACC 1", 56.25}, {"PACC 2", 55.75}}));
     QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+}
+
+void TestThermalBridge::onlyTheNameOfOtherDevicesIsRead()
+{
+    const MachineTree tree("intel-hybrid-nvidia");
+    AccessWatch files(tree.root() + '/' + monitors + "hwmon1"); // A disk's.
+    ThermalBridge bridge(tree.root());
+    QCOMPARE(bridge.readAllTemperatures().size(), std::size_t(5));
+    QCOMPARE(files.touched(), QStringList{u"name"_s});
 }
 
 void TestThermalBridge::findsADriverThatComesLate()
