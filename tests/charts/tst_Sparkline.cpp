@@ -1,8 +1,8 @@
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 #include "charts/HoverTime.h"
-#include "support/Rendering.h"
 #include "charts/Sparkline.h"
+#include "support/Rendering.h"
 
 #include <QApplication>
 #include <QEnterEvent>

@@ -19,13 +19,13 @@ int main()
     lowerThreadPriority();
     const bool known = hostSystem() == HostSystem::mac && secondsSinceBoot() > 0
         && MemoryCountersReader().read().pages && CoreTicksReader().read() && readChipName()
-        && !frequencyTables().performance.empty()
-        && !ThermalBridge().readAllTemperatures().empty() && !ProcessBridge::allProcesses().empty()
-        && ProcessBridge::processArgsForPID(1);
+        && !frequencyTables().performance.empty() && !ThermalBridge().readAllTemperatures().empty()
+        && !ProcessBridge::allProcesses().empty() && ProcessBridge::processArgsForPID(1);
     const auto bridge = IOReportBridge::withChannelGroups({{.group = "Energy Model"}});
     if (!known || !bridge)
         return 1;
     const auto sample = bridge->takeSample();
-    bridge->iterate(bridge->delta(sample.get(), sample.get()).get(), [](const ReportingChannel &) {});
+    bridge->iterate(bridge->delta(sample.get(), sample.get()).get(),
+                    [](const ReportingChannel &) {});
     return 0;
 }
