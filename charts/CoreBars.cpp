@@ -135,7 +135,7 @@ void CoreBars::paintEvent(QPaintEvent *)
         return;
 
     const QRectF row(0, m_data.height + captionGap, width(), captionHeight);
-    const double baseline = centredBaseline(captionFont(), row.top(), row.height());
+    const double baseline = TextLine{row.top(), row.height()}.baseline(captionFont());
     const std::vector<QRectF> places =
         evenRow(static_cast<std::size_t>(m_data.labels->size()), row, m_data.spacing);
     painter.setPen(Theme::textTertiary());
