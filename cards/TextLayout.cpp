@@ -78,7 +78,10 @@ public:
             return;
         }
         QFont large = font;
-        large.setPixelSize(font.pixelSize() * m_ratio);
+        if (font.pixelSize() > 0)
+            large.setPixelSize(font.pixelSize() * m_ratio);
+        else // The font's size was given in typographic points.
+            large.setPointSizeF(font.pointSizeF() * m_ratio);
         if (font.letterSpacingType() == QFont::AbsoluteSpacing)
             large.setLetterSpacing(QFont::AbsoluteSpacing, font.letterSpacing() * m_ratio);
         painter.save();
