@@ -5,7 +5,7 @@
 namespace corvane {
 
 /// The one home of how quantities become text. The point is the decimal mark in every locale, and
-/// rounding is to the nearest.
+/// rounding is to the nearest, halfway to the even digit.
 
 QString percentText(double percent);                      ///< "71%"
 QString spacedPercentText(double percent);                ///< "71 %"
