@@ -1,5 +1,6 @@
 #include "charts/CoreBars.h"
 
+#include "cards/CardStyle.h"
 #include "cards/NumberText.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
@@ -127,9 +128,10 @@ void CoreBars::paintEvent(QPaintEvent *)
         evenRow(m_data.values.size(), QRectF(0, 0, width(), m_data.height), m_data.spacing);
     for (std::size_t core = 0; core < bars.size(); ++core) {
         painter.setBrush(track);
-        painter.drawRoundedRect(bars[core], radius, radius);
+        painter.drawPath(CardStyle::continuousCorners(bars[core], radius));
         painter.setBrush(fill);
-        painter.drawRoundedRect(barFill(bars[core], m_data.values[core]), radius, radius);
+        const QRectF filled = barFill(bars[core], m_data.values[core]);
+        painter.drawPath(CardStyle::continuousCorners(filled, radius));
     }
     if (!m_data.labels)
         return;

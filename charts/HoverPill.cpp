@@ -1,5 +1,6 @@
 #include "charts/HoverPill.h"
 
+#include "cards/CardStyle.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -190,10 +191,11 @@ void HoverPill::paint(QPainter &painter, const QPointF &origin) const
     const QRectF box(origin, m_size);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::pillFill());
-    painter.drawRoundedRect(box, radius, radius);
+    painter.drawPath(CardStyle::continuousCorners(box, radius));
     painter.setPen(QPen(Theme::pillStroke(), 1));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+    painter.drawPath(
+        CardStyle::continuousCorners(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5));
     paintContent(painter, origin + QPointF(horizontalPadding, verticalPadding));
 }
 
