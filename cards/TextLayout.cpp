@@ -78,10 +78,7 @@ public:
             return;
         }
         QFont large = font;
-        if (font.pixelSize() > 0)
-            large.setPixelSize(font.pixelSize() * m_ratio);
-        else // The font's size was given in typographic points.
-            large.setPointSizeF(font.pointSizeF() * m_ratio);
+        large.setPixelSize(font.pixelSize() * m_ratio);
         if (font.letterSpacingType() == QFont::AbsoluteSpacing)
             large.setLetterSpacing(QFont::AbsoluteSpacing, font.letterSpacing() * m_ratio);
         painter.save();

@@ -30,13 +30,6 @@ QRectF ink(const QString &text, const QFont &font, double scale)
     return QRectF(QPointF(box.topLeft()) / scale, QSizeF(box.size()) / scale);
 }
 
-QFont inPoints(double size)
-{
-    QFont font = Theme::monospacedFont(11);
-    font.setPointSizeF(size);
-    return font;
-}
-
 } // namespace
 
 class TestTextLayout : public QObject {
@@ -55,8 +48,8 @@ private slots:
 void TestTextLayout::isOfOneSizeAtEveryScale_data()
 {
     QTest::addColumn<QFont>("font");
-    QTest::newRow("a size in pixels") << Theme::systemFont(22);
-    QTest::newRow("a size in typographic points") << inPoints(16.5);
+    QTest::newRow("the system's font") << Theme::systemFont(22);
+    QTest::newRow("the monospaced font") << Theme::monospacedFont(20);
 }
 
 void TestTextLayout::isOfOneSizeAtEveryScale()
