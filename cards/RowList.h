@@ -46,7 +46,6 @@ public:
 
     int rowCount() const { return m_geometry.count; }
     int offset() const { return m_offset; }
-    const RowGeometry &geometryOfRows() const { return m_geometry; }
 
     void setRowCount(int count);
 
