@@ -8,7 +8,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 
 #include <algorithm>
 #include <cmath>
@@ -31,6 +30,9 @@ constexpr double lineHeight = 16; ///< A line of 14 and 2 between lines.
 constexpr double lineBox = 14;
 constexpr double textBaseline = 11.5;
 constexpr int fontSize = 11;
+// Monospaced letters look larger. The size is a whole one: many such fonts are hinted at whole
+// sizes only, and would come out wider at scale 2 than they were measured.
+constexpr int codeSize = 10;
 
 MarkdownStyle bodyStyle()
 {
@@ -39,11 +41,7 @@ MarkdownStyle bodyStyle()
     style.bold = Theme::systemFont(fontSize, QFont::DemiBold);
     style.italic = Theme::systemFont(fontSize);
     style.italic.setItalic(true);
-    // Monospaced letters look larger. Pixel sizes are whole, so the size is given in typographic
-    // points.
-    constexpr double codeSize = 0.95 * fontSize;
-    style.code = Theme::monospacedFont(fontSize);
-    style.code.setPointSizeF(codeSize * 72 / qApp->primaryScreen()->logicalDotsPerInch());
+    style.code = Theme::monospacedFont(codeSize);
     style.codePadding = 2;
     return style;
 }

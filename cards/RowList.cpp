@@ -107,7 +107,6 @@ void RowList::paintEvent(QPaintEvent *event)
         paintFade(painter, QRectF(rect()).adjusted(0, plain.height(), 0, 0));
     }
     painter.save();
-    painter.setClipRect(plain & dirty);
     paintRows(painter, plain & dirty);
     painter.restore();
 
@@ -125,8 +124,11 @@ void RowList::paintEvent(QPaintEvent *event)
 void RowList::paintRows(QPainter &painter, const QRectF &part) const
 {
     for (int row = 0; row < m_geometry.count; ++row) {
-        if (rowRect(row).intersects(part))
-            m_rows.paint(painter, row, rowRect(row));
+        if (!rowRect(row).intersects(part))
+            continue;
+        // A name of nothing but stacked accents would reach far into other rows.
+        painter.setClipRect(rowRect(row) & part);
+        m_rows.paint(painter, row, rowRect(row));
     }
 }
 

@@ -37,7 +37,7 @@ public:
         int height = 0;
         int gap = 0;
         int rightMargin = 0; ///< Belongs to the thumb.
-        /// Paints a row into a rectangle; what it paints stays inside.
+        /// Paints a row into a rectangle; what would lie outside is cut off.
         std::function<void(QPainter &, int row, const QRectF &)> paint = {};
         std::function<SpokenText(int row)> speak = {};
     };
@@ -46,7 +46,6 @@ public:
 
     int rowCount() const { return m_geometry.count; }
     int offset() const { return m_offset; }
-    const RowGeometry &geometryOfRows() const { return m_geometry; }
 
     void setRowCount(int count);
 

@@ -158,12 +158,6 @@ void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString 
     drawText(painter, baselineEnd - QPointF(textWidth(text, font, digits), 0), text, font, digits);
 }
 
-double centredBaseline(const QFont &font, double top, double height)
-{
-    const QFontMetricsF metrics(font);
-    return top + (height - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent();
-}
-
 QString elided(const QString &text, const QFont &font, double width)
 {
     return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);

@@ -32,9 +32,6 @@ void drawText(QPainter &painter, const QPointF &baseline, const QString &text, c
 void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString &text,
                    const QFont &font, Digits digits = Digits::fixedWidth);
 
-/// Baseline that centres a line of this font in a box; holds in any font.
-double centredBaseline(const QFont &font, double top, double height);
-
 /// `text` cut at its right end with one ellipsis so that it is at most `width` wide.
 QString elided(const QString &text, const QFont &font, double width);
 

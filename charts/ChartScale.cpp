@@ -26,14 +26,6 @@ double ChartScale::yFor(double amount) const
     return size.height() * (1 - (pinned - value.lower) / value.span());
 }
 
-std::optional<QPointF> ChartScale::pointFor(double seconds, double amount) const
-{
-    const std::optional<double> x = xFor(seconds);
-    if (!x)
-        return std::nullopt;
-    return QPointF(*x, yFor(amount));
-}
-
 std::vector<std::optional<double>> sampleColumns(std::span<const double> timestamps,
                                                  const ChartScale &scale)
 {

@@ -2,7 +2,6 @@
 
 #include "charts/SparklineData.h"
 
-#include <QPointF>
 #include <QSizeF>
 
 #include <optional>
@@ -27,8 +26,6 @@ struct ChartScale {
 
     /// Pinned to the range. What is not a number comes out at the upper end, as in the core bars.
     double yFor(double amount) const;
-
-    std::optional<QPointF> pointFor(double seconds, double amount) const;
 };
 
 /// Where each sample stands: nothing for one outside the time range, and for one that is later than

@@ -1,5 +1,6 @@
 #include "charts/CoreBars.h"
 
+#include "cards/CardStyle.h"
 #include "cards/NumberText.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
@@ -127,15 +128,16 @@ void CoreBars::paintEvent(QPaintEvent *)
         evenRow(m_data.values.size(), QRectF(0, 0, width(), m_data.height), m_data.spacing);
     for (std::size_t core = 0; core < bars.size(); ++core) {
         painter.setBrush(track);
-        painter.drawRoundedRect(bars[core], radius, radius);
+        painter.drawPath(CardStyle::continuousCorners(bars[core], radius));
         painter.setBrush(fill);
-        painter.drawRoundedRect(barFill(bars[core], m_data.values[core]), radius, radius);
+        const QRectF filled = barFill(bars[core], m_data.values[core]);
+        painter.drawPath(CardStyle::continuousCorners(filled, radius));
     }
     if (!m_data.labels)
         return;
 
     const QRectF row(0, m_data.height + captionGap, width(), captionHeight);
-    const double baseline = centredBaseline(captionFont(), row.top(), row.height());
+    const double baseline = TextLine{row.top(), row.height()}.baseline(captionFont());
     const std::vector<QRectF> places =
         evenRow(static_cast<std::size_t>(m_data.labels->size()), row, m_data.spacing);
     painter.setPen(Theme::textTertiary());

@@ -1,5 +1,6 @@
 #include "charts/HoverPill.h"
 
+#include "cards/CardStyle.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -94,21 +95,20 @@ QSizeF sizeOf(const PillContent &content)
 void paintRow(QPainter &painter, const PillRow &row, const QRectF &place)
 {
     const QFont &font = valueFont(row.style);
-    const double baseline = centredBaseline(font, place.top(), place.height());
+    const TextLine line{place.top(), place.height()};
     double x = place.left();
     if (row.style == PillRow::Style::component) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(row.color);
         painter.drawEllipse(QRectF(x, place.center().y() - dotSize / 2, dotSize, dotSize));
         painter.setPen(Theme::textSecondary());
-        drawText(painter,
-                 {x + dotSize + dotGap, centredBaseline(labelFont(), place.top(), place.height())},
-                 row.label, labelFont());
+        drawText(painter, {x + dotSize + dotGap, line.baseline(labelFont())}, row.label,
+                 labelFont());
         x = place.right() - valuesWidth(row);
     }
     painter.setPen(row.color);
     for (const QString &value : row.values) {
-        drawText(painter, {x, baseline}, value, font);
+        drawText(painter, {x, line.baseline(font)}, value, font);
         x += textWidth(value, font) + valueGap;
     }
 }
@@ -191,18 +191,19 @@ void HoverPill::paint(QPainter &painter, const QPointF &origin) const
     const QRectF box(origin, m_size);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::pillFill());
-    painter.drawRoundedRect(box, radius, radius);
+    painter.drawPath(CardStyle::continuousCorners(box, radius));
     painter.setPen(QPen(Theme::pillStroke(), 1));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+    painter.drawPath(
+        CardStyle::continuousCorners(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5));
     paintContent(painter, origin + QPointF(horizontalPadding, verticalPadding));
 }
 
 void HoverPill::paintContent(QPainter &painter, const QPointF &origin) const
 {
     painter.setPen(Theme::textTertiary());
-    drawText(painter, {origin.x(), centredBaseline(timeFont(), origin.y(), timeHeight)},
-             m_content.time, timeFont());
+    const TextLine timeLine{origin.y(), timeHeight};
+    drawText(painter, {origin.x(), timeLine.baseline(timeFont())}, m_content.time, timeFont());
     const double width = m_size.width() - 2 * horizontalPadding;
     double y = origin.y() + timeHeight;
     for (const PillRow &row : m_content.rows) {

@@ -61,6 +61,8 @@ private slots:
     void rendersMarks();
     void paintsBodyAndArrow_data();
     void paintsBodyAndArrow();
+    void keepsCodeOnItsGround_data() { paintsBodyAndArrow_data(); }
+    void keepsCodeOnItsGround();
     void canBeRead();
 };
 
@@ -258,6 +260,28 @@ void TestInfoButton::paintsBodyAndArrow()
     QVERIFY(isClose(pixelAt(image, 5, 40), Theme::popoverFill()));
     // The stroke lies inside the edge: white at 0.12 over the fill.
     QVERIFY(isClose(pixelAt(image, 0.5, 50), QColor(64, 68, 77)));
+}
+
+void TestInfoButton::keepsCodeOnItsGround()
+{
+    QFETCH(double, scale);
+    Window window;
+    InfoButton button({u"Code"_s, u'`' + QString(40, u'H') + u'`'}, &window.widget);
+    button.show();
+    button.click();
+    const QImage image = rendered(*button.popover(), scale);
+    const double line = 8 + 14 + 17 + 8 + 7; // The arrow, the title and half a line.
+    const int ground = Theme::popoverFill().lightness();
+    double groundEnd = 0;
+    double inkEnd = 0;
+    for (double x = 14; x < 330; x += 1 / scale) {
+        const int lightness = pixelAt(image, x, line).lightness();
+        groundEnd = lightness > ground + 8 ? x : groundEnd;
+        inkEnd = lightness > ground + 60 ? x : inkEnd;
+    }
+    QVERIFY(inkEnd > 14 + 200);
+    QVERIFY2(groundEnd - inkEnd > 1.4 && groundEnd - inkEnd < 5,
+             qPrintable(u"%1 to %2"_s.arg(inkEnd).arg(groundEnd)));
 }
 
 void TestInfoButton::canBeRead()

@@ -58,6 +58,8 @@ private slots:
     void scrollsByItsThumb();
     void staysInsideWhenRowsGo();
     void paintsOnlyWhatIsSeen();
+    void keepsRowsApart_data() { fadesWhileThereIsMore_data(); }
+    void keepsRowsApart();
     void fadesWhileThereIsMore_data();
     void fadesWhileThereIsMore();
     void speaksEveryRow();
@@ -167,6 +169,30 @@ void TestRowList::paintsOnlyWhatIsSeen()
     std::ranges::sort(list.painted);
     list.painted.erase(std::unique(list.painted.begin(), list.painted.end()), list.painted.end());
     QCOMPARE(list.painted, (std::vector<int>{2, 3, 4, 5, 6, 7}));
+}
+
+void TestRowList::keepsRowsApart()
+{
+    QFETCH(double, scale);
+    RowList list(u"Rows"_s,
+                 {.height = 20,
+                  .gap = 10,
+                  .paint =
+                      [](QPainter &painter, int row, const QRectF &place) {
+                          const QColor color = row % 2 == 0 ? Qt::red : Qt::blue;
+                          painter.fillRect(place.adjusted(-50, -50, 50, 50), color);
+                      },
+                  .speak = [](int) { return SpokenText{}; }},
+                 nullptr);
+    list.resize(100, 110);
+    list.setRowCount(5); // The last two fade.
+    const QImage image = rendered(list, scale);
+    QCOMPARE(pixelAt(image, 50, 1), QColor(Qt::red));
+    QCOMPARE(pixelAt(image, 50, 19), QColor(Qt::red));
+    QCOMPARE(pixelAt(image, 50, 25).alpha(), 0);
+    QCOMPARE(pixelAt(image, 50, 31), QColor(Qt::blue));
+    QCOMPARE(pixelAt(image, 50, 85).alpha(), 0);
+    QVERIFY(pixelAt(image, 50, 95).blue() > 150 && pixelAt(image, 50, 95).red() == 0);
 }
 
 void TestRowList::fadesWhileThereIsMore_data()
