@@ -12,8 +12,9 @@ SeriesShape shapeOf(const std::vector<double> &values,
 {
     SeriesShape shape;
     const std::size_t count = std::min(values.size(), columns.size());
-    shape.line.reserve(static_cast<qsizetype>(count));
-    shape.fill.reserve(static_cast<qsizetype>(2 * count + 1));
+    const auto points = static_cast<qsizetype>(count);
+    shape.line.reserve(points);
+    shape.fill.reserve(2 * points + 1);
     for (std::size_t i = 0; i < count; ++i) {
         if (!columns[i])
             continue;
