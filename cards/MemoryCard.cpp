@@ -226,7 +226,10 @@ void MemoryCard::placeChips()
     for (std::size_t i = 0; i < m_chips.size(); ++i) {
         Chip &chip = m_chips[i];
         chip.label->mostWidth = most[i] < labelWidth(chip) ? most[i] : 0;
+        const QRectF dotBefore = chipDot(chip);
         moveText(*chip.label, {x + chipDotSize + chipGap, chipBaseline});
+        if (chipDot(chip) != dotBefore)
+            update(dotBefore.toAlignedRect() | chipDot(chip).toAlignedRect());
         const double valueLeft = chip.label->baseline.x() + most[i] + chipGap;
         moveText(*chip.value, {valueLeft, chipBaseline});
         x = valueLeft + chip.value->width() + spacing;

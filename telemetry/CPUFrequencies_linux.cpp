@@ -40,6 +40,7 @@ std::vector<CPUPolicy> readPolicies(const std::string &root)
 std::vector<std::uint64_t> readStates(const std::vector<CPUPolicy> &policies)
 {
     std::vector<CPUFrequencyRange> ranges;
+    ranges.reserve(policies.size());
     for (const CPUPolicy &policy : policies) {
         ranges.push_back(
             {.available = readKernelFile(policy.folder + "/scaling_available_frequencies"),

@@ -48,8 +48,8 @@ bool naturallyLess(std::string_view left, std::string_view right)
             left.remove_prefix(1);
             right.remove_prefix(1);
         }
-        if (order != 0)
-            return order < 0;
+        if (std::is_neq(order))
+            return std::is_lt(order);
     }
     return left.empty() && !right.empty();
 }

@@ -4,6 +4,7 @@
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
 
+#include <QPainter>
 #include <QTest>
 
 #include <numeric>
@@ -71,6 +72,8 @@ private slots:
     void paintsTheBar();
     void chartsTheUsedShare();
     void repaintsOnlyWhatChanged();
+    void repaintsAllThatMoved_data();
+    void repaintsAllThatMoved();
 };
 
 void TestMemoryCard::dividesTheMemory_data()
@@ -299,6 +302,53 @@ void TestMemoryCard::repaintsOnlyWhatChanged()
     shown.show(other);
     QCoreApplication::processEvents();
     QVERIFY(QRect(16, 135, 300, 30).contains(watch.region().boundingRect()));
+}
+
+void TestMemoryCard::repaintsAllThatMoved_data()
+{
+    const auto sized = [](std::uint64_t app) {
+        return MemorySnapshot{.total = 64 * gib,
+                              .used = 32 * gib,
+                              .wired = 3 * gib,
+                              .compressed = 2 * gib,
+                              .cached = gib,
+                              .appMemory = app};
+    };
+    MemorySnapshot pressed = sized(9 * gib);
+    pressed.pressure = MemoryPressure::critical;
+    QTest::addColumn<MemorySnapshot>("before");
+    QTest::addColumn<MemorySnapshot>("after");
+    QTest::newRow("a longer byte count moves the chips behind it")
+        << sized(9 * gib) << sized(12 * gib + gib / 8);
+    QTest::newRow("a little shorter one")
+        << sized(1000 * (gib >> 10) + (gib >> 12)) << sized(1000 * (gib >> 10));
+    QTest::newRow("a first figure") << MemorySnapshot{} << sized(9 * gib);
+    QTest::newRow("a shorter one draws them near") << sized(12 * gib + gib / 8) << sized(9 * gib);
+    QTest::newRow("another pressure") << sized(9 * gib) << pressed;
+}
+
+/// What is on the screen after a change in parts is what a fresh painting shows.
+void TestMemoryCard::repaintsAllThatMoved()
+{
+    QFETCH(MemorySnapshot, before);
+    QFETCH(MemorySnapshot, after);
+    Shown shown;
+    shown.show(before);
+    QCoreApplication::processEvents();
+    QImage screen = shown.card.grab().toImage();
+    PaintWatch watch(shown.card);
+    shown.show(after);
+    QCoreApplication::processEvents();
+    const QRegion painted = watch.region();
+    const QImage fresh = shown.card.grab().toImage();
+    QVERIFY(screen != fresh);
+    QPainter painter(&screen);
+    painter.setClipRegion(painted);
+    painter.drawImage(0, 0, fresh);
+    painter.end();
+    // The chart below is a widget of its own.
+    const QRect ownPart(0, 0, fresh.width(), 160);
+    QCOMPARE(screen.copy(ownPart), fresh.copy(ownPart));
 }
 
 QTEST_MAIN(TestMemoryCard)
