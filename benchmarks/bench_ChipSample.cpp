@@ -2,58 +2,19 @@
 // stands in for a desktop with a discrete card (its files are ordinary ones, which cost less to
 // read than the kernel's).
 
+#include "benchmarks/BareReads.h"
 #include "benchmarks/Ratio.h"
 #include "sampling/CoreTicks.h"
 #include "telemetry/ChipReader.h"
 #include "telemetry/ThermalBridge.h"
 
-#include <array>
 #include <filesystem>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 using namespace corvane;
 
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Files that stay open, each read from its start in one call.
-class BareReads {
-public:
-    explicit BareReads(const std::vector<std::string> &paths)
-    {
-        for (const std::string &path : paths) {
-            const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-            if (file >= 0)
-                m_files.push_back(file);
-        }
-    }
-
-    ~BareReads()
-    {
-        for (const int file : m_files)
-            close(file);
-    }
-
-    BareReads(const BareReads &) = delete;
-    BareReads &operator=(const BareReads &) = delete;
-
-    void operator()()
-    {
-        for (const int file : m_files) {
-            const ssize_t count = pread(file, m_buffer.data(), m_buffer.size(), 0);
-            benchmark::DoNotOptimize(count);
-        }
-    }
-
-    std::size_t count() const { return m_files.size(); }
-
-private:
-    std::vector<int> m_files;
-    std::array<char, 65'536> m_buffer = {};
-};
 
 /// What a tick reads of the desktop: files of these names.
 std::vector<std::string> filesOfATick(const std::string &root)
