@@ -1,6 +1,6 @@
 #include "app/DashboardHeader.h"
 
-#include "cards/Icon.h"
+#include "cards/Logo.h"
 #include "cards/NumberText.h"
 #include "cards/Theme.h"
 #include "cards/WindowBackground.h"
@@ -17,8 +17,6 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr double logoSide = 28;
-constexpr double logoRadius = 8;
-constexpr double logoGlyph = 17;
 constexpr double gap = 12; ///< Between the items of the line.
 constexpr double statGap = 18;
 constexpr double nameBaseline = 15;
@@ -126,27 +124,13 @@ void DashboardHeader::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     paintWindowBackground(painter, *this, event->rect());
 
-    paintLogo(painter);
+    paintLogo(painter, QRectF(0, (height() - logoSide) / 2, logoSide, logoSide));
     m_name.paint(painter);
     m_chip.paint(painter);
     for (const QuickStat &stat : m_stats) {
         stat.label.paint(painter);
         stat.value.paint(painter);
     }
-}
-
-void DashboardHeader::paintLogo(QPainter &painter) const
-{
-    const QRectF logo(0, (height() - logoSide) / 2, logoSide, logoSide);
-    QLinearGradient gradient(logo.topLeft(), logo.bottomRight());
-    gradient.setColorAt(0, Theme::withOpacity(Theme::cpu(), 0.7));
-    gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), 0.7));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(gradient);
-    painter.drawRoundedRect(logo, logoRadius, logoRadius);
-    constexpr double inset = (logoSide - logoGlyph) / 2;
-    paintIcon(painter, u"waveform.path.ecg"_s, logo.adjusted(inset, inset, -inset, -inset),
-              Qt::white);
 }
 
 } // namespace corvane

@@ -35,7 +35,6 @@ private:
     };
 
     void layOut();
-    void paintLogo(QPainter &painter) const;
 
     CardText m_name;
     CardText m_chip;

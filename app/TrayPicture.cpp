@@ -1,6 +1,6 @@
 #include "app/TrayPicture.h"
 
-#include "cards/Icon.h"
+#include "cards/Logo.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -156,22 +156,10 @@ QImage widePicture(const LabelNumbers &numbers, int pixels)
 
 QImage signPicture(int pixels)
 {
-    constexpr double logoSide = 28;
-    constexpr double logoRadius = 8;
-    constexpr double opacity = 0.7;
-    constexpr QRectF glyph(5.5, 5.5, 17, 17);
-    QLinearGradient gradient(0, 0, logoSide, logoSide);
-    gradient.setColorAt(0, Theme::withOpacity(Theme::cpu(), opacity));
-    gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), opacity));
-
     QImage picture = emptyPicture(pixels, pixels);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(pixels / logoSide, pixels / logoSide);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(gradient);
-    painter.drawRoundedRect(QRectF(0, 0, logoSide, logoSide), logoRadius, logoRadius);
-    paintIcon(painter, u"waveform.path.ecg"_s, glyph, Qt::white);
+    paintLogo(painter, QRectF(0, 0, pixels, pixels));
     return picture;
 }
 
