@@ -1,0 +1,421 @@
+#include "app/ReadOut.h"
+#include "app/TrayPicture.h"
+#include "cards/Theme.h"
+#include "sampling/MemorySampler.h"
+#include "support/AccessibilityBus.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+
+#include <set>
+#include <tuple>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// As QTRY_VERIFY, by the clock: a condition here takes its time.
+#define WAIT_FOR(condition)                                                                        \
+    QVERIFY2(QTest::qWaitFor([&] { return bool(condition); }, 30'000), #condition)
+
+namespace {
+
+using Object = AccessibilityBus::Object;
+
+constexpr int barHeight = 30;
+constexpr int itemSize = 22;
+
+QString output(const QString &tool, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(tool, arguments);
+    process.waitForFinished();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+void drive(const QStringList &arguments)
+{
+    QCOMPARE(QProcess::execute(u"xdotool"_s, arguments), 0);
+}
+
+void clickAt(const QPoint &point)
+{
+    drive({u"mousemove"_s, QString::number(point.x()), QString::number(point.y()), u"click"_s,
+           u"1"_s});
+}
+
+void press(const QString &key)
+{
+    drive({u"key"_s, key});
+}
+
+QImage bar()
+{
+    const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, -1, barHeight);
+    return shot.toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+bool differs(QRgb one, QRgb other)
+{
+    constexpr int least = 12; // The border of an item's plate may blend into the bar.
+    return std::abs(qRed(one) - qRed(other)) > least
+        || std::abs(qGreen(one) - qGreen(other)) > least
+        || std::abs(qBlue(one) - qBlue(other)) > least;
+}
+
+/// The columns from `first` on where something stands on the ground, as far as they touch.
+std::pair<int, int> nextThing(const QImage &picture, QRgb ground, int first)
+{
+    const auto isEmpty = [&](int x) {
+        for (int y = 2; y < picture.height() - 2; ++y) {
+            if (differs(picture.pixel(x, y), ground))
+                return false;
+        }
+        return true;
+    };
+    int left = first;
+    while (left < picture.width() && isEmpty(left))
+        ++left;
+    int right = left;
+    while (right < picture.width() && !isEmpty(right))
+        ++right;
+    return {left, right};
+}
+
+/// The square things on a bar, from left to right, all in the same size: trays scale what they are
+/// given.
+QList<QImage> itemsOn(const QImage &bar)
+{
+    const QRgb ground = bar.pixel(1, bar.height() / 2);
+    const QTransform turned = QTransform().rotate(90);
+    QList<QImage> items;
+    for (auto [left, right] = nextThing(bar, ground, 0); left < bar.width();
+         std::tie(left, right) = nextThing(bar, ground, right)) {
+        const QImage strip = bar.copy(left, 0, right - left, bar.height());
+        const auto [bottom, top] = nextThing(strip.transformed(turned), ground, 2);
+        const int height = top - bottom;
+        if (strip.width() >= 16 && std::abs(strip.width() - height) <= 1) {
+            items.append(
+                strip.copy(0, strip.height() - top, strip.width(), height)
+                    .scaled(itemSize, itemSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        }
+    }
+    return items;
+}
+
+/// The item as the program paints it, on a bar of that colour.
+QImage itemOn(QRgb ground, const QImage &picture)
+{
+    QImage bar(4 * itemSize, barHeight, QImage::Format_RGB32);
+    bar.fill(ground);
+    QPainter(&bar).drawImage(itemSize, (barHeight - picture.height()) / 2, picture);
+    return itemsOn(bar).value(0);
+}
+
+/// Mean over all channels, of 255.
+double difference(const QImage &one, const QImage &other)
+{
+    int sum = 0;
+    for (int y = 0; y < itemSize; ++y) {
+        for (int x = 0; x < itemSize; ++x) {
+            const QColor here = one.pixelColor(x, y);
+            const QColor there = other.pixelColor(x, y);
+            sum += std::abs(here.red() - there.red()) + std::abs(here.green() - there.green())
+                + std::abs(here.blue() - there.blue());
+        }
+    }
+    return sum / (3.0 * itemSize * itemSize);
+}
+
+/// What the label's three numbers may be; more than one where the text that tells it is too coarse.
+using Numbers = std::array<std::set<int>, 3>;
+
+/// The program's own rendering of one of the label's numbers.
+QImage rendered(std::size_t index, int value)
+{
+    const LabelNumbers numbers =
+        labelNumbers({.memory = {.total = 100, .used = static_cast<quint64>(value)},
+                      .chip = ChipReading{.cpuWatts = static_cast<double>(value),
+                                          .gpuActiveFraction = (value + 0.5) / 100}});
+    return trayPicture(numbers[index], static_cast<LabelPosition>(index), itemSize);
+}
+
+/// The number whose rendering is most like what stands on the screen; nothing if none is like it.
+std::optional<int> readNumber(const QImage &item, std::size_t index, QRgb ground)
+{
+    constexpr double most = 8; // What scaling explains; another digit makes more.
+    std::optional<int> best;
+    double least = most;
+    for (int value = 0; value <= 100; ++value) {
+        const double here = difference(item, itemOn(ground, rendered(index, value)));
+        if (here < least) {
+            least = here;
+            best = value;
+        }
+    }
+    return best;
+}
+
+double number(const QRegularExpressionMatch &match, int group)
+{
+    const double unit = match.captured(group + 1) == "GB"_L1 ? 1024 : 1;
+    return match.captured(group).toDouble() * unit;
+}
+
+/// A load that is shown rounded stands in the label cut off.
+std::set<int> cutOff(double rounded)
+{
+    const int shown = qRound(rounded);
+    return shown == 0 ? std::set{0} : std::set{shown - 1, shown};
+}
+
+/// Windows that a taskbar lists, of that process.
+QStringList taskbarEntries(qint64 process)
+{
+    QStringList entries;
+    const QString list = output(u"xprop"_s, {u"-root"_s, u"_NET_CLIENT_LIST"_s});
+    static const QRegularExpression id(u"0x[0-9a-f]+"_s);
+    for (const auto &match : id.globalMatch(list)) {
+        const QString owner = output(u"xprop"_s, {u"-id"_s, match.captured(), u"_NET_WM_PID"_s});
+        if (owner.trimmed().endsWith(u"= %1"_s.arg(process)))
+            entries.append(match.captured());
+    }
+    return entries;
+}
+
+} // namespace
+
+/// The program itself on a desktop with a panel, driven by pointer and keyboard and read as a
+/// screen reader reads it. Each step goes on from the one before.
+class TestDesktop : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void putsALabelIntoTheTray();
+    void aClickOpensThePanel();
+    void theLabelShowsWhatThePanelSays();
+    void theLabelFollowsTheValues();
+    void thePanelsButtonOpensTheDashboard();
+    void theDashboardShowsProcesses();
+    void closingTheDashboardLeavesTheLabelAlone();
+    void quits();
+
+private:
+    bool findLabel();
+    std::optional<Object> panel() const;
+    std::optional<Object> child(const Object &root, const QString &role,
+                                const QString &nameStart) const;
+    std::optional<Object> inDashboard(const QString &role, const QString &nameStart) const;
+    std::optional<Numbers> numbersInPanel() const;
+    bool labelShowsThePanelsNumbers();
+    void openPanel();
+
+    std::unique_ptr<AccessibilityBus> m_reader;
+    QProcess m_program;
+    QByteArray m_ballast; ///< Memory that is used to be seen.
+    QPoint m_label;
+    int m_memory = -1; ///< What the label showed last.
+    bool m_hasFailed = false;
+};
+
+void TestDesktop::initTestCase()
+{
+    m_reader = std::make_unique<AccessibilityBus>();
+    QVERIFY(m_reader->isConnected());
+    m_program.start(QStringLiteral(CORVANE_PROGRAM), {});
+    QVERIFY(m_program.waitForStarted());
+}
+
+void TestDesktop::init()
+{
+    if (m_hasFailed)
+        QSKIP("A step before has failed");
+}
+
+void TestDesktop::cleanup()
+{
+    if (!QTest::currentTestFailed() || m_hasFailed)
+        return;
+    m_hasFailed = true;
+    QGuiApplication::primaryScreen()->grabWindow(0).save(u"desktop-failed.png"_s);
+    if (const auto program = m_reader->program(u"Corvane"_s))
+        qInfo().noquote() << m_reader->description(*program, 0);
+    qInfo().noquote() << m_program.readAllStandardError();
+}
+
+void TestDesktop::cleanupTestCase()
+{
+    m_program.kill();
+    m_program.waitForFinished();
+}
+
+/// The memory number's colour is its own on this desktop.
+bool TestDesktop::findLabel()
+{
+    const QImage picture = bar();
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixel(x, y) == Theme::memory().rgb()) {
+                m_label = {x, y};
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// A pop-up is no child of its program; a reader comes to it by the focus.
+std::optional<Object> TestDesktop::panel() const
+{
+    if (!m_reader->focused())
+        return std::nullopt;
+    const Object window = m_reader->window(*m_reader->focused());
+    return m_reader->name(window) == "Corvane panel"_L1 && m_reader->isShowing(window)
+        ? std::optional(window)
+        : std::nullopt;
+}
+
+std::optional<Object> TestDesktop::child(const Object &root, const QString &role,
+                                         const QString &nameStart) const
+{
+    return m_reader->find(root, [&](const Object &object) {
+        return m_reader->name(object).startsWith(nameStart) && m_reader->role(object) == role
+            && m_reader->isShowing(object);
+    });
+}
+
+std::optional<Object> TestDesktop::inDashboard(const QString &role, const QString &nameStart) const
+{
+    const auto program = m_reader->program(u"Corvane"_s);
+    return program ? child(*program, role, nameStart) : std::nullopt;
+}
+
+std::optional<Numbers> TestDesktop::numbersInPanel() const
+{
+    const auto window = panel();
+    if (!window)
+        return std::nullopt;
+    QString text;
+    for (const Object &row : m_reader->children(*window)) {
+        for (const Object &label : m_reader->children(row))
+            text += m_reader->name(label) + u'\n';
+    }
+    static const QRegularExpression memory(
+        u"Memory: ([0-9.]+) ([MG]B) / ([0-9.]+) ([MG]B), [0-9]+ %"_s);
+    static const QRegularExpression gpu(u"GPU: ([0-9]+) %"_s);
+    static const QRegularExpression power(u": ([0-9.]+) W in all"_s);
+    const auto usage = memory.match(text);
+    const auto load = gpu.match(text);
+    const auto watts = power.match(text);
+    if (!usage.hasMatch() || !load.hasMatch() || !watts.hasMatch())
+        return std::nullopt;
+
+    constexpr double coarseness = 6; // Half a hundredth of a gigabyte, and some for the total.
+    const double used = number(usage, 1);
+    const double total = number(usage, 3);
+    const auto percent = [total](double bytes) { return static_cast<int>(bytes / total * 100); };
+    const double sum = watts.captured(1).toDouble();
+    return Numbers{std::set{percent(used - coarseness), percent(used + coarseness)},
+                   cutOff(load.captured(1).toDouble()),
+                   std::set{qRound(sum - 0.05), qRound(sum), qRound(sum + 0.05)}};
+}
+
+bool TestDesktop::labelShowsThePanelsNumbers()
+{
+    const auto told = numbersInPanel();
+    const QImage picture = bar();
+    if (!told || numbersInPanel() != told)
+        return false; // Values that changed meanwhile are no measure.
+    const QRgb ground = picture.pixel(1, barHeight / 2);
+    const QList<QImage> items = itemsOn(picture);
+    if (items.size() != 3)
+        return false;
+    for (std::size_t index = 0; index < told->size(); ++index) {
+        const auto shown = readNumber(items[static_cast<qsizetype>(index)], index, ground);
+        if (!shown || !told->at(index).contains(*shown))
+            return false;
+        if (index == 0)
+            m_memory = *shown;
+    }
+    return true;
+}
+
+void TestDesktop::openPanel()
+{
+    clickAt(m_label);
+    WAIT_FOR(panel());
+}
+
+void TestDesktop::putsALabelIntoTheTray()
+{
+    WAIT_FOR(findLabel());
+    QVERIFY(taskbarEntries(m_program.processId()).isEmpty());
+}
+
+void TestDesktop::aClickOpensThePanel()
+{
+    openPanel();
+    for (const auto &row : {u"Memory: "_s, u"GPU: "_s, u"CPU: "_s, u"ANE: "_s, u"Swap: "_s})
+        QVERIFY2(child(*panel(), u"label"_s, row), qPrintable(row));
+}
+
+void TestDesktop::theLabelShowsWhatThePanelSays()
+{
+    WAIT_FOR(labelShowsThePanelsNumbers());
+}
+
+void TestDesktop::theLabelFollowsTheValues()
+{
+    const int before = m_memory;
+    const quint64 total = MemorySampler::sample().total;
+    m_ballast.fill('b', static_cast<qsizetype>(total / 64)); // More than one per cent.
+    WAIT_FOR(labelShowsThePanelsNumbers() && m_memory != before);
+}
+
+void TestDesktop::thePanelsButtonOpensTheDashboard()
+{
+    const auto button = child(*panel(), u"push button"_s, u"Open Window"_s);
+    QVERIFY(button);
+    clickAt(m_reader->place(*button).center());
+    WAIT_FOR(inDashboard(u"label"_s, u"Memory used in percent: "_s));
+    WAIT_FOR(!panel());
+    WAIT_FOR(taskbarEntries(m_program.processId()).size() == 1);
+}
+
+void TestDesktop::theDashboardShowsProcesses()
+{
+    WAIT_FOR(inDashboard(u"label"_s, u"tst_Desktop: "_s));
+}
+
+void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
+{
+    press(u"alt+F4"_s);
+    WAIT_FOR(taskbarEntries(m_program.processId()).isEmpty());
+    QCOMPARE(m_program.state(), QProcess::Running);
+    QVERIFY(findLabel());
+}
+
+void TestDesktop::quits()
+{
+    openPanel();
+    const auto button = child(*panel(), u"push button"_s, u"Quit"_s);
+    QVERIFY(button);
+    clickAt(m_reader->place(*button).center());
+    WAIT_FOR(m_program.state() == QProcess::NotRunning);
+    QCOMPARE(m_program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program.exitCode(), 0);
+    QCOMPARE(QString::fromUtf8(m_program.readAllStandardError()), QString());
+}
+
+QTEST_MAIN(TestDesktop)
+#include "tst_Desktop.moc"
