@@ -34,6 +34,7 @@ struct Mutilation {
 } // namespace
 
 Q_DECLARE_METATYPE(Mutilation)
+Q_DECLARE_METATYPE(corvane::test::FaultyCalls::Call)
 
 namespace {
 
@@ -176,6 +177,8 @@ private slots:
     void outlivesDamage();
     void outlivesRefusedCalls_data();
     void outlivesRefusedCalls();
+    void noTickWaitsForADiskThatStalls_data();
+    void noTickWaitsForADiskThatStalls();
 
 private:
     QString ticks(SystemSampler &sampler, const std::string &root);
@@ -316,6 +319,39 @@ void TestMutilatedMachine::outlivesRefusedCalls()
     }
     QCOMPARE(ticks(sampler, whole.root()), before);
     QCOMPARE(surveyBelow(whole.root()).processes.size(), std::size_t(3));
+}
+
+void TestMutilatedMachine::noTickWaitsForADiskThatStalls_data()
+{
+    QTest::addColumn<Call>("call");
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("in opening the history") << Call::open << "/history.jsonl"_ba;
+    QTest::newRow("in writing a record") << Call::write << "/history.jsonl"_ba;
+    QTest::newRow("in reading it to cut it") << Call::read << "/history.jsonl"_ba;
+    QTest::newRow("in flushing the cut one") << Call::sync << "/history.jsonl.new"_ba;
+}
+
+void TestMutilatedMachine::noTickWaitsForADiskThatStalls()
+{
+    QFETCH(const Call, call);
+    QFETCH(const QByteArray, file);
+    constexpr int ticks = 300;
+    const QTemporaryDir history;
+    const WholeMachine whole("amd-desktop");
+    {
+        SystemSampler sampler(m_settings, whole.sources(), history.path());
+        FaultyCalls::stall(call, file.toStdString());
+        for (int tick = 0; tick < ticks; ++tick) {
+            SteppedClock::pass(1);
+            sampler.tick(); // Returns, with the disk at a standstill.
+        }
+        FaultyCalls::waitForStalled();
+        QCOMPARE(sampler.history().size(), std::size_t(60));
+        QCOMPARE(sampler.current().timestamp, secondsSinceBoot());
+        FaultyCalls::letGo();
+    }
+    // All of it was written and cut in the end: at the 300th tick to 120, and one more since.
+    QCOMPARE(HistoryStore(history.path()).loadLast(1000).size(), std::size_t(121));
 }
 
 QTEST_GUILESS_MAIN(TestMutilatedMachine)
