@@ -1,6 +1,7 @@
 #include "app/CorvaneApp.h"
 
 #include "app/MainWindow.h"
+#include "platform/Heap.h"
 
 #include <QApplication>
 
@@ -33,6 +34,7 @@ void CorvaneApp::openMainWindow()
     if (!m_mainWindow) {
         m_mainWindow = new MainWindow;
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_mainWindow, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         connectMainWindow();
     }
     m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
@@ -81,6 +83,7 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    shareOneHeap();
     nameProgram();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
