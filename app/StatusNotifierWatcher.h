@@ -1,11 +1,10 @@
 #pragma once
 
+#include "app/BusConnection.h"
 #include "app/TrayHost.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -32,7 +31,7 @@ public:
     const std::optional<TrayHost> &host() const { return m_host; }
 
     /// The bus on which the tray is.
-    const QString &busAddress() const { return m_busAddress; }
+    const QString &busAddress() const { return m_connection.address(); }
 
     /// A call of the tray's own object, which starts no program.
     static QDBusMessage methodCall(const QString &method);
@@ -42,20 +41,18 @@ signals:
     void hostChanged();
 
 private slots:
-    void connectToBus();
-    void loseBus();
     void askForHost();
 
 private:
+    void watchBus();
+    void loseBus();
     using Use = std::function<void(const QDBusMessage &reply)>;
     void ask(const QDBusMessage &call, const Use &use);
     void lookUp(const QString &owner);
     void publish(const std::optional<TrayHost> &host);
 
-    QString m_busAddress;
-    QDBusConnection m_bus;
+    BusConnection m_connection;
     std::unique_ptr<QDBusServiceWatcher> m_nameWatcher;
-    QTimer m_reconnect;
     QString m_owner; ///< Of the tray's name; empty: nobody.
     TrayHost m_kind; ///< What the owner is.
     std::optional<TrayHost> m_host;

@@ -13,3 +13,11 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
+corvane_test(app/tst_InstanceMessage LINK corvane::app)
+corvane_test(app/tst_InstanceFolder LINK corvane::app)
+corvane_test(app/tst_InstanceSocket LINK corvane::app)
+corvane_test(app/tst_SingleInstance THREADED LINK corvane::app)
+corvane_test(app/tst_DisplayGuard LINK corvane::app)
+corvane_test(app/tst_CleanEnd LINK corvane::app)
+corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp
+             LINK corvane::app)
