@@ -21,3 +21,9 @@ corvane_test(app/tst_DisplayGuard LINK corvane::app)
 corvane_test(app/tst_CleanEnd LINK corvane::app)
 corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp
              LINK corvane::app)
+corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
+             SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/VirtualDisplay.cpp LINK corvane::app)
+if(TARGET tst_RunningProgram)
+  add_dependencies(tst_RunningProgram corvane)
+  target_compile_definitions(tst_RunningProgram PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
+endif()
