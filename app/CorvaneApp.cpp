@@ -1,9 +1,20 @@
 #include "app/CorvaneApp.h"
 
+#include "app/ApplicationService.h"
+#include "app/CleanEnd.h"
+#include "app/DisplayGuard.h"
+#include "app/InstanceSocket.h"
 #include "app/MainWindow.h"
+#include "app/SessionBus.h"
+#include "app/SingleInstance.h"
 #include "platform/Heap.h"
 
 #include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 
 namespace corvane {
 
@@ -19,6 +30,28 @@ void nameProgram()
     QCoreApplication::setApplicationName(u"Corvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
+}
+
+/// The exit status of a start that is not the first; nothing for the first.
+std::optional<int> statusOfLaterStart(const SingleInstance &instance)
+{
+    switch (instance.standing()) {
+    case SingleInstance::Standing::first:
+        return std::nullopt;
+    case SingleInstance::Standing::second:
+        return EXIT_SUCCESS;
+    case SingleInstance::Standing::unanswered:
+        break;
+    }
+    std::fputs("Corvane is already running, but it does not answer.\n", stderr);
+    return EXIT_FAILURE;
+}
+
+/// The application; without a display the process ends here.
+std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
+{
+    const DisplayGuard guard;
+    return std::make_unique<QApplication>(argc, argv);
 }
 
 } // namespace
@@ -41,6 +74,20 @@ void CorvaneApp::openMainWindow()
     m_mainWindow->QWidget::show();
     m_mainWindow->raise();
     m_mainWindow->activateWindow();
+}
+
+void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
+{
+    const auto open = [this](const QByteArray &activationToken) {
+        // Qt hands it to the compositor with the next window that asks for the focus.
+        if (!activationToken.isEmpty())
+            qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+        openMainWindow();
+    };
+    connect(&socket, &InstanceSocket::openRequested, this, open);
+    connect(&service, &ApplicationService::openRequested, this, open);
+    connect(&service, &ApplicationService::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&service, &ApplicationService::anotherAnswered, qApp, &QCoreApplication::quit);
 }
 
 void CorvaneApp::connectLabel()
@@ -85,9 +132,20 @@ int run(int argc, char **argv)
 {
     shareOneHeap();
     nameProgram();
-    QApplication application(argc, argv);
+    ignoreBrokenPipes();
+    startNoSessionBus();
+    const InstanceMessage message = messageOfThisStart();
+    const SingleInstance instance(message);
+    if (const auto status = statusOfLaterStart(instance))
+        return *status;
+
+    const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const CorvaneApp corvane;
+    const CleanEnd cleanEnd;
+    CorvaneApp corvane;
+    const InstanceSocket socket(instance.socketPath());
+    const ApplicationService service(message.activationToken);
+    corvane.obey(socket, service);
     return QApplication::exec();
 }
 

@@ -9,6 +9,8 @@
 
 namespace corvane {
 
+class ApplicationService;
+class InstanceSocket;
 class MainWindow;
 
 /// The program: owns the state and shows it in the label, the panel and the dashboard. Made once,
@@ -21,6 +23,9 @@ public:
 
     /// Opens the dashboard, or brings it to the front, back from the taskbar too.
     void openMainWindow();
+
+    /// Does what later starts of the program and the desktop ask for.
+    void obey(const InstanceSocket &socket, const ApplicationService &service);
 
 private:
     void connectLabel();

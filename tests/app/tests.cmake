@@ -13,11 +13,21 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
-if(NOT CORVANE_ONLY_TESTS)
-  corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
-               SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/SystemCalls.cpp LINK corvane::app)
-  if(TARGET tst_RunningProgram)
-    add_dependencies(tst_RunningProgram corvane)
-    target_compile_definitions(tst_RunningProgram PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
+corvane_test(app/tst_InstanceMessage LINK corvane::instance)
+corvane_test(app/tst_InstanceFolder LINK corvane::instance)
+corvane_test(app/tst_InstanceSocket LINK corvane::instance)
+corvane_test(app/tst_SingleInstance THREADED LINK corvane::instance)
+corvane_test(app/tst_DisplayGuard LINK corvane::app)
+corvane_test(app/tst_CleanEnd LINK corvane::app)
+corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp
+             LINK corvane::app)
+corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
+             SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/VirtualDisplay.cpp LINK corvane::app)
+corvane_test(app/tst_TracedProgram SYSTEM linux TIMEOUT 900
+             SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/SystemCalls.cpp LINK corvane::app)
+foreach(test tst_RunningProgram tst_TracedProgram)
+  if(TARGET ${test})
+    add_dependencies(${test} corvane)
+    target_compile_definitions(${test} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
   endif()
-endif()
+endforeach()

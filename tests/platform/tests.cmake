@@ -1,4 +1,5 @@
 corvane_test(platform/tst_BootClock LINK corvane::platform)
+corvane_test(platform/tst_FolderLock LINK corvane::platform)
 corvane_test(platform/tst_KernelText LINK corvane::platform)
 
 corvane_test(platform/tst_BackgroundJob THREADED LINK corvane::jobs)
