@@ -13,3 +13,5 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
+corvane_test(app/tst_LaunchAtLoginManager LINK corvane::app)
+corvane_test(app/tst_UpdaterManager LINK corvane::app)
