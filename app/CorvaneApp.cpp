@@ -3,9 +3,11 @@
 #include "app/AboutPanel.h"
 #include "app/MainWindow.h"
 #include "app/OwnWindow.h"
+#include "app/SettingsWindow.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QMenuBar>
 
 namespace corvane {
 
@@ -30,6 +32,14 @@ CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
     connectCommands();
     connectLabel();
     connectPanel();
+    if (hostSystem() == HostSystem::mac)
+        m_menuBar = m_commands.makeMenuBar();
+}
+
+CorvaneApp::~CorvaneApp()
+{
+    delete m_settings;
+    delete m_mainWindow;
 }
 
 void CorvaneApp::openMainWindow()
@@ -42,10 +52,35 @@ void CorvaneApp::openMainWindow()
     bringForward(*m_mainWindow);
 }
 
+void CorvaneApp::openSettings()
+{
+    if (!isOpen(m_settings)) {
+        m_settings = new SettingsWindow(m_state.launch, m_state.updater);
+        m_settings->setAttribute(Qt::WA_DeleteOnClose);
+        m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
+    }
+    bringForward(*m_settings);
+}
+
+/// Where the system's updater has no windows of its own, the settings say what it finds.
+void CorvaneApp::checkForUpdates()
+{
+    if (hostSystem() == HostSystem::linuxDesktop) {
+        openSettings();
+        m_settings->showTab(SettingsTab::updates);
+    }
+    m_state.updater.checkForUpdates();
+}
+
 void CorvaneApp::connectCommands()
 {
     connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
     connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
+    connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
+    m_commands.checkForUpdates()->setEnabled(m_state.updater.canCheck());
+    connect(&m_state.updater, &UpdaterManager::canCheckChanged, m_commands.checkForUpdates(),
+            &QAction::setEnabled);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 

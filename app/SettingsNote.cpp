@@ -28,7 +28,7 @@ SettingsNote *SettingsNote::explanation(QWidget *parent)
 
 SettingsNote *SettingsNote::outcome(const QColor &color, QWidget *parent)
 {
-    return new SettingsNote(noteStyle(11, {0, 15}), color, parent);
+    return new SettingsNote(noteStyle(11, {-0.5, 15}), color, parent);
 }
 
 SettingsNote::SettingsNote(const MarkdownStyle &style, const QColor &color, QWidget *parent)

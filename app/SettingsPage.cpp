@@ -13,7 +13,7 @@ namespace corvane {
 namespace {
 
 constexpr int padding = 20;
-constexpr TextLine headingLine{20, 16};
+constexpr TextLine headingLine{19.5, 16};
 constexpr int groupTop = 44;
 constexpr int rowHeight = 40;
 constexpr double radius = 10;

@@ -14,8 +14,8 @@ constexpr QSizeF plate{84, 44};
 constexpr double gap = 4; ///< Between plates.
 constexpr double radius = 7;
 constexpr double symbolSize = 18;
-constexpr double symbolTop = 5; ///< In the plate.
-constexpr TextLine name{26, 13};
+constexpr double symbolTop = 4.5; ///< In the plate.
+constexpr TextLine name{25.5, 13};
 constexpr double ringWidth = 2;
 
 } // namespace

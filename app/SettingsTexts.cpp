@@ -64,8 +64,8 @@ QString updatesNote(HostSystem system)
     if (system == HostSystem::mac)
         return u"Updates are delivered through Sparkle. Releases are signed and verified before "
                "installation."_s;
-    return u"Updates come with the system's packages, which are signed and which it verifies "
-           "before installation."_s;
+    return u"Updates come with the system's packages, signed and verified by it before "
+           "installation."_s;
 }
 
 } // namespace corvane

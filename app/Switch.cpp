@@ -40,6 +40,12 @@ const QFont &Switch::textFont()
     return font;
 }
 
+double Switch::textBaseline(const QRectF &row)
+{
+    constexpr double lift = 0.5; // Few descenders: a little above the middle looks like it.
+    return TextLine{row.top() - lift, row.height()}.baseline(textFont());
+}
+
 bool Switch::hitButton(const QPoint &position) const
 {
     return rect().contains(position);
@@ -49,9 +55,8 @@ void Switch::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const TextLine line{0, static_cast<double>(height())};
     painter.setPen(Theme::textPrimary());
-    drawText(painter, {padding, line.baseline(textFont())}, text(), textFont());
+    drawText(painter, {padding, textBaseline(rect())}, text(), textFont());
 
     const QRectF track =
         snappedToPixels(painter,

@@ -15,6 +15,7 @@ public:
     /// Of the row's text, which is the same in rows without a switch.
     static constexpr int padding = 12;
     static const QFont &textFont();
+    static double textBaseline(const QRectF &row);
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -81,7 +81,7 @@ void UpdateSettings::paintEvent(QPaintEvent *event)
     SettingsPage::paintEvent(event);
     QPainter painter(this);
     const QRectF place = QRectF(row(0)).adjusted(Switch::padding, 0, -Switch::padding, 0);
-    const double baseline = TextLine{place.top(), place.height()}.baseline(Switch::textFont());
+    const double baseline = Switch::textBaseline(place);
     painter.setPen(Theme::textPrimary());
     drawText(painter, {place.left(), baseline}, u"Current version"_s, Switch::textFont());
     painter.setPen(Theme::textSecondary());
