@@ -7,10 +7,14 @@
 namespace corvane {
 
 struct TrayLabel::Bar {
-    TrayIcons icons{{}}; ///< The panel has the commands.
+    explicit Bar(const QList<QAction *> &commands) : icons(commands) { }
+
+    TrayIcons icons;
 };
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>())
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_bar(std::make_unique<Bar>(commands))
 {
     connect(&m_bar->icons, &TrayIcons::activated, this, [this] { emit activated(QCursor::pos()); });
     connect(&m_bar->icons, &TrayIcons::secondaryActivated, this, &TrayLabel::openWindowRequested);
