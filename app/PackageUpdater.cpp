@@ -39,7 +39,8 @@ PackageUpdater::PackageUpdater(PackageUpdaterSources sources)
       m_isPossible(m_isInPackageFolder)
 {
     m_store.setFallbacksEnabled(false);
-    m_automaticallyChecks = m_store.value(automaticKey).toBool();
+    // Compared as text, since anything at all would count as true.
+    m_automaticallyChecks = m_store.value(automaticKey).toString() == "true"_L1;
     m_timer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         m_timer.setInterval(tickInterval);

@@ -153,6 +153,7 @@ void TestDesktopEntry::namesAnyProgram_data()
     QTest::newRow("all that shells know") << u"/home/ \"'\\><~|&;$*?#()`%/corvane"_s;
     QTest::newRow("newline, tab and return") << u"/home/a\nb\tc\rd/corvane"_s;
     QTest::newRow("other scripts") << u"/home/Jörg/програма/🐦/corvane"_s;
+    QTest::newRow("rare white space") << u"/home/a\vb\u00a0c/\u2003"_s;
     QTest::newRow("a group in a name") << u"/home/\n[Desktop Entry]\nHidden=true"_s;
 }
 
