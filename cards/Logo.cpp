@@ -13,7 +13,6 @@ void paintLogo(QPainter &painter, const QRectF &square)
 {
     // The drawing's own grid.
     constexpr double side = 28;
-    constexpr double plateRadius = 8;
     constexpr double glyphInset = 5.5;
     constexpr double opacity = 0.7;
     const double scale = square.width() / side;
@@ -24,7 +23,7 @@ void paintLogo(QPainter &painter, const QRectF &square)
     gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), opacity));
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
-    painter.drawRoundedRect(square, plateRadius * scale, plateRadius * scale);
+    painter.drawRoundedRect(square, logoRadius * square.width(), logoRadius * square.width());
     paintIcon(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
               Qt::white);
 }
