@@ -1,20 +1,45 @@
+#include "app/ReadOutMenu.h"
+#include "app/StatusLabel.h"
 #include "app/TrayLabel.h"
+#include "cards/Theme.h"
 
-#include "app/TrayIcons.h"
-
-#include <QCursor>
+#include <QAction>
 
 namespace corvane {
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The label's child, which triggers its signal.
+QAction *makeCommand(TrayLabel &label, const QString &text, void (TrayLabel::*signal)())
+{
+    auto *command = new QAction(text, &label);
+    QObject::connect(command, &QAction::triggered, &label, signal);
+    return command;
+}
+
+} // namespace
+
 struct TrayLabel::Bar {
-    TrayIcons icons{{}}; ///< The panel has the commands.
+    explicit Bar(TrayLabel &label);
+
+    ReadOutMenu menu;
+    LabelNumbers numbers = {}; ///< As they stand there.
+    StatusItem item;
 };
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>())
+TrayLabel::Bar::Bar(TrayLabel &label)
+    : menu({makeCommand(label, u"Open Window"_s, &TrayLabel::openWindowRequested),
+            makeCommand(label, u"Quit"_s, &TrayLabel::quitRequested)}),
+      item({.open =
+                [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
+            .menu = [this](const StatusPlace &place) { menu.popup(statusAnchor(place)); }},
+           statusColor(Theme::plate()))
 {
-    connect(&m_bar->icons, &TrayIcons::activated, this, [this] { emit activated(QCursor::pos()); });
-    connect(&m_bar->icons, &TrayIcons::secondaryActivated, this, &TrayLabel::openWindowRequested);
 }
+
+TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>(*this)) { }
 
 TrayLabel::~TrayLabel() = default;
 
@@ -26,7 +51,12 @@ bool TrayLabel::isAvailable() const
 
 void TrayLabel::show(const SystemMetrics &current)
 {
-    m_bar->icons.show(current);
+    m_bar->menu.show(current);
+    const LabelNumbers numbers = labelNumbers(current);
+    if (numbers == m_bar->numbers)
+        return;
+    m_bar->numbers = numbers;
+    m_bar->item.show(statusRuns(numbers), inWords(numbers).toStdString());
 }
 
 } // namespace corvane
