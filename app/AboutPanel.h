@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/AboutTexts.h"
-
-#include <QWidget>
+#include "cards/CardText.h"
 
 namespace corvane {
 
@@ -11,16 +10,24 @@ namespace corvane {
 void showAboutPanel();
 
 /// Who the program is: its sign, name and version, what it reads, whose it is. A window of its own;
-/// Escape closes it. Main thread.
-class AboutPanel : public QWidget {
+/// main thread. Escape closes it; its text can be copied.
+class AboutPanel : public SpokenWidget {
     Q_OBJECT
 
 public:
     explicit AboutPanel(const AboutTexts &texts = AboutTexts::current(), QWidget *parent = nullptr);
 
+    std::vector<SpokenText> spokenTexts() const override;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void addLine(const QString &text, const QFont &font, const QColor &color, double baseline);
+    void copy() const;
+
+    std::vector<CardText> m_lines; ///< From top to bottom.
 };
 
 } // namespace corvane

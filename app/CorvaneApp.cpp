@@ -1,7 +1,10 @@
 #include "app/CorvaneApp.h"
 
+#include "app/AboutPanel.h"
 #include "app/MainWindow.h"
+#include "app/OwnWindow.h"
 
+#include <QAction>
 #include <QApplication>
 
 namespace corvane {
@@ -24,21 +27,26 @@ void nameProgram()
 
 CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
 {
+    connectCommands();
     connectLabel();
     connectPanel();
 }
 
 void CorvaneApp::openMainWindow()
 {
-    if (!m_mainWindow) {
+    if (!isOpen(m_mainWindow)) {
         m_mainWindow = new MainWindow;
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
         connectMainWindow();
     }
-    m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
-    m_mainWindow->QWidget::show();
-    m_mainWindow->raise();
-    m_mainWindow->activateWindow();
+    bringForward(*m_mainWindow);
+}
+
+void CorvaneApp::connectCommands()
+{
+    connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
+    connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
 void CorvaneApp::connectLabel()
@@ -47,7 +55,6 @@ void CorvaneApp::connectLabel()
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_label, &TrayLabel::quitRequested, qApp, &QCoreApplication::quit);
     // A program that runs and shows nothing is a defect.
     connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
     show();
@@ -57,8 +64,10 @@ void CorvaneApp::connectPanel()
 {
     const auto show = [this] { m_panel.show(m_state.sampler.current()); };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
-    connect(&m_panel, &MenuBarContent::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_panel, &MenuBarContent::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&m_panel, &MenuBarContent::openWindowRequested, m_commands.openWindow(),
+            &QAction::trigger);
+    connect(&m_panel, &MenuBarContent::quitRequested, m_commands.quit(), &QAction::trigger);
+    m_panel.addActions(m_commands.inMenuOrder());
     show();
 }
 
@@ -66,6 +75,7 @@ void CorvaneApp::connectMainWindow()
 {
     const SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
+    window->addActions(m_commands.inMenuOrder());
     const auto showSamples = [&sampler, window] {
         window->show(sampler.current(), sampler.history());
     };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppState.h"
+#include "app/Commands.h"
 #include "app/MenuBarContent.h"
 #include "app/TrayLabel.h"
 
@@ -23,14 +24,16 @@ public:
     void openMainWindow();
 
 private:
+    void connectCommands();
     void connectLabel();
     void connectPanel();
     void connectMainWindow();
 
     AppState m_state;
-    TrayLabel m_label;
+    Commands m_commands;
+    TrayLabel m_label{m_commands.inMenuOrder()};
     MenuBarContent m_panel;
-    QPointer<MainWindow> m_mainWindow; ///< Null while closed; a closed window deletes itself.
+    QPointer<MainWindow> m_mainWindow; ///< It deletes itself when it is closed.
 };
 
 /// Runs the program until the user quits; the exit status of the process.

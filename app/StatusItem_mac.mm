@@ -145,6 +145,7 @@ struct StatusItem::Native {
 
 StatusItem::StatusItem(StatusActions actions, const StatusColor &plate)
 {
+    [NSApplication sharedApplication]; // Without one there is no bar to stand in.
     NSStatusItem *item =
         [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
     item.button.accessibilityTitle = @"Corvane";

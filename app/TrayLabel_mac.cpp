@@ -3,35 +3,18 @@
 #include "app/TrayLabel.h"
 #include "cards/Theme.h"
 
-#include <QAction>
-
 namespace corvane {
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-/// The label's child, which triggers its signal.
-QAction *makeCommand(TrayLabel &label, const QString &text, void (TrayLabel::*signal)())
-{
-    auto *command = new QAction(text, &label);
-    QObject::connect(command, &QAction::triggered, &label, signal);
-    return command;
-}
-
-} // namespace
-
 struct TrayLabel::Bar {
-    explicit Bar(TrayLabel &label);
+    Bar(TrayLabel &label, const QList<QAction *> &commands);
 
     ReadOutMenu menu;
     LabelNumbers numbers = {}; ///< As they stand there.
     StatusItem item;
 };
 
-TrayLabel::Bar::Bar(TrayLabel &label)
-    : menu({makeCommand(label, u"Open Window"_s, &TrayLabel::openWindowRequested),
-            makeCommand(label, u"Quit"_s, &TrayLabel::quitRequested)}),
+TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
+    : menu(commands),
       item({.open =
                 [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
             .menu = [this](const StatusPlace &place) { menu.popup(statusAnchor(place)); }},
@@ -39,7 +22,11 @@ TrayLabel::Bar::Bar(TrayLabel &label)
 {
 }
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>(*this)) { }
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_bar(std::make_unique<Bar>(*this, commands))
+{
+}
 
 TrayLabel::~TrayLabel() = default;
 

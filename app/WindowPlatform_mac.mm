@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <QGuiApplication>
 #include <QWidget>
 
 #include <utility>
@@ -10,6 +11,8 @@ namespace corvane {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 NSWindow *asWindow(NativeWindow window)
 {
     return (__bridge NSWindow *)window;
@@ -17,9 +20,10 @@ NSWindow *asWindow(NativeWindow window)
 
 NativeWindow hostingWindow(const QWidget &view)
 {
-    // Asking a view that has no window yet would make one for it.
+    // Asking a view that has no window yet would make one for it; and only the windows that are on
+    // the system's screen are the system's.
     const QWidget *window = view.window();
-    if (!window->internalWinId())
+    if (!window->internalWinId() || QGuiApplication::platformName() != "cocoa"_L1)
         return nullptr;
     NSView *native = (__bridge NSView *)reinterpret_cast<void *>(window->internalWinId());
     return (__bridge NativeWindow)native.window;

@@ -19,9 +19,9 @@ QImage appIcon(int pixels)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::windowGradient(image.size()));
-    const double radius = body.width() * logoRadius;
+    const double radius = body.width() * largeLogoRadius;
     painter.drawRoundedRect(body, radius, radius);
-    paintLogo(painter, body);
+    paintLogo(painter, body, LogoSize::large);
     return image;
 }
 
