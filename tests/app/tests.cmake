@@ -1,5 +1,6 @@
 corvane_test(app/tst_ReadOut LINK corvane::app)
 corvane_test(app/tst_TrayPicture LINK corvane::app)
+corvane_test(app/tst_StatusLabel LINK corvane::app)
 corvane_test(app/tst_ReadOutMenu LINK corvane::app)
 corvane_test(app/tst_MenuBarContent LINK corvane::app)
 corvane_test(app/tst_PanelButton LINK corvane::app)
