@@ -1,5 +1,6 @@
 #include "app/MenuBarContent.h"
 
+#include "app/Commands.h"
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
@@ -8,6 +9,7 @@
 #include <QBoxLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 
@@ -163,6 +165,19 @@ void MenuBarContent::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
+void MenuBarContent::contextMenuEvent(QContextMenuEvent *event)
+{
+    m_menu = popUpActions(*this, event->globalPos());
+    if (!m_menu)
+        return;
+    connect(m_menu, &QMenu::triggered, this, &QWidget::hide);
+    const auto hideUnlessActive = [this] {
+        if (!isActiveWindow())
+            hide();
+    };
+    connect(m_menu, &QMenu::aboutToHide, this, hideUnlessActive, Qt::QueuedConnection);
+}
+
 void MenuBarContent::hideEvent(QHideEvent *event)
 {
     m_hiddenAt = m_clock();
@@ -171,7 +186,8 @@ void MenuBarContent::hideEvent(QHideEvent *event)
 
 bool MenuBarContent::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowDeactivate)
+    // Where the panel is a plain window its menu takes the focus from it.
+    if (event->type() == QEvent::WindowDeactivate && !m_menu)
         hide();
     return QWidget::event(event);
 }

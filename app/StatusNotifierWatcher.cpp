@@ -1,24 +1,17 @@
 #include "app/StatusNotifierWatcher.h"
 
-#include "app/SessionBus.h"
 #include "app/TrayProgram.h"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
-#include <chrono>
-
 namespace corvane {
 
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
-constexpr auto reconnectInterval = 3s;
-
-constexpr auto connectionName = "corvane-tray"_L1;
 constexpr auto watcherName = "org.kde.StatusNotifierWatcher"_L1;
 constexpr auto watcherPath = "/StatusNotifierWatcher"_L1;
 
@@ -31,18 +24,15 @@ QDBusMessage busCall(const QString &method)
 
 } // namespace
 
-StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent) : QObject(parent), m_bus(QString())
+StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent)
+    : QObject(parent),
+      m_connection(u"corvane-tray"_s)
 {
-    m_reconnect.setInterval(reconnectInterval);
-    m_reconnect.setTimerType(Qt::VeryCoarseTimer);
-    connect(&m_reconnect, &QTimer::timeout, this, &StatusNotifierWatcher::connectToBus);
-    QMetaObject::invokeMethod(this, &StatusNotifierWatcher::connectToBus, Qt::QueuedConnection);
+    connect(&m_connection, &BusConnection::connected, this, &StatusNotifierWatcher::watchBus);
+    connect(&m_connection, &BusConnection::lost, this, &StatusNotifierWatcher::loseBus);
 }
 
-StatusNotifierWatcher::~StatusNotifierWatcher()
-{
-    QDBusConnection::disconnectFromBus(connectionName);
-}
+StatusNotifierWatcher::~StatusNotifierWatcher() = default;
 
 QDBusMessage StatusNotifierWatcher::methodCall(const QString &method)
 {
@@ -52,23 +42,14 @@ QDBusMessage StatusNotifierWatcher::methodCall(const QString &method)
     return call;
 }
 
-void StatusNotifierWatcher::connectToBus()
+void StatusNotifierWatcher::watchBus()
 {
-    m_busAddress = sessionBusAddress();
-    if (!m_busAddress.isEmpty())
-        m_bus = QDBusConnection::connectToBus(m_busAddress, connectionName);
-    if (!m_bus.isConnected()) {
-        loseBus();
-        return;
-    }
-    m_reconnect.stop();
-    m_bus.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
-                  u"Disconnected"_s, this, SLOT(loseBus()));
+    QDBusConnection &bus = m_connection.bus();
     for (const QString &signal :
          {u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s})
-        m_bus.connect(QString(), watcherPath, watcherName, signal, this, SLOT(askForHost()));
+        bus.connect(QString(), watcherPath, watcherName, signal, this, SLOT(askForHost()));
 
-    m_nameWatcher = std::make_unique<QDBusServiceWatcher>(watcherName, m_bus);
+    m_nameWatcher = std::make_unique<QDBusServiceWatcher>(watcherName, bus);
     connect(m_nameWatcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &owner) { lookUp(owner); });
     ask(busCall(u"GetNameOwner"_s),
@@ -78,9 +59,6 @@ void StatusNotifierWatcher::connectToBus()
 void StatusNotifierWatcher::loseBus()
 {
     m_nameWatcher.reset();
-    QDBusConnection::disconnectFromBus(connectionName);
-    m_bus = QDBusConnection(QString());
-    m_reconnect.start();
     lookUp(QString());
 }
 
@@ -141,7 +119,7 @@ void StatusNotifierWatcher::askForProperty(const QString &name,
 /// Calls `use` with the reply, or with a message without arguments for an error.
 void StatusNotifierWatcher::ask(const QDBusMessage &call, const Use &use)
 {
-    auto *answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    auto *answer = new QDBusPendingCallWatcher(m_connection.bus().asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, use] {
         answer->deleteLater();
         use(answer->isError() ? QDBusMessage() : answer->reply());

@@ -3,7 +3,6 @@
 #include "app/TrayIcons.h"
 #include "app/TrayLabel.h"
 
-#include <QAction>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
@@ -37,9 +36,8 @@ QPoint panelAnchor(const QPoint &told)
 } // namespace
 
 struct TrayLabel::Bar {
-    explicit Bar(TrayLabel &owner) : label(owner) { }
+    Bar(TrayLabel &owner, const QList<QAction *> &ofMenus) : label(owner), commands(ofMenus) { }
 
-    void addCommand(const QString &text, void (TrayLabel::*signal)());
     void followHost();
     void putItemsUp();
     void checkItems(const QStringList &taken);
@@ -47,7 +45,7 @@ struct TrayLabel::Bar {
 
     TrayLabel &label;
     SystemMetrics current = SystemMetrics::placeholder();
-    QList<QAction *> commands = {}; ///< Of every menu; the label's children.
+    const QList<QAction *> commands; ///< Of every menu.
     StatusNotifierWatcher watcher;
     QTimer missing;                       ///< Runs after the host went.
     std::unique_ptr<NotifierItems> items; ///< While there is a host.
@@ -55,12 +53,11 @@ struct TrayLabel::Bar {
     std::unique_ptr<TrayIcons> icons;     ///< On X11 while there is none.
 };
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>(*this))
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_bar(std::make_unique<Bar>(*this, commands))
 {
     Bar *bar = m_bar.get();
-    bar->addCommand(u"Open Window"_s, &TrayLabel::openWindowRequested);
-    bar->addCommand(u"Quit"_s, &TrayLabel::quitRequested);
-
     bar->missing.setSingleShot(true);
     bar->missing.setInterval(patience);
     connect(&bar->missing, &QTimer::timeout, this, [bar] { bar->useOldProtocol(); });
@@ -88,13 +85,6 @@ void TrayLabel::show(const SystemMetrics &current)
         m_bar->items->show(current);
     if (m_bar->icons)
         m_bar->icons->show(current);
-}
-
-void TrayLabel::Bar::addCommand(const QString &text, void (TrayLabel::*signal)())
-{
-    auto *command = new QAction(text, &label);
-    connect(command, &QAction::triggered, &label, signal);
-    commands.append(command);
 }
 
 void TrayLabel::Bar::followHost()

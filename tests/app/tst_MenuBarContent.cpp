@@ -6,6 +6,11 @@
 #include "support/Rendering.h"
 #include "telemetry/ChipIdentity.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -27,6 +32,14 @@ QStringList namesOfRows(const MenuBarContent &panel)
     for (const PanelRow *row : panel.findChildren<PanelRow *>())
         names.append(row->spokenTexts().front().value);
     return names;
+}
+
+/// What the menu key does.
+void openMenu(QWidget &widget)
+{
+    const QPoint middle = widget.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, widget.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// How many paints of a widget an action causes.
@@ -61,6 +74,8 @@ private slots:
     void closesWhenAnotherWindowIsActive();
     void buttonsAreReachedByTab();
     void buttonsAnnounceTheirCommands();
+    void offersItsActionsInAMenu();
+    void staysWhileItsMenuHasTheFocus();
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
@@ -211,6 +226,39 @@ void TestMenuBarContent::buttonsAnnounceTheirCommands()
     buttons[0]->click();
     QCOMPARE(open.count(), 1);
     QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::offersItsActionsInAMenu()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    const QSignalSpy chosen(&settings, &QAction::triggered);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QCOMPARE(chosen.count(), 1);
+    QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
+    QVERIFY(panel.isVisible());
+    QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QTest::keyClick(menu, Qt::Key_Escape);
+    QTRY_VERIFY(!menu);
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
 }
 
 void TestMenuBarContent::staysOnTheScreen_data()

@@ -1,11 +1,13 @@
 #include "app/TrayLabel.h"
 
+#include "app/Commands.h"
 #include "app/DBusMenuTypes.h"
 #include "app/StatusNotifierTypes.h"
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDBusVirtualObject>
 #include <QPoint>
@@ -102,6 +104,7 @@ private:
     QVariantList callMenu(const QString &method, const QVariantList &arguments);
     QStringList menuTexts();
 
+    const Commands m_commands;
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<FakeTray> m_tray;
     std::unique_ptr<TrayLabel> m_label;
@@ -111,7 +114,7 @@ void TestTrayLabel::init()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
-    m_label = std::make_unique<TrayLabel>();
+    m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder());
     m_label->show(sample(63));
 }
 
@@ -308,22 +311,27 @@ void TestTrayLabel::handsTheActivationTokenOn()
 void TestTrayLabel::menuShowsLiveRowsAndCommands()
 {
     startTray("gnome-shell");
-    QCOMPARE(menuTexts(),
-             (QStringList{u"Memory: 0 MB / 0 MB, 63 %"_s, u"GPU: 42 %, 0.00 W"_s,
-                          u"CPU: 0 %, 12.00 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
-                          u"Swap: 0 MB, of 0 MB"_s, u"-"_s, u"Open Window"_s, u"Quit"_s}));
+    QCOMPARE(
+        menuTexts(),
+        (QStringList{u"Memory: 0 MB / 0 MB, 63 %"_s, u"GPU: 42 %, 0.00 W"_s, u"CPU: 0 %, 12.00 W"_s,
+                     u"ANE: 0.00 W, Neural Engine"_s, u"Swap: 0 MB, of 0 MB"_s, u"-"_s,
+                     u"Open Window"_s, u"-"_s, u"About Corvane"_s, u"Check for Updates…"_s,
+                     u"Settings…"_s, u"-"_s, u"Quit"_s}));
     m_label->show(sample(64));
     QCOMPARE(menuTexts().value(0), u"Memory: 0 MB / 0 MB, 64 %"_s);
 
-    QSignalSpy openWindow(m_label.get(), &TrayLabel::openWindowRequested);
-    QSignalSpy quit(m_label.get(), &TrayLabel::quitRequested);
+    const QSignalSpy openWindow(m_commands.openWindow(), &QAction::triggered);
+    const QSignalSpy settings(m_commands.settings(), &QAction::triggered);
+    const QSignalSpy quit(m_commands.quit(), &QAction::triggered);
     const auto click = [this](int id) {
         callMenu(u"Event"_s, {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0u});
     };
     click(1); // A row: nothing.
     click(7);
-    click(8);
+    click(11);
+    click(13);
     QTRY_COMPARE(quit.count(), 1);
+    QCOMPARE(settings.count(), 1);
     QCOMPARE(openWindow.count(), 1);
 }
 
