@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <set>
@@ -29,6 +30,7 @@ using Object = AccessibilityBus::Object;
 
 constexpr int barHeight = 30;
 constexpr int itemSize = 22;
+constexpr auto dashboardTitle = "Corvane"_L1;
 
 QString output(const QString &tool, const QStringList &arguments)
 {
@@ -174,6 +176,12 @@ std::set<int> cutOff(double rounded)
     return shown == 0 ? std::set{0} : std::set{shown - 1, shown};
 }
 
+/// Title of the window that gets the keys.
+QString activeWindow()
+{
+    return output(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).trimmed();
+}
+
 /// Windows that a taskbar lists, of that process.
 QStringList taskbarEntries(qint64 process)
 {
@@ -208,6 +216,10 @@ private slots:
     void thePanelsButtonOpensTheDashboard();
     void theDashboardShowsProcesses();
     void closingTheDashboardLeavesTheLabelAlone();
+    void anotherStartOpensTheDashboard();
+    void keysOpenTheAboutPanel();
+    void keysOpenTheSettings();
+    void theSwitchStartsItAtLogin();
     void quits();
 
 private:
@@ -215,7 +227,8 @@ private:
     std::optional<Object> panel() const;
     std::optional<Object> child(const Object &root, const QString &role,
                                 const QString &nameStart) const;
-    std::optional<Object> inDashboard(const QString &role, const QString &nameStart) const;
+    std::optional<Object> inWindow(const QString &role, const QString &nameStart) const;
+    void clickOn(const std::optional<Object> &object);
     std::optional<Numbers> numbersInPanel() const;
     bool labelShowsThePanelsNumbers();
     void openPanel();
@@ -294,7 +307,8 @@ std::optional<Object> TestDesktop::child(const Object &root, const QString &role
     });
 }
 
-std::optional<Object> TestDesktop::inDashboard(const QString &role, const QString &nameStart) const
+/// In any that is open but the panel.
+std::optional<Object> TestDesktop::inWindow(const QString &role, const QString &nameStart) const
 {
     const auto program = m_reader->program(u"Corvane"_s);
     return program ? child(*program, role, nameStart) : std::nullopt;
@@ -356,6 +370,12 @@ void TestDesktop::openPanel()
     WAIT_FOR(panel());
 }
 
+void TestDesktop::clickOn(const std::optional<Object> &object)
+{
+    QVERIFY(object);
+    clickAt(m_reader->place(*object).center());
+}
+
 void TestDesktop::putsALabelIntoTheTray()
 {
     WAIT_FOR(findLabel());
@@ -384,17 +404,16 @@ void TestDesktop::theLabelFollowsTheValues()
 
 void TestDesktop::thePanelsButtonOpensTheDashboard()
 {
-    const auto button = child(*panel(), u"push button"_s, u"Open Window"_s);
-    QVERIFY(button);
-    clickAt(m_reader->place(*button).center());
-    WAIT_FOR(inDashboard(u"label"_s, u"Memory used in percent: "_s));
-    WAIT_FOR(!panel());
-    WAIT_FOR(taskbarEntries(m_program.processId()).size() == 1);
+    clickOn(child(*panel(), u"push button"_s, u"Open Window"_s));
+    WAIT_FOR(inWindow(u"label"_s, u"Memory used in percent: "_s));
+    WAIT_FOR(activeWindow() == dashboardTitle);
+    QVERIFY(!panel());
+    QCOMPARE(taskbarEntries(m_program.processId()).size(), 1);
 }
 
 void TestDesktop::theDashboardShowsProcesses()
 {
-    WAIT_FOR(inDashboard(u"label"_s, u"tst_Desktop: "_s));
+    WAIT_FOR(inWindow(u"label"_s, u"tst_Desktop: "_s));
 }
 
 void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
@@ -405,12 +424,57 @@ void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
     QVERIFY(findLabel());
 }
 
+void TestDesktop::anotherStartOpensTheDashboard()
+{
+    QProcess another;
+    another.start(QStringLiteral(CORVANE_PROGRAM), {});
+    WAIT_FOR(another.state() == QProcess::NotRunning);
+    QCOMPARE(another.exitCode(), 0);
+    QCOMPARE(QString::fromUtf8(another.readAllStandardError()), QString());
+    WAIT_FOR(inWindow(u"label"_s, u"Memory used in percent: "_s));
+    WAIT_FOR(activeWindow() == dashboardTitle);
+    QCOMPARE(taskbarEntries(m_program.processId()).size(), 1);
+}
+
+void TestDesktop::keysOpenTheAboutPanel()
+{
+    press(u"F1"_s);
+    WAIT_FOR(activeWindow() == "About Corvane"_L1);
+    WAIT_FOR(inWindow(u"label"_s, u"Version "_s));
+    press(u"Escape"_s);
+    WAIT_FOR(activeWindow() == dashboardTitle);
+}
+
+void TestDesktop::keysOpenTheSettings()
+{
+    press(u"ctrl+comma"_s);
+    WAIT_FOR(activeWindow() == "Corvane Settings"_L1);
+    WAIT_FOR(inWindow(u"check box"_s, u"Launch Corvane at login"_s));
+}
+
+void TestDesktop::theSwitchStartsItAtLogin()
+{
+    const QString entry = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s;
+    const auto loginSwitch = inWindow(u"check box"_s, u"Launch Corvane at login"_s);
+    QVERIFY(!m_reader->isChecked(*loginSwitch));
+    QVERIFY(!QFile::exists(entry));
+    clickOn(loginSwitch);
+    WAIT_FOR(m_reader->isChecked(*loginSwitch));
+    QFile file(entry);
+    QVERIFY(file.open(QFile::ReadOnly));
+    QVERIFY(QString::fromUtf8(file.readAll()).contains(QStringLiteral(CORVANE_PROGRAM)));
+    clickOn(loginSwitch);
+    WAIT_FOR(!m_reader->isChecked(*loginSwitch));
+    QVERIFY(!QFile::exists(entry));
+    press(u"Escape"_s);
+    WAIT_FOR(activeWindow() == dashboardTitle);
+}
+
 void TestDesktop::quits()
 {
     openPanel();
-    const auto button = child(*panel(), u"push button"_s, u"Quit"_s);
-    QVERIFY(button);
-    clickAt(m_reader->place(*button).center());
+    clickOn(child(*panel(), u"push button"_s, u"Quit"_s));
     WAIT_FOR(m_program.state() == QProcess::NotRunning);
     QCOMPARE(m_program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_program.exitCode(), 0);
