@@ -2,13 +2,10 @@
 #include "app/TrayPicture.h"
 #include "cards/Theme.h"
 #include "sampling/MemorySampler.h"
-#include "support/AccessibilityBus.h"
+#include "support/DrivenProgram.h"
 
-#include <QGuiApplication>
 #include <QPainter>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QScreen>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -18,49 +15,13 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-
-/// As QTRY_VERIFY, by the clock: a condition here takes its time.
-#define WAIT_FOR(condition)                                                                        \
-    QVERIFY2(QTest::qWaitFor([&] { return bool(condition); }, 30'000), #condition)
 
 namespace {
 
-using Object = AccessibilityBus::Object;
+using Object = DrivenProgram::Object;
 
-constexpr int barHeight = 30;
 constexpr int itemSize = 22;
 constexpr auto dashboardTitle = "Corvane"_L1;
-
-QString output(const QString &tool, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(tool, arguments);
-    process.waitForFinished();
-    return QString::fromUtf8(process.readAllStandardOutput());
-}
-
-void drive(const QStringList &arguments)
-{
-    QCOMPARE(QProcess::execute(u"xdotool"_s, arguments), 0);
-}
-
-void clickAt(const QPoint &point)
-{
-    drive({u"mousemove"_s, QString::number(point.x()), QString::number(point.y()), u"click"_s,
-           u"1"_s});
-}
-
-void press(const QString &key)
-{
-    drive({u"key"_s, key});
-}
-
-QImage bar()
-{
-    const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, -1, barHeight);
-    return shot.toImage().convertToFormat(QImage::Format_RGB32);
-}
 
 bool differs(QRgb one, QRgb other)
 {
@@ -176,20 +137,14 @@ std::set<int> cutOff(double rounded)
     return shown == 0 ? std::set{0} : std::set{shown - 1, shown};
 }
 
-/// Title of the window that gets the keys.
-QString activeWindow()
-{
-    return output(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).trimmed();
-}
-
 /// Windows that a taskbar lists, of that process.
 QStringList taskbarEntries(qint64 process)
 {
     QStringList entries;
-    const QString list = output(u"xprop"_s, {u"-root"_s, u"_NET_CLIENT_LIST"_s});
+    const QString list = outputOf(u"xprop"_s, {u"-root"_s, u"_NET_CLIENT_LIST"_s});
     static const QRegularExpression id(u"0x[0-9a-f]+"_s);
     for (const auto &match : id.globalMatch(list)) {
-        const QString owner = output(u"xprop"_s, {u"-id"_s, match.captured(), u"_NET_WM_PID"_s});
+        const QString owner = outputOf(u"xprop"_s, {u"-id"_s, match.captured(), u"_NET_WM_PID"_s});
         if (owner.trimmed().endsWith(u"= %1"_s.arg(process)))
             entries.append(match.captured());
     }
@@ -207,7 +162,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void cleanupTestCase();
 
     void putsALabelIntoTheTray();
     void aClickOpensThePanel();
@@ -223,30 +177,22 @@ private slots:
     void quits();
 
 private:
-    bool findLabel();
-    std::optional<Object> panel() const;
-    std::optional<Object> child(const Object &root, const QString &role,
-                                const QString &nameStart) const;
-    std::optional<Object> inWindow(const QString &role, const QString &nameStart) const;
-    void clickOn(const std::optional<Object> &object);
     std::optional<Numbers> numbersInPanel() const;
     bool labelShowsThePanelsNumbers();
     void openPanel();
+    void clickOn(const std::optional<Object> &object);
 
-    std::unique_ptr<AccessibilityBus> m_reader;
-    QProcess m_program;
+    DrivenProgram m_program;
+    qint64 m_process = 0;
     QByteArray m_ballast; ///< Memory that is used to be seen.
-    QPoint m_label;
-    int m_memory = -1; ///< What the label showed last.
+    int m_memory = -1;    ///< What the label showed last.
     bool m_hasFailed = false;
 };
 
 void TestDesktop::initTestCase()
 {
-    m_reader = std::make_unique<AccessibilityBus>();
-    QVERIFY(m_reader->isConnected());
-    m_program.start(QStringLiteral(CORVANE_PROGRAM), {});
-    QVERIFY(m_program.waitForStarted());
+    QVERIFY(m_program.start());
+    m_process = m_program.process().processId();
 }
 
 void TestDesktop::init()
@@ -260,69 +206,18 @@ void TestDesktop::cleanup()
     if (!QTest::currentTestFailed() || m_hasFailed)
         return;
     m_hasFailed = true;
-    QGuiApplication::primaryScreen()->grabWindow(0).save(u"desktop-failed.png"_s);
-    if (const auto program = m_reader->program(u"Corvane"_s))
-        qInfo().noquote() << m_reader->description(*program, 0);
-    qInfo().noquote() << m_program.readAllStandardError();
-}
-
-void TestDesktop::cleanupTestCase()
-{
-    m_program.kill();
-    m_program.waitForFinished();
-}
-
-/// The memory number's colour is its own on this desktop.
-bool TestDesktop::findLabel()
-{
-    const QImage picture = bar();
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            if (picture.pixel(x, y) == Theme::memory().rgb()) {
-                m_label = {x, y};
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-/// A pop-up is no child of its program; a reader comes to it by the focus.
-std::optional<Object> TestDesktop::panel() const
-{
-    if (!m_reader->focused())
-        return std::nullopt;
-    const Object window = m_reader->window(*m_reader->focused());
-    return m_reader->name(window) == "Corvane panel"_L1 && m_reader->isShowing(window)
-        ? std::optional(window)
-        : std::nullopt;
-}
-
-std::optional<Object> TestDesktop::child(const Object &root, const QString &role,
-                                         const QString &nameStart) const
-{
-    return m_reader->find(root, [&](const Object &object) {
-        return m_reader->name(object).startsWith(nameStart) && m_reader->role(object) == role
-            && m_reader->isShowing(object);
-    });
-}
-
-/// In any that is open but the panel.
-std::optional<Object> TestDesktop::inWindow(const QString &role, const QString &nameStart) const
-{
-    const auto program = m_reader->program(u"Corvane"_s);
-    return program ? child(*program, role, nameStart) : std::nullopt;
+    qInfo().noquote() << m_program.lookAtFailure();
 }
 
 std::optional<Numbers> TestDesktop::numbersInPanel() const
 {
-    const auto window = panel();
+    const auto window = m_program.panel();
     if (!window)
         return std::nullopt;
     QString text;
-    for (const Object &row : m_reader->children(*window)) {
-        for (const Object &label : m_reader->children(row))
-            text += m_reader->name(label) + u'\n';
+    for (const Object &row : m_program.reader().children(*window)) {
+        for (const Object &label : m_program.reader().children(row))
+            text += m_program.reader().name(label) + u'\n';
     }
     static const QRegularExpression memory(
         u"Memory: ([0-9.]+) ([MG]B) / ([0-9.]+) ([MG]B), [0-9]+ %"_s);
@@ -366,27 +261,29 @@ bool TestDesktop::labelShowsThePanelsNumbers()
 
 void TestDesktop::openPanel()
 {
-    clickAt(m_label);
-    WAIT_FOR(panel());
+    const auto label = m_program.label();
+    QVERIFY(label);
+    clickAt(*label);
+    WAIT_FOR(m_program.panel());
 }
 
 void TestDesktop::clickOn(const std::optional<Object> &object)
 {
     QVERIFY(object);
-    clickAt(m_reader->place(*object).center());
+    clickAt(m_program.reader().place(*object).center());
 }
 
 void TestDesktop::putsALabelIntoTheTray()
 {
-    WAIT_FOR(findLabel());
-    QVERIFY(taskbarEntries(m_program.processId()).isEmpty());
+    WAIT_FOR(m_program.label());
+    QVERIFY(taskbarEntries(m_process).isEmpty());
 }
 
 void TestDesktop::aClickOpensThePanel()
 {
     openPanel();
     for (const auto &row : {u"Memory: "_s, u"GPU: "_s, u"CPU: "_s, u"ANE: "_s, u"Swap: "_s})
-        QVERIFY2(child(*panel(), u"label"_s, row), qPrintable(row));
+        QVERIFY2(m_program.find(*m_program.panel(), u"label"_s, row), qPrintable(row));
 }
 
 void TestDesktop::theLabelShowsWhatThePanelSays()
@@ -404,24 +301,24 @@ void TestDesktop::theLabelFollowsTheValues()
 
 void TestDesktop::thePanelsButtonOpensTheDashboard()
 {
-    clickOn(child(*panel(), u"push button"_s, u"Open Window"_s));
-    WAIT_FOR(inWindow(u"label"_s, u"Memory used in percent: "_s));
+    clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Open Window"_s));
+    WAIT_FOR(m_program.dashboardShows());
     WAIT_FOR(activeWindow() == dashboardTitle);
-    QVERIFY(!panel());
-    QCOMPARE(taskbarEntries(m_program.processId()).size(), 1);
+    QVERIFY(!m_program.panel());
+    QCOMPARE(taskbarEntries(m_process).size(), 1);
 }
 
 void TestDesktop::theDashboardShowsProcesses()
 {
-    WAIT_FOR(inWindow(u"label"_s, u"tst_Desktop: "_s));
+    WAIT_FOR(m_program.find(u"label"_s, u"tst_Desktop: "_s));
 }
 
 void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
 {
     press(u"alt+F4"_s);
-    WAIT_FOR(taskbarEntries(m_program.processId()).isEmpty());
-    QCOMPARE(m_program.state(), QProcess::Running);
-    QVERIFY(findLabel());
+    WAIT_FOR(taskbarEntries(m_process).isEmpty());
+    QVERIFY(m_program.isRunning());
+    QVERIFY(m_program.label());
 }
 
 void TestDesktop::anotherStartOpensTheDashboard()
@@ -431,16 +328,16 @@ void TestDesktop::anotherStartOpensTheDashboard()
     WAIT_FOR(another.state() == QProcess::NotRunning);
     QCOMPARE(another.exitCode(), 0);
     QCOMPARE(QString::fromUtf8(another.readAllStandardError()), QString());
-    WAIT_FOR(inWindow(u"label"_s, u"Memory used in percent: "_s));
+    WAIT_FOR(m_program.dashboardShows());
     WAIT_FOR(activeWindow() == dashboardTitle);
-    QCOMPARE(taskbarEntries(m_program.processId()).size(), 1);
+    QCOMPARE(taskbarEntries(m_process).size(), 1);
 }
 
 void TestDesktop::keysOpenTheAboutPanel()
 {
     press(u"F1"_s);
     WAIT_FOR(activeWindow() == "About Corvane"_L1);
-    WAIT_FOR(inWindow(u"label"_s, u"Version "_s));
+    WAIT_FOR(m_program.find(u"label"_s, u"Version "_s));
     press(u"Escape"_s);
     WAIT_FOR(activeWindow() == dashboardTitle);
 }
@@ -449,23 +346,23 @@ void TestDesktop::keysOpenTheSettings()
 {
     press(u"ctrl+comma"_s);
     WAIT_FOR(activeWindow() == "Corvane Settings"_L1);
-    WAIT_FOR(inWindow(u"check box"_s, u"Launch Corvane at login"_s));
+    WAIT_FOR(m_program.find(u"check box"_s, u"Launch Corvane at login"_s));
 }
 
 void TestDesktop::theSwitchStartsItAtLogin()
 {
     const QString entry = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s;
-    const auto loginSwitch = inWindow(u"check box"_s, u"Launch Corvane at login"_s);
-    QVERIFY(!m_reader->isChecked(*loginSwitch));
+    const auto loginSwitch = m_program.find(u"check box"_s, u"Launch Corvane at login"_s);
+    QVERIFY(!m_program.reader().isChecked(*loginSwitch));
     QVERIFY(!QFile::exists(entry));
     clickOn(loginSwitch);
-    WAIT_FOR(m_reader->isChecked(*loginSwitch));
+    WAIT_FOR(m_program.reader().isChecked(*loginSwitch));
     QFile file(entry);
     QVERIFY(file.open(QFile::ReadOnly));
     QVERIFY(QString::fromUtf8(file.readAll()).contains(QStringLiteral(CORVANE_PROGRAM)));
     clickOn(loginSwitch);
-    WAIT_FOR(!m_reader->isChecked(*loginSwitch));
+    WAIT_FOR(!m_program.reader().isChecked(*loginSwitch));
     QVERIFY(!QFile::exists(entry));
     press(u"Escape"_s);
     WAIT_FOR(activeWindow() == dashboardTitle);
@@ -474,11 +371,11 @@ void TestDesktop::theSwitchStartsItAtLogin()
 void TestDesktop::quits()
 {
     openPanel();
-    clickOn(child(*panel(), u"push button"_s, u"Quit"_s));
-    WAIT_FOR(m_program.state() == QProcess::NotRunning);
-    QCOMPARE(m_program.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_program.exitCode(), 0);
-    QCOMPARE(QString::fromUtf8(m_program.readAllStandardError()), QString());
+    clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Quit"_s));
+    WAIT_FOR(!m_program.isRunning());
+    QCOMPARE(m_program.process().exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program.process().exitCode(), 0);
+    QCOMPARE(m_program.complaints(), QString());
 }
 
 QTEST_MAIN(TestDesktop)
