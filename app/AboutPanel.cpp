@@ -30,6 +30,7 @@ constexpr double copyrightBaseline = 276;
 
 AboutPanel::AboutPanel(const AboutTexts &texts, QWidget *parent) : SpokenWidget(parent)
 {
+    setWindowFlag(Qt::Dialog);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"About %1"_s.arg(texts.name));
     setAccessibleName(windowTitle());

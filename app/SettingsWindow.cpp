@@ -27,7 +27,7 @@ constexpr int barHeight = SettingsTabs::barHeight;
 
 SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater,
                                QWidget *parent)
-    : QWidget(parent),
+    : QWidget(parent, Qt::Dialog),
       m_launch(launch),
       m_updater(updater),
       m_tabs(new SettingsTabs(this)),
