@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "app/UpdaterManager.h"
 #include "cards/Theme.h"
 
 #include <QAction>
@@ -56,6 +57,12 @@ Commands::Commands(QObject *parent, HostSystem system)
     m_quit->setShortcut(Qt::CTRL | Qt::Key_Q);
     if (system == HostSystem::linuxDesktop)
         m_about->setShortcut(Qt::Key_F1);
+}
+
+void Commands::follow(const UpdaterManager &updater)
+{
+    m_checkForUpdates->setEnabled(updater.canCheck());
+    connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
 }
 
 QList<QAction *> Commands::inMenuOrder() const

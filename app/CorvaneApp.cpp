@@ -78,9 +78,7 @@ void CorvaneApp::connectCommands()
     connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
     connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
-    m_commands.checkForUpdates()->setEnabled(m_state.updater.canCheck());
-    connect(&m_state.updater, &UpdaterManager::canCheckChanged, m_commands.checkForUpdates(),
-            &QAction::setEnabled);
+    m_commands.follow(m_state.updater);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
