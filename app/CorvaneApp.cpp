@@ -1,13 +1,25 @@
 #include "app/CorvaneApp.h"
 
 #include "app/AboutPanel.h"
+#include "app/ApplicationService.h"
+#include "app/CleanEnd.h"
+#include "app/DisplayGuard.h"
+#include "app/InstanceSocket.h"
 #include "app/MainWindow.h"
 #include "app/OwnWindow.h"
+#include "app/SessionBus.h"
 #include "app/SettingsWindow.h"
+#include "app/SingleInstance.h"
+#include "platform/Heap.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QMenuBar>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 
 namespace corvane {
 
@@ -23,6 +35,28 @@ void nameProgram()
     QCoreApplication::setApplicationName(u"Corvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
+}
+
+/// The exit status of a start that is not the first; nothing for the first.
+std::optional<int> statusOfLaterStart(const SingleInstance &instance)
+{
+    switch (instance.standing()) {
+    case SingleInstance::Standing::first:
+        return std::nullopt;
+    case SingleInstance::Standing::second:
+        return EXIT_SUCCESS;
+    case SingleInstance::Standing::unanswered:
+        break;
+    }
+    std::fputs("Corvane is already running, but it does not answer.\n", stderr);
+    return EXIT_FAILURE;
+}
+
+/// The application; without a display the process ends here.
+std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
+{
+    const DisplayGuard guard;
+    return std::make_unique<QApplication>(argc, argv);
 }
 
 } // namespace
@@ -47,6 +81,7 @@ void CorvaneApp::openMainWindow()
     if (!isOpen(m_mainWindow)) {
         m_mainWindow = new MainWindow;
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_mainWindow, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         connectMainWindow();
     }
     bringForward(*m_mainWindow);
@@ -80,6 +115,20 @@ void CorvaneApp::connectCommands()
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
     m_commands.follow(m_state.updater);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
+}
+
+void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
+{
+    const auto open = [this](const QByteArray &activationToken) {
+        // Qt hands it to the compositor with the next window that asks for the focus.
+        if (!activationToken.isEmpty())
+            qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+        openMainWindow();
+    };
+    connect(&socket, &InstanceSocket::openRequested, this, open);
+    connect(&service, &ApplicationService::openRequested, this, open);
+    connect(&service, &ApplicationService::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&service, &ApplicationService::anotherAnswered, qApp, &QCoreApplication::quit);
 }
 
 void CorvaneApp::connectLabel()
@@ -124,10 +173,22 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    shareOneHeap();
     nameProgram();
-    QApplication application(argc, argv);
+    ignoreBrokenPipes();
+    startNoSessionBus();
+    const InstanceMessage message = messageOfThisStart();
+    const SingleInstance instance(message);
+    if (const auto status = statusOfLaterStart(instance))
+        return *status;
+
+    const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const CorvaneApp corvane;
+    const CleanEnd cleanEnd;
+    CorvaneApp corvane;
+    const InstanceSocket socket(instance.socketPath());
+    const ApplicationService service(message.activationToken);
+    corvane.obey(socket, service);
     return QApplication::exec();
 }
 

@@ -10,6 +10,8 @@
 
 namespace corvane {
 
+class ApplicationService;
+class InstanceSocket;
 class MainWindow;
 class SettingsWindow;
 
@@ -27,6 +29,9 @@ public:
 
     /// The same of the settings.
     void openSettings();
+
+    /// Does what later starts of the program and the desktop ask for.
+    void obey(const InstanceSocket &socket, const ApplicationService &service);
 
 private:
     void checkForUpdates();

@@ -6,10 +6,12 @@
 #include "app/OwnWindow.h"
 #include "app/WindowAccessor.h"
 #include "app/WindowLifecycleCoordinator.h"
+#include "app/WindowStyle.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
 #include "cards/PowerCard.h"
 #include "cards/ProcessCard.h"
+#include "cards/Theme.h"
 #include "cards/UtilizationCard.h"
 #include "cards/WindowBackground.h"
 #include "sampling/SeriesReduction.h"
@@ -52,7 +54,11 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
     resize(usualSize.boundedTo(screen()->availableSize()));
     closeOnUsualKey(*this);
     new WindowAccessor(
-        [](NativeWindow window) { WindowLifecycleCoordinator::shared().attach(window); }, this);
+        [](NativeWindow window) {
+            hideTitleBar(window, Theme::windowGradient({1, 1}).stops().first().second);
+            WindowLifecycleCoordinator::shared().attach(window);
+        },
+        this);
 }
 
 void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
@@ -108,7 +114,7 @@ void MainWindow::showUnseen()
 void MainWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
 }
 
 void MainWindow::resizeEvent(QResizeEvent *)

@@ -20,7 +20,7 @@ struct Drawing {
 
 constexpr Drawing drawing(LogoSize size)
 {
-    return size == LogoSize::small ? Drawing{28, 8, 5.5} : Drawing{72, 20, 13};
+    return size == LogoSize::small ? Drawing{28, 8, 5.5} : Drawing{72, 72 * largeLogoRadius, 13};
 }
 
 } // namespace
