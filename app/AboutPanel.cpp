@@ -91,7 +91,7 @@ void AboutPanel::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
     paintLogo(painter, sign, LogoSize::large);
     for (const CardText &line : m_lines)
         line.paint(painter);

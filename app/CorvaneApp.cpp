@@ -92,6 +92,7 @@ void CorvaneApp::openSettings()
     if (!isOpen(m_settings)) {
         m_settings = new SettingsWindow(m_state.launch, m_state.updater);
         m_settings->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_settings, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
     }
     bringForward(*m_settings);
