@@ -1,14 +1,20 @@
 #include "app/CorvaneApp.h"
 
+#include "app/AboutPanel.h"
 #include "app/ApplicationService.h"
 #include "app/CleanEnd.h"
 #include "app/DisplayGuard.h"
 #include "app/InstanceSocket.h"
 #include "app/MainWindow.h"
+#include "app/OwnWindow.h"
 #include "app/SessionBus.h"
+#include "app/SettingsWindow.h"
 #include "app/SingleInstance.h"
+#include "platform/Heap.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QMenuBar>
 
 #include <cstdio>
 #include <cstdlib>
@@ -57,21 +63,60 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
 
 CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
 {
+    connectCommands();
     connectLabel();
     connectPanel();
+    if (hostSystem() == HostSystem::mac)
+        m_menuBar = m_commands.makeMenuBar();
+}
+
+CorvaneApp::~CorvaneApp()
+{
+    delete m_settings;
+    delete m_mainWindow;
 }
 
 void CorvaneApp::openMainWindow()
 {
-    if (!m_mainWindow) {
+    if (!isOpen(m_mainWindow)) {
         m_mainWindow = new MainWindow;
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_mainWindow, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         connectMainWindow();
     }
-    m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
-    m_mainWindow->QWidget::show();
-    m_mainWindow->raise();
-    m_mainWindow->activateWindow();
+    bringForward(*m_mainWindow);
+}
+
+void CorvaneApp::openSettings()
+{
+    if (!isOpen(m_settings)) {
+        m_settings = new SettingsWindow(m_state.launch, m_state.updater);
+        m_settings->setAttribute(Qt::WA_DeleteOnClose);
+        m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
+    }
+    bringForward(*m_settings);
+}
+
+/// Where the system's updater has no windows of its own, the settings say what it finds.
+void CorvaneApp::checkForUpdates()
+{
+    if (hostSystem() == HostSystem::linuxDesktop) {
+        openSettings();
+        m_settings->showTab(SettingsTab::updates);
+    }
+    m_state.updater.checkForUpdates();
+}
+
+void CorvaneApp::connectCommands()
+{
+    connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
+    connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
+    connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
+    m_commands.checkForUpdates()->setEnabled(m_state.updater.canCheck());
+    connect(&m_state.updater, &UpdaterManager::canCheckChanged, m_commands.checkForUpdates(),
+            &QAction::setEnabled);
+    connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
 void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
@@ -94,7 +139,6 @@ void CorvaneApp::connectLabel()
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_label, &TrayLabel::quitRequested, qApp, &QCoreApplication::quit);
     // A program that runs and shows nothing is a defect.
     connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
     show();
@@ -104,8 +148,10 @@ void CorvaneApp::connectPanel()
 {
     const auto show = [this] { m_panel.show(m_state.sampler.current()); };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
-    connect(&m_panel, &MenuBarContent::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_panel, &MenuBarContent::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&m_panel, &MenuBarContent::openWindowRequested, m_commands.openWindow(),
+            &QAction::trigger);
+    connect(&m_panel, &MenuBarContent::quitRequested, m_commands.quit(), &QAction::trigger);
+    m_panel.addActions(m_commands.inMenuOrder());
     show();
 }
 
@@ -113,6 +159,7 @@ void CorvaneApp::connectMainWindow()
 {
     const SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
+    window->addActions(m_commands.inMenuOrder());
     const auto showSamples = [&sampler, window] {
         window->show(sampler.current(), sampler.history());
     };
@@ -128,6 +175,7 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    shareOneHeap();
     nameProgram();
     ignoreBrokenPipes();
     startNoSessionBus();

@@ -89,15 +89,30 @@ void StatusNotifierWatcher::lookUp(const QString &owner)
 /// A watcher without a host shows nothing.
 void StatusNotifierWatcher::askForHost()
 {
+    askForProperty(u"IsStatusNotifierHostRegistered"_s, [this](const QVariant &isThere) {
+        publish(isThere.toBool() ? std::optional(m_kind) : std::nullopt);
+    });
+}
+
+void StatusNotifierWatcher::askForItems()
+{
+    askForProperty(u"RegisteredStatusNotifierItems"_s, [this](const QVariant &items) {
+        if (items.isValid())
+            emit itemsListed(items.toStringList());
+    });
+}
+
+/// Calls `use` with an invalid value for an error; not at all for an answer of another owner.
+void StatusNotifierWatcher::askForProperty(const QString &name,
+                                           const std::function<void(const QVariant &)> &use)
+{
     QDBusMessage call = QDBusMessage::createMethodCall(
         watcherName, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setAutoStartService(false);
-    call << QString(watcherName) << u"IsStatusNotifierHostRegistered"_s;
-    ask(call, [this, owner = m_owner](const QDBusMessage &reply) {
-        if (owner != m_owner)
-            return;
-        const auto value = reply.arguments().value(0).value<QDBusVariant>();
-        publish(value.variant().toBool() ? std::optional(m_kind) : std::nullopt);
+    call << QString(watcherName) << name;
+    ask(call, [this, use, owner = m_owner](const QDBusMessage &reply) {
+        if (owner == m_owner)
+            use(reply.arguments().value(0).value<QDBusVariant>().variant());
     });
 }
 

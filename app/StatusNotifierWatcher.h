@@ -33,12 +33,18 @@ public:
     /// The bus on which the tray is.
     const QString &busAddress() const { return m_connection.address(); }
 
+    /// Asks once which items the tray has; itemsListed is the answer, if there is one.
+    void askForItems();
+
     /// A call of the tray's own object, which starts no program.
     static QDBusMessage methodCall(const QString &method);
 
 signals:
     /// Another host, the same one started anew, or none.
     void hostChanged();
+
+    /// Each as its bus name and, in one form or another, its path.
+    void itemsListed(const QStringList &items);
 
 private slots:
     void askForHost();
@@ -48,6 +54,7 @@ private:
     void loseBus();
     using Use = std::function<void(const QDBusMessage &reply)>;
     void ask(const QDBusMessage &call, const Use &use);
+    void askForProperty(const QString &name, const std::function<void(const QVariant &)> &use);
     void lookUp(const QString &owner);
     void publish(const std::optional<TrayHost> &host);
 

@@ -1,4 +1,5 @@
 #include "history/HistoryStore.h"
+#include "history/Records.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,15 +13,10 @@
 #include <sys/stat.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A record that is told from others by its time.
-PersistedMetric record(int number)
-{
-    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
-}
 
 QByteArray line(int number)
 {
@@ -32,14 +28,6 @@ QByteArray lines(int first, int last)
     QByteArray all;
     for (int number = first; number <= last; ++number)
         all += line(number);
-    return all;
-}
-
-QList<int> numbers(int first, int last)
-{
-    QList<int> all;
-    for (int number = first; number <= last; ++number)
-        all.append(number);
     return all;
 }
 
