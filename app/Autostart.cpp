@@ -85,9 +85,10 @@ std::optional<QString> writeEntry(const QByteArray &content)
     const QString folder = QFileInfo(file).path();
     if (!makeFolder(folder))
         return u"The folder “%1” cannot be made."_s.arg(folder);
+    // Flushed by hand: the commit overlooks what the disk refuses only then.
     QSaveFile target(file);
     if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size()
-        && target.commit())
+        && target.flush() && target.commit())
         return std::nullopt;
     return u"“%1” cannot be written: %2."_s.arg(file, target.errorString());
 }

@@ -22,6 +22,21 @@ constexpr auto reserved = " \t\n\r\"'\\><~|&;$*?#()`"_L1;
 /// Those that keep a meaning between quotes.
 constexpr auto quotedReserved = "\"`$\\"_L1;
 
+/// Other white space may be part of a name.
+bool isBlank(QChar letter)
+{
+    return " \t\n\r"_L1.contains(letter);
+}
+
+QStringView withoutBlanks(QStringView text)
+{
+    while (!text.isEmpty() && isBlank(text.front()))
+        text = text.mid(1);
+    while (!text.isEmpty() && isBlank(text.back()))
+        text.chop(1);
+    return text;
+}
+
 QString unescaped(QStringView value)
 {
     QString text;
@@ -79,9 +94,9 @@ std::optional<QString> takeQuoted(QStringView &rest)
 /// First word of a command; empty if there is none, or if a quote is left open.
 QString programOf(const QString &command)
 {
-    QStringView rest = QStringView(command).trimmed();
+    QStringView rest = withoutBlanks(command);
     QString word;
-    while (!rest.isEmpty() && !rest.front().isSpace()) {
+    while (!rest.isEmpty() && !isBlank(rest.front())) {
         if (rest.front() == u'"' || rest.front() == u'\'') {
             const auto part = takeQuoted(rest);
             if (!part)
@@ -139,7 +154,7 @@ std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes)
     std::optional<DesktopEntry> entry;
     bool isInGroup = false;
     for (const QStringView line : QStringTokenizer(text, u'\n')) {
-        const QStringView content = line.trimmed();
+        const QStringView content = withoutBlanks(line);
         if (content.startsWith(u'[')) {
             isInGroup = content == groupName;
             if (isInGroup && !entry)
@@ -149,7 +164,8 @@ std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes)
         const auto equals = content.indexOf(u'=');
         if (!isInGroup || equals < 0 || content.startsWith(u'#'))
             continue;
-        take(*entry, content.first(equals).trimmed(), unescaped(content.mid(equals + 1).trimmed()));
+        take(*entry, withoutBlanks(content.first(equals)),
+             unescaped(withoutBlanks(content.mid(equals + 1))));
     }
     return entry;
 }

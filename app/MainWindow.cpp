@@ -114,7 +114,7 @@ void MainWindow::showUnseen()
 void MainWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
 }
 
 void MainWindow::resizeEvent(QResizeEvent *)

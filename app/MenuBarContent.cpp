@@ -14,6 +14,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace corvane {
@@ -38,6 +39,21 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
 };
+
+/// Every whole pixel that a rectangle with round corners touches.
+QRegion roundedRegion(const QRect &rect)
+{
+    QRegion region = rect.adjusted(0, radius, 0, -radius);
+    for (int row = 0; row < radius; ++row) {
+        const int rise = radius - row - 1;
+        const int inset =
+            radius - static_cast<int>(std::ceil(std::sqrt(radius * radius - rise * rise)));
+        const QRect line(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
+        region += line;
+        region += line.translated(0, rect.height() - 1 - 2 * row);
+    }
+    return region;
+}
 
 /// A Wayland compositor places a pop-up only below an input event of its own window, which a click
 /// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
@@ -133,6 +149,12 @@ void MenuBarContent::paintEvent(QPaintEvent *)
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5,
                             radius - 0.5);
+}
+
+void MenuBarContent::resizeEvent(QResizeEvent *)
+{
+    // An X server without a compositor paints black where the window is transparent.
+    setMask(roundedRegion(rect()));
 }
 
 void MenuBarContent::keyPressEvent(QKeyEvent *event)

@@ -22,6 +22,9 @@ using namespace std::chrono_literals;
 /// moment. So much later it is taken for missing.
 constexpr auto patience = 1500ms;
 
+/// So often a tray that has lost items gets them anew.
+constexpr int mostRenewals = 2;
+
 /// Where the click was. Desktops tell it in pixels of the screen, or not at all.
 QPoint panelAnchor(const QPoint &told)
 {
@@ -36,6 +39,8 @@ struct TrayLabel::Bar {
     Bar(TrayLabel &owner, const QList<QAction *> &ofMenus) : label(owner), commands(ofMenus) { }
 
     void followHost();
+    void putItemsUp();
+    void checkItems(const QStringList &taken);
     void useOldProtocol();
 
     TrayLabel &label;
@@ -44,6 +49,7 @@ struct TrayLabel::Bar {
     StatusNotifierWatcher watcher;
     QTimer missing;                       ///< Runs after the host went.
     std::unique_ptr<NotifierItems> items; ///< While there is a host.
+    int renewals = 0;                     ///< Of the items, for this host.
     std::unique_ptr<TrayIcons> icons;     ///< On X11 while there is none.
 };
 
@@ -56,6 +62,8 @@ TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
     bar->missing.setInterval(patience);
     connect(&bar->missing, &QTimer::timeout, this, [bar] { bar->useOldProtocol(); });
     connect(&bar->watcher, &StatusNotifierWatcher::hostChanged, this, [bar] { bar->followHost(); });
+    connect(&bar->watcher, &StatusNotifierWatcher::itemsListed, this,
+            [bar](const QStringList &taken) { bar->checkItems(taken); });
     QTimer::singleShot(patience, this, [this, bar] {
         bar->useOldProtocol();
         if (!isAvailable())
@@ -88,12 +96,29 @@ void TrayLabel::Bar::followHost()
     }
     missing.stop();
     icons.reset();
+    renewals = 0;
+    putItemsUp();
+}
+
+void TrayLabel::Bar::putItemsUp()
+{
+    items.reset(); // Its connections have names that are used again.
     items = std::make_unique<NotifierItems>(watcher.busAddress(), *watcher.host(), commands);
     connect(items.get(), &NotifierItems::activated, &label,
             [this](const QPoint &position) { emit label.activated(panelAnchor(position)); });
     connect(items.get(), &NotifierItems::secondaryActivated, &label,
             &TrayLabel::openWindowRequested);
+    connect(items.get(), &NotifierItems::settled, &watcher, &StatusNotifierWatcher::askForItems);
     items->show(current);
+}
+
+/// Puts all of them up anew where one is missing: it alone would get a place at the end.
+void TrayLabel::Bar::checkItems(const QStringList &taken)
+{
+    if (!items || items->areTaken(taken) || renewals == mostRenewals)
+        return;
+    ++renewals;
+    putItemsUp();
 }
 
 /// Qt's icons look for a tray on the bus too, and wait for its answer: not before it is known that

@@ -51,11 +51,7 @@ WindowPlatform systemWindowPlatform()
         .enableZoomButton = [](NativeWindow) {},
         .activationPolicy = [] { return policy(); },
         .setActivationPolicy = [](ActivationPolicy wanted) { policy() = wanted; },
-        .activate =
-            [](NativeWindow window) {
-                asWindow(window)->raise();
-                asWindow(window)->requestActivate();
-            },
+        .activate = [](NativeWindow window) { asWindow(window)->requestActivate(); },
         .observeClose = [](NativeWindow window,
                            const std::function<void()> &closing) -> std::unique_ptr<CloseObserver> {
             return std::make_unique<HideObserver>(asWindow(window), closing);

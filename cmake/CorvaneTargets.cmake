@@ -32,13 +32,13 @@ function(corvane_library name)
   endif()
 endfunction()
 
-# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [SOURCES …] [LINK …])
+# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [ARGUMENTS …] [SOURCES …] [LINK …])
 #
 # Adds a Qt Test program from tests/FOLDER/tst_Name.cpp, run by ctest without a display and with home
 # and XDG folders of its own. SYSTEM names the systems it is for (default: all); THREADED marks it for
 # the ThreadSanitizer preset. Extra SOURCES are relative to the tests folder.
 function(corvane_test path)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;ARGUMENTS;SOURCES;LINK")
   if(arg_SYSTEM AND NOT CORVANE_SYSTEM IN_LIST arg_SYSTEM)
     return()
   endif()
@@ -55,7 +55,7 @@ function(corvane_test path)
   file(MAKE_DIRECTORY ${home}/runtime)
   file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   string(REPLACE "tst_" "" name ${path})
-  add_test(NAME ${name} COMMAND ${target})
+  add_test(NAME ${name} COMMAND ${target} ${arg_ARGUMENTS})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()

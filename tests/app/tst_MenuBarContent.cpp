@@ -3,6 +3,7 @@
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
+#include "support/Rendering.h"
 #include "telemetry/ChipIdentity.h"
 
 #include <QAction>
@@ -14,6 +15,7 @@
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -61,6 +63,7 @@ class TestMenuBarContent : public QObject {
 
 private slots:
     void isAsLargeAsDrawn();
+    void coversNothingBesideItsRoundCorners();
     void everyNumberHasAName();
     void headerNamesChipAndPower();
     void updatesWhileOpen();
@@ -91,6 +94,23 @@ void TestMenuBarContent::isAsLargeAsDrawn()
     QCOMPARE(buttons[0]->y(), 256);
     QCOMPARE(buttons[1]->geometry().right(), 267);
     QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
+}
+
+void TestMenuBarContent::coversNothingBesideItsRoundCorners()
+{
+    MenuBarContent panel;
+    const QImage picture = rendered(panel, 1);
+    const QRegion mask = panel.mask();
+    QVERIFY(!mask.contains(QPoint(0, 0)));
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).alpha() > 0)
+                QVERIFY2(mask.contains(QPoint(x, y)), qPrintable(u"cut at %1, %2"_s.arg(x).arg(y)));
+            else
+                QVERIFY2(!mask.contains(QPoint(x, y)),
+                         qPrintable(u"black at %1, %2"_s.arg(x).arg(y)));
+        }
+    }
 }
 
 void TestMenuBarContent::everyNumberHasAName()

@@ -17,6 +17,7 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -82,12 +83,20 @@ private slots:
     void takesAnotherFormForAnotherTray();
     void waitsForAHost();
     void comesBackAfterTheBus();
+    void aTrayThatHasThemAllIsLeftAlone_data();
+    void aTrayThatHasThemAllIsLeftAlone();
+    void aTrayThatLosesAnItemGetsAllAnew_data();
+    void aTrayThatLosesAnItemGetsAllAnew();
+    void aTrayThatAlwaysLosesAnItemIsLeftAlone();
+    void comesInOrderToATrayThatAnswersLate();
+    void comesInOrderToATrayThatStartsAnewInBetween();
     void aTrayThatHangsHoldsNobodyUp();
     void tellsOnceThatThereIsNoTray();
     void staysQuietWhereATrayIs();
 
 private:
     void startTray(const char *program);
+    void waitForTheCheck();
     QStringList ids();
     QString text(const QString &name, int item = 0);
     StatusNotifierPixmaps pictures(int item = 0);
@@ -123,6 +132,12 @@ void TestTrayLabel::startTray(const char *program)
     const bool isText = qstrcmp(program, "gnome-shell") == 0;
     const bool isWide = qstrcmp(program, "waybar") == 0;
     QTRY_COMPARE(m_tray->items().size(), isText || isWide ? 1 : 3);
+}
+
+/// Until the label has looked whether the tray has its items, after which it sends nothing more.
+void TestTrayLabel::waitForTheCheck()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->listings(), 1, 30'000);
 }
 
 /// In the order of their registration.
@@ -323,6 +338,7 @@ void TestTrayLabel::menuShowsLiveRowsAndCommands()
 void TestTrayLabel::constantValuesSendNothing()
 {
     startTray("kded6");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second) {
         SystemMetrics current = sample(63);
@@ -335,6 +351,7 @@ void TestTrayLabel::constantValuesSendNothing()
 void TestTrayLabel::changingValuesSendWhatTheyNeed()
 {
     startTray("kded6");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second)
         m_label->show(sample(10 + second, 20 + second / 2));
@@ -349,6 +366,7 @@ void TestTrayLabel::changingValuesSendWhatTheyNeed()
 void TestTrayLabel::aChangingTextSendsTheText()
 {
     startTray("gnome-shell");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second)
         m_label->show(sample(10 + second));
@@ -361,6 +379,7 @@ void TestTrayLabel::aChangingTextSendsTheText()
 void TestTrayLabel::menuRowsAreSentOnlyWhileOpen()
 {
     startTray("gnome-shell");
+    waitForTheCheck();
     const auto tell = [this](const QString &event) {
         callMenu(u"Event"_s, {0, event, QVariant::fromValue(QDBusVariant(0)), 0u});
     };
@@ -435,6 +454,79 @@ void TestTrayLabel::comesBackAfterTheBus()
     m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
     QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, 30'000);
     QCOMPARE(text(u"IconAccessibleDesc"_s), u"Memory 77 %, GPU 41 %, Power 12 W"_s);
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("separator");
+    QTest::newRow("lists name and path") << QString();
+    QTest::newRow("lists name, @ and path") << u"@"_s;
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone()
+{
+    QFETCH(QString, separator);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->setSeparator(separator);
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    QTest::qWait(3000); // Time enough to register once more, or to ask again.
+    QCOMPARE(monitor.membersSince(squareIds), QStringList());
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew_data()
+{
+    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<int>("lost");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("one of three") << "lxqt-panel"_ba << 2 << squareIds;
+    QTest::newRow("in a tray that puts new ones first") << "panel-6-systray"_ba << 2 << reversed;
+    QTest::newRow("the only one") << "gnome-shell"_ba << 1 << QStringList{u"corvane"_s};
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(int, lost);
+    QFETCH(QStringList, expected);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), program.constData());
+    m_tray->loseRegistrations(lost);
+    const int count = static_cast<int>(expected.size());
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->registrations(), 2 * count, 30'000);
+    QTRY_COMPARE(m_tray->items().size(), count);
+    QCOMPARE(ids(), expected);
+}
+
+void TestTrayLabel::aTrayThatAlwaysLosesAnItemIsLeftAlone()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
+    m_tray->loseRegistrations(1, 100);
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->listings(), 3, 30'000);
+    QTest::qWait(3000);
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::comesInOrderToATrayThatAnswersLate()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "panel-6-systray");
+    m_tray->setDelay(1500ms);
+    QTRY_COMPARE(m_tray->items().size(), 1);
+    QCOMPARE(m_tray->registrations(), 1); // The second waits for the first.
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, 30'000);
+    QCOMPARE(ids(), (QStringList{squareIds[2], squareIds[1], squareIds[0]}));
+}
+
+void TestTrayLabel::comesInOrderToATrayThatStartsAnewInBetween()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    QTRY_COMPARE(m_tray->registrations(), 1);
+    m_tray.reset();
+    startTray("lxqt-panel");
+    QCOMPARE(ids(), squareIds);
+    waitForTheCheck();
+    QCOMPARE(m_tray->registrations(), 3);
 }
 
 void TestTrayLabel::aTrayThatHangsHoldsNobodyUp()
