@@ -31,8 +31,7 @@ extern NSString *const NSWindowWillCloseNotification;
 
 static const CGFloat NSVariableStatusItemLength = -1;
 
-typedef NSUInteger NSEventType;
-enum : NSEventType { NSEventTypeLeftMouseDown = 1, NSEventTypeRightMouseDown = 3 };
+enum NSEventType : NSUInteger { NSEventTypeLeftMouseDown = 1, NSEventTypeRightMouseDown = 3 };
 
 typedef unsigned long long NSEventMask;
 enum : NSEventMask {
@@ -43,8 +42,7 @@ enum : NSEventMask {
 typedef NSUInteger NSEventModifierFlags;
 enum : NSEventModifierFlags { NSEventModifierFlagControl = 1 << 18 };
 
-typedef NSInteger NSApplicationActivationPolicy;
-enum : NSApplicationActivationPolicy {
+enum NSApplicationActivationPolicy : NSInteger {
     NSApplicationActivationPolicyRegular,
     NSApplicationActivationPolicyAccessory,
 };
@@ -55,11 +53,9 @@ enum : NSWindowCollectionBehavior {
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
-typedef NSUInteger NSWindowButton;
-enum : NSWindowButton { NSWindowZoomButton = 2 };
+enum NSWindowButton : NSUInteger { NSWindowZoomButton = 2 };
 
-typedef NSInteger NSWindowTitleVisibility;
-enum : NSWindowTitleVisibility { NSWindowTitleHidden = 1 };
+enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 
 @class NSButton, NSWindow;
 
