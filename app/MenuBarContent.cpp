@@ -1,5 +1,6 @@
 #include "app/MenuBarContent.h"
 
+#include "app/Commands.h"
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
@@ -8,10 +9,12 @@
 #include <QBoxLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace corvane {
@@ -36,6 +39,21 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
 };
+
+/// Every whole pixel that a rectangle with round corners touches.
+QRegion roundedRegion(const QRect &rect)
+{
+    QRegion region = rect.adjusted(0, radius, 0, -radius);
+    for (int row = 0; row < radius; ++row) {
+        const int rise = radius - row - 1;
+        const int inset =
+            radius - static_cast<int>(std::ceil(std::sqrt(radius * radius - rise * rise)));
+        const QRect line(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
+        region += line;
+        region += line.translated(0, rect.height() - 1 - 2 * row);
+    }
+    return region;
+}
 
 /// A Wayland compositor places a pop-up only below an input event of its own window, which a click
 /// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
@@ -133,12 +151,31 @@ void MenuBarContent::paintEvent(QPaintEvent *)
                             radius - 0.5);
 }
 
+void MenuBarContent::resizeEvent(QResizeEvent *)
+{
+    // An X server without a compositor paints black where the window is transparent.
+    setMask(roundedRegion(rect()));
+}
+
 void MenuBarContent::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
         hide();
     else
         QWidget::keyPressEvent(event);
+}
+
+void MenuBarContent::contextMenuEvent(QContextMenuEvent *event)
+{
+    m_menu = popUpActions(*this, event->globalPos());
+    if (!m_menu)
+        return;
+    connect(m_menu, &QMenu::triggered, this, &QWidget::hide);
+    const auto hideUnlessActive = [this] {
+        if (!isActiveWindow())
+            hide();
+    };
+    connect(m_menu, &QMenu::aboutToHide, this, hideUnlessActive, Qt::QueuedConnection);
 }
 
 void MenuBarContent::hideEvent(QHideEvent *event)
@@ -149,7 +186,8 @@ void MenuBarContent::hideEvent(QHideEvent *event)
 
 bool MenuBarContent::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowDeactivate)
+    // Where the panel is a plain window its menu takes the focus from it.
+    if (event->type() == QEvent::WindowDeactivate && !m_menu)
         hide();
     return QWidget::event(event);
 }

@@ -3,10 +3,13 @@
 #include "app/ReadOut.h"
 #include "platform/BootClock.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
 #include <optional>
+
+class QMenu;
 
 namespace corvane {
 
@@ -14,8 +17,8 @@ class PanelHeader;
 class PanelRow;
 
 /// The panel that drops down from the label: name, chip and total power, five live rows and two
-/// buttons. Owned by the application, which shows it each new sample; main thread. Closes on a
-/// click elsewhere and on Escape.
+/// buttons. Its actions are in a menu on it. Owned by the application, which shows it each new
+/// sample; main thread. Closes on a click elsewhere and on Escape.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 
@@ -37,7 +40,9 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     bool event(QEvent *event) override;
 
@@ -45,6 +50,7 @@ private:
     PanelHeader *m_header = nullptr;
     std::array<PanelRow *, 5> m_rows = {};
     std::function<double()> m_clock;
+    QPointer<QMenu> m_menu;                ///< While it is open.
     std::optional<double> m_hiddenAt = {}; ///< Nothing before it was first shown.
 };
 

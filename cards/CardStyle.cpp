@@ -33,8 +33,13 @@ QPainterPath continuousCorners(const QRectF &rect, double radius)
     return path;
 }
 
-void paint(QPainter &painter, const QRectF &card)
+void paint(QPainter &painter, const QRectF &card, const QRect &dirty)
 {
+    constexpr double edge = 8; // More than the corners take of it.
+    if (card.adjusted(edge, edge, -edge, -edge).contains(dirty)) {
+        painter.fillRect(card, Theme::cardFill());
+        return;
+    }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(continuousCorners(card, cornerRadius), Theme::cardFill());

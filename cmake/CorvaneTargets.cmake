@@ -1,16 +1,20 @@
-# corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …] [LINK …])
+# corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …]
+#                 [FRAMEWORKS …] [LINK …])
 #
 # Adds the layer `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
 # LINUX is added by the system: what reads the machine. The DESKTOP pair talks to the desktop (menu
-# bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop.
+# bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop. FRAMEWORKS are
+# what the Apple sources link on a Mac.
 function(corvane_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;FRAMEWORKS;LINK")
   set(target corvane_${name})
   set(sources ${arg_SOURCES})
   if(CORVANE_SYSTEM STREQUAL "linux")
     list(APPEND sources ${arg_LINUX} ${arg_LINUX_DESKTOP})
   elseif(CORVANE_SYSTEM STREQUAL "mac")
     list(APPEND sources ${arg_MAC} ${arg_MAC_DESKTOP})
+    list(TRANSFORM arg_FRAMEWORKS PREPEND "-framework ")
+    list(APPEND arg_LINK ${arg_FRAMEWORKS})
   else()
     list(APPEND sources ${arg_MAC} ${arg_LINUX_DESKTOP})
   endif()

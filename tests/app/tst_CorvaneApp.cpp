@@ -1,8 +1,13 @@
 #include "app/CorvaneApp.h"
 
+#include "app/AboutPanel.h"
 #include "app/MainWindow.h"
+#include "app/WindowLifecycleCoordinator.h"
+#include "cards/MemoryCard.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
@@ -34,8 +39,13 @@ private slots:
     void opensOneDashboard();
     void bringsAMinimizedDashboardBack();
     void aClosedDashboardIsGoneAndCanBeOpenedAgain();
+    void aDashboardThatWasJustClosedOpensAgain();
     void thePanelOpensTheDashboard();
     void thePanelQuits();
+    void theProgramIsRegularWhileTheDashboardIsOpen();
+    void theDashboardHasTheUsualKeys();
+    void everyViewOffersTheCommands();
+    void onlyTheLabelAndThePanelAreMadeAtStart();
 };
 
 void TestCorvaneApp::opensOneDashboard()
@@ -74,6 +84,19 @@ void TestCorvaneApp::aClosedDashboardIsGoneAndCanBeOpenedAgain()
     delete windows<MainWindow>().first();
 }
 
+void TestCorvaneApp::aDashboardThatWasJustClosedOpensAgain()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QPointer<MainWindow> closed = windows<MainWindow>().first();
+    closed->close();
+    corvane.openMainWindow();
+    QTRY_VERIFY(!closed);
+    QCOMPARE(windows<MainWindow>().size(), 1);
+    QVERIFY(windows<MainWindow>().first()->isVisible());
+    delete windows<MainWindow>().first();
+}
+
 void TestCorvaneApp::thePanelOpensTheDashboard()
 {
     const CorvaneApp corvane;
@@ -93,6 +116,63 @@ void TestCorvaneApp::thePanelQuits()
     QApplication::exec(); // Until it quits.
     QCOMPARE(ended.count(), 1);
     qDeleteAll(windows<MainWindow>());
+}
+
+void TestCorvaneApp::theProgramIsRegularWhileTheDashboardIsOpen()
+{
+    const WindowPlatform desktop = systemWindowPlatform();
+    const WindowLifecycleCoordinator &coordinator = WindowLifecycleCoordinator::shared();
+    CorvaneApp corvane;
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        corvane.openMainWindow();
+        QTRY_COMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+        QCOMPARE(coordinator.observerCount(), 1);
+        showAboutPanel();
+        windows<AboutPanel>().first()->close();
+        QTRY_VERIFY(windows<AboutPanel>().isEmpty());
+        QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+        windows<MainWindow>().first()->close();
+        QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+        QCOMPARE(coordinator.observerCount(), 0);
+        QTRY_VERIFY(windows<MainWindow>().isEmpty());
+    }
+}
+
+void TestCorvaneApp::theDashboardHasTheUsualKeys()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QPointer<MainWindow> window = windows<MainWindow>().first();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(!window);
+}
+
+void TestCorvaneApp::everyViewOffersTheCommands()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QList<QAction *> commands = windows<MainWindow>().first()->actions();
+    QVERIFY(!commands.isEmpty());
+    QCOMPARE(windows<MenuBarContent>().first()->actions(), commands);
+
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {300, 300}, {300, 300});
+    QCoreApplication::sendEvent(windows<MainWindow>().first()->findChild<MemoryCard *>(), &event);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QCOMPARE(menu->actions(), commands);
+    menu->close();
+    delete windows<MainWindow>().first();
+}
+
+/// What is not open costs nothing.
+void TestCorvaneApp::onlyTheLabelAndThePanelAreMadeAtStart()
+{
+    QTRY_VERIFY(windows<QWidget>().isEmpty()); // Of earlier tests.
+    const CorvaneApp corvane;
+    QCOMPARE(windows<QWidget>().size(), 1);
+    QCOMPARE(windows<MenuBarContent>().size(), 1);
 }
 
 QTEST_MAIN(TestCorvaneApp)

@@ -3,12 +3,19 @@
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
+#include "support/Rendering.h"
 #include "telemetry/ChipIdentity.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -25,6 +32,14 @@ QStringList namesOfRows(const MenuBarContent &panel)
     for (const PanelRow *row : panel.findChildren<PanelRow *>())
         names.append(row->accessibleName());
     return names;
+}
+
+/// What the menu key does.
+void openMenu(QWidget &widget)
+{
+    const QPoint middle = widget.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, widget.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// How many paints of a widget an action causes.
@@ -48,6 +63,7 @@ class TestMenuBarContent : public QObject {
 
 private slots:
     void isAsLargeAsDrawn();
+    void coversNothingBesideItsRoundCorners();
     void everyNumberHasAName();
     void headerNamesChipAndPower();
     void updatesWhileOpen();
@@ -58,6 +74,8 @@ private slots:
     void closesWhenAnotherWindowIsActive();
     void buttonsAreReachedByTab();
     void buttonsAnnounceTheirCommands();
+    void offersItsActionsInAMenu();
+    void staysWhileItsMenuHasTheFocus();
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
@@ -76,6 +94,23 @@ void TestMenuBarContent::isAsLargeAsDrawn()
     QCOMPARE(buttons[0]->y(), 256);
     QCOMPARE(buttons[1]->geometry().right(), 267);
     QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
+}
+
+void TestMenuBarContent::coversNothingBesideItsRoundCorners()
+{
+    MenuBarContent panel;
+    const QImage picture = rendered(panel, 1);
+    const QRegion mask = panel.mask();
+    QVERIFY(!mask.contains(QPoint(0, 0)));
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).alpha() > 0)
+                QVERIFY2(mask.contains(QPoint(x, y)), qPrintable(u"cut at %1, %2"_s.arg(x).arg(y)));
+            else
+                QVERIFY2(!mask.contains(QPoint(x, y)),
+                         qPrintable(u"black at %1, %2"_s.arg(x).arg(y)));
+        }
+    }
 }
 
 void TestMenuBarContent::everyNumberHasAName()
@@ -191,6 +226,39 @@ void TestMenuBarContent::buttonsAnnounceTheirCommands()
     buttons[0]->click();
     QCOMPARE(open.count(), 1);
     QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::offersItsActionsInAMenu()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    const QSignalSpy chosen(&settings, &QAction::triggered);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QCOMPARE(chosen.count(), 1);
+    QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
+    QVERIFY(panel.isVisible());
+    QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QTest::keyClick(menu, Qt::Key_Escape);
+    QTRY_VERIFY(!menu);
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
 }
 
 void TestMenuBarContent::staysOnTheScreen_data()

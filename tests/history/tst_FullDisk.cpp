@@ -1,4 +1,5 @@
 #include "history/HistoryStore.h"
+#include "history/Records.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,14 +13,10 @@
 #include <unistd.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-PersistedMetric record(int number)
-{
-    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
-}
 
 void writeText(const char *path, const QByteArray &text)
 {

@@ -1,4 +1,5 @@
 #include "history/HistoryStore.h"
+#include "history/Records.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,15 +13,10 @@
 #include <sys/stat.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A record that is told from others by its time.
-PersistedMetric record(int number)
-{
-    return {.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50, .memPct = 50};
-}
 
 QByteArray line(int number)
 {
@@ -32,14 +28,6 @@ QByteArray lines(int first, int last)
     QByteArray all;
     for (int number = first; number <= last; ++number)
         all += line(number);
-    return all;
-}
-
-QList<int> numbers(int first, int last)
-{
-    QList<int> all;
-    for (int number = first; number <= last; ++number)
-        all.append(number);
     return all;
 }
 
@@ -62,6 +50,7 @@ private slots:
     void dropsARecordThatIsNotFinite();
     void finishesItsWritesBeforeItIsGone();
     void seesEveryAppendBeforeALoad();
+    void writesOnlyWhileNoOtherStoreDoes();
     void doesNotRecreateADeletedFile();
     void survivesTheLossOfItsFolder();
     void survivesAFileInPlaceOfItsFolder();
@@ -283,6 +272,26 @@ void TestHistoryStore::seesEveryAppendBeforeALoad()
         QCOMPARE(newest.front().t, static_cast<double>(number));
     }
     QCOMPARE(contents(), lines(61, 200));
+}
+
+void TestHistoryStore::writesOnlyWhileNoOtherStoreDoes()
+{
+    HistoryStore second(m_directory);
+    {
+        HistoryStore first(m_directory);
+        first.append(record(1));
+        QCOMPARE(first.loadLast(1).size(), 1U);
+
+        second.append(record(2));
+        second.trim(0);
+        QCOMPARE(second.loadLast(10).size(), 1U); // It reads all the same.
+        QCOMPARE(contents(), line(1));
+
+        first.append(record(3));
+    }
+    second.append(record(4));
+    QCOMPARE(second.loadLast(10).size(), 3U);
+    QCOMPARE(contents(), line(1) + line(3) + line(4));
 }
 
 void TestHistoryStore::doesNotRecreateADeletedFile()

@@ -106,13 +106,18 @@ class TestKilledWriter : public QObject {
     Q_OBJECT
 
 public:
-    explicit TestKilledWriter(std::string program) : m_program(std::move(program)) { }
+    TestKilledWriter(std::string program, int instants)
+        : m_program(std::move(program)),
+          m_instants(instants)
+    {
+    }
 
 private slots:
     void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut();
 
 private:
     std::string m_program;
+    int m_instants;
 };
 
 void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
@@ -121,7 +126,7 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
     std::mt19937 random(1234);
     int first = 1;
     qsizetype damagedBefore = 0;
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < m_instants; ++round) {
         Writer writer(m_program, folder.path(), first);
         std::optional<int> number = writer.next();
         QVERIFY(number);
@@ -157,12 +162,18 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{u"history.jsonl"_s});
 }
 
-/// With a folder and a number, the program is the other process.
+/// With a folder and a number, the program is the other process; "--instants N" kills it as often.
 int main(int argc, char **argv)
 {
     if (argc == 3 && argv[1][0] == '/')
         appendForEver(QString::fromLocal8Bit(argv[1]), std::atoi(argv[2]));
-    TestKilledWriter test(argv[0]);
+    int instants = 100;
+    if (argc >= 3 && qstrcmp(argv[1], "--instants") == 0) {
+        instants = std::atoi(argv[2]);
+        std::copy(argv + 3, argv + argc, argv + 1);
+        argc -= 2;
+    }
+    TestKilledWriter test(argv[0], instants);
     return QTest::qExec(&test, argc, argv);
 }
 
