@@ -85,7 +85,7 @@ std::optional<QString> writeEntry(const QByteArray &content)
     const QString folder = QFileInfo(file).path();
     if (!makeFolder(folder))
         return u"The folder “%1” cannot be made."_s.arg(folder);
-    // Flushed by hand: the commit overlooks what the disk refuses only then.
+    // Flushed first: what the disk refuses only during the commit, the commit overlooks.
     QSaveFile target(file);
     if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size()
         && target.flush() && target.commit())

@@ -52,3 +52,18 @@ corvane_test(app/tst_UpdateReport LINK corvane::app)
 corvane_test(app/tst_UpdateSchedule LINK corvane::app)
 corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac
              SOURCES support/BusMonitor.cpp support/FakePackageKit.cpp support/PrivateBus.cpp LINK corvane::app)
+
+# Where it can run: as root, with the packages for "updates".
+find_program(CORVANE_PACKAGEKIT packagekitd PATHS /usr/libexec /usr/lib/packagekit)
+find_program(CORVANE_SCANPACKAGES dpkg-scanpackages)
+find_program(CORVANE_GPG gpg)
+if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_TESTS AND NOT CORVANE_SANITIZE)
+  add_executable(corvane_update_check app/update_check.cpp)
+  target_link_libraries(corvane_update_check PRIVATE corvane::app)
+  execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(user EQUAL 0 AND CORVANE_PACKAGEKIT AND CORVANE_SCANPACKAGES AND CORVANE_GPG)
+    add_test(NAME app/PackageKit COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/desktop/packagekit
+                                         $<TARGET_FILE:corvane_update_check>)
+    set_tests_properties(app/PackageKit PROPERTIES TIMEOUT 600)
+  endif()
+endif()

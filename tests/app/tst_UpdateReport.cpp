@@ -48,7 +48,8 @@ void TestUpdateReport::saysWhatWasFound_data()
         << UpdateReport{.outcome = notAPackage}
         << u"This Corvane was not installed as a package, so the system has no updates for it."_s;
     QTest::newRow("no answer") << UpdateReport{
-        .outcome = failed} << u"The check failed: the system’s package service gave no answer."_s;
+        .outcome =
+            failed} << u"The check failed: the system’s package service gave no usable answer."_s;
     QTest::newRow("a wrong signature")
         << UpdateReport{.outcome = unverified}
         << u"The signature of the package lists is wrong, so no update is offered."_s;
