@@ -1,6 +1,6 @@
 #include "app/AboutPanel.h"
 
-#include "app/NativeText_mac.h"
+#include "platform/NativeText_mac.h"
 
 #import <AppKit/AppKit.h>
 

@@ -37,6 +37,9 @@ QStringView withoutBlanks(QStringView text)
     return text;
 }
 
+/// Runs its first argument that is no assignment.
+constexpr auto envProgram = "/usr/bin/env"_L1;
+
 QString unescaped(QStringView value)
 {
     QString text;
@@ -91,16 +94,16 @@ std::optional<QString> takeQuoted(QStringView &rest)
     return std::nullopt;
 }
 
-/// First word of a command; empty if there is none, or if a quote is left open.
-QString programOf(const QString &command)
+/// Next word of a command; empty at its end, absent if a quote is left open.
+std::optional<QString> takeWord(QStringView &rest)
 {
-    QStringView rest = withoutBlanks(command);
+    rest = withoutBlanks(rest);
     QString word;
     while (!rest.isEmpty() && !isBlank(rest.front())) {
         if (rest.front() == u'"' || rest.front() == u'\'') {
             const auto part = takeQuoted(rest);
             if (!part)
-                return {};
+                return std::nullopt;
             word += *part;
             continue;
         }
@@ -112,6 +115,19 @@ QString programOf(const QString &command)
     return word.replace("%%"_L1, "%"_L1);
 }
 
+/// The program that a command ends up running; empty if there is none.
+QString programOf(const QString &command)
+{
+    QStringView rest = command;
+    QString word = takeWord(rest).value_or(QString());
+    if (word != "env"_L1 && word != envProgram)
+        return word;
+    do
+        word = takeWord(rest).value_or(QString());
+    while (word.contains(u'='));
+    return word;
+}
+
 QString commandOf(const QString &program)
 {
     const auto isReserved = [](QChar letter) { return reserved.contains(letter); };
@@ -121,7 +137,9 @@ QString commandOf(const QString &program)
             word.replace(letter, u'\\' + QString(letter));
         word = u'"' + word + u'"';
     }
-    return word.replace(u'%', u"%%"_s);
+    // Desktops look for the program before they undo the doubling; arguments they take as meant.
+    const QString wrapper = word.contains(u'%') ? envProgram + u' ' : QString();
+    return wrapper + word.replace(u'%', u"%%"_s);
 }
 
 void take(DesktopEntry &entry, QStringView key, const QString &value)

@@ -16,7 +16,7 @@ struct DesktopEntry {
     std::optional<QStringList> onlyShowIn = {};
     QStringList notShowIn = {};
     QString tryExec = {}; ///< A program that has to be there; empty: none.
-    QString program = {}; ///< First word of what it runs; empty: it runs nothing.
+    QString program = {}; ///< What it runs, `env` aside; empty: nothing.
 };
 
 /// The entry in a file of these bytes; absent if they are none.
@@ -26,7 +26,8 @@ std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes);
 /// Whether the programs are there is left to the caller.
 bool isStarted(const DesktopEntry &entry, const QStringList &desktops);
 
-/// A file that starts the program, given by an absolute path, with every session.
+/// A file that starts the program, given by an absolute path without an equals sign, with every
+/// session.
 QByteArray autostartFile(const QString &program);
 
 } // namespace corvane

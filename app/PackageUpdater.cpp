@@ -100,6 +100,18 @@ std::optional<QString> PackageUpdater::finding() const
     return m_report ? std::optional(updateFinding(*m_report)) : std::nullopt;
 }
 
+/// A look that finds no update tells nothing new, but may tell that an older finding no longer
+/// holds: the update is installed by now, or what was in the way is gone.
+void PackageUpdater::takeLook(const UpdateReport &look)
+{
+    using enum UpdateReport::Outcome;
+    if (look.outcome != upToDate)
+        m_report = look;
+    else if (m_report && m_report->outcome != failed && m_report->outcome != unverified
+             && m_report->outcome != upToDate)
+        m_report.reset();
+}
+
 /// A look that runs gives way to a check.
 void PackageUpdater::start(PackageCheck::Lists lists)
 {
@@ -122,11 +134,10 @@ void PackageUpdater::take(const UpdateReport &report)
     using enum UpdateReport::Outcome;
     if (report.outcome != failed)
         m_isPossible = report.outcome != noService && report.outcome != notAPackage;
-    if (!wasLook || (report.outcome != failed && report.outcome != upToDate))
+    if (!wasLook)
         m_report = report;
-    else if (report.outcome == upToDate && m_report && m_report->outcome != failed
-             && m_report->outcome != unverified && m_report->outcome != upToDate)
-        m_report.reset(); // What was found is installed by now, or what was in the way is gone.
+    else if (report.outcome != failed)
+        takeLook(report);
     emit canCheckChanged();
     emit findingChanged();
 }

@@ -52,6 +52,7 @@ private:
     void planNextCheck();
     void start(PackageCheck::Lists lists);
     void take(const UpdateReport &report);
+    void takeLook(const UpdateReport &look);
 
     const PackageUpdaterSources m_sources;
     const bool m_isInPackageFolder;

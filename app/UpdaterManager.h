@@ -30,7 +30,7 @@ public:
     /// Tells observers, then the updater.
     void setAutomaticallyChecks(bool on);
 
-    /// False while a check runs, and where no updates can come.
+    /// False while a check runs, and where no updates can come, once that is known: `refresh` asks.
     bool canCheck() const { return m_canCheck; }
 
     QString currentVersion() const { return versionText(bundleVersion()); }

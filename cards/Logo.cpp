@@ -38,8 +38,8 @@ void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
     painter.drawRoundedRect(square, plateRadius * scale, plateRadius * scale);
-    paintIcon(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
-              Qt::white);
+    paintDrawing(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
+                 Qt::white);
 }
 
 } // namespace corvane

@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         isStarted(*entry, {u"GNOME"_s});
 
     const QString path = u'/' + QString::fromUtf8(bytes);
-    if (path.contains(QChar(u'\0')))
-        return 0;
+    if (path.contains(QChar(u'\0')) || path.contains(u'='))
+        return 0; // No path, or one that is refused.
     const auto written = desktopEntry(autostartFile(path));
     if (!written || written->program != path || written->tryExec != path)
         __builtin_trap();

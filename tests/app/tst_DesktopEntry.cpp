@@ -117,6 +117,11 @@ void TestDesktopEntry::readsTheProgram_data()
         << QByteArray(R"("/opt/\\x")") << u"/opt/\\x"_s;
     QTest::newRow("a doubled percent sign")
         << QByteArray("/opt/100%%/corvane") << u"/opt/100%/corvane"_s;
+    QTest::newRow("with variables set")
+        << QByteArray("env A=1 B= /usr/bin/corvane %U") << u"/usr/bin/corvane"_s;
+    QTest::newRow("only variables") << QByteArray("/usr/bin/env A=1") << QString();
+    QTest::newRow("a quote left open behind env")
+        << QByteArray("env \"/usr/bin/corvane") << QString();
     QTest::newRow("nothing") << QByteArray("  ") << QString();
     QTest::newRow("a backslash at the end") << QByteArray(R"(/x\\)") << u"/x\\"_s;
     QTest::newRow("only quotes") << QByteArray(R"("")") << QString();
@@ -174,6 +179,7 @@ void TestDesktopEntry::writesAPlainEntry()
     QVERIFY(lines.contains("Type=Application"));
     QVERIFY(lines.contains(R"(Exec="/opt/a \\$b/corvane")"));
     QVERIFY(lines.contains(R"(TryExec=/opt/a $b/corvane)"));
+    QVERIFY(autostartFile(u"/100%/corvane"_s).contains("\nExec=/usr/bin/env /100%%/corvane\n"));
     QVERIFY(autostartFile(u"/usr/bin/corvane"_s).contains("\nExec=/usr/bin/corvane\n"));
 }
 

@@ -15,7 +15,10 @@ extern NSString *const NSAppearanceNameAqua;
 extern NSString *const NSAppearanceNameDarkAqua;
 
 extern NSString *const NSFontDescriptorSystemDesignRounded;
+extern const CGFloat NSFontWeightMedium;
 extern const CGFloat NSFontWeightSemibold;
+
+extern NSString *const NSDeviceRGBColorSpace;
 
 extern NSString *const NSAboutPanelOptionCredits;
 extern NSString *const NSAboutPanelOptionApplicationName;
@@ -28,8 +31,7 @@ extern NSString *const NSWindowWillCloseNotification;
 
 static const CGFloat NSVariableStatusItemLength = -1;
 
-typedef NSUInteger NSEventType;
-enum : NSEventType { NSEventTypeLeftMouseDown = 1, NSEventTypeRightMouseDown = 3 };
+enum NSEventType : NSUInteger { NSEventTypeLeftMouseDown = 1, NSEventTypeRightMouseDown = 3 };
 
 typedef unsigned long long NSEventMask;
 enum : NSEventMask {
@@ -40,8 +42,7 @@ enum : NSEventMask {
 typedef NSUInteger NSEventModifierFlags;
 enum : NSEventModifierFlags { NSEventModifierFlagControl = 1 << 18 };
 
-typedef NSInteger NSApplicationActivationPolicy;
-enum : NSApplicationActivationPolicy {
+enum NSApplicationActivationPolicy : NSInteger {
     NSApplicationActivationPolicyRegular,
     NSApplicationActivationPolicyAccessory,
 };
@@ -52,11 +53,9 @@ enum : NSWindowCollectionBehavior {
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
-typedef NSUInteger NSWindowButton;
-enum : NSWindowButton { NSWindowZoomButton = 2 };
+enum NSWindowButton : NSUInteger { NSWindowZoomButton = 2 };
 
-typedef NSInteger NSWindowTitleVisibility;
-enum : NSWindowTitleVisibility { NSWindowTitleHidden = 1 };
+enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 
 @class NSButton, NSWindow;
 
@@ -83,6 +82,39 @@ enum : NSWindowTitleVisibility { NSWindowTitleHidden = 1 };
 @interface NSAppearance : NSObject
 + (NSAppearance *)appearanceNamed:(NSString *)name;
 - (NSString *)bestMatchFromAppearancesWithNames:(NSArray<NSString *> *)names;
+@end
+
+@interface NSImageSymbolConfiguration : NSObject
++ (instancetype)configurationWithPointSize:(CGFloat)size weight:(CGFloat)weight;
+@end
+
+@interface NSImage : NSObject
++ (instancetype)imageWithSystemSymbolName:(NSString *)name
+                 accessibilityDescription:(NSString *)description;
+- (NSImage *)imageWithSymbolConfiguration:(NSImageSymbolConfiguration *)configuration;
+@property NSSize size;
+- (void)drawInRect:(NSRect)rect;
+@end
+
+@interface NSBitmapImageRep : NSObject
+- (instancetype)initWithBitmapDataPlanes:(unsigned char **)planes
+                              pixelsWide:(NSInteger)width
+                              pixelsHigh:(NSInteger)height
+                           bitsPerSample:(NSInteger)bitsPerSample
+                         samplesPerPixel:(NSInteger)samplesPerPixel
+                                hasAlpha:(BOOL)hasAlpha
+                                isPlanar:(BOOL)isPlanar
+                          colorSpaceName:(NSString *)colorSpaceName
+                             bytesPerRow:(NSInteger)bytesPerRow
+                            bitsPerPixel:(NSInteger)bitsPerPixel;
+@end
+
+@interface NSGraphicsContext : NSObject
++ (NSGraphicsContext *)graphicsContextWithBitmapImageRep:(NSBitmapImageRep *)bitmap;
++ (void)saveGraphicsState;
++ (void)restoreGraphicsState;
+@property (class, strong) NSGraphicsContext *currentContext;
+- (void)flushGraphics;
 @end
 
 @interface NSScreen : NSObject

@@ -4,8 +4,7 @@
 
 #import <Foundation/Foundation.h>
 
-typedef NSInteger SMAppServiceStatus;
-enum : SMAppServiceStatus {
+enum SMAppServiceStatus : NSInteger {
     SMAppServiceStatusNotRegistered,
     SMAppServiceStatusEnabled,
     SMAppServiceStatusRequiresApproval,
