@@ -177,7 +177,7 @@ private slots:
     void quits();
 
 private:
-    std::optional<Numbers> numbersInPanel() const;
+    std::optional<Numbers> numbersInPanel();
     bool labelShowsThePanelsNumbers();
     void openPanel();
     void clickOn(const std::optional<Object> &object);
@@ -209,7 +209,7 @@ void TestDesktop::cleanup()
     qInfo().noquote() << m_program.lookAtFailure();
 }
 
-std::optional<Numbers> TestDesktop::numbersInPanel() const
+std::optional<Numbers> TestDesktop::numbersInPanel()
 {
     const auto window = m_program.panel();
     if (!window)

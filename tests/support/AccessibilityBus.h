@@ -45,6 +45,8 @@ public:
 
     /// The object that got the keyboard focus last.
     const std::optional<Object> &focused() const { return m_focused; }
+    /// Qt complains of readers that ask for an object that is gone.
+    void forgetFocus() { m_focused.reset(); }
 
     /// The window in which the object stands.
     Object window(const Object &object) const;
