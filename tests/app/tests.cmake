@@ -13,6 +13,7 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
+corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 900 SOURCES app/SoakMachine.cpp support/SteppedClock.cpp LINK corvane::app)
 if(NOT CORVANE_ONLY_TESTS)
   corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
                SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/SystemCalls.cpp LINK corvane::app)
