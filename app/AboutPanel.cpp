@@ -30,6 +30,7 @@ constexpr double copyrightBaseline = 276;
 
 AboutPanel::AboutPanel(const AboutTexts &texts, QWidget *parent) : SpokenWidget(parent)
 {
+    setWindowFlag(Qt::Dialog);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"About %1"_s.arg(texts.name));
     setAccessibleName(windowTitle());
@@ -90,7 +91,7 @@ void AboutPanel::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
     paintLogo(painter, sign, LogoSize::large);
     for (const CardText &line : m_lines)
         line.paint(painter);

@@ -84,22 +84,22 @@ std::optional<QString> writeEntry(const QByteArray &content)
     const QString file = entryFiles().constFirst();
     const QString folder = QFileInfo(file).path();
     if (!makeFolder(folder))
-        return u"The folder “%1” cannot be made."_s.arg(folder);
+        return u"The folder \"%1\" cannot be made."_s.arg(folder);
     // Flushed first: what the disk refuses only during the commit, the commit overlooks.
     QSaveFile target(file);
     if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size()
         && target.flush() && target.commit())
         return std::nullopt;
-    return u"“%1” cannot be written: %2."_s.arg(file, target.errorString());
+    return u"\"%1\" cannot be written: %2."_s.arg(file, target.errorString());
 }
 
 std::optional<QString> turnOn(const QString &program)
 {
     if (!QFileInfo(program).isFile())
-        return u"Corvane’s own program file is no longer in its place. Start Corvane again."_s;
+        return u"Corvane's own program file is no longer in its place. Start Corvane again."_s;
     // The rules for entries do not allow it, and some desktops take it for a variable.
     if (program.contains(u'='))
-        return u"A program whose path has an equals sign cannot be started at login: “%1”."_s.arg(
+        return u"A program whose path has an equals sign cannot be started at login: \"%1\"."_s.arg(
             program);
     return writeEntry(autostartFile(program));
 }
@@ -111,7 +111,7 @@ std::optional<QString> turnOff()
     QFile own(entryFiles().constFirst());
     if (!isThere(own.fileName()) || own.remove())
         return std::nullopt;
-    return u"“%1” cannot be removed: %2."_s.arg(own.fileName(), own.errorString());
+    return u"\"%1\" cannot be removed: %2."_s.arg(own.fileName(), own.errorString());
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "app/Commands.h"
 
+#include "app/UpdaterManager.h"
+#include "cards/Theme.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
@@ -15,6 +18,22 @@ QAction *makeLine(QObject *parent)
     auto *line = new QAction(parent);
     line->setSeparator(true);
     return line;
+}
+
+/// The menu stands on dark views, whatever the desktop's own colours are.
+QPalette menuPalette()
+{
+    QPalette palette;
+    // Light is the shadow that some styles give to text that is disabled.
+    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light})
+        palette.setColor(role, Theme::popoverFill());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(role, Theme::textPrimary());
+        palette.setColor(QPalette::Disabled, role, Theme::textTertiary());
+    }
+    palette.setColor(QPalette::Highlight, Theme::switchOn());
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
 }
 
 } // namespace
@@ -40,6 +59,12 @@ Commands::Commands(QObject *parent, HostSystem system)
         m_about->setShortcut(Qt::Key_F1);
 }
 
+void Commands::follow(const UpdaterManager &updater)
+{
+    m_checkForUpdates->setEnabled(updater.canCheck());
+    connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
+}
+
 QList<QAction *> Commands::inMenuOrder() const
 {
     return {m_openWindow, m_lines[0], m_about, m_checkForUpdates, m_settings, m_lines[1], m_quit};
@@ -59,6 +84,8 @@ QMenu *popUpActions(QWidget &widget, const QPoint &globalPosition)
         return nullptr;
     auto *menu = new QMenu(&widget);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setPalette(menuPalette());
+    menu->setFont(Theme::systemFont(12));
     menu->addActions(widget.actions());
     menu->popup(globalPosition);
     return menu;

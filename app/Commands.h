@@ -15,6 +15,8 @@ class QWidget;
 
 namespace corvane {
 
+class UpdaterManager;
+
 /// What the user can have the program do: the same actions in the label's menus, the panel, the
 /// windows and a Mac's menu bar. Owned by the application, which carries them out; main thread.
 class Commands : public QObject {
@@ -28,6 +30,9 @@ public:
     QAction *checkForUpdates() const { return m_checkForUpdates; }
     QAction *settings() const { return m_settings; }
     QAction *quit() const { return m_quit; }
+
+    /// Has updates be checked for only while they can be.
+    void follow(const UpdaterManager &updater);
 
     /// In the order of a menu, with lines between the groups.
     QList<QAction *> inMenuOrder() const;

@@ -92,6 +92,7 @@ void CorvaneApp::openSettings()
     if (!isOpen(m_settings)) {
         m_settings = new SettingsWindow(m_state.launch, m_state.updater);
         m_settings->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_settings, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
     }
     bringForward(*m_settings);
@@ -113,9 +114,7 @@ void CorvaneApp::connectCommands()
     connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
     connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
-    m_commands.checkForUpdates()->setEnabled(m_state.updater.canCheck());
-    connect(&m_state.updater, &UpdaterManager::canCheckChanged, m_commands.checkForUpdates(),
-            &QAction::setEnabled);
+    m_commands.follow(m_state.updater);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 

@@ -27,7 +27,7 @@ constexpr int barHeight = SettingsTabs::barHeight;
 
 SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater,
                                QWidget *parent)
-    : QWidget(parent),
+    : QWidget(parent, Qt::Dialog),
       m_launch(launch),
       m_updater(updater),
       m_tabs(new SettingsTabs(this)),
@@ -71,7 +71,7 @@ void SettingsWindow::readAgain()
 void SettingsWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
     painter.fillRect(QRect(0, 0, width(), barHeight), Theme::tabBar());
     fillHairline(painter, QRectF(0, barHeight - 1, width(), 1), Theme::tabBarLine());
 }

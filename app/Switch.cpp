@@ -32,7 +32,10 @@ void strokeCapsule(QPainter &painter, const QRectF &capsule, const QColor &color
 
 } // namespace
 
-Switch::Switch(const QString &text, QWidget *parent) : QCheckBox(text, parent) { }
+Switch::Switch(const QString &text, QWidget *parent) : QCheckBox(text, parent)
+{
+    setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
+}
 
 const QFont &Switch::textFont()
 {

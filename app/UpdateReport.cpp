@@ -44,13 +44,13 @@ QString updateFinding(const UpdateReport &report)
     case UpdateReport::Outcome::notAPackage:
         return u"This Corvane was not installed as a package, so the system has no updates for it."_s;
     case UpdateReport::Outcome::failed:
-        return u"The check failed: the system’s package service gave no usable answer."_s;
+        return u"The check failed: the system's package service gave no usable answer."_s;
     case UpdateReport::Outcome::unverified:
         return u"The signature of the package lists is wrong, so no update is offered."_s;
     case UpdateReport::Outcome::upToDate:
         return u"Corvane is up to date%1."_s.arg(sourceText(report));
     case UpdateReport::Outcome::available:
-        return u"Corvane %1 is available%2; the system’s updater installs it."_s.arg(
+        return u"Corvane %1 is available%2; the system's updater installs it."_s.arg(
             report.version, sourceText(report));
     }
     return {};

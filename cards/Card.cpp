@@ -89,6 +89,11 @@ void Card::moveText(CardText &text, const QPointF &baseline)
     update(text.bounds().toAlignedRect());
 }
 
+void Card::updateShape(const QRectF &before, const QRectF &now)
+{
+    update((before | now).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
 QPointF Card::headerStatEnd() const
 {
     return {m_infoButton->x() + InfoButton::glyph().left() - statGap, statBaseline};

@@ -49,6 +49,10 @@ protected:
     /// Moves a text and repaints it, if it stands elsewhere.
     void moveText(CardText &text, const QPointF &baseline);
 
+    /// Repaints what a shape covered and what it covers now, with all that antialiasing spreads
+    /// where a point is no whole number of pixels.
+    void updateShape(const QRectF &before, const QRectF &now);
+
     /// Where a text at the right of the header line ends: 8 left of the info glyph.
     QPointF headerStatEnd() const;
     double headerStatWidth() const; ///< Of the space between the title and that end.

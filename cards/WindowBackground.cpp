@@ -140,6 +140,9 @@ void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegi
         const QRect part = QRectF(inWindow.topLeft() * scale, inWindow.size() * scale)
                                .toAlignedRect()
                                .intersected({{}, size});
+        // Qt copies pictures through a rectangle, but hands them line by line to its threads
+        // through any other shape, such as the region that is painted anew.
+        painter.setClipRect(rect);
         const int most = std::max(mostPixels / std::max(part.width(), 1), 1);
         for (int top = part.top(); top <= part.bottom(); top += most) {
             const QRect rows(part.left(), top, part.width(),
@@ -149,6 +152,7 @@ void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegi
             painter.drawImage(QPointF(rows.topLeft()) / scale - origin, image);
         }
     }
+    painter.setClipping(false);
 }
 
 } // namespace corvane

@@ -1,4 +1,8 @@
 #include "app/Commands.h"
+#include "app/PanelButton.h"
+#include "app/SystemUpdater.h"
+#include "app/UpdateSettings.h"
+#include "app/UpdaterManager.h"
 
 #include <QAction>
 #include <QApplication>
@@ -21,6 +25,24 @@ QStringList texts(const QList<QAction *> &actions)
     return list;
 }
 
+/// An updater whose checks a test begins and ends.
+class Updates : public SystemUpdater {
+public:
+    bool automaticallyChecks() const override { return false; }
+    void setAutomaticallyChecks(bool) override { }
+    bool canCheck() const override { return !m_isChecking; }
+    void check() override { setChecking(true); }
+
+    void setChecking(bool on)
+    {
+        m_isChecking = on;
+        emit canCheckChanged();
+    }
+
+private:
+    bool m_isChecking = false;
+};
+
 } // namespace
 
 class TestCommands : public QObject {
@@ -32,6 +54,7 @@ private slots:
     void haveTheirUsualKeys();
     void takeTheirPlacesInAMacsMenus();
     void nothingMakesANewWindow();
+    void updatesAreCheckedForOnceAtATime();
     void aMenuOfThemClosesByItself();
     void aWidgetWithoutActionsHasNoMenu();
 };
@@ -86,6 +109,21 @@ void TestCommands::nothingMakesANewWindow()
     QCOMPARE(all,
              QStringList({u"About Corvane"_s, u"Check for Updates…"_s, u"Settings…"_s, u"Quit"_s,
                           u"Open Window"_s}));
+}
+
+void TestCommands::updatesAreCheckedForOnceAtATime()
+{
+    auto *updates = new Updates;
+    UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
+    Commands commands;
+    commands.follow(updater);
+    UpdateSettings settings(updater);
+    const auto *checkNow = settings.findChild<PanelButton *>();
+    for (const bool isChecking : {false, true, false}) {
+        updates->setChecking(isChecking);
+        QCOMPARE(commands.checkForUpdates()->isEnabled(), !isChecking);
+        QCOMPARE(checkNow->isEnabled(), !isChecking);
+    }
 }
 
 void TestCommands::aMenuOfThemClosesByItself()

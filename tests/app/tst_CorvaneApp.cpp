@@ -2,6 +2,8 @@
 
 #include "app/AboutPanel.h"
 #include "app/MainWindow.h"
+#include "app/SettingsWindow.h"
+#include "app/UpdateSettings.h"
 #include "app/WindowLifecycleCoordinator.h"
 #include "cards/MemoryCard.h"
 
@@ -13,6 +15,7 @@
 #include <QTest>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -26,6 +29,16 @@ QList<Window *> windows()
             found.append(window);
     }
     return found;
+}
+
+/// The command of that name, as the panel has it.
+QAction *command(const QString &text)
+{
+    for (QAction *action : windows<MenuBarContent>().first()->actions()) {
+        if (action->text() == text)
+            return action;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -45,6 +58,11 @@ private slots:
     void theProgramIsRegularWhileTheDashboardIsOpen();
     void theDashboardHasTheUsualKeys();
     void everyViewOffersTheCommands();
+    void opensTheSettingsOnce();
+    void updatesAreFoundInTheSettings();
+    void theSettingsLeaveThePolicyAlone();
+    void keysOpenTheSettingsAndTheAboutPanel();
+    void openWindowsGoWithTheProgram();
     void onlyTheLabelAndThePanelAreMadeAtStart();
 };
 
@@ -164,6 +182,76 @@ void TestCorvaneApp::everyViewOffersTheCommands()
     QCOMPARE(menu->actions(), commands);
     menu->close();
     delete windows<MainWindow>().first();
+}
+
+void TestCorvaneApp::opensTheSettingsOnce()
+{
+    CorvaneApp corvane;
+    corvane.openSettings();
+    const QPointer<SettingsWindow> settings = windows<SettingsWindow>().first();
+    settings->showMinimized();
+    corvane.openSettings();
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+    QVERIFY(!settings->isMinimized());
+    settings->close();
+    QTRY_VERIFY(!settings);
+    corvane.openSettings();
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+}
+
+/// Where the system's updater has windows of its own, it shows these instead.
+void TestCorvaneApp::updatesAreFoundInTheSettings()
+{
+    const CorvaneApp corvane;
+    QAction *check = command(u"Check for Updates…"_s);
+    QVERIFY2(!check->isEnabled(), "a program out of its build folder has no updates");
+    emit check->triggered();
+    const bool isShown = !windows<SettingsWindow>().isEmpty();
+    QCOMPARE(isShown, hostSystem() == HostSystem::linuxDesktop);
+    if (isShown)
+        QVERIFY(windows<SettingsWindow>().first()->findChild<UpdateSettings *>()->isVisible());
+}
+
+void TestCorvaneApp::theSettingsLeaveThePolicyAlone()
+{
+    const WindowPlatform desktop = systemWindowPlatform();
+    CorvaneApp corvane;
+    corvane.openSettings();
+    QVERIFY(QTest::qWaitForWindowActive(windows<SettingsWindow>().first()));
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+    corvane.openMainWindow();
+    QTRY_COMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+    windows<SettingsWindow>().first()->close();
+    QTRY_VERIFY(windows<SettingsWindow>().isEmpty());
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+}
+
+void TestCorvaneApp::keysOpenTheSettingsAndTheAboutPanel()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    MainWindow *window = windows<MainWindow>().first();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_F1);
+    QCOMPARE(windows<AboutPanel>().size(), hostSystem() == HostSystem::linuxDesktop ? 1 : 0);
+    qDeleteAll(windows<AboutPanel>());
+}
+
+void TestCorvaneApp::openWindowsGoWithTheProgram()
+{
+    {
+        CorvaneApp corvane;
+        corvane.openMainWindow();
+        corvane.openSettings();
+        QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+    }
+    QVERIFY(windows<MainWindow>().isEmpty());
+    QVERIFY(windows<SettingsWindow>().isEmpty());
+    QCOMPARE(WindowLifecycleCoordinator::shared().observerCount(), 0);
 }
 
 /// What is not open costs nothing.

@@ -30,7 +30,7 @@ QStringList namesOfRows(const MenuBarContent &panel)
 {
     QStringList names;
     for (const PanelRow *row : panel.findChildren<PanelRow *>())
-        names.append(row->accessibleName());
+        names.append(row->spokenTexts().front().value);
     return names;
 }
 
@@ -127,7 +127,7 @@ void TestMenuBarContent::headerNamesChipAndPower()
 {
     MenuBarContent panel;
     panel.show(busySample());
-    const QString name = panel.findChild<PanelHeader *>()->accessibleName();
+    const QString name = panel.findChild<PanelHeader *>()->spokenTexts().front().value;
     QVERIFY(name.contains(SystemInfo::chipName()));
     QVERIFY(name.contains(u"0.3 W"_s));
 }

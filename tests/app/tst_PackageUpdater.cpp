@@ -37,13 +37,13 @@ const auto newUpdate = Fake::package(0x00050005, u"corvane;0.2.0;all;probe-stabl
 
 const QString upToDate = u"Corvane is up to date."_s;
 const QString upToDateOld = u"Corvane is up to date according to package lists 2 hours old."_s;
-const QString updateFound = u"Corvane 0.2.0 is available; the system’s updater installs it."_s;
+const QString updateFound = u"Corvane 0.2.0 is available; the system's updater installs it."_s;
 const QString updateFoundOld =
-    u"Corvane 0.2.0 is available according to package lists 2 hours old; the system’s updater installs it."_s;
+    u"Corvane 0.2.0 is available according to package lists 2 hours old; the system's updater installs it."_s;
 const QString notAPackage =
     u"This Corvane was not installed as a package, so the system has no updates for it."_s;
 const QString noService = u"This system has no PackageKit service, which could tell of updates."_s;
-const QString noAnswer = u"The check failed: the system’s package service gave no usable answer."_s;
+const QString noAnswer = u"The check failed: the system's package service gave no usable answer."_s;
 const QString wrongSignature =
     u"The signature of the package lists is wrong, so no update is offered."_s;
 

@@ -23,10 +23,10 @@ void TestUpdateReport::saysWhatWasFound_data()
     QTest::newRow("an update") << UpdateReport{
         .outcome = available,
         .version = u"0.2.0"_s,
-        .isCurrent = true} << u"Corvane 0.2.0 is available; the system’s updater installs it."_s;
+        .isCurrent = true} << u"Corvane 0.2.0 is available; the system's updater installs it."_s;
     QTest::newRow("an update in old lists")
         << UpdateReport{.outcome = available, .version = u"0.2.0"_s, .listAge = 260'000}
-        << u"Corvane 0.2.0 is available according to package lists 3 days old; the system’s updater installs it."_s;
+        << u"Corvane 0.2.0 is available according to package lists 3 days old; the system's updater installs it."_s;
     const auto aged = [](std::optional<unsigned int> age) {
         return UpdateReport{.outcome = upToDate, .listAge = age};
     };
@@ -49,7 +49,7 @@ void TestUpdateReport::saysWhatWasFound_data()
         << u"This Corvane was not installed as a package, so the system has no updates for it."_s;
     QTest::newRow("no answer") << UpdateReport{
         .outcome =
-            failed} << u"The check failed: the system’s package service gave no usable answer."_s;
+            failed} << u"The check failed: the system's package service gave no usable answer."_s;
     QTest::newRow("a wrong signature")
         << UpdateReport{.outcome = unverified}
         << u"The signature of the package lists is wrong, so no update is offered."_s;
