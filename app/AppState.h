@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LaunchAtLoginManager.h"
+#include "app/UpdaterManager.h"
 #include "sampling/AppSettings.h"
 #include "sampling/SystemSampler.h"
 
@@ -10,6 +12,8 @@ namespace corvane {
 struct AppState {
     AppSettings settings;            ///< From the stored preferences.
     SystemSampler sampler{settings}; ///< Samples from here on.
+    LaunchAtLoginManager launch;
+    UpdaterManager updater;
 };
 
 } // namespace corvane

@@ -1,8 +1,25 @@
 #include "app/CorvaneApp.h"
 
+#include "app/AboutPanel.h"
+#include "app/ApplicationService.h"
+#include "app/CleanEnd.h"
+#include "app/DisplayGuard.h"
+#include "app/InstanceSocket.h"
 #include "app/MainWindow.h"
+#include "app/OwnWindow.h"
+#include "app/SessionBus.h"
+#include "app/SettingsWindow.h"
+#include "app/SingleInstance.h"
+#include "platform/Heap.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QMenuBar>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 
 namespace corvane {
 
@@ -20,25 +37,99 @@ void nameProgram()
     QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
 }
 
+/// The exit status of a start that is not the first; nothing for the first.
+std::optional<int> statusOfLaterStart(const SingleInstance &instance)
+{
+    switch (instance.standing()) {
+    case SingleInstance::Standing::first:
+        return std::nullopt;
+    case SingleInstance::Standing::second:
+        return EXIT_SUCCESS;
+    case SingleInstance::Standing::unanswered:
+        break;
+    }
+    std::fputs("Corvane is already running, but it does not answer.\n", stderr);
+    return EXIT_FAILURE;
+}
+
+/// The application; without a display the process ends here.
+std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
+{
+    const DisplayGuard guard;
+    return std::make_unique<QApplication>(argc, argv);
+}
+
 } // namespace
 
 CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
 {
+    connectCommands();
     connectLabel();
     connectPanel();
+    if (hostSystem() == HostSystem::mac)
+        m_menuBar = m_commands.makeMenuBar();
+}
+
+CorvaneApp::~CorvaneApp()
+{
+    delete m_settings;
+    delete m_mainWindow;
 }
 
 void CorvaneApp::openMainWindow()
 {
-    if (!m_mainWindow) {
+    if (!isOpen(m_mainWindow)) {
         m_mainWindow = new MainWindow;
         m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_mainWindow, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
         connectMainWindow();
     }
-    m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
-    m_mainWindow->QWidget::show();
-    m_mainWindow->raise();
-    m_mainWindow->activateWindow();
+    bringForward(*m_mainWindow);
+}
+
+void CorvaneApp::openSettings()
+{
+    if (!isOpen(m_settings)) {
+        m_settings = new SettingsWindow(m_state.launch, m_state.updater);
+        m_settings->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_settings, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
+        m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
+    }
+    bringForward(*m_settings);
+}
+
+/// Where the system's updater has no windows of its own, the settings say what it finds.
+void CorvaneApp::checkForUpdates()
+{
+    if (hostSystem() == HostSystem::linuxDesktop) {
+        openSettings();
+        m_settings->showTab(SettingsTab::updates);
+    }
+    m_state.updater.checkForUpdates();
+}
+
+void CorvaneApp::connectCommands()
+{
+    connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
+    connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
+    connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
+    m_commands.follow(m_state.updater);
+    connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
+}
+
+void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
+{
+    const auto open = [this](const QByteArray &activationToken) {
+        // Qt hands it to the compositor with the next window that asks for the focus.
+        if (!activationToken.isEmpty())
+            qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+        openMainWindow();
+    };
+    connect(&socket, &InstanceSocket::openRequested, this, open);
+    connect(&service, &ApplicationService::openRequested, this, open);
+    connect(&service, &ApplicationService::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&service, &ApplicationService::anotherAnswered, qApp, &QCoreApplication::quit);
 }
 
 void CorvaneApp::connectLabel()
@@ -47,7 +138,6 @@ void CorvaneApp::connectLabel()
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_label, &TrayLabel::quitRequested, qApp, &QCoreApplication::quit);
     // A program that runs and shows nothing is a defect.
     connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
     show();
@@ -57,8 +147,10 @@ void CorvaneApp::connectPanel()
 {
     const auto show = [this] { m_panel.show(m_state.sampler.current()); };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
-    connect(&m_panel, &MenuBarContent::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    connect(&m_panel, &MenuBarContent::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&m_panel, &MenuBarContent::openWindowRequested, m_commands.openWindow(),
+            &QAction::trigger);
+    connect(&m_panel, &MenuBarContent::quitRequested, m_commands.quit(), &QAction::trigger);
+    m_panel.addActions(m_commands.inMenuOrder());
     show();
 }
 
@@ -66,6 +158,7 @@ void CorvaneApp::connectMainWindow()
 {
     const SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
+    window->addActions(m_commands.inMenuOrder());
     const auto showSamples = [&sampler, window] {
         window->show(sampler.current(), sampler.history());
     };
@@ -81,10 +174,22 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    shareOneHeap();
     nameProgram();
-    QApplication application(argc, argv);
+    ignoreBrokenPipes();
+    startNoSessionBus();
+    const InstanceMessage message = messageOfThisStart();
+    const SingleInstance instance(message);
+    if (const auto status = statusOfLaterStart(instance))
+        return *status;
+
+    const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const CorvaneApp corvane;
+    const CleanEnd cleanEnd;
+    CorvaneApp corvane;
+    const InstanceSocket socket(instance.socketPath());
+    const ApplicationService service(message.activationToken);
+    corvane.obey(socket, service);
     return QApplication::exec();
 }
 

@@ -122,7 +122,7 @@ void DashboardHeader::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
 
     paintLogo(painter, QRectF(0, (height() - logoSide) / 2, logoSide, logoSide));
     m_name.paint(painter);

@@ -1,15 +1,22 @@
 #include "app/MainWindow.h"
 
+#include "app/Commands.h"
 #include "app/DashboardHeader.h"
 #include "app/DashboardLayout.h"
+#include "app/OwnWindow.h"
+#include "app/WindowAccessor.h"
+#include "app/WindowLifecycleCoordinator.h"
+#include "app/WindowStyle.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
 #include "cards/PowerCard.h"
 #include "cards/ProcessCard.h"
+#include "cards/Theme.h"
 #include "cards/UtilizationCard.h"
 #include "cards/WindowBackground.h"
 #include "sampling/SeriesReduction.h"
 
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -45,6 +52,13 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
     setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
     resize(usualSize.boundedTo(screen()->availableSize()));
+    closeOnUsualKey(*this);
+    new WindowAccessor(
+        [](NativeWindow window) {
+            hideTitleBar(window, Theme::windowGradient({1, 1}).stops().first().second);
+            WindowLifecycleCoordinator::shared().attach(window);
+        },
+        this);
 }
 
 void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
@@ -100,7 +114,7 @@ void MainWindow::showUnseen()
 void MainWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    paintWindowBackground(painter, *this, event->rect());
+    paintWindowBackground(painter, *this, event->region());
 }
 
 void MainWindow::resizeEvent(QResizeEvent *)
@@ -125,6 +139,11 @@ void MainWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange)
         showUnseen();
+}
+
+void MainWindow::contextMenuEvent(QContextMenuEvent *event)
+{
+    popUpActions(*this, event->globalPos());
 }
 
 } // namespace corvane

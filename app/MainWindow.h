@@ -20,9 +20,9 @@ class PowerCard;
 class ProcessCard;
 class UtilizationCard;
 
-/// The dashboard window: a header over seven cards. Made by the application when it is opened, gone
-/// when it is closed; main thread. It is told what to show, and shows the newest of it when it
-/// comes back into sight.
+/// The dashboard window: a header over seven cards. Its actions are in a menu on it. Made by the
+/// application when it is opened, gone when it is closed; main thread. It is told what to show, and
+/// shows the newest of it when it comes back into sight.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -43,6 +43,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     /// What came while nothing could be seen of the window.

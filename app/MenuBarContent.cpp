@@ -1,5 +1,6 @@
 #include "app/MenuBarContent.h"
 
+#include "app/Commands.h"
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
@@ -8,10 +9,12 @@
 #include <QBoxLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace corvane {
@@ -37,6 +40,21 @@ protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
 };
 
+/// Every whole pixel that a rectangle with round corners touches.
+QRegion roundedRegion(const QRect &rect)
+{
+    QRegion region = rect.adjusted(0, radius, 0, -radius);
+    for (int row = 0; row < radius; ++row) {
+        const int rise = radius - row - 1;
+        const int inset =
+            radius - static_cast<int>(std::ceil(std::sqrt(radius * radius - rise * rise)));
+        const QRect line(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
+        region += line;
+        region += line.translated(0, rect.height() - 1 - 2 * row);
+    }
+    return region;
+}
+
 /// A Wayland compositor places a pop-up only below an input event of its own window, which a click
 /// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
 Qt::WindowFlags panelFlags()
@@ -49,7 +67,6 @@ Qt::WindowFlags panelFlags()
 
 MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     : QWidget(parent, panelFlags()),
-      m_header(new PanelHeader(this)),
       m_clock(std::move(clock))
 {
     setWindowTitle(u"Corvane"_s);
@@ -57,7 +74,10 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     setAttribute(Qt::WA_TranslucentBackground);
     setFixedWidth(panelWidth);
     setFocusPolicy(Qt::StrongFocus);
+}
 
+void MenuBarContent::build()
+{
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(0);
@@ -67,6 +87,7 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
         column->addSpacing(dividerGap);
     };
 
+    m_header = new PanelHeader(this);
     column->addWidget(m_header);
     addDivider();
     for (PanelRow *&row : m_rows) {
@@ -87,15 +108,35 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     buttons->addWidget(openWindow, 1);
     buttons->addWidget(quit);
     column->addLayout(buttons);
+}
 
-    show(SystemMetrics::placeholder());
+/// Makes it ready to be seen, in its full size.
+void MenuBarContent::prepare()
+{
+    if (!m_header)
+        build();
+    showNumbers();
     adjustSize();
+}
+
+void MenuBarContent::setVisible(bool visible)
+{
+    if (visible && !isVisible())
+        prepare();
+    QWidget::setVisible(visible);
 }
 
 void MenuBarContent::show(const SystemMetrics &current)
 {
-    m_header->show(totalWatts(current.chip));
-    const auto rows = readOutRows(current);
+    m_current = current;
+    if (isVisible())
+        showNumbers();
+}
+
+void MenuBarContent::showNumbers()
+{
+    m_header->show(totalWatts(m_current.chip));
+    const auto rows = readOutRows(m_current);
     for (std::size_t row = 0; row < rows.size(); ++row)
         m_rows[row]->show(rows[row]);
 }
@@ -114,6 +155,7 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     const QScreen *screen = QGuiApplication::screenAt(anchor);
     if (!screen)
         screen = QGuiApplication::primaryScreen();
+    prepare(); // Its place depends on its size.
     move(panelOrigin(anchor, size(), screen->availableGeometry()));
     QWidget::show();
     activateWindow();
@@ -133,12 +175,31 @@ void MenuBarContent::paintEvent(QPaintEvent *)
                             radius - 0.5);
 }
 
+void MenuBarContent::resizeEvent(QResizeEvent *)
+{
+    // An X server without a compositor paints black where the window is transparent.
+    setMask(roundedRegion(rect()));
+}
+
 void MenuBarContent::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
         hide();
     else
         QWidget::keyPressEvent(event);
+}
+
+void MenuBarContent::contextMenuEvent(QContextMenuEvent *event)
+{
+    m_menu = popUpActions(*this, event->globalPos());
+    if (!m_menu)
+        return;
+    connect(m_menu, &QMenu::triggered, this, &QWidget::hide);
+    const auto hideUnlessActive = [this] {
+        if (!isActiveWindow())
+            hide();
+    };
+    connect(m_menu, &QMenu::aboutToHide, this, hideUnlessActive, Qt::QueuedConnection);
 }
 
 void MenuBarContent::hideEvent(QHideEvent *event)
@@ -149,7 +210,8 @@ void MenuBarContent::hideEvent(QHideEvent *event)
 
 bool MenuBarContent::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowDeactivate)
+    // Where the panel is a plain window its menu takes the focus from it.
+    if (event->type() == QEvent::WindowDeactivate && !m_menu)
         hide();
     return QWidget::event(event);
 }

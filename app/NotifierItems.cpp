@@ -6,11 +6,18 @@
 
 #include <QGuiApplication>
 
+#include <algorithm>
+#include <chrono>
+
 namespace corvane {
 
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// A tray that loses an item does so within its start.
+constexpr auto settlingTime = 2s;
 
 /// No label is wider than this.
 const LabelNumbers &widestNumbers()
@@ -36,6 +43,9 @@ NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host,
       m_busAddress(busAddress),
       m_host(host)
 {
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(settlingTime);
+    connect(&m_settling, &QTimer::timeout, this, &NotifierItems::settled);
     if (host.form != LabelForm::squares) {
         addItem(u"corvane"_s, u"Corvane"_s, commands);
         return;
@@ -59,6 +69,12 @@ void NotifierItems::show(const SystemMetrics &current)
     m_numbers = numbers;
     if (m_registered == 0)
         registerNext();
+}
+
+bool NotifierItems::areTaken(const QStringList &taken) const
+{
+    return std::ranges::all_of(
+        m_items, [&taken](const Item &item) { return item.notifier->isTaken(taken); });
 }
 
 void NotifierItems::addItem(const QString &id, const QString &title,
@@ -115,8 +131,10 @@ void NotifierItems::showFace(Item &item, const LabelNumbers &numbers)
 /// Each waits until the desktop has taken the one before: several at once come out in any order.
 void NotifierItems::registerNext()
 {
-    if (m_registered == m_items.size())
+    if (m_registered == m_items.size()) {
+        m_settling.start();
         return;
+    }
     const std::size_t next =
         m_host.order == ItemOrder::oldestLeft ? m_registered : m_items.size() - 1 - m_registered;
     ++m_registered;

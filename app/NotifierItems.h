@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -29,7 +30,13 @@ public:
     /// The first call puts the items into the tray, one after the other.
     void show(const SystemMetrics &current);
 
+    /// Whether all of them are among what the watcher says to have, and were looked at.
+    bool areTaken(const QStringList &taken) const;
+
 signals:
+    /// Once, some time after the last item was put into the tray: time to look whether they are
+    /// there.
+    void settled();
     void activated(const QPoint &position); ///< (0, 0) where the desktop does not tell.
     void secondaryActivated();
 
@@ -48,6 +55,7 @@ private:
     std::vector<Item> m_items; ///< From left to right.
     std::size_t m_registered = 0;
     LabelNumbers m_numbers = {};
+    QTimer m_settling; ///< Runs after the last registration.
 };
 
 } // namespace corvane

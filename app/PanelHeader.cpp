@@ -18,7 +18,7 @@ constexpr TextLine chipLine{17, 13};
 
 } // namespace
 
-PanelHeader::PanelHeader(QWidget *parent) : QWidget(parent)
+PanelHeader::PanelHeader(QWidget *parent) : SpokenWidget(parent)
 {
     setFixedHeight(static_cast<int>(chipLine.bottom()));
 }
@@ -29,8 +29,14 @@ void PanelHeader::show(double watts)
     if (power == m_power)
         return;
     m_power = power;
-    setAccessibleName(u"Corvane on %1: %2 in all"_s.arg(SystemInfo::chipName(), power));
+    announceText(0);
     update();
+}
+
+std::vector<SpokenText> PanelHeader::spokenTexts() const
+{
+    return {{.value = u"Corvane on %1: %2 in all"_s.arg(SystemInfo::chipName(), m_power),
+             .place = rect()}};
 }
 
 void PanelHeader::paintEvent(QPaintEvent *)

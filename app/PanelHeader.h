@@ -1,18 +1,20 @@
 #pragma once
 
-#include <QWidget>
+#include "cards/SpokenWidget.h"
 
 namespace corvane {
 
 /// Top of the panel: the program's name, the chip's below it, and the total power. Told by the
 /// panel.
-class PanelHeader : public QWidget {
+class PanelHeader : public SpokenWidget {
     Q_OBJECT
 
 public:
     explicit PanelHeader(QWidget *parent = nullptr);
 
     void show(double watts);
+
+    std::vector<SpokenText> spokenTexts() const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -17,7 +17,7 @@ constexpr double dotGap = 8;
 
 } // namespace
 
-PanelRow::PanelRow(QWidget *parent) : QWidget(parent)
+PanelRow::PanelRow(QWidget *parent) : SpokenWidget(parent)
 {
     setFixedHeight(static_cast<int>(detailLine.bottom()));
 }
@@ -27,8 +27,13 @@ void PanelRow::show(const ReadOutRow &row)
     if (row == m_row)
         return;
     m_row = row;
-    setAccessibleName(inOneLine(row));
+    announceText(0);
     update();
+}
+
+std::vector<SpokenText> PanelRow::spokenTexts() const
+{
+    return {{.value = inOneLine(m_row), .place = rect()}};
 }
 
 void PanelRow::paintEvent(QPaintEvent *)

@@ -3,8 +3,8 @@
 #include "app/StatusNotifierWatcher.h"
 
 #include <QDBusPendingCallWatcher>
-#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 
 namespace corvane {
@@ -14,8 +14,12 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-/// For a watcher that does not answer, or a desktop that does not look.
-constexpr auto longestWait = 1s;
+/// For a desktop that does not look.
+constexpr auto longestWait = 5s;
+
+/// Xfce's panel looks three times, then writes a new item into its settings; a second item that is
+/// new before these come back to it never shows.
+constexpr auto quietTime = 600ms;
 
 } // namespace
 
@@ -30,6 +34,8 @@ StatusNotifierItem::StatusNotifierItem(const QString &busAddress, const QString 
     registerStatusNotifierTypes();
     m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
     m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
+    m_settling.setSingleShot(true);
+    connect(&m_settling, &QTimer::timeout, this, &StatusNotifierItem::settled);
 }
 
 StatusNotifierItem::~StatusNotifierItem()
@@ -68,11 +74,19 @@ void StatusNotifierItem::registerAtWatcher()
     auto *answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
-        m_isAnswered = true;
-        if (m_wasRead || answer->isError())
-            settle();
+        if (answer->isError() && m_settling.isActive())
+            m_settling.start(0ms);
     });
-    QTimer::singleShot(longestWait, this, &StatusNotifierItem::settle);
+    m_settling.start(longestWait);
+}
+
+bool StatusNotifierItem::isTaken(const QStringList &taken) const
+{
+    // One known watcher writes an @ between the name and the path.
+    const QString name = m_bus.baseService();
+    return m_wasRead && std::ranges::any_of(taken, [&name](const QString &item) {
+               return item == name || item.startsWith(name + u'/') || item.startsWith(name + u'@');
+           });
 }
 
 void StatusNotifierItem::Activate(int x, int y)
@@ -109,11 +123,9 @@ StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
         for (const QImage &picture : m_paint())
             m_pixmaps.append(StatusNotifierPixmap::from(picture));
     }
-    if (!m_wasRead) {
-        m_wasRead = true;
-        if (m_isAnswered)
-            QMetaObject::invokeMethod(this, &StatusNotifierItem::settle, Qt::QueuedConnection);
-    }
+    m_wasRead = true;
+    if (m_settling.isActive())
+        m_settling.start(quietTime);
     return m_pixmaps;
 }
 
@@ -121,12 +133,6 @@ StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
 StatusNotifierToolTip StatusNotifierItem::toolTip() const
 {
     return {.title = m_toolTip};
-}
-
-void StatusNotifierItem::settle()
-{
-    if (!std::exchange(m_isSettled, true))
-        emit settled();
 }
 
 } // namespace corvane

@@ -6,6 +6,7 @@
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QPoint>
+#include <QTimer>
 
 #include <functional>
 
@@ -57,6 +58,9 @@ public:
     /// Asks the desktop to show the item.
     void registerAtWatcher();
 
+    /// Whether the desktop has looked at it and it is among what the watcher says to have.
+    bool isTaken(const QStringList &taken) const;
+
 public slots:
     // Names of the interface.
     Q_SCRIPTABLE void Activate(int x, int y);
@@ -78,13 +82,13 @@ signals:
     void activated(const QPoint &position); ///< (0, 0) where the desktop does not tell.
     void secondaryActivated();
     void contextMenuRequested(const QPoint &position);
-    /// The desktop took the item and looked at it, or is not going to: the next one may follow.
+    /// The desktop took the item and is done looking at it, or is not going to: the next one may
+    /// follow.
     void settled();
 
 private:
     StatusNotifierPixmaps iconPixmaps();
     StatusNotifierToolTip toolTip() const;
-    void settle();
 
     const QString m_category = QStringLiteral("Hardware");
     const QString m_status = QStringLiteral("Active");
@@ -104,9 +108,8 @@ private:
 
     QDBusConnection m_bus;
     DBusMenu m_menu;
-    bool m_isAnswered = false;
     bool m_wasRead = false;
-    bool m_isSettled = false;
+    QTimer m_settling; ///< Runs from the registration until it is settled.
 };
 
 } // namespace corvane

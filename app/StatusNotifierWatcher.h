@@ -1,11 +1,10 @@
 #pragma once
 
+#include "app/BusConnection.h"
 #include "app/TrayHost.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -32,7 +31,10 @@ public:
     const std::optional<TrayHost> &host() const { return m_host; }
 
     /// The bus on which the tray is.
-    const QString &busAddress() const { return m_busAddress; }
+    const QString &busAddress() const { return m_connection.address(); }
+
+    /// Asks once which items the tray has; itemsListed is the answer, if there is one.
+    void askForItems();
 
     /// A call of the tray's own object, which starts no program.
     static QDBusMessage methodCall(const QString &method);
@@ -41,21 +43,23 @@ signals:
     /// Another host, the same one started anew, or none.
     void hostChanged();
 
+    /// Each as its bus name and, in one form or another, its path.
+    void itemsListed(const QStringList &items);
+
 private slots:
-    void connectToBus();
-    void loseBus();
     void askForHost();
 
 private:
+    void watchBus();
+    void loseBus();
     using Use = std::function<void(const QDBusMessage &reply)>;
     void ask(const QDBusMessage &call, const Use &use);
+    void askForProperty(const QString &name, const std::function<void(const QVariant &)> &use);
     void lookUp(const QString &owner);
     void publish(const std::optional<TrayHost> &host);
 
-    QString m_busAddress;
-    QDBusConnection m_bus;
+    BusConnection m_connection;
     std::unique_ptr<QDBusServiceWatcher> m_nameWatcher;
-    QTimer m_reconnect;
     QString m_owner; ///< Of the tray's name; empty: nobody.
     TrayHost m_kind; ///< What the owner is.
     std::optional<TrayHost> m_host;

@@ -2,10 +2,12 @@
 
 #include "sampling/SystemMetrics.h"
 
+#include <QList>
 #include <QObject>
 
 #include <memory>
 
+class QAction;
 class QPoint;
 
 namespace corvane {
@@ -17,7 +19,8 @@ class TrayLabel : public QObject {
     Q_OBJECT
 
 public:
-    explicit TrayLabel(QObject *parent = nullptr);
+    /// The commands stand in its menus, where it has any; they outlive it.
+    explicit TrayLabel(const QList<QAction *> &commands, QObject *parent = nullptr);
     ~TrayLabel() override;
 
     /// Whether the label can be seen now.
@@ -27,8 +30,7 @@ public:
 
 signals:
     void activated(const QPoint &anchor); ///< A click there: the panel is wanted.
-    void openWindowRequested();
-    void quitRequested();
+    void openWindowRequested();           ///< A click with the middle button.
     /// Once, soon after the start: this desktop has no tray, at least not yet.
     void trayIsMissing();
 

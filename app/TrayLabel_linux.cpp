@@ -3,7 +3,6 @@
 #include "app/TrayIcons.h"
 #include "app/TrayLabel.h"
 
-#include <QAction>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
@@ -23,6 +22,9 @@ using namespace std::chrono_literals;
 /// moment. So much later it is taken for missing.
 constexpr auto patience = 1500ms;
 
+/// So often a tray that has lost items gets them anew.
+constexpr int mostRenewals = 2;
+
 /// Where the click was. Desktops tell it in pixels of the screen, or not at all.
 QPoint panelAnchor(const QPoint &told)
 {
@@ -34,31 +36,34 @@ QPoint panelAnchor(const QPoint &told)
 } // namespace
 
 struct TrayLabel::Bar {
-    explicit Bar(TrayLabel &owner) : label(owner) { }
+    Bar(TrayLabel &owner, const QList<QAction *> &ofMenus) : label(owner), commands(ofMenus) { }
 
-    void addCommand(const QString &text, void (TrayLabel::*signal)());
     void followHost();
+    void putItemsUp();
+    void checkItems(const QStringList &taken);
     void useOldProtocol();
 
     TrayLabel &label;
     SystemMetrics current = SystemMetrics::placeholder();
-    QList<QAction *> commands = {}; ///< Of every menu; the label's children.
+    const QList<QAction *> commands; ///< Of every menu.
     StatusNotifierWatcher watcher;
     QTimer missing;                       ///< Runs after the host went.
     std::unique_ptr<NotifierItems> items; ///< While there is a host.
+    int renewals = 0;                     ///< Of the items, for this host.
     std::unique_ptr<TrayIcons> icons;     ///< On X11 while there is none.
 };
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>(*this))
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_bar(std::make_unique<Bar>(*this, commands))
 {
     Bar *bar = m_bar.get();
-    bar->addCommand(u"Open Window"_s, &TrayLabel::openWindowRequested);
-    bar->addCommand(u"Quit"_s, &TrayLabel::quitRequested);
-
     bar->missing.setSingleShot(true);
     bar->missing.setInterval(patience);
     connect(&bar->missing, &QTimer::timeout, this, [bar] { bar->useOldProtocol(); });
     connect(&bar->watcher, &StatusNotifierWatcher::hostChanged, this, [bar] { bar->followHost(); });
+    connect(&bar->watcher, &StatusNotifierWatcher::itemsListed, this,
+            [bar](const QStringList &taken) { bar->checkItems(taken); });
     QTimer::singleShot(patience, this, [this, bar] {
         bar->useOldProtocol();
         if (!isAvailable())
@@ -82,13 +87,6 @@ void TrayLabel::show(const SystemMetrics &current)
         m_bar->icons->show(current);
 }
 
-void TrayLabel::Bar::addCommand(const QString &text, void (TrayLabel::*signal)())
-{
-    auto *command = new QAction(text, &label);
-    connect(command, &QAction::triggered, &label, signal);
-    commands.append(command);
-}
-
 void TrayLabel::Bar::followHost()
 {
     items.reset();
@@ -98,12 +96,29 @@ void TrayLabel::Bar::followHost()
     }
     missing.stop();
     icons.reset();
+    renewals = 0;
+    putItemsUp();
+}
+
+void TrayLabel::Bar::putItemsUp()
+{
+    items.reset(); // Its connections have names that are used again.
     items = std::make_unique<NotifierItems>(watcher.busAddress(), *watcher.host(), commands);
     connect(items.get(), &NotifierItems::activated, &label,
             [this](const QPoint &position) { emit label.activated(panelAnchor(position)); });
     connect(items.get(), &NotifierItems::secondaryActivated, &label,
             &TrayLabel::openWindowRequested);
+    connect(items.get(), &NotifierItems::settled, &watcher, &StatusNotifierWatcher::askForItems);
     items->show(current);
+}
+
+/// Puts all of them up anew where one is missing: it alone would get a place at the end.
+void TrayLabel::Bar::checkItems(const QStringList &taken)
+{
+    if (!items || items->areTaken(taken) || renewals == mostRenewals)
+        return;
+    ++renewals;
+    putItemsUp();
 }
 
 /// Qt's icons look for a tray on the bus too, and wait for its answer: not before it is known that

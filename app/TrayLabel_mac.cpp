@@ -1,19 +1,31 @@
+#include "app/ReadOutMenu.h"
+#include "app/StatusLabel.h"
 #include "app/TrayLabel.h"
-
-#include "app/TrayIcons.h"
-
-#include <QCursor>
+#include "cards/Theme.h"
 
 namespace corvane {
 
 struct TrayLabel::Bar {
-    TrayIcons icons{{}}; ///< The panel has the commands.
+    Bar(TrayLabel &label, const QList<QAction *> &commands);
+
+    ReadOutMenu menu;
+    LabelNumbers numbers = {}; ///< As they stand there.
+    StatusItem item;
 };
 
-TrayLabel::TrayLabel(QObject *parent) : QObject(parent), m_bar(std::make_unique<Bar>())
+TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
+    : menu(commands),
+      item({.open =
+                [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
+            .menu = [this](const StatusPlace &place) { menu.popup(statusAnchor(place)); }},
+           statusColor(Theme::plate()))
 {
-    connect(&m_bar->icons, &TrayIcons::activated, this, [this] { emit activated(QCursor::pos()); });
-    connect(&m_bar->icons, &TrayIcons::secondaryActivated, this, &TrayLabel::openWindowRequested);
+}
+
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_bar(std::make_unique<Bar>(*this, commands))
+{
 }
 
 TrayLabel::~TrayLabel() = default;
@@ -26,7 +38,12 @@ bool TrayLabel::isAvailable() const
 
 void TrayLabel::show(const SystemMetrics &current)
 {
-    m_bar->icons.show(current);
+    m_bar->menu.show(current);
+    const LabelNumbers numbers = labelNumbers(current);
+    if (numbers == m_bar->numbers)
+        return;
+    m_bar->numbers = numbers;
+    m_bar->item.show(statusRuns(numbers), inWords(numbers).toStdString());
 }
 
 } // namespace corvane

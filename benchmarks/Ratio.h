@@ -3,32 +3,53 @@
 #include <benchmark/benchmark.h>
 
 #include <ctime>
+#include <sys/resource.h>
 
 namespace corvane {
 
-/// A clock of CPU time in seconds: the turns of other programs do not count.
-inline double cpuSeconds(clockid_t clock)
+/// Clocks of CPU time in seconds: the turns of other programs do not count.
+inline double secondsOf(clockid_t clock)
 {
     timespec time = {};
     clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
+inline double threadSeconds()
+{
+    return secondsOf(CLOCK_THREAD_CPUTIME_ID);
+}
+
+inline double processSeconds()
+{
+    return secondsOf(CLOCK_PROCESS_CPUTIME_ID);
+}
+
+/// Of the children that have been waited for.
+inline double childrenSeconds()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
 /// Times `ours` and the bare calls that it stands on in turn, in one run, and tells the ratio of
-/// the sums of their CPU times: this thread's, or the whole process's where others do the work. To
-/// be registered with `UseManualTime()`.
+/// the sums of their CPU times: this thread's, or others' where others do the work. To be
+/// registered with `UseManualTime()`.
 template <typename Ours, typename Bare>
-void compare(benchmark::State &state, Ours ours, Bare bare,
-             clockid_t clock = CLOCK_THREAD_CPUTIME_ID)
+void compare(benchmark::State &state, Ours ours, Bare bare, double (*now)() = threadSeconds)
 {
     double oursTotal = 0;
     double bareTotal = 0;
     for (auto _ : state) {
-        const double start = cpuSeconds(clock);
+        const double start = now();
         ours();
-        const double middle = cpuSeconds(clock);
+        const double middle = now();
         bare();
-        const double end = cpuSeconds(clock);
+        const double end = now();
         oursTotal += middle - start;
         bareTotal += end - middle;
         state.SetIterationTime(middle - start);

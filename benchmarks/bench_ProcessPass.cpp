@@ -2,12 +2,12 @@
 // pass must do: open, read and close one small file a process. Real children fill the process
 // table; both sides are measured in turn, in CPU time of this thread.
 
+#include "benchmarks/Ratio.h"
+#include "processes/AIProcessDetector.h"
+#include "processes/ProcessSampler.h"
 #include "processes/Survey.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -16,7 +16,6 @@
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
@@ -81,45 +80,41 @@ void readBare(const std::vector<std::string> &paths)
     }
 }
 
-double cpuSeconds()
+/// A pass with that many processes there.
+template <typename Pass>
+void comparePass(benchmark::State &state, Pass pass)
 {
-    timespec now = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-template <typename Work>
-double cost(Work work)
-{
-    const double start = cpuSeconds();
-    work();
-    return cpuSeconds() - start;
+    const Crowd crowd(static_cast<std::size_t>(state.range(0)));
+    const auto paths = statmPaths();
+    state.counters["processes"] = static_cast<double>(paths.size());
+    compare(state, pass, [&paths] { readBare(paths); });
 }
 
 void processPass(benchmark::State &state)
 {
-    const Crowd crowd(static_cast<std::size_t>(state.range(0)));
-    const auto paths = statmPaths();
-    double bare = 0;
-    double pass = 0;
-    for (auto _ : state) {
-        bare += cost([&paths] { readBare(paths); });
-        const double seconds = cost([] { benchmark::DoNotOptimize(takeSurvey()); });
-        state.SetIterationTime(seconds);
-        pass += seconds;
-    }
-    state.counters["processes"] = static_cast<double>(paths.size());
-    state.counters["bare_s"] = benchmark::Counter(bare, benchmark::Counter::kAvgIterations);
-    state.counters["ratio_to_bare"] = pass / bare;
+    comparePass(state, [] { benchmark::DoNotOptimize(takeSurvey()); });
 }
 
-BENCHMARK(processPass)
-    ->Arg(200)
-    ->Arg(1000)
-    ->Arg(3000)
-    ->UseManualTime()
-    ->MinTime(2)
-    ->Unit(benchmark::kMicrosecond);
+/// The ranking by memory alone.
+void ranking(benchmark::State &state)
+{
+    comparePass(state, [] { benchmark::DoNotOptimize(ProcessSampler::topByRAM(20)); });
+}
+
+/// The search for AI workloads alone.
+void detection(benchmark::State &state)
+{
+    comparePass(state, [] { benchmark::DoNotOptimize(AIProcessDetector::detectAll()); });
+}
+
+void withCrowds(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->Arg(200)->Arg(1000)->Arg(3000)->UseManualTime()->MinTime(2)->Unit(
+        benchmark::kMicrosecond);
+}
+BENCHMARK(processPass)->Apply(withCrowds);
+BENCHMARK(ranking)->Apply(withCrowds);
+BENCHMARK(detection)->Apply(withCrowds);
 
 } // namespace
 

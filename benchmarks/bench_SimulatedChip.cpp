@@ -2,14 +2,11 @@
 // reporting library in the same run: a sample, a difference and a walk that asks for every text and
 // number and does nothing with them. What the simulation itself takes is in both.
 
+#include "benchmarks/Ratio.h"
 #include "simulated_mac/SimulatedMac.h"
 #include "telemetry/ChipSource.h"
 
-#include <benchmark/benchmark.h>
-
 #include <dlfcn.h>
-
-#include <time.h>
 
 using namespace corvane;
 using namespace corvane::simulated;
@@ -122,42 +119,22 @@ private:
     std::int64_t (*m_value)(CFDictionaryRef, std::int32_t) = nullptr;
 };
 
-/// CPU time of this thread that the work takes.
-double secondsOf(const auto &work)
-{
-    const auto now = [] {
-        timespec time = {};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-    };
-    const double start = now();
-    work();
-    return now() - start;
-}
-
 void chipSample(benchmark::State &state)
 {
     mac().boot(maxM4());
     const ChipSource chip =
         openChipSource("/", readFrequencyTables(), [] { return mac().clock(); });
     BareCalls bare;
-    double sampling = 0;
-    double calling = 0;
-    for (auto _ : state) {
+    const auto sample = [&chip] {
         mac().advance(1);
-        sampling += secondsOf([&] { benchmark::DoNotOptimize(chip()); });
-        calling += secondsOf([&] {
-            if (bare.walk() != 300)
-                state.SkipWithError("not 300 channels");
-        });
-    }
-    state.counters["sample_us"] =
-        benchmark::Counter(sampling * 1e6, benchmark::Counter::kAvgIterations);
-    state.counters["bare_us"] =
-        benchmark::Counter(calling * 1e6, benchmark::Counter::kAvgIterations);
-    state.counters["ratio"] = sampling / calling;
+        benchmark::DoNotOptimize(chip());
+    };
+    compare(state, sample, [&] {
+        if (bare.walk() != 300)
+            state.SkipWithError("not 300 channels");
+    });
 }
-BENCHMARK(chipSample)->Unit(benchmark::kMicrosecond);
+BENCHMARK(chipSample)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -109,10 +109,10 @@ void AIWorkloadsCard::show(const std::vector<AIWorkload> &workloads)
     }
     const std::vector<AIWorkload> previous = std::exchange(m_workloads, std::move(shown));
 
-    const QRect previousTag = tagRect().toAlignedRect();
+    const QRectF previousTag = tagRect();
     say(m_count, m_workloads.empty() ? QString() : u"%1 active"_s.arg(m_workloads.size()));
-    if (tagRect().toAlignedRect() != previousTag)
-        update(previousTag | tagRect().toAlignedRect());
+    if (tagRect() != previousTag)
+        updateShape(previousTag, tagRect());
     if (previous.empty() != m_workloads.empty())
         showEmptyState(m_workloads.empty());
 

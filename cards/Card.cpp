@@ -89,6 +89,11 @@ void Card::moveText(CardText &text, const QPointF &baseline)
     update(text.bounds().toAlignedRect());
 }
 
+void Card::updateShape(const QRectF &before, const QRectF &now)
+{
+    update((before | now).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
 QPointF Card::headerStatEnd() const
 {
     return {m_infoButton->x() + InfoButton::glyph().left() - statGap, statBaseline};
@@ -119,28 +124,13 @@ double Card::contentRight() const
 
 void Card::paintShapes(QPainter &, const QRect &) { }
 
-void Card::paintBackdrop(QPainter &painter)
-{
-    const double scale = painter.deviceTransform().m11(); // Of the device that is painted on.
-    const QSize windowSize = window()->size();
-    if (m_backdrop.isNull() || m_backdropWindow != windowSize
-        || m_backdrop.devicePixelRatio() != scale) {
-        m_backdrop = QPixmap(size() * scale);
-        m_backdrop.setDevicePixelRatio(scale);
-        m_backdropWindow = windowSize;
-        QPainter backdrop(&m_backdrop);
-        paintWindowBackground(backdrop, *this, rect());
-        CardStyle::paint(backdrop, rect());
-    }
-    painter.drawPixmap(0, 0, m_backdrop); // What is painted anew is clipped to already.
-}
-
 void Card::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRect dirty = event->rect();
-    paintBackdrop(painter);
+    paintWindowBackground(painter, *this, event->region());
+    CardStyle::paint(painter, rect(), dirty);
 
     const QRectF icon(CardStyle::padding, CardStyle::padding + (headerHeight - iconSide) / 2.0,
                       iconSide, iconSide);
@@ -155,7 +145,6 @@ void Card::paintEvent(QPaintEvent *event)
 
 void Card::resizeEvent(QResizeEvent *)
 {
-    m_backdrop = {};
     placeHeader();
     layOut();
     update();
@@ -163,7 +152,7 @@ void Card::resizeEvent(QResizeEvent *)
 
 void Card::moveEvent(QMoveEvent *)
 {
-    m_backdrop = {};
+    update(); // Another piece of the background lies beneath it.
 }
 
 void Card::placeHeader()

@@ -3,8 +3,6 @@
 #include "cards/CardText.h"
 #include "cards/SpokenWidget.h"
 
-#include <QPixmap>
-
 #include <deque>
 
 namespace corvane {
@@ -14,7 +12,7 @@ struct InfoText;
 
 /// What every card of the dashboard is made of: the frame, the header line with icon, title and
 /// info button, and the texts that a subclass adds. It paints its own piece of the window's
-/// background, kept in a picture, so that nothing beneath it is painted when a number changes.
+/// background, so that nothing beneath it is painted when a number changes.
 /// Main thread.
 class Card : public SpokenWidget {
     Q_OBJECT
@@ -51,6 +49,10 @@ protected:
     /// Moves a text and repaints it, if it stands elsewhere.
     void moveText(CardText &text, const QPointF &baseline);
 
+    /// Repaints what a shape covered and what it covers now, with all that antialiasing spreads
+    /// where a point is no whole number of pixels.
+    void updateShape(const QRectF &before, const QRectF &now);
+
     /// Where a text at the right of the header line ends: 8 left of the info glyph.
     QPointF headerStatEnd() const;
     double headerStatWidth() const; ///< Of the space between the title and that end.
@@ -72,13 +74,10 @@ protected:
 
 private:
     void placeHeader();
-    void paintBackdrop(QPainter &painter);
 
     Heading m_heading;
     InfoButton *m_infoButton;
     std::deque<CardText> m_texts; ///< The title first.
-    QPixmap m_backdrop;           ///< Null until it is needed again.
-    QSize m_backdropWindow;       ///< Size of the window that it was made for.
 };
 
 } // namespace corvane

@@ -17,8 +17,9 @@ inline constexpr double cornerRadius = 14;
 /// again of the sides as quarter circles of that radius would, or as much as there is.
 QPainterPath continuousCorners(const QRectF &rect, double radius);
 
-/// Fills the card and strokes it inside its edge.
-void paint(QPainter &painter, const QRectF &card);
+/// Fills the card and strokes it inside its edge. What lies outside `dirty` is clipped away
+/// already.
+void paint(QPainter &painter, const QRectF &card, const QRect &dirty);
 
 } // namespace CardStyle
 

@@ -1,6 +1,7 @@
 #include "cards/Icon.h"
 
 #include "cards/PixelGrid.h"
+#include "cards/SystemSymbol.h"
 
 #include <QCache>
 #include <QFile>
@@ -19,8 +20,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+enum class Origin { system, drawing };
+
 /// One icon as it was asked for; the size is in device pixels.
 struct Rendering {
+    Origin origin;
     QString symbol;
     QRgb color;
     QSizeF pixels;
@@ -44,20 +48,43 @@ QByteArray drawing(const QString &symbol, const QColor &color)
     return file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
 }
 
-QImage render(const Rendering &wanted)
+QImage emptyPicture(const Rendering &wanted, QImage::Format format)
+{
+    QImage image(qCeil(wanted.pixels.width()), qCeil(wanted.pixels.height()), format);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+/// The system's symbol, tinted; null where it has none.
+QImage renderSymbol(const Rendering &wanted)
+{
+    QImage image = emptyPicture(wanted, QImage::Format_RGBA8888_Premultiplied);
+    if (!drawSystemSymbol(wanted.symbol.toStdString(), image.bits(), image.width(), image.height()))
+        return {};
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), QColor::fromRgba(wanted.color));
+    return image;
+}
+
+QImage renderDrawing(const Rendering &wanted)
 {
     const QColor color = QColor::fromRgba(wanted.color);
     QSvgRenderer renderer(drawing(wanted.symbol, color));
     if (!renderer.isValid())
         return {};
-    QImage image(qCeil(wanted.pixels.width()), qCeil(wanted.pixels.height()),
-                 QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+    QImage image = emptyPicture(wanted, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(color.alphaF());
     renderer.render(&painter, QRectF({}, wanted.pixels));
     return image;
+}
+
+QImage render(const Rendering &wanted)
+{
+    const QImage symbol = wanted.origin == Origin::system ? renderSymbol(wanted) : QImage();
+    return symbol.isNull() ? renderDrawing(wanted) : symbol;
 }
 
 /// Parsing and filling a drawing costs a hundred times what copying its picture does, and the few
@@ -73,21 +100,33 @@ const QImage &picture(const Rendering &wanted)
     return *made;
 }
 
-} // namespace
-
-void paintIcon(QPainter &painter, const QString &symbol, const QRectF &target, const QColor &color)
+void paint(QPainter &painter, Origin origin, const QString &symbol, const QRectF &target,
+           const QColor &color)
 {
     if (!(target.width() > 0 && target.height() > 0))
         return;
     // The device's scale; no icon is drawn rotated.
     const QTransform toDevice = painter.deviceTransform();
     const QSizeF pixels(target.width() * toDevice.m11(), target.height() * toDevice.m22());
-    const QImage &image = picture({symbol, color.rgba(), pixels});
+    const QImage &image = picture({origin, symbol, color.rgba(), pixels});
     if (image.isNull())
         return;
-    const QPointF origin = snappedToPixels(painter, target.topLeft());
+    const QPointF place = snappedToPixels(painter, target.topLeft());
     const QSizeF size(image.width() / toDevice.m11(), image.height() / toDevice.m22());
-    painter.drawImage(QRectF(origin, size), image);
+    painter.drawImage(QRectF(place, size), image);
+}
+
+} // namespace
+
+void paintIcon(QPainter &painter, const QString &symbol, const QRectF &target, const QColor &color)
+{
+    paint(painter, Origin::system, symbol, target, color);
+}
+
+void paintDrawing(QPainter &painter, const QString &symbol, const QRectF &target,
+                  const QColor &color)
+{
+    paint(painter, Origin::drawing, symbol, target, color);
 }
 
 } // namespace corvane

@@ -27,22 +27,13 @@ constexpr double titleHeight = 17;
 constexpr double titleBaseline = 12.45;
 constexpr double titleGap = 8;
 constexpr double lineHeight = 16; ///< A line of 14 and 2 between lines.
-constexpr double lineBox = 14;
-constexpr double textBaseline = 11.5;
-constexpr int fontSize = 11;
-// Monospaced letters look larger. The size is a whole one: many such fonts are hinted at whole
-// sizes only, and would come out wider at scale 2 than they were measured.
-constexpr int codeSize = 10;
 
 MarkdownStyle bodyStyle()
 {
-    MarkdownStyle style;
-    style.plain = Theme::systemFont(fontSize);
-    style.bold = Theme::systemFont(fontSize, QFont::DemiBold);
-    style.italic = Theme::systemFont(fontSize);
-    style.italic.setItalic(true);
-    style.code = Theme::monospacedFont(codeSize);
-    style.codePadding = 2;
+    MarkdownStyle style = markdownStyle(11);
+    style.lineHeight = lineHeight;
+    style.codeBox = {0, 14};
+    style.baseline = 11.5;
     return style;
 }
 
@@ -249,27 +240,8 @@ void InfoPopover::paintEvent(QPaintEvent *)
     painter.setPen(Theme::textPrimary());
     drawText(painter, origin + QPointF(0, titleBaseline), m_title,
              Theme::systemFont(13, QFont::DemiBold), Digits::proportional);
-    paintText(painter, origin + QPointF(0, titleHeight + titleGap));
-}
-
-void InfoPopover::paintText(QPainter &painter, const QPointF &origin) const
-{
-    for (const MarkdownPiece &piece : m_layout.pieces) {
-        const QPointF start = origin + QPointF(piece.x, piece.line * lineHeight);
-        double indent = 0;
-        painter.setPen(Theme::textSecondary());
-        if (piece.run.emphasis == Emphasis::bold)
-            painter.setPen(Theme::textPrimary());
-        if (piece.run.emphasis == Emphasis::code) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(Theme::codeFill());
-            painter.drawRoundedRect(QRectF(start, QSizeF(piece.width, lineBox)), 3, 3);
-            painter.setPen(Theme::codeText());
-            indent = m_style.codePadding;
-        }
-        drawText(painter, start + QPointF(indent, textBaseline), piece.run.text,
-                 m_style.font(piece.run.emphasis), Digits::proportional);
-    }
+    paintMarkdown(painter, origin + QPointF(0, titleHeight + titleGap), m_layout, m_style,
+                  Theme::textSecondary());
 }
 
 } // namespace corvane

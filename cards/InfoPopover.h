@@ -51,7 +51,6 @@ private:
     bool pressedElsewhere(const QObject *watched, const QPoint &globalPosition) const;
     void placeAtAnchor();
     QPainterPath outline(double inset) const;
-    void paintText(QPainter &painter, const QPointF &origin) const;
 
     QString m_title;
     QString m_text;

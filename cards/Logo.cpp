@@ -9,13 +9,26 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-void paintLogo(QPainter &painter, const QRectF &square)
+namespace {
+
+/// A drawing of the sign, on a grid of its own.
+struct Drawing {
+    double side;
+    double plateRadius;
+    double glyphInset;
+};
+
+constexpr Drawing drawing(LogoSize size)
 {
-    // The drawing's own grid.
-    constexpr double side = 28;
-    constexpr double plateRadius = 8;
-    constexpr double glyphInset = 5.5;
+    return size == LogoSize::small ? Drawing{28, 8, 5.5} : Drawing{72, 72 * largeLogoRadius, 13};
+}
+
+} // namespace
+
+void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
+{
     constexpr double opacity = 0.7;
+    const auto [side, plateRadius, glyphInset] = drawing(size);
     const double scale = square.width() / side;
     const double inset = glyphInset * scale;
 
@@ -25,8 +38,8 @@ void paintLogo(QPainter &painter, const QRectF &square)
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
     painter.drawRoundedRect(square, plateRadius * scale, plateRadius * scale);
-    paintIcon(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
-              Qt::white);
+    paintDrawing(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
+                 Qt::white);
 }
 
 } // namespace corvane

@@ -5,7 +5,13 @@ class QRectF;
 
 namespace corvane {
 
+/// How the sign is drawn: beside a line of text, or alone, where its heartbeat fills more of it.
+enum class LogoSize { small, large };
+
+/// The corners of the large one's plate: their radius for each of its width.
+inline constexpr double largeLogoRadius = 20.0 / 72;
+
 /// Paints the program's sign into a square: a heartbeat on a rounded plate. Main thread.
-void paintLogo(QPainter &painter, const QRectF &square);
+void paintLogo(QPainter &painter, const QRectF &square, LogoSize size = LogoSize::small);
 
 } // namespace corvane

@@ -1,6 +1,11 @@
 #include "cards/Markdown.h"
 
+#include "cards/Theme.h"
+
 #include <QFontMetricsF>
+#include <QPainter>
+
+#include <cmath>
 
 namespace corvane {
 
@@ -211,9 +216,46 @@ const QFont &MarkdownStyle::font(Emphasis emphasis) const
     return plain;
 }
 
+MarkdownStyle markdownStyle(double pixelSize)
+{
+    MarkdownStyle style;
+    style.plain = Theme::systemFont(pixelSize);
+    style.bold = Theme::systemFont(pixelSize, QFont::DemiBold);
+    style.italic = Theme::systemFont(pixelSize);
+    style.italic.setItalic(true);
+    // Monospaced letters look larger. The size is a whole one: many such fonts are hinted at whole
+    // sizes only, and would come out wider at scale 2 than they were measured.
+    style.code = Theme::monospacedFont(std::floor(pixelSize * 0.95));
+    style.codePadding = 2;
+    return style;
+}
+
 MarkdownLayout layOut(const QList<MarkdownRun> &runs, const MarkdownStyle &style, double width)
 {
     return LineBreaker(style, width).breakUp(tokens(runs));
+}
+
+void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayout &layout,
+                   const MarkdownStyle &style, const QColor &color)
+{
+    for (const MarkdownPiece &piece : layout.pieces) {
+        const QPointF start = topLeft + QPointF(piece.x, piece.line * style.lineHeight);
+        double indent = 0;
+        painter.setPen(color);
+        if (piece.run.emphasis == Emphasis::bold)
+            painter.setPen(Theme::textPrimary());
+        if (piece.run.emphasis == Emphasis::code) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(Theme::codeFill());
+            painter.drawRoundedRect(
+                QRectF(start.x(), start.y() + style.codeBox.top, piece.width, style.codeBox.height),
+                3, 3);
+            painter.setPen(Theme::codeText());
+            indent = style.codePadding;
+        }
+        drawText(painter, start + QPointF(indent, style.baseline), piece.run.text,
+                 style.font(piece.run.emphasis), Digits::proportional);
+    }
 }
 
 } // namespace corvane

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "cards/TextLayout.h"
+
 #include <QFont>
 #include <QList>
 #include <QString>
+
+class QColor;
 
 namespace corvane {
 
@@ -46,12 +50,22 @@ struct MarkdownStyle {
     QFont italic = {};
     QFont code = {};
     double codePadding = 0; ///< Left and right of a piece of code.
+    double lineHeight = 0;  ///< From one line to the next.
+    TextLine codeBox = {};  ///< What lies behind code, in its line.
+    double baseline = 0;    ///< From the top of a line.
 
     const QFont &font(Emphasis emphasis) const;
 };
 
+/// The system's font at that size, with code in a monospaced one; lines are for the caller to set.
+MarkdownStyle markdownStyle(double pixelSize);
+
 /// Breaks at blanks and at line breaks so that lines are at most `width` wide. A piece of code is
 /// never broken at its blanks; what is wider than a whole line is broken anywhere. Pure.
 MarkdownLayout layOut(const QList<MarkdownRun> &runs, const MarkdownStyle &style, double width);
+
+/// Paints a text; what has an emphasis of its own has its own colour too.
+void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayout &layout,
+                   const MarkdownStyle &style, const QColor &color);
 
 } // namespace corvane

@@ -132,11 +132,11 @@ void MemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetr
 
 void MemoryCard::showFigures(const MemorySnapshot &memory)
 {
-    const QRect previousDot = badgeDot().toAlignedRect();
+    const QRectF previousDot = badgeDot();
     const QColor previousColor = m_badge.color;
     say(m_badge, pressureText(memory.pressure), pressureColor(memory.pressure));
     if (m_badge.color != previousColor)
-        update(previousDot | badgeDot().toAlignedRect());
+        updateShape(previousDot, badgeDot());
 
     say(m_figure, fixedText(usedPercent(memory), 0));
     placeFigure();
@@ -229,7 +229,7 @@ void MemoryCard::placeChips()
         const QRectF dotBefore = chipDot(chip);
         moveText(*chip.label, {x + chipDotSize + chipGap, chipBaseline});
         if (chipDot(chip) != dotBefore)
-            update(dotBefore.toAlignedRect() | chipDot(chip).toAlignedRect());
+            updateShape(dotBefore, chipDot(chip));
         const double valueLeft = chip.label->baseline.x() + most[i] + chipGap;
         moveText(*chip.value, {valueLeft, chipBaseline});
         x = valueLeft + chip.value->width() + spacing;

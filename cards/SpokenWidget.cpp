@@ -143,7 +143,8 @@ SpokenWidget::SpokenWidget(QWidget *parent) : QWidget(parent)
 
 void SpokenWidget::announceText(int index)
 {
-    if (!QAccessible::isActive())
+    // A text that went has no object that could be named in an event.
+    if (!QAccessible::isActive() || static_cast<std::size_t>(index) >= spokenTexts().size())
         return;
     QAccessibleEvent event(this, QAccessible::NameChanged);
     event.setChild(index);

@@ -12,29 +12,44 @@ namespace corvane {
 
 namespace {
 
-/// Advances of the ten digits of one font.
-struct DigitMetrics {
-    std::array<double, 10> advances = {};
+/// Advances in one font. To shape a text costs a hundred times what finding its width here does,
+/// and the few words of a view come back at every change of its numbers.
+class FontAdvances {
+public:
+    explicit FontAdvances(const QFont &font) : m_metrics(font)
+    {
+        for (std::size_t digit = 0; digit < digits.size(); ++digit)
+            digits[digit] = m_metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
+        const auto [narrowest, most] = std::ranges::minmax(digits);
+        widest = most;
+        alike = most - narrowest < 0.01;
+    }
+
+    double advance(const QString &text)
+    {
+        constexpr qsizetype mostTexts = 300;
+        const auto found = m_known.constFind(text);
+        if (found != m_known.constEnd())
+            return *found;
+        if (m_known.size() >= mostTexts)
+            m_known.clear();
+        return *m_known.insert(text, m_metrics.horizontalAdvance(text));
+    }
+
+    std::array<double, 10> digits = {};
     double widest = 0;
     bool alike = true; ///< The font's own digits are of one width.
+
+private:
+    QFontMetricsF m_metrics;
+    QHash<QString, double> m_known = {};
 };
 
-const DigitMetrics &digitMetrics(const QFont &font)
+FontAdvances &advancesOf(const QFont &font)
 {
-    static QHash<QFont, DigitMetrics> known;
-    const auto found = known.constFind(font);
-    if (found != known.constEnd())
-        return *found;
-
-    const QFontMetricsF metrics(font);
-    DigitMetrics digits;
-    for (std::size_t digit = 0; digit < digits.advances.size(); ++digit)
-        digits.advances[digit] =
-            metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
-    const auto [narrowest, widest] = std::ranges::minmax(digits.advances);
-    digits.widest = widest;
-    digits.alike = widest - narrowest < 0.01;
-    return *known.insert(font, digits);
+    static QHash<QFont, FontAdvances> known;
+    const auto found = known.find(font);
+    return found != known.end() ? *found : *known.insert(font, FontAdvances(font));
 }
 
 bool isDigit(QChar character)
@@ -44,15 +59,13 @@ bool isDigit(QChar character)
 
 /// Calls `visit(piece, width, indent)` for every digit and for every run between digits.
 template <typename Visitor>
-void forEachPiece(const QString &text, const QFont &font, const DigitMetrics &digits, Visitor visit)
+void forEachPiece(const QString &text, FontAdvances &font, Visitor visit)
 {
-    const QFontMetricsF metrics(font);
     qsizetype start = 0;
     while (start < text.size()) {
         if (isDigit(text[start])) {
-            const double advance =
-                digits.advances[static_cast<std::size_t>(text[start].digitValue())];
-            visit(text.mid(start, 1), digits.widest, (digits.widest - advance) / 2);
+            const double advance = font.digits[static_cast<std::size_t>(text[start].digitValue())];
+            visit(text.mid(start, 1), font.widest, (font.widest - advance) / 2);
             ++start;
             continue;
         }
@@ -60,7 +73,7 @@ void forEachPiece(const QString &text, const QFont &font, const DigitMetrics &di
         while (end < text.size() && !isDigit(text[end]))
             ++end;
         const QString run = text.mid(start, end - start);
-        visit(run, metrics.horizontalAdvance(run), 0.0);
+        visit(run, font.advance(run), 0.0);
         start = end;
     }
 }
@@ -112,10 +125,9 @@ private:
     int m_ratio;
 };
 
-bool setDigitByDigit(const QString &text, const QFont &font, Digits digits)
+bool setDigitByDigit(const QString &text, const FontAdvances &font, Digits digits)
 {
-    return digits == Digits::fixedWidth && std::ranges::any_of(text, isDigit)
-        && !digitMetrics(font).alike;
+    return digits == Digits::fixedWidth && !font.alike && std::ranges::any_of(text, isDigit);
 }
 
 } // namespace
@@ -128,10 +140,11 @@ double TextLine::baseline(const QFont &font) const
 
 double textWidth(const QString &text, const QFont &font, Digits digits)
 {
-    if (!setDigitByDigit(text, font, digits))
-        return QFontMetricsF(font).horizontalAdvance(text);
+    FontAdvances &advances = advancesOf(font);
+    if (!setDigitByDigit(text, advances, digits))
+        return advances.advance(text);
     double width = 0;
-    forEachPiece(text, font, digitMetrics(font),
+    forEachPiece(text, advances,
                  [&width](const QString &, double pieceWidth, double) { width += pieceWidth; });
     return width;
 }
@@ -140,16 +153,16 @@ void drawText(QPainter &painter, const QPointF &baseline, const QString &text, c
               Digits digits)
 {
     const DeviceText device(painter, font);
-    if (!setDigitByDigit(text, font, digits)) {
+    FontAdvances &advances = advancesOf(font);
+    if (!setDigitByDigit(text, advances, digits)) {
         device.draw(baseline, text);
         return;
     }
     double x = baseline.x();
-    forEachPiece(text, font, digitMetrics(font),
-                 [&](const QString &piece, double width, double indent) {
-                     device.draw(QPointF(x + indent, baseline.y()), piece);
-                     x += width;
-                 });
+    forEachPiece(text, advances, [&](const QString &piece, double width, double indent) {
+        device.draw(QPointF(x + indent, baseline.y()), piece);
+        x += width;
+    });
 }
 
 void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString &text,

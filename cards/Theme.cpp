@@ -219,6 +219,48 @@ const QColor &focusRing()
     return color;
 }
 
+const QColor &tabBar()
+{
+    static const QColor color = white(0.03);
+    return color;
+}
+
+const QColor &tabBarLine()
+{
+    static const QColor color = white(0.07);
+    return color;
+}
+
+const QColor &chosenTab()
+{
+    static const QColor color = withOpacity(cpu(), 0.16);
+    return color;
+}
+
+const QColor &chosenTabText()
+{
+    static const QColor color(125, 190, 255);
+    return color;
+}
+
+const QColor &switchOn()
+{
+    static const QColor color(47, 134, 224);
+    return color;
+}
+
+const QColor &switchOff()
+{
+    static const QColor color = white(0.16);
+    return color;
+}
+
+const QColor &switchStroke()
+{
+    static const QColor color = white(0.14);
+    return color;
+}
+
 QColor withOpacity(const QColor &colour, double opacity)
 {
     QColor faded = colour;

@@ -43,6 +43,14 @@ const QColor &timeLabel();
 const QColor &timeLabelTag(); ///< Keeps a time label readable on a chart's fill.
 const QColor &focusRing();
 
+const QColor &tabBar(); ///< Behind the tabs of a window.
+const QColor &tabBarLine();
+const QColor &chosenTab();
+const QColor &chosenTabText();
+const QColor &switchOn();
+const QColor &switchOff();
+const QColor &switchStroke();
+
 /// `colour` at `opacity` times its own.
 QColor withOpacity(const QColor &colour, double opacity);
 

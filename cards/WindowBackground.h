@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QImage>
-#include <QRect>
+#include <QRegion>
 
 class QPainter;
 class QWidget;
@@ -13,7 +13,8 @@ namespace corvane {
 /// that lies still when a part is drawn anew.
 QImage windowBackground(const QSize &window, const QRect &part);
 
-/// Paints what lies under that part of a widget, which is given in the widget's coordinates.
-void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRect &part);
+/// Paints what lies under that region of a widget, which is given in the widget's coordinates. It
+/// is worked out anew each time, which costs about as much as to copy it from a picture.
+void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegion &region);
 
 } // namespace corvane

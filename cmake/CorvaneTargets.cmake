@@ -1,16 +1,20 @@
-# corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …] [LINK …])
+# corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …]
+#                 [FRAMEWORKS …] [LINK …])
 #
 # Adds the layer `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
 # LINUX is added by the system: what reads the machine. The DESKTOP pair talks to the desktop (menu
-# bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop.
+# bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop. FRAMEWORKS are
+# what the Apple sources link on a Mac.
 function(corvane_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;FRAMEWORKS;LINK")
   set(target corvane_${name})
   set(sources ${arg_SOURCES})
   if(CORVANE_SYSTEM STREQUAL "linux")
     list(APPEND sources ${arg_LINUX} ${arg_LINUX_DESKTOP})
   elseif(CORVANE_SYSTEM STREQUAL "mac")
     list(APPEND sources ${arg_MAC} ${arg_MAC_DESKTOP})
+    list(TRANSFORM arg_FRAMEWORKS PREPEND "-framework ")
+    list(APPEND arg_LINK ${arg_FRAMEWORKS})
   else()
     list(APPEND sources ${arg_MAC} ${arg_LINUX_DESKTOP})
   endif()
@@ -28,13 +32,13 @@ function(corvane_library name)
   endif()
 endfunction()
 
-# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [SOURCES …] [LINK …])
+# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [ARGUMENTS …] [SOURCES …] [LINK …])
 #
 # Adds a Qt Test program from tests/FOLDER/tst_Name.cpp, run by ctest without a display and with home
 # and XDG folders of its own. SYSTEM names the systems it is for (default: all); THREADED marks it for
 # the ThreadSanitizer preset. Extra SOURCES are relative to the tests folder.
 function(corvane_test path)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;ARGUMENTS;SOURCES;LINK")
   if(arg_SYSTEM AND NOT CORVANE_SYSTEM IN_LIST arg_SYSTEM)
     return()
   endif()
@@ -51,7 +55,7 @@ function(corvane_test path)
   file(MAKE_DIRECTORY ${home}/runtime)
   file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   string(REPLACE "tst_" "" name ${path})
-  add_test(NAME ${name} COMMAND ${target})
+  add_test(NAME ${name} COMMAND ${target} ${arg_ARGUMENTS})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()

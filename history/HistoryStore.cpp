@@ -16,6 +16,7 @@ using namespace Qt::StringLiterals;
 
 HistoryStore::HistoryStore(const QString &directory)
     : m_file(QFile::encodeName(directory + "/history.jsonl"_L1).toStdString()),
+      m_writer(QFile::encodeName(directory).toStdString()),
       m_queue(CORVANE_IDENTIFIER ".history"_L1)
 {
     QDir().mkpath(directory);
@@ -31,7 +32,8 @@ QString HistoryStore::defaultDirectory()
 void HistoryStore::append(const PersistedMetric &metric)
 {
     m_queue.async([this, metric] {
-        if (const auto line = metric.toJson())
+        const auto line = metric.toJson();
+        if (line && m_writer.take())
             m_file.append(line->toStdString());
     });
 }
@@ -52,8 +54,10 @@ std::vector<PersistedMetric> HistoryStore::loadLast(int n)
 
 void HistoryStore::trim(int toLast)
 {
-    m_queue.async(
-        [this, toLast] { m_file.keepLast(static_cast<std::size_t>(std::max(toLast, 0))); });
+    m_queue.async([this, toLast] {
+        if (m_writer.take())
+            m_file.keepLast(static_cast<std::size_t>(std::max(toLast, 0)));
+    });
 }
 
 } // namespace corvane

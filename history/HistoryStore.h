@@ -3,6 +3,7 @@
 #include "history/LineFile.h"
 #include "history/PersistedMetric.h"
 #include "history/SerialQueue.h"
+#include "platform/FolderLock.h"
 
 #include <QString>
 
@@ -13,6 +14,8 @@ namespace corvane {
 /// Keeps the samples across starts in `history.jsonl`, a line a record. Owned by the sampler, which
 /// uses it on the main thread; the file work runs on one serial queue, in order, and is finished
 /// when the store is gone. Failures are told to nobody: the record or operation is lost, no more.
+/// While another store writes into the folder, of this process or another, this one only reads; it
+/// writes from when the other is gone.
 class HistoryStore {
 public:
     /// Creates the folder and an empty file where they are missing. A file that is deleted later
@@ -33,7 +36,8 @@ public:
     void trim(int toLast);
 
 private:
-    LineFile m_file; ///< Used on the queue only, once constructed.
+    LineFile m_file;     ///< Used on the queue only, once constructed.
+    FolderLock m_writer; ///< Likewise. Held from the first write on.
     SerialQueue m_queue;
 };
 

@@ -22,7 +22,11 @@ ssize_t readAt(const FileDescriptor &file, char *into, std::size_t size, std::si
 
 } // namespace
 
-KernelFile::KernelFile(std::string path) : m_path(std::move(path)) { }
+KernelFile::KernelFile(std::string path, KernelFileKind kind)
+    : m_path(std::move(path)),
+      m_kind(kind)
+{
+}
 
 std::optional<std::string_view> KernelFile::read(std::size_t limit)
 {
@@ -32,8 +36,6 @@ std::optional<std::string_view> KernelFile::read(std::size_t limit)
     if (!m_file)
         return std::nullopt;
 
-    // Only a read of nothing tells the end: a longer file comes by records, and a read stops before
-    // the record that no longer fits the kernel's page.
     std::size_t length = 0;
     while (length < limit) {
         if (m_buffer.size() == length)
@@ -45,9 +47,10 @@ std::optional<std::string_view> KernelFile::read(std::size_t limit)
             m_file = {};
             return std::nullopt;
         }
-        if (count == 0)
-            break;
         length += static_cast<std::size_t>(count);
+        const bool hadRoom = static_cast<std::size_t>(count) < room;
+        if (count == 0 || (hadRoom && m_kind == KernelFileKind::oneRecord))
+            break;
     }
     if (length == 0)
         return std::nullopt;
@@ -56,7 +59,7 @@ std::optional<std::string_view> KernelFile::read(std::size_t limit)
 
 std::optional<std::string> readKernelFile(const std::string &path, std::size_t limit)
 {
-    KernelFile file(path);
+    KernelFile file(path, KernelFileKind::records);
     const auto contents = file.read(limit);
     if (!contents)
         return std::nullopt;

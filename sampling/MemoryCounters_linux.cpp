@@ -29,7 +29,7 @@ struct MemoryCountersReader::Sources {
     std::string root;
     KernelFile memInfo{root + "/proc/meminfo"};
     KernelFile pressure{root + "/proc/pressure/memory"};
-    KernelFile arcStats{root + "/proc/spl/kstat/zfs/arcstats"};
+    KernelFile arcStats{root + "/proc/spl/kstat/zfs/arcstats", KernelFileKind::records};
     bool hasArcStats = false;
     std::vector<KernelFile> zram = {};
     int readsUntilScan = 0;

@@ -1,13 +1,22 @@
 #include "app/CorvaneApp.h"
 
+#include "app/AboutPanel.h"
 #include "app/MainWindow.h"
+#include "app/SettingsWindow.h"
+#include "app/UpdateSettings.h"
+#include "app/WindowLifecycleCoordinator.h"
+#include "cards/MemoryCard.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -23,6 +32,16 @@ QList<Window *> windows()
     return found;
 }
 
+/// The command of that name, as the panel has it.
+QAction *command(const QString &text)
+{
+    for (QAction *action : windows<MenuBarContent>().first()->actions()) {
+        if (action->text() == text)
+            return action;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 /// The whole program, on this machine's numbers, in a home of its own and on a desktop without a
@@ -34,8 +53,18 @@ private slots:
     void opensOneDashboard();
     void bringsAMinimizedDashboardBack();
     void aClosedDashboardIsGoneAndCanBeOpenedAgain();
+    void aDashboardThatWasJustClosedOpensAgain();
     void thePanelOpensTheDashboard();
     void thePanelQuits();
+    void theProgramIsRegularWhileTheDashboardIsOpen();
+    void theDashboardHasTheUsualKeys();
+    void everyViewOffersTheCommands();
+    void opensTheSettingsOnce();
+    void updatesAreFoundInTheSettings();
+    void theSettingsLeaveThePolicyAlone();
+    void keysOpenTheSettingsAndTheAboutPanel();
+    void openWindowsGoWithTheProgram();
+    void onlyTheLabelAndThePanelAreMadeAtStart();
 };
 
 void TestCorvaneApp::opensOneDashboard()
@@ -74,6 +103,19 @@ void TestCorvaneApp::aClosedDashboardIsGoneAndCanBeOpenedAgain()
     delete windows<MainWindow>().first();
 }
 
+void TestCorvaneApp::aDashboardThatWasJustClosedOpensAgain()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QPointer<MainWindow> closed = windows<MainWindow>().first();
+    closed->close();
+    corvane.openMainWindow();
+    QTRY_VERIFY(!closed);
+    QCOMPARE(windows<MainWindow>().size(), 1);
+    QVERIFY(windows<MainWindow>().first()->isVisible());
+    delete windows<MainWindow>().first();
+}
+
 void TestCorvaneApp::thePanelOpensTheDashboard()
 {
     const CorvaneApp corvane;
@@ -93,6 +135,139 @@ void TestCorvaneApp::thePanelQuits()
     QApplication::exec(); // Until it quits.
     QCOMPARE(ended.count(), 1);
     qDeleteAll(windows<MainWindow>());
+}
+
+void TestCorvaneApp::theProgramIsRegularWhileTheDashboardIsOpen()
+{
+    const WindowPlatform desktop = systemWindowPlatform();
+    const WindowLifecycleCoordinator &coordinator = WindowLifecycleCoordinator::shared();
+    CorvaneApp corvane;
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        corvane.openMainWindow();
+        QTRY_COMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+        QCOMPARE(coordinator.observerCount(), 1);
+        showAboutPanel();
+        windows<AboutPanel>().first()->close();
+        QTRY_VERIFY(windows<AboutPanel>().isEmpty());
+        QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+        windows<MainWindow>().first()->close();
+        QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+        QCOMPARE(coordinator.observerCount(), 0);
+        QTRY_VERIFY(windows<MainWindow>().isEmpty());
+    }
+}
+
+void TestCorvaneApp::theDashboardHasTheUsualKeys()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QPointer<MainWindow> window = windows<MainWindow>().first();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(!window);
+}
+
+void TestCorvaneApp::everyViewOffersTheCommands()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    const QList<QAction *> commands = windows<MainWindow>().first()->actions();
+    QVERIFY(!commands.isEmpty());
+    QCOMPARE(windows<MenuBarContent>().first()->actions(), commands);
+
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {300, 300}, {300, 300});
+    QCoreApplication::sendEvent(windows<MainWindow>().first()->findChild<MemoryCard *>(), &event);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QCOMPARE(menu->actions(), commands);
+    menu->close();
+    delete windows<MainWindow>().first();
+}
+
+void TestCorvaneApp::opensTheSettingsOnce()
+{
+    CorvaneApp corvane;
+    corvane.openSettings();
+    const QPointer<SettingsWindow> settings = windows<SettingsWindow>().first();
+    settings->showMinimized();
+    corvane.openSettings();
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+    QVERIFY(!settings->isMinimized());
+    settings->close();
+    QTRY_VERIFY(!settings);
+    corvane.openSettings();
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+}
+
+/// Where the system's updater has windows of its own, it shows these instead.
+void TestCorvaneApp::updatesAreFoundInTheSettings()
+{
+    const CorvaneApp corvane;
+    QAction *check = command(u"Check for Updates…"_s);
+    QVERIFY2(!check->isEnabled(), "a program out of its build folder has no updates");
+    emit check->triggered();
+    const bool isShown = !windows<SettingsWindow>().isEmpty();
+    QCOMPARE(isShown, hostSystem() == HostSystem::linuxDesktop);
+    if (isShown)
+        QVERIFY(windows<SettingsWindow>().first()->findChild<UpdateSettings *>()->isVisible());
+}
+
+void TestCorvaneApp::theSettingsLeaveThePolicyAlone()
+{
+    const WindowPlatform desktop = systemWindowPlatform();
+    CorvaneApp corvane;
+    corvane.openSettings();
+    QVERIFY(QTest::qWaitForWindowActive(windows<SettingsWindow>().first()));
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+    corvane.openMainWindow();
+    QTRY_COMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+    windows<SettingsWindow>().first()->close();
+    QTRY_VERIFY(windows<SettingsWindow>().isEmpty());
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
+}
+
+void TestCorvaneApp::keysOpenTheSettingsAndTheAboutPanel()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    MainWindow *window = windows<MainWindow>().first();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
+    QCOMPARE(windows<SettingsWindow>().size(), 1);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_F1);
+    QCOMPARE(windows<AboutPanel>().size(), hostSystem() == HostSystem::linuxDesktop ? 1 : 0);
+    qDeleteAll(windows<AboutPanel>());
+}
+
+void TestCorvaneApp::openWindowsGoWithTheProgram()
+{
+    {
+        CorvaneApp corvane;
+        corvane.openMainWindow();
+        corvane.openSettings();
+        QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+    }
+    QVERIFY(windows<MainWindow>().isEmpty());
+    QVERIFY(windows<SettingsWindow>().isEmpty());
+    QCOMPARE(WindowLifecycleCoordinator::shared().observerCount(), 0);
+}
+
+/// What is not open costs nothing.
+void TestCorvaneApp::onlyTheLabelAndThePanelAreMadeAtStart()
+{
+    QTRY_VERIFY(windows<QWidget>().isEmpty()); // Of earlier tests.
+    const CorvaneApp corvane;
+    QCOMPARE(windows<MenuBarContent>().size(), 1);
+    for (const QWidget *window : windows<QWidget>()) {
+        const bool isOfAMacsMenus =
+            window->inherits("QMenuBar") || qobject_cast<QMenuBar *>(window->parent());
+        const bool isPanel = qobject_cast<const MenuBarContent *>(window);
+        QVERIFY2(isPanel || (isOfAMacsMenus && hostSystem() == HostSystem::mac),
+                 window->metaObject()->className());
+    }
 }
 
 QTEST_MAIN(TestCorvaneApp)

@@ -121,6 +121,7 @@ private slots:
     void startsWithoutAFocusRing();
     void stepsThroughItsPartsByTab();
     void repaintsOnlyWhatChanged();
+    void repaintsAllThatMoved();
     void bearsExtremes_data();
     void bearsExtremes();
     void bearsNothing_data();
@@ -283,6 +284,32 @@ void TestMainWindow::repaintsOnlyWhatChanged()
     QCOMPARE(window.region(), QRegion()); // Nothing beneath the opaque cards.
     QVERIFY(!header.region().isEmpty());
     QVERIFY(header.region().boundingRect().width() < 60);
+}
+
+/// What is on the screen after every change in parts is what a fresh painting shows: through a
+/// minute whose numbers all move, and with no reading of the chip.
+void TestMainWindow::repaintsAllThatMoved()
+{
+    Shown shown;
+    const std::vector<SystemMetrics> minute = scriptedHistory();
+    const std::vector<SystemMetrics> without = historyWithoutChip();
+    std::vector<ProcessRow> processes = scriptedProcesses();
+    QImage screen = onScreen(shown.window);
+    for (std::size_t second = 1; second < minute.size(); second += 7) {
+        const auto &samples = second < 50 ? minute : without;
+        const auto end = samples.begin() + static_cast<std::ptrdiff_t>(second);
+        shown.window.show(*end, {samples.begin(), end});
+        processes[second % processes.size()].memory = second << 28;
+        shown.window.showProcesses(processes);
+        if (second % 2 == 0)
+            shown.window.showWorkloads(scriptedWorkloads());
+        const QImage next = onScreen(shown.window);
+        QVERIFY(next != screen);
+        screen = next;
+        QCOMPARE(leftBehind(shown.window), QRect());
+    }
+    shown.window.resize(1031, 777);
+    QCOMPARE(leftBehind(shown.window), QRect());
 }
 
 void TestMainWindow::bearsExtremes_data()

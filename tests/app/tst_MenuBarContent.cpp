@@ -3,12 +3,19 @@
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
+#include "support/Rendering.h"
 #include "telemetry/ChipIdentity.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -23,8 +30,16 @@ QStringList namesOfRows(const MenuBarContent &panel)
 {
     QStringList names;
     for (const PanelRow *row : panel.findChildren<PanelRow *>())
-        names.append(row->accessibleName());
+        names.append(row->spokenTexts().front().value);
     return names;
+}
+
+/// What the menu key does.
+void openMenu(QWidget &widget)
+{
+    const QPoint middle = widget.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, widget.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// How many paints of a widget an action causes.
@@ -48,8 +63,10 @@ class TestMenuBarContent : public QObject {
 
 private slots:
     void isAsLargeAsDrawn();
+    void coversNothingBesideItsRoundCorners();
     void everyNumberHasAName();
     void headerNamesChipAndPower();
+    void isMadeWhenItIsFirstOpened();
     void updatesWhileOpen();
     void equalNumbersPaintNothing();
     void opensAtTheAnchorAndClosesAgain();
@@ -58,6 +75,8 @@ private slots:
     void closesWhenAnotherWindowIsActive();
     void buttonsAreReachedByTab();
     void buttonsAnnounceTheirCommands();
+    void offersItsActionsInAMenu();
+    void staysWhileItsMenuHasTheFocus();
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
@@ -65,8 +84,8 @@ private slots:
 void TestMenuBarContent::isAsLargeAsDrawn()
 {
     MenuBarContent panel;
-    QCOMPARE(panel.size(), QSize(280, 296));
     panel.toggleAt({400, 10});
+    QCOMPARE(panel.size(), QSize(280, 296));
     const auto rows = panel.findChildren<PanelRow *>();
     QCOMPARE(rows.size(), 5);
     for (int row = 0; row < rows.size(); ++row)
@@ -78,10 +97,29 @@ void TestMenuBarContent::isAsLargeAsDrawn()
     QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
 }
 
+void TestMenuBarContent::coversNothingBesideItsRoundCorners()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    const QImage picture = rendered(panel, 1);
+    const QRegion mask = panel.mask();
+    QVERIFY(!mask.contains(QPoint(0, 0)));
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).alpha() > 0)
+                QVERIFY2(mask.contains(QPoint(x, y)), qPrintable(u"cut at %1, %2"_s.arg(x).arg(y)));
+            else
+                QVERIFY2(!mask.contains(QPoint(x, y)),
+                         qPrintable(u"black at %1, %2"_s.arg(x).arg(y)));
+        }
+    }
+}
+
 void TestMenuBarContent::everyNumberHasAName()
 {
     MenuBarContent panel;
     panel.show(busySample());
+    panel.toggleAt({400, 10});
     QCOMPARE(namesOfRows(panel),
              (QStringList{u"Memory: 48 GB / 64 GB, 75 %"_s, u"GPU: 100 %, 0.30 W"_s,
                           u"CPU: 0 %, 0.04 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
@@ -92,9 +130,26 @@ void TestMenuBarContent::headerNamesChipAndPower()
 {
     MenuBarContent panel;
     panel.show(busySample());
-    const QString name = panel.findChild<PanelHeader *>()->accessibleName();
+    panel.toggleAt({400, 10});
+    const QString name = panel.findChild<PanelHeader *>()->spokenTexts().front().value;
     QVERIFY(name.contains(SystemInfo::chipName()));
     QVERIFY(name.contains(u"0.3 W"_s));
+}
+
+/// One that is never opened costs nothing, and a closed one hardly anything.
+void TestMenuBarContent::isMadeWhenItIsFirstOpened()
+{
+    MenuBarContent panel;
+    panel.show(SystemMetrics::placeholder());
+    QVERIFY(panel.findChildren<QWidget *>().isEmpty());
+    panel.QWidget::show();
+    const QStringList before = namesOfRows(panel);
+    panel.hide();
+    panel.show(busySample());
+    QCOMPARE(namesOfRows(panel), before);
+    panel.QWidget::show();
+    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+    QCOMPARE(panel.size(), QSize(280, 296));
 }
 
 void TestMenuBarContent::updatesWhileOpen()
@@ -191,6 +246,39 @@ void TestMenuBarContent::buttonsAnnounceTheirCommands()
     buttons[0]->click();
     QCOMPARE(open.count(), 1);
     QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::offersItsActionsInAMenu()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    const QSignalSpy chosen(&settings, &QAction::triggered);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QCOMPARE(chosen.count(), 1);
+    QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
+    QVERIFY(panel.isVisible());
+    QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QTest::keyClick(menu, Qt::Key_Escape);
+    QTRY_VERIFY(!menu);
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
 }
 
 void TestMenuBarContent::staysOnTheScreen_data()

@@ -1,21 +1,24 @@
-#include "app/DBusMenuTypes.h"
+#include "app/InstanceMessage.h"
+#include "app/UnixSocket.h"
+#include "history/PersistedMetric.h"
+#include "platform/FolderLock.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
-#include "support/SystemCalls.h"
+#include "support/VirtualDisplay.h"
 
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusPendingCall>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
+#include <vector>
 
-#include <grp.h>
-#include <sys/prctl.h>
-#include <sys/stat.h>
+#include <csignal>
 #include <unistd.h>
 
 using namespace corvane;
@@ -24,276 +27,411 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 120'000; // Milliseconds; the machine may be busy, and strace is slow.
+constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
 
-/// Root may write anywhere, which would prove little.
-void becomeOrdinaryUser()
-{
-    constexpr uid_t nobody = 65534;
-    if (geteuid() != 0)
-        return;
-    if (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0)
-        qFatal("still root");
-    prctl(PR_SET_DUMPABLE, 1); // The tray's bar is told by this process's name.
-}
+const QString program = QStringLiteral(CORVANE_PROGRAM);
+const QString identifier = u"io.github.corvane.Corvane"_s;
 
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
-
-/// The program itself, with its label in a tray, as strace sees it from outside. It is run by an
-/// ordinary user with a home of its own.
-class TestRunningProgram : public QObject {
-    Q_OBJECT
-
+/// A process of the program. Killed when it goes out of sight.
+class Corvane {
 public:
-    explicit TestRunningProgram(QByteArray program) : m_program(std::move(program)) { }
+    explicit Corvane(const QProcessEnvironment &environment)
+    {
+        m_process.setProcessEnvironment(environment);
+        m_process.setChildProcessModifier([] {
+            // As a session starts its programs, whoever runs the tests.
+            for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGPIPE})
+                std::signal(number, SIG_DFL);
+        });
+        m_process.start(program, QStringList());
+        m_process.waitForStarted();
+    }
+    ~Corvane() { kill(); }
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void touchesNothingButItsOwn_data();
-    void touchesNothingButItsOwn();
-    void goesOnWhereItsDiskDoesNot_data();
-    void goesOnWhereItsDiskDoesNot();
+    void send(int signal) const { ::kill(static_cast<pid_t>(m_process.processId()), signal); }
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+
+    /// The exit status, waited for; -1 for a process that crashed or does not end.
+    int status() const
+    {
+        const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, ample);
+        return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+    QString errors() { return QString::fromLocal8Bit(m_process.readAllStandardError()); }
 
 private:
-    QString path(const QString &name) const { return m_home->filePath(name); }
-    void start(const QString &platform, const QStringList &options);
-    QVariantList callMenu(const QString &method, const QVariantList &arguments);
-    void click(const QString &label);
-    void quit();
-    void checkOpenFiles();
-    bool mayChange(const QString &path) const;
-    qsizetype count(const QByteArray &text) const { return contents(path(u"trace"_s)).count(text); }
-
-    const QByteArray m_program; ///< Its file, which this user may not be able to reach.
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<PrivateBus> m_bus;
-    std::unique_ptr<FakeTray> m_tray;
-    QProcess m_display;
     QProcess m_process;
 };
 
-void TestRunningProgram::initTestCase()
-{
-    registerDBusMenuTypes();
-    QProcess strace;
-    strace.start(u"strace"_s, {u"-o"_s, u"/dev/null"_s, u"true"_s});
-    if (!strace.waitForFinished() || strace.exitCode() != 0)
-        QSKIP(qPrintable(u"Nothing can be traced here: %1 %2"_s.arg(
-            strace.errorString(), QString::fromLocal8Bit(strace.readAllStandardError()))));
-}
+} // namespace
 
+/// The real program, started as a desktop would, in a home and a session of its own.
+class TestRunningProgram : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aSecondStartOpensTheDashboard();
+    void startsAgainAfterItWasKilled();
+    void aSecondStartGivesUpOnOneThatIsStopped();
+    void twoSessionsDoNotMeetAndOneWritesTheHistory();
+    void runsWhereNoFolderCanBeHad();
+    void hostileClientsDoNothing();
+
+    void theDesktopOpensTheDashboard();
+    void theDesktopQuits();
+    void aSecondStartReachesTheFirstOverTheBus();
+    void startsNoBus();
+
+    void endsOnASignal_data();
+    void endsOnASignal();
+    void livesOnWithoutItsBus();
+    void endsWithItsDisplay();
+    void saysInOneLineThatThereIsNoDisplay_data();
+    void saysInOneLineThatThereIsNoDisplay();
+
+private:
+    QString path(const QString &name) const { return m_home->filePath(name); }
+    QString historyFolder() const { return path(u"data/Corvane"_s); }
+    std::string socketPath() const
+    {
+        return path(u"runtime/io.github.corvane.Corvane/socket"_s).toStdString();
+    }
+    QDBusConnection bus() const
+    {
+        return QDBusConnection::connectToBus(m_bus->address(), u"fake-tray"_s);
+    }
+    void setUpBus();
+    void setUpDisplay();
+    std::vector<PersistedMetric> records() const;
+    bool isAnswering() const;
+    QDBusMessage callDesktop(const QString &method, const QVariantList &arguments) const;
+
+    std::unique_ptr<QTemporaryDir> m_home;
+    QProcessEnvironment m_environment;
+    std::unique_ptr<PrivateBus> m_bus;
+    std::unique_ptr<FakeTray> m_tray;
+    std::unique_ptr<VirtualDisplay> m_display;
+};
+
+/// Neither a bus nor a display to be seen.
 void TestRunningProgram::init()
 {
-    m_home = std::make_unique<QTemporaryDir>();
-    QFile program(path(u"corvane"_s));
-    QVERIFY(program.open(QIODevice::WriteOnly));
-    QCOMPARE(program.write(m_program), m_program.size());
-    QVERIFY(program.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
-    program.close();
-    for (const QString &folder : {u"config"_s, u"data"_s, u"cache"_s, u"run"_s})
-        QVERIFY(QDir(m_home->path()).mkdir(folder));
-    QVERIFY(QFile::setPermissions(path(u"run"_s),
-                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    m_bus = std::make_unique<PrivateBus>();
-    QVERIFY(m_bus->start());
-    m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
+    m_home = std::make_unique<QTemporaryDir>(u"/tmp/corvane-XXXXXX"_s);
+    m_environment = QProcessEnvironment::systemEnvironment();
+    for (const auto *name :
+         {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "SESSION_MANAGER"})
+        m_environment.remove(QString::fromLatin1(name));
+    m_environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    m_environment.insert(u"HOME"_s, m_home->path());
+    m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
+    m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+    m_environment.insert(u"XDG_CACHE_HOME"_s, path(u"cache"_s));
+    m_environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"runtime"_s));
+    m_environment.insert(u"TMPDIR"_s, path(u"tmp"_s));
+    for (const QString &folder : {u"runtime"_s, u"tmp"_s})
+        QVERIFY(QDir(m_home->path())
+                    .mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
 
 void TestRunningProgram::cleanup()
 {
-    m_process.kill();
-    m_process.waitForFinished();
-    m_display.terminate();
-    m_display.waitForFinished();
     m_tray.reset();
     m_bus.reset();
+    m_display.reset();
 }
 
-/// Returns once the label is in the tray.
-void TestRunningProgram::start(const QString &platform, const QStringList &options)
+/// With a tray, so that the dashboard does not open by itself.
+void TestRunningProgram::setUpBus()
 {
-    QProcessEnvironment environment;
-    environment.insert(u"PATH"_s, qEnvironmentVariable("PATH"));
-    environment.insert(u"HOME"_s, m_home->path());
-    environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
-    environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
-    environment.insert(u"XDG_CACHE_HOME"_s, path(u"cache"_s));
-    environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"run"_s));
-    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus->address());
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // Leaks are not found under strace.
-    if (platform == "xcb"_L1) {
-        m_display.start(u"Xvfb"_s,
-                        {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x960x24"_s});
-        QVERIFY2(m_display.waitForReadyRead(patience), qPrintable(m_display.errorString()));
-        environment.insert(u"DISPLAY"_s,
-                           u':' + QString::fromLatin1(m_display.readAllStandardOutput()).trimmed());
-    } else {
-        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+    m_bus = std::make_unique<PrivateBus>();
+    QVERIFY(m_bus->start());
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "xfce4-panel");
+    m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus->address());
+}
+
+void TestRunningProgram::setUpDisplay()
+{
+    m_display = std::make_unique<VirtualDisplay>();
+    QVERIFY(m_display->start());
+    m_environment.insert(u"DISPLAY"_s, m_display->name());
+    m_environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+}
+
+/// All lines of the history, each of which has to be whole.
+std::vector<PersistedMetric> TestRunningProgram::records() const
+{
+    QFile file(historyFolder() + "/history.jsonl"_L1);
+    std::vector<PersistedMetric> records;
+    if (!file.open(QFile::ReadOnly))
+        return records;
+    QList<QByteArray> lines = file.readAll().split('\n');
+    if (!lines.takeLast().isEmpty())
+        return {};
+    for (const QByteArray &line : lines) {
+        const auto record = PersistedMetric::fromJson(line);
+        if (!record)
+            return {};
+        records.push_back(*record);
     }
-    m_process.setProcessEnvironment(environment);
-    m_process.start(u"strace"_s,
-                    QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
-                        + QStringList{path(u"corvane"_s)});
-    QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 1, patience);
+    return records;
 }
 
-QVariantList TestRunningProgram::callMenu(const QString &method, const QVariantList &arguments)
+/// Whether a client is taken in at the socket, which is what the program comes to last.
+bool TestRunningProgram::isAnswering() const
 {
-    const QString item = m_tray->items().value(0);
-    const auto menu = m_tray->property(item, u"Menu"_s).value<QDBusObjectPath>();
-    return m_tray->call(item, menu.path(), QString::fromLatin1(FakeTray::menuInterface), method,
-                        arguments);
+    return connectTo(openUnixSocket(), socketPath());
 }
 
-/// A command of the label's menu.
-void TestRunningProgram::click(const QString &label)
+QDBusMessage TestRunningProgram::callDesktop(const QString &method,
+                                             const QVariantList &arguments) const
 {
-    const QVariantList answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
-    for (const auto &child : qdbus_cast<DBusMenuLayout>(answer.value(1)).children) {
-        if (child.properties.value(u"label"_s) == label) {
-            callMenu(u"Event"_s,
-                     {child.id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0u});
-            return;
-        }
-    }
-    QFAIL(qPrintable(u"The menu has no %1"_s.arg(label)));
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        identifier, u"/io/github/corvane/Corvane"_s, u"org.freedesktop.Application"_s, method);
+    message.setArguments(arguments);
+    const QDBusPendingCall answer = bus().asyncCall(message);
+    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, ample))
+        return {};
+    return answer.reply();
 }
 
-void TestRunningProgram::quit()
+#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, ample)
+#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ample)
+
+void TestRunningProgram::aSecondStartOpensTheDashboard()
 {
-    click(u"Quit"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(m_process.state(), QProcess::NotRunning, patience);
-    QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_process.exitCode(), 0);
-    QByteArray said = m_process.readAllStandardError();
-    said.replace("This plugin does not support raise()\n", "");
-    said.replace("This plugin does not support grabbing the keyboard\n", "");
-    QCOMPARE(said, QByteArray());
+    setUpBus();
+    setUpDisplay();
+    Corvane first(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    QCOMPARE(m_display->visibleWindows(u"Corvane"_s), 0);
+
+    Corvane second(m_environment);
+    QCOMPARE(second.status(), 0);
+    QCOMPARE(second.errors(), QString());
+    TRY_COMPARE(m_display->visibleWindows(u"Corvane"_s), 1);
+
+    // One dashboard stays one.
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    QCOMPARE(m_display->visibleWindows(u"Corvane"_s), 1);
+    QVERIFY(first.isRunning());
+    first.send(SIGTERM);
+    QCOMPARE(first.status(), 0);
 }
 
-/// Those of the program as it runs belong to its user or to the system, which lets all read them.
-void TestRunningProgram::checkOpenFiles()
+void TestRunningProgram::startsAgainAfterItWasKilled()
 {
-    const QByteArray children = contents(u"/proc/%1/task/%1/children"_s.arg(m_process.processId()));
-    const QString descriptors =
-        u"/proc/%1/fd/"_s.arg(QString::fromLatin1(children.split(' ').value(0)));
-    const QStringList names =
-        QDir(descriptors).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    QVERIFY(!names.isEmpty());
-    for (const QString &name : names) {
-        struct stat status = {};
-        QCOMPARE(stat(QFile::encodeName(descriptors + name).constData(), &status), 0);
-        const bool isFile = S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)
-            || S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
-        const bool isOpenToAll = status.st_uid == 0 && (status.st_mode & S_IROTH) != 0;
-        QVERIFY2(!isFile || status.st_uid == geteuid() || isOpenToAll,
-                 qPrintable(QFile::symLinkTarget(descriptors + name)));
+    for (int round = 0; round < 3; ++round) {
+        Corvane first(m_environment);
+        TRY_VERIFY(isAnswering());
+        QCOMPARE(Corvane(m_environment).status(), 0);
+        first.send(SIGKILL);
+        QCOMPARE(first.status(), -1);
+        QVERIFY2(QFile::exists(QString::fromStdString(socketPath())), "it could not clear up");
     }
 }
 
-/// What the program may make, change or take away.
-bool TestRunningProgram::mayChange(const QString &changed) const
+void TestRunningProgram::aSecondStartGivesUpOnOneThatIsStopped()
 {
-    const QString home = QRegularExpression::escape(m_home->path());
-    const QStringList allowed{
-        home + u"/(config|data)(/Corvane)?"_s, // Folders.
-        home + u"/data/Corvane/history\\.jsonl(\\.new)?"_s,
-        // The preferences, with Qt's lock and the new file that takes their place.
-        home + u"/config/Corvane/Corvane\\.conf(\\.lock|\\.[A-Za-z0-9]{6})?"_s,
-        home + u"/run/" CORVANE_IDENTIFIER "(/socket)?"_s,
-        home + u"/cache/fontconfig(/.*)?"_s,             // What the font library found out.
-        home + u"/cache/mesa_shader_cache[^/]*(/.*)?"_s, // And that for pictures.
-        u"/proc/self/task/[0-9]+/comm"_s,                // Names of its own threads.
-        u"/dev/null"_s,
-    };
-    return QRegularExpression(u"\\A("_s + allowed.join(u'|') + u")\\z"_s).match(changed).hasMatch();
+    const Corvane first(m_environment);
+    TRY_VERIFY(isAnswering());
+    first.send(SIGSTOP);
+    Corvane second(m_environment);
+    QCOMPARE(second.status(), 1);
+    QCOMPARE(second.errors(), u"Corvane is already running, but it does not answer.\n"_s);
+    first.send(SIGCONT);
+    QCOMPARE(Corvane(m_environment).status(), 0);
 }
 
-void TestRunningProgram::touchesNothingButItsOwn_data()
+void TestRunningProgram::twoSessionsDoNotMeetAndOneWritesTheHistory()
 {
-    QTest::addColumn<QString>("platform");
-    QTest::newRow("without a display") << u"offscreen"_s;
-    QTest::newRow("on X11") << u"xcb"_s;
+    Corvane first(m_environment);
+    TRY_VERIFY(!records().empty());
+    QVERIFY(QDir(m_home->path()).mkdir(u"elsewhere"_s));
+    m_environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"elsewhere"_s));
+    const Corvane second(m_environment);
+    TRY_VERIFY(QFile::exists(path(u"elsewhere/io.github.corvane.Corvane/socket"_s)));
+    QVERIFY(first.isRunning() && second.isRunning());
+    QVERIFY(!FolderLock(historyFolder().toStdString()).take());
+
+    first.kill();
+    const std::size_t count = records().size();
+    TRY_VERIFY(records().size() > count); // From the second now.
 }
 
-void TestRunningProgram::touchesNothingButItsOwn()
+void TestRunningProgram::runsWhereNoFolderCanBeHad()
 {
-    QFETCH(const QString, platform);
-    if (platform == "xcb"_L1 && QStandardPaths::findExecutable(u"Xvfb"_s).isEmpty())
-        QSKIP("There is no Xvfb here.");
-    start(platform, {u"-e"_s, u"trace=%file,%process,%network"_s});
-    m_tray->call(m_tray->items().value(0), u"/StatusNotifierItem"_s,
-                 QString::fromLatin1(FakeTray::itemInterface), u"Activate"_s, {600, 20});
-    click(u"Open Window"_s);
-    // By the fourth line the processes were looked at.
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(contents(history).count('\n') > 3, patience);
-    checkOpenFiles();
-    quit();
+    for (const QString &folder : {u"runtime"_s, u"tmp"_s})
+        QVERIFY(QDir(m_home->path()).rmdir(folder));
+    const Corvane first(m_environment);
+    TRY_VERIFY(records().size() > 1);
+    QVERIFY(!FolderLock(historyFolder().toStdString()).take());
+    first.send(SIGTERM);
+    QCOMPARE(first.status(), 0);
+    QVERIFY(FolderLock(historyFolder().toStdString()).take());
+}
 
-    int programs = 0;
-    int changes = 0;
-    for (const SystemCall &call : systemCalls(contents(path(u"trace"_s)))) {
-        const QByteArray said = call.name + '(' + call.arguments;
-        if (call.name == "execve") {
-            ++programs;
-            continue;
-        }
-        QVERIFY2(!call.startsProcess(), said.constData());
-        if (call.name == "socket" || call.name == "connect" || call.name == "bind")
-            QVERIFY2(!call.arguments.contains("AF_INET") && !call.arguments.contains("AF_PACKET"),
-                     said.constData());
-        if (!call.changesFiles())
-            continue;
-        ++changes;
-        QVERIFY2(!call.paths().isEmpty(), said.constData());
-        for (const QString &changed : call.paths())
-            QVERIFY2(mayChange(changed), said.constData());
+void TestRunningProgram::hostileClientsDoNothing()
+{
+    const Corvane first(m_environment);
+    TRY_VERIFY(isAnswering());
+    const QList<QByteArray> words{"", "Corvane/1 op", QByteArray(100'000, '\0'),
+                                  QByteArray(100'000, '\n'), "\377\376\200Corvane/1 open\n\n"};
+    std::vector<FileDescriptor> clients;
+    for (int number = 0; number < 200; ++number) {
+        clients.push_back(openUnixSocket());
+        connectTo(clients.back(), socketPath());
+        const QByteArray &said = words[number % words.size()];
+        [[maybe_unused]] const ssize_t sent =
+            write(clients.back().get(), said.constData(), static_cast<std::size_t>(said.size()));
     }
-    QCOMPARE(programs, 1); // Itself.
-    QVERIFY(changes > 4);  // The history's lines, at the least.
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    QVERIFY(first.isRunning());
 }
 
-void TestRunningProgram::goesOnWhereItsDiskDoesNot_data()
+void TestRunningProgram::theDesktopOpensTheDashboard()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::newRow("full") << u"write:error=ENOSPC"_s;
-    QTest::newRow("broken") << u"write:error=EIO"_s;
-    QTest::newRow("read-only") << u"openat:error=EROFS:when=3+"_s;
-    QTest::newRow("gone") << u"openat:error=ESTALE:when=3+"_s;
-    QTest::newRow("no descriptors left") << u"openat:error=EMFILE:when=3+"_s;
+    setUpBus();
+    setUpDisplay();
+    const Corvane corvane(m_environment);
+    TRY_VERIFY(bus().interface()->isServiceRegistered(identifier).value());
+    const QVariantMap platformData{{u"activation-token"_s, u"token"_s}};
+    QCOMPARE(callDesktop(u"Activate"_s, {platformData}).type(), QDBusMessage::ReplyMessage);
+    TRY_COMPARE(m_display->visibleWindows(u"Corvane"_s), 1);
 }
 
-void TestRunningProgram::goesOnWhereItsDiskDoesNot()
+void TestRunningProgram::theDesktopQuits()
 {
-    QFETCH(const QString, fault);
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
-    start(u"offscreen"_s,
-          {u"-P"_s, history, u"-P"_s, u"/proc/meminfo"_s, u"-e"_s, u"inject="_s + fault});
-    click(u"Open Window"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(count("(INJECTED)") > 0, patience);
-    const qsizetype reads = count("/proc/meminfo>, \"MemTotal");
-    QTRY_VERIFY_WITH_TIMEOUT(count("/proc/meminfo>, \"MemTotal") > reads + 3, patience);
-    quit();
-    QVERIFY(contents(history).count('\n') <= 2);
+    setUpBus();
+    const Corvane corvane(m_environment);
+    TRY_VERIFY(bus().interface()->isServiceRegistered(identifier).value());
+    const QVariantList quit{u"quit"_s, QVariantList(), QVariantMap()};
+    QCOMPARE(callDesktop(u"ActivateAction"_s, quit).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(corvane.status(), 0);
 }
 
-int main(int argc, char **argv)
+/// Where the two have no folder in common.
+void TestRunningProgram::aSecondStartReachesTheFirstOverTheBus()
 {
-    const QByteArray program = contents(QStringLiteral(CORVANE_PROGRAM));
-    becomeOrdinaryUser();
-    const QCoreApplication application(argc, argv);
-    TestRunningProgram test(program);
-    return QTest::qExec(&test, argc, argv);
+    setUpBus();
+    setUpDisplay();
+    const Corvane first(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QVERIFY(QDir(m_home->path()).mkdir(u"elsewhere"_s));
+    m_environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"elsewhere"_s));
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    TRY_COMPARE(m_display->visibleWindows(u"Corvane"_s), 1);
+    QVERIFY(first.isRunning());
 }
 
+/// On X11 without a tray Qt's own icons look for one on the bus.
+void TestRunningProgram::startsNoBus()
+{
+    setUpDisplay();
+    QVERIFY(QDir(m_home->path()).mkdir(u"bin"_s));
+    QFile launcher(path(u"bin/dbus-launch"_s)); // Found where the system has none.
+    QVERIFY(launcher.open(QFile::WriteOnly));
+    launcher.write("#!/bin/sh\n: > \"$HOME/launched\"\n");
+    launcher.close();
+    QVERIFY(launcher.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    m_environment.insert(u"PATH"_s, path(u"bin"_s) + u':' + m_environment.value(u"PATH"_s));
+
+    const Corvane corvane(m_environment);
+    TRY_COMPARE(m_display->visibleWindows(u"Corvane"_s), 1); // There is no tray.
+    TRY_VERIFY(records().size() > 3);
+    QVERIFY(!QFile::exists(path(u"launched"_s)));
+    for (const QString &process : QDir(u"/proc"_s).entryList({u"[1-9]*"_s}, QDir::Dirs)) {
+        QFile name("/proc/"_L1 + process + "/comm"_L1);
+        QFile environment("/proc/"_L1 + process + "/environ"_L1);
+        if (name.open(QFile::ReadOnly) && environment.open(QFile::ReadOnly)
+            && environment.readAll().contains("HOME=" + QFile::encodeName(m_home->path())))
+            QVERIFY2(!name.readAll().startsWith("dbus"), qPrintable(process));
+    }
+}
+
+void TestRunningProgram::endsOnASignal_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void TestRunningProgram::endsOnASignal()
+{
+    QFETCH(const int, number);
+    Corvane corvane(m_environment);
+    TRY_VERIFY(isAnswering());
+    TRY_VERIFY(records().size() > 1);
+    const std::size_t known = records().size();
+    corvane.send(number);
+    QCOMPARE(corvane.status(), 0);
+    QVERIFY(records().size() >= known);
+    QVERIFY(!QFile::exists(QString::fromStdString(socketPath())));
+}
+
+void TestRunningProgram::livesOnWithoutItsBus()
+{
+    setUpBus();
+    const Corvane corvane(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    m_bus->kill();
+    const std::size_t known = records().size();
+    TRY_VERIFY(records().size() > known + 1);
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.status(), 0);
+}
+
+/// As at a logout in which nobody says goodbye.
+void TestRunningProgram::endsWithItsDisplay()
+{
+    setUpBus();
+    setUpDisplay();
+    const Corvane corvane(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    TRY_VERIFY(records().size() > 1);
+    const std::size_t known = records().size();
+    m_display->kill();
+    QCOMPARE(corvane.status(), 1);
+    QVERIFY(records().size() >= known);
+}
+
+void TestRunningProgram::saysInOneLineThatThereIsNoDisplay_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("none at all") << QString() << QString();
+    QTest::newRow("an X server that is not there") << u"DISPLAY"_s << u":4242"_s;
+    QTest::newRow("a compositor that is not there") << u"WAYLAND_DISPLAY"_s << u"wayland-42"_s;
+    QTest::newRow("a Wayland that cannot be had") << u"QT_QPA_PLATFORM"_s << u"wayland"_s;
+    QTest::newRow("a platform that there is not") << u"QT_QPA_PLATFORM"_s << u"paper"_s;
+}
+
+void TestRunningProgram::saysInOneLineThatThereIsNoDisplay()
+{
+    QFETCH(const QString, variable);
+    QFETCH(const QString, value);
+    m_environment.remove(u"QT_QPA_PLATFORM"_s);
+    m_environment.remove(u"QT_LOGGING_RULES"_s);
+    QString line = u"Corvane cannot start: there is no display that it can reach"_s;
+    if (!variable.isEmpty()) {
+        m_environment.insert(variable, value);
+        line += u" (%1=%2)"_s.arg(variable, value);
+    }
+    Corvane corvane(m_environment);
+    QCOMPARE(corvane.status(), 1);
+    QCOMPARE(corvane.errors(), line + ".\n"_L1);
+}
+
+QTEST_GUILESS_MAIN(TestRunningProgram)
 #include "tst_RunningProgram.moc"

@@ -1,11 +1,13 @@
 #include "app/TrayLabel.h"
 
+#include "app/Commands.h"
 #include "app/DBusMenuTypes.h"
 #include "app/StatusNotifierTypes.h"
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDBusVirtualObject>
 #include <QPoint>
@@ -15,6 +17,7 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -80,12 +83,20 @@ private slots:
     void takesAnotherFormForAnotherTray();
     void waitsForAHost();
     void comesBackAfterTheBus();
+    void aTrayThatHasThemAllIsLeftAlone_data();
+    void aTrayThatHasThemAllIsLeftAlone();
+    void aTrayThatLosesAnItemGetsAllAnew_data();
+    void aTrayThatLosesAnItemGetsAllAnew();
+    void aTrayThatAlwaysLosesAnItemIsLeftAlone();
+    void comesInOrderToATrayThatAnswersLate();
+    void comesInOrderToATrayThatStartsAnewInBetween();
     void aTrayThatHangsHoldsNobodyUp();
     void tellsOnceThatThereIsNoTray();
     void staysQuietWhereATrayIs();
 
 private:
     void startTray(const char *program);
+    void waitForTheCheck();
     QStringList ids();
     QString text(const QString &name, int item = 0);
     StatusNotifierPixmaps pictures(int item = 0);
@@ -93,6 +104,7 @@ private:
     QVariantList callMenu(const QString &method, const QVariantList &arguments);
     QStringList menuTexts();
 
+    const Commands m_commands;
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<FakeTray> m_tray;
     std::unique_ptr<TrayLabel> m_label;
@@ -102,7 +114,7 @@ void TestTrayLabel::init()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
-    m_label = std::make_unique<TrayLabel>();
+    m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder());
     m_label->show(sample(63));
 }
 
@@ -120,6 +132,12 @@ void TestTrayLabel::startTray(const char *program)
     const bool isText = qstrcmp(program, "gnome-shell") == 0;
     const bool isWide = qstrcmp(program, "waybar") == 0;
     QTRY_COMPARE(m_tray->items().size(), isText || isWide ? 1 : 3);
+}
+
+/// Until the label has looked whether the tray has its items, after which it sends nothing more.
+void TestTrayLabel::waitForTheCheck()
+{
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->listings(), 1, 30'000);
 }
 
 /// In the order of their registration.
@@ -293,28 +311,34 @@ void TestTrayLabel::handsTheActivationTokenOn()
 void TestTrayLabel::menuShowsLiveRowsAndCommands()
 {
     startTray("gnome-shell");
-    QCOMPARE(menuTexts(),
-             (QStringList{u"Memory: 0 MB / 0 MB, 63 %"_s, u"GPU: 42 %, 0.00 W"_s,
-                          u"CPU: 0 %, 12.00 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
-                          u"Swap: 0 MB, of 0 MB"_s, u"-"_s, u"Open Window"_s, u"Quit"_s}));
+    QCOMPARE(
+        menuTexts(),
+        (QStringList{u"Memory: 0 MB / 0 MB, 63 %"_s, u"GPU: 42 %, 0.00 W"_s, u"CPU: 0 %, 12.00 W"_s,
+                     u"ANE: 0.00 W, Neural Engine"_s, u"Swap: 0 MB, of 0 MB"_s, u"-"_s,
+                     u"Open Window"_s, u"-"_s, u"About Corvane"_s, u"Check for Updates…"_s,
+                     u"Settings…"_s, u"-"_s, u"Quit"_s}));
     m_label->show(sample(64));
     QCOMPARE(menuTexts().value(0), u"Memory: 0 MB / 0 MB, 64 %"_s);
 
-    QSignalSpy openWindow(m_label.get(), &TrayLabel::openWindowRequested);
-    QSignalSpy quit(m_label.get(), &TrayLabel::quitRequested);
+    const QSignalSpy openWindow(m_commands.openWindow(), &QAction::triggered);
+    const QSignalSpy settings(m_commands.settings(), &QAction::triggered);
+    const QSignalSpy quit(m_commands.quit(), &QAction::triggered);
     const auto click = [this](int id) {
         callMenu(u"Event"_s, {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0u});
     };
     click(1); // A row: nothing.
     click(7);
-    click(8);
+    click(11);
+    click(13);
     QTRY_COMPARE(quit.count(), 1);
+    QCOMPARE(settings.count(), 1);
     QCOMPARE(openWindow.count(), 1);
 }
 
 void TestTrayLabel::constantValuesSendNothing()
 {
     startTray("kded6");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second) {
         SystemMetrics current = sample(63);
@@ -327,6 +351,7 @@ void TestTrayLabel::constantValuesSendNothing()
 void TestTrayLabel::changingValuesSendWhatTheyNeed()
 {
     startTray("kded6");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second)
         m_label->show(sample(10 + second, 20 + second / 2));
@@ -341,6 +366,7 @@ void TestTrayLabel::changingValuesSendWhatTheyNeed()
 void TestTrayLabel::aChangingTextSendsTheText()
 {
     startTray("gnome-shell");
+    waitForTheCheck();
     BusMonitor monitor(m_bus->address());
     for (int second = 0; second < 60; ++second)
         m_label->show(sample(10 + second));
@@ -353,6 +379,7 @@ void TestTrayLabel::aChangingTextSendsTheText()
 void TestTrayLabel::menuRowsAreSentOnlyWhileOpen()
 {
     startTray("gnome-shell");
+    waitForTheCheck();
     const auto tell = [this](const QString &event) {
         callMenu(u"Event"_s, {0, event, QVariant::fromValue(QDBusVariant(0)), 0u});
     };
@@ -427,6 +454,79 @@ void TestTrayLabel::comesBackAfterTheBus()
     m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
     QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, 30'000);
     QCOMPARE(text(u"IconAccessibleDesc"_s), u"Memory 77 %, GPU 41 %, Power 12 W"_s);
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("separator");
+    QTest::newRow("lists name and path") << QString();
+    QTest::newRow("lists name, @ and path") << u"@"_s;
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone()
+{
+    QFETCH(QString, separator);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->setSeparator(separator);
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    QTest::qWait(3000); // Time enough to register once more, or to ask again.
+    QCOMPARE(monitor.membersSince(squareIds), QStringList());
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew_data()
+{
+    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<int>("lost");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("one of three") << "lxqt-panel"_ba << 2 << squareIds;
+    QTest::newRow("in a tray that puts new ones first") << "panel-6-systray"_ba << 2 << reversed;
+    QTest::newRow("the only one") << "gnome-shell"_ba << 1 << QStringList{u"corvane"_s};
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(int, lost);
+    QFETCH(QStringList, expected);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), program.constData());
+    m_tray->loseRegistrations(lost);
+    const int count = static_cast<int>(expected.size());
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->registrations(), 2 * count, 30'000);
+    QTRY_COMPARE(m_tray->items().size(), count);
+    QCOMPARE(ids(), expected);
+}
+
+void TestTrayLabel::aTrayThatAlwaysLosesAnItemIsLeftAlone()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
+    m_tray->loseRegistrations(1, 100);
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->listings(), 3, 30'000);
+    QTest::qWait(3000);
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::comesInOrderToATrayThatAnswersLate()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "panel-6-systray");
+    m_tray->setDelay(1500ms);
+    QTRY_COMPARE(m_tray->items().size(), 1);
+    QCOMPARE(m_tray->registrations(), 1); // The second waits for the first.
+    QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, 30'000);
+    QCOMPARE(ids(), (QStringList{squareIds[2], squareIds[1], squareIds[0]}));
+}
+
+void TestTrayLabel::comesInOrderToATrayThatStartsAnewInBetween()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    QTRY_COMPARE(m_tray->registrations(), 1);
+    m_tray.reset();
+    startTray("lxqt-panel");
+    QCOMPARE(ids(), squareIds);
+    waitForTheCheck();
+    QCOMPARE(m_tray->registrations(), 3);
 }
 
 void TestTrayLabel::aTrayThatHangsHoldsNobodyUp()

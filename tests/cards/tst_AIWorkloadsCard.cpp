@@ -64,6 +64,8 @@ private slots:
     void keepsNamesBeforeTheMemory();
     void bearsHostileTexts();
     void repaintsOnlyRowsThatChanged();
+    void repaintsAllThatMoved_data();
+    void repaintsAllThatMoved();
 };
 
 void TestAIWorkloadsCard::saysThatThereIsNone()
@@ -180,6 +182,36 @@ void TestAIWorkloadsCard::repaintsOnlyRowsThatChanged()
     shown.card.show(workloads);
     QCoreApplication::processEvents();
     QCOMPARE(list.region().boundingRect(), QRect(0, 44, 585, 34));
+}
+
+void TestAIWorkloadsCard::repaintsAllThatMoved_data()
+{
+    using Workloads = std::vector<AIWorkload>;
+    Workloads grown = scriptedWorkloads();
+    grown[1].memory *= 2;
+    Workloads unknown = scriptedWorkloads();
+    unknown[0].model = std::nullopt;
+    Workloads fewer = scriptedWorkloads();
+    fewer.resize(1);
+    QTest::addColumn<Workloads>("after");
+    QTest::newRow("a figure") << grown;
+    QTest::newRow("a model that is no longer known") << unknown;
+    QTest::newRow("rows go") << fewer;
+    QTest::newRow("all rows go") << Workloads();
+}
+
+/// What is on the screen after a change in parts is what a fresh painting shows.
+void TestAIWorkloadsCard::repaintsAllThatMoved()
+{
+    QFETCH(std::vector<AIWorkload>, after);
+    Shown shown;
+    for (const bool back : {false, true}) {
+        shown.card.show(back ? after : scriptedWorkloads());
+        const QImage screen = onScreen(shown.card);
+        shown.card.show(back ? scriptedWorkloads() : after);
+        QVERIFY(onScreen(shown.card) != screen);
+        QCOMPARE(leftBehind(shown.card), QRect());
+    }
 }
 
 QTEST_MAIN(TestAIWorkloadsCard)

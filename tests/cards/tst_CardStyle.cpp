@@ -57,7 +57,7 @@ void TestCardStyle::fillsAndStrokesInside()
     image.setDevicePixelRatio(scale);
     image.fill(Qt::black);
     QPainter painter(&image);
-    CardStyle::paint(painter, QRectF(10, 10, 80, 60));
+    CardStyle::paint(painter, QRectF(10, 10, 80, 60), QRect(0, 0, 100, 80));
     painter.end();
     const QColor fill(11, 11, 11); // White at 0.045.
     QVERIFY(isClose(pixelAt(image, 50, 40), fill, 1));

@@ -29,15 +29,18 @@ QStringList symbols()
     return names;
 }
 
+using Paint = void (*)(QPainter &, const QString &, const QRectF &, const QColor &);
+
 /// The icon in a box of that size with an empty margin around it.
-QImage painted(const QString &name, double size, double scale, const QColor &color = Qt::white)
+QImage painted(const QString &name, double size, double scale, const QColor &color = Qt::white,
+               Paint paint = paintIcon)
 {
     const int pixels = qCeil((size + 2 * margin) * scale);
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    paintIcon(painter, name, QRectF(margin, margin, size, size), color);
+    paint(painter, name, QRectF(margin, margin, size, size), color);
     return image;
 }
 
@@ -63,7 +66,7 @@ private slots:
     void everySymbolPaintsInsideItsBox_data();
     void everySymbolPaintsInsideItsBox();
     void noTwoSymbolsLookAlike();
-    void filledSymbolsKeepTheirCutOuts();
+    void filledDrawingsKeepTheirCutOuts();
     void tints();
     void fades();
     void anUnknownNamePaintsNothing();
@@ -105,11 +108,11 @@ void TestIcon::noTwoSymbolsLookAlike()
     }
 }
 
-void TestIcon::filledSymbolsKeepTheirCutOuts()
+void TestIcon::filledDrawingsKeepTheirCutOuts()
 {
     const double size = 32;
-    const QImage chip = painted(u"memorychip.fill"_s, size, 1);
-    const QImage processor = painted(u"cpu.fill"_s, size, 1);
+    const QImage chip = painted(u"memorychip.fill"_s, size, 1, Qt::white, paintDrawing);
+    const QImage processor = painted(u"cpu.fill"_s, size, 1, Qt::white, paintDrawing);
     const int centre = static_cast<int>(margin + size / 2);
     QCOMPARE(chip.pixelColor(centre, centre - 2).alpha(), 0); // The middle die.
     QCOMPARE(chip.pixelColor(centre + 4, centre - 2).alpha(), 255);

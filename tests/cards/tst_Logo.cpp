@@ -19,18 +19,21 @@ private slots:
 void TestLogo::fillsItsSquareAtEverySize_data()
 {
     QTest::addColumn<int>("side");
+    QTest::addColumn<LogoSize>("size");
     for (const int side : {16, 28, 64})
-        QTest::addRow("%d points", side) << side;
+        QTest::addRow("%d points", side) << side << LogoSize::small;
+    QTest::addRow("large") << 72 << LogoSize::large;
 }
 
 void TestLogo::fillsItsSquareAtEverySize()
 {
     QFETCH(int, side);
+    QFETCH(LogoSize, size);
     QImage picture(side + 4, side + 4, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintLogo(painter, QRectF(2, 2, side, side));
+    paintLogo(painter, QRectF(2, 2, side, side), size);
     painter.end();
 
     const auto alphaAt = [&](int x, int y) { return picture.pixelColor(x, y).alpha(); };

@@ -2,6 +2,7 @@
 #include "cards/Theme.h"
 
 #include <QFontMetricsF>
+#include <QPainter>
 #include <QTest>
 
 using namespace corvane;
@@ -9,15 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-MarkdownStyle style()
+const MarkdownStyle &style()
 {
-    MarkdownStyle style;
-    style.plain = Theme::systemFont(11);
-    style.bold = Theme::systemFont(11, QFont::DemiBold);
-    style.italic = style.plain;
-    style.italic.setItalic(true);
-    style.code = Theme::monospacedFont(11);
-    style.codePadding = 2;
+    static const MarkdownStyle style = markdownStyle(11);
     return style;
 }
 
@@ -50,6 +45,8 @@ private slots:
     void keepsCodeOnOneLine();
     void breaksWhatIsWiderThanALine();
     void staysWithinTheWidth();
+    void standsInTheFontsOfTheTheme();
+    void paintsCodeOnAPlate();
 };
 
 void TestMarkdown::takesMarksOff_data()
@@ -131,6 +128,42 @@ void TestMarkdown::staysWithinTheWidth()
     QVERIFY(layout.lineCount > 9);
     for (const MarkdownPiece &piece : layout.pieces)
         QVERIFY2(piece.x + piece.width <= 120, qPrintable(piece.run.text));
+}
+
+void TestMarkdown::standsInTheFontsOfTheTheme()
+{
+    QCOMPARE(style().font(Emphasis::none), Theme::systemFont(11));
+    QCOMPARE(style().font(Emphasis::bold).weight(), QFont::DemiBold);
+    QVERIFY(style().font(Emphasis::italic).italic());
+    QCOMPARE(style().font(Emphasis::code).family(), Theme::monospacedFont(11).family());
+    QCOMPARE(style().font(Emphasis::code).pixelSize(), 10);
+}
+
+void TestMarkdown::paintsCodeOnAPlate()
+{
+    MarkdownStyle lines = style();
+    lines.lineHeight = 16;
+    lines.codeBox = {2, 12};
+    lines.baseline = 11.5;
+    const MarkdownLayout layout = layOut(markdownRuns(u"`mmmm`\nmmmm"_s), lines, 200);
+    QImage picture(100, 40, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintMarkdown(painter, {10, 4}, layout, lines, Qt::red);
+    painter.end();
+
+    const auto alpha = [&](int x, int y) { return picture.pixelColor(x, y).alpha(); };
+    QCOMPARE(alpha(14, 5), 0);
+    QVERIFY2(alpha(14, 6) > 0, "the plate begins two points below the line's top");
+    QVERIFY(alpha(14, 17) > 0);
+    QCOMPARE(alpha(14, 18), 0);
+    bool isRed = false;
+    for (int x = 10; x < 60; ++x) {
+        const QColor color = picture.pixelColor(x, 29);
+        isRed = isRed || (color.red() > 200 && color.green() < 20 && color.alpha() > 100);
+    }
+    QVERIFY2(isRed, "plain text has the colour that was asked for");
 }
 
 QTEST_MAIN(TestMarkdown)

@@ -55,6 +55,8 @@ private slots:
     void stacksItsBands();
     void saysTheHoveredValues();
     void showsItsLegend();
+    void repaintsAllThatMoved_data();
+    void repaintsAllThatMoved();
     void bearsHugePower();
 };
 
@@ -189,6 +191,33 @@ void TestPowerCard::showsItsLegend()
     const QImage image = rendered(shown.card, 2);
     QVERIFY(isClose(pixelAt(image, 19, 53), Theme::cpu()));
     QCOMPARE(shown.card.chart()->geometry(), QRect(16, 72, 585, 174));
+}
+
+void TestPowerCard::repaintsAllThatMoved_data()
+{
+    History earlier = scriptedHistory();
+    earlier.pop_back();
+    History hot = steady(30);
+    hot.back().chip->packageTempC = 60;
+    QTest::addColumn<History>("before");
+    QTest::addColumn<History>("after");
+    QTest::newRow("another second") << earlier << scriptedHistory();
+    QTest::newRow("a longer text") << steady(3) << steady(300);
+    QTest::newRow("a shorter text") << hot << steady(3);
+    QTest::newRow("no readings any more") << scriptedHistory() << historyWithoutChip();
+}
+
+/// What is on the screen after a change in parts is what a fresh painting shows.
+void TestPowerCard::repaintsAllThatMoved()
+{
+    QFETCH(History, before);
+    QFETCH(History, after);
+    Shown shown;
+    shown.show(before);
+    const QImage screen = onScreen(shown.card);
+    shown.show(after);
+    QVERIFY(onScreen(shown.card) != screen);
+    QCOMPARE(leftBehind(shown.card), QRect());
 }
 
 void TestPowerCard::bearsHugePower()

@@ -48,6 +48,8 @@ private slots:
     void fillsBarsByTheLargest_data();
     void fillsBarsByTheLargest();
     void repaintsOnlyRowsThatChanged();
+    void repaintsAllThatMoved_data();
+    void repaintsAllThatMoved();
     void bearsHostileNames();
 };
 
@@ -153,6 +155,36 @@ void TestProcessCard::repaintsOnlyRowsThatChanged()
     card.card.show(rows, 64 * gib);
     QCoreApplication::processEvents();
     QCOMPARE(watch.region().boundingRect(), QRect(0, 60, 585, 20));
+}
+
+void TestProcessCard::repaintsAllThatMoved_data()
+{
+    using Rows = std::vector<ProcessRow>;
+    Rows grown = scriptedProcesses();
+    grown[3].memory += gib;
+    Rows swapped = scriptedProcesses();
+    std::swap(swapped[1], swapped[2]);
+    Rows fewer = scriptedProcesses();
+    fewer.resize(3);
+    QTest::addColumn<Rows>("after");
+    QTest::newRow("a figure") << grown;
+    QTest::newRow("two rows change places") << swapped;
+    QTest::newRow("rows go") << fewer;
+    QTest::newRow("all rows go") << Rows();
+}
+
+/// What is on the screen after a change in parts is what a fresh painting shows.
+void TestProcessCard::repaintsAllThatMoved()
+{
+    QFETCH(std::vector<ProcessRow>, after);
+    Shown shown;
+    for (const bool back : {false, true}) {
+        shown.card.show(back ? after : scriptedProcesses(), 64 * gib);
+        const QImage screen = onScreen(shown.card);
+        shown.card.show(back ? scriptedProcesses() : after, 64 * gib);
+        QVERIFY(onScreen(shown.card) != screen);
+        QCOMPARE(leftBehind(shown.card), QRect());
+    }
 }
 
 void TestProcessCard::bearsHostileNames()

@@ -58,6 +58,8 @@ private slots:
     void saysTheHoveredValues_data();
     void saysTheHoveredValues();
     void repaintsOnlyWhatChanged();
+    void repaintsAllThatMoved_data();
+    void repaintsAllThatMoved();
     void bearsManyCores_data();
     void bearsManyCores();
 };
@@ -214,6 +216,51 @@ void TestUtilizationCard::repaintsOnlyWhatChanged()
     QCoreApplication::processEvents();
     QVERIFY(!watch.region().isEmpty());
     QVERIFY(!watch.region().intersects(QRect(0, 0, 400, 46)));
+}
+
+void TestUtilizationCard::repaintsAllThatMoved_data()
+{
+    const ChipReading idle{.cpuCoreUtilizations = std::vector<double>(8, 0)};
+    ChipReading busy{.cpuWatts = 16.69,
+                     .gpuWatts = 31.62,
+                     .aneWatts = 11.35,
+                     .cpuActiveFraction = 1,
+                     .gpuActiveFraction = 1,
+                     .cpuActiveMHz = 3270,
+                     .gpuDominantState = u"P12"_s,
+                     .cpuCoreUtilizations = std::vector<double>(8, 1),
+                     .cpuTempC = 74,
+                     .gpuTempC = 101,
+                     .aneTempC = 68};
+    ChipReading oneCore = busy;
+    oneCore.cpuCoreUtilizations[3] = 0.2;
+    ChipReading moreCores = busy;
+    moreCores.cpuCoreUtilizations.resize(40, 0.5);
+    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<ChipReading>("before");
+    QTest::addColumn<ChipReading>("after");
+    for (const UtilizationKind kind :
+         {UtilizationKind::cpu, UtilizationKind::gpu, UtilizationKind::ane}) {
+        const int number = static_cast<int>(kind);
+        QTest::addRow("kind %d gets busy", number) << kind << idle << busy;
+        QTest::addRow("kind %d gets idle", number) << kind << busy << idle;
+    }
+    QTest::newRow("one core alone") << UtilizationKind::cpu << busy << oneCore;
+    QTest::newRow("another number of cores") << UtilizationKind::cpu << busy << moreCores;
+}
+
+/// What is on the screen after a change in parts is what a fresh painting shows.
+void TestUtilizationCard::repaintsAllThatMoved()
+{
+    QFETCH(UtilizationKind, kind);
+    QFETCH(ChipReading, before);
+    QFETCH(ChipReading, after);
+    Shown shown(kind);
+    shown.show(before);
+    const QImage screen = onScreen(shown.card);
+    shown.show(after);
+    QVERIFY(onScreen(shown.card) != screen);
+    QCOMPARE(leftBehind(shown.card), QRect());
 }
 
 void TestUtilizationCard::bearsManyCores_data()

@@ -24,6 +24,7 @@ private slots:
     void paintsTrackAndFill();
     void captionsStandUnderTheirBars();
     void fewerCaptionsAreWider();
+    void repaintsAllThatMoved();
     void emptyPaintsNothing();
     void speaks();
     void manyCoresAndHostileNumbers();
@@ -182,6 +183,23 @@ void TestCoreBars::fewerCaptionsAreWider()
         inTheMiddle |=
             pixelAt(image, 50 - 2, y).alpha() > 0 || pixelAt(image, 50 + 2, y).alpha() > 0;
     QVERIFY(inTheMiddle);
+}
+
+/// What is on the screen after each change is what a fresh painting shows.
+void TestCoreBars::repaintsAllThatMoved()
+{
+    CoreBars bars;
+    bars.resize(180, 52);
+    bars.QWidget::show();
+    QImage screen = onScreen(bars);
+    for (const std::vector<double> &values :
+         {std::vector<double>{0.2, 0.9, 0.5}, {0.2, 0.1, 0.5}, {1, 1, 1, 1, 1}, {}}) {
+        bars.show(fittedCoreBars(values, Theme::cpu(), 180));
+        const QImage next = onScreen(bars);
+        QVERIFY(next != screen);
+        screen = next;
+        QCOMPARE(leftBehind(bars), QRect());
+    }
 }
 
 void TestCoreBars::emptyPaintsNothing()

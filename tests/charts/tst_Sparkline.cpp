@@ -97,6 +97,7 @@ private slots:
     void cursorShowsOnDegenerateCharts();
     void cursorFollowsThePointer();
     void cursorSurvivesNewData();
+    void repaintsAllThatMoved();
     void cursorVanishesWithTheChart();
     void pillKeepsInsideTheChart_data() { addScales(); }
     void pillKeepsInsideTheChart();
@@ -381,6 +382,37 @@ void TestSparkline::cursorSurvivesNewData()
     const std::size_t before = asked.size();
     chart.show(later);
     QVERIFY(asked.size() > before);
+}
+
+/// What is on the screen after each change is what a fresh painting shows.
+void TestSparkline::repaintsAllThatMoved()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.setHoverPill(indexPill);
+    chart.QWidget::show();
+    SparklineData data = plain({area({1, 9, 3, 4}, red)});
+    data.showsTimeLabels = true;
+    SparklineData later = data;
+    later.series[0].values = {9, 3, 4, 1};
+    later.xDomain = {10, 40};
+    const std::vector<std::function<void()>> changes{
+        [&] { chart.show(data); },
+        [&] { hover(chart, 20); },
+        [&] { hover(chart, 290); },
+        [&] { chart.show(later); },
+        [&] { chart.setHoverPill({}); },
+        [&] { leave(chart); },
+        [&] { chart.setLocale(QLocale(QLocale::Arabic, QLocale::Egypt)); },
+        [&] { chart.show(plain({})); }};
+    QImage screen = onScreen(chart);
+    for (const std::function<void()> &change : changes) {
+        change();
+        const QImage next = onScreen(chart);
+        QVERIFY(next != screen);
+        screen = next;
+        QCOMPARE(leftBehind(chart), QRect());
+    }
 }
 
 void TestSparkline::cursorVanishesWithTheChart()

@@ -4,7 +4,12 @@
 //
 // Without a scale it runs itself at 1 and at 2, since the scale of a program is set at its start.
 
+#include "app/AboutPanel.h"
+#include "app/LaunchAtLoginManager.h"
 #include "app/MainWindow.h"
+#include "app/SettingsWindow.h"
+#include "app/SystemUpdater.h"
+#include "app/UpdaterManager.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/InfoButton.h"
 #include "cards/InfoPopover.h"
@@ -190,6 +195,60 @@ bool cards(const Gallery &gallery)
         && good;
 }
 
+/// A login item as a system keeps it, or one that refuses every change.
+LoginItem loginItem(bool isOn, const std::optional<QString> &error = {})
+{
+    return {.isEnabled = [isOn] { return isOn; },
+            .enable = [error] { return error; },
+            .disable = [error] { return error; }};
+}
+
+/// Updates that can be looked for; what was found is said where there is something to say.
+class ScriptedUpdater : public SystemUpdater {
+public:
+    explicit ScriptedUpdater(std::optional<QString> finding = {})
+        : m_finding(std::move(finding)) { }
+
+    bool automaticallyChecks() const override { return true; }
+    void setAutomaticallyChecks(bool) override { }
+    bool canCheck() const override { return true; }
+    void check() override { }
+    std::optional<QString> finding() const override { return m_finding; }
+
+private:
+    std::optional<QString> m_finding;
+};
+
+bool settings(const Gallery &gallery)
+{
+    LaunchAtLoginManager on(loginItem(true));
+    LaunchAtLoginManager refused(
+        loginItem(false, u"The operation couldn’t be completed. Operation not permitted"_s));
+    UpdaterManager updater(std::make_unique<ScriptedUpdater>());
+    UpdaterManager withFinding(std::make_unique<ScriptedUpdater>(
+        u"Corvane 0.2.0 is available. Your system's software updater installs it."_s));
+
+    SettingsWindow general(on, updater);
+    bool good = gallery.save(general, u"settings-general"_s);
+    refused.setEnabled(true);
+    SettingsWindow error(refused, updater);
+    good &= gallery.save(error, u"settings-general-error"_s);
+    SettingsWindow updates(on, updater);
+    updates.showTab(SettingsTab::updates);
+    good &= gallery.save(updates, u"settings-updates"_s);
+    SettingsWindow finding(on, withFinding);
+    finding.showTab(SettingsTab::updates);
+    return gallery.save(finding, u"settings-updates-finding"_s) && good;
+}
+
+bool about(const Gallery &gallery)
+{
+    AboutPanel panel;
+    AboutPanel mac(AboutTexts::current(bundleVersion(), HostSystem::mac));
+    const bool good = gallery.save(panel, u"about"_s);
+    return gallery.save(mac, u"about-mac"_s) && good;
+}
+
 int renderAll(const QDir &folder, const QString &scale)
 {
     const Gallery gallery(folder, scale);
@@ -197,6 +256,8 @@ int renderAll(const QDir &folder, const QString &scale)
     good &= memoryPressure(gallery);
     good &= infoPopover(gallery);
     good &= cards(gallery);
+    good &= settings(gallery);
+    good &= about(gallery);
     return good ? 0 : 1;
 }
 

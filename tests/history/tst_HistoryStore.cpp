@@ -50,6 +50,7 @@ private slots:
     void dropsARecordThatIsNotFinite();
     void finishesItsWritesBeforeItIsGone();
     void seesEveryAppendBeforeALoad();
+    void writesOnlyWhileNoOtherStoreDoes();
     void doesNotRecreateADeletedFile();
     void survivesTheLossOfItsFolder();
     void survivesAFileInPlaceOfItsFolder();
@@ -271,6 +272,26 @@ void TestHistoryStore::seesEveryAppendBeforeALoad()
         QCOMPARE(newest.front().t, static_cast<double>(number));
     }
     QCOMPARE(contents(), lines(61, 200));
+}
+
+void TestHistoryStore::writesOnlyWhileNoOtherStoreDoes()
+{
+    HistoryStore second(m_directory);
+    {
+        HistoryStore first(m_directory);
+        first.append(record(1));
+        QCOMPARE(first.loadLast(1).size(), 1U);
+
+        second.append(record(2));
+        second.trim(0);
+        QCOMPARE(second.loadLast(10).size(), 1U); // It reads all the same.
+        QCOMPARE(contents(), line(1));
+
+        first.append(record(3));
+    }
+    second.append(record(4));
+    QCOMPARE(second.loadLast(10).size(), 3U);
+    QCOMPARE(contents(), line(1) + line(3) + line(4));
 }
 
 void TestHistoryStore::doesNotRecreateADeletedFile()

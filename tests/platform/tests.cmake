@@ -1,4 +1,5 @@
 corvane_test(platform/tst_BootClock LINK corvane::platform)
+corvane_test(platform/tst_FolderLock LINK corvane::platform)
 corvane_test(platform/tst_KernelText LINK corvane::platform)
 
 corvane_test(platform/tst_BackgroundJob THREADED LINK corvane::jobs)
@@ -11,3 +12,4 @@ endif()
 corvane_test(platform/tst_ThreadPriority SYSTEM linux THREADED LINK corvane::jobs)
 corvane_test(platform/tst_KernelFile SYSTEM linux LINK corvane::platform)
 corvane_test(platform/tst_KernelFolder SYSTEM linux LINK corvane::platform)
+corvane_test(platform/tst_Heap SYSTEM linux LINK corvane::platform)

@@ -28,6 +28,7 @@ private slots:
     void findsAFileThatComesLater();
     void followsLinks();
     void readsRecordsToTheEnd();
+    void readsOneRecordAtOnce();
     void aRefusedFileReadsAsNothing();
     void aFailedReadIsTriedAgain();
     void movesWithItsDescriptor();
@@ -185,6 +186,21 @@ void TestKernelFile::readsRecordsToTheEnd()
     const auto read = readKernelFile(symbols, limit);
     QVERIFY(read);
     QCOMPARE(read->size(), limit);
+}
+
+void TestKernelFile::readsOneRecordAtOnce()
+{
+    // However long, as that of a machine with hundreds of processors.
+    const QByteArray record(10'000, 'r');
+    write(u"file"_s, record);
+    KernelFile file(path(u"file"_s), KernelFileKind::oneRecord);
+    QCOMPARE(contentsOf(file), Contents(record.toStdString()));
+    QCOMPARE(contentsOf(file), Contents(record.toStdString()));
+
+    // A file that comes by records shows that there is no second read.
+    KernelFile symbols("/proc/kallsyms", KernelFileKind::oneRecord);
+    if (const auto text = symbols.read())
+        QVERIFY(text->size() <= std::size_t(sysconf(_SC_PAGESIZE)));
 }
 
 void TestKernelFile::aRefusedFileReadsAsNothing()

@@ -3,6 +3,7 @@
 #include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QTest>
+#include <QTimer>
 
 #include <sys/prctl.h>
 
@@ -25,6 +26,10 @@ FakeTray::FakeTray(const QString &address, const char *program)
     : m_bus(QDBusConnection::connectToBus(address, u"fake-tray"_s))
 {
     prctl(PR_SET_NAME, program);
+    m_nameWatcher.setConnection(m_bus);
+    m_nameWatcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(&m_nameWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this](const QString &item) { m_items.removeAll(item); });
     m_bus.registerObject(u"/StatusNotifierWatcher"_s, this,
                          QDBusConnection::ExportScriptableContents);
     if (!m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s))
@@ -43,6 +48,12 @@ void FakeTray::setHost(bool present)
         emit StatusNotifierHostRegistered();
     else
         emit StatusNotifierHostUnregistered();
+}
+
+void FakeTray::loseRegistrations(int number, int count)
+{
+    m_firstLost = number;
+    m_lost = count;
 }
 
 QVariant FakeTray::property(const QString &item, const QString &name)
@@ -66,8 +77,34 @@ QVariantList FakeTray::call(const QString &item, const QString &path, const QStr
 
 void FakeTray::RegisterStatusNotifierItem(const QString &item)
 {
-    m_items.append(item);
+    const int number = ++m_registrations;
+    if (m_delay.count() == 0) {
+        take(item, number);
+        return;
+    }
+    setDelayedReply(true);
+    QTimer::singleShot(m_delay, this, [this, item, number, call = message()] {
+        m_bus.send(call.createReply());
+        take(item, number);
+    });
+}
+
+void FakeTray::take(const QString &item, int number)
+{
+    if (number < m_firstLost || number >= m_firstLost + m_lost) {
+        m_items.append(item);
+        m_nameWatcher.addWatchedService(item);
+    }
     m_bus.asyncCall(propertyCall(item, u"IconPixmap"_s));
+}
+
+QStringList FakeTray::listItems()
+{
+    ++m_listings;
+    QStringList list;
+    for (const QString &item : m_items)
+        list.append(item + m_separator + "/StatusNotifierItem"_L1);
+    return list;
 }
 
 } // namespace corvane::test

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QColor>
+#include <QCoreApplication>
 #include <QImage>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QWidget>
 
 namespace corvane::test {
@@ -32,6 +34,30 @@ inline bool isClose(const QColor &actual, const QColor &expected, int tolerance 
         && std::abs(actual.green() - expected.green()) <= tolerance
         && std::abs(actual.blue() - expected.blue()) <= tolerance
         && std::abs(actual.alpha() - expected.alpha()) <= tolerance;
+}
+
+/// What stands on the screen of a shown window when all that was asked for has been painted.
+inline QImage onScreen(QWidget &window)
+{
+    QCoreApplication::processEvents();
+    return window.screen()->grabWindow(window.winId()).toImage();
+}
+
+/// Around where the screen, painted in parts so far, is not what a fresh painting of all makes of
+/// it; null: nowhere.
+inline QRect leftBehind(QWidget &window)
+{
+    const QImage parts = onScreen(window);
+    window.repaint();
+    const QImage fresh = onScreen(window);
+    QRect different;
+    for (int y = 0; y < fresh.height(); ++y) {
+        for (int x = 0; x < fresh.width(); ++x) {
+            if (parts.pixel(x, y) != fresh.pixel(x, y))
+                different |= QRect(x, y, 1, 1);
+        }
+    }
+    return different;
 }
 
 /// Collects what is repainted of a widget from now on.

@@ -1,0 +1,19 @@
+#include "app/AboutPanel.h"
+
+#include "app/OwnWindow.h"
+
+#include <QPointer>
+
+namespace corvane {
+
+void showAboutPanel()
+{
+    static QPointer<AboutPanel> panel; // Gone when it is closed.
+    if (!isOpen(panel)) {
+        panel = new AboutPanel;
+        panel->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    bringForward(*panel);
+}
+
+} // namespace corvane

@@ -1,0 +1,57 @@
+#include "app/BusConnection.h"
+
+#include "app/SessionBus.h"
+
+#include <chrono>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+constexpr auto retryInterval = 3s;
+
+} // namespace
+
+BusConnection::BusConnection(const QString &name, QObject *parent)
+    : QObject(parent),
+      m_name(name),
+      m_bus(QString())
+{
+    m_retry.setInterval(retryInterval);
+    m_retry.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_retry, &QTimer::timeout, this, &BusConnection::open);
+    QMetaObject::invokeMethod(this, &BusConnection::open, Qt::QueuedConnection);
+}
+
+BusConnection::~BusConnection()
+{
+    QDBusConnection::disconnectFromBus(m_name);
+}
+
+void BusConnection::open()
+{
+    m_address = sessionBusAddress();
+    if (!m_address.isEmpty())
+        m_bus = QDBusConnection::connectToBus(m_address, m_name);
+    if (!m_bus.isConnected()) {
+        lose();
+        return;
+    }
+    m_retry.stop();
+    m_bus.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
+                  u"Disconnected"_s, this, SLOT(lose()));
+    emit connected();
+}
+
+void BusConnection::lose()
+{
+    QDBusConnection::disconnectFromBus(m_name);
+    m_bus = QDBusConnection(QString());
+    m_retry.start();
+    emit lost();
+}
+
+} // namespace corvane

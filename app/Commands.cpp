@@ -1,0 +1,94 @@
+#include "app/Commands.h"
+
+#include "app/UpdaterManager.h"
+#include "cards/Theme.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QAction *makeLine(QObject *parent)
+{
+    auto *line = new QAction(parent);
+    line->setSeparator(true);
+    return line;
+}
+
+/// The menu stands on dark views, whatever the desktop's own colours are.
+QPalette menuPalette()
+{
+    QPalette palette;
+    // Light is the shadow that some styles give to text that is disabled.
+    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light})
+        palette.setColor(role, Theme::popoverFill());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(role, Theme::textPrimary());
+        palette.setColor(QPalette::Disabled, role, Theme::textTertiary());
+    }
+    palette.setColor(QPalette::Highlight, Theme::switchOn());
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
+}
+
+} // namespace
+
+Commands::Commands(QObject *parent, HostSystem system)
+    : QObject(parent),
+      m_openWindow(new QAction(u"Open Window"_s, this)),
+      m_about(new QAction(u"About Corvane"_s, this)),
+      m_checkForUpdates(new QAction(u"Check for Updates…"_s, this)),
+      m_settings(new QAction(u"Settings…"_s, this)),
+      m_quit(new QAction(u"Quit"_s, this)),
+      m_lines{makeLine(this), makeLine(this)}
+{
+    m_openWindow->setMenuRole(QAction::NoRole);
+    m_about->setMenuRole(QAction::AboutRole);
+    m_checkForUpdates->setMenuRole(QAction::ApplicationSpecificRole);
+    m_settings->setMenuRole(QAction::PreferencesRole);
+    m_quit->setMenuRole(QAction::QuitRole);
+
+    m_settings->setShortcut(Qt::CTRL | Qt::Key_Comma);
+    m_quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    if (system == HostSystem::linuxDesktop)
+        m_about->setShortcut(Qt::Key_F1);
+}
+
+void Commands::follow(const UpdaterManager &updater)
+{
+    m_checkForUpdates->setEnabled(updater.canCheck());
+    connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
+}
+
+QList<QAction *> Commands::inMenuOrder() const
+{
+    return {m_openWindow, m_lines[0], m_about, m_checkForUpdates, m_settings, m_lines[1], m_quit};
+}
+
+std::unique_ptr<QMenuBar> Commands::makeMenuBar() const
+{
+    auto bar = std::make_unique<QMenuBar>();
+    bar->addMenu(u"File"_s)->addActions({m_about, m_checkForUpdates, m_settings, m_quit});
+    bar->addMenu(u"Window"_s)->addAction(m_openWindow);
+    return bar;
+}
+
+QMenu *popUpActions(QWidget &widget, const QPoint &globalPosition)
+{
+    if (widget.actions().isEmpty())
+        return nullptr;
+    auto *menu = new QMenu(&widget);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setPalette(menuPalette());
+    menu->setFont(Theme::systemFont(12));
+    menu->addActions(widget.actions());
+    menu->popup(globalPosition);
+    return menu;
+}
+
+} // namespace corvane

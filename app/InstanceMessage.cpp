@@ -1,0 +1,46 @@
+#include "app/InstanceMessage.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr std::string_view heading = "Corvane/1 open\n";
+
+/// As desktops make them they have less than a hundred characters.
+constexpr std::size_t longestToken = 1024;
+
+static_assert(heading.size() + longestToken < longestInstanceMessage);
+
+} // namespace
+
+std::string instanceMessageBytes(const InstanceMessage &message)
+{
+    std::string bytes(heading);
+    if (isActivationToken(message.activationToken))
+        bytes += message.activationToken;
+    return bytes + '\n';
+}
+
+std::optional<InstanceMessage> parseInstanceMessage(std::string_view bytes)
+{
+    if (!bytes.starts_with(heading) || bytes.back() != '\n')
+        return std::nullopt;
+    bytes.remove_prefix(heading.size());
+    if (bytes == "\n")
+        return InstanceMessage{};
+    if (bytes.empty() || !isActivationToken(bytes.substr(0, bytes.size() - 1)))
+        return std::nullopt;
+    return InstanceMessage{.activationToken = std::string(bytes.substr(0, bytes.size() - 1))};
+}
+
+bool isActivationToken(std::string_view text)
+{
+    constexpr auto isPrintable = [](char character) {
+        return character >= ' ' && character <= '~';
+    };
+    return !text.empty() && text.size() <= longestToken && std::ranges::all_of(text, isPrintable);
+}
+
+} // namespace corvane

@@ -1,0 +1,13 @@
+#include "app/SessionBus.h"
+
+namespace corvane {
+
+/// A Mac has none.
+QString sessionBusAddress()
+{
+    return {};
+}
+
+void startNoSessionBus() { }
+
+} // namespace corvane

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QWidget>
+
+#include <array>
+
+namespace corvane {
+
+class LaunchAtLoginManager;
+class SettingsPage;
+class SettingsTabs;
+class UpdaterManager;
+
+enum class SettingsTab { general, updates };
+
+/// The settings: what starts the program and what updates it, a tab each. Made by the application
+/// when they are opened; main thread. They show what the system says each time they come to the
+/// front. Escape closes them.
+class SettingsWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater,
+                   QWidget *parent = nullptr);
+
+    void showTab(SettingsTab tab);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    void showPage(int index);
+    void readAgain();
+
+    LaunchAtLoginManager &m_launch;
+    UpdaterManager &m_updater;
+    SettingsTabs *m_tabs;
+    std::array<SettingsPage *, 2> m_pages; ///< In the order of the tabs.
+};
+
+} // namespace corvane

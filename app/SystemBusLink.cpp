@@ -1,0 +1,30 @@
+#include "app/SystemBusLink.h"
+
+#include <atomic>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QString nextName()
+{
+    static std::atomic<int> count = 0;
+    return u"corvane-system-bus-%1"_s.arg(++count);
+}
+
+} // namespace
+
+SystemBusLink::SystemBusLink()
+    : m_name(nextName()),
+      m_bus(QDBusConnection::connectToBus(QDBusConnection::SystemBus, m_name))
+{
+}
+
+SystemBusLink::~SystemBusLink()
+{
+    QDBusConnection::disconnectFromBus(m_name);
+}
+
+} // namespace corvane

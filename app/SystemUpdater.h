@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace corvane {
+
+/// What brings updates on this system. Owned by the UpdaterManager; main thread. A system where
+/// nothing can is one whose `canCheck` stays false.
+class SystemUpdater : public QObject {
+    Q_OBJECT
+
+public:
+    /// The user's choice, which the updater keeps.
+    virtual bool automaticallyChecks() const = 0;
+    virtual void setAutomaticallyChecks(bool on) = 0;
+
+    /// False while a check runs.
+    virtual bool canCheck() const = 0;
+
+    virtual void check() = 0;
+
+    /// Looks anew whether updates can come at all, where that may change.
+    virtual void refresh() { }
+
+    /// What the last check found, as one sentence; absent where the updater has windows of its own.
+    virtual std::optional<QString> finding() const { return std::nullopt; }
+
+signals:
+    void canCheckChanged();
+    void findingChanged();
+};
+
+/// This system's.
+std::unique_ptr<SystemUpdater> makeSystemUpdater();
+
+} // namespace corvane

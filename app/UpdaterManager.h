@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/BundleVersion.h"
+#include "app/SystemUpdater.h"
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+namespace corvane {
+
+/// The version as the settings show it: "0.1.0 (1)".
+QString versionText(const BundleVersion &bundle);
+
+/// Updates as the settings and the menus show them. Owned by the application state; main thread.
+class UpdaterManager : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool automaticallyChecks READ automaticallyChecks WRITE setAutomaticallyChecks NOTIFY
+                   automaticallyChecksChanged)
+    Q_PROPERTY(bool canCheck READ canCheck NOTIFY canCheckChanged)
+    Q_PROPERTY(std::optional<QString> finding READ finding NOTIFY findingChanged)
+
+public:
+    explicit UpdaterManager(QObject *parent = nullptr);
+    explicit UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *parent = nullptr);
+
+    bool automaticallyChecks() const { return m_automaticallyChecks; }
+
+    /// Tells observers, then the updater.
+    void setAutomaticallyChecks(bool on);
+
+    /// False while a check runs, and where no updates can come, once that is known: `refresh` asks.
+    bool canCheck() const { return m_canCheck; }
+
+    QString currentVersion() const { return versionText(bundleVersion()); }
+
+    /// What the last check found, as one sentence. Absent before the first one, and where the
+    /// system's updater shows it itself.
+    std::optional<QString> finding() const { return m_updater->finding(); }
+
+    void checkForUpdates();
+
+    /// To be called when the settings are shown: looks anew whether updates can come at all.
+    void refresh();
+
+signals:
+    void automaticallyChecksChanged(bool automaticallyChecks);
+    void canCheckChanged(bool canCheck);
+    void findingChanged();
+
+private:
+    const std::unique_ptr<SystemUpdater> m_updater;
+    bool m_automaticallyChecks;
+    bool m_canCheck;
+};
+
+} // namespace corvane

@@ -1,0 +1,7 @@
+#include "app/WindowStyle.h"
+
+namespace corvane {
+
+void hideTitleBar(NativeWindow, const QColor &) { }
+
+} // namespace corvane

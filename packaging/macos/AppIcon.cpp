@@ -1,0 +1,28 @@
+#include "packaging/macos/AppIcon.h"
+
+#include "cards/Logo.h"
+#include "cards/Theme.h"
+
+#include <QPainter>
+
+namespace corvane {
+
+QImage appIcon(int pixels)
+{
+    // Of 1024: the system's icons have a body of 824. Whole pixels keep small sizes sharp.
+    const int margin = 100 * pixels / 1024;
+    const QRectF body = QRectF(0, 0, pixels, pixels).adjusted(margin, margin, -margin, -margin);
+
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::windowGradient(image.size()));
+    const double radius = body.width() * largeLogoRadius;
+    painter.drawRoundedRect(body, radius, radius);
+    paintLogo(painter, body, LogoSize::large);
+    return image;
+}
+
+} // namespace corvane

@@ -1,0 +1,120 @@
+#include "app/CleanEnd.h"
+
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <array>
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Handler = void (*)(int);
+
+Handler handlerOf(int number)
+{
+    struct sigaction present = {};
+    sigaction(number, nullptr, &present);
+    return present.sa_handler;
+}
+
+} // namespace
+
+class TestCleanEnd : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void endsTheEventLoop_data();
+    void endsTheEventLoop();
+    void remembersASignalFromBeforeTheLoop();
+    void survivesAStorm();
+    void leavesIgnoredSignalsIgnored();
+    void givesTheSignalsBack();
+    void brokenPipesAreErrors();
+};
+
+/// As the system gives them to a program.
+void TestCleanEnd::init()
+{
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(number, SIG_DFL);
+}
+
+void TestCleanEnd::endsTheEventLoop_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void TestCleanEnd::endsTheEventLoop()
+{
+    QFETCH(const int, number);
+    const CleanEnd cleanEnd;
+    const QSignalSpy ended(qApp, &QCoreApplication::aboutToQuit);
+    QTimer::singleShot(0, qApp, [number] { raise(number); });
+    QCOMPARE(QGuiApplication::exec(), 0);
+    QCOMPARE(ended.count(), 1);
+}
+
+void TestCleanEnd::remembersASignalFromBeforeTheLoop()
+{
+    const CleanEnd cleanEnd;
+    raise(SIGTERM);
+    QCOMPARE(QGuiApplication::exec(), 0);
+}
+
+/// More than the pipe holds.
+void TestCleanEnd::survivesAStorm()
+{
+    const CleanEnd cleanEnd;
+    for (int count = 0; count < 100'000; ++count) {
+        errno = 0;
+        raise(SIGHUP);
+        QCOMPARE(errno, 0);
+    }
+    QCOMPARE(QGuiApplication::exec(), 0);
+}
+
+void TestCleanEnd::leavesIgnoredSignalsIgnored()
+{
+    std::signal(SIGHUP, SIG_IGN);
+    {
+        const CleanEnd cleanEnd;
+        QVERIFY(handlerOf(SIGHUP) == SIG_IGN);
+        QVERIFY(handlerOf(SIGTERM) != SIG_DFL);
+    }
+    QVERIFY(handlerOf(SIGHUP) == SIG_IGN);
+}
+
+void TestCleanEnd::givesTheSignalsBack()
+{
+    {
+        const CleanEnd cleanEnd;
+    }
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        QVERIFY(handlerOf(number) == SIG_DFL);
+}
+
+void TestCleanEnd::brokenPipesAreErrors()
+{
+    ignoreBrokenPipes();
+    std::array<int, 2> ends = {};
+    QCOMPARE(pipe(ends.data()), 0);
+    close(ends[0]);
+    QCOMPARE(write(ends[1], "x", 1), -1);
+    QCOMPARE(errno, EPIPE);
+    close(ends[1]);
+}
+
+QTEST_MAIN(TestCleanEnd)
+#include "tst_CleanEnd.moc"

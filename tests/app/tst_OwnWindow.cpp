@@ -1,0 +1,72 @@
+#include "app/OwnWindow.h"
+
+#include <QTest>
+
+using namespace corvane;
+
+class TestOwnWindow : public QObject {
+    Q_OBJECT
+
+private slots:
+    void aWindowThatWasClosedIsNotOpen();
+    void comesBackAsItWas();
+    void closesOnItsKeys_data();
+    void closesOnItsKeys();
+};
+
+void TestOwnWindow::aWindowThatWasClosedIsNotOpen()
+{
+    QVERIFY(!isOpen(nullptr));
+    QWidget window;
+    QVERIFY(!isOpen(&window));
+    window.show();
+    QVERIFY(isOpen(&window));
+    window.showMinimized();
+    QVERIFY(isOpen(&window));
+    window.close();
+    QVERIFY(!isOpen(&window));
+}
+
+void TestOwnWindow::comesBackAsItWas()
+{
+    QWidget window;
+    window.showMaximized();
+    window.setWindowState(window.windowState() | Qt::WindowMinimized);
+    bringForward(window);
+    QVERIFY(window.isMaximized());
+    QVERIFY(!window.isMinimized());
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+}
+
+void TestOwnWindow::closesOnItsKeys_data()
+{
+    QTest::addColumn<bool>("isSmall");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<bool>("closes");
+    const Qt::KeyboardModifiers none;
+    const Qt::KeyboardModifiers control = Qt::ControlModifier;
+    QTest::newRow("Control and W") << false << int(Qt::Key_W) << control << true;
+    QTest::newRow("W alone") << false << int(Qt::Key_W) << none << false;
+    QTest::newRow("Escape in a large window") << false << int(Qt::Key_Escape) << none << false;
+    QTest::newRow("Escape in a small window") << true << int(Qt::Key_Escape) << none << true;
+}
+
+void TestOwnWindow::closesOnItsKeys()
+{
+    QFETCH(bool, isSmall);
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(bool, closes);
+    QWidget window;
+    closeOnUsualKey(window);
+    if (isSmall)
+        closeOnEscape(window);
+    bringForward(window);
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key(key), modifiers);
+    QCOMPARE(isOpen(&window), !closes);
+}
+
+QTEST_MAIN(TestOwnWindow)
+#include "tst_OwnWindow.moc"

@@ -1,0 +1,319 @@
+#include "app/GeneralSettings.h"
+#include "app/LaunchAtLoginManager.h"
+#include "app/PanelButton.h"
+#include "app/SettingsNote.h"
+#include "app/SettingsTabs.h"
+#include "app/SettingsWindow.h"
+#include "app/Switch.h"
+#include "app/SystemUpdater.h"
+#include "app/UpdateSettings.h"
+#include "app/UpdaterManager.h"
+
+#include <QPointer>
+#include <QTest>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The system's list of what starts at login.
+struct Login {
+    LoginItem item()
+    {
+        return {.isEnabled =
+                    [this] {
+                        ++reads;
+                        return isOn;
+                    },
+                .enable = [this] { return change(true); },
+                .disable = [this] { return change(false); }};
+    }
+
+    std::optional<QString> change(bool on)
+    {
+        if (!error)
+            isOn = on;
+        return error;
+    }
+
+    bool isOn = false;
+    int reads = 0;
+    std::optional<QString> error = {}; ///< Of each change.
+};
+
+/// Updates that a test finds.
+class Updates : public SystemUpdater {
+public:
+    bool automaticallyChecks() const override { return automatic; }
+    void setAutomaticallyChecks(bool on) override { automatic = on; }
+    bool canCheck() const override { return !isChecking; }
+    void check() override
+    {
+        ++checks;
+        setChecking(true);
+    }
+    void refresh() override { ++refreshes; }
+    std::optional<QString> finding() const override { return found; }
+
+    void setChecking(bool on)
+    {
+        isChecking = on;
+        emit canCheckChanged();
+    }
+    void find(const QString &sentence)
+    {
+        found = sentence;
+        emit findingChanged();
+    }
+
+    bool automatic = false;
+    bool isChecking = false;
+    int checks = 0;
+    int refreshes = 0;
+    std::optional<QString> found = {};
+};
+
+/// The settings of a program, in sight.
+struct Shown {
+    Shown() { window.show(); }
+
+    /// The switch of the page in sight.
+    Switch &theSwitch() const
+    {
+        const auto switches = window.findChildren<Switch *>();
+        return *(switches[0]->isVisible() ? switches[0] : switches[1]);
+    }
+
+    /// The texts in sight, headings and rows first, then the notes from top to bottom.
+    QStringList texts() const
+    {
+        QStringList all;
+        for (const SpokenWidget *part : window.findChildren<SpokenWidget *>()) {
+            if (!part->isVisible())
+                continue;
+            for (const SpokenText &text : part->spokenTexts())
+                all.append(text.name.isEmpty() ? text.value : text.name + u": "_s + text.value);
+        }
+        return all;
+    }
+
+    Login login;
+    Updates *updates = new Updates; ///< The manager's.
+    LaunchAtLoginManager launch{login.item()};
+    UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
+    SettingsWindow window{launch, updater};
+};
+
+} // namespace
+
+class TestSettingsWindow : public QObject {
+    Q_OBJECT
+
+private slots:
+    void isFixedInSize();
+    void beginsWithTheGeneralTab();
+    void toggleLaunchAtLogin();
+    void aFailureSpringsBackAndSaysWhy();
+    void aSwitchThatWaitsForApprovalStaysOff();
+    void readsTheRealStateWhenItIsShown();
+    void readsTheRealStateWhenTheUserComesBack();
+    void tellsVersionAndUpdates();
+    void togglesAutomaticChecks();
+    void checksOnceAtATime();
+    void saysWhatACheckFound();
+    void aLongFindingKeepsAwayFromTheButton();
+    void worksByKeyboardAlone();
+    void closesOnAKey_data();
+    void closesOnAKey();
+};
+
+void TestSettingsWindow::isFixedInSize()
+{
+    const Shown shown;
+    QCOMPARE(shown.window.minimumSize(), QSize(520, 360));
+    QCOMPARE(shown.window.maximumSize(), QSize(520, 360));
+    QCOMPARE(shown.window.windowTitle(), u"Corvane Settings"_s);
+}
+
+void TestSettingsWindow::beginsWithTheGeneralTab()
+{
+    const Shown shown;
+    QVERIFY(shown.window.findChild<GeneralSettings *>()->isVisible());
+    QVERIFY(!shown.window.findChild<UpdateSettings *>()->isVisible());
+    const QStringList texts = shown.texts();
+    QCOMPARE(texts.size(), 2);
+    QCOMPARE(texts[0], u"Startup"_s);
+    QVERIFY(texts[1].startsWith(u"Launch at login uses "_s));
+    QCOMPARE(shown.theSwitch().text(), u"Launch Corvane at login"_s);
+}
+
+void TestSettingsWindow::toggleLaunchAtLogin()
+{
+    Shown shown;
+    QVERIFY(!shown.theSwitch().isChecked());
+    shown.theSwitch().click();
+    QVERIFY(shown.login.isOn);
+    QVERIFY(shown.theSwitch().isChecked());
+    shown.theSwitch().click();
+    QVERIFY(!shown.login.isOn);
+    QVERIFY(!shown.theSwitch().isChecked());
+}
+
+void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
+{
+    Shown shown;
+    const SettingsNote *note = shown.window.findChildren<SettingsNote *>()[1];
+    const int place = note->y();
+    shown.login.error = u"Operation not permitted"_s;
+    shown.theSwitch().click();
+    QVERIFY(!shown.theSwitch().isChecked());
+    QCOMPARE(shown.texts().value(1), u"Operation not permitted"_s);
+    QCOMPARE(note->y(), place + 8 + 15);
+
+    shown.login.error = {};
+    shown.theSwitch().click();
+    QVERIFY(shown.theSwitch().isChecked());
+    QCOMPARE(shown.texts().size(), 2);
+    QCOMPARE(note->y(), place);
+}
+
+void TestSettingsWindow::aSwitchThatWaitsForApprovalStaysOff()
+{
+    Login login;
+    LoginItem item = login.item();
+    item.enable = [] { return std::nullopt; }; // Done, as far as the program can.
+    LaunchAtLoginManager launch(item);
+    UpdaterManager updater(std::make_unique<Updates>());
+    SettingsWindow window(launch, updater);
+    window.show();
+    auto *row = window.findChild<Switch *>();
+    row->click();
+    QVERIFY(!row->isChecked());
+}
+
+void TestSettingsWindow::readsTheRealStateWhenItIsShown()
+{
+    Shown shown;
+    shown.window.hide();
+    shown.login.isOn = true;
+    const int reads = shown.login.reads;
+    const int refreshes = shown.updates->refreshes;
+    shown.window.show();
+    QVERIFY(shown.login.reads > reads);
+    QVERIFY(shown.updates->refreshes > refreshes);
+    QVERIFY(shown.theSwitch().isChecked());
+}
+
+void TestSettingsWindow::readsTheRealStateWhenTheUserComesBack()
+{
+    Shown shown;
+    shown.login.isOn = true;
+    QEvent activation(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&shown.window, &activation);
+    QVERIFY(shown.theSwitch().isChecked());
+}
+
+void TestSettingsWindow::tellsVersionAndUpdates()
+{
+    Shown shown;
+    shown.window.showTab(SettingsTab::updates);
+    const QStringList texts = shown.texts();
+    QCOMPARE(texts.size(), 3);
+    QCOMPARE(texts[0], u"Auto-update"_s);
+    QCOMPARE(texts[1], u"Current version: "_s + shown.updater.currentVersion());
+    QVERIFY(texts[2].startsWith(u"Updates "_s));
+    QCOMPARE(shown.theSwitch().text(), u"Check for updates automatically"_s);
+}
+
+void TestSettingsWindow::togglesAutomaticChecks()
+{
+    Shown shown;
+    shown.window.showTab(SettingsTab::updates);
+    shown.theSwitch().click();
+    QVERIFY(shown.updates->automatic);
+    shown.updater.setAutomaticallyChecks(false);
+    QVERIFY(!shown.theSwitch().isChecked());
+}
+
+void TestSettingsWindow::checksOnceAtATime()
+{
+    Shown shown;
+    shown.window.showTab(SettingsTab::updates);
+    auto *checkNow = shown.window.findChild<PanelButton *>();
+    QCOMPARE(checkNow->text(), u"Check Now"_s);
+    QVERIFY(checkNow->isEnabled());
+    checkNow->click();
+    QCOMPARE(shown.updates->checks, 1);
+    QVERIFY(!checkNow->isEnabled());
+    checkNow->click();
+    QCOMPARE(shown.updates->checks, 1);
+    shown.updates->setChecking(false);
+    QVERIFY(checkNow->isEnabled());
+}
+
+void TestSettingsWindow::saysWhatACheckFound()
+{
+    Shown shown;
+    shown.window.showTab(SettingsTab::updates);
+    shown.updates->find(u"Corvane is up to date."_s);
+    QCOMPARE(shown.texts().last(), u"Corvane is up to date."_s);
+    const SettingsNote *finding =
+        shown.window.findChild<UpdateSettings *>()->findChildren<SettingsNote *>().last();
+    const QRect button = shown.window.findChild<PanelButton *>()->geometry();
+    QVERIFY2(std::abs(finding->geometry().center().y() - button.center().y()) <= 1,
+             "one line stands on the button's middle");
+    QVERIFY(finding->geometry().right() < button.left());
+}
+
+void TestSettingsWindow::aLongFindingKeepsAwayFromTheButton()
+{
+    Shown shown;
+    shown.window.showTab(SettingsTab::updates);
+    shown.updates->find(u"word "_s.repeated(60));
+    const SettingsNote *finding =
+        shown.window.findChild<UpdateSettings *>()->findChildren<SettingsNote *>().last();
+    const QRect button = shown.window.findChild<PanelButton *>()->geometry();
+    QVERIFY(finding->height() >= 3 * 15);
+    QCOMPARE(finding->y(), button.y());
+    QVERIFY(finding->geometry().right() < button.left());
+    QVERIFY(finding->geometry().bottom() < finding->parentWidget()->height());
+}
+
+void TestSettingsWindow::worksByKeyboardAlone()
+{
+    Shown shown;
+    QVERIFY(QTest::qWaitForWindowActive(&shown.window));
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(shown.window.focusWidget(), shown.window.findChild<SettingsTabs *>());
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Right);
+    QVERIFY(shown.window.findChild<UpdateSettings *>()->isVisible());
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(shown.window.focusWidget(), &shown.theSwitch());
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Space);
+    QVERIFY(shown.updates->automatic);
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(shown.window.focusWidget(), Qt::Key_Return);
+    QCOMPARE(shown.updates->checks, 1);
+}
+
+void TestSettingsWindow::closesOnAKey_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::newRow("Escape") << int(Qt::Key_Escape) << Qt::KeyboardModifiers();
+    QTest::newRow("Control and W") << int(Qt::Key_W) << Qt::KeyboardModifiers(Qt::ControlModifier);
+}
+
+void TestSettingsWindow::closesOnAKey()
+{
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    Shown shown;
+    QVERIFY(QTest::qWaitForWindowActive(&shown.window));
+    QTest::keyClick(&shown.window, Qt::Key(key), modifiers);
+    QVERIFY(!shown.window.isVisible());
+}
+
+QTEST_MAIN(TestSettingsWindow)
+#include "tst_SettingsWindow.moc"

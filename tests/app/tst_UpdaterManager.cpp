@@ -1,0 +1,143 @@
+#include "app/UpdaterManager.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// An updater that does what the test says.
+class ScriptedUpdater : public SystemUpdater {
+public:
+    bool automaticallyChecks() const override { return m_automaticallyChecks; }
+    void setAutomaticallyChecks(bool on) override { m_automaticallyChecks = on; }
+    bool canCheck() const override { return m_canCheck; }
+    void check() override { setCanCheck(false); }
+    void refresh() override { ++m_refreshes; }
+    std::optional<QString> finding() const override { return m_finding; }
+
+    void setCanCheck(bool can)
+    {
+        m_canCheck = can;
+        emit canCheckChanged();
+    }
+
+    void find(const QString &finding)
+    {
+        m_finding = finding;
+        emit findingChanged();
+    }
+
+    int refreshes() const { return m_refreshes; }
+
+private:
+    bool m_automaticallyChecks = true;
+    bool m_canCheck = true;
+    std::optional<QString> m_finding;
+    int m_refreshes = 0;
+};
+
+struct Scripted {
+    ScriptedUpdater *updater = new ScriptedUpdater;
+    UpdaterManager manager{std::unique_ptr<SystemUpdater>(updater)};
+};
+
+} // namespace
+
+class TestUpdaterManager : public QObject {
+    Q_OBJECT
+
+private slots:
+    void namesTheVersion_data();
+    void namesTheVersion();
+    void namesThisVersion();
+    void startsWithTheStateOfTheUpdater();
+    void tellsObserversBeforeTheUpdater();
+    void cannotCheckWhileACheckRuns();
+    void passesTheFindingOn();
+    void looksAnewWhenAsked();
+};
+
+void TestUpdaterManager::namesTheVersion_data()
+{
+    QTest::addColumn<std::optional<QString>>("version");
+    QTest::addColumn<std::optional<QString>>("build");
+    QTest::addColumn<QString>("text");
+    const std::optional<QString> absent;
+    QTest::newRow("version and build")
+        << std::optional(u"1.2.3"_s) << std::optional(u"45"_s) << u"1.2.3 (45)"_s;
+    QTest::newRow("no version") << absent << std::optional(u"45"_s) << u"0.0.0 (45)"_s;
+    QTest::newRow("no build") << std::optional(u"1.2.3"_s) << absent << u"1.2.3 (1)"_s;
+    QTest::newRow("no keys at all") << absent << absent << u"0.0.0 (1)"_s;
+    QTest::newRow("placeholders stay text")
+        << std::optional(u"%2"_s) << std::optional(u"%1"_s) << u"%2 (%1)"_s;
+}
+
+void TestUpdaterManager::namesTheVersion()
+{
+    QFETCH(const std::optional<QString>, version);
+    QFETCH(const std::optional<QString>, build);
+    QTEST(versionText({.version = version, .build = build}), "text");
+}
+
+void TestUpdaterManager::namesThisVersion()
+{
+    const Scripted scripted;
+    QCOMPARE(scripted.manager.currentVersion(), versionText(bundleVersion()));
+}
+
+void TestUpdaterManager::startsWithTheStateOfTheUpdater()
+{
+    const Scripted scripted;
+    QVERIFY(scripted.manager.automaticallyChecks());
+    QVERIFY(scripted.manager.canCheck());
+    QVERIFY(!scripted.manager.finding());
+}
+
+void TestUpdaterManager::tellsObserversBeforeTheUpdater()
+{
+    Scripted scripted;
+    int announcements = 0;
+    connect(&scripted.manager, &UpdaterManager::automaticallyChecksChanged, this, [&](bool on) {
+        ++announcements;
+        QVERIFY(!on);
+        QVERIFY(!scripted.manager.automaticallyChecks());
+        QVERIFY(scripted.updater->automaticallyChecks());
+    });
+    scripted.manager.setAutomaticallyChecks(false);
+    QCOMPARE(announcements, 1);
+    QVERIFY(!scripted.updater->automaticallyChecks());
+}
+
+void TestUpdaterManager::cannotCheckWhileACheckRuns()
+{
+    Scripted scripted;
+    const QSignalSpy changes(&scripted.manager, &UpdaterManager::canCheckChanged);
+    scripted.manager.checkForUpdates();
+    QVERIFY(!scripted.manager.canCheck());
+    scripted.updater->setCanCheck(false);
+    scripted.updater->setCanCheck(true);
+    QVERIFY(scripted.manager.canCheck());
+    QCOMPARE(changes, (QList<QVariantList>{{false}, {true}}));
+}
+
+void TestUpdaterManager::passesTheFindingOn()
+{
+    Scripted scripted;
+    const QSignalSpy changes(&scripted.manager, &UpdaterManager::findingChanged);
+    scripted.updater->find(u"Corvane is up to date."_s);
+    QCOMPARE(scripted.manager.finding(), u"Corvane is up to date."_s);
+    QCOMPARE(changes.count(), 1);
+}
+
+void TestUpdaterManager::looksAnewWhenAsked()
+{
+    Scripted scripted;
+    scripted.manager.refresh();
+    QCOMPARE(scripted.updater->refreshes(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestUpdaterManager)
+#include "tst_UpdaterManager.moc"

@@ -1,0 +1,1 @@
+corvane_test(bundle/tst_AppIcon LINK corvane_icon)

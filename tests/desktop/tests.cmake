@@ -1,0 +1,12 @@
+# These run on a display, a bus and a home of their own.
+foreach(name Desktop WaylandSession)
+  corvane_test(desktop/tst_${name} SYSTEM linux
+               SOURCES support/AccessibilityBus.cpp support/DrivenProgram.cpp LINK corvane::app)
+  if(TARGET tst_${name})
+    target_compile_definitions(tst_${name} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
+    add_dependencies(tst_${name} corvane)
+    set_target_properties(
+      tst_${name} PROPERTIES CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_SOURCE_DIR}/desktop/virtual-desktop)
+    set_tests_properties(desktop/${name} PROPERTIES ENVIRONMENT_MODIFICATION "QT_QPA_PLATFORM=unset:")
+  endif()
+endforeach()

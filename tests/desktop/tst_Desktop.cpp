@@ -1,0 +1,382 @@
+#include "app/ReadOut.h"
+#include "app/TrayPicture.h"
+#include "cards/Theme.h"
+#include "sampling/MemorySampler.h"
+#include "support/DrivenProgram.h"
+
+#include <QPainter>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <set>
+#include <tuple>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Object = DrivenProgram::Object;
+
+constexpr int itemSize = 22;
+constexpr auto dashboardTitle = "Corvane"_L1;
+
+bool differs(QRgb one, QRgb other)
+{
+    constexpr int least = 12; // The border of an item's plate may blend into the bar.
+    return std::abs(qRed(one) - qRed(other)) > least
+        || std::abs(qGreen(one) - qGreen(other)) > least
+        || std::abs(qBlue(one) - qBlue(other)) > least;
+}
+
+/// The columns from `first` on where something stands on the ground, as far as they touch.
+std::pair<int, int> nextThing(const QImage &picture, QRgb ground, int first)
+{
+    const auto isEmpty = [&](int x) {
+        for (int y = 2; y < picture.height() - 2; ++y) {
+            if (differs(picture.pixel(x, y), ground))
+                return false;
+        }
+        return true;
+    };
+    int left = first;
+    while (left < picture.width() && isEmpty(left))
+        ++left;
+    int right = left;
+    while (right < picture.width() && !isEmpty(right))
+        ++right;
+    return {left, right};
+}
+
+/// The square things on a bar, from left to right, all in the same size: trays scale what they are
+/// given.
+QList<QImage> itemsOn(const QImage &bar)
+{
+    const QRgb ground = bar.pixel(1, bar.height() / 2);
+    const QTransform turned = QTransform().rotate(90);
+    QList<QImage> items;
+    for (auto [left, right] = nextThing(bar, ground, 0); left < bar.width();
+         std::tie(left, right) = nextThing(bar, ground, right)) {
+        const QImage strip = bar.copy(left, 0, right - left, bar.height());
+        const auto [bottom, top] = nextThing(strip.transformed(turned), ground, 2);
+        const int height = top - bottom;
+        if (strip.width() >= 16 && std::abs(strip.width() - height) <= 1) {
+            items.append(
+                strip.copy(0, strip.height() - top, strip.width(), height)
+                    .scaled(itemSize, itemSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        }
+    }
+    return items;
+}
+
+/// The item as the program paints it, on a bar of that colour.
+QImage itemOn(QRgb ground, const QImage &picture)
+{
+    QImage bar(4 * itemSize, barHeight, QImage::Format_RGB32);
+    bar.fill(ground);
+    QPainter(&bar).drawImage(itemSize, (barHeight - picture.height()) / 2, picture);
+    return itemsOn(bar).value(0);
+}
+
+/// Mean over all channels, of 255.
+double difference(const QImage &one, const QImage &other)
+{
+    int sum = 0;
+    for (int y = 0; y < itemSize; ++y) {
+        for (int x = 0; x < itemSize; ++x) {
+            const QColor here = one.pixelColor(x, y);
+            const QColor there = other.pixelColor(x, y);
+            sum += std::abs(here.red() - there.red()) + std::abs(here.green() - there.green())
+                + std::abs(here.blue() - there.blue());
+        }
+    }
+    return sum / (3.0 * itemSize * itemSize);
+}
+
+/// What the label's three numbers may be; more than one where the text that tells it is too coarse.
+using Numbers = std::array<std::set<int>, 3>;
+
+/// The program's own rendering of one of the label's numbers.
+QImage rendered(std::size_t index, int value)
+{
+    const LabelNumbers numbers =
+        labelNumbers({.memory = {.total = 100, .used = static_cast<quint64>(value)},
+                      .chip = ChipReading{.cpuWatts = static_cast<double>(value),
+                                          .gpuActiveFraction = (value + 0.5) / 100}});
+    return trayPicture(numbers[index], static_cast<LabelPosition>(index), itemSize);
+}
+
+/// The number whose rendering is most like what stands on the screen; nothing if none is like it.
+std::optional<int> readNumber(const QImage &item, std::size_t index, QRgb ground)
+{
+    constexpr double most = 8; // What scaling explains; another digit makes more.
+    std::optional<int> best;
+    double least = most;
+    for (int value = 0; value <= 100; ++value) {
+        const double here = difference(item, itemOn(ground, rendered(index, value)));
+        if (here < least) {
+            least = here;
+            best = value;
+        }
+    }
+    return best;
+}
+
+double number(const QRegularExpressionMatch &match, int group)
+{
+    const double unit = match.captured(group + 1) == "GB"_L1 ? 1024 : 1;
+    return match.captured(group).toDouble() * unit;
+}
+
+/// A load that is shown rounded stands in the label cut off.
+std::set<int> cutOff(double rounded)
+{
+    const int shown = qRound(rounded);
+    return shown == 0 ? std::set{0} : std::set{shown - 1, shown};
+}
+
+/// Windows that a taskbar lists, of that process.
+QStringList taskbarEntries(qint64 process)
+{
+    QStringList entries;
+    const QString list = outputOf(u"xprop"_s, {u"-root"_s, u"_NET_CLIENT_LIST"_s});
+    static const QRegularExpression id(u"0x[0-9a-f]+"_s);
+    for (const auto &match : id.globalMatch(list)) {
+        const QString owner = outputOf(u"xprop"_s, {u"-id"_s, match.captured(), u"_NET_WM_PID"_s});
+        if (owner.trimmed().endsWith(u"= %1"_s.arg(process)))
+            entries.append(match.captured());
+    }
+    return entries;
+}
+
+} // namespace
+
+/// The program itself on a desktop with a panel, driven by pointer and keyboard and read as a
+/// screen reader reads it. Each step goes on from the one before.
+class TestDesktop : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void putsALabelIntoTheTray();
+    void aClickOpensThePanel();
+    void theLabelShowsWhatThePanelSays();
+    void theLabelFollowsTheValues();
+    void thePanelsButtonOpensTheDashboard();
+    void theDashboardShowsProcesses();
+    void closingTheDashboardLeavesTheLabelAlone();
+    void anotherStartOpensTheDashboard();
+    void keysOpenTheAboutPanel();
+    void keysOpenTheSettings();
+    void theSwitchStartsItAtLogin();
+    void quits();
+
+private:
+    std::optional<Numbers> numbersInPanel();
+    bool labelShowsThePanelsNumbers();
+    void openPanel();
+    void clickOn(const std::optional<Object> &object);
+
+    DrivenProgram m_program;
+    qint64 m_process = 0;
+    QByteArray m_ballast; ///< Memory that is used to be seen.
+    int m_memory = -1;    ///< What the label showed last.
+    bool m_hasFailed = false;
+};
+
+void TestDesktop::initTestCase()
+{
+    QVERIFY(m_program.start());
+    m_process = m_program.process().processId();
+}
+
+void TestDesktop::init()
+{
+    if (m_hasFailed)
+        QSKIP("A step before has failed");
+}
+
+void TestDesktop::cleanup()
+{
+    if (!QTest::currentTestFailed() || m_hasFailed)
+        return;
+    m_hasFailed = true;
+    qInfo().noquote() << m_program.lookAtFailure();
+}
+
+std::optional<Numbers> TestDesktop::numbersInPanel()
+{
+    const auto window = m_program.panel();
+    if (!window)
+        return std::nullopt;
+    QString text;
+    for (const Object &row : m_program.reader().children(*window)) {
+        for (const Object &label : m_program.reader().children(row))
+            text += m_program.reader().name(label) + u'\n';
+    }
+    static const QRegularExpression memory(
+        u"Memory: ([0-9.]+) ([MG]B) / ([0-9.]+) ([MG]B), [0-9]+ %"_s);
+    static const QRegularExpression gpu(u"GPU: ([0-9]+) %"_s);
+    static const QRegularExpression power(u": ([0-9.]+) W in all"_s);
+    const auto usage = memory.match(text);
+    const auto load = gpu.match(text);
+    const auto watts = power.match(text);
+    if (!usage.hasMatch() || !load.hasMatch() || !watts.hasMatch())
+        return std::nullopt;
+
+    constexpr double coarseness = 6; // Half a hundredth of a gigabyte, and some for the total.
+    const double used = number(usage, 1);
+    const double total = number(usage, 3);
+    const auto percent = [total](double bytes) { return static_cast<int>(bytes / total * 100); };
+    const double sum = watts.captured(1).toDouble();
+    return Numbers{std::set{percent(used - coarseness), percent(used + coarseness)},
+                   cutOff(load.captured(1).toDouble()),
+                   std::set{qRound(sum - 0.05), qRound(sum), qRound(sum + 0.05)}};
+}
+
+bool TestDesktop::labelShowsThePanelsNumbers()
+{
+    const auto told = numbersInPanel();
+    const QImage picture = bar();
+    if (!told || numbersInPanel() != told)
+        return false; // Values that changed meanwhile are no measure.
+    const QRgb ground = picture.pixel(1, barHeight / 2);
+    const QList<QImage> items = itemsOn(picture);
+    if (items.size() != 3)
+        return false;
+    for (std::size_t index = 0; index < told->size(); ++index) {
+        const auto shown = readNumber(items[static_cast<qsizetype>(index)], index, ground);
+        if (!shown || !told->at(index).contains(*shown))
+            return false;
+        if (index == 0)
+            m_memory = *shown;
+    }
+    return true;
+}
+
+void TestDesktop::openPanel()
+{
+    const auto label = m_program.label();
+    QVERIFY(label);
+    clickAt(*label);
+    WAIT_FOR(m_program.panel());
+}
+
+void TestDesktop::clickOn(const std::optional<Object> &object)
+{
+    QVERIFY(object);
+    clickAt(m_program.reader().place(*object).center());
+}
+
+void TestDesktop::putsALabelIntoTheTray()
+{
+    WAIT_FOR(m_program.label());
+    QVERIFY(taskbarEntries(m_process).isEmpty());
+}
+
+void TestDesktop::aClickOpensThePanel()
+{
+    openPanel();
+    for (const auto &row : {u"Memory: "_s, u"GPU: "_s, u"CPU: "_s, u"ANE: "_s, u"Swap: "_s})
+        QVERIFY2(m_program.find(*m_program.panel(), u"label"_s, row), qPrintable(row));
+}
+
+void TestDesktop::theLabelShowsWhatThePanelSays()
+{
+    WAIT_FOR(labelShowsThePanelsNumbers());
+}
+
+void TestDesktop::theLabelFollowsTheValues()
+{
+    const int before = m_memory;
+    const quint64 total = MemorySampler::sample().total;
+    m_ballast.fill('b', static_cast<qsizetype>(total / 64)); // More than one per cent.
+    WAIT_FOR(labelShowsThePanelsNumbers() && m_memory != before);
+}
+
+void TestDesktop::thePanelsButtonOpensTheDashboard()
+{
+    clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Open Window"_s));
+    WAIT_FOR(m_program.dashboardShows());
+    WAIT_FOR(activeWindow() == dashboardTitle);
+    QVERIFY(!m_program.panel());
+    QCOMPARE(taskbarEntries(m_process).size(), 1);
+}
+
+void TestDesktop::theDashboardShowsProcesses()
+{
+    WAIT_FOR(m_program.find(u"label"_s, u"tst_Desktop: "_s));
+}
+
+void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
+{
+    press(u"alt+F4"_s);
+    WAIT_FOR(taskbarEntries(m_process).isEmpty());
+    QVERIFY(m_program.isRunning());
+    QVERIFY(m_program.label());
+}
+
+void TestDesktop::anotherStartOpensTheDashboard()
+{
+    QProcess another;
+    another.start(QStringLiteral(CORVANE_PROGRAM), {});
+    WAIT_FOR(another.state() == QProcess::NotRunning);
+    QCOMPARE(another.exitCode(), 0);
+    QCOMPARE(QString::fromUtf8(another.readAllStandardError()), QString());
+    WAIT_FOR(m_program.dashboardShows());
+    WAIT_FOR(activeWindow() == dashboardTitle);
+    QCOMPARE(taskbarEntries(m_process).size(), 1);
+}
+
+void TestDesktop::keysOpenTheAboutPanel()
+{
+    press(u"F1"_s);
+    WAIT_FOR(activeWindow() == "About Corvane"_L1);
+    WAIT_FOR(m_program.find(u"label"_s, u"Version "_s));
+    press(u"Escape"_s);
+    WAIT_FOR(activeWindow() == dashboardTitle);
+}
+
+void TestDesktop::keysOpenTheSettings()
+{
+    press(u"ctrl+comma"_s);
+    WAIT_FOR(activeWindow() == "Corvane Settings"_L1);
+    WAIT_FOR(m_program.find(u"check box"_s, u"Launch Corvane at login"_s));
+}
+
+void TestDesktop::theSwitchStartsItAtLogin()
+{
+    const QString entry = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s;
+    const auto loginSwitch = m_program.find(u"check box"_s, u"Launch Corvane at login"_s);
+    QVERIFY(!m_program.reader().isChecked(*loginSwitch));
+    QVERIFY(!QFile::exists(entry));
+    clickOn(loginSwitch);
+    WAIT_FOR(m_program.reader().isChecked(*loginSwitch));
+    QFile file(entry);
+    QVERIFY(file.open(QFile::ReadOnly));
+    QVERIFY(QString::fromUtf8(file.readAll()).contains(QStringLiteral(CORVANE_PROGRAM)));
+    clickOn(loginSwitch);
+    WAIT_FOR(!m_program.reader().isChecked(*loginSwitch));
+    QVERIFY(!QFile::exists(entry));
+    press(u"Escape"_s);
+    WAIT_FOR(activeWindow() == dashboardTitle);
+}
+
+void TestDesktop::quits()
+{
+    openPanel();
+    clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Quit"_s));
+    WAIT_FOR(!m_program.isRunning());
+    QCOMPARE(m_program.process().exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program.process().exitCode(), 0);
+    QCOMPARE(m_program.complaints(), QString());
+}
+
+QTEST_MAIN(TestDesktop)
+#include "tst_Desktop.moc"

@@ -1,0 +1,145 @@
+#include "support/DrivenProgram.h"
+
+#include <QFileInfo>
+#include <QScreen>
+
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto display = "wayland-corvane"_L1;
+constexpr auto compositor = "Weston Compositor"_L1;
+
+/// True. A compositor on a loaded machine gives no window the keys for a moment, so what is waited
+/// for is asked for again.
+bool pressed(const QString &key)
+{
+    press(key);
+    QTest::qWait(400); // Until it can be seen, mostly.
+    return true;
+}
+
+} // namespace
+
+/// The program in a Wayland session: a compositor in a window of a virtual desktop, whose tray the
+/// program uses. Each step goes on from the one before and leaves a picture in the working folder.
+class TestWaylandSession : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void opensThePanelFromTheTray();
+    void opensTheAboutPanelFromThePanelsMenu();
+    void opensTheDashboard();
+    void opensTheSettings();
+    void quitsByItsKey();
+
+private:
+    void openPanel();
+    QString focusedName();
+
+    QProcess m_compositor;
+    DrivenProgram m_program;
+    bool m_hasFailed = false;
+};
+
+void TestWaylandSession::initTestCase()
+{
+    m_compositor.start(u"weston"_s,
+                       {u"--backend=x11-backend.so"_s, u"--use-pixman"_s, u"--no-config"_s,
+                        u"--idle-time=0"_s, u"--width=1260"_s, u"--height=880"_s,
+                        u"--socket="_s + display});
+    const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/' + display;
+    WAIT_FOR(QFileInfo::exists(socket));
+    WAIT_FOR(activeWindow().startsWith(compositor));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"wayland"_s);
+    environment.insert(u"WAYLAND_DISPLAY"_s, display);
+    QVERIFY(m_program.start(environment));
+}
+
+void TestWaylandSession::init()
+{
+    if (m_hasFailed)
+        QSKIP("A step before has failed");
+}
+
+void TestWaylandSession::cleanup()
+{
+    if (m_hasFailed)
+        return;
+    m_hasFailed = QTest::currentTestFailed();
+    QTest::qWait(500); // The compositor shows it a little later.
+    const auto picture = u"wayland-%1.png"_s.arg(QLatin1StringView(QTest::currentTestFunction()));
+    QGuiApplication::primaryScreen()->grabWindow(0).save(picture);
+    if (m_hasFailed)
+        qInfo().noquote() << m_program.lookAtFailure();
+}
+
+void TestWaylandSession::cleanupTestCase()
+{
+    m_compositor.terminate();
+    m_compositor.waitForFinished();
+}
+
+/// The click takes the keys from the compositor for a moment.
+void TestWaylandSession::openPanel()
+{
+    WAIT_FOR(m_program.label());
+    clickAt(*m_program.label());
+    WAIT_FOR(m_program.panel());
+    WAIT_FOR(activeWindow().startsWith(compositor));
+}
+
+QString TestWaylandSession::focusedName()
+{
+    const auto &focused = m_program.reader().focused();
+    return focused ? m_program.reader().name(*focused) : QString();
+}
+
+void TestWaylandSession::opensThePanelFromTheTray()
+{
+    openPanel();
+    QVERIFY(m_program.find(*m_program.panel(), u"label"_s, u"Memory: "_s));
+}
+
+/// A bar that leaves an item's menu to the program gets the panel.
+void TestWaylandSession::opensTheAboutPanelFromThePanelsMenu()
+{
+    // An open menu takes no notice of its key.
+    WAIT_FOR(pressed(u"Menu"_s) && pressed(u"Down"_s) && focusedName() == "About Corvane"_L1);
+    m_program.reader().forgetFocus(); // The menu goes, and with it what has the focus.
+    press(u"Return"_s);
+    WAIT_FOR(m_program.find(u"label"_s, u"Version "_s));
+}
+
+void TestWaylandSession::opensTheDashboard()
+{
+    WAIT_FOR(pressed(u"Escape"_s) && !m_program.find(u"label"_s, u"Version "_s));
+    openPanel();
+    WAIT_FOR(pressed(u"Tab"_s) && focusedName() == "Open Window"_L1);
+    WAIT_FOR(pressed(u"Return"_s) && m_program.dashboardShows());
+    WAIT_FOR(!m_program.panel());
+}
+
+void TestWaylandSession::opensTheSettings()
+{
+    WAIT_FOR(pressed(u"ctrl+comma"_s)
+             && m_program.find(u"check box"_s, u"Launch Corvane at login"_s));
+}
+
+void TestWaylandSession::quitsByItsKey()
+{
+    WAIT_FOR(pressed(u"ctrl+q"_s) && !m_program.isRunning());
+    QCOMPARE(m_program.process().exitStatus(), QProcess::NormalExit);
+    QCOMPARE(m_program.process().exitCode(), 0);
+    QCOMPARE(m_program.complaints(), QString());
+}
+
+QTEST_MAIN(TestWaylandSession)
+#include "tst_WaylandSession.moc"

@@ -1,0 +1,106 @@
+#include "platform/FolderLock.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+class TestFolderLock : public QObject {
+    Q_OBJECT
+
+private slots:
+    void isHeldByOneAtATime();
+    void isFreeWhenItsOwnerIsGone();
+    void isFreeWhenItsProcessIsKilled();
+    void needsAFolder();
+    void comesWithTheFolder();
+    void leavesNothingBehind();
+
+private:
+    QTemporaryDir m_folder;
+    const std::string m_path = m_folder.path().toStdString();
+};
+
+void TestFolderLock::isHeldByOneAtATime()
+{
+    FolderLock first(m_path);
+    FolderLock second(m_path);
+    QVERIFY(first.take());
+    QVERIFY(!second.take());
+    QVERIFY2(first.take(), "it stays held");
+}
+
+void TestFolderLock::isFreeWhenItsOwnerIsGone()
+{
+    FolderLock second(m_path);
+    {
+        FolderLock first(m_path);
+        QVERIFY(first.take());
+        QVERIFY(!second.take());
+    }
+    QVERIFY(second.take());
+}
+
+void TestFolderLock::isFreeWhenItsProcessIsKilled()
+{
+    int ends[2] = {};
+    QCOMPARE(pipe(ends), 0);
+    const pid_t holder = fork();
+    if (holder == 0) {
+        FolderLock lock(m_path);
+        const char held = lock.take() ? 1 : 0;
+        if (write(ends[1], &held, 1) != 1)
+            _exit(1);
+        for (;;)
+            pause();
+    }
+    char held = 0;
+    QCOMPARE(read(ends[0], &held, 1), 1);
+    QCOMPARE(held, 1);
+    FolderLock lock(m_path);
+    QVERIFY(!lock.take());
+    kill(holder, SIGKILL);
+    waitpid(holder, nullptr, 0);
+    QVERIFY(lock.take());
+    close(ends[0]);
+    close(ends[1]);
+}
+
+void TestFolderLock::needsAFolder()
+{
+    QVERIFY(!FolderLock("").take());
+    QVERIFY(!FolderLock(m_path + "/missing").take());
+    QFile file(m_folder.filePath(u"file"_s));
+    QVERIFY(file.open(QFile::WriteOnly));
+    QVERIFY(!FolderLock(file.fileName().toStdString()).take());
+    QVERIFY(file.remove());
+}
+
+void TestFolderLock::comesWithTheFolder()
+{
+    FolderLock lock(m_path + "/late");
+    QVERIFY(!lock.take());
+    QVERIFY(QDir(m_folder.path()).mkdir(u"late"_s));
+    QVERIFY(lock.take());
+    QVERIFY(QDir(m_folder.path()).rmdir(u"late"_s));
+}
+
+void TestFolderLock::leavesNothingBehind()
+{
+    {
+        FolderLock lock(m_path);
+        QVERIFY(lock.take());
+        QVERIFY(QDir(m_folder.path()).isEmpty());
+    }
+    QVERIFY(QDir(m_folder.path()).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestFolderLock)
+#include "tst_FolderLock.moc"

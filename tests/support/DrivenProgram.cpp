@@ -1,0 +1,116 @@
+#include "support/DrivenProgram.h"
+
+#include "cards/Theme.h"
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+
+namespace corvane::test {
+
+using namespace Qt::StringLiterals;
+
+QString outputOf(const QString &tool, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(tool, arguments);
+    process.waitForFinished();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+void clickAt(const QPoint &point)
+{
+    outputOf(u"xdotool"_s,
+             {u"mousemove"_s, QString::number(point.x()), QString::number(point.y()), u"click"_s,
+              u"1"_s});
+}
+
+void press(const QString &key)
+{
+    outputOf(u"xdotool"_s, {u"key"_s, key});
+}
+
+QString activeWindow()
+{
+    return outputOf(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).trimmed();
+}
+
+QImage bar()
+{
+    const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, -1, barHeight);
+    return shot.toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+DrivenProgram::DrivenProgram() = default;
+
+DrivenProgram::~DrivenProgram()
+{
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+bool DrivenProgram::start(const QProcessEnvironment &environment)
+{
+    m_process.setProcessEnvironment(environment);
+    m_process.start(QStringLiteral(CORVANE_PROGRAM), {});
+    return m_reader.isConnected() && m_process.waitForStarted();
+}
+
+/// The memory number's colour is its own on this desktop.
+std::optional<QPoint> DrivenProgram::label() const
+{
+    const QImage picture = bar();
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixel(x, y) == Theme::memory().rgb())
+                return QPoint(x, y);
+        }
+    }
+    return std::nullopt;
+}
+
+/// A pop-up is no child of its program; a reader comes to it by the focus.
+std::optional<AccessibilityBus::Object> DrivenProgram::panel() const
+{
+    if (!m_reader.focused())
+        return std::nullopt;
+    const Object window = m_reader.window(*m_reader.focused());
+    return m_reader.name(window) == "Corvane panel"_L1 && m_reader.isShowing(window)
+        ? std::optional(window)
+        : std::nullopt;
+}
+
+std::optional<AccessibilityBus::Object> DrivenProgram::find(const Object &root, const QString &role,
+                                                            const QString &nameStart) const
+{
+    return m_reader.find(root, [&](const Object &object) {
+        return m_reader.name(object).startsWith(nameStart) && m_reader.role(object) == role
+            && m_reader.isShowing(object);
+    });
+}
+
+std::optional<AccessibilityBus::Object> DrivenProgram::find(const QString &role,
+                                                            const QString &nameStart) const
+{
+    const auto program = root();
+    return program ? find(*program, role, nameStart) : std::nullopt;
+}
+
+bool DrivenProgram::dashboardShows() const
+{
+    return find(u"label"_s, u"Memory used in percent: "_s).has_value();
+}
+
+QString DrivenProgram::lookAtFailure()
+{
+    QGuiApplication::primaryScreen()->grabWindow(0).save(u"desktop-failed.png"_s);
+    const auto program = root();
+    return complaints() + (program ? m_reader.description(*program, 0) : QString());
+}
+
+std::optional<AccessibilityBus::Object> DrivenProgram::root() const
+{
+    return m_reader.program(u"Corvane"_s);
+}
+
+} // namespace corvane::test
