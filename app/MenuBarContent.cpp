@@ -67,7 +67,6 @@ Qt::WindowFlags panelFlags()
 
 MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     : QWidget(parent, panelFlags()),
-      m_header(new PanelHeader(this)),
       m_clock(std::move(clock))
 {
     setWindowTitle(u"Corvane"_s);
@@ -75,7 +74,10 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     setAttribute(Qt::WA_TranslucentBackground);
     setFixedWidth(panelWidth);
     setFocusPolicy(Qt::StrongFocus);
+}
 
+void MenuBarContent::build()
+{
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(0);
@@ -85,6 +87,7 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
         column->addSpacing(dividerGap);
     };
 
+    m_header = new PanelHeader(this);
     column->addWidget(m_header);
     addDivider();
     for (PanelRow *&row : m_rows) {
@@ -105,15 +108,35 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     buttons->addWidget(openWindow, 1);
     buttons->addWidget(quit);
     column->addLayout(buttons);
+}
 
-    show(SystemMetrics::placeholder());
+/// Makes it ready to be seen, in its full size.
+void MenuBarContent::prepare()
+{
+    if (!m_header)
+        build();
+    showNumbers();
     adjustSize();
+}
+
+void MenuBarContent::setVisible(bool visible)
+{
+    if (visible && !isVisible())
+        prepare();
+    QWidget::setVisible(visible);
 }
 
 void MenuBarContent::show(const SystemMetrics &current)
 {
-    m_header->show(totalWatts(current.chip));
-    const auto rows = readOutRows(current);
+    m_current = current;
+    if (isVisible())
+        showNumbers();
+}
+
+void MenuBarContent::showNumbers()
+{
+    m_header->show(totalWatts(m_current.chip));
+    const auto rows = readOutRows(m_current);
     for (std::size_t row = 0; row < rows.size(); ++row)
         m_rows[row]->show(rows[row]);
 }
@@ -132,6 +155,7 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     const QScreen *screen = QGuiApplication::screenAt(anchor);
     if (!screen)
         screen = QGuiApplication::primaryScreen();
+    prepare(); // Its place depends on its size.
     move(panelOrigin(anchor, size(), screen->availableGeometry()));
     QWidget::show();
     activateWindow();

@@ -18,7 +18,8 @@ class PanelRow;
 
 /// The panel that drops down from the label: name, chip and total power, five live rows and two
 /// buttons. Its actions are in a menu on it. Owned by the application, which shows it each new
-/// sample; main thread. Closes on a click elsewhere and on Escape.
+/// sample; main thread. Its content is made when it is first opened and follows the samples while
+/// it is open. Closes on a click elsewhere and on Escape.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 
@@ -34,6 +35,8 @@ public:
     /// the label does.
     void toggleAt(const QPoint &anchor);
 
+    void setVisible(bool visible) override;
+
 signals:
     void openWindowRequested();
     void quitRequested();
@@ -47,7 +50,12 @@ protected:
     bool event(QEvent *event) override;
 
 private:
-    PanelHeader *m_header = nullptr;
+    void prepare();
+    void build();
+    void showNumbers();
+
+    SystemMetrics m_current = SystemMetrics::placeholder();
+    PanelHeader *m_header = nullptr; ///< Null until it is first opened, as are the rows.
     std::array<PanelRow *, 5> m_rows = {};
     std::function<double()> m_clock;
     QPointer<QMenu> m_menu;                ///< While it is open.

@@ -1,6 +1,7 @@
 // What a tick of the open dashboard costs the main thread: telling every part and painting what
 // changed, as a ratio to clearing as many pixels as the whole window has.
 
+#include "app/DashboardHeader.h"
 #include "app/MainWindow.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
@@ -185,6 +186,38 @@ void cpuCard(benchmark::State &state)
     tellCard(state, card, {406, 226}, tellSamples);
 }
 BENCHMARK(cpuCard)->Unit(benchmark::kMicrosecond);
+
+void gpuCard(benchmark::State &state)
+{
+    UtilizationCard card(UtilizationKind::gpu);
+    tellCard(state, card, {406, 226}, tellSamples);
+}
+BENCHMARK(gpuCard)->Unit(benchmark::kMicrosecond);
+
+void header(benchmark::State &state)
+{
+    DashboardHeader part(u"Chip"_s, nullptr);
+    tellCard(state, part, {1216, 36},
+             [](DashboardHeader &told, const std::vector<SystemMetrics> &samples, int) {
+                 told.show(samples.back());
+             });
+}
+BENCHMARK(header)->Unit(benchmark::kMicrosecond);
+
+void workloadsCard(benchmark::State &state)
+{
+    AIWorkloadsCard card;
+    tellCard(state, card, {617, 304},
+             [](AIWorkloadsCard &told, const std::vector<SystemMetrics> &, int second) {
+                 told.show({{.id = 1,
+                             .pid = 1,
+                             .processName = u"llama-server"_s,
+                             .framework = AIFramework::llamaCpp,
+                             .model = u"model-8b"_s,
+                             .memory = static_cast<std::uint64_t>(second) << 30}});
+             });
+}
+BENCHMARK(workloadsCard)->Unit(benchmark::kMicrosecond);
 
 void processCard(benchmark::State &state)
 {

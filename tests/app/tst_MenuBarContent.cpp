@@ -66,6 +66,7 @@ private slots:
     void coversNothingBesideItsRoundCorners();
     void everyNumberHasAName();
     void headerNamesChipAndPower();
+    void isMadeWhenItIsFirstOpened();
     void updatesWhileOpen();
     void equalNumbersPaintNothing();
     void opensAtTheAnchorAndClosesAgain();
@@ -83,8 +84,8 @@ private slots:
 void TestMenuBarContent::isAsLargeAsDrawn()
 {
     MenuBarContent panel;
-    QCOMPARE(panel.size(), QSize(280, 296));
     panel.toggleAt({400, 10});
+    QCOMPARE(panel.size(), QSize(280, 296));
     const auto rows = panel.findChildren<PanelRow *>();
     QCOMPARE(rows.size(), 5);
     for (int row = 0; row < rows.size(); ++row)
@@ -99,6 +100,7 @@ void TestMenuBarContent::isAsLargeAsDrawn()
 void TestMenuBarContent::coversNothingBesideItsRoundCorners()
 {
     MenuBarContent panel;
+    panel.toggleAt({400, 10});
     const QImage picture = rendered(panel, 1);
     const QRegion mask = panel.mask();
     QVERIFY(!mask.contains(QPoint(0, 0)));
@@ -117,6 +119,7 @@ void TestMenuBarContent::everyNumberHasAName()
 {
     MenuBarContent panel;
     panel.show(busySample());
+    panel.toggleAt({400, 10});
     QCOMPARE(namesOfRows(panel),
              (QStringList{u"Memory: 48 GB / 64 GB, 75 %"_s, u"GPU: 100 %, 0.30 W"_s,
                           u"CPU: 0 %, 0.04 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
@@ -127,9 +130,26 @@ void TestMenuBarContent::headerNamesChipAndPower()
 {
     MenuBarContent panel;
     panel.show(busySample());
+    panel.toggleAt({400, 10});
     const QString name = panel.findChild<PanelHeader *>()->spokenTexts().front().value;
     QVERIFY(name.contains(SystemInfo::chipName()));
     QVERIFY(name.contains(u"0.3 W"_s));
+}
+
+/// One that is never opened costs nothing, and a closed one hardly anything.
+void TestMenuBarContent::isMadeWhenItIsFirstOpened()
+{
+    MenuBarContent panel;
+    panel.show(SystemMetrics::placeholder());
+    QVERIFY(panel.findChildren<QWidget *>().isEmpty());
+    panel.QWidget::show();
+    const QStringList before = namesOfRows(panel);
+    panel.hide();
+    panel.show(busySample());
+    QCOMPARE(namesOfRows(panel), before);
+    panel.QWidget::show();
+    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+    QCOMPARE(panel.size(), QSize(280, 296));
 }
 
 void TestMenuBarContent::updatesWhileOpen()
