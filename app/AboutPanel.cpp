@@ -20,11 +20,11 @@ using namespace Qt::StringLiterals;
 
 constexpr int side = 300;
 constexpr QRectF sign{114, 26, 72, 72};
-constexpr double nameBaseline = 128;
+constexpr double nameBaseline = 127.5;
 constexpr double versionBaseline = 146;
 constexpr double creditsBaseline = 175;
 constexpr double creditsLine = 15;
-constexpr double copyrightBaseline = 276;
+constexpr double copyrightBaseline = 277;
 
 } // namespace
 

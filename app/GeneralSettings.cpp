@@ -18,13 +18,13 @@ GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent)
 {
     m_note->showMarkdown(loginNote());
     connect(m_launch, &QAbstractButton::clicked, &launch, &LaunchAtLoginManager::setEnabled);
-    const auto showState = [this, &launch] { show(launch); };
-    connect(&launch, &LaunchAtLoginManager::isEnabledChanged, this, showState);
-    connect(&launch, &LaunchAtLoginManager::lastErrorChanged, this, showState);
-    show(launch);
+    const auto follow = [this, &launch] { showState(launch); };
+    connect(&launch, &LaunchAtLoginManager::isEnabledChanged, this, follow);
+    connect(&launch, &LaunchAtLoginManager::lastErrorChanged, this, follow);
+    showState(launch);
 }
 
-void GeneralSettings::show(const LaunchAtLoginManager &launch)
+void GeneralSettings::showState(const LaunchAtLoginManager &launch)
 {
     m_launch->setChecked(launch.isEnabled());
     m_error->showPlain(launch.lastError().value_or(QString()));

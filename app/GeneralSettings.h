@@ -18,7 +18,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void show(const LaunchAtLoginManager &launch);
+    void showState(const LaunchAtLoginManager &launch);
     void layOut();
 
     Switch *m_launch;

@@ -15,7 +15,7 @@ constexpr double gap = 4; ///< Between plates.
 constexpr double radius = 7;
 constexpr double symbolSize = 18;
 constexpr double symbolTop = 4.5; ///< In the plate.
-constexpr TextLine name{25.5, 13};
+constexpr TextLine nameLine{25.5, 13};
 constexpr double ringWidth = 2;
 
 } // namespace
@@ -71,7 +71,7 @@ void SettingsTabs::paintTab(QPainter &painter, int index) const
               color);
     painter.setPen(color);
     drawText(painter,
-             {middle - textWidth(tabText(index), font) / 2, place.top() + name.baseline(font)},
+             {middle - textWidth(tabText(index), font) / 2, place.top() + nameLine.baseline(font)},
              tabText(index), font);
 }
 

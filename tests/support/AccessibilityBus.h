@@ -39,12 +39,13 @@ public:
     QString role(const Object &object) const;
     bool isShowing(const Object &object) const;
     bool isChecked(const Object &object) const;
-    bool isEnabled(const Object &object) const;
     QRect place(const Object &object) const; ///< On the screen.
     QList<Object> children(const Object &object) const;
 
     /// The object that got the keyboard focus last.
     const std::optional<Object> &focused() const { return m_focused; }
+    /// Qt complains of readers that ask for an object that is gone.
+    void forgetFocus() { m_focused.reset(); }
 
     /// The window in which the object stands.
     Object window(const Object &object) const;

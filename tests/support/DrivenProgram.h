@@ -41,7 +41,7 @@ public:
     ~DrivenProgram();
 
     bool start(const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
-    const AccessibilityBus &reader() const { return m_reader; }
+    AccessibilityBus &reader() { return m_reader; }
     QProcess &process() { return m_process; }
 
     bool isRunning() const { return m_process.state() == QProcess::Running; }
