@@ -266,8 +266,8 @@ bool TestDesktop::labelShowsThePanelsNumbers()
 
 void TestDesktop::openPanel()
 {
-    const auto label = m_program.label();
-    QVERIFY(label);
+    std::optional<QPoint> label;
+    WAIT_FOR((label = m_program.label()));
     clickAt(*label);
     WAIT_FOR(m_program.panel());
 }

@@ -90,8 +90,9 @@ void TestWaylandSession::cleanupTestCase()
 /// The click takes the keys from the compositor for a moment.
 void TestWaylandSession::openPanel()
 {
-    WAIT_FOR(m_program.label());
-    clickAt(*m_program.label());
+    std::optional<QPoint> label;
+    WAIT_FOR((label = m_program.label()));
+    clickAt(*label);
     WAIT_FOR(m_program.panel());
     WAIT_FOR(activeWindow().startsWith(compositor));
 }
