@@ -19,7 +19,7 @@ const AccessibilityBus::Object registry{u"org.a11y.atspi.Registry"_s,
                                         u"/org/a11y/atspi/accessible/root"_s};
 
 /// Numbers of the states in AT-SPI's set of bits.
-enum State { checkedState = 4, enabledState = 8, showingState = 25 };
+enum State { checkedState = 4, showingState = 25 };
 
 QDBusMessage statusCall(const QString &interface, const QString &method)
 {
@@ -98,11 +98,6 @@ bool AccessibilityBus::isShowing(const Object &object) const
 bool AccessibilityBus::isChecked(const Object &object) const
 {
     return hasState(object, checkedState);
-}
-
-bool AccessibilityBus::isEnabled(const Object &object) const
-{
-    return hasState(object, enabledState);
 }
 
 QRect AccessibilityBus::place(const Object &object) const

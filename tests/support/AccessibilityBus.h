@@ -39,7 +39,6 @@ public:
     QString role(const Object &object) const;
     bool isShowing(const Object &object) const;
     bool isChecked(const Object &object) const;
-    bool isEnabled(const Object &object) const;
     QRect place(const Object &object) const; ///< On the screen.
     QList<Object> children(const Object &object) const;
 
