@@ -46,6 +46,7 @@ private slots:
     void holdsNobodyUpWhileTheDiskStalls_data();
     void holdsNobodyUpWhileTheDiskStalls();
     void readsAFileThatShrinksMeanwhile();
+    void leavesAFileAloneThatIsDeletedMeanwhile();
     void survivesALoopOfLinks();
     void survivesAHugeFile();
     void survivesAHugeLine();
@@ -225,6 +226,17 @@ void TestFaultyDisk::readsAFileThatShrinksMeanwhile()
     m_store->append(record(11)); // Behind the piece.
     m_store->append(record(12));
     QCOMPARE(loaded(*m_store), QList<int>(left) << 12);
+}
+
+void TestFaultyDisk::leavesAFileAloneThatIsDeletedMeanwhile()
+{
+    FaultyCalls::stall(Call::read, name);
+    m_store->trim(4); // Has it open by now.
+    FaultyCalls::waitForStalled();
+    QVERIFY(QFile::remove(m_path));
+    FaultyCalls::letGo();
+    QCOMPARE(loaded(*m_store), QList<int>());
+    QCOMPARE(files(), QStringList());
 }
 
 void TestFaultyDisk::survivesALoopOfLinks()
