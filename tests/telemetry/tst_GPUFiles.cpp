@@ -19,8 +19,8 @@ GPUReading readOnly(const std::string &root, std::size_t place = 0)
     return GPUFiles(findGPUDevices(root).at(place)).read(7);
 }
 
-/// A discrete card of Intel's with this driver.
-void addIntelCard(const MachineTree &machine, const std::string &driver)
+/// A discrete card with this driver.
+void addCard(const MachineTree &machine, const std::string &driver)
 {
     machine.link(slot + "/driver", "sys/bus/pci/drivers/" + driver);
     machine.link(card + "/device", slot);
@@ -38,6 +38,7 @@ private slots:
     void readsIntegratedGraphicsOfIntel();
     void readsAnXeCard();
     void readsAnI915Card();
+    void readsTheHeatAloneOfTheFreeDriverOfNVIDIAs();
     void aCounterThatNeverMovedIsNone();
     void renderSleepSwitchedOffIsNoLoad();
     void whatGoesAwayIsAbsent();
@@ -92,7 +93,7 @@ void TestGPUFiles::readsIntegratedGraphicsOfIntel()
 void TestGPUFiles::readsAnXeCard()
 {
     const MachineTree machine;
-    addIntelCard(machine, "xe");
+    addCard(machine, "xe");
     const std::string graphics = slot + "/tile0/gt0/";
     machine.write(graphics + "gtidle/idle_residency_ms", "123456\n");
     machine.write(graphics + "freq0/act_freq", "2050\n");
@@ -122,7 +123,7 @@ void TestGPUFiles::readsAnXeCard()
 void TestGPUFiles::readsAnI915Card()
 {
     const MachineTree machine;
-    addIntelCard(machine, "i915");
+    addCard(machine, "i915");
     machine.write(card + "/power/rc6_residency_ms", "777\n");
     machine.write(card + "/gt_act_freq_mhz", "1000\n");
     machine.write(slot + "/hwmon/hwmon2/name", "i915_gt0\n");
@@ -135,10 +136,23 @@ void TestGPUFiles::readsAnI915Card()
     QCOMPARE(reading.microjoules, std::optional<std::uint64_t>(2)); // Of the whole card.
 }
 
+void TestGPUFiles::readsTheHeatAloneOfTheFreeDriverOfNVIDIAs()
+{
+    const MachineTree machine;
+    addCard(machine, "nouveau");
+    machine.write(card + "/power/rc6_residency_ms", "777\n"); // Another driver's.
+    machine.write(slot + "/hwmon/hwmon2/name", "nouveau\n");
+    machine.write(slot + "/hwmon/hwmon2/temp1_input", "51000\n");
+    const GPUReading reading = readOnly(machine.root());
+    QVERIFY(!reading.busyFraction);
+    QVERIFY(!reading.idleMilliseconds);
+    QCOMPARE(reading.temperatures, std::vector{51.0});
+}
+
 void TestGPUFiles::aCounterThatNeverMovedIsNone()
 {
     const MachineTree machine;
-    addIntelCard(machine, "i915");
+    addCard(machine, "i915");
     machine.write(card + "/power/rc6_residency_ms", "0\n");
     QVERIFY(!readOnly(machine.root()).idleMilliseconds);
 }
