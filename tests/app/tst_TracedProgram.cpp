@@ -174,10 +174,11 @@ void TestTracedProgram::quit()
     QTRY_COMPARE_WITH_TIMEOUT(m_process.state(), QProcess::NotRunning, patience);
     QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_process.exitCode(), 0);
-    QByteArray said = m_process.readAllStandardError();
-    said.replace("This plugin does not support raise()\n", "");
-    said.replace("This plugin does not support grabbing the keyboard\n", "");
-    QCOMPARE(said, QByteArray());
+    QList<QByteArray> said = m_process.readAllStandardError().split('\n');
+    said.removeIf([](const QByteArray &line) {
+        return line.isEmpty() || line.startsWith("This plugin does not support ");
+    });
+    QCOMPARE(said, QList<QByteArray>());
 }
 
 /// Those of the program as it runs belong to its user or to the system, which lets all read them.
@@ -233,7 +234,8 @@ void TestTracedProgram::touchesNothingButItsOwn()
     start(platform, {u"-e"_s, u"trace=%file,%process,%network"_s});
     m_tray->call(m_tray->items().value(0), u"/StatusNotifierItem"_s,
                  QString::fromLatin1(FakeTray::itemInterface), u"Activate"_s, {600, 20});
-    click(u"Open Window"_s);
+    for (const QString &command : {u"Open Window"_s, u"Settings…"_s, u"About Corvane"_s})
+        click(command);
     // By the fourth line the processes were looked at.
     const QString history = path(u"data/Corvane/history.jsonl"_s);
     QTRY_VERIFY_WITH_TIMEOUT(contents(history).count('\n') > 3, patience);

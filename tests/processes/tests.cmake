@@ -3,6 +3,10 @@ corvane_test(processes/tst_AIProcessDetector LINK corvane::processes)
 corvane_test(processes/tst_ArgumentBlock LINK corvane::processes)
 corvane_test(processes/tst_ArgumentCache THREADED LINK corvane::processes)
 corvane_test(processes/tst_CommandLines LINK corvane::processes)
+if(TARGET tst_CommandLines)
+  target_compile_definitions(
+    tst_CommandLines PRIVATE CORVANE_COMMAND_LINES="${CMAKE_CURRENT_LIST_DIR}/command_lines.tsv")
+endif()
 corvane_test(processes/tst_FootprintRanking LINK corvane::processes)
 corvane_test(processes/tst_ProcessFiles LINK corvane::processes)
 corvane_test(processes/tst_LiveProcesses SYSTEM linux SOURCES processes/LiveProcess.cpp

@@ -23,7 +23,7 @@ std::optional<QString> unlessDash(const QString &text)
 /// The lines of the corpus, split into their columns.
 QList<QStringList> corpus()
 {
-    QFile file(QFINDTESTDATA("command_lines.tsv"));
+    QFile file(QStringLiteral(CORVANE_COMMAND_LINES));
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QList<QStringList> lines;

@@ -16,5 +16,5 @@ if(TEST sampling/LiveMemory)
   # It watches the whole machine's memory, which the other tests would move.
   set_tests_properties(sampling/LiveMemory PROPERTIES RUN_SERIAL ON)
 endif()
-corvane_test(sampling/tst_MutilatedMachine SYSTEM linux TIMEOUT 900 SOURCES support/SteppedClock.cpp
+corvane_test(sampling/tst_MutilatedMachine SYSTEM linux THREADED TIMEOUT 900 SOURCES support/SteppedClock.cpp
              LINK corvane::sampler corvane_faulty_calls)
