@@ -121,9 +121,7 @@ void CorvaneApp::connectCommands()
 void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
 {
     const auto open = [this](const QByteArray &activationToken) {
-        // Qt hands it to the compositor with the next window that asks for the focus.
-        if (!activationToken.isEmpty())
-            qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+        useActivationToken(activationToken);
         openMainWindow();
     };
     connect(&socket, &InstanceSocket::openRequested, this, open);

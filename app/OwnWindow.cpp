@@ -1,5 +1,7 @@
 #include "app/OwnWindow.h"
 
+#include "app/InstanceMessage.h"
+
 #include <QShortcut>
 #include <QWidget>
 
@@ -11,6 +13,13 @@ void bringForward(QWidget &window)
     window.show();
     window.raise();
     window.activateWindow();
+}
+
+void useActivationToken(const QByteArray &token)
+{
+    // Qt hands it to the compositor with the next window that asks for the focus.
+    if (isActivationToken({token.constData(), static_cast<std::size_t>(token.size())}))
+        qputenv("XDG_ACTIVATION_TOKEN", token);
 }
 
 void closeOnUsualKey(QWidget &window)

@@ -16,6 +16,10 @@ inline bool isOpen(const QWidget *window)
 /// Shows a window in front of the others, back from the taskbar too.
 void bringForward(QWidget &window);
 
+/// Takes the desktop's leave to come to the front for the next window that is brought there. What
+/// cannot be such a token is left.
+void useActivationToken(const QByteArray &token);
+
 /// Has a window close on Control and W, on a Mac on Command and W.
 void closeOnUsualKey(QWidget &window);
 

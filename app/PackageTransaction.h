@@ -9,7 +9,6 @@
 #include <QVariantList>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 

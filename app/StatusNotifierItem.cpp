@@ -1,5 +1,6 @@
 #include "app/StatusNotifierItem.h"
 
+#include "app/OwnWindow.h"
 #include "app/StatusNotifierWatcher.h"
 
 #include <QDBusPendingCallWatcher>
@@ -113,8 +114,7 @@ void StatusNotifierItem::Scroll(int, const QString &) { }
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString &token)
 {
-    // Qt hands it to the compositor with the next window that asks for the focus.
-    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    useActivationToken(token.toUtf8());
 }
 
 StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include "app/TrayProgram.h"
 
 namespace corvane {
 
@@ -20,12 +20,6 @@ struct TrayHost {
     ItemOrder order = ItemOrder::oldestLeft;
 
     friend bool operator==(const TrayHost &, const TrayHost &) = default;
-};
-
-/// A program as the system knows it.
-struct TrayProgram {
-    std::string name = {};       ///< The kernel's short name, cut at 15 bytes; empty: not known.
-    std::string executable = {}; ///< File name without its folder; empty: not known.
 };
 
 /// The bar behind the tray's bus name, told by the program that owns the name. One that is not in

@@ -3,6 +3,7 @@
 #include <QTest>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
 class TestOwnWindow : public QObject {
     Q_OBJECT
@@ -10,6 +11,8 @@ class TestOwnWindow : public QObject {
 private slots:
     void aWindowThatWasClosedIsNotOpen();
     void comesBackAsItWas();
+    void takesATokenOfTheDesktop_data();
+    void takesATokenOfTheDesktop();
     void closesOnItsKeys_data();
     void closesOnItsKeys();
 };
@@ -36,6 +39,27 @@ void TestOwnWindow::comesBackAsItWas()
     QVERIFY(window.isMaximized());
     QVERIFY(!window.isMinimized());
     QVERIFY(QTest::qWaitForWindowActive(&window));
+}
+
+void TestOwnWindow::takesATokenOfTheDesktop_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    QTest::addColumn<QByteArray>("expected");
+    QTest::newRow("as desktops make them") << "panel-1_TIME2"_ba
+                                           << "panel-1_TIME2"_ba;
+    QTest::newRow("none") << QByteArray() << "earlier"_ba;
+    QTest::newRow("two lines") << "a\nb"_ba
+                               << "earlier"_ba;
+    QTest::newRow("too long") << QByteArray(10'000, 'x') << "earlier"_ba;
+}
+
+void TestOwnWindow::takesATokenOfTheDesktop()
+{
+    QFETCH(QByteArray, token);
+    qputenv("XDG_ACTIVATION_TOKEN", "earlier");
+    useActivationToken(token);
+    QTEST(qgetenv("XDG_ACTIVATION_TOKEN"), "expected");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
 void TestOwnWindow::closesOnItsKeys_data()

@@ -4,7 +4,6 @@
 
 #include <QTest>
 
-#include <cmath>
 #include <limits>
 
 using namespace corvane;

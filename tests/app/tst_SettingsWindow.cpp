@@ -9,7 +9,6 @@
 #include "app/UpdateSettings.h"
 #include "app/UpdaterManager.h"
 
-#include <QPointer>
 #include <QTest>
 
 using namespace corvane;
@@ -112,6 +111,7 @@ class TestSettingsWindow : public QObject {
 
 private slots:
     void isFixedInSize();
+    void hasATabForEachPage();
     void beginsWithTheGeneralTab();
     void toggleLaunchAtLogin();
     void aFailureSpringsBackAndSaysWhy();
@@ -134,6 +134,17 @@ void TestSettingsWindow::isFixedInSize()
     QCOMPARE(shown.window.minimumSize(), QSize(520, 360));
     QCOMPARE(shown.window.maximumSize(), QSize(520, 360));
     QCOMPARE(shown.window.windowTitle(), u"Corvane Settings"_s);
+}
+
+void TestSettingsWindow::hasATabForEachPage()
+{
+    const Shown shown;
+    const auto *tabs = shown.window.findChild<SettingsTabs *>();
+    QCOMPARE(tabs->count(), 2);
+    QCOMPARE(tabs->tabText(0), u"General"_s);
+    QCOMPARE(tabs->tabData(0).toString(), u"gearshape"_s);
+    QCOMPARE(tabs->tabText(1), u"Updates"_s);
+    QCOMPARE(tabs->tabData(1).toString(), u"arrow.down.circle"_s);
 }
 
 void TestSettingsWindow::beginsWithTheGeneralTab()

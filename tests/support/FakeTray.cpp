@@ -13,6 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
+
 QDBusMessage propertyCall(const QString &item, const QString &name)
 {
     return QDBusMessage::createMethodCall(item, u"/StatusNotifierItem"_s,
@@ -59,7 +61,7 @@ void FakeTray::loseRegistrations(int number, int count)
 QVariant FakeTray::property(const QString &item, const QString &name)
 {
     const QDBusPendingCall answer = m_bus.asyncCall(propertyCall(item, name));
-    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }))
+    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, ample))
         return {};
     return answer.reply().arguments().value(0).value<QDBusVariant>().variant();
 }
@@ -70,7 +72,7 @@ QVariantList FakeTray::call(const QString &item, const QString &path, const QStr
     QDBusMessage message = QDBusMessage::createMethodCall(item, path, interface, method);
     message.setArguments(arguments);
     const QDBusPendingCall answer = m_bus.asyncCall(message);
-    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }) || answer.isError())
+    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, ample) || answer.isError())
         return {};
     return answer.reply().arguments();
 }
