@@ -11,7 +11,8 @@ namespace corvane {
 
 /// The program as the desktop addresses it by its identifier (org.freedesktop.Application on the
 /// session bus), so that a start from the desktop reaches the one that runs. Main thread. Without
-/// such a bus nothing happens; one that comes later is used from then on.
+/// such a bus nothing happens; one that comes later is used from then on. A Mac has its own event
+/// for that, which carries no token.
 class ApplicationService : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

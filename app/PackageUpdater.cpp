@@ -40,7 +40,8 @@ PackageUpdater::PackageUpdater(PackageUpdaterSources sources)
 {
     m_store.setFallbacksEnabled(false);
     // Compared as text, since anything at all would count as true.
-    m_automaticallyChecks = m_store.value(automaticKey).toString() == "true"_L1;
+    m_automaticallyChecks =
+        m_isInPackageFolder && m_store.value(automaticKey).toString() == "true"_L1;
     m_timer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] {
         m_timer.setInterval(tickInterval);
@@ -51,6 +52,8 @@ PackageUpdater::PackageUpdater(PackageUpdaterSources sources)
 
 void PackageUpdater::setAutomaticallyChecks(bool on)
 {
+    if (!m_isInPackageFolder)
+        return;
     m_store.setValue(automaticKey, on);
     if (on == m_automaticallyChecks)
         return;
@@ -61,7 +64,7 @@ void PackageUpdater::setAutomaticallyChecks(bool on)
 
 void PackageUpdater::planNextCheck()
 {
-    if (!m_automaticallyChecks || !m_isInPackageFolder) {
+    if (!m_automaticallyChecks) {
         m_timer.stop();
         return;
     }

@@ -27,13 +27,15 @@ struct PackageUpdaterSources {
 /// Updates through the packages of the system: looks for them when told and, if the user wants it,
 /// once a day. Main thread. It has no timer and no connection unless automatic checks are on or a
 /// check runs. A program outside the folders of packages (one that was built by hand, say, even
-/// beside an installed package) never asks: an update of the package would not be one of it.
+/// beside an installed package) never asks: an update of the package would not be one of it. What
+/// the user chose for the package it leaves alone.
 class PackageUpdater : public SystemUpdater {
     Q_OBJECT
 
 public:
     explicit PackageUpdater(PackageUpdaterSources sources);
 
+    bool isOffered() const override { return m_isInPackageFolder; }
     bool automaticallyChecks() const override { return m_automaticallyChecks; }
     void setAutomaticallyChecks(bool on) override;
     bool canCheck() const override { return m_isPossible && !isChecking(); }

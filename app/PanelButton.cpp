@@ -19,7 +19,6 @@ constexpr double padding = 12;
 constexpr double symbolSize = 14;
 constexpr double iconGap = 6;
 constexpr double ringWidth = 2;
-constexpr double disabledOpacity = 0.4;
 
 const QFont &textFont()
 {
@@ -74,7 +73,7 @@ void PanelButton::paintEvent(QPaintEvent *)
     if (hasFocus())
         strokeInside(painter, rect(), Theme::withOpacity(Theme::cpu(), 0.6), ringWidth);
 
-    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    painter.setOpacity(isEnabled() ? 1 : Theme::disabledOpacity);
     double x = (width() - contentWidth()) / 2;
     if (!m_symbol.isEmpty()) {
         paintIcon(painter, m_symbol,

@@ -59,8 +59,10 @@ QString loginNote()
                          + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s);
 }
 
-QString updatesNote(HostSystem system)
+QString updatesNote(bool isOffered, HostSystem system)
 {
+    if (system == HostSystem::mac && !isOffered)
+        return u"This build offers no updates of its own."_s;
     if (system == HostSystem::mac)
         return u"Updates are delivered through Sparkle. Releases are signed and verified before "
                "installation."_s;

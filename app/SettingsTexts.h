@@ -16,7 +16,8 @@ QString loginNote(HostSystem system, const QStringList &desktops, const QString 
 /// The same for this session.
 QString loginNote();
 
-/// Where updates come from and who answers for them.
-QString updatesNote(HostSystem system = hostSystem());
+/// Where updates come from and who answers for them. A Mac's build may offer none; on Linux they
+/// come with the packages even if this build is no package.
+QString updatesNote(bool isOffered, HostSystem system = hostSystem());
 
 } // namespace corvane

@@ -58,6 +58,7 @@ void Switch::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled() ? 1 : Theme::disabledOpacity);
     painter.setPen(Theme::textPrimary());
     drawText(painter, {padding, textBaseline(rect())}, text(), textFont());
 

@@ -8,12 +8,15 @@
 
 namespace corvane {
 
-/// What brings updates on this system. Owned by the UpdaterManager; main thread. A system where
-/// nothing can is one whose `canCheck` stays false.
+/// What brings updates on this system. Owned by the UpdaterManager; main thread.
 class SystemUpdater : public QObject {
     Q_OBJECT
 
 public:
+    /// Whether updates can ever come to this build. Where none can, `canCheck` stays false, nothing
+    /// is checked automatically and no choice is kept. It never changes.
+    virtual bool isOffered() const { return true; }
+
     /// The user's choice, which the updater keeps.
     virtual bool automaticallyChecks() const = 0;
     virtual void setAutomaticallyChecks(bool on) = 0;

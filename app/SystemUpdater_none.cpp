@@ -7,6 +7,7 @@ namespace {
 /// A program that was built without an updater offers no updates.
 class NoUpdater : public SystemUpdater {
 public:
+    bool isOffered() const override { return false; }
     bool automaticallyChecks() const override { return false; }
     void setAutomaticallyChecks(bool) override { }
     bool canCheck() const override { return false; }

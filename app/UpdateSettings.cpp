@@ -29,7 +29,8 @@ UpdateSettings::UpdateSettings(UpdaterManager &updater, QWidget *parent)
       m_finding(SettingsNote::outcome(Theme::textSecondary(), this)),
       m_checkNow(new PanelButton(u"Check Now"_s, {}, this))
 {
-    m_note->showMarkdown(updatesNote());
+    m_note->showMarkdown(updatesNote(updater.isOffered()));
+    m_automatic->setEnabled(updater.isOffered());
     m_automatic->setChecked(updater.automaticallyChecks());
     connect(m_automatic, &QAbstractButton::clicked, &updater,
             &UpdaterManager::setAutomaticallyChecks);

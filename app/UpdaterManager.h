@@ -25,6 +25,9 @@ public:
     explicit UpdaterManager(QObject *parent = nullptr);
     explicit UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *parent = nullptr);
 
+    /// Whether updates can ever come to this build; it never changes.
+    bool isOffered() const { return m_updater->isOffered(); }
+
     bool automaticallyChecks() const { return m_automaticallyChecks; }
 
     /// Tells observers, then the updater.

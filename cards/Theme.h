@@ -51,6 +51,9 @@ const QColor &switchOn();
 const QColor &switchOff();
 const QColor &switchStroke();
 
+/// Of what a control shows that cannot be used.
+constexpr double disabledOpacity = 0.4;
+
 /// `colour` at `opacity` times its own.
 QColor withOpacity(const QColor &colour, double opacity);
 

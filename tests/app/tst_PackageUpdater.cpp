@@ -147,6 +147,7 @@ private slots:
     void badDateCountsAsNone_data();
     void badDateCountsAsNone();
     void keepsTheChoice();
+    void buildByHandLeavesThePackagesChoice();
 
 private:
     std::unique_ptr<PackageUpdater> updater(const QString &program = u"/usr/bin/corvane"_s,
@@ -499,8 +500,10 @@ void TestPackageUpdater::buildByHandAsksNobody()
          {u"/home/me/corvane/build/app/corvane"_s, u"/usr/local/bin/corvane"_s, QString()}) {
         const auto updates = updater(program);
         const QSignalSpy changes(updates.get(), &SystemUpdater::canCheckChanged);
+        QVERIFY(!updates->isOffered());
         QVERIFY(!updates->canCheck());
         updates->setAutomaticallyChecks(true);
+        QVERIFY(!updates->automaticallyChecks());
         pass(2 * day);
         updates->tick();
         updates->check();
@@ -687,6 +690,16 @@ void TestPackageUpdater::keepsTheChoice()
     QVERIFY(!updater()->automaticallyChecks());
     QSettings().setValue(u"automaticallyChecksForUpdates"_s, u"perhaps"_s);
     QVERIFY(!updater()->automaticallyChecks());
+}
+
+void TestPackageUpdater::buildByHandLeavesThePackagesChoice()
+{
+    updater()->setAutomaticallyChecks(true);
+    const auto build = updater(u"/usr/local/bin/corvane"_s);
+    QVERIFY(!build->automaticallyChecks());
+    build->setAutomaticallyChecks(false);
+    QVERIFY(updater()->isOffered());
+    QVERIFY(updater()->automaticallyChecks());
 }
 
 QTEST_GUILESS_MAIN(TestPackageUpdater)

@@ -23,9 +23,10 @@ void TestSettingsTexts::sayWhatAMacDoes()
     QCOMPARE(loginNote(HostSystem::mac, {u"KDE"_s}, u"/home/me/entry.desktop"_s),
              u"Launch at login uses Apple's `SMAppService`. If toggling fails, enable it manually "
              "under System Settings → General → Login Items."_s);
-    QCOMPARE(updatesNote(HostSystem::mac),
+    QCOMPARE(updatesNote(true, HostSystem::mac),
              u"Updates are delivered through Sparkle. Releases are signed and verified before "
              "installation."_s);
+    QCOMPARE(updatesNote(false, HostSystem::mac), u"This build offers no updates of its own."_s);
 }
 
 void TestSettingsTexts::nameTheStartupPageOfTheDesktop_data()
@@ -72,9 +73,11 @@ void TestSettingsTexts::writeTheEntryAsShellsDo()
 
 void TestSettingsTexts::sayWhereUpdatesComeFrom()
 {
-    QCOMPARE(updatesNote(HostSystem::linuxDesktop),
-             u"Updates come with the system's packages, signed and verified by it before "
-             "installation."_s);
+    for (const bool isOffered : {true, false}) {
+        QCOMPARE(updatesNote(isOffered, HostSystem::linuxDesktop),
+                 u"Updates come with the system's packages, signed and verified by it before "
+                 "installation."_s);
+    }
 }
 
 QTEST_MAIN(TestSettingsTexts)

@@ -3,6 +3,7 @@
 #include "app/PanelButton.h"
 #include "app/SettingsNote.h"
 #include "app/SettingsTabs.h"
+#include "app/SettingsTexts.h"
 #include "app/SettingsWindow.h"
 #include "app/Switch.h"
 #include "app/SystemUpdater.h"
@@ -44,6 +45,7 @@ struct Login {
 /// Updates that a test finds.
 class Updates : public SystemUpdater {
 public:
+    bool isOffered() const override { return offered; }
     bool automaticallyChecks() const override { return automatic; }
     void setAutomaticallyChecks(bool on) override { automatic = on; }
     bool canCheck() const override { return !isChecking; }
@@ -66,6 +68,7 @@ public:
         emit findingChanged();
     }
 
+    bool offered = true;
     bool automatic = false;
     bool isChecking = false;
     int checks = 0;
@@ -75,7 +78,7 @@ public:
 
 /// The settings of a program, in sight.
 struct Shown {
-    Shown() { window.show(); }
+    explicit Shown(Updates *system = new Updates) : updates(system) { window.show(); }
 
     /// The switch of the page in sight.
     Switch &theSwitch() const
@@ -98,7 +101,7 @@ struct Shown {
     }
 
     Login login;
-    Updates *updates = new Updates; ///< The manager's.
+    Updates *updates; ///< The manager's.
     LaunchAtLoginManager launch{login.item()};
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     SettingsWindow window{launch, updater};
@@ -120,6 +123,7 @@ private slots:
     void readsTheRealStateWhenTheUserComesBack();
     void tellsVersionAndUpdates();
     void togglesAutomaticChecks();
+    void promisesNothingWhereNoUpdatesCanCome();
     void checksOnceAtATime();
     void saysWhatACheckFound();
     void aLongFindingKeepsAwayFromTheButton();
@@ -235,6 +239,7 @@ void TestSettingsWindow::tellsVersionAndUpdates()
     QCOMPARE(texts[1], u"Current version: "_s + shown.updater.currentVersion());
     QVERIFY(texts[2].startsWith(u"Updates "_s));
     QCOMPARE(shown.theSwitch().text(), u"Check for updates automatically"_s);
+    QVERIFY(shown.theSwitch().isEnabled());
 }
 
 void TestSettingsWindow::togglesAutomaticChecks()
@@ -245,6 +250,21 @@ void TestSettingsWindow::togglesAutomaticChecks()
     QVERIFY(shown.updates->automatic);
     shown.updater.setAutomaticallyChecks(false);
     QVERIFY(!shown.theSwitch().isChecked());
+}
+
+void TestSettingsWindow::promisesNothingWhereNoUpdatesCanCome()
+{
+    auto *none = new Updates;
+    none->offered = false;
+    none->isChecking = true;
+    Shown shown(none);
+    shown.window.showTab(SettingsTab::updates);
+    QVERIFY(!shown.theSwitch().isEnabled());
+    shown.theSwitch().click();
+    QVERIFY(!shown.theSwitch().isChecked());
+    QVERIFY(!none->automatic);
+    QVERIFY(!shown.window.findChild<PanelButton *>()->isEnabled());
+    QCOMPARE(shown.texts().value(2), updatesNote(false));
 }
 
 void TestSettingsWindow::checksOnceAtATime()

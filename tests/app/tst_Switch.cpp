@@ -39,6 +39,7 @@ private slots:
     void isACheckBoxForReaders();
     void itsKnobShowsItsState_data();
     void itsKnobShowsItsState();
+    void isFaintWhileItCannotBeUsed();
     void showsItsFocusByKeyboardOnly();
 };
 
@@ -97,6 +98,17 @@ void TestSwitch::itsKnobShowsItsState()
     QCOMPARE(pixelAt(picture, 468, 20).alpha(), 0);
     QCOMPARE(pixelAt(picture, 450, 9).alpha(), 0);
     QVERIFY(pixelAt(picture, 450, 10).alpha() > 0);
+}
+
+void TestSwitch::isFaintWhileItCannotBeUsed()
+{
+    Shown shown;
+    shown.row.setEnabled(false);
+    QTest::mouseClick(&shown.row, Qt::LeftButton);
+    QVERIFY(!shown.row.isChecked());
+    const QColor knob = pixelAt(rendered(shown.row, 1), 442, 20);
+    shown.row.setEnabled(true);
+    QVERIFY(knob.alpha() < pixelAt(rendered(shown.row, 1), 442, 20).alpha());
 }
 
 void TestSwitch::showsItsFocusByKeyboardOnly()

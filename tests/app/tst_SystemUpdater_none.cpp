@@ -17,6 +17,7 @@ private slots:
 void TestSystemUpdaterNone::offersNothing()
 {
     const UpdaterManager manager;
+    QVERIFY(!manager.isOffered());
     QVERIFY(!manager.canCheck());
     QVERIFY(!manager.automaticallyChecks());
     QVERIFY(!manager.finding());

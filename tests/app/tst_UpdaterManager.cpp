@@ -91,6 +91,7 @@ void TestUpdaterManager::namesThisVersion()
 void TestUpdaterManager::startsWithTheStateOfTheUpdater()
 {
     const Scripted scripted;
+    QVERIFY(scripted.manager.isOffered());
     QVERIFY(scripted.manager.automaticallyChecks());
     QVERIFY(scripted.manager.canCheck());
     QVERIFY(!scripted.manager.finding());

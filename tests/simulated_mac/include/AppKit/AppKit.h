@@ -25,6 +25,7 @@ extern NSString *const NSAboutPanelOptionApplicationName;
 extern NSString *const NSAboutPanelOptionVersion;
 extern NSString *const NSAboutPanelOptionApplicationVersion;
 
+extern NSString *const NSApplicationWillFinishLaunchingNotification;
 extern NSString *const NSWindowWillCloseNotification;
 
 } // extern "C"

@@ -40,7 +40,13 @@ enum : NSKeyValueObservingOptions {
     NSKeyValueObservingOptionInitial = 4,
 };
 
-@class NSDictionary, NSOperationQueue, NSString;
+typedef unsigned int FourCharCode;
+typedef FourCharCode AEEventClass;
+typedef FourCharCode AEEventID;
+enum : AEEventClass { kCoreEventClass = 'aevt' };
+enum : AEEventID { kAEReopenApplication = 'rapp' };
+
+@class NSAppleEventDescriptor, NSDictionary, NSOperationQueue, NSString;
 
 @protocol NSObject
 - (BOOL)isKindOfClass:(Class)kind;
@@ -115,10 +121,20 @@ __attribute__((objc_root_class))
                             object:(id)object
                              queue:(NSOperationQueue *)queue
                         usingBlock:(void (^)(NSNotification *notification))block;
+- (void)addObserver:(id)observer selector:(SEL)selector name:(NSString *)name object:(id)object;
 - (void)removeObserver:(id)observer;
 @end
 
 @interface NSOperationQueue : NSObject
 @property (class, readonly, strong) NSOperationQueue *mainQueue;
 - (void)addOperationWithBlock:(void (^)(void))block;
+@end
+
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager *)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
+- (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
 @end
