@@ -33,6 +33,7 @@ corvane_test(app/tst_InstanceMessage LINK corvane::instance)
 corvane_test(app/tst_InstanceFolder LINK corvane::instance)
 corvane_test(app/tst_InstanceSocket LINK corvane::instance)
 corvane_test(app/tst_SingleInstance THREADED LINK corvane::instance)
+corvane_test(app/tst_UnlockableFolder SYSTEM linux THREADED LINK corvane::instance corvane_faulty_calls)
 corvane_test(app/tst_DisplayGuard LINK corvane::app)
 corvane_test(app/tst_CleanEnd LINK corvane::app)
 corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp
