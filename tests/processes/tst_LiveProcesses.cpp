@@ -47,11 +47,10 @@ auto find(const Rows &rows, std::int64_t pid)
 [[noreturn]] void listAsOrdinaryUser(const char *option, const char *folder,
                                      const std::string &root)
 {
-    constexpr uid_t nobody = 65534;
+    const uid_t user = 100'000 + getpid(); // Who has no other process.
     const bool isReady = unshare(CLONE_NEWNS) == 0
         && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
-        && mount("proc", folder, "proc", 0, option) == 0 && setgid(nobody) == 0
-        && setuid(nobody) == 0;
+        && mount("proc", folder, "proc", 0, option) == 0 && setgid(user) == 0 && setuid(user) == 0;
     if (!isReady)
         _exit(notPermitted);
     const auto all = ProcessBridge::allProcesses(root);
