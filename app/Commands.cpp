@@ -13,6 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// A newer version that was found is told where everybody passes by: in the menus.
+QString updatesText(const std::optional<QString> &availableVersion)
+{
+    return availableVersion ? u"Corvane %1 Is Available…"_s.arg(*availableVersion)
+                            : u"Check for Updates…"_s;
+}
+
 QAction *makeLine(QObject *parent)
 {
     auto *line = new QAction(parent);
@@ -42,7 +49,7 @@ Commands::Commands(QObject *parent, HostSystem system)
     : QObject(parent),
       m_openWindow(new QAction(u"Open Window"_s, this)),
       m_about(new QAction(u"About Corvane"_s, this)),
-      m_checkForUpdates(new QAction(u"Check for Updates…"_s, this)),
+      m_checkForUpdates(new QAction(updatesText({}), this)),
       m_settings(new QAction(u"Settings…"_s, this)),
       m_quit(new QAction(u"Quit"_s, this)),
       m_lines{makeLine(this), makeLine(this)}
@@ -63,6 +70,11 @@ void Commands::follow(const UpdaterManager &updater)
 {
     m_checkForUpdates->setEnabled(updater.canCheck());
     connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
+    const auto showAvailable = [this, &updater] {
+        m_checkForUpdates->setText(updatesText(updater.availableVersion()));
+    };
+    connect(&updater, &UpdaterManager::availableVersionChanged, m_checkForUpdates, showAvailable);
+    showAvailable();
 }
 
 QList<QAction *> Commands::inMenuOrder() const

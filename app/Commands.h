@@ -31,7 +31,7 @@ public:
     QAction *settings() const { return m_settings; }
     QAction *quit() const { return m_quit; }
 
-    /// Has updates be checked for only while they can be.
+    /// Has updates be checked for only while they can be, and the command for it tell of one.
     void follow(const UpdaterManager &updater);
 
     /// In the order of a menu, with lines between the groups.

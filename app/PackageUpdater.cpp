@@ -135,8 +135,11 @@ void PackageUpdater::take(const UpdateReport &report)
         m_check.release()->deleteLater(); // It is the one that tells.
 
     using enum UpdateReport::Outcome;
-    if (report.outcome != failed)
+    if (report.outcome != failed) {
         m_isPossible = report.outcome != noService && report.outcome != notAPackage;
+        m_availableVersion =
+            report.outcome == available ? std::optional(report.version) : std::nullopt;
+    }
     if (!wasLook)
         m_report = report;
     else if (report.outcome != failed)

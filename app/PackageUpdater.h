@@ -45,6 +45,7 @@ public:
     void refresh() override;
 
     std::optional<QString> finding() const override;
+    std::optional<QString> availableVersion() const override { return m_availableVersion; }
 
     /// Starts the daily check if its time has come; called now and then by a timer.
     void tick();
@@ -65,6 +66,7 @@ private:
     double m_nextCheck = 0; ///< In seconds since boot, so that no jump of the clock matters.
     std::unique_ptr<PackageCheck> m_check; ///< The one that runs.
     std::optional<UpdateReport> m_report;  ///< Of the last one that is worth telling.
+    std::optional<QString> m_availableVersion;
 };
 
 } // namespace corvane

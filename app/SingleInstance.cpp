@@ -61,11 +61,13 @@ SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::mill
         return;
     m_socketPath = instanceSocket(folder);
     const Clock::time_point deadline = Clock::now() + patience;
-    while (!m_lock.take()) {
+    for (auto holder = m_lock.take(); holder != FolderLock::Holder::self; holder = m_lock.take()) {
         if (ask(m_socketPath, message, deadline)) {
             m_standing = Standing::second;
             return;
         }
+        if (holder == FolderLock::Holder::nobody)
+            return;
         if (Clock::now() >= deadline) {
             m_standing = Standing::unanswered;
             return;

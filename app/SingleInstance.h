@@ -11,7 +11,7 @@ namespace corvane {
 
 /// Makes this process the user's one Corvane; where there is one, asks that to open its dashboard.
 /// Made first of all and kept until the process ends, since the lock goes with it. Without a folder
-/// for the lock there is no telling, and this process takes itself for the first.
+/// that can be locked, this process takes itself for the first unless another answers right away.
 class SingleInstance {
 public:
     enum class Standing {

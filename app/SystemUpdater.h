@@ -32,6 +32,10 @@ public:
     /// What the last check found, as one sentence; absent where the updater has windows of its own.
     virtual std::optional<QString> finding() const { return std::nullopt; }
 
+    /// The newer version that the last answer told of, a failed check aside; absent where there is
+    /// none, and where the updater has windows of its own. Changes with the finding.
+    virtual std::optional<QString> availableVersion() const { return std::nullopt; }
+
 signals:
     void canCheckChanged();
     void findingChanged();

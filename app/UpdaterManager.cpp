@@ -17,7 +17,8 @@ UpdaterManager::UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *
     : QObject(parent),
       m_updater(std::move(updater)),
       m_automaticallyChecks(m_updater->automaticallyChecks()),
-      m_canCheck(m_updater->canCheck())
+      m_canCheck(m_updater->canCheck()),
+      m_availableVersion(m_updater->availableVersion())
 {
     connect(m_updater.get(), &SystemUpdater::canCheckChanged, this, [this] {
         if (m_canCheck == m_updater->canCheck())
@@ -25,7 +26,13 @@ UpdaterManager::UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *
         m_canCheck = !m_canCheck;
         emit canCheckChanged(m_canCheck);
     });
-    connect(m_updater.get(), &SystemUpdater::findingChanged, this, &UpdaterManager::findingChanged);
+    connect(m_updater.get(), &SystemUpdater::findingChanged, this, [this] {
+        const bool isOther = m_availableVersion != m_updater->availableVersion();
+        m_availableVersion = m_updater->availableVersion();
+        if (isOther)
+            emit availableVersionChanged();
+        emit findingChanged();
+    });
 }
 
 void UpdaterManager::setAutomaticallyChecks(bool on)

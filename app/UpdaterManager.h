@@ -20,6 +20,8 @@ class UpdaterManager : public QObject {
                    automaticallyChecksChanged)
     Q_PROPERTY(bool canCheck READ canCheck NOTIFY canCheckChanged)
     Q_PROPERTY(std::optional<QString> finding READ finding NOTIFY findingChanged)
+    Q_PROPERTY(std::optional<QString> availableVersion READ availableVersion NOTIFY
+                   availableVersionChanged)
 
 public:
     explicit UpdaterManager(QObject *parent = nullptr);
@@ -42,6 +44,10 @@ public:
     /// system's updater shows it itself.
     std::optional<QString> finding() const { return m_updater->finding(); }
 
+    /// The newer version that is there to be installed, as far as is known. Absent where the
+    /// system's updater shows it itself.
+    std::optional<QString> availableVersion() const { return m_availableVersion; }
+
     void checkForUpdates();
 
     /// To be called when the settings are shown: looks anew whether updates can come at all.
@@ -51,11 +57,13 @@ signals:
     void automaticallyChecksChanged(bool automaticallyChecks);
     void canCheckChanged(bool canCheck);
     void findingChanged();
+    void availableVersionChanged();
 
 private:
     const std::unique_ptr<SystemUpdater> m_updater;
     bool m_automaticallyChecks;
     bool m_canCheck;
+    std::optional<QString> m_availableVersion;
 };
 
 } // namespace corvane

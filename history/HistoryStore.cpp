@@ -33,7 +33,7 @@ void HistoryStore::append(const PersistedMetric &metric)
 {
     m_queue.async([this, metric] {
         const auto line = metric.toJson();
-        if (line && m_writer.take())
+        if (line && mayWrite())
             m_file.append(line->toStdString());
     });
 }
@@ -55,7 +55,7 @@ std::vector<PersistedMetric> HistoryStore::loadLast(int n)
 void HistoryStore::trim(int toLast)
 {
     m_queue.async([this, toLast] {
-        if (m_writer.take())
+        if (mayWrite())
             m_file.keepLast(static_cast<std::size_t>(std::max(toLast, 0)));
     });
 }

@@ -15,7 +15,8 @@ namespace corvane {
 /// uses it on the main thread; the file work runs on one serial queue, in order, and is finished
 /// when the store is gone. Failures are told to nobody: the record or operation is lost, no more.
 /// While another store writes into the folder, of this process or another, this one only reads; it
-/// writes from when the other is gone.
+/// writes from when the other is gone. Where folders cannot be locked there is no telling: it
+/// writes.
 class HistoryStore {
 public:
     /// Creates the folder and an empty file where they are missing. A file that is deleted later
@@ -36,6 +37,8 @@ public:
     void trim(int toLast);
 
 private:
+    bool mayWrite() { return m_writer.take() != FolderLock::Holder::other; }
+
     LineFile m_file;     ///< Used on the queue only, once constructed.
     FolderLock m_writer; ///< Likewise. Held from the first write on.
     SerialQueue m_queue;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 
@@ -9,14 +10,17 @@ namespace corvane {
 
 FolderLock::FolderLock(std::string folder) : m_folder(std::move(folder)) { }
 
-bool FolderLock::take()
+FolderLock::Holder FolderLock::take()
 {
     if (m_descriptor)
-        return true;
+        return Holder::self;
     FileDescriptor folder(open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder && flock(folder.get(), LOCK_EX | LOCK_NB) == 0)
-        m_descriptor = std::move(folder);
-    return static_cast<bool>(m_descriptor);
+    if (!folder)
+        return Holder::nobody;
+    if (flock(folder.get(), LOCK_EX | LOCK_NB) != 0)
+        return errno == EWOULDBLOCK ? Holder::other : Holder::nobody;
+    m_descriptor = std::move(folder);
+    return Holder::self;
 }
 
 } // namespace corvane

@@ -10,11 +10,17 @@ namespace corvane {
 /// process, however that ends, and leaves nothing behind in the folder. One thread at a time.
 class FolderLock {
 public:
+    enum class Holder {
+        self,
+        other,
+        nobody, ///< The folder is not there, or cannot be locked: not all file systems can.
+    };
+
     explicit FolderLock(std::string folder);
 
-    /// Whether it is held here: taken now if it is free, which it may be later than sooner. Never
-    /// waits; a folder that is not there cannot be locked.
-    bool take();
+    /// Who holds it from now on: it is taken if it is free, which it may be later than sooner.
+    /// Never waits.
+    Holder take();
 
 private:
     std::string m_folder;

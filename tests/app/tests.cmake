@@ -33,6 +33,7 @@ corvane_test(app/tst_InstanceMessage LINK corvane::instance)
 corvane_test(app/tst_InstanceFolder LINK corvane::instance)
 corvane_test(app/tst_InstanceSocket LINK corvane::instance)
 corvane_test(app/tst_SingleInstance THREADED LINK corvane::instance)
+corvane_test(app/tst_UnlockableFolder SYSTEM linux THREADED LINK corvane::instance corvane_faulty_calls)
 corvane_test(app/tst_DisplayGuard LINK corvane::app)
 corvane_test(app/tst_CleanEnd LINK corvane::app)
 corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp
@@ -41,7 +42,15 @@ corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
              SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/VirtualDisplay.cpp LINK corvane::app)
 corvane_test(app/tst_TracedProgram SYSTEM linux TIMEOUT 900
              SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/SystemCalls.cpp LINK corvane::app)
-foreach(test tst_RunningProgram tst_TracedProgram)
+# Where there is what session managers of X11 are made with.
+find_path(CORVANE_SM_HEADERS X11/SM/SMlib.h)
+find_library(CORVANE_SM SM)
+find_library(CORVANE_ICE ICE)
+if(CORVANE_SM_HEADERS AND CORVANE_SM AND CORVANE_ICE)
+  corvane_test(app/tst_SessionEnd SYSTEM linux SOURCES support/SessionManager.cpp support/VirtualDisplay.cpp
+               LINK ${CORVANE_SM} ${CORVANE_ICE})
+endif()
+foreach(test tst_RunningProgram tst_TracedProgram tst_SessionEnd)
   if(TARGET ${test})
     add_dependencies(${test} corvane)
     target_compile_definitions(${test} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")

@@ -32,6 +32,7 @@ public:
     void setAutomaticallyChecks(bool) override { }
     bool canCheck() const override { return !m_isChecking; }
     void check() override { setChecking(true); }
+    std::optional<QString> availableVersion() const override { return m_availableVersion; }
 
     void setChecking(bool on)
     {
@@ -39,8 +40,15 @@ public:
         emit canCheckChanged();
     }
 
+    void find(const std::optional<QString> &version)
+    {
+        m_availableVersion = version;
+        emit findingChanged();
+    }
+
 private:
     bool m_isChecking = false;
+    std::optional<QString> m_availableVersion;
 };
 
 } // namespace
@@ -55,6 +63,7 @@ private slots:
     void takeTheirPlacesInAMacsMenus();
     void nothingMakesANewWindow();
     void updatesAreCheckedForOnceAtATime();
+    void tellOfANewerVersion();
     void aMenuOfThemClosesByItself();
     void aWidgetWithoutActionsHasNoMenu();
 };
@@ -124,6 +133,22 @@ void TestCommands::updatesAreCheckedForOnceAtATime()
         QCOMPARE(commands.checkForUpdates()->isEnabled(), !isChecking);
         QCOMPARE(checkNow->isEnabled(), !isChecking);
     }
+}
+
+void TestCommands::tellOfANewerVersion()
+{
+    auto *updates = new Updates;
+    UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
+    updates->find(u"0.2.0"_s);
+    Commands commands;
+    commands.follow(updater);
+    const QAction *command = commands.checkForUpdates();
+    QCOMPARE(command->text(), u"Corvane 0.2.0 Is Available…"_s);
+    QVERIFY(command->isEnabled());
+    updates->find(u"1:0.3.0~rc1"_s);
+    QCOMPARE(command->text(), u"Corvane 1:0.3.0~rc1 Is Available…"_s);
+    updates->find(std::nullopt);
+    QCOMPARE(command->text(), u"Check for Updates…"_s);
 }
 
 void TestCommands::aMenuOfThemClosesByItself()

@@ -136,6 +136,10 @@ private slots:
     void buildByHandAsksNobody();
     void isQuietUnlessAskedFor();
 
+    void namesANewerVersionUntilItIsGone_data();
+    void namesANewerVersionUntilItIsGone();
+    void namesNoVersionOfListsThatWereTamperedWith();
+
     void looksWhenTheSettingsAreShown();
     void lookForgetsAnUpdateThatIsInstalled();
     void lookKeepsWhatACheckFound();
@@ -532,6 +536,61 @@ void TestPackageUpdater::isQuietUnlessAskedFor()
     updates->check();
     QVERIFY(waitForEnd(*updates));
     QTRY_COMPARE_WITH_TIMEOUT(namesOnTheBus(), before, 30'000);
+}
+
+void TestPackageUpdater::namesANewerVersionUntilItIsGone_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<Signals>("answer");
+    QTest::addColumn<std::optional<QString>>("version");
+    const std::optional<QString> none;
+    const std::optional<QString> found = u"0.2.0"_s;
+    const auto newerUpdate = Fake::package(5, u"corvane;0.3.0;all;x"_s);
+    QTest::newRow("it still is there") << QString() << Signals() << found;
+    QTest::newRow("an answer that is none")
+        << u"Resolve"_s << Signals{Fake::error(4), Fake::finished(2)} << found;
+    QTest::newRow("an even newer one")
+        << u"GetUpdates"_s << Signals{newerUpdate, Fake::finished()} << std::optional(u"0.3.0"_s);
+    QTest::newRow("it is installed")
+        << u"Resolve"_s
+        << Signals{Fake::package(1, u"corvane;0.2.0;all;installed:x"_s), Fake::finished()} << none;
+    QTest::newRow("it was withdrawn") << u"GetUpdates"_s << Signals{Fake::finished()} << none;
+    QTest::newRow("the package was removed") << u"Resolve"_s << Signals{Fake::finished()} << none;
+}
+
+/// Whether a check or a look tells of it.
+void TestPackageUpdater::namesANewerVersionUntilItIsGone()
+{
+    QFETCH(const QString, action);
+    QFETCH(const Signals, answer);
+    for (const auto ask : {&PackageUpdater::check, &PackageUpdater::refresh}) {
+        m_fake->answers = answersWithAnUpdate();
+        const auto updates = updater();
+        QVERIFY(!updates->availableVersion());
+        updates->check();
+        QVERIFY(waitForEnd(*updates));
+        QCOMPARE(updates->availableVersion(), u"0.2.0"_s);
+
+        m_fake->answers.insert(
+            u"Resolve"_s,
+            {oldPackage, newPackage, Fake::package(2, u"corvane;0.3.0;all;x"_s), Fake::finished()});
+        m_fake->answers.insert(action, answer);
+        ((*updates).*ask)();
+        QVERIFY(waitForEnd(*updates));
+        QTEST(updates->availableVersion(), "version");
+    }
+}
+
+void TestPackageUpdater::namesNoVersionOfListsThatWereTamperedWith()
+{
+    const auto updates = updater();
+    updates->check();
+    QVERIFY(waitForEnd(*updates));
+    QVERIFY(updates->availableVersion());
+    m_fake->answers.insert(u"RefreshCache"_s, {Fake::error(30), Fake::finished(2)});
+    updates->check();
+    QVERIFY(waitForEnd(*updates));
+    QVERIFY(!updates->availableVersion());
 }
 
 void TestPackageUpdater::looksWhenTheSettingsAreShown()

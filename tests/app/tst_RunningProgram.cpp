@@ -261,7 +261,7 @@ void TestRunningProgram::twoSessionsDoNotMeetAndOneWritesTheHistory()
     const Corvane second(m_environment);
     TRY_VERIFY(QFile::exists(path(u"elsewhere/io.github.corvane.Corvane/socket"_s)));
     QVERIFY(first.isRunning() && second.isRunning());
-    QVERIFY(!FolderLock(historyFolder().toStdString()).take());
+    QCOMPARE(FolderLock(historyFolder().toStdString()).take(), FolderLock::Holder::other);
 
     first.kill();
     const std::size_t count = records().size();
@@ -274,10 +274,10 @@ void TestRunningProgram::runsWhereNoFolderCanBeHad()
         QVERIFY(QDir(m_home->path()).rmdir(folder));
     const Corvane first(m_environment);
     TRY_VERIFY(records().size() > 1);
-    QVERIFY(!FolderLock(historyFolder().toStdString()).take());
+    QCOMPARE(FolderLock(historyFolder().toStdString()).take(), FolderLock::Holder::other);
     first.send(SIGTERM);
     QCOMPARE(first.status(), 0);
-    QVERIFY(FolderLock(historyFolder().toStdString()).take());
+    QCOMPARE(FolderLock(historyFolder().toStdString()).take(), FolderLock::Holder::self);
 }
 
 void TestRunningProgram::hostileClientsDoNothing()

@@ -13,6 +13,7 @@
 
 #include <memory>
 
+#include <csignal>
 #include <grp.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -61,6 +62,8 @@ private slots:
     void touchesNothingButItsOwn();
     void goesOnWhereItsDiskDoesNot_data();
     void goesOnWhereItsDiskDoesNot();
+    void writesItsLastSampleBeforeItEnds_data();
+    void writesItsLastSampleBeforeItEnds();
 
 private:
     QString path(const QString &name) const { return m_home->filePath(name); }
@@ -68,6 +71,8 @@ private:
     QVariantList callMenu(const QString &method, const QVariantList &arguments);
     void click(const QString &label);
     void quit();
+    void checkEnd();
+    qint64 processId() const;
     void checkOpenFiles();
     bool mayChange(const QString &path) const;
     qsizetype count(const QByteArray &text) const { return contents(path(u"trace"_s)).count(text); }
@@ -140,6 +145,11 @@ void TestTracedProgram::start(const QString &platform, const QStringList &option
         environment.insert(u"QT_QPA_PLATFORM"_s, platform);
     }
     m_process.setProcessEnvironment(environment);
+    m_process.setChildProcessModifier([] {
+        // As a session starts its programs, whoever runs the tests.
+        for (const int number : {SIGTERM, SIGINT, SIGHUP})
+            std::signal(number, SIG_DFL);
+    });
     m_process.start(u"strace"_s,
                     QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
                         + QStringList{path(u"corvane"_s)});
@@ -171,6 +181,11 @@ void TestTracedProgram::click(const QString &label)
 void TestTracedProgram::quit()
 {
     click(u"Quit"_s);
+    checkEnd();
+}
+
+void TestTracedProgram::checkEnd()
+{
     QTRY_COMPARE_WITH_TIMEOUT(m_process.state(), QProcess::NotRunning, patience);
     QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_process.exitCode(), 0);
@@ -181,12 +196,17 @@ void TestTracedProgram::quit()
     QCOMPARE(said, QList<QByteArray>());
 }
 
+/// Of the program, which strace has as its only child.
+qint64 TestTracedProgram::processId() const
+{
+    const QByteArray children = contents(u"/proc/%1/task/%1/children"_s.arg(m_process.processId()));
+    return children.split(' ').value(0).toLongLong();
+}
+
 /// Those of the program as it runs belong to its user or to the system, which lets all read them.
 void TestTracedProgram::checkOpenFiles()
 {
-    const QByteArray children = contents(u"/proc/%1/task/%1/children"_s.arg(m_process.processId()));
-    const QString descriptors =
-        u"/proc/%1/fd/"_s.arg(QString::fromLatin1(children.split(' ').value(0)));
+    const QString descriptors = u"/proc/%1/fd/"_s.arg(processId());
     const QStringList names =
         QDir(descriptors).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
     QVERIFY(!names.isEmpty());
@@ -287,6 +307,40 @@ void TestTracedProgram::goesOnWhereItsDiskDoesNot()
     QTRY_VERIFY_WITH_TIMEOUT(count("/proc/meminfo>, \"MemTotal") > reads + 3, patience);
     quit();
     QVERIFY(contents(history).count('\n') <= 2);
+}
+
+void TestTracedProgram::writesItsLastSampleBeforeItEnds_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP;
+    QTest::newRow("the command to quit") << 0;
+}
+
+/// Its main thread reads the memory once a sample; another writes a line for each.
+void TestTracedProgram::writesItsLastSampleBeforeItEnds()
+{
+    QFETCH(const int, signal);
+    const QString history = path(u"data/Corvane/history.jsonl"_s);
+    // The disk takes six seconds for the second line, and for every eighth behind it.
+    start(u"offscreen"_s,
+          {u"-P"_s, history, u"-P"_s, u"/proc/meminfo"_s, u"-e"_s,
+           u"inject=write:delay_enter=6000000:when=2+8"_s});
+    const qint64 program = processId();
+    const QRegularExpression read(u"^%1 +pread64\\("_s.arg(program),
+                                  QRegularExpression::MultilineOption);
+    const auto samples = [&] {
+        return QString::fromLatin1(contents(path(u"trace"_s))).count(read);
+    };
+    const auto lines = [&] { return contents(history).count('\n'); };
+    QTRY_VERIFY_WITH_TIMEOUT(samples() > lines() + 2, patience);
+    if (signal == 0)
+        click(u"Quit"_s);
+    else
+        QCOMPARE(kill(static_cast<pid_t>(program), signal), 0);
+    checkEnd();
+    QCOMPARE(lines(), samples());
 }
 
 int main(int argc, char **argv)

@@ -17,6 +17,7 @@ public:
     void check() override { setCanCheck(false); }
     void refresh() override { ++m_refreshes; }
     std::optional<QString> finding() const override { return m_finding; }
+    std::optional<QString> availableVersion() const override { return m_availableVersion; }
 
     void setCanCheck(bool can)
     {
@@ -24,9 +25,10 @@ public:
         emit canCheckChanged();
     }
 
-    void find(const QString &finding)
+    void find(const QString &finding, const std::optional<QString> &version = {})
     {
         m_finding = finding;
+        m_availableVersion = version;
         emit findingChanged();
     }
 
@@ -36,6 +38,7 @@ private:
     bool m_automaticallyChecks = true;
     bool m_canCheck = true;
     std::optional<QString> m_finding;
+    std::optional<QString> m_availableVersion;
     int m_refreshes = 0;
 };
 
@@ -57,6 +60,7 @@ private slots:
     void tellsObserversBeforeTheUpdater();
     void cannotCheckWhileACheckRuns();
     void passesTheFindingOn();
+    void tellsOfANewerVersion();
     void looksAnewWhenAsked();
 };
 
@@ -95,6 +99,7 @@ void TestUpdaterManager::startsWithTheStateOfTheUpdater()
     QVERIFY(scripted.manager.automaticallyChecks());
     QVERIFY(scripted.manager.canCheck());
     QVERIFY(!scripted.manager.finding());
+    QVERIFY(!scripted.manager.availableVersion());
 }
 
 void TestUpdaterManager::tellsObserversBeforeTheUpdater()
@@ -131,6 +136,20 @@ void TestUpdaterManager::passesTheFindingOn()
     scripted.updater->find(u"Corvane is up to date."_s);
     QCOMPARE(scripted.manager.finding(), u"Corvane is up to date."_s);
     QCOMPARE(changes.count(), 1);
+}
+
+void TestUpdaterManager::tellsOfANewerVersion()
+{
+    Scripted scripted;
+    QList<QString> told;
+    connect(&scripted.manager, &UpdaterManager::availableVersionChanged, this,
+            [&] { told.append(scripted.manager.availableVersion().value_or(u"none"_s)); });
+    scripted.updater->find(u"Corvane is up to date."_s);
+    scripted.updater->find(u"Corvane 0.2.0 is available."_s, u"0.2.0"_s);
+    scripted.updater->find(u"The check failed."_s, u"0.2.0"_s);
+    scripted.updater->find(u"Corvane 0.3.0 is available."_s, u"0.3.0"_s);
+    scripted.updater->find(u"Corvane is up to date."_s);
+    QCOMPARE(told, (QList<QString>{u"0.2.0"_s, u"0.3.0"_s, u"none"_s}));
 }
 
 void TestUpdaterManager::looksAnewWhenAsked()

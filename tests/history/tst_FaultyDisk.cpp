@@ -38,6 +38,8 @@ private slots:
     void losesTheRecordThatWasRefused();
     void losesTheCutRecordAndTheOneBehindIt();
     void writesOnAfterAnInterruption();
+    void writesWhereNothingCanBeLocked_data();
+    void writesWhereNothingCanBeLocked();
     void keepsTheFileThatCouldNotBeCut_data();
     void keepsTheFileThatCouldNotBeCut();
     void cutsWithWritesThatTakeAPart();
@@ -128,6 +130,28 @@ void TestFaultyDisk::writesOnAfterAnInterruption()
     FaultyCalls::fail(Call::read, name, EINTR, 3);
     m_store->append(record(11));
     QCOMPARE(loaded(*m_store), numbers(1, 11));
+}
+
+void TestFaultyDisk::writesWhereNothingCanBeLocked_data()
+{
+    QTest::addColumn<Call>("call");
+    QTest::addColumn<int>("error");
+    QTest::newRow("the server keeps no locks") << Call::lock << ENOLCK;
+    QTest::newRow("the file system has none") << Call::lock << EOPNOTSUPP;
+    QTest::newRow("the system has none") << Call::lock << ENOSYS;
+    QTest::newRow("the folder cannot be read itself") << Call::open << EACCES;
+}
+
+void TestFaultyDisk::writesWhereNothingCanBeLocked()
+{
+    QFETCH(const Call, call);
+    QFETCH(const int, error);
+    m_store.reset();
+    FaultyCalls::fail(call, m_folder->path().toStdString(), error);
+    m_store = std::make_unique<HistoryStore>(m_folder->path());
+    m_store->append(record(11));
+    m_store->trim(4);
+    QCOMPARE(loaded(*m_store), numbers(8, 11));
 }
 
 void TestFaultyDisk::keepsTheFileThatCouldNotBeCut_data()

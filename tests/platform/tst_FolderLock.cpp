@@ -11,6 +11,7 @@
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
+using Holder = FolderLock::Holder;
 
 class TestFolderLock : public QObject {
     Q_OBJECT
@@ -32,9 +33,9 @@ void TestFolderLock::isHeldByOneAtATime()
 {
     FolderLock first(m_path);
     FolderLock second(m_path);
-    QVERIFY(first.take());
-    QVERIFY(!second.take());
-    QVERIFY2(first.take(), "it stays held");
+    QCOMPARE(first.take(), Holder::self);
+    QCOMPARE(second.take(), Holder::other);
+    QCOMPARE(first.take(), Holder::self); // It stays held.
 }
 
 void TestFolderLock::isFreeWhenItsOwnerIsGone()
@@ -42,10 +43,10 @@ void TestFolderLock::isFreeWhenItsOwnerIsGone()
     FolderLock second(m_path);
     {
         FolderLock first(m_path);
-        QVERIFY(first.take());
-        QVERIFY(!second.take());
+        QCOMPARE(first.take(), Holder::self);
+        QCOMPARE(second.take(), Holder::other);
     }
-    QVERIFY(second.take());
+    QCOMPARE(second.take(), Holder::self);
 }
 
 void TestFolderLock::isFreeWhenItsProcessIsKilled()
@@ -55,7 +56,7 @@ void TestFolderLock::isFreeWhenItsProcessIsKilled()
     const pid_t holder = fork();
     if (holder == 0) {
         FolderLock lock(m_path);
-        const char held = lock.take() ? 1 : 0;
+        const char held = lock.take() == Holder::self ? 1 : 0;
         if (write(ends[1], &held, 1) != 1)
             _exit(1);
         for (;;)
@@ -65,30 +66,30 @@ void TestFolderLock::isFreeWhenItsProcessIsKilled()
     QCOMPARE(read(ends[0], &held, 1), 1);
     QCOMPARE(held, 1);
     FolderLock lock(m_path);
-    QVERIFY(!lock.take());
+    QCOMPARE(lock.take(), Holder::other);
     kill(holder, SIGKILL);
     waitpid(holder, nullptr, 0);
-    QVERIFY(lock.take());
+    QCOMPARE(lock.take(), Holder::self);
     close(ends[0]);
     close(ends[1]);
 }
 
 void TestFolderLock::needsAFolder()
 {
-    QVERIFY(!FolderLock("").take());
-    QVERIFY(!FolderLock(m_path + "/missing").take());
+    QCOMPARE(FolderLock("").take(), Holder::nobody);
+    QCOMPARE(FolderLock(m_path + "/missing").take(), Holder::nobody);
     QFile file(m_folder.filePath(u"file"_s));
     QVERIFY(file.open(QFile::WriteOnly));
-    QVERIFY(!FolderLock(file.fileName().toStdString()).take());
+    QCOMPARE(FolderLock(file.fileName().toStdString()).take(), Holder::nobody);
     QVERIFY(file.remove());
 }
 
 void TestFolderLock::comesWithTheFolder()
 {
     FolderLock lock(m_path + "/late");
-    QVERIFY(!lock.take());
+    QCOMPARE(lock.take(), Holder::nobody);
     QVERIFY(QDir(m_folder.path()).mkdir(u"late"_s));
-    QVERIFY(lock.take());
+    QCOMPARE(lock.take(), Holder::self);
     QVERIFY(QDir(m_folder.path()).rmdir(u"late"_s));
 }
 
@@ -96,7 +97,7 @@ void TestFolderLock::leavesNothingBehind()
 {
     {
         FolderLock lock(m_path);
-        QVERIFY(lock.take());
+        QCOMPARE(lock.take(), Holder::self);
         QVERIFY(QDir(m_folder.path()).isEmpty());
     }
     QVERIFY(QDir(m_folder.path()).isEmpty());

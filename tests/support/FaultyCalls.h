@@ -12,7 +12,7 @@ namespace corvane::test {
 /// are gone with `clear`.
 namespace FaultyCalls {
 
-enum class Call { open, read, write, sync, rename };
+enum class Call { open, read, write, sync, rename, lock };
 
 constexpr int forEver = -1;
 

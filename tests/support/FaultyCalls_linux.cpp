@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 // The linker sends the calls of our objects to __wrap_NAME and gives the library's as __real_NAME.
@@ -22,6 +23,7 @@ ssize_t __real_pread(int file, void *into, size_t size, off_t offset);
 ssize_t __real_write(int file, const void *from, size_t size);
 int __real_fsync(int file);
 int __real_rename(const char *from, const char *to);
+int __real_flock(int file, int operation);
 }
 
 namespace corvane::test {
@@ -197,6 +199,11 @@ int __wrap_fsync(int file)
 int __wrap_rename(const char *from, const char *to)
 {
     return fails(meet(Call::rename, std::string(to))) ? -1 : __real_rename(from, to);
+}
+
+int __wrap_flock(int file, int operation)
+{
+    return fails(meet(Call::lock, file)) ? -1 : __real_flock(file, operation);
 }
 
 } // extern "C"
