@@ -1,6 +1,9 @@
 #include "app/OwnWindow.h"
 
+#include "app/TrayPicture.h"
+
 #include <QTest>
+#include <QWindow>
 
 using namespace corvane;
 
@@ -10,6 +13,7 @@ class TestOwnWindow : public QObject {
 private slots:
     void aWindowThatWasClosedIsNotOpen();
     void comesBackAsItWas();
+    void hasTheSignInTheTaskbar();
     void closesOnItsKeys_data();
     void closesOnItsKeys();
 };
@@ -36,6 +40,16 @@ void TestOwnWindow::comesBackAsItWas()
     QVERIFY(window.isMaximized());
     QVERIFY(!window.isMinimized());
     QVERIFY(QTest::qWaitForWindowActive(&window));
+}
+
+void TestOwnWindow::hasTheSignInTheTaskbar()
+{
+    QWidget window;
+    bringForward(window);
+    const QIcon icon = window.windowHandle()->icon();
+    for (const int pixels : {16, 32, 48, 64})
+        QCOMPARE(icon.pixmap(pixels).toImage().convertToFormat(signPicture(pixels).format()),
+                 signPicture(pixels));
 }
 
 void TestOwnWindow::closesOnItsKeys_data()
