@@ -1,14 +1,31 @@
 #include "app/OwnWindow.h"
 
 #include "app/InstanceMessage.h"
+#include "app/TrayPicture.h"
 
 #include <QShortcut>
 #include <QWidget>
 
 namespace corvane {
 
+namespace {
+
+/// The program's own sign, for desktops that take a window's picture from the window: most on X11
+/// do, and none finds another as long as the program is not installed.
+QIcon signIcon()
+{
+    QIcon icon;
+    for (const int pixels : {16, 32, 48, 64})
+        icon.addPixmap(QPixmap::fromImage(signPicture(pixels)));
+    return icon;
+}
+
+} // namespace
+
 void bringForward(QWidget &window)
 {
+    if (!window.testAttribute(Qt::WA_SetWindowIcon))
+        window.setWindowIcon(signIcon());
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();

@@ -13,7 +13,7 @@ inline bool isOpen(const QWidget *window)
     return window && window->isVisible();
 }
 
-/// Shows a window in front of the others, back from the taskbar too.
+/// Shows a window in front of the others, back from the taskbar too, with the program's sign.
 void bringForward(QWidget &window);
 
 /// Takes the desktop's leave to come to the front for the next window that is brought there. What

@@ -24,7 +24,8 @@ QIcon trayIcon(const LabelNumber &number, LabelPosition position);
 /// need, so that it changes its width only where a number has three.
 QImage widePicture(const LabelNumbers &numbers, int pixels);
 
-/// The program's own sign in a square of so many pixels, for bars that show the numbers as text.
+/// The program's own sign in a square of so many pixels, for bars that show the numbers as text
+/// and for windows.
 QImage signPicture(int pixels);
 
 /// Heights of the pictures that are offered to trays.

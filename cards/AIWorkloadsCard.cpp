@@ -89,7 +89,7 @@ AIWorkloadsCard::AIWorkloadsCard(QWidget *parent)
       m_list(new RowList(u"AI workloads"_s,
                          {.height = rowHeight,
                           .gap = rowGap,
-                          .rightMargin = CardStyle::padding,
+                          .margin = CardStyle::padding,
                           .paint = [this](QPainter &painter, int row,
                                           const QRectF &place) { paintRow(painter, row, place); },
                           .speak = [this](int row) { return spokenRow(row); }},
@@ -143,8 +143,7 @@ SpokenText AIWorkloadsCard::spokenRow(int index) const
 
 void AIWorkloadsCard::layOut()
 {
-    m_list->setGeometry(CardStyle::padding, bodyTop, width() - CardStyle::padding,
-                        height() - bodyTop - listFoot);
+    m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
     m_count.baseline = {titleText().bounds().right() + tagGap + tagPadding - 2,
                         titleText().baseline.y() - 0.5};
     const QRectF icon = emptyIconRect();

@@ -44,7 +44,7 @@ ProcessCard::ProcessCard(QWidget *parent)
       m_list(
           new RowList(u"Processes"_s,
                       {.height = rowHeight,
-                       .rightMargin = CardStyle::padding,
+                       .margin = CardStyle::padding,
                        .paint = [this](QPainter &painter, int row,
                                        const QRectF &place) { paintRow(painter, row, place); },
                        .speak =
@@ -80,8 +80,7 @@ void ProcessCard::show(const std::vector<ProcessRow> &processes, std::uint64_t t
 
 void ProcessCard::layOut()
 {
-    m_list->setGeometry(CardStyle::padding, bodyTop, width() - CardStyle::padding,
-                        height() - bodyTop - listFoot);
+    m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
     const double middle = (bodyTop + height() - CardStyle::padding) / 2.0;
     m_empty.baseline = {width() / 2.0, TextLine{middle, 0}.baseline(m_empty.font)};
 }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
+constexpr double ringInset = 4;  ///< From both side edges: no row and no thumb is under the ring.
 constexpr double shortestThumb = 24;
 constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
 
@@ -87,7 +88,8 @@ std::vector<SpokenText> RowList::spokenTexts() const
 
 QRectF RowList::rowRect(int row) const
 {
-    return QRectF(0, m_geometry.top(row, m_offset), width() - m_rows.rightMargin, m_rows.height);
+    return QRectF(m_rows.margin, m_geometry.top(row, m_offset), width() - 2 * m_rows.margin,
+                  m_rows.height);
 }
 
 QRectF RowList::thumbRect() const
@@ -117,7 +119,7 @@ void RowList::paintEvent(QPaintEvent *event)
     if (hasFocus()) {
         painter.setPen(QPen(Theme::focusRing(), 2));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 6, 6);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(ringInset, 1, -ringInset, -1), 6, 6);
     }
 }
 

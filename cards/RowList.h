@@ -36,7 +36,7 @@ public:
     struct Rows {
         int height = 0;
         int gap = 0;
-        int rightMargin = 0; ///< Belongs to the thumb.
+        int margin = 0; ///< On both sides: the thumb lies in it, and the focus ring.
         /// Paints a row into a rectangle; what would lie outside is cut off.
         std::function<void(QPainter &, int row, const QRectF &)> paint = {};
         std::function<SpokenText(int row)> speak = {};

@@ -1,6 +1,9 @@
 #include "app/OwnWindow.h"
 
+#include "app/TrayPicture.h"
+
 #include <QTest>
+#include <QWindow>
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
@@ -13,6 +16,7 @@ private slots:
     void comesBackAsItWas();
     void takesATokenOfTheDesktop_data();
     void takesATokenOfTheDesktop();
+    void hasTheSignInTheTaskbar();
     void closesOnItsKeys_data();
     void closesOnItsKeys();
 };
@@ -60,6 +64,16 @@ void TestOwnWindow::takesATokenOfTheDesktop()
     useActivationToken(token);
     QTEST(qgetenv("XDG_ACTIVATION_TOKEN"), "expected");
     qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+void TestOwnWindow::hasTheSignInTheTaskbar()
+{
+    QWidget window;
+    bringForward(window);
+    const QIcon icon = window.windowHandle()->icon();
+    for (const int pixels : {16, 32, 48, 64})
+        QCOMPARE(icon.pixmap(pixels).toImage().convertToFormat(signPicture(pixels).format()),
+                 signPicture(pixels));
 }
 
 void TestOwnWindow::closesOnItsKeys_data()

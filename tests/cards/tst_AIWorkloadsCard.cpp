@@ -97,7 +97,7 @@ void TestAIWorkloadsCard::countsAndListsThem()
     QCOMPARE(shown.card.list()->rowCount(), 3);
     QCOMPARE(shown.row(0).name, u"llama.cpp, llama-server"_s);
     QCOMPARE(shown.row(0).value, u"Qwen2.5-32B-Instruct-Q4_K_M.gguf, 20.94 GB, pid 48213"_s);
-    QCOMPARE(shown.row(1).place, QRectF(0, 44, 585, 34));
+    QCOMPARE(shown.row(1).place, QRectF(16, 44, 585, 34));
 }
 
 void TestAIWorkloadsCard::saysWhenAModelIsUnknown()
@@ -181,7 +181,7 @@ void TestAIWorkloadsCard::repaintsOnlyRowsThatChanged()
     workloads[1].memory += 64 << 20;
     shown.card.show(workloads);
     QCoreApplication::processEvents();
-    QCOMPARE(list.region().boundingRect(), QRect(0, 44, 585, 34));
+    QCOMPARE(list.region().boundingRect(), QRect(16, 44, 585, 34));
 }
 
 void TestAIWorkloadsCard::repaintsAllThatMoved_data()

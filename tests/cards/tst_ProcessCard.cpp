@@ -92,7 +92,7 @@ void TestProcessCard::listsEveryProcess()
     QCOMPARE(card.row(0).name, u"llama-server"_s);
     QCOMPARE(card.row(0).value, u"20.94 GB, 32.7%"_s);
     QCOMPARE(card.row(11).value, u"514 MB, 0.8%"_s);
-    QCOMPARE(card.card.list()->geometry(), QRect(16, 46, 601, 250));
+    QCOMPARE(card.card.list()->geometry(), QRect(0, 46, 617, 250));
 }
 
 void TestProcessCard::showsSharesOfNoMemoryAsZero()
@@ -154,7 +154,7 @@ void TestProcessCard::repaintsOnlyRowsThatChanged()
     rows[3].memory += 64 << 20;
     card.card.show(rows, 64 * gib);
     QCoreApplication::processEvents();
-    QCOMPARE(watch.region().boundingRect(), QRect(0, 60, 585, 20));
+    QCOMPARE(watch.region().boundingRect(), QRect(16, 60, 585, 20));
 }
 
 void TestProcessCard::repaintsAllThatMoved_data()

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Rows of 20 in red on a list of 300 × 100 with a margin of 16.
+/// Rows of 20 in red on a list of 300 × 100 with margins of 16.
 struct List {
     explicit List(int count)
     {
@@ -24,7 +24,7 @@ struct List {
     std::vector<int> painted = {};
     RowList list{u"Rows"_s,
                  {.height = 20,
-                  .rightMargin = 16,
+                  .margin = 16,
                   .paint =
                       [this](QPainter &painter, int row, const QRectF &place) {
                           painted.push_back(row);
@@ -62,6 +62,7 @@ private slots:
     void keepsRowsApart();
     void fadesWhileThereIsMore_data();
     void fadesWhileThereIsMore();
+    void itsFocusRingCoversNoRow();
     void speaksEveryRow();
 };
 
@@ -225,6 +226,18 @@ void TestRowList::fadesWhileThereIsMore()
     QCOMPARE(pixelAt(image, 292, 5).alpha(), 0);
 }
 
+void TestRowList::itsFocusRingCoversNoRow()
+{
+    List list(5);
+    list.list.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&list.list));
+    const QImage image = rendered(list.list, 1);
+    for (const double x : {4.0, 295.0})
+        QVERIFY(isClose(pixelAt(image, x, 50), Theme::focusRing(), 4));
+    for (int x = 16; x < 284; ++x)
+        QCOMPARE(pixelAt(image, x, 50), QColor(200, 0, 0));
+}
+
 void TestRowList::speaksEveryRow()
 {
     List list(20);
@@ -232,7 +245,7 @@ void TestRowList::speaksEveryRow()
     const std::vector<SpokenText> texts = list.list.spokenTexts();
     QCOMPARE(texts.size(), std::size_t(20));
     QCOMPARE(texts[3].name, u"row 3"_s);
-    QCOMPARE(texts[3].place, QRectF(0, 20, 284, 20));
+    QCOMPARE(texts[3].place, QRectF(16, 20, 268, 20));
 }
 
 QTEST_MAIN(TestRowList)
