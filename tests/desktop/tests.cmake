@@ -7,7 +7,9 @@ foreach(name Desktop WaylandSession)
   corvane_test(desktop/tst_${name} SYSTEM linux
                SOURCES support/AccessibilityBus.cpp support/DrivenProgram.cpp LINK corvane::app)
   if(TARGET tst_${name})
-    target_compile_definitions(tst_${name} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
+    target_compile_definitions(
+      tst_${name} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>"
+                          CORVANE_DESKTOP_ENTRY="${PROJECT_SOURCE_DIR}/packaging/linux/corvane.desktop.in")
     add_dependencies(tst_${name} corvane)
     set_target_properties(
       tst_${name} PROPERTIES CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_SOURCE_DIR}/desktop/virtual-desktop)

@@ -4,6 +4,7 @@
 #include "sampling/MemorySampler.h"
 #include "support/DrivenProgram.h"
 
+#include <QFile>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -152,6 +153,17 @@ QStringList taskbarEntries(qint64 process)
             entries.append(match.captured());
     }
     return entries;
+}
+
+/// The class by which desktops know an installed program's windows.
+QString classOfTheDesktopEntry()
+{
+    QFile entry(QStringLiteral(CORVANE_DESKTOP_ENTRY));
+    if (!entry.open(QIODevice::ReadOnly))
+        return {};
+    static const QRegularExpression line(u"^StartupWMClass=(.+)$"_s,
+                                         QRegularExpression::MultilineOption);
+    return line.match(QString::fromUtf8(entry.readAll())).captured(1);
 }
 
 } // namespace
@@ -310,7 +322,11 @@ void TestDesktop::thePanelsButtonOpensTheDashboard()
     WAIT_FOR(m_program.dashboardShows());
     WAIT_FOR(activeWindow() == dashboardTitle);
     QVERIFY(!m_program.panel());
-    QCOMPARE(taskbarEntries(m_process).size(), 1);
+    const QStringList entries = taskbarEntries(m_process);
+    QCOMPARE(entries.size(), 1);
+    const QString windowClass = outputOf(u"xprop"_s, {u"-id"_s, entries.first(), u"WM_CLASS"_s});
+    QVERIFY2(windowClass.trimmed().endsWith(u", \"%1\""_s.arg(classOfTheDesktopEntry())),
+             qPrintable(windowClass));
 }
 
 void TestDesktop::theDashboardShowsProcesses()
