@@ -41,6 +41,19 @@ QImage bar()
     return shot.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
+namespace {
+
+/// A bar that scales the picture of a thin digit leaves no pixel of just its colour.
+bool isAbout(const QColor &color, const QColor &wanted)
+{
+    constexpr int difference = 48;
+    return std::abs(color.red() - wanted.red()) < difference
+        && std::abs(color.green() - wanted.green()) < difference
+        && std::abs(color.blue() - wanted.blue()) < difference;
+}
+
+} // namespace
+
 DrivenProgram::DrivenProgram() = default;
 
 DrivenProgram::~DrivenProgram()
@@ -62,7 +75,7 @@ std::optional<QPoint> DrivenProgram::label() const
     const QImage picture = bar();
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
-            if (picture.pixel(x, y) == Theme::memory().rgb())
+            if (isAbout(picture.pixelColor(x, y), Theme::memory()))
                 return QPoint(x, y);
         }
     }
