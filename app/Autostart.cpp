@@ -16,7 +16,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// No entry of use is longer.
-constexpr qint64 longestEntry = 64 * 1024;
+constexpr qint64 longestEntry = qint64(64) * 1024;
 
 /// Where the entry may lie, the user's place first.
 QStringList entryFiles()
