@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace corvane {
@@ -112,7 +113,7 @@ QImage rowsOf(const Background &background, const QRect &part, std::vector<QRgb>
     const int stride = (part.width() + lanes - 1) / lanes * lanes;
     pixels.resize(static_cast<std::size_t>(stride) * static_cast<std::size_t>(part.height()));
     for (int row = 0; row < part.height(); ++row)
-        background.paintRow(pixels.data() + row * stride, part.width(), part.left(),
+        background.paintRow(pixels.data() + std::ptrdiff_t(row) * stride, part.width(), part.left(),
                             part.top() + row);
     return QImage(reinterpret_cast<const uchar *>(pixels.data()), part.width(), part.height(),
                   stride * qsizetype(sizeof(QRgb)), QImage::Format_RGB32);
