@@ -41,7 +41,14 @@ corvane_test(app/tst_ApplicationService SYSTEM linux simulated-mac SOURCES suppo
 corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900
              SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/VirtualDisplay.cpp LINK corvane::app)
 corvane_test(app/tst_TracedProgram SYSTEM linux TIMEOUT 900
-             SOURCES support/FakeTray.cpp support/PrivateBus.cpp support/SystemCalls.cpp LINK corvane::app)
+             SOURCES support/FakeTray.cpp support/OwnMounts.cpp support/PrivateBus.cpp support/SystemCalls.cpp
+                     support/VirtualDisplay.cpp
+             LINK corvane::app)
+if(TARGET tst_TracedProgram)
+  add_library(quick_clock MODULE app/quick_clock.cpp)
+  add_dependencies(tst_TracedProgram quick_clock)
+  target_compile_definitions(tst_TracedProgram PRIVATE QUICK_CLOCK="$<TARGET_FILE:quick_clock>")
+endif()
 # Where there is what session managers of X11 are made with.
 find_path(CORVANE_SM_HEADERS X11/SM/SMlib.h)
 find_library(CORVANE_SM SM)

@@ -1,7 +1,11 @@
 #include "app/DBusMenuTypes.h"
+#include "app/SettingsTabs.h"
+#include "history/PersistedMetric.h"
 #include "support/FakeTray.h"
+#include "support/OwnMounts.h"
 #include "support/PrivateBus.h"
 #include "support/SystemCalls.h"
+#include "support/VirtualDisplay.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,8 +18,10 @@
 #include <algorithm>
 #include <memory>
 
+#include <cerrno>
 #include <csignal>
 #include <grp.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +33,20 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int patience = 120'000; // Milliseconds; the machine may be busy, and strace is slow.
+
+constexpr auto installedProgram = "/usr/src/corvane";
+
+/// Puts the program where a package would, for this process and those that it starts; false where
+/// that cannot be done. Has to come before the first thread.
+bool install(const QByteArray &program)
+{
+    if (!takeMountsOfItsOwn() || mount("none", "/usr/src", "tmpfs", 0, "mode=755") != 0)
+        return false;
+    QFile file(QFile::decodeName(installedProgram));
+    return file.open(QIODevice::WriteOnly) && file.write(program) == program.size()
+        && file.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther
+                               | QFile::ExeOther);
+}
 
 /// Root may write anywhere, which would prove little.
 void becomeOrdinaryUser()
@@ -53,7 +73,12 @@ class TestTracedProgram : public QObject {
     Q_OBJECT
 
 public:
-    explicit TestTracedProgram(QByteArray program) : m_program(std::move(program)) { }
+    TestTracedProgram(QByteArray program, QByteArray quickClock, bool isInstalled)
+        : m_program(std::move(program)),
+          m_quickClock(std::move(quickClock)),
+          m_isInstalled(isInstalled)
+    {
+    }
 
 private slots:
     void initTestCase();
@@ -61,6 +86,9 @@ private slots:
     void cleanup();
     void touchesNothingButItsOwn_data();
     void touchesNothingButItsOwn();
+    void cutsItsHistoryInItsOwnPlace();
+    void keepsItsSettingsInTheirPlace();
+    void startsAtLoginByOneEntry();
     void goesOnWhereItsDiskDoesNot_data();
     void goesOnWhereItsDiskDoesNot();
     void writesItsLastSampleBeforeItEnds_data();
@@ -68,21 +96,25 @@ private slots:
 
 private:
     QString path(const QString &name) const { return m_home->filePath(name); }
-    void start(const QString &platform, const QStringList &options);
+    void start(const QString &platform, const QStringList &options, const QString &program = {});
     QVariantList callMenu(const QString &method, const QVariantList &arguments);
     void click(const QString &label);
     void quit();
     void checkEnd();
     qint64 processId() const;
-    void checkOpenFiles();
+    QStringList foreignOpenFiles() const;
     QRegularExpression ownPlaces() const;
+    void checkTrace(const QString &furtherPlace = {});
+    bool hasChanged(const QString &file) const;
     qsizetype count(const QByteArray &text) const { return contents(path(u"trace"_s)).count(text); }
 
     const QByteArray m_program; ///< Its file, which this user may not be able to reach.
+    const QByteArray m_quickClock;
+    const bool m_isInstalled;
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<FakeTray> m_tray;
-    QProcess m_display;
+    std::unique_ptr<VirtualDisplay> m_display;
     QProcess m_process;
 };
 
@@ -96,11 +128,13 @@ void TestTracedProgram::initTestCase()
 void TestTracedProgram::init()
 {
     m_home = std::make_unique<QTemporaryDir>();
-    QFile program(path(u"corvane"_s));
-    QVERIFY(program.open(QIODevice::WriteOnly));
-    QCOMPARE(program.write(m_program), m_program.size());
-    QVERIFY(program.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
-    program.close();
+    for (const auto &[name, bytes] :
+         {std::pair(u"corvane"_s, m_program), std::pair(u"quick_clock"_s, m_quickClock)}) {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
     for (const QString &folder : {u"config"_s, u"data"_s, u"cache"_s, u"run"_s})
         QVERIFY(QDir(m_home->path()).mkdir(folder));
     QVERIFY(QFile::setPermissions(path(u"run"_s),
@@ -114,14 +148,14 @@ void TestTracedProgram::cleanup()
 {
     m_process.kill();
     m_process.waitForFinished();
-    m_display.terminate();
-    m_display.waitForFinished();
+    m_display.reset();
     m_tray.reset();
     m_bus.reset();
 }
 
 /// Returns once the label is in the tray.
-void TestTracedProgram::start(const QString &platform, const QStringList &options)
+void TestTracedProgram::start(const QString &platform, const QStringList &options,
+                              const QString &program)
 {
     QProcessEnvironment environment;
     environment.insert(u"PATH"_s, qEnvironmentVariable("PATH"));
@@ -132,13 +166,15 @@ void TestTracedProgram::start(const QString &platform, const QStringList &option
     environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"run"_s));
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus->address());
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // Leaks are not found under strace.
+    environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_bus->address());
+    // Leaks are not found under strace, and the quick clock comes before the sanitizer's library.
+    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0:verify_asan_link_order=0"_s);
     if (platform == "xcb"_L1) {
-        m_display.start(u"Xvfb"_s,
-                        {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x960x24"_s});
-        QVERIFY2(m_display.waitForReadyRead(patience), qPrintable(m_display.errorString()));
-        environment.insert(u"DISPLAY"_s,
-                           u':' + QString::fromLatin1(m_display.readAllStandardOutput()).trimmed());
+        if (QStandardPaths::findExecutable(u"Xvfb"_s).isEmpty())
+            QSKIP("There is no Xvfb here.");
+        m_display = std::make_unique<VirtualDisplay>();
+        QVERIFY(m_display->start());
+        environment.insert(u"DISPLAY"_s, m_display->name());
     } else {
         environment.insert(u"QT_QPA_PLATFORM"_s, platform);
     }
@@ -150,7 +186,7 @@ void TestTracedProgram::start(const QString &platform, const QStringList &option
     });
     m_process.start(u"strace"_s,
                     QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
-                        + QStringList{path(u"corvane"_s)});
+                        + QStringList{program.isEmpty() ? path(u"corvane"_s) : program});
     QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 1, patience);
 }
 
@@ -201,22 +237,30 @@ qint64 TestTracedProgram::processId() const
     return children.split(' ').value(0).toLongLong();
 }
 
-/// Those of the program as it runs belong to its user or to the system, which lets all read them.
-void TestTracedProgram::checkOpenFiles()
+/// Of the files that the program has open at this moment those that belong neither to its user nor
+/// to the system, which lets all read them.
+QStringList TestTracedProgram::foreignOpenFiles() const
 {
     const QString descriptors = u"/proc/%1/fd/"_s.arg(processId());
     const QStringList names =
         QDir(descriptors).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    QVERIFY(!names.isEmpty());
+    if (names.isEmpty())
+        return {u"They cannot be seen."_s};
+    QStringList foreign;
     for (const QString &name : names) {
         struct stat status = {};
-        QCOMPARE(stat(QFile::encodeName(descriptors + name).constData(), &status), 0);
+        if (stat(QFile::encodeName(descriptors + name).constData(), &status) != 0) {
+            if (errno != ENOENT) // Else it was closed meanwhile.
+                foreign.append(qt_error_string());
+            continue;
+        }
         const bool isFile = S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)
             || S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode);
         const bool isOpenToAll = status.st_uid == 0 && (status.st_mode & S_IROTH) != 0;
-        QVERIFY2(!isFile || status.st_uid == geteuid() || isOpenToAll,
-                 qPrintable(QFile::symLinkTarget(descriptors + name)));
+        if (isFile && status.st_uid != geteuid() && !isOpenToAll)
+            foreign.append(QFile::symLinkTarget(descriptors + name));
     }
+    return foreign;
 }
 
 /// What the program may make, change or take away.
@@ -237,6 +281,25 @@ QRegularExpression TestTracedProgram::ownPlaces() const
     return QRegularExpression(places.join(u'|'));
 }
 
+void TestTracedProgram::checkTrace(const QString &furtherPlace)
+{
+    QString places = ownPlaces().pattern();
+    if (!furtherPlace.isEmpty())
+        places += u'|' + furtherPlace;
+    const QList<QByteArray> found =
+        offences(systemCalls(contents(path(u"trace"_s))), QRegularExpression(places));
+    QVERIFY2(found.isEmpty(), found.join('\n').constData());
+}
+
+/// Or tried to.
+bool TestTracedProgram::hasChanged(const QString &file) const
+{
+    return std::ranges::any_of(systemCalls(contents(path(u"trace"_s))),
+                               [&file](const SystemCall &call) {
+                                   return call.changesFiles() && call.paths().contains(file);
+                               });
+}
+
 void TestTracedProgram::touchesNothingButItsOwn_data()
 {
     QTest::addColumn<QString>("platform");
@@ -247,8 +310,6 @@ void TestTracedProgram::touchesNothingButItsOwn_data()
 void TestTracedProgram::touchesNothingButItsOwn()
 {
     QFETCH(const QString, platform);
-    if (platform == "xcb"_L1 && QStandardPaths::findExecutable(u"Xvfb"_s).isEmpty())
-        QSKIP("There is no Xvfb here.");
     start(platform, {u"-e"_s, QLatin1StringView(tracedCalls)});
     m_tray->call(m_tray->items().value(0), u"/StatusNotifierItem"_s,
                  QString::fromLatin1(FakeTray::itemInterface), u"Activate"_s, {600, 20});
@@ -256,15 +317,75 @@ void TestTracedProgram::touchesNothingButItsOwn()
         click(command);
     // By the fourth line the processes were looked at.
     const QString history = path(u"data/Corvane/history.jsonl"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(contents(history).count('\n') > 3, patience);
-    checkOpenFiles();
+    QStringList foreign;
+    int looks = 0;
+    const auto look = [&] {
+        foreign += foreignOpenFiles();
+        return ++looks >= 20 && contents(history).count('\n') > 3;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(look(), patience);
+    QCOMPARE(foreign, QStringList());
     quit();
+    checkTrace();
+    QVERIFY(hasChanged(history));
+}
 
-    const QList<SystemCall> calls = systemCalls(contents(path(u"trace"_s)));
-    const QList<QByteArray> found = offences(calls, ownPlaces());
-    QVERIFY2(found.isEmpty(), found.join('\n').constData());
-    // The history's lines, at the least.
-    QVERIFY(std::ranges::count_if(calls, &SystemCall::changesFiles) > 4);
+/// It does so at every sixtieth sample, which is three seconds by a clock that is quick.
+void TestTracedProgram::cutsItsHistoryInItsOwnPlace()
+{
+    const QString history = path(u"data/Corvane/history.jsonl"_s);
+    QVERIFY(QDir(path(u"data"_s)).mkdir(u"Corvane"_s));
+    QFile file(history);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    for (int number = 0; number < 130; ++number)
+        file.write(*PersistedMetric{.t = static_cast<double>(number)}.toJson() + '\n');
+    file.close();
+    start(u"offscreen"_s,
+          {u"-E"_s, u"LD_PRELOAD="_s + path(u"quick_clock"_s), u"-e"_s,
+           QLatin1StringView(tracedCalls)});
+    QTRY_VERIFY_WITH_TIMEOUT(count("history.jsonl.new\", \"") > 0, patience); // Renamed.
+    quit();
+    checkTrace();
+    QVERIFY(hasChanged(history + u".new"_s));
+    QVERIFY(contents(history).count('\n') < 130 + 60);
+    QVERIFY(!contents(history).startsWith(*PersistedMetric{.t = 0}.toJson()));
+    QVERIFY(!QFile::exists(history + u".new"_s));
+}
+
+/// The one setting that there is to write is when updates were looked for, and that only where the
+/// program is a package's.
+void TestTracedProgram::keepsItsSettingsInTheirPlace()
+{
+    if (!m_isInstalled)
+        QSKIP("This user cannot have mounts of its own here.");
+    const QString settings = path(u"config/Corvane/Corvane.conf"_s);
+    start(u"offscreen"_s, {u"-e"_s, QLatin1StringView(tracedCalls)},
+          QString::fromLatin1(installedProgram));
+    click(u"Check for Updates…"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(contents(settings).contains("lastUpdateCheck="), patience);
+    quit();
+    checkTrace();
+    QVERIFY(hasChanged(settings + u".lock"_s));
+}
+
+/// And by the user's will alone: no other test allows the entry.
+void TestTracedProgram::startsAtLoginByOneEntry()
+{
+    const QString folder = path(u"config/autostart"_s);
+    const QString entry = folder + u"/" CORVANE_IDENTIFIER ".desktop"_s;
+    const QString window = u"Corvane Settings"_s;
+    constexpr QPoint loginSwitch(260, SettingsTabs::barHeight + 64); // In the first row.
+    start(u"xcb"_s, {u"-e"_s, QLatin1StringView(tracedCalls)});
+    click(u"Settings…"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_display->visibleWindows(window), 1, patience);
+    m_display->click(window, loginSwitch);
+    QTRY_VERIFY_WITH_TIMEOUT(contents(entry).contains(QFile::encodeName(path(u"corvane"_s))),
+                             patience);
+    m_display->click(window, loginSwitch);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(entry), patience);
+    quit();
+    checkTrace(QRegularExpression::escape(folder) + u"(/" CORVANE_IDENTIFIER "\\.desktop.*)?"_s);
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 void TestTracedProgram::goesOnWhereItsDiskDoesNot_data()
@@ -328,9 +449,11 @@ void TestTracedProgram::writesItsLastSampleBeforeItEnds()
 int main(int argc, char **argv)
 {
     const QByteArray program = contents(QStringLiteral(CORVANE_PROGRAM));
+    const QByteArray quickClock = contents(QStringLiteral(QUICK_CLOCK));
+    const bool isInstalled = install(program);
     becomeOrdinaryUser();
     const QCoreApplication application(argc, argv);
-    TestTracedProgram test(program);
+    TestTracedProgram test(program, quickClock, isInstalled);
     return QTest::qExec(&test, argc, argv);
 }
 

@@ -1,5 +1,6 @@
 #include "history/HistoryStore.h"
 #include "history/Records.h"
+#include "support/OwnMounts.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,40 +9,12 @@
 
 #include <memory>
 
-#include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-void writeText(const char *path, const QByteArray &text)
-{
-    QFile file(QFile::decodeName(path));
-    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        file.write(text);
-}
-
-/// Gives this process mounts of its own; as an ordinary user by making it the root of a namespace,
-/// which many systems allow. Has to come before the first thread.
-bool takeMountsOfItsOwn()
-{
-    const QByteArray user = QByteArray::number(geteuid());
-    const QByteArray group = QByteArray::number(getegid());
-    if (unshare(geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0)
-        return false;
-    if (user != "0") {
-        writeText("/proc/self/uid_map", "0 " + user + " 1");
-        writeText("/proc/self/setgroups", "deny");
-        writeText("/proc/self/gid_map", "0 " + group + " 1");
-    }
-    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-} // namespace
 
 /// The store on a small disk of its own, which only this process sees and which goes with it.
 class TestFullDisk : public QObject {

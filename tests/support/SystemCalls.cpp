@@ -32,6 +32,13 @@ bool leavesFilesAlone(const QByteArray &name)
     return names.contains(name);
 }
 
+/// A file that was made without a name is given one by the path of its descriptor.
+bool isUnnamedFile(const QString &path)
+{
+    static const QRegularExpression descriptor(u"\\A/proc/self/fd/\\d+\\z"_s);
+    return descriptor.match(path).hasMatch();
+}
+
 bool leadsUpwards(const QString &path)
 {
     return path.contains("/../"_L1) || path.endsWith("/.."_L1);
@@ -116,16 +123,18 @@ QList<SystemCall> systemCalls(const QByteArray &trace)
 QList<QByteArray> offences(const QList<SystemCall> &calls, const QRegularExpression &mayChange)
 {
     const QRegularExpression allowed(QRegularExpression::anchoredPattern(mayChange.pattern()));
-    const auto isAllowed = [&allowed](const QString &path) {
-        return allowed.match(path).hasMatch() && !leadsUpwards(path);
+    const auto isAllowed = [&allowed](const SystemCall &call) {
+        const QStringList paths = call.paths();
+        return !paths.isEmpty() && std::ranges::all_of(paths, [&](const QString &path) {
+            return (allowed.match(path).hasMatch() && !leadsUpwards(path))
+                || (call.name == "linkat" && isUnnamedFile(path));
+        });
     };
     QList<QByteArray> found;
     for (const SystemCall &call : calls) {
         const bool isOwnStart = &call == &calls.first() && call.name == "execve";
-        const QStringList paths = call.paths();
-        const bool changes =
-            call.changesFiles() && (paths.isEmpty() || !std::ranges::all_of(paths, isAllowed));
-        if (changes || call.usesNetwork() || (call.startsProcess() && !isOwnStart))
+        if ((call.changesFiles() && !isAllowed(call)) || call.usesNetwork()
+            || (call.startsProcess() && !isOwnStart))
             found.append(call.name + '(' + call.arguments);
     }
     return found;

@@ -6,6 +6,16 @@ namespace corvane::test {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QStringList searchFor(const QString &title)
+{
+    return {u"search"_s, u"--onlyvisible"_s, u"--name"_s,
+            u'^' + QRegularExpression::escape(title) + u'$'};
+}
+
+} // namespace
+
 bool VirtualDisplay::start()
 {
     // It chooses a number that is free, and tells it when it is ready.
@@ -27,15 +37,25 @@ void VirtualDisplay::kill()
 
 int VirtualDisplay::visibleWindows(const QString &title) const
 {
-    QProcess search;
+    return static_cast<int>(xdotool(searchFor(title)).count('\n'));
+}
+
+void VirtualDisplay::click(const QString &title, const QPoint &place) const
+{
+    xdotool(searchFor(title) << u"mousemove"_s << u"--window"_s << u"%1"_s
+                             << QString::number(place.x()) << QString::number(place.y())
+                             << u"click"_s << u"1"_s);
+}
+
+QByteArray VirtualDisplay::xdotool(const QStringList &arguments) const
+{
+    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"DISPLAY"_s, m_name);
-    search.setProcessEnvironment(environment);
-    search.start(u"xdotool"_s,
-                 {u"search"_s, u"--onlyvisible"_s, u"--name"_s,
-                  u'^' + QRegularExpression::escape(title) + u'$'});
-    search.waitForFinished();
-    return static_cast<int>(search.readAllStandardOutput().count('\n'));
+    process.setProcessEnvironment(environment);
+    process.start(u"xdotool"_s, arguments);
+    process.waitForFinished();
+    return process.readAllStandardOutput();
 }
 
 } // namespace corvane::test

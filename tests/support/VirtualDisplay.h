@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPoint>
 #include <QProcess>
 #include <QString>
 
@@ -20,7 +21,12 @@ public:
     /// Windows with this title that are to be seen.
     int visibleWindows(const QString &title) const;
 
+    /// On a place in the window with this title.
+    void click(const QString &title, const QPoint &place) const;
+
 private:
+    QByteArray xdotool(const QStringList &arguments) const;
+
     QProcess m_server;
     QString m_name;
 };

@@ -42,6 +42,14 @@ void bindSocket(const std::string &path, std::size_t from = 0)
         _exit(2);
 }
 
+/// Made in that folder, then given a name.
+void writeUnnamedFile(const std::string &folder, const std::string &path)
+{
+    const int file = open(folder.c_str(), O_RDWR | O_TMPFILE, 0600);
+    linkat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(file)).c_str(), AT_FDCWD, path.c_str(),
+           AT_SYMLINK_FOLLOW);
+}
+
 void runShell(const char *command, bool inPlaceOfThis)
 {
     std::array<std::string, 3> words{"sh", "-c", command};
@@ -83,6 +91,7 @@ const std::map<std::string, Deed> &deeds()
              fchmod(descriptor, 0644);
              rename(file.c_str(), (folder + "/own/other").c_str());
              unlink((folder + "/own/other").c_str());
+             writeUnnamedFile(folder + "/own", folder + "/own/named");
              open((folder + "/foreign/file").c_str(), O_RDONLY);
              bindSocket(folder + "/own/socket");
              std::array<int, 2> ends = {};
@@ -99,6 +108,10 @@ const std::map<std::string, Deed> &deeds()
         {"a file without a name",
          [](const std::string &folder) {
              open((folder + "/foreign").c_str(), O_WRONLY | O_TMPFILE, 0600);
+         }},
+        {"a name for a file without one",
+         [](const std::string &folder) {
+             writeUnnamedFile(folder + "/own", folder + "/foreign/named");
          }},
         {"a path from the folder it works in",
          [](const std::string &folder) {
@@ -309,6 +322,7 @@ void TestSystemCalls::tellsWhatADeedDid_data()
     add("a new file", "/foreign/new");
     add("a file for reading and writing", "/foreign/file");
     add("a file without a name", "O_TMPFILE");
+    add("a name for a file without one", "/foreign/named");
     add("a path from the folder it works in", "new");
     add("a path from an open folder", "mkdirat(");
     add("a path that leads out of its own", "/own/../foreign/new");
