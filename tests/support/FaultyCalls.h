@@ -22,6 +22,16 @@ void fail(Call call, const std::string &file, int error, int times = forEver);
 /// The next write takes only so many bytes.
 void cutNextWrite(const std::string &file, std::size_t bytes);
 
+/// The next calls of that kind are carried out, whatever was planned for them before.
+void letPass(Call call, const std::string &file, int times);
+
+/// The process is killed at the next call of that kind.
+enum class Moment { before, after };
+void killAt(Call call, const std::string &file, Moment moment);
+
+/// The process is killed when so many bytes of the next write are in the file.
+void killInNextWrite(const std::string &file, std::size_t bytes);
+
 /// The next call of that kind waits until `letGo`.
 void stall(Call call, const std::string &file);
 

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -37,6 +38,7 @@ struct Fault {
     int error = 0;
     bool stalls = false;
     std::optional<std::size_t> mostBytes = {};
+    std::optional<FaultyCalls::Moment> death = {};
 };
 
 struct Plan {
@@ -100,12 +102,25 @@ Fault meet(FaultyCalls::Call call, int file)
                       : Fault();
 }
 
-/// Whether the call is to return -1; errno is set then.
-bool fails(const Fault &fault)
+void dieIf(bool isTime)
 {
-    if (fault.error != 0)
+    if (isTime)
+        kill(getpid(), SIGKILL);
+}
+
+/// What the call returns, which is made unless it is to fail.
+template <typename MakeCall>
+auto outcome(const Fault &fault, MakeCall makeCall)
+{
+    using FaultyCalls::Moment;
+    dieIf(fault.death == Moment::before);
+    if (fault.error != 0) {
         errno = fault.error;
-    return fault.error != 0;
+        return decltype(makeCall())(-1);
+    }
+    const auto result = makeCall();
+    dieIf(fault.death == Moment::after);
+    return result;
 }
 
 } // namespace
@@ -118,6 +133,21 @@ void FaultyCalls::fail(Call call, const std::string &file, int error, int times)
 void FaultyCalls::cutNextWrite(const std::string &file, std::size_t bytes)
 {
     add({.call = Call::write, .file = file, .mostBytes = bytes});
+}
+
+void FaultyCalls::letPass(Call call, const std::string &file, int times)
+{
+    add({.call = call, .file = file, .times = times});
+}
+
+void FaultyCalls::killAt(Call call, const std::string &file, Moment moment)
+{
+    add({.call = call, .file = file, .death = moment});
+}
+
+void FaultyCalls::killInNextWrite(const std::string &file, std::size_t bytes)
+{
+    add({.call = Call::write, .file = file, .mostBytes = bytes, .death = Moment::after});
 }
 
 void FaultyCalls::stall(Call call, const std::string &file)
@@ -160,7 +190,8 @@ int __wrap_open(const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return fails(meet(Call::open, std::string(path))) ? -1 : __real_open(path, flags, mode);
+    return outcome(meet(Call::open, std::string(path)),
+                   [&] { return __real_open(path, flags, mode); });
 }
 
 int __wrap_openat(int folder, const char *path, int flags, ...)
@@ -169,41 +200,41 @@ int __wrap_openat(int folder, const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return fails(meet(Call::open, std::string(path))) ? -1
-                                                      : __real_openat(folder, path, flags, mode);
+    return outcome(meet(Call::open, std::string(path)),
+                   [&] { return __real_openat(folder, path, flags, mode); });
 }
 
 ssize_t __wrap_read(int file, void *into, size_t size)
 {
-    return fails(meet(Call::read, file)) ? -1 : __real_read(file, into, size);
+    return outcome(meet(Call::read, file), [&] { return __real_read(file, into, size); });
 }
 
 ssize_t __wrap_pread(int file, void *into, size_t size, off_t offset)
 {
-    return fails(meet(Call::read, file)) ? -1 : __real_pread(file, into, size, offset);
+    return outcome(meet(Call::read, file), [&] { return __real_pread(file, into, size, offset); });
 }
 
 ssize_t __wrap_write(int file, const void *from, size_t size)
 {
     const Fault fault = meet(Call::write, file);
-    if (fails(fault))
-        return -1;
-    return __real_write(file, from, std::min(size, fault.mostBytes.value_or(size)));
+    return outcome(fault, [&] {
+        return __real_write(file, from, std::min(size, fault.mostBytes.value_or(size)));
+    });
 }
 
 int __wrap_fsync(int file)
 {
-    return fails(meet(Call::sync, file)) ? -1 : __real_fsync(file);
+    return outcome(meet(Call::sync, file), [&] { return __real_fsync(file); });
 }
 
 int __wrap_rename(const char *from, const char *to)
 {
-    return fails(meet(Call::rename, std::string(to))) ? -1 : __real_rename(from, to);
+    return outcome(meet(Call::rename, std::string(to)), [&] { return __real_rename(from, to); });
 }
 
 int __wrap_flock(int file, int operation)
 {
-    return fails(meet(Call::lock, file)) ? -1 : __real_flock(file, operation);
+    return outcome(meet(Call::lock, file), [&] { return __real_flock(file, operation); });
 }
 
 } // extern "C"
