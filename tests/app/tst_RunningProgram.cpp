@@ -19,6 +19,7 @@
 #include <vector>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace corvane;
@@ -31,6 +32,15 @@ constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
 
 const QString program = QStringLiteral(CORVANE_PROGRAM);
 const QString identifier = u"io.github.corvane.Corvane"_s;
+
+/// From whatever files, since the process began.
+qint64 bytesRead(pid_t process)
+{
+    QFile file(u"/proc/%1/io"_s.arg(process));
+    if (!file.open(QFile::ReadOnly))
+        return 0;
+    return file.readAll().split('\n').first().split(' ').last().toLongLong();
+}
 
 /// A process of the program. Killed when it goes out of sight.
 class Corvane {
@@ -48,6 +58,7 @@ public:
     }
     ~Corvane() { kill(); }
 
+    qint64 id() const { return m_process.processId(); }
     void send(int signal) const { ::kill(static_cast<pid_t>(m_process.processId()), signal); }
     void kill()
     {
@@ -83,6 +94,7 @@ private slots:
     void startsAgainAfterItWasKilled();
     void aSecondStartGivesUpOnOneThatIsStopped();
     void twoSessionsDoNotMeetAndOneWritesTheHistory();
+    void livesThroughATimeWithoutDescriptors();
     void runsWhereNoFolderCanBeHad();
     void hostileClientsDoNothing();
 
@@ -112,6 +124,7 @@ private:
     void setUpBus();
     void setUpDisplay();
     std::vector<PersistedMetric> records() const;
+    QList<double> times() const;
     bool isAnswering() const;
     QDBusMessage callDesktop(const QString &method, const QVariantList &arguments) const;
 
@@ -185,6 +198,15 @@ std::vector<PersistedMetric> TestRunningProgram::records() const
     return records;
 }
 
+/// Of the records.
+QList<double> TestRunningProgram::times() const
+{
+    QList<double> times;
+    for (const PersistedMetric &record : records())
+        times.append(record.t);
+    return times;
+}
+
 /// Whether a client is taken in at the socket, which is what the program comes to last.
 bool TestRunningProgram::isAnswering() const
 {
@@ -230,13 +252,19 @@ void TestRunningProgram::aSecondStartOpensTheDashboard()
 
 void TestRunningProgram::startsAgainAfterItWasKilled()
 {
+    QList<double> known;
     for (int round = 0; round < 3; ++round) {
         Corvane first(m_environment);
         TRY_VERIFY(isAnswering());
+        TRY_VERIFY(times().size() > known.size());
+        QCOMPARE(times().first(known.size()), known);
+        known = times();
         QCOMPARE(Corvane(m_environment).status(), 0);
         first.send(SIGKILL);
         QCOMPARE(first.status(), -1);
         QVERIFY2(QFile::exists(QString::fromStdString(socketPath())), "it could not clear up");
+        QVERIFY(times().size() >= known.size());
+        QCOMPARE(times().first(known.size()), known);
     }
 }
 
@@ -266,6 +294,38 @@ void TestRunningProgram::twoSessionsDoNotMeetAndOneWritesTheHistory()
     first.kill();
     const std::size_t count = records().size();
     TRY_VERIFY(records().size() > count); // From the second now.
+}
+
+/// Neither a file nor a connection can be had until it is over. The label alone is shown: Qt paints
+/// a large window with threads, and ends the program where it cannot make what these wait with.
+void TestRunningProgram::livesThroughATimeWithoutDescriptors()
+{
+    setUpBus();
+    const Corvane first(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    TRY_VERIFY(!records().empty());
+    // All below are in use; those who wait for files could not with less.
+    constexpr rlim_t limit = 8;
+    const auto process = static_cast<pid_t>(first.id());
+    for (rlim_t number = 0; number < limit; ++number)
+        QVERIFY(QFileInfo(u"/proc/%1/fd/%2"_s.arg(process).arg(number)).isSymLink());
+    rlimit before = {};
+    QCOMPARE(prlimit(process, RLIMIT_NOFILE, nullptr, &before), 0);
+    const rlimit none{.rlim_cur = limit, .rlim_max = before.rlim_max};
+    QCOMPARE(prlimit(process, RLIMIT_NOFILE, &none, nullptr), 0);
+    const std::size_t known = records().size();
+    const Corvane second(m_environment); // Waits to be let in.
+    const qint64 read = bytesRead(process);
+    QVERIFY(read > 0);
+    TRY_VERIFY(bytesRead(process) > read + 5000); // It has samples still.
+    QVERIFY(records().size() <= known + 1);
+
+    QCOMPARE(prlimit(process, RLIMIT_NOFILE, &before, nullptr), 0);
+    TRY_VERIFY(records().size() > known + 1);
+    QCOMPARE(second.status(), 0);
+    first.send(SIGTERM);
+    QCOMPARE(first.status(), 0);
 }
 
 void TestRunningProgram::runsWhereNoFolderCanBeHad()

@@ -91,12 +91,16 @@ private slots:
     void startsAtLoginByOneEntry();
     void goesOnWhereItsDiskDoesNot_data();
     void goesOnWhereItsDiskDoesNot();
+    void goesOnWithoutDescriptors_data();
+    void goesOnWithoutDescriptors();
     void writesItsLastSampleBeforeItEnds_data();
     void writesItsLastSampleBeforeItEnds();
 
 private:
     QString path(const QString &name) const { return m_home->filePath(name); }
+    void launch(const QString &platform, const QStringList &options, const QString &program = {});
     void start(const QString &platform, const QStringList &options, const QString &program = {});
+    int openingsBeforeItsOwn();
     QVariantList callMenu(const QString &method, const QVariantList &arguments);
     void click(const QString &label);
     void quit();
@@ -153,9 +157,8 @@ void TestTracedProgram::cleanup()
     m_bus.reset();
 }
 
-/// Returns once the label is in the tray.
-void TestTracedProgram::start(const QString &platform, const QStringList &options,
-                              const QString &program)
+void TestTracedProgram::launch(const QString &platform, const QStringList &options,
+                               const QString &program)
 {
     QProcessEnvironment environment;
     environment.insert(u"PATH"_s, qEnvironmentVariable("PATH"));
@@ -187,7 +190,26 @@ void TestTracedProgram::start(const QString &platform, const QStringList &option
     m_process.start(u"strace"_s,
                     QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
                         + QStringList{program.isEmpty() ? path(u"corvane"_s) : program});
+}
+
+/// Returns once the label is in the tray.
+void TestTracedProgram::start(const QString &platform, const QStringList &options,
+                              const QString &program)
+{
+    launch(platform, options, program);
     QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 1, patience);
+}
+
+/// How many files the main thread opens until the program is loaded and opens one by itself.
+int TestTracedProgram::openingsBeforeItsOwn()
+{
+    start(u"offscreen"_s, {u"-e"_s, u"trace=openat"_s});
+    click(u"Quit"_s);
+    m_process.waitForFinished(patience);
+    const QList<SystemCall> calls = systemCalls(contents(path(u"trace"_s)));
+    const auto own = std::ranges::find_if(
+        calls, [](const SystemCall &call) { return call.arguments.contains(CORVANE_IDENTIFIER); });
+    return static_cast<int>(own - calls.begin());
 }
 
 QVariantList TestTracedProgram::callMenu(const QString &method, const QVariantList &arguments)
@@ -410,6 +432,41 @@ void TestTracedProgram::goesOnWhereItsDiskDoesNot()
     QTRY_VERIFY_WITH_TIMEOUT(count("/proc/meminfo>, \"MemTotal") > reads + 3, patience);
     quit();
     QVERIFY(contents(history).count('\n') <= 2);
+}
+
+void TestTracedProgram::goesOnWithoutDescriptors_data()
+{
+    QTest::addColumn<int>("later"); // Than the first file that the program itself opens.
+    QTest::addColumn<bool>("forGood");
+    for (const int later : {0, 16, 32, 48, 64, 128, 192, 256})
+        QTest::addRow("none left from opening %d on", later) << later << true;
+    for (const int later : {48, 64, 128, 256})
+        QTest::addRow("none left for a while at opening %d", later) << later << false;
+}
+
+/// No file can be opened by any thread, whoever wants it. At the worst there is no display.
+void TestTracedProgram::goesOnWithoutDescriptors()
+{
+    QFETCH(const int, later);
+    QFETCH(const bool, forGood);
+    static const int before = openingsBeforeItsOwn();
+    QVERIFY(before > 10);
+    const int first = before + 1 + later;
+    const QString last = forGood ? u"+"_s : u"..%1"_s.arg(first + 9);
+    launch(u"offscreen"_s,
+           {u"-E"_s, u"LD_PRELOAD="_s + path(u"quick_clock"_s), u"-e"_s, u"trace=openat,pread64"_s,
+            u"-e"_s, u"inject=openat:error=EMFILE:when=%1%2"_s.arg(first).arg(last)});
+    const auto hasEnded = [this] { return m_process.state() == QProcess::NotRunning; };
+    // It reads the memory at every sample, or tries to.
+    QTRY_VERIFY_WITH_TIMEOUT(hasEnded() || count("/proc/meminfo") > 6, patience);
+    if (!hasEnded())
+        QCOMPARE(kill(static_cast<pid_t>(processId()), SIGTERM), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(hasEnded(), patience);
+    QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
+    const QByteArray said = m_process.readAllStandardError();
+    const bool hadNoDisplay = said.contains("Corvane cannot start: there is no display");
+    QVERIFY2(m_process.exitCode() == (hadNoDisplay ? 1 : 0), said.constData());
+    QVERIFY(count("(INJECTED)") > 0);
 }
 
 void TestTracedProgram::writesItsLastSampleBeforeItEnds_data()
