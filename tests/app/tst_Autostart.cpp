@@ -2,6 +2,7 @@
 
 #include "app/DesktopEntry.h"
 #include "app/LaunchAtLoginManager.h"
+#include "support/HostileDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -10,51 +11,15 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
 #include <memory>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// No file may grow while this lives, as on a full disk.
-class FullDisk {
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit none{.rlim_cur = 0, .rlim_max = m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before = {};
-};
-
-/// Acts as a user without rights while this lives, if it can.
-class OrdinaryUser {
-public:
-    OrdinaryUser() { m_isRoot = geteuid() == 0 && seteuid(65534) == 0; }
-    ~OrdinaryUser()
-    {
-        if (m_isRoot && seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-    OrdinaryUser(const OrdinaryUser &) = delete;
-    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
-
-private:
-    bool m_isRoot = false;
-};
 
 void writeFile(const QString &path, const QByteArray &content)
 {

@@ -1,4 +1,5 @@
 #include "sampling/AppSettings.h"
+#include "support/HostileDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -7,7 +8,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <memory>
+
+#include <sys/stat.h>
+
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 class TestAppSettings : public QObject {
@@ -24,6 +30,8 @@ private slots:
     void announcesEveryWrite();
     void readsWhatItStored();
     void keepsOtherKeys();
+    void outlivesADiskThatTakesNothing_data();
+    void outlivesADiskThatTakesNothing();
 
 private:
     /// Writes the settings file as an editor would.
@@ -155,6 +163,48 @@ void TestAppSettings::keepsOtherKeys()
     QCOMPARE(stored.value("later"_L1).toInt(), 42);
     QCOMPARE(stored.value("window/x"_L1).toInt(), 7);
     QCOMPARE(stored.value("historyWindow"_L1).toInt(), 60);
+}
+
+void TestAppSettings::outlivesADiskThatTakesNothing_data()
+{
+    QTest::addColumn<bool>("isFull");
+    QTest::addColumn<QByteArray>("before");
+    for (const QByteArray &before : {QByteArray(), QByteArray("[General]\nhistoryWindow=300\n")}) {
+        const char *file = before.isEmpty() ? "no settings yet" : "settings from before";
+        QTest::addRow("a full disk, %s", file) << true << before;
+        QTest::addRow("a read-only folder, %s", file) << false << before;
+    }
+}
+
+/// What is chosen holds while the program runs; the file stays what it was until the disk takes it.
+void TestAppSettings::outlivesADiskThatTakesNothing()
+{
+    QFETCH(const bool, isFull);
+    QFETCH(const QByteArray, before);
+    const QByteArray folder = QFile::encodeName(QFileInfo(m_path).path());
+    QVERIFY(QDir().mkpath(QFile::decodeName(folder)));
+    QCOMPARE(chmod(QFile::encodeName(m_home.path()).constData(), 0755), 0); // To be reached.
+    if (!before.isEmpty())
+        writeFile(before);
+    const QStringList files = QDir(QFile::decodeName(folder)).entryList(QDir::Files | QDir::Hidden);
+    AppSettings settings;
+    const QSignalSpy spy(&settings, &AppSettings::historyWindowChanged);
+    {
+        QCOMPARE(chmod(folder.constData(), isFull ? 0755 : 0555), 0);
+        const auto full = isFull ? std::make_unique<FullDisk>() : nullptr;
+        const auto user = isFull ? nullptr : std::make_unique<OrdinaryUser>();
+        settings.setHistoryWindow(HistoryWindow::oneMin);
+        QSettings().sync();
+    }
+    QCOMPARE(chmod(folder.constData(), 0755), 0);
+    QCOMPARE(spy.count(), 1);
+    QVERIFY(settings.historyWindow() == HistoryWindow::oneMin);
+    QCOMPARE(fileContents(), before);
+    QCOMPARE(QDir(QFile::decodeName(folder)).entryList(QDir::Files | QDir::Hidden), files);
+
+    settings.setHistoryWindow(HistoryWindow::oneMin);
+    QSettings().sync();
+    QCOMPARE(fileContents(), QByteArray("[General]\nhistoryWindow=60\n"));
 }
 
 QTEST_APPLESS_MAIN(TestAppSettings)
