@@ -1,8 +1,11 @@
 #include "platform/KernelFile.h"
+#include "support/FaultyCalls.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <thread>
 
 #include <cerrno>
 #include <cstdlib>
@@ -12,7 +15,10 @@
 #include <unistd.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(KernelFileKind)
 
 class TestKernelFile : public QObject {
     Q_OBJECT
@@ -23,6 +29,8 @@ private slots:
     void whatIsNoFileReadsAsNothing();
     void readsAgainFromTheStart();
     void followsAFileThatGrowsAndShrinks();
+    void readsAFileThatShrinksMeanwhile_data();
+    void readsAFileThatShrinksMeanwhile();
     void cutsAtTheLimit_data();
     void cutsAtTheLimit();
     void findsAFileThatComesLater();
@@ -130,6 +138,50 @@ void TestKernelFile::followsAFileThatGrowsAndShrinks()
         else
             QCOMPARE(contentsOf(file), Contents(contents.toStdString()));
     }
+}
+
+void TestKernelFile::readsAFileThatShrinksMeanwhile_data()
+{
+    QTest::addColumn<KernelFileKind>("kind");
+    QTest::addColumn<int>("readsBefore");
+    QTest::addColumn<int>("left");
+    QTest::addColumn<int>("expected");
+    for (const auto kind : {KernelFileKind::oneRecord, KernelFileKind::records}) {
+        const char *name = kind == KernelFileKind::records ? "records" : "one record";
+        QTest::addRow("%s, gone before the first read", name) << kind << 0 << 0 << 0;
+        QTest::addRow("%s, shorter before it", name) << kind << 0 << 100 << 100;
+        QTest::addRow("%s, gone behind it", name) << kind << 1 << 0 << 4096;
+        QTest::addRow("%s, shorter than what was read", name) << kind << 1 << 100 << 4096;
+        QTest::addRow("%s, as long as what was read", name) << kind << 1 << 4096 << 4096;
+        QTest::addRow("%s, a little longer", name) << kind << 1 << 4097 << 4097;
+        QTest::addRow("%s, shorter behind the second", name) << kind << 2 << 5000 << 8192;
+    }
+}
+
+/// Between two reads of the same contents.
+void TestKernelFile::readsAFileThatShrinksMeanwhile()
+{
+    QFETCH(const KernelFileKind, kind);
+    QFETCH(const int, readsBefore);
+    QFETCH(const int, left);
+    QFETCH(const int, expected);
+    write(u"file"_s, QByteArray(10'000, 'x'));
+    KernelFile file(path(u"file"_s), kind);
+    FaultyCalls::stall(FaultyCalls::Call::read, path(u"file"_s));
+    if (readsBefore > 0)
+        FaultyCalls::letPass(FaultyCalls::Call::read, path(u"file"_s), readsBefore);
+    Contents contents;
+    std::thread reader([&] { contents = contentsOf(file); });
+    FaultyCalls::waitForStalled();
+    const bool hasShrunk = QFile::resize(m_folder->filePath(u"file"_s), left);
+    FaultyCalls::clear();
+    reader.join();
+    QVERIFY(hasShrunk);
+    const auto text = [](int size) {
+        return size > 0 ? Contents(std::string(std::size_t(size), 'x')) : std::nullopt;
+    };
+    QCOMPARE(contents, text(expected));
+    QCOMPARE(contentsOf(file), text(left)); // And nothing of before is left the next time.
 }
 
 void TestKernelFile::cutsAtTheLimit_data()
