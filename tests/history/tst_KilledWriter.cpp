@@ -12,29 +12,39 @@
 #include <optional>
 #include <random>
 #include <set>
-#include <string>
 #include <thread>
-#include <utility>
 
 #include <csignal>
 #include <cstdlib>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
-extern char **environ;
-
 namespace {
 
 constexpr int kept = 20;
 
-/// What the other process does until it is killed: it appends records with rising numbers, trims,
-/// and tells on its standard output the number that it knows to be in the file.
-[[noreturn]] void appendForEver(const QString &directory, int first)
+/// What goes through pipes.
+void tell(int pipeEnd, int number)
 {
+    if (write(pipeEnd, &number, sizeof number) != sizeof number)
+        _exit(1);
+}
+
+std::optional<int> told(int pipeEnd)
+{
+    int number = 0;
+    return read(pipeEnd, &number, sizeof number) == sizeof number ? std::optional(number)
+                                                                  : std::nullopt;
+}
+
+/// What a writer does until it is killed: it tells its process, appends records with rising
+/// numbers, trims, and tells the number that it knows to be in the file.
+[[noreturn]] void appendForEver(const QString &directory, int first, int output)
+{
+    tell(output, getpid());
     HistoryStore store(directory);
     for (int number = first;; ++number) {
         store.append({.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50});
@@ -42,63 +52,76 @@ constexpr int kept = 20;
             store.trim(kept);
         if (number % 7 == 0) {
             store.loadLast(1);
-            if (write(STDOUT_FILENO, &number, sizeof number) != sizeof number)
-                _exit(1);
+            tell(output, number);
         }
     }
 }
 
-/// The other process.
-class Writer {
+/// Processes that write the history, one after the other. They come from one that has a single
+/// thread, which is quicker than to load the program each time. To be made before the first thread.
+class Writers {
 public:
-    Writer(std::string program, const QString &directory, int first)
+    explicit Writers(const QString &directory)
     {
-        std::array<int, 2> pipeEnds = {};
-        if (pipe(pipeEnds.data()) != 0)
+        std::array<int, 2> requests = {};
+        std::array<int, 2> answers = {};
+        if (pipe(requests.data()) != 0 || pipe(answers.data()) != 0)
             qFatal("no pipe");
-        m_output = pipeEnds[0];
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&actions, pipeEnds[0]);
-        posix_spawn_file_actions_addclose(&actions, pipeEnds[1]);
-        std::string directoryArgument = directory.toStdString();
-        std::string firstArgument = std::to_string(first);
-        std::array<char *, 4> arguments{program.data(), directoryArgument.data(),
-                                        firstArgument.data(), nullptr};
-        if (posix_spawn(&m_process, program.c_str(), &actions, nullptr, arguments.data(), environ)
-            != 0)
-            qFatal("no process");
-        posix_spawn_file_actions_destroy(&actions);
-        close(pipeEnds[1]);
+        m_requests = requests[1];
+        m_answers = answers[0];
+        m_parent = fork();
+        if (m_parent != 0) {
+            close(requests[0]);
+            close(answers[1]);
+            return;
+        }
+        close(m_requests);
+        close(m_answers);
+        while (const auto first = told(requests[0])) {
+            const pid_t writer = fork();
+            if (writer == 0)
+                appendForEver(directory, *first, answers[1]);
+            waitpid(writer, nullptr, 0);
+            tell(answers[1], hasEnded);
+        }
+        _exit(0);
     }
-    ~Writer()
+    ~Writers()
     {
-        killNow();
-        close(m_output);
+        close(m_requests);
+        close(m_answers);
+        waitpid(m_parent, nullptr, 0);
     }
-    Writer(const Writer &) = delete;
-    Writer &operator=(const Writer &) = delete;
+    Writers(const Writers &) = delete;
+    Writers &operator=(const Writers &) = delete;
 
-    /// The next number that is in the file; nothing when the process is gone.
+    /// The next one, which begins with this number.
+    void start(int first)
+    {
+        tell(m_requests, first);
+        m_writer = told(m_answers).value_or(0);
+    }
+
+    /// The next number that is in the file; nothing when the writer is gone.
     std::optional<int> next() const
     {
-        int number = 0;
-        return read(m_output, &number, sizeof number) == sizeof number ? std::optional(number)
-                                                                       : std::nullopt;
+        const std::optional<int> number = told(m_answers);
+        return number == hasEnded ? std::nullopt : number;
     }
 
-    void killNow()
+    void killNow() const
     {
-        if (m_process == 0)
-            return;
-        kill(m_process, SIGKILL);
-        waitpid(std::exchange(m_process, 0), nullptr, 0);
+        if (m_writer > 0)
+            kill(m_writer, SIGKILL);
     }
 
 private:
-    pid_t m_process = 0;
-    int m_output = -1;
+    static constexpr int hasEnded = -1;
+
+    pid_t m_parent = 0; ///< Of the writers.
+    pid_t m_writer = 0;
+    int m_requests = -1;
+    int m_answers = -1;
 };
 
 } // namespace
@@ -107,24 +130,20 @@ class TestKilledWriter : public QObject {
     Q_OBJECT
 
 public:
-    TestKilledWriter(std::string program, int instants)
-        : m_program(std::move(program)),
-          m_instants(instants)
-    {
-    }
+    explicit TestKilledWriter(int instants) : m_instants(instants) { }
 
 private slots:
     void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut();
 
 private:
-    std::string m_program;
-    int m_instants;
+    const QTemporaryDir m_folder;
+    Writers m_writers{m_folder.path()};
+    const int m_instants;
 };
 
 void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
 {
-    const QTemporaryDir folder;
-    const QString newName = folder.filePath(u"history.jsonl.new"_s);
+    const QString newName = m_folder.filePath(u"history.jsonl.new"_s);
     std::mt19937 random(1234);
     std::set<int> written; // All that was in the file, of this process and those before.
     int first = 1;
@@ -132,19 +151,19 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
     qsizetype damagedBefore = 0;
     int killedInTrims = 0;
     for (int round = 0; round < m_instants; ++round) {
-        Writer writer(m_program, folder.path(), first);
-        std::optional<int> number = writer.next();
+        m_writers.start(first);
+        std::optional<int> number = m_writers.next();
         QVERIFY(number);
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
-        writer.killNow();
-        killedInTrims += QFile::exists(newName) ? 1 : 0;
+        m_writers.killNow();
         int known = 0;
-        for (; number; number = writer.next())
+        for (; number; number = m_writers.next())
             known = *number;
-        for (int told = endsInPiece ? first + 1 : first; told <= known; ++told)
-            written.insert(told);
+        killedInTrims += QFile::exists(newName) ? 1 : 0;
+        for (int whole = endsInPiece ? first + 1 : first; whole <= known; ++whole)
+            written.insert(whole);
 
-        QFile file(folder.filePath(u"history.jsonl"_s));
+        QFile file(m_folder.filePath(u"history.jsonl"_s));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QList<QByteArray> pieces = file.readAll().split('\n');
         endsInPiece = !pieces.last().isEmpty();
@@ -152,7 +171,7 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
         pieces.removeAll(QByteArray());
 
         std::set<int> found;
-        for (const PersistedMetric &metric : HistoryStore(folder.path()).loadLast(100'000)) {
+        for (const PersistedMetric &metric : HistoryStore(m_folder.path()).loadLast(100'000)) {
             QVERIFY(found.empty() || metric.t > *found.rbegin());
             found.insert(static_cast<int>(metric.t));
         }
@@ -171,22 +190,20 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
     }
     QVERIFY2(killedInTrims >= m_instants / 50, qPrintable(QString::number(killedInTrims)));
     // Whatever the killed ones left is used up by the next one that trims.
-    HistoryStore(folder.path()).trim(1);
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{u"history.jsonl"_s});
+    HistoryStore(m_folder.path()).trim(1);
+    QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files), QStringList{u"history.jsonl"_s});
 }
 
-/// With a folder and a number, the program is the other process; "--instants N" kills it as often.
+/// "--instants N" kills as often.
 int main(int argc, char **argv)
 {
-    if (argc == 3 && argv[1][0] == '/')
-        appendForEver(QString::fromLocal8Bit(argv[1]), std::atoi(argv[2]));
     int instants = 500;
     if (argc >= 3 && qstrcmp(argv[1], "--instants") == 0) {
         instants = std::atoi(argv[2]);
         std::copy(argv + 3, argv + argc, argv + 1);
         argc -= 2;
     }
-    TestKilledWriter test(argv[0], instants);
+    TestKilledWriter test(instants);
     return QTest::qExec(&test, argc, argv);
 }
 
