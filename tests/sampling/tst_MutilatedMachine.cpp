@@ -5,6 +5,9 @@
 #include "support/MachineTree.h"
 #include "support/SteppedClock.h"
 
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -77,6 +80,9 @@ void restore(const fs::path &path, const fs::path &kept, bool inPlace)
     fs::copy(kept, path, recursively);
 }
 
+constexpr std::size_t oneByOne = 0;
+constexpr std::size_t someGroups = 4; ///< So that what reads several files meets several.
+
 /// A desktop, laptop or board with memory, three processes and all that its tree tells.
 class WholeMachine {
 public:
@@ -96,10 +102,9 @@ public:
 
     std::string root() const { return m_tree.root(); }
 
-    /// All of its files or folders, links left out, in some groups.
-    std::vector<std::vector<fs::path>> groups(bool folders) const
+    /// All of its files or folders, links left out, in so many groups or one by one.
+    std::vector<std::vector<fs::path>> groups(bool folders, std::size_t count) const
     {
-        constexpr std::size_t count = 4;
         std::vector<fs::path> found;
         for (const fs::directory_entry &entry : fs::recursive_directory_iterator(root())) {
             if (!entry.is_symlink() && entry.is_directory() == folders)
@@ -107,6 +112,8 @@ public:
         }
         std::ranges::sort(found);
         std::ranges::shuffle(found, std::mt19937(1));
+        if (count == oneByOne)
+            count = found.size();
         std::vector<std::vector<fs::path>> groups(count);
         for (std::size_t place = 0; place < found.size(); ++place)
             groups[place % count].push_back(found[place]);
@@ -165,8 +172,9 @@ QString described(const SystemMetrics &sample)
 
 } // namespace
 
-/// The sampler on machines of which one file after the other is damaged, put in place of something
-/// else or refused: it goes on, tells nothing that cannot be, and tells all again afterwards.
+/// The sampler on machines whose files or folders are damaged, put in place of something else or
+/// refused, one after the other and many at once: it goes on, tells nothing that cannot be, and
+/// tells all again afterwards.
 class TestMutilatedMachine : public QObject {
     Q_OBJECT
 
@@ -219,13 +227,24 @@ void TestMutilatedMachine::outlivesDamage_data()
 {
     QTest::addColumn<QByteArray>("machine");
     QTest::addColumn<bool>("folders");
+    QTest::addColumn<std::size_t>("groups");
     QTest::addColumn<Mutilation>("mutilation");
-    const auto add = [](const char *name, bool folders, const Mutilation &mutilation) {
+    const auto addFor = [](const char *name, bool folders, std::size_t groups,
+                           const Mutilation &mutilation) {
         for (const char *machine :
              {"amd-desktop", "amd-apu-laptop", "intel-hybrid-nvidia", "arm-board-chip"})
-            QTest::addRow("%s: %s", machine, name) << QByteArray(machine) << folders << mutilation;
+            QTest::addRow("%s: %s", machine, name)
+                << QByteArray(machine) << folders << groups << mutilation;
     };
-    add("files vanish", false, replacedBy([](const fs::path &) {}));
+    const auto add = [&](const char *name, bool folders, const Mutilation &mutilation) {
+        addFor(name, folders, someGroups, mutilation);
+    };
+    const Mutilation gone = replacedBy([](const fs::path &) {});
+    const Mutilation garbage = filledWith("\xff\x00\xfe cpu9999999999 \xc3\x28\n\n"_ba);
+    addFor("one file after the other vanishes", false, oneByOne, gone);
+    addFor("one file after the other holds garbage", false, oneByOne, garbage);
+    addFor("one folder after the other vanishes", true, oneByOne, gone);
+    add("files vanish", false, gone);
     add("files are empty", false, filledWith({}));
     add("files are cut", false,
         {.damage =
@@ -234,7 +253,7 @@ void TestMutilatedMachine::outlivesDamage_data()
                  writeText(path, text.first(text.size() / 2));
              },
          .inPlace = true});
-    add("files hold garbage", false, filledWith("\xff\x00\xfe cpu9999999999 \xc3\x28\n\n"_ba));
+    add("files hold garbage", false, garbage);
     add("files hold a huge number", false, filledWith("99999999999999999999999999\n"_ba));
     add("files hold a negative number", false, filledWith("-9223372036854775808\n"_ba));
     add("files hold no number", false, filledWith("nan\n"_ba));
@@ -248,7 +267,7 @@ void TestMutilatedMachine::outlivesDamage_data()
     const auto loop =
         replacedBy([](const fs::path &path) { fs::create_symlink(path.filename(), path); });
     add("files are loops of links", false, loop);
-    add("folders vanish", true, replacedBy([](const fs::path &) {}));
+    add("folders vanish", true, gone);
     add("folders are files", true, replacedBy(filledWith("0\n"_ba).damage));
     add("folders are loops of links", true, loop);
 }
@@ -257,6 +276,7 @@ void TestMutilatedMachine::outlivesDamage()
 {
     QFETCH(const QByteArray, machine);
     QFETCH(const bool, folders);
+    QFETCH(const std::size_t, groups);
     QFETCH(const Mutilation, mutilation);
     const WholeMachine whole(machine.toStdString());
     const QTemporaryDir keptFolder;
@@ -266,7 +286,7 @@ void TestMutilatedMachine::outlivesDamage()
     const QString before = ticks(sampler, whole.root());
     QVERIFY(!before.isEmpty());
 
-    for (const auto &group : whole.groups(folders)) {
+    for (const auto &group : whole.groups(folders, groups)) {
         for (const fs::path &path : group) {
             std::error_code gone; // Or its folder is.
             if (fs::exists(path, gone))
@@ -305,7 +325,7 @@ void TestMutilatedMachine::outlivesRefusedCalls()
     QVERIFY(!before.isEmpty());
 
     const Call call = opening ? Call::open : Call::read;
-    auto groups = whole.groups(false);
+    auto groups = whole.groups(false, someGroups);
     if (error != EINTR)
         groups.push_back({fs::path()}); // All files; reads that were interrupted are tried again.
     for (const auto &group : groups) {
@@ -354,5 +374,17 @@ void TestMutilatedMachine::noTickWaitsForADiskThatStalls()
     QCOMPARE(HistoryStore(history.path()).loadLast(1000).size(), std::size_t(121));
 }
 
-QTEST_GUILESS_MAIN(TestMutilatedMachine)
+/// Its machines are kept in memory where they can be: a disk that is written to so often takes ten
+/// times as long.
+int main(int argc, char **argv)
+{
+    const QStorageInfo memory(u"/dev/shm"_s);
+    if (memory.fileSystemType() == "tmpfs" && memory.bytesAvailable() > 60'000'000
+        && QFileInfo(memory.rootPath()).isWritable())
+        qputenv("TMPDIR", "/dev/shm");
+    const QCoreApplication application(argc, argv);
+    TestMutilatedMachine test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_MutilatedMachine.moc"
