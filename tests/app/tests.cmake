@@ -69,7 +69,7 @@ corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac
 find_program(CORVANE_PACKAGEKIT packagekitd PATHS /usr/libexec /usr/lib/packagekit)
 find_program(CORVANE_SCANPACKAGES dpkg-scanpackages)
 find_program(CORVANE_GPG gpg)
-if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_TESTS AND NOT CORVANE_SANITIZE)
+if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED AND NOT CORVANE_SANITIZE)
   add_executable(corvane_update_check app/update_check.cpp)
   target_link_libraries(corvane_update_check PRIVATE corvane::app)
   execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE)
