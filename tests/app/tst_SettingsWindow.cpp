@@ -6,13 +6,14 @@
 #include "app/SettingsTexts.h"
 #include "app/SettingsWindow.h"
 #include "app/Switch.h"
-#include "app/SystemUpdater.h"
 #include "app/UpdateSettings.h"
 #include "app/UpdaterManager.h"
+#include "support/ScriptedUpdater.h"
 
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -42,43 +43,12 @@ struct Login {
     std::optional<QString> error = {}; ///< Of each change.
 };
 
-/// Updates that a test finds.
-class Updates : public SystemUpdater {
-public:
-    bool isOffered() const override { return offered; }
-    bool automaticallyChecks() const override { return automatic; }
-    void setAutomaticallyChecks(bool on) override { automatic = on; }
-    bool canCheck() const override { return !isChecking; }
-    void check() override
-    {
-        ++checks;
-        setChecking(true);
-    }
-    void refresh() override { ++refreshes; }
-    std::optional<QString> finding() const override { return found; }
-
-    void setChecking(bool on)
-    {
-        isChecking = on;
-        emit canCheckChanged();
-    }
-    void find(const QString &sentence)
-    {
-        found = sentence;
-        emit findingChanged();
-    }
-
-    bool offered = true;
-    bool automatic = false;
-    bool isChecking = false;
-    int checks = 0;
-    int refreshes = 0;
-    std::optional<QString> found = {};
-};
-
 /// The settings of a program, in sight.
 struct Shown {
-    explicit Shown(Updates *system = new Updates) : updates(system) { window.show(); }
+    explicit Shown(ScriptedUpdater *system = new ScriptedUpdater) : updates(system)
+    {
+        window.show();
+    }
 
     /// The switch of the page in sight.
     Switch &theSwitch() const
@@ -101,7 +71,7 @@ struct Shown {
     }
 
     Login login;
-    Updates *updates; ///< The manager's.
+    ScriptedUpdater *updates; ///< The manager's.
     LaunchAtLoginManager launch{login.item()};
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     SettingsWindow window{launch, updater};
@@ -199,7 +169,7 @@ void TestSettingsWindow::aSwitchThatWaitsForApprovalStaysOff()
     LoginItem item = login.item();
     item.enable = [] { return std::nullopt; }; // Done, as far as the program can.
     LaunchAtLoginManager launch(item);
-    UpdaterManager updater(std::make_unique<Updates>());
+    UpdaterManager updater(std::make_unique<ScriptedUpdater>());
     SettingsWindow window(launch, updater);
     window.show();
     auto *row = window.findChild<Switch *>();
@@ -247,15 +217,16 @@ void TestSettingsWindow::togglesAutomaticChecks()
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
     shown.theSwitch().click();
-    QVERIFY(shown.updates->automatic);
-    shown.updater.setAutomaticallyChecks(false);
-    QVERIFY(!shown.theSwitch().isChecked());
+    QVERIFY(!shown.updates->automatic);
+    shown.updater.setAutomaticallyChecks(true);
+    QVERIFY(shown.theSwitch().isChecked());
 }
 
 void TestSettingsWindow::promisesNothingWhereNoUpdatesCanCome()
 {
-    auto *none = new Updates;
+    auto *none = new ScriptedUpdater;
     none->offered = false;
+    none->automatic = false;
     none->isChecking = true;
     Shown shown(none);
     shown.window.showTab(SettingsTab::updates);
@@ -322,7 +293,7 @@ void TestSettingsWindow::worksByKeyboardAlone()
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
     QCOMPARE(shown.window.focusWidget(), &shown.theSwitch());
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Space);
-    QVERIFY(shown.updates->automatic);
+    QVERIFY(!shown.updates->automatic);
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Return);
     QCOMPARE(shown.updates->checks, 1);
