@@ -8,6 +8,7 @@
 #include "app/Switch.h"
 #include "app/UpdateSettings.h"
 #include "app/UpdaterManager.h"
+#include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
 
 #include <QTest>
@@ -17,31 +18,6 @@ using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// The system's list of what starts at login.
-struct Login {
-    LoginItem item()
-    {
-        return {.isEnabled =
-                    [this] {
-                        ++reads;
-                        return isOn;
-                    },
-                .enable = [this] { return change(true); },
-                .disable = [this] { return change(false); }};
-    }
-
-    std::optional<QString> change(bool on)
-    {
-        if (!error)
-            isOn = on;
-        return error;
-    }
-
-    bool isOn = false;
-    int reads = 0;
-    std::optional<QString> error = {}; ///< Of each change.
-};
 
 /// The settings of a program, in sight.
 struct Shown {
@@ -70,7 +46,7 @@ struct Shown {
         return all;
     }
 
-    Login login;
+    ScriptedLoginItem login;
     ScriptedUpdater *updates; ///< The manager's.
     LaunchAtLoginManager launch{login.item()};
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
@@ -138,10 +114,10 @@ void TestSettingsWindow::toggleLaunchAtLogin()
     Shown shown;
     QVERIFY(!shown.theSwitch().isChecked());
     shown.theSwitch().click();
-    QVERIFY(shown.login.isOn);
+    QVERIFY(shown.login.isEnabled);
     QVERIFY(shown.theSwitch().isChecked());
     shown.theSwitch().click();
-    QVERIFY(!shown.login.isOn);
+    QVERIFY(!shown.login.isEnabled);
     QVERIFY(!shown.theSwitch().isChecked());
 }
 
@@ -150,13 +126,13 @@ void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
     Shown shown;
     const SettingsNote *note = shown.window.findChildren<SettingsNote *>()[1];
     const int place = note->y();
-    shown.login.error = u"Operation not permitted"_s;
+    shown.login.refusal = u"Operation not permitted"_s;
     shown.theSwitch().click();
     QVERIFY(!shown.theSwitch().isChecked());
     QCOMPARE(shown.texts().value(1), u"Operation not permitted"_s);
     QCOMPARE(note->y(), place + 8 + 15);
 
-    shown.login.error = {};
+    shown.login.refusal = {};
     shown.theSwitch().click();
     QVERIFY(shown.theSwitch().isChecked());
     QCOMPARE(shown.texts().size(), 2);
@@ -165,23 +141,17 @@ void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
 
 void TestSettingsWindow::aSwitchThatWaitsForApprovalStaysOff()
 {
-    Login login;
-    LoginItem item = login.item();
-    item.enable = [] { return std::nullopt; }; // Done, as far as the program can.
-    LaunchAtLoginManager launch(item);
-    UpdaterManager updater(std::make_unique<ScriptedUpdater>());
-    SettingsWindow window(launch, updater);
-    window.show();
-    auto *row = window.findChild<Switch *>();
-    row->click();
-    QVERIFY(!row->isChecked());
+    Shown shown;
+    shown.login.needsApproval = true;
+    shown.theSwitch().click();
+    QVERIFY(!shown.theSwitch().isChecked());
 }
 
 void TestSettingsWindow::readsTheRealStateWhenItIsShown()
 {
     Shown shown;
     shown.window.hide();
-    shown.login.isOn = true;
+    shown.login.isEnabled = true;
     const int reads = shown.login.reads;
     const int refreshes = shown.updates->refreshes;
     shown.window.show();
@@ -193,7 +163,7 @@ void TestSettingsWindow::readsTheRealStateWhenItIsShown()
 void TestSettingsWindow::readsTheRealStateWhenTheUserComesBack()
 {
     Shown shown;
-    shown.login.isOn = true;
+    shown.login.isEnabled = true;
     QEvent activation(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&shown.window, &activation);
     QVERIFY(shown.theSwitch().isChecked());

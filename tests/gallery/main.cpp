@@ -20,6 +20,7 @@
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
+#include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
 
 #include <QApplication>
@@ -195,19 +196,13 @@ bool cards(const Gallery &gallery)
         && good;
 }
 
-/// A login item as a system keeps it, or one that refuses every change.
-LoginItem loginItem(bool isOn, const std::optional<QString> &error = {})
-{
-    return {.isEnabled = [isOn] { return isOn; },
-            .enable = [error] { return error; },
-            .disable = [error] { return error; }};
-}
-
 bool settings(const Gallery &gallery)
 {
-    LaunchAtLoginManager on(loginItem(true));
-    LaunchAtLoginManager refused(
-        loginItem(false, u"The operation couldn’t be completed. Operation not permitted"_s));
+    ScriptedLoginItem enabled{.isEnabled = true};
+    ScriptedLoginItem refusing{
+        .refusal = u"The operation couldn’t be completed. Operation not permitted"_s};
+    LaunchAtLoginManager on(enabled.item());
+    LaunchAtLoginManager refused(refusing.item());
     UpdaterManager updater(std::make_unique<ScriptedUpdater>());
     auto found = std::make_unique<ScriptedUpdater>();
     found->find(u"Corvane 0.2.0 is available. Your system's software updater installs it."_s);
