@@ -35,6 +35,7 @@ private slots:
     void areTabsForReaders();
     void theChosenOneHasAPlate_data();
     void theChosenOneHasAPlate();
+    void theChosenOneShowsTheFocus();
 };
 
 void TestSettingsTabs::areAsLargeAsDrawn()
@@ -87,6 +88,23 @@ void TestSettingsTabs::theChosenOneHasAPlate()
         QCOMPARE(pixelAt(picture, left + 44, 50).alpha(), 0);
         QCOMPARE(pixelAt(picture, 88 - left + 10, 20).alpha(), 0);
     }
+}
+
+void TestSettingsTabs::theChosenOneShowsTheFocus()
+{
+    Shown shown;
+    shown.tabs.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&shown.tabs));
+    const auto edge = [&shown](int tab) {
+        return pixelAt(rendered(shown.tabs, 1), tab * 88 + 44, 6);
+    };
+    for (const int chosen : {0, 1}) {
+        shown.tabs.setCurrentIndex(chosen);
+        QVERIFY(edge(chosen).blue() > edge(chosen).red() + 40);
+        QCOMPARE(edge(1 - chosen).alpha(), 0);
+    }
+    shown.tabs.clearFocus();
+    QVERIFY(edge(1).blue() <= edge(1).red() + 40);
 }
 
 QTEST_MAIN(TestSettingsTabs)

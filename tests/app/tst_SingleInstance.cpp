@@ -32,6 +32,7 @@ private slots:
     void takesOverFromOneThatEnds();
     void givesUpOnOneThatDoesNotListen();
     void givesUpOnOneThatDoesNotAnswer();
+    void givesUpOnOneThatHangsUp();
     void isNotTakenInByAnotherAnswer();
     void doesNotMeetOneOfAnotherFolder();
     void takesTheTokenOfThisStart();
@@ -107,6 +108,20 @@ void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
     QVERIFY(listenAt(stopped, first.socketPath()));
     auto second = starts.second(50ms);
     TRY_COMPARE_STANDING(second, Standing::unanswered);
+}
+
+void TestSingleInstance::givesUpOnOneThatHangsUp()
+{
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
+    const FileDescriptor stranger = openUnixSocket();
+    QVERIFY(listenAt(stranger, first.socketPath()));
+    auto second = starts.second(200ms);
+    int guests = 0;
+    while (second.wait_for(1ms) != std::future_status::ready)
+        guests += FileDescriptor(accept(stranger.get(), nullptr, nullptr)) ? 1 : 0;
+    QVERIFY(guests > 0);
+    QCOMPARE(second.get(), Standing::unanswered);
 }
 
 void TestSingleInstance::isNotTakenInByAnotherAnswer()
