@@ -92,19 +92,24 @@ void TestSettingsTabs::theChosenOneHasAPlate()
 
 void TestSettingsTabs::theChosenOneShowsTheFocus()
 {
+    QWidget window;
+    QWidget other(&window);
     Shown shown;
-    shown.tabs.setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(&shown.tabs));
+    shown.tabs.setParent(&window);
+    shown.tabs.show();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
     const auto edge = [&shown](int tab) {
         return pixelAt(rendered(shown.tabs, 1), tab * 88 + 44, 6);
     };
     for (const int chosen : {0, 1}) {
         shown.tabs.setCurrentIndex(chosen);
-        QVERIFY(edge(chosen).blue() > edge(chosen).red() + 40);
+        other.setFocus();
+        const QColor without = edge(chosen);
+        shown.tabs.setFocus();
+        QVERIFY(!isClose(edge(chosen), without, 10));
         QCOMPARE(edge(1 - chosen).alpha(), 0);
     }
-    shown.tabs.clearFocus();
-    QVERIFY(edge(1).blue() <= edge(1).red() + 40);
 }
 
 QTEST_MAIN(TestSettingsTabs)
