@@ -1,3 +1,4 @@
+corvane_test(cards/tst_RoundedBox LINK corvane::theme)
 corvane_test(cards/tst_NumberText LINK corvane::theme)
 corvane_test(cards/tst_Theme LINK corvane::theme)
 corvane_test(cards/tst_Icon LINK corvane::theme corvane::processes)
