@@ -155,8 +155,6 @@ private:
 
 void appendPlain(QList<MarkdownRun> &runs, QStringView text)
 {
-    if (text.isEmpty())
-        return;
     if (!runs.isEmpty() && runs.last().emphasis == Emphasis::none)
         runs.last().text += text;
     else

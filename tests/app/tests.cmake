@@ -9,6 +9,7 @@ corvane_test(app/tst_TrayProgram SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_BusCall SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_SessionBus SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_StatusNotifierTypes SYSTEM linux simulated-mac LINK corvane::app)
+corvane_test(app/tst_DBusMenuTypes SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_DBusMenu SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
              SOURCES support/BusMonitor.cpp support/FakeTray.cpp support/PrivateBus.cpp LINK corvane::app)
