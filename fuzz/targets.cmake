@@ -25,3 +25,5 @@ target_compile_definitions(fuzz_NvidiaAnswers PRIVATE FUZZED_NVIDIA="$<TARGET_FI
 corvane_fuzz(InstanceMessage SOURCES app/InstanceMessage.cpp)
 corvane_fuzz(DesktopEntry SOURCES app/DesktopEntry.cpp LINK Qt6::Core)
 corvane_fuzz(PackageLine SOURCES app/PackageLine.cpp LINK Qt6::Core)
+corvane_fuzz(NaturalOrder LINK corvane::telemetry)
+corvane_fuzz(PackageEnergy LINK corvane::telemetry)
