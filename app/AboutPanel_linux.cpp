@@ -11,7 +11,7 @@ void showAboutPanel()
     static QPointer<AboutPanel> panel; // Gone when it is closed.
     if (!isOpen(panel)) {
         panel = new AboutPanel;
-        panel->setAttribute(Qt::WA_DeleteOnClose);
+        deleteOnClose(*panel);
     }
     bringForward(*panel);
 }

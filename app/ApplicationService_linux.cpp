@@ -1,10 +1,7 @@
 #include "app/ApplicationService.h"
+#include "app/BusCall.h"
 #include "app/BusConnection.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-
-#include <functional>
 #include <utility>
 
 namespace corvane {
@@ -28,10 +25,7 @@ QString objectPath()
 
 QDBusMessage requestForName()
 {
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                       u"org.freedesktop.DBus"_s, u"RequestName"_s);
-    return call << QString(name) << doNotQueue;
+    return BusCall::toBus(u"RequestName"_s, {QString(name), doNotQueue});
 }
 
 QDBusMessage requestToOpen(const std::string &activationToken)
@@ -56,7 +50,10 @@ struct ApplicationService::Bus {
     }
 
     void requestName();
-    void ask(const QDBusMessage &call, const std::function<void(const QDBusMessage &)> &use);
+    void ask(const QDBusMessage &call, const BusCall::Use &use)
+    {
+        BusCall::ask(connection.bus(), call, &service, use);
+    }
 
     ApplicationService &service;
     const std::string activationToken;
@@ -70,20 +67,10 @@ void ApplicationService::Bus::requestName()
     ask(requestForName(), [this](const QDBusMessage &reply) {
         if (reply.arguments().value(0).toUInt() != anotherHasIt)
             return;
-        ask(requestToOpen(activationToken),
-            [this](const QDBusMessage &) { emit service.anotherAnswered(); });
-    });
-}
-
-/// Calls `use` with the reply; an error is none.
-void ApplicationService::Bus::ask(const QDBusMessage &call,
-                                  const std::function<void(const QDBusMessage &)> &use)
-{
-    auto *answer = new QDBusPendingCallWatcher(connection.bus().asyncCall(call), &service);
-    connect(answer, &QDBusPendingCallWatcher::finished, &service, [answer, use] {
-        answer->deleteLater();
-        if (!answer->isError())
-            use(answer->reply());
+        ask(requestToOpen(activationToken), [this](const QDBusMessage &answer) {
+            if (BusCall::isReply(answer))
+                emit service.anotherAnswered();
+        });
     });
 }
 

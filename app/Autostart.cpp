@@ -18,15 +18,6 @@ using namespace Qt::StringLiterals;
 /// No entry of use is longer.
 constexpr qint64 longestEntry = qint64(64) * 1024;
 
-/// Where the entry may lie, the user's place first.
-QStringList entryFiles()
-{
-    QStringList files = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
-    for (QString &file : files)
-        file += "/autostart/"_L1 + QStringLiteral(CORVANE_IDENTIFIER) + ".desktop"_L1;
-    return files;
-}
-
 /// A broken link is there too: it keeps the system's entry from counting.
 bool isThere(const QString &file)
 {
@@ -47,7 +38,7 @@ std::optional<DesktopEntry> readEntry(const QString &file)
 
 QString systemWideEntry()
 {
-    for (const QString &file : entryFiles().mid(1)) {
+    for (const QString &file : autostartPlaces().mid(1)) {
         if (isThere(file))
             return file;
     }
@@ -56,11 +47,9 @@ QString systemWideEntry()
 
 bool isOn(const QString &program)
 {
-    const QString own = entryFiles().constFirst();
+    const QString own = autostartPlaces().constFirst();
     const auto entry = readEntry(isThere(own) ? own : systemWideEntry());
-    const QStringList desktops =
-        qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts);
-    if (!entry || !isStarted(*entry, desktops))
+    if (!entry || !isStarted(*entry, currentDesktops()))
         return false;
     if (!entry->tryExec.isEmpty() && QStandardPaths::findExecutable(entry->tryExec).isEmpty())
         return false;
@@ -81,7 +70,7 @@ bool makeFolder(const QString &path)
 
 std::optional<QString> writeEntry(const QByteArray &content)
 {
-    const QString file = entryFiles().constFirst();
+    const QString file = autostartPlaces().constFirst();
     const QString folder = QFileInfo(file).path();
     if (!makeFolder(folder))
         return u"The folder \"%1\" cannot be made."_s.arg(folder);
@@ -108,7 +97,7 @@ std::optional<QString> turnOff()
 {
     if (!systemWideEntry().isEmpty())
         return writeEntry("[Desktop Entry]\nType=Application\nName=Corvane\nHidden=true\n");
-    QFile own(entryFiles().constFirst());
+    QFile own(autostartPlaces().constFirst());
     if (!isThere(own.fileName()) || own.remove())
         return std::nullopt;
     return u"\"%1\" cannot be removed: %2."_s.arg(own.fileName(), own.errorString());

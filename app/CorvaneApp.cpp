@@ -80,8 +80,7 @@ void CorvaneApp::openMainWindow()
 {
     if (!isOpen(m_mainWindow)) {
         m_mainWindow = new MainWindow;
-        m_mainWindow->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_mainWindow, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
+        deleteOnClose(*m_mainWindow);
         connectMainWindow();
     }
     bringForward(*m_mainWindow);
@@ -91,8 +90,7 @@ void CorvaneApp::openSettings()
 {
     if (!isOpen(m_settings)) {
         m_settings = new SettingsWindow(m_state.launch, m_state.updater);
-        m_settings->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_settings, &QObject::destroyed, this, returnFreeMemory, Qt::QueuedConnection);
+        deleteOnClose(*m_settings);
         m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
     }
     bringForward(*m_settings);

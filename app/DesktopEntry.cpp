@@ -1,5 +1,6 @@
 #include "app/DesktopEntry.h"
 
+#include <QStandardPaths>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -200,6 +201,19 @@ bool isStarted(const DesktopEntry &entry, const QStringList &desktops)
             return false;
     }
     return !entry.onlyShowIn;
+}
+
+QStringList currentDesktops()
+{
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts);
+}
+
+QStringList autostartPlaces()
+{
+    QStringList places = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
+    for (QString &place : places)
+        place += "/autostart/"_L1 + QStringLiteral(CORVANE_IDENTIFIER) + ".desktop"_L1;
+    return places;
 }
 
 QByteArray autostartFile(const QString &program)

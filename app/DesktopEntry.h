@@ -26,6 +26,12 @@ std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes);
 /// Whether the programs are there is left to the caller.
 bool isStarted(const DesktopEntry &entry, const QStringList &desktops);
 
+/// Those of this session.
+QStringList currentDesktops();
+
+/// Where the entry that starts this program with a session may lie, the user's place first.
+QStringList autostartPlaces();
+
 /// A file that starts the program, given by an absolute path without an equals sign, with every
 /// session.
 QByteArray autostartFile(const QString &program);

@@ -4,6 +4,7 @@
 #include "app/PanelButton.h"
 #include "app/PanelHeader.h"
 #include "app/PanelRow.h"
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 
 #include <QBoxLayout>
@@ -166,13 +167,8 @@ void MenuBarContent::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::panelFill());
-    painter.drawRoundedRect(rect(), radius, radius);
-    painter.setPen(QPen(Theme::panelStroke(), 1));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5,
-                            radius - 0.5);
+    fillRounded(painter, rect(), radius, Theme::panelFill());
+    strokeRounded(painter, rect(), radius, Theme::panelStroke());
 }
 
 void MenuBarContent::resizeEvent(QResizeEvent *)

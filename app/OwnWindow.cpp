@@ -2,7 +2,9 @@
 
 #include "app/InstanceMessage.h"
 #include "app/TrayPicture.h"
+#include "platform/Heap.h"
 
+#include <QCoreApplication>
 #include <QShortcut>
 #include <QWidget>
 
@@ -21,6 +23,12 @@ QIcon signIcon()
 }
 
 } // namespace
+
+void deleteOnClose(QWidget &window)
+{
+    window.setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(&window, &QObject::destroyed, qApp, returnFreeMemory, Qt::QueuedConnection);
+}
 
 void bringForward(QWidget &window)
 {

@@ -13,6 +13,9 @@ inline bool isOpen(const QWidget *window)
     return window && window->isVisible();
 }
 
+/// Has a window go when it is closed, and what it held with it.
+void deleteOnClose(QWidget &window);
+
 /// Shows a window in front of the others, back from the taskbar too, with the program's sign.
 void bringForward(QWidget &window);
 

@@ -3,7 +3,6 @@
 #include "app/SystemBusLink.h"
 #include "platform/BackgroundJob.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QTimer>
 
 #include <limits>
@@ -49,10 +48,7 @@ void PackageCheck::findService()
         conclude(UpdateReport::Outcome::noService);
         return;
     }
-    const auto names =
-        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                       u"org.freedesktop.DBus"_s, u"ListActivatableNames"_s);
-    call(names, [this](const QDBusMessage &reply) {
+    call(BusCall::toBus(u"ListActivatableNames"_s), [this](const QDBusMessage &reply) {
         const QStringList activatable = reply.arguments().value(0).toStringList();
         if (!activatable.contains("org.freedesktop.PackageKit"_L1))
             conclude(UpdateReport::Outcome::noService);
@@ -125,15 +121,9 @@ void PackageCheck::conclude(UpdateReport::Outcome outcome)
     emit finished(m_report);
 }
 
-/// Calls `use` with the reply; an error is one without arguments of use.
-void PackageCheck::call(const QDBusMessage &message, const UseReply &use)
+void PackageCheck::call(const QDBusMessage &message, const BusCall::Use &use)
 {
-    auto *answer = new QDBusPendingCallWatcher(
-        m_link->bus().asyncCall(message, static_cast<int>(m_patience.count())), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, use] {
-        answer->deleteLater();
-        use(answer->isError() ? QDBusMessage() : answer->reply());
-    });
+    BusCall::ask(m_link->bus(), message, this, use, m_patience);
 }
 
 void PackageCheck::transact(const QString &action, const QVariantList &arguments, const Use &use)

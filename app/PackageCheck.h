@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/BusCall.h"
 #include "app/PackageTransaction.h"
 #include "app/UpdateReport.h"
 
@@ -33,7 +34,6 @@ signals:
 
 private:
     using Use = std::function<void(const PackageAnswer &)>;
-    using UseReply = std::function<void(const QDBusMessage &)>;
 
     void findService();
     void refreshLists();
@@ -42,7 +42,7 @@ private:
     void askForUpdates(const QList<PackageLine> &resolved);
     void conclude(UpdateReport::Outcome outcome);
 
-    void call(const QDBusMessage &message, const UseReply &use);
+    void call(const QDBusMessage &message, const BusCall::Use &use);
     void transact(const QString &action, const QVariantList &arguments, const Use &use);
 
     const Lists m_lists;

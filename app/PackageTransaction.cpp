@@ -1,8 +1,9 @@
 #include "app/PackageTransaction.h"
 
+#include "app/BusCall.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QLocale>
 
@@ -45,11 +46,9 @@ PackageTransaction::PackageTransaction(const QDBusConnection &bus, const QString
     connect(&m_silence, &QTimer::timeout, this, &PackageTransaction::finish);
     m_silence.start();
 
-    auto *created = new QDBusPendingCallWatcher(
-        m_bus.asyncCall(serviceCall(u"CreateTransaction"_s), static_cast<int>(patience.count())),
-        this);
-    connect(created, &QDBusPendingCallWatcher::finished, this,
-            [this, created] { begin(created->reply()); });
+    BusCall::ask(
+        m_bus, serviceCall(u"CreateTransaction"_s), this,
+        [this](const QDBusMessage &created) { begin(created); }, patience);
 }
 
 PackageTransaction::~PackageTransaction()
@@ -77,14 +76,13 @@ void PackageTransaction::begin(const QDBusMessage &created)
             &PackageTransaction::finish);
     m_silence.start();
     m_bus.send(transactionCall(u"SetHints"_s, {hints()}));
-    auto *started =
-        new QDBusPendingCallWatcher(m_bus.asyncCall(transactionCall(m_action, m_arguments),
-                                                    static_cast<int>(m_silence.interval())),
-                                    this);
-    connect(started, &QDBusPendingCallWatcher::finished, this, [this, started] {
-        if (started->isError())
-            finish();
-    });
+    BusCall::ask(
+        m_bus, transactionCall(m_action, m_arguments), this,
+        [this](const QDBusMessage &started) {
+            if (!BusCall::isReply(started))
+                finish();
+        },
+        m_silence.intervalAsDuration());
 }
 
 QDBusMessage PackageTransaction::transactionCall(const QString &method,

@@ -1,6 +1,7 @@
 #include "app/PanelButton.h"
 
 #include "cards/Icon.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -18,7 +19,6 @@ constexpr double radius = 6;
 constexpr double padding = 12;
 constexpr double symbolSize = 14;
 constexpr double iconGap = 6;
-constexpr double ringWidth = 2;
 
 const QFont &textFont()
 {
@@ -33,15 +33,6 @@ double fillOpacity(const PanelButton &button)
     if (button.isDown())
         return 0.05;
     return button.underMouse() ? 0.12 : 0.08;
-}
-
-void strokeInside(QPainter &painter, const QRectF &rect, const QColor &color, double width)
-{
-    const double inset = width / 2;
-    painter.setPen(QPen(color, width));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset,
-                            radius - inset);
 }
 
 } // namespace
@@ -66,12 +57,10 @@ void PanelButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::withOpacity(Qt::white, fillOpacity(*this)));
-    painter.drawRoundedRect(rect(), radius, radius);
-    strokeInside(painter, rect(), Theme::withOpacity(Qt::white, 0.06), 1);
+    fillRounded(painter, rect(), radius, Theme::withOpacity(Qt::white, fillOpacity(*this)));
+    strokeRounded(painter, rect(), radius, Theme::withOpacity(Qt::white, 0.06));
     if (hasFocus())
-        strokeInside(painter, rect(), Theme::withOpacity(Theme::cpu(), 0.6), ringWidth);
+        paintFocusRing(painter, rect(), radius);
 
     painter.setOpacity(isEnabled() ? 1 : Theme::disabledOpacity);
     double x = (width() - contentWidth()) / 2;

@@ -25,7 +25,6 @@ public:
 
     /// As high as it must be at its width.
     int heightForWidth(int width) const override;
-    bool hasHeightForWidth() const override { return true; }
 
     std::vector<SpokenText> spokenTexts() const override;
 

@@ -3,6 +3,7 @@
 #include "app/SettingsNote.h"
 #include "app/Switch.h"
 #include "cards/PixelGrid.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -70,15 +71,11 @@ void SettingsPage::paintEvent(QPaintEvent *)
     drawText(painter, {padding, headingLine.baseline(headingFont())}, m_heading, headingFont());
 
     const QRectF group(padding, groupTop, row(0).width(), groupBottom() - groupTop);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::cardFill());
-    painter.drawRoundedRect(group, radius, radius);
+    fillRounded(painter, group, radius, Theme::cardFill());
     for (int index = 1; index < m_rowCount; ++index)
         fillHairline(painter, QRectF(padding + 1, row(index).top() - 1, row(0).width() - 2, 1),
                      Theme::cardStroke());
-    painter.setPen(QPen(Theme::cardStroke(), 1));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(group.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+    strokeRounded(painter, group, radius, Theme::cardStroke());
 }
 
 } // namespace corvane

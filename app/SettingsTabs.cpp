@@ -1,6 +1,7 @@
 #include "app/SettingsTabs.h"
 
 #include "cards/Icon.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -16,7 +17,6 @@ constexpr double radius = 7;
 constexpr double symbolSize = 18;
 constexpr double symbolTop = 4.5; ///< In the plate.
 constexpr TextLine nameLine{25.5, 13};
-constexpr double ringWidth = 2;
 
 } // namespace
 
@@ -50,18 +50,10 @@ void SettingsTabs::paintTab(QPainter &painter, int index) const
     const bool isChosen = index == currentIndex();
     QRectF place({}, plate);
     place.moveCenter(QRectF(tabRect(index)).center());
-    painter.setPen(Qt::NoPen);
-    if (isChosen) {
-        painter.setBrush(Theme::chosenTab());
-        painter.drawRoundedRect(place, radius, radius);
-    }
-    if (isChosen && hasFocus()) {
-        constexpr double inset = ringWidth / 2;
-        painter.setPen(QPen(Theme::focusRing(), ringWidth));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), radius - inset,
-                                radius - inset);
-    }
+    if (isChosen)
+        fillRounded(painter, place, radius, Theme::chosenTab());
+    if (isChosen && hasFocus())
+        paintFocusRing(painter, place, radius);
 
     const QColor &color = isChosen ? Theme::chosenTabText() : Theme::textSecondary();
     const QFont font = Theme::systemFont(11, isChosen ? QFont::Medium : QFont::Normal);

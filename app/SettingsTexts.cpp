@@ -1,7 +1,8 @@
 #include "app/SettingsTexts.h"
 
+#include "app/DesktopEntry.h"
+
 #include <QDir>
-#include <QStandardPaths>
 
 namespace corvane {
 
@@ -54,9 +55,7 @@ QString loginNote(HostSystem system, const QStringList &desktops, const QString 
 
 QString loginNote()
 {
-    return loginNote(hostSystem(), qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':'),
-                     QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-                         + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s);
+    return loginNote(hostSystem(), currentDesktops(), autostartPlaces().constFirst());
 }
 
 QString updatesNote(bool isOffered, HostSystem system)

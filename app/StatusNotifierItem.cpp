@@ -1,9 +1,8 @@
 #include "app/StatusNotifierItem.h"
 
+#include "app/BusCall.h"
 #include "app/OwnWindow.h"
 #include "app/StatusNotifierWatcher.h"
-
-#include <QDBusPendingCallWatcher>
 
 #include <algorithm>
 #include <chrono>
@@ -72,10 +71,8 @@ void StatusNotifierItem::registerAtWatcher()
 {
     QDBusMessage call = StatusNotifierWatcher::methodCall(u"RegisterStatusNotifierItem"_s);
     call << m_bus.baseService();
-    auto *answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        answer->deleteLater();
-        if (answer->isError() && m_settling.isActive())
+    BusCall::ask(m_bus, call, this, [this](const QDBusMessage &answer) {
+        if (!BusCall::isReply(answer) && m_settling.isActive())
             m_settling.start(0ms);
     });
     m_settling.start(longestWait);

@@ -2,7 +2,6 @@
 
 #include "app/TrayProgram.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
@@ -17,9 +16,7 @@ constexpr auto watcherPath = "/StatusNotifierWatcher"_L1;
 
 QDBusMessage busCall(const QString &method)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, method);
-    return call << QString(watcherName);
+    return BusCall::toBus(method, {QString(watcherName)});
 }
 
 } // namespace
@@ -116,14 +113,9 @@ void StatusNotifierWatcher::askForProperty(const QString &name,
     });
 }
 
-/// Calls `use` with the reply, or with a message without arguments for an error.
-void StatusNotifierWatcher::ask(const QDBusMessage &call, const Use &use)
+void StatusNotifierWatcher::ask(const QDBusMessage &call, const BusCall::Use &use)
 {
-    auto *answer = new QDBusPendingCallWatcher(m_connection.bus().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [answer, use] {
-        answer->deleteLater();
-        use(answer->isError() ? QDBusMessage() : answer->reply());
-    });
+    BusCall::ask(m_connection.bus(), call, this, use);
 }
 
 void StatusNotifierWatcher::publish(const std::optional<TrayHost> &host)

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "app/BusCall.h"
 #include "app/BusConnection.h"
 #include "app/TrayHost.h"
 
-#include <QDBusMessage>
 #include <QObject>
 
 #include <functional>
@@ -52,8 +52,7 @@ private slots:
 private:
     void watchBus();
     void loseBus();
-    using Use = std::function<void(const QDBusMessage &reply)>;
-    void ask(const QDBusMessage &call, const Use &use);
+    void ask(const QDBusMessage &call, const BusCall::Use &use);
     void askForProperty(const QString &name, const std::function<void(const QVariant &)> &use);
     void lookUp(const QString &owner);
     void publish(const std::optional<TrayHost> &host);

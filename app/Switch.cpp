@@ -1,6 +1,7 @@
 #include "app/Switch.h"
 
 #include "cards/PixelGrid.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -13,22 +14,8 @@ namespace {
 constexpr double trackWidth = 36;
 constexpr double trackHeight = 20;
 constexpr double knobSide = 16;
-constexpr double knobGap = 2; ///< Around the knob.
-constexpr double ringGap = 2;
-constexpr double ringWidth = 2;
-
-void drawCapsule(QPainter &painter, const QRectF &capsule)
-{
-    painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
-}
-
-void strokeCapsule(QPainter &painter, const QRectF &capsule, const QColor &color, double width)
-{
-    const double inset = width / 2;
-    painter.setPen(QPen(color, width));
-    painter.setBrush(Qt::NoBrush);
-    drawCapsule(painter, capsule.adjusted(inset, inset, -inset, -inset));
-}
+constexpr double knobGap = 2;    ///< Around the knob.
+constexpr double ringOutset = 4; ///< A gap and the ring.
 
 } // namespace
 
@@ -66,19 +53,16 @@ void Switch::paintEvent(QPaintEvent *)
         snappedToPixels(painter,
                         QRectF(width() - padding - trackWidth, (height() - trackHeight) / 2,
                                trackWidth, trackHeight));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? Theme::switchOn() : Theme::switchOff());
-    drawCapsule(painter, track);
-    strokeCapsule(painter, track, Theme::switchStroke(), 1);
+    const double radius = track.height() / 2;
+    fillRounded(painter, track, radius, isChecked() ? Theme::switchOn() : Theme::switchOff());
+    strokeRounded(painter, track, radius, Theme::switchStroke());
     const double left = isChecked() ? track.right() - knobGap - knobSide : track.left() + knobGap;
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     painter.drawEllipse(QRectF(left, track.top() + knobGap, knobSide, knobSide));
-    if (hasFocus()) {
-        constexpr double outset = ringGap + ringWidth;
-        strokeCapsule(painter, track.adjusted(-outset, -outset, outset, outset), Theme::focusRing(),
-                      ringWidth);
-    }
+    if (hasFocus())
+        paintFocusRing(painter, track.adjusted(-ringOutset, -ringOutset, ringOutset, ringOutset),
+                       radius + ringOutset);
 }
 
 } // namespace corvane

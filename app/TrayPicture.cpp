@@ -1,6 +1,7 @@
 #include "app/TrayPicture.h"
 
 #include "cards/Logo.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 
@@ -43,14 +44,9 @@ double markLeft(LabelPosition position)
 
 void paintPlate(QPainter &painter, double width, double height)
 {
-    const double inset = borderWidth / 2;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::plate());
-    painter.drawRoundedRect(QRectF(0, 0, width, height), plateRadius, plateRadius);
-    painter.setPen(QPen(Theme::plateStroke(), borderWidth));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(inset, inset, width - borderWidth, height - borderWidth),
-                            plateRadius - inset, plateRadius - inset);
+    const QRectF plate(0, 0, width, height);
+    fillRounded(painter, plate, plateRadius, Theme::plate());
+    strokeRounded(painter, plate, plateRadius, Theme::plateStroke(), borderWidth);
 }
 
 /// Set at the pixel size that it is shown in, so that the font's own hinting applies.
@@ -70,9 +66,7 @@ void paintNumber(QPainter &painter, const LabelNumber &number, double scale)
 
 void paintMark(QPainter &painter, const QColor &color, LabelPosition position)
 {
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawRoundedRect(QRectF(QPointF(markLeft(position), markTop), markSize), 1, 1);
+    fillRounded(painter, QRectF(QPointF(markLeft(position), markTop), markSize), 1, color);
 }
 
 QImage emptyPicture(int width, int height)

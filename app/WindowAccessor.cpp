@@ -1,7 +1,5 @@
 #include "app/WindowAccessor.h"
 
-#include <QTimerEvent>
-
 #include <utility>
 
 namespace corvane {
@@ -17,12 +15,8 @@ WindowAccessor::WindowAccessor(std::function<void(NativeWindow)> configure, QWid
     m_nextTurn.start(0, this);
 }
 
-void WindowAccessor::timerEvent(QTimerEvent *event)
+void WindowAccessor::timerEvent(QTimerEvent *)
 {
-    if (event->timerId() != m_nextTurn.timerId()) {
-        QWidget::timerEvent(event);
-        return;
-    }
     --m_looksLeft;
     const NativeWindow window = m_platform.hostingWindow(*this);
     if (window || m_looksLeft == 0)

@@ -4,6 +4,7 @@
 #include "cards/FrameworkColor.h"
 #include "cards/Icon.h"
 #include "cards/InfoTexts.h"
+#include "cards/RoundedBox.h"
 #include "cards/RowList.h"
 #include "cards/Theme.h"
 #include "sampling/ByteFormatter.h"
@@ -175,9 +176,7 @@ void AIWorkloadsCard::paintShapes(QPainter &painter, const QRect &dirty)
             paintIcon(painter, u"moon.zzz"_s, emptyIconRect(), Theme::textSecondary());
         return;
     }
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::tag());
-    painter.drawRoundedRect(tagRect(), tagRadius, tagRadius);
+    fillRounded(painter, tagRect(), tagRadius, Theme::tag());
 }
 
 void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place) const
@@ -185,9 +184,7 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     const AIWorkload &workload = m_workloads[static_cast<std::size_t>(index)];
     const QColor color = frameworkColor(workload.framework);
     const QRectF tile(place.left(), place.center().y() - tileSide / 2, tileSide, tileSide);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::withOpacity(color, 0.18));
-    painter.drawRoundedRect(tile, tileRadius, tileRadius);
+    fillRounded(painter, tile, tileRadius, Theme::withOpacity(color, 0.18));
     constexpr double inset = (tileSide - tileIconSide) / 2;
     paintIcon(painter, symbol(workload.framework), tile.adjusted(inset, inset, -inset, -inset),
               color);

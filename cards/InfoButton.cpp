@@ -2,6 +2,7 @@
 
 #include "cards/Icon.h"
 #include "cards/InfoPopover.h"
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 
 #include <QKeyEvent>
@@ -59,10 +60,8 @@ void InfoButton::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor &color = underMouse() ? Theme::textSecondary() : Theme::textTertiary();
     paintIcon(painter, u"info.circle"_s, glyph(), color);
-    if (!hasFocus())
-        return;
-    painter.setPen(QPen(Theme::focusRing(), 2));
-    painter.drawRoundedRect(QRectF(1, 1, side - 2, side - 2), 5, 5);
+    if (hasFocus())
+        paintFocusRing(painter, rect(), 6);
 }
 
 void InfoButton::enterEvent(QEnterEvent *event)

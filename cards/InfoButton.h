@@ -38,8 +38,6 @@ public:
     /// Nothing while it is closed.
     InfoPopover *popover() const;
 
-    QSize sizeHint() const override { return {side, side}; }
-
 protected:
     void paintEvent(QPaintEvent *event) override;
     void enterEvent(QEnterEvent *event) override;

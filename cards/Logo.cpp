@@ -1,6 +1,7 @@
 #include "cards/Logo.h"
 
 #include "cards/Icon.h"
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 
 #include <QPainter>
@@ -35,9 +36,7 @@ void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
     QLinearGradient gradient(square.topLeft(), square.bottomRight());
     gradient.setColorAt(0, Theme::withOpacity(Theme::cpu(), opacity));
     gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), opacity));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(gradient);
-    painter.drawRoundedRect(square, plateRadius * scale, plateRadius * scale);
+    fillRounded(painter, square, plateRadius * scale, gradient);
     paintDrawing(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
                  Qt::white);
 }

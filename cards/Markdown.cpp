@@ -1,5 +1,6 @@
 #include "cards/Markdown.h"
 
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 
 #include <QFontMetricsF>
@@ -154,8 +155,6 @@ private:
 
 void appendPlain(QList<MarkdownRun> &runs, QStringView text)
 {
-    if (text.isEmpty())
-        return;
     if (!runs.isEmpty() && runs.last().emphasis == Emphasis::none)
         runs.last().text += text;
     else
@@ -245,11 +244,10 @@ void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayo
         if (piece.run.emphasis == Emphasis::bold)
             painter.setPen(Theme::textPrimary());
         if (piece.run.emphasis == Emphasis::code) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(Theme::codeFill());
-            painter.drawRoundedRect(
+            fillRounded(
+                painter,
                 QRectF(start.x(), start.y() + style.codeBox.top, piece.width, style.codeBox.height),
-                3, 3);
+                3, Theme::codeFill());
             painter.setPen(Theme::codeText());
             indent = style.codePadding;
         }

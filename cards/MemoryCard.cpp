@@ -5,6 +5,7 @@
 #include "cards/InfoTexts.h"
 #include "cards/NumberText.h"
 #include "cards/PixelGrid.h"
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
@@ -274,7 +275,6 @@ void MemoryCard::paintBreakdownBar(QPainter &painter) const
 {
     const QRectF bar = breakdownBar();
     painter.save();
-    painter.setPen(Qt::NoPen);
     // Each piece is the capsule cut to the piece's width: a clip path would leave ragged ends.
     const auto fill = [&](double from, double to, const QColor &color) {
         const double left =
@@ -284,8 +284,7 @@ void MemoryCard::paintBreakdownBar(QPainter &painter) const
         if (right <= left)
             return;
         painter.setClipRect(QRectF(left, bar.top(), right - left, bar.height()));
-        painter.setBrush(color);
-        painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);
+        fillRounded(painter, bar, barHeight / 2, color);
     };
     fill(0, 1, Theme::track());
     double from = 0;

@@ -3,6 +3,7 @@
 #include "cards/CardStyle.h"
 #include "cards/InfoTexts.h"
 #include "cards/NumberText.h"
+#include "cards/RoundedBox.h"
 #include "cards/RowList.h"
 #include "cards/Theme.h"
 #include "sampling/ByteFormatter.h"
@@ -101,9 +102,7 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
     const double barLeft = place.left() + nameWidth + columnGap;
     const double barEnd = bytesEnd - bytesWidth - columnGap;
     const QRectF bar(barLeft, place.center().y() - barHeight / 2, barEnd - barLeft, barHeight);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::track());
-    painter.drawRoundedRect(bar, barHeight / 2, barHeight / 2);
+    fillRounded(painter, bar, barHeight / 2, Theme::track());
 
     QRectF fill = bar;
     fill.setWidth(std::max(bar.width() * row.fraction, shortestFill));

@@ -1,5 +1,6 @@
 #include "cards/RowList.h"
 
+#include "cards/RoundedBox.h"
 #include "cards/Theme.h"
 
 #include <QKeyEvent>
@@ -16,7 +17,7 @@ namespace {
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
-constexpr double ringInset = 4;  ///< From both side edges: no row and no thumb is under the ring.
+constexpr double ringInset = 3;  ///< From both side edges: no row and no thumb is under the ring.
 constexpr double shortestThumb = 24;
 constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
 
@@ -112,15 +113,10 @@ void RowList::paintEvent(QPaintEvent *event)
     paintRows(painter, plain & dirty);
     painter.restore();
 
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::scrollThumb());
     if (m_geometry.mostOffset() > 0)
-        painter.drawRoundedRect(thumbRect(), thumbWidth / 2, thumbWidth / 2);
-    if (hasFocus()) {
-        painter.setPen(QPen(Theme::focusRing(), 2));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(ringInset, 1, -ringInset, -1), 6, 6);
-    }
+        fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb());
+    if (hasFocus())
+        paintFocusRing(painter, QRectF(rect()).adjusted(ringInset, 0, -ringInset, 0), 7);
 }
 
 void RowList::paintRows(QPainter &painter, const QRectF &part) const

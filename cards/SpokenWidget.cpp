@@ -108,17 +108,6 @@ public:
         return index < 0 ? index : index + textCount();
     }
 
-    QAccessibleInterface *childAt(int x, int y) const override
-    {
-        if (QAccessibleInterface *widget = QAccessibleWidget::childAt(x, y))
-            return widget;
-        for (int i = 0; i < textCount(); ++i) {
-            if (child(i)->rect().contains(x, y))
-                return child(i);
-        }
-        return nullptr;
-    }
-
 private:
     int textCount() const { return static_cast<int>(m_widget->spokenTexts().size()); }
 

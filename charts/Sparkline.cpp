@@ -1,6 +1,7 @@
 #include "charts/Sparkline.h"
 
 #include "cards/PixelGrid.h"
+#include "cards/RoundedBox.h"
 #include "cards/TextLayout.h"
 #include "cards/Theme.h"
 #include "charts/ChartTime.h"
@@ -279,7 +280,7 @@ void Sparkline::paintEvent(QPaintEvent *)
     if (m_showsPill)
         paintPill(painter);
     if (hasFocus())
-        paintFocusRing(painter);
+        paintFocusRing(painter, rect(), 4);
 }
 
 void Sparkline::paintLayers(QPainter &painter) const
@@ -309,11 +310,10 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
     for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
         if (m_timeLabels[i].isEmpty() || (i == 1 && free < 4 * tagMargin))
             continue; // The middle one gives way where it would touch the others.
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Theme::timeLabelTag());
-        painter.drawRoundedRect(QRectF(lefts[i] - tagMargin, height() - 1 - tagHeight,
-                                       widths[i] + 2 * tagMargin, tagHeight),
-                                3, 3);
+        fillRounded(painter,
+                    QRectF(lefts[i] - tagMargin, height() - 1 - tagHeight,
+                           widths[i] + 2 * tagMargin, tagHeight),
+                    3, Theme::timeLabelTag());
         painter.setPen(Theme::timeLabel());
         drawText(painter, {lefts[i], height() - 3.75}, m_timeLabels[i], labelFont());
     }
@@ -326,13 +326,6 @@ void Sparkline::paintPill(QPainter &painter) const
     const double y = pillY(size.height());
     const QPointF origin(x - size.width() * 0.5, y - size.height() * 0.5);
     m_pill.paint(painter, snappedToPixels(painter, origin));
-}
-
-void Sparkline::paintFocusRing(QPainter &painter) const
-{
-    painter.setPen(QPen(Theme::focusRing(), 2));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 3, 3);
 }
 
 } // namespace corvane

@@ -76,7 +76,6 @@ private:
     void paintTimeLabels(QPainter &painter) const;
     void paintCursor(QPainter &painter) const;
     void paintPill(QPainter &painter) const;
-    void paintFocusRing(QPainter &painter) const;
 
     SparklineData m_data;
     PillBuilder m_buildPill;

@@ -1,12 +1,13 @@
 # corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …]
-#                 [FRAMEWORKS …] [LINK …])
+#                 [FRAMEWORKS …] [HEADERS …] [LINK …])
 #
 # Adds the layer `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
 # LINUX is added by the system: what reads the machine. The DESKTOP pair talks to the desktop (menu
 # bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop. FRAMEWORKS are
-# what the Apple sources link on a Mac.
+# what the Apple sources link on a Mac. HEADERS are what most of the sources include: with
+# CORVANE_PRECOMPILE they are compiled once.
 function(corvane_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;FRAMEWORKS;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;MAC;LINUX;MAC_DESKTOP;LINUX_DESKTOP;FRAMEWORKS;HEADERS;LINK")
   set(target corvane_${name})
   set(sources ${arg_SOURCES})
   if(CORVANE_SYSTEM STREQUAL "linux")
@@ -25,6 +26,9 @@ function(corvane_library name)
     add_library(${target} INTERFACE)
     set(scope INTERFACE)
   endif()
+  if(CORVANE_PRECOMPILE AND arg_HEADERS)
+    target_precompile_headers(${target} PRIVATE ${arg_HEADERS})
+  endif()
   add_library(corvane::${name} ALIAS ${target})
   target_link_libraries(${target} ${scope} corvane_flags ${arg_LINK})
   if(arg_MAC AND CORVANE_SYSTEM STREQUAL "simulated-mac")
@@ -42,15 +46,15 @@ function(corvane_test path)
   if(arg_SYSTEM AND NOT CORVANE_SYSTEM IN_LIST arg_SYSTEM)
     return()
   endif()
-  if(CORVANE_ONLY_TESTS STREQUAL "threaded" AND NOT arg_THREADED)
-    return()
-  elseif(NOT CORVANE_ONLY_TESTS MATCHES "^(threaded)?$" AND NOT path MATCHES "^${CORVANE_ONLY_TESTS}/")
+  if(CORVANE_ONLY_THREADED AND NOT arg_THREADED)
     return()
   endif()
   get_filename_component(target ${path} NAME)
   add_executable(${target} ${CMAKE_CURRENT_SOURCE_DIR}/${path}.cpp ${arg_SOURCES})
-  target_link_libraries(${target} PRIVATE corvane_flags corvane_test_support Qt6::Test ${arg_LINK})
-  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${target} PRIVATE corvane_test_support ${arg_LINK})
+  target_precompile_headers(${target} REUSE_FROM corvane_test_support)
+  set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
+                              PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   set(home ${CMAKE_CURRENT_BINARY_DIR}/home/${target})
   file(MAKE_DIRECTORY ${home}/runtime)
   file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace corvane;
@@ -38,6 +39,7 @@ private slots:
     void survivesAStorm();
     void leavesIgnoredSignalsIgnored();
     void givesTheSignalsBack();
+    void leavesTheSignalsAloneWithoutDescriptors();
     void brokenPipesAreErrors();
 };
 
@@ -101,6 +103,19 @@ void TestCleanEnd::givesTheSignalsBack()
     {
         const CleanEnd cleanEnd;
     }
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        QVERIFY(handlerOf(number) == SIG_DFL);
+}
+
+/// They end the program as ever.
+void TestCleanEnd::leavesTheSignalsAloneWithoutDescriptors()
+{
+    rlimit before = {};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const CleanEnd cleanEnd;
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         QVERIFY(handlerOf(number) == SIG_DFL);
 }

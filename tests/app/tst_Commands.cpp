@@ -1,8 +1,8 @@
 #include "app/Commands.h"
 #include "app/PanelButton.h"
-#include "app/SystemUpdater.h"
 #include "app/UpdateSettings.h"
 #include "app/UpdaterManager.h"
+#include "support/ScriptedUpdater.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,6 +13,7 @@
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -24,32 +25,6 @@ QStringList texts(const QList<QAction *> &actions)
         list.append(action->isSeparator() ? u"-"_s : action->text());
     return list;
 }
-
-/// An updater whose checks a test begins and ends.
-class Updates : public SystemUpdater {
-public:
-    bool automaticallyChecks() const override { return false; }
-    void setAutomaticallyChecks(bool) override { }
-    bool canCheck() const override { return !m_isChecking; }
-    void check() override { setChecking(true); }
-    std::optional<QString> availableVersion() const override { return m_availableVersion; }
-
-    void setChecking(bool on)
-    {
-        m_isChecking = on;
-        emit canCheckChanged();
-    }
-
-    void find(const std::optional<QString> &version)
-    {
-        m_availableVersion = version;
-        emit findingChanged();
-    }
-
-private:
-    bool m_isChecking = false;
-    std::optional<QString> m_availableVersion;
-};
 
 } // namespace
 
@@ -122,7 +97,7 @@ void TestCommands::nothingMakesANewWindow()
 
 void TestCommands::updatesAreCheckedForOnceAtATime()
 {
-    auto *updates = new Updates;
+    auto *updates = new ScriptedUpdater;
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     Commands commands;
     commands.follow(updater);
@@ -137,17 +112,17 @@ void TestCommands::updatesAreCheckedForOnceAtATime()
 
 void TestCommands::tellOfANewerVersion()
 {
-    auto *updates = new Updates;
+    auto *updates = new ScriptedUpdater;
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
-    updates->find(u"0.2.0"_s);
+    updates->find({}, u"0.2.0"_s);
     Commands commands;
     commands.follow(updater);
     const QAction *command = commands.checkForUpdates();
     QCOMPARE(command->text(), u"Corvane 0.2.0 Is Available…"_s);
     QVERIFY(command->isEnabled());
-    updates->find(u"1:0.3.0~rc1"_s);
+    updates->find({}, u"1:0.3.0~rc1"_s);
     QCOMPARE(command->text(), u"Corvane 1:0.3.0~rc1 Is Available…"_s);
-    updates->find(std::nullopt);
+    updates->find({});
     QCOMPARE(command->text(), u"Check for Updates…"_s);
 }
 

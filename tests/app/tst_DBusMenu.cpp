@@ -164,6 +164,8 @@ void TestDBusMenu::tellsTheMenuWhenItOpensAndCloses()
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
     send(*m_dbusMenu, 0, u"opened"_s);
     send(*m_dbusMenu, 0, u"opened"_s);
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(0, -1, {}, layout);
     QCOMPARE(opened.count(), 1);
     QCOMPARE(closed.count(), 0);
     send(*m_dbusMenu, 0, u"closed"_s);
@@ -196,9 +198,14 @@ void TestDBusMenu::sendsWhatChangedMeanwhileWhenItOpens()
     QCOMPARE(updated.count(), 1);
     QCOMPARE(labels(updated[0][0].value<QList<DBusMenuProperties>>()), QStringList{u"Quit"_s});
 
+    QList<int> unknown;
+    m_command->setEnabled(true);
+    QCOMPARE(m_dbusMenu->AboutToShowGroup({0, 1}, unknown), QList<int>{0});
+    QCOMPARE(updated.count(), 2);
+
     m_row->setText(u"GPU: 42 %"_s);
     send(*m_dbusMenu, 0, u"opened"_s);
-    QCOMPARE(updated.count(), 2);
+    QCOMPARE(updated.count(), 3);
 }
 
 void TestDBusMenu::sendsChangesTogetherWhileOpen()

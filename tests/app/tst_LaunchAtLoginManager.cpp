@@ -1,36 +1,12 @@
 #include "app/LaunchAtLoginManager.h"
+#include "support/ScriptedLoginItem.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// A list of login items that does what it is told, or refuses.
-struct ScriptedItem {
-    bool isEnabled = false;
-    bool needsApproval = false;
-    std::optional<QString> refusal = {};
-    int reads = 0;
-
-    std::optional<QString> change(bool on)
-    {
-        if (!refusal)
-            isEnabled = on && !needsApproval;
-        return refusal;
-    }
-
-    LoginItem item()
-    {
-        return {.isEnabled = [this] { return ++reads, isEnabled; },
-                .enable = [this] { return change(true); },
-                .disable = [this] { return change(false); }};
-    }
-};
-
-} // namespace
 
 class TestLaunchAtLoginManager : public QObject {
     Q_OBJECT
@@ -47,8 +23,8 @@ private slots:
 
 void TestLaunchAtLoginManager::startsWithTheStateOfTheSystem()
 {
-    ScriptedItem on{.isEnabled = true};
-    ScriptedItem off;
+    ScriptedLoginItem on{.isEnabled = true};
+    ScriptedLoginItem off;
     QVERIFY(LaunchAtLoginManager(on.item()).isEnabled());
     QVERIFY(!LaunchAtLoginManager(off.item()).isEnabled());
     QVERIFY(!LaunchAtLoginManager(off.item()).lastError());
@@ -56,7 +32,7 @@ void TestLaunchAtLoginManager::startsWithTheStateOfTheSystem()
 
 void TestLaunchAtLoginManager::switchesOnAndOff()
 {
-    ScriptedItem system;
+    ScriptedLoginItem system;
     LaunchAtLoginManager manager(system.item());
     manager.setEnabled(true);
     QVERIFY(system.isEnabled);
@@ -69,7 +45,7 @@ void TestLaunchAtLoginManager::switchesOnAndOff()
 
 void TestLaunchAtLoginManager::springsBackWhenRefused()
 {
-    ScriptedItem system{.refusal = u"The disk is full."_s};
+    ScriptedLoginItem system{.refusal = u"The disk is full."_s};
     LaunchAtLoginManager manager(system.item());
     const QSignalSpy states(&manager, &LaunchAtLoginManager::isEnabledChanged);
     const QSignalSpy errors(&manager, &LaunchAtLoginManager::lastErrorChanged);
@@ -84,7 +60,7 @@ void TestLaunchAtLoginManager::springsBackWhenRefused()
 
 void TestLaunchAtLoginManager::staysOffUntilTheUserAgrees()
 {
-    ScriptedItem system{.needsApproval = true};
+    ScriptedLoginItem system{.needsApproval = true};
     LaunchAtLoginManager manager(system.item());
     manager.setEnabled(true);
     QVERIFY(!manager.isEnabled());
@@ -93,7 +69,7 @@ void TestLaunchAtLoginManager::staysOffUntilTheUserAgrees()
 
 void TestLaunchAtLoginManager::forgetsTheErrorWithTheNextSuccess()
 {
-    ScriptedItem system{.refusal = u"Not now."_s};
+    ScriptedLoginItem system{.refusal = u"Not now."_s};
     LaunchAtLoginManager manager(system.item());
     manager.setEnabled(true);
     system.refusal.reset();
@@ -107,7 +83,7 @@ void TestLaunchAtLoginManager::forgetsTheErrorWithTheNextSuccess()
 
 void TestLaunchAtLoginManager::readsTheStateAfterEachChange()
 {
-    ScriptedItem system{.isEnabled = true, .refusal = u"No."_s};
+    ScriptedLoginItem system{.isEnabled = true, .refusal = u"No."_s};
     LaunchAtLoginManager manager(system.item());
     QCOMPARE(system.reads, 1);
     manager.setEnabled(false);
@@ -121,7 +97,7 @@ void TestLaunchAtLoginManager::readsTheStateAfterEachChange()
 
 void TestLaunchAtLoginManager::seesWhatOthersChanged()
 {
-    ScriptedItem system;
+    ScriptedLoginItem system;
     LaunchAtLoginManager manager(system.item());
     const QSignalSpy states(&manager, &LaunchAtLoginManager::isEnabledChanged);
     manager.refresh();

@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPointer>
 #include <QSignalSpy>
@@ -77,6 +78,10 @@ private slots:
     void buttonsAnnounceTheirCommands();
     void offersItsActionsInAMenu();
     void staysWhileItsMenuHasTheFocus();
+    void closesWithItsMenuWhenAnotherWindowIsActive();
+    void hasNoMenuWithoutActions();
+    void leavesOtherKeysAlone();
+    void comesToTheFirstScreenForAnAnchorBesideAll();
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
@@ -279,6 +284,50 @@ void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
     QTRY_VERIFY(!menu);
     QTest::keyClick(&panel, Qt::Key_Escape);
     QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesWithItsMenuWhenAnotherWindowIsActive()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    const QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    if (menu)
+        menu->close();
+    QTRY_VERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::hasNoMenuWithoutActions()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QVERIFY(panel.findChildren<QMenu *>().isEmpty());
+    QVERIFY(panel.isVisible());
+}
+
+void TestMenuBarContent::leavesOtherKeysAlone()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+    QCoreApplication::sendEvent(&panel, &event);
+    QVERIFY(!event.isAccepted());
+    QVERIFY(panel.isVisible());
+}
+
+void TestMenuBarContent::comesToTheFirstScreenForAnAnchorBesideAll()
+{
+    MenuBarContent panel;
+    panel.toggleAt({-5000, -5000});
+    QVERIFY(panel.isVisible());
+    QVERIFY(QGuiApplication::primaryScreen()->geometry().contains(panel.geometry()));
 }
 
 void TestMenuBarContent::staysOnTheScreen_data()

@@ -1,9 +1,12 @@
 #include "app/PanelButton.h"
+#include "support/Rendering.h"
 
+#include <QEnterEvent>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 class TestPanelButton : public QObject {
@@ -14,6 +17,7 @@ private slots:
     void isClickedByKeyAndPointer();
     void hasRoomForIconAndText();
     void showsItsFocus();
+    void answersThePointer();
     void fadesWhenDisabled();
 };
 
@@ -64,6 +68,26 @@ void TestPanelButton::showsItsFocus()
     QVERIFY(QTest::qWaitFor([&button] { return button.hasFocus(); }));
     const QColor with = button.grab().toImage().pixelColor(40, 1);
     QVERIFY(with.blue() > without.blue() + 40 || with.red() < without.red() - 40);
+}
+
+void TestPanelButton::answersThePointer()
+{
+    QWidget window;
+    window.setStyleSheet(u"background: black"_s);
+    PanelButton button(u"Quit"_s, {}, &window);
+    button.resize(80, 28);
+    window.show();
+    const auto fill = [&window] { return onScreen(window).pixelColor(6, 14).lightness(); };
+    const int alone = fill();
+    QEnterEvent enter(QPointF(40, 14), QPointF(40, 14), QPointF(40, 14));
+    QCoreApplication::sendEvent(&button, &enter);
+    QVERIFY(fill() > alone);
+    QTest::mousePress(&button, Qt::LeftButton);
+    QVERIFY(fill() < alone);
+    QTest::mouseRelease(&button, Qt::LeftButton);
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&button, &leave);
+    QCOMPARE(fill(), alone);
 }
 
 void TestPanelButton::fadesWhenDisabled()

@@ -35,6 +35,7 @@ private slots:
     void areTabsForReaders();
     void theChosenOneHasAPlate_data();
     void theChosenOneHasAPlate();
+    void theChosenOneShowsTheFocus();
 };
 
 void TestSettingsTabs::areAsLargeAsDrawn()
@@ -86,6 +87,28 @@ void TestSettingsTabs::theChosenOneHasAPlate()
         QCOMPARE(pixelAt(picture, left + 44, 4).alpha(), 0);
         QCOMPARE(pixelAt(picture, left + 44, 50).alpha(), 0);
         QCOMPARE(pixelAt(picture, 88 - left + 10, 20).alpha(), 0);
+    }
+}
+
+void TestSettingsTabs::theChosenOneShowsTheFocus()
+{
+    QWidget window;
+    QWidget other(&window);
+    Shown shown;
+    shown.tabs.setParent(&window);
+    shown.tabs.show();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const auto edge = [&shown](int tab) {
+        return pixelAt(rendered(shown.tabs, 1), tab * 88 + 44, 6);
+    };
+    for (const int chosen : {0, 1}) {
+        shown.tabs.setCurrentIndex(chosen);
+        other.setFocus();
+        const QColor without = edge(chosen);
+        shown.tabs.setFocus();
+        QVERIFY(!isClose(edge(chosen), without, 10));
+        QCOMPARE(edge(1 - chosen).alpha(), 0);
     }
 }
 

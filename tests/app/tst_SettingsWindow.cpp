@@ -6,79 +6,25 @@
 #include "app/SettingsTexts.h"
 #include "app/SettingsWindow.h"
 #include "app/Switch.h"
-#include "app/SystemUpdater.h"
 #include "app/UpdateSettings.h"
 #include "app/UpdaterManager.h"
+#include "support/ScriptedLoginItem.h"
+#include "support/ScriptedUpdater.h"
 
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The system's list of what starts at login.
-struct Login {
-    LoginItem item()
-    {
-        return {.isEnabled =
-                    [this] {
-                        ++reads;
-                        return isOn;
-                    },
-                .enable = [this] { return change(true); },
-                .disable = [this] { return change(false); }};
-    }
-
-    std::optional<QString> change(bool on)
-    {
-        if (!error)
-            isOn = on;
-        return error;
-    }
-
-    bool isOn = false;
-    int reads = 0;
-    std::optional<QString> error = {}; ///< Of each change.
-};
-
-/// Updates that a test finds.
-class Updates : public SystemUpdater {
-public:
-    bool isOffered() const override { return offered; }
-    bool automaticallyChecks() const override { return automatic; }
-    void setAutomaticallyChecks(bool on) override { automatic = on; }
-    bool canCheck() const override { return !isChecking; }
-    void check() override
-    {
-        ++checks;
-        setChecking(true);
-    }
-    void refresh() override { ++refreshes; }
-    std::optional<QString> finding() const override { return found; }
-
-    void setChecking(bool on)
-    {
-        isChecking = on;
-        emit canCheckChanged();
-    }
-    void find(const QString &sentence)
-    {
-        found = sentence;
-        emit findingChanged();
-    }
-
-    bool offered = true;
-    bool automatic = false;
-    bool isChecking = false;
-    int checks = 0;
-    int refreshes = 0;
-    std::optional<QString> found = {};
-};
-
 /// The settings of a program, in sight.
 struct Shown {
-    explicit Shown(Updates *system = new Updates) : updates(system) { window.show(); }
+    explicit Shown(ScriptedUpdater *system = new ScriptedUpdater) : updates(system)
+    {
+        window.show();
+    }
 
     /// The switch of the page in sight.
     Switch &theSwitch() const
@@ -100,8 +46,8 @@ struct Shown {
         return all;
     }
 
-    Login login;
-    Updates *updates; ///< The manager's.
+    ScriptedLoginItem login;
+    ScriptedUpdater *updates; ///< The manager's.
     LaunchAtLoginManager launch{login.item()};
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     SettingsWindow window{launch, updater};
@@ -168,10 +114,10 @@ void TestSettingsWindow::toggleLaunchAtLogin()
     Shown shown;
     QVERIFY(!shown.theSwitch().isChecked());
     shown.theSwitch().click();
-    QVERIFY(shown.login.isOn);
+    QVERIFY(shown.login.isEnabled);
     QVERIFY(shown.theSwitch().isChecked());
     shown.theSwitch().click();
-    QVERIFY(!shown.login.isOn);
+    QVERIFY(!shown.login.isEnabled);
     QVERIFY(!shown.theSwitch().isChecked());
 }
 
@@ -180,13 +126,13 @@ void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
     Shown shown;
     const SettingsNote *note = shown.window.findChildren<SettingsNote *>()[1];
     const int place = note->y();
-    shown.login.error = u"Operation not permitted"_s;
+    shown.login.refusal = u"Operation not permitted"_s;
     shown.theSwitch().click();
     QVERIFY(!shown.theSwitch().isChecked());
     QCOMPARE(shown.texts().value(1), u"Operation not permitted"_s);
     QCOMPARE(note->y(), place + 8 + 15);
 
-    shown.login.error = {};
+    shown.login.refusal = {};
     shown.theSwitch().click();
     QVERIFY(shown.theSwitch().isChecked());
     QCOMPARE(shown.texts().size(), 2);
@@ -195,23 +141,17 @@ void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
 
 void TestSettingsWindow::aSwitchThatWaitsForApprovalStaysOff()
 {
-    Login login;
-    LoginItem item = login.item();
-    item.enable = [] { return std::nullopt; }; // Done, as far as the program can.
-    LaunchAtLoginManager launch(item);
-    UpdaterManager updater(std::make_unique<Updates>());
-    SettingsWindow window(launch, updater);
-    window.show();
-    auto *row = window.findChild<Switch *>();
-    row->click();
-    QVERIFY(!row->isChecked());
+    Shown shown;
+    shown.login.needsApproval = true;
+    shown.theSwitch().click();
+    QVERIFY(!shown.theSwitch().isChecked());
 }
 
 void TestSettingsWindow::readsTheRealStateWhenItIsShown()
 {
     Shown shown;
     shown.window.hide();
-    shown.login.isOn = true;
+    shown.login.isEnabled = true;
     const int reads = shown.login.reads;
     const int refreshes = shown.updates->refreshes;
     shown.window.show();
@@ -223,7 +163,7 @@ void TestSettingsWindow::readsTheRealStateWhenItIsShown()
 void TestSettingsWindow::readsTheRealStateWhenTheUserComesBack()
 {
     Shown shown;
-    shown.login.isOn = true;
+    shown.login.isEnabled = true;
     QEvent activation(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&shown.window, &activation);
     QVERIFY(shown.theSwitch().isChecked());
@@ -247,15 +187,16 @@ void TestSettingsWindow::togglesAutomaticChecks()
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
     shown.theSwitch().click();
-    QVERIFY(shown.updates->automatic);
-    shown.updater.setAutomaticallyChecks(false);
-    QVERIFY(!shown.theSwitch().isChecked());
+    QVERIFY(!shown.updates->automatic);
+    shown.updater.setAutomaticallyChecks(true);
+    QVERIFY(shown.theSwitch().isChecked());
 }
 
 void TestSettingsWindow::promisesNothingWhereNoUpdatesCanCome()
 {
-    auto *none = new Updates;
+    auto *none = new ScriptedUpdater;
     none->offered = false;
+    none->automatic = false;
     none->isChecking = true;
     Shown shown(none);
     shown.window.showTab(SettingsTab::updates);
@@ -322,7 +263,7 @@ void TestSettingsWindow::worksByKeyboardAlone()
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
     QCOMPARE(shown.window.focusWidget(), &shown.theSwitch());
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Space);
-    QVERIFY(shown.updates->automatic);
+    QVERIFY(!shown.updates->automatic);
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Return);
     QCOMPARE(shown.updates->checks, 1);

@@ -2,13 +2,12 @@
 
 #include "app/InstanceSocket.h"
 #include "app/UnixSocket.h"
+#include "support/InstanceStarts.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
-#include <future>
 #include <memory>
 #include <vector>
 
@@ -17,23 +16,15 @@
 #include <unistd.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
+using namespace corvane::test;
 using namespace std::chrono_literals;
 using Standing = SingleInstance::Standing;
 
-namespace {
-
-constexpr auto ample = 60s;
-
-} // namespace
-
-/// Starts of the program within this process; each has a lock of its own.
 class TestSingleInstance : public QObject {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void init();
     void isTheFirstWhereNoneRuns();
     void isTheFirstWithoutAFolder();
     void asksTheFirst();
@@ -41,15 +32,10 @@ private slots:
     void takesOverFromOneThatEnds();
     void givesUpOnOneThatDoesNotListen();
     void givesUpOnOneThatDoesNotAnswer();
+    void givesUpOnOneThatHangsUp();
     void isNotTakenInByAnotherAnswer();
     void doesNotMeetOneOfAnotherFolder();
     void takesTheTokenOfThisStart();
-
-private:
-    std::future<Standing> secondStart(std::chrono::milliseconds patience = ample);
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::string m_path;
 };
 
 void TestSingleInstance::initTestCase()
@@ -57,29 +43,12 @@ void TestSingleInstance::initTestCase()
     std::signal(SIGPIPE, SIG_IGN); // As in the program.
 }
 
-void TestSingleInstance::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>(u"/tmp/corvane-XXXXXX"_s);
-    m_path = m_folder->path().toStdString();
-}
-
-/// It blocks, so it has a thread of its own.
-std::future<Standing> TestSingleInstance::secondStart(std::chrono::milliseconds patience)
-{
-    return std::async(std::launch::async, [this, patience] {
-        return SingleInstance({.activationToken = "token"}, patience, m_path).standing();
-    });
-}
-
-#define TRY_COMPARE_STANDING(future, expected)                                                     \
-    QTRY_COMPARE_WITH_TIMEOUT((future).wait_for(0s), std::future_status::ready, 60'000);           \
-    QCOMPARE((future).get(), expected)
-
 void TestSingleInstance::isTheFirstWhereNoneRuns()
 {
-    const SingleInstance first({}, 0ms, m_path);
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
     QCOMPARE(first.standing(), Standing::first);
-    QCOMPARE(first.socketPath(), m_path + "/socket");
+    QCOMPARE(first.socketPath(), starts.path() + "/socket");
 }
 
 void TestSingleInstance::isTheFirstWithoutAFolder()
@@ -92,10 +61,11 @@ void TestSingleInstance::isTheFirstWithoutAFolder()
 
 void TestSingleInstance::asksTheFirst()
 {
-    const SingleInstance first({}, 0ms, m_path);
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
     const InstanceSocket socket(first.socketPath());
     QSignalSpy requests(&socket, &InstanceSocket::openRequested);
-    auto second = secondStart();
+    auto second = starts.second();
     TRY_COMPARE_STANDING(second, Standing::second);
     QCOMPARE(requests.count(), 1);
     QCOMPARE(requests.first().first().toByteArray(), QByteArray("token"));
@@ -103,8 +73,9 @@ void TestSingleInstance::asksTheFirst()
 
 void TestSingleInstance::waitsUntilTheFirstListens()
 {
-    const SingleInstance first({}, 0ms, m_path);
-    auto second = secondStart();
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
+    auto second = starts.second();
     QCOMPARE(second.wait_for(100ms), std::future_status::timeout);
     const InstanceSocket socket(first.socketPath());
     TRY_COMPARE_STANDING(second, Standing::second);
@@ -112,8 +83,9 @@ void TestSingleInstance::waitsUntilTheFirstListens()
 
 void TestSingleInstance::takesOverFromOneThatEnds()
 {
-    auto first = std::make_unique<SingleInstance>(InstanceMessage{}, 0ms, m_path);
-    auto second = secondStart();
+    const InstanceStarts starts;
+    auto first = std::make_unique<SingleInstance>(InstanceMessage{}, 0ms, starts.path());
+    auto second = starts.second();
     QCOMPARE(second.wait_for(100ms), std::future_status::timeout);
     first.reset();
     TRY_COMPARE_STANDING(second, Standing::first);
@@ -121,27 +93,44 @@ void TestSingleInstance::takesOverFromOneThatEnds()
 
 void TestSingleInstance::givesUpOnOneThatDoesNotListen()
 {
-    const SingleInstance first({}, 0ms, m_path);
-    auto second = secondStart(50ms);
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
+    auto second = starts.second(50ms);
     TRY_COMPARE_STANDING(second, Standing::unanswered);
 }
 
 /// As one does that was stopped: the system takes connections for it.
 void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
 {
-    const SingleInstance first({}, 0ms, m_path);
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
     const FileDescriptor stopped = openUnixSocket();
     QVERIFY(listenAt(stopped, first.socketPath()));
-    auto second = secondStart(50ms);
+    auto second = starts.second(50ms);
     TRY_COMPARE_STANDING(second, Standing::unanswered);
+}
+
+void TestSingleInstance::givesUpOnOneThatHangsUp()
+{
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
+    const FileDescriptor stranger = openUnixSocket();
+    QVERIFY(listenAt(stranger, first.socketPath()));
+    auto second = starts.second(200ms);
+    int guests = 0;
+    while (second.wait_for(1ms) != std::future_status::ready)
+        guests += FileDescriptor(accept(stranger.get(), nullptr, nullptr)) ? 1 : 0;
+    QVERIFY(guests > 0);
+    QCOMPARE(second.get(), Standing::unanswered);
 }
 
 void TestSingleInstance::isNotTakenInByAnotherAnswer()
 {
-    const SingleInstance first({}, 0ms, m_path);
+    const InstanceStarts starts;
+    const SingleInstance first({}, 0ms, starts.path());
     const FileDescriptor stranger = openUnixSocket();
     QVERIFY(listenAt(stranger, first.socketPath()));
-    auto second = secondStart(200ms);
+    auto second = starts.second(200ms);
     std::vector<FileDescriptor> guests;
     while (second.wait_for(1ms) != std::future_status::ready) {
         FileDescriptor guest(accept(stranger.get(), nullptr, nullptr));
@@ -157,9 +146,10 @@ void TestSingleInstance::isNotTakenInByAnotherAnswer()
 
 void TestSingleInstance::doesNotMeetOneOfAnotherFolder()
 {
-    const QTemporaryDir other(u"/tmp/corvane-XXXXXX"_s);
-    const SingleInstance first({}, 0ms, m_path);
-    const SingleInstance second({}, 0ms, other.path().toStdString());
+    const InstanceStarts starts;
+    const InstanceStarts others;
+    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance second({}, 0ms, others.path());
     QCOMPARE(second.standing(), Standing::first);
 }
 

@@ -95,6 +95,7 @@ private slots:
     void aTrayThatAlwaysLosesAnItemIsLeftAlone();
     void comesInOrderToATrayThatAnswersLate();
     void comesInOrderToATrayThatStartsAnewInBetween();
+    void comesToATrayThatAnswersWithErrors();
     void aTrayThatHangsHoldsNobodyUp();
     void tellsOnceThatThereIsNoTray();
     void staysQuietWhereATrayIs();
@@ -532,6 +533,14 @@ void TestTrayLabel::comesInOrderToATrayThatStartsAnewInBetween()
     QCOMPARE(ids(), squareIds);
     waitForTheCheck();
     QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::comesToATrayThatAnswersWithErrors()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->refuseRegistrations();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(ids(), squareIds);
 }
 
 void TestTrayLabel::aTrayThatHangsHoldsNobodyUp()

@@ -1,19 +1,15 @@
 #include "app/InstanceSocket.h"
 #include "app/SingleInstance.h"
 #include "support/FaultyCalls.h"
+#include "support/InstanceStarts.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <future>
-#include <memory>
 
 #include <cerrno>
 
 using namespace corvane;
 using namespace corvane::test;
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using Standing = SingleInstance::Standing;
 
@@ -29,22 +25,11 @@ class TestUnlockableFolder : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
     void cleanup();
     void isTheFirstWhereNoneAnswers_data();
     void isTheFirstWhereNoneAnswers();
     void asksTheFirstAllTheSame();
-
-private:
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::string m_path;
 };
-
-void TestUnlockableFolder::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>(u"/tmp/corvane-XXXXXX"_s);
-    m_path = m_folder->path().toStdString();
-}
 
 void TestUnlockableFolder::cleanup()
 {
@@ -62,22 +47,22 @@ void TestUnlockableFolder::isTheFirstWhereNoneAnswers_data()
 void TestUnlockableFolder::isTheFirstWhereNoneAnswers()
 {
     QFETCH(const int, error);
-    FaultyCalls::fail(FaultyCalls::Call::lock, m_path, error);
-    const SingleInstance first({}, patience, m_path);
+    const InstanceStarts starts;
+    FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), error);
+    const SingleInstance first({}, patience, starts.path());
     QCOMPARE(first.standing(), Standing::first);
-    QCOMPARE(first.socketPath(), m_path + "/socket");
+    QCOMPARE(first.socketPath(), starts.path() + "/socket");
 }
 
 void TestUnlockableFolder::asksTheFirstAllTheSame()
 {
-    FaultyCalls::fail(FaultyCalls::Call::lock, m_path, ENOLCK);
-    const SingleInstance first({}, patience, m_path);
+    const InstanceStarts starts;
+    FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), ENOLCK);
+    const SingleInstance first({}, patience, starts.path());
     const InstanceSocket socket(first.socketPath());
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
-    auto second = std::async(std::launch::async,
-                             [this] { return SingleInstance({}, patience, m_path).standing(); });
-    QTRY_COMPARE_WITH_TIMEOUT(second.wait_for(0s), std::future_status::ready, 60'000);
-    QCOMPARE(second.get(), Standing::second);
+    auto second = starts.second(patience);
+    TRY_COMPARE_STANDING(second, Standing::second);
     QCOMPARE(requests.count(), 1);
 }
 

@@ -1,46 +1,14 @@
 #include "app/UpdaterManager.h"
+#include "support/ScriptedUpdater.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// An updater that does what the test says.
-class ScriptedUpdater : public SystemUpdater {
-public:
-    bool automaticallyChecks() const override { return m_automaticallyChecks; }
-    void setAutomaticallyChecks(bool on) override { m_automaticallyChecks = on; }
-    bool canCheck() const override { return m_canCheck; }
-    void check() override { setCanCheck(false); }
-    void refresh() override { ++m_refreshes; }
-    std::optional<QString> finding() const override { return m_finding; }
-    std::optional<QString> availableVersion() const override { return m_availableVersion; }
-
-    void setCanCheck(bool can)
-    {
-        m_canCheck = can;
-        emit canCheckChanged();
-    }
-
-    void find(const QString &finding, const std::optional<QString> &version = {})
-    {
-        m_finding = finding;
-        m_availableVersion = version;
-        emit findingChanged();
-    }
-
-    int refreshes() const { return m_refreshes; }
-
-private:
-    bool m_automaticallyChecks = true;
-    bool m_canCheck = true;
-    std::optional<QString> m_finding;
-    std::optional<QString> m_availableVersion;
-    int m_refreshes = 0;
-};
 
 struct Scripted {
     ScriptedUpdater *updater = new ScriptedUpdater;
@@ -110,11 +78,11 @@ void TestUpdaterManager::tellsObserversBeforeTheUpdater()
         ++announcements;
         QVERIFY(!on);
         QVERIFY(!scripted.manager.automaticallyChecks());
-        QVERIFY(scripted.updater->automaticallyChecks());
+        QVERIFY(scripted.updater->automatic);
     });
     scripted.manager.setAutomaticallyChecks(false);
     QCOMPARE(announcements, 1);
-    QVERIFY(!scripted.updater->automaticallyChecks());
+    QVERIFY(!scripted.updater->automatic);
 }
 
 void TestUpdaterManager::cannotCheckWhileACheckRuns()
@@ -123,8 +91,8 @@ void TestUpdaterManager::cannotCheckWhileACheckRuns()
     const QSignalSpy changes(&scripted.manager, &UpdaterManager::canCheckChanged);
     scripted.manager.checkForUpdates();
     QVERIFY(!scripted.manager.canCheck());
-    scripted.updater->setCanCheck(false);
-    scripted.updater->setCanCheck(true);
+    scripted.updater->setChecking(true);
+    scripted.updater->setChecking(false);
     QVERIFY(scripted.manager.canCheck());
     QCOMPARE(changes, (QList<QVariantList>{{false}, {true}}));
 }
@@ -156,7 +124,7 @@ void TestUpdaterManager::looksAnewWhenAsked()
 {
     Scripted scripted;
     scripted.manager.refresh();
-    QCOMPARE(scripted.updater->refreshes(), 1);
+    QCOMPARE(scripted.updater->refreshes, 1);
 }
 
 QTEST_GUILESS_MAIN(TestUpdaterManager)

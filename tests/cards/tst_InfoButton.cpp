@@ -6,6 +6,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QEnterEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -61,8 +62,11 @@ private slots:
     void rendersMarks();
     void paintsBodyAndArrow_data();
     void paintsBodyAndArrow();
+    void castsAShadow();
     void keepsCodeOnItsGround_data() { paintsBodyAndArrow_data(); }
     void keepsCodeOnItsGround();
+    void answersThePointer();
+    void showsItsFocus();
     void canBeRead();
 };
 
@@ -262,6 +266,23 @@ void TestInfoButton::paintsBodyAndArrow()
     QVERIFY(isClose(pixelAt(image, 0.5, 50), QColor(64, 68, 77)));
 }
 
+/// On what lies around its body, more below it than above.
+void TestInfoButton::castsAShadow()
+{
+    Window window;
+    const QColor ground = pixelAt(onScreen(window.widget), 410, 300);
+    window.first.click();
+    const QRect popover = window.first.popover()->geometry();
+    const QImage screen = onScreen(window.widget);
+    const auto darkness = [&](int x, int y) {
+        return ground.lightness() - pixelAt(screen, x, y).lightness();
+    };
+    QVERIFY(darkness(410, popover.bottom() + 5) > 20);
+    QVERIFY(darkness(popover.right() + 5, popover.center().y()) > 20);
+    QVERIFY(darkness(410, popover.bottom() + 5) > darkness(300, popover.top() - 5));
+    QCOMPARE(darkness(410, popover.bottom() + 60), 0);
+}
+
 void TestInfoButton::keepsCodeOnItsGround()
 {
     QFETCH(double, scale);
@@ -282,6 +303,30 @@ void TestInfoButton::keepsCodeOnItsGround()
     QVERIFY(inkEnd > 14 + 200);
     QVERIFY2(groundEnd - inkEnd > 1.4 && groundEnd - inkEnd < 5,
              qPrintable(u"%1 to %2"_s.arg(inkEnd).arg(groundEnd)));
+}
+
+void TestInfoButton::answersThePointer()
+{
+    Window window;
+    window.widget.setStyleSheet(u"background: black"_s);
+    const QRect place = window.first.geometry();
+    const QImage alone = onScreen(window.widget).copy(place);
+    QEnterEvent enter(QPointF(10, 10), QPointF(10, 10), QPointF(10, 10));
+    QApplication::sendEvent(&window.first, &enter);
+    QVERIFY(onScreen(window.widget).copy(place) != alone);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&window.first, &leave);
+    QCOMPARE(onScreen(window.widget).copy(place), alone);
+}
+
+void TestInfoButton::showsItsFocus()
+{
+    Window window;
+    window.first.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&window.widget));
+    const auto edge = [](InfoButton &button) { return pixelAt(rendered(button, 1), 10, 1); };
+    QVERIFY(isClose(edge(window.first), Theme::focusRing(), 4));
+    QCOMPARE(edge(window.second).alpha(), 0);
 }
 
 void TestInfoButton::canBeRead()

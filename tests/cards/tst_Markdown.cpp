@@ -63,6 +63,8 @@ void TestMarkdown::takesMarksOff_data()
                              << Runs{{u"we "_s, Emphasis::none},
                                      {u"can"_s, Emphasis::italic},
                                      {u" read"_s, Emphasis::none}};
+    QTest::newRow("marks beside each other")
+        << u"**a***b*"_s << Runs{{u"a"_s, Emphasis::bold}, {u"b"_s, Emphasis::italic}};
     QTest::newRow("code") << u"`a`/`b`"_s
                           << Runs{{u"a"_s, Emphasis::code},
                                   {u"/"_s, Emphasis::none},
@@ -118,6 +120,10 @@ void TestMarkdown::breaksWhatIsWiderThanALine()
     const QStringList broken = lines(u"a "_s + word, 200);
     QVERIFY(broken.size() > 2);
     QCOMPARE(broken.join(QString()).count(u'm'), 100);
+    // What hangs on to such a word without a blank too.
+    const QStringList mixed = lines(u"a"_s + u"**"_s + word + u"**"_s, 200);
+    QCOMPARE(mixed.first(), u"a"_s);
+    QCOMPARE(mixed.join(QString()), u'a' + word);
 }
 
 void TestMarkdown::staysWithinTheWidth()

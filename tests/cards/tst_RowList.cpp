@@ -3,6 +3,7 @@
 #include "support/Rendering.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -62,7 +63,9 @@ private slots:
     void keepsRowsApart();
     void fadesWhileThereIsMore_data();
     void fadesWhileThereIsMore();
+    void leavesOtherKeysAlone();
     void itsFocusRingCoversNoRow();
+    void losesItsFocusRing();
     void speaksEveryRow();
 };
 
@@ -226,6 +229,15 @@ void TestRowList::fadesWhileThereIsMore()
     QCOMPARE(pixelAt(image, 292, 5).alpha(), 0);
 }
 
+void TestRowList::leavesOtherKeysAlone()
+{
+    List list(20);
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+    QApplication::sendEvent(&list.list, &event);
+    QVERIFY(!event.isAccepted());
+    QCOMPARE(list.list.offset(), 0);
+}
+
 void TestRowList::itsFocusRingCoversNoRow()
 {
     List list(5);
@@ -236,6 +248,14 @@ void TestRowList::itsFocusRingCoversNoRow()
         QVERIFY(isClose(pixelAt(image, x, 50), Theme::focusRing(), 4));
     for (int x = 16; x < 284; ++x)
         QCOMPARE(pixelAt(image, x, 50), QColor(200, 0, 0));
+}
+
+void TestRowList::losesItsFocusRing()
+{
+    List list(5);
+    list.list.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&list.list));
+    QCOMPARE(leftBehindBy([&list] { list.list.clearFocus(); }, list.list), QRect());
 }
 
 void TestRowList::speaksEveryRow()

@@ -28,6 +28,7 @@ private slots:
     void keepsChildrenBesideItsTexts();
     void followsItsTexts();
     void findsTextsByPlace();
+    void itsTextsAreLeaves();
     void outlivesNothing();
 };
 
@@ -86,6 +87,25 @@ void TestSpokenWidget::findsTextsByPlace()
     QCOMPARE(whole->childAt(origin.x() + 15, origin.y() + 45), whole->child(1));
     QCOMPARE(whole->childAt(origin.x() + 80, origin.y() + 80), nullptr);
     QCOMPARE(whole->child(0)->rect(), QRect(origin + QPoint(10, 20), QSize(30, 10)));
+}
+
+void TestSpokenWidget::itsTextsAreLeaves()
+{
+    Numbers numbers;
+    numbers.show();
+    QAccessibleInterface *load = QAccessible::queryAccessibleInterface(&numbers)->child(0);
+    QCOMPARE(load->childCount(), 0);
+    QCOMPARE(load->child(0), nullptr);
+    QCOMPARE(load->childAt(load->rect().x(), load->rect().y()), nullptr);
+    QCOMPARE(load->indexOfChild(load), -1);
+    QCOMPARE(load->object(), nullptr);
+    QCOMPARE(load->text(QAccessible::Help), QString());
+    load->setText(QAccessible::Value, u"49%"_s);
+    QCOMPARE(load->text(QAccessible::Value), u"48%"_s);
+    QVERIFY(load->state().readOnly);
+    QVERIFY(!load->state().invisible);
+    numbers.hide();
+    QVERIFY(load->state().invisible);
 }
 
 void TestSpokenWidget::outlivesNothing()

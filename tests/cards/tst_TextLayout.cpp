@@ -2,6 +2,7 @@
 #include "cards/Theme.h"
 #include "support/Rendering.h"
 
+#include <QHash>
 #include <QTest>
 
 using namespace corvane;
@@ -39,6 +40,7 @@ private slots:
     void isOfOneSizeAtEveryScale_data();
     void isOfOneSizeAtEveryScale();
     void setsDigitsOnOneWidth();
+    void measuresAnyNumberOfTexts();
     void centresLines();
     void elidesAtTheRightEnd();
     void makesOneLine_data();
@@ -47,9 +49,12 @@ private slots:
 
 void TestTextLayout::isOfOneSizeAtEveryScale_data()
 {
+    QFont spaced = Theme::systemFont(20);
+    spaced.setLetterSpacing(QFont::AbsoluteSpacing, 8);
     QTest::addColumn<QFont>("font");
     QTest::newRow("the system's font") << Theme::systemFont(22);
     QTest::newRow("the monospaced font") << Theme::monospacedFont(20);
+    QTest::newRow("spaced letters") << spaced;
 }
 
 void TestTextLayout::isOfOneSizeAtEveryScale()
@@ -71,6 +76,22 @@ void TestTextLayout::setsDigitsOnOneWidth()
     for (const QString &digits : {u"00"_s, u"11"_s, u"17"_s, u"99"_s})
         QCOMPARE(textWidth(digits, font), textWidth(u"88"_s, font));
     QCOMPARE(textWidth(u"GPU"_s, font), textWidth(u"GPU"_s, font, Digits::proportional));
+}
+
+/// More than are remembered.
+void TestTextLayout::measuresAnyNumberOfTexts()
+{
+    const QFont font = Theme::systemFont(11);
+    QHash<QString, double> widths;
+    for (int round = 0; round < 2; ++round) {
+        for (char16_t letter = 0x4E00; letter < 0x4E00 + 1000; ++letter) {
+            const QString text(2, QChar(letter));
+            const double width = textWidth(text, font);
+            QVERIFY(width > 0);
+            QCOMPARE(width, widths.value(text, width));
+            widths[text] = width;
+        }
+    }
 }
 
 void TestTextLayout::centresLines()

@@ -25,6 +25,7 @@ private slots:
     void captionsStandUnderTheirBars();
     void fewerCaptionsAreWider();
     void repaintsAllThatMoved();
+    void equalLoadsPaintNothing();
     void emptyPaintsNothing();
     void speaks();
     void manyCoresAndHostileNumbers();
@@ -108,6 +109,7 @@ void TestCoreBars::rowsTakeTheirHeight()
     bars.show(
         {.values = {0.5}, .labels = QStringList{u"0"_s}, .color = Theme::cpu(), .height = 40});
     QCOMPARE(bars.sizeHint().height(), 52);
+    QCOMPARE(bars.minimumSizeHint(), bars.sizeHint());
     bars.show({.color = Theme::cpu(), .height = 30});
     QCOMPARE(bars.sizeHint().height(), 30);
 }
@@ -200,6 +202,22 @@ void TestCoreBars::repaintsAllThatMoved()
         screen = next;
         QCOMPARE(leftBehind(bars), QRect());
     }
+}
+
+void TestCoreBars::equalLoadsPaintNothing()
+{
+    CoreBars bars;
+    bars.resize(180, 52);
+    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu(), 180));
+    bars.QWidget::show();
+    onScreen(bars);
+    PaintWatch watch(bars);
+    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu(), 180));
+    onScreen(bars);
+    QCOMPARE(watch.region(), QRegion());
+    bars.show(fittedCoreBars({0.2, 0.8}, Theme::cpu(), 180));
+    onScreen(bars);
+    QVERIFY(!watch.region().isEmpty());
 }
 
 void TestCoreBars::emptyPaintsNothing()

@@ -1,8 +1,5 @@
-# These run on a display, a bus and a home of their own, and hold the program as users have it to saying
-# nothing on its error output; sanitizers have something to say of the desktop's libraries.
-if(CORVANE_SANITIZE)
-  return()
-endif()
+# These run on a display, a bus and a home of their own. Under AddressSanitizer whole stacks are kept of what
+# is allocated: libraries without frame pointers would cut them off before a function that lsan.supp can name.
 foreach(name Desktop WaylandSession)
   corvane_test(desktop/tst_${name} SYSTEM linux
                SOURCES support/AccessibilityBus.cpp support/DrivenProgram.cpp LINK corvane::app)
@@ -13,6 +10,11 @@ foreach(name Desktop WaylandSession)
     add_dependencies(tst_${name} corvane)
     set_target_properties(
       tst_${name} PROPERTIES CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_SOURCE_DIR}/desktop/virtual-desktop)
-    set_tests_properties(desktop/${name} PROPERTIES ENVIRONMENT_MODIFICATION "QT_QPA_PLATFORM=unset:")
+    set_tests_properties(
+      desktop/${name}
+      PROPERTIES
+        ENVIRONMENT_MODIFICATION
+        "QT_QPA_PLATFORM=unset:;ASAN_OPTIONS=string_append::fast_unwind_on_malloc=0;LSAN_OPTIONS=string_append::suppressions=${CMAKE_CURRENT_SOURCE_DIR}/desktop/lsan.supp"
+    )
   endif()
 endforeach()

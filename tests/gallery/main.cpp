@@ -8,7 +8,6 @@
 #include "app/LaunchAtLoginManager.h"
 #include "app/MainWindow.h"
 #include "app/SettingsWindow.h"
-#include "app/SystemUpdater.h"
 #include "app/UpdaterManager.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/InfoButton.h"
@@ -21,6 +20,8 @@
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
+#include "support/ScriptedLoginItem.h"
+#include "support/ScriptedUpdater.h"
 
 #include <QApplication>
 #include <QDir>
@@ -195,38 +196,17 @@ bool cards(const Gallery &gallery)
         && good;
 }
 
-/// A login item as a system keeps it, or one that refuses every change.
-LoginItem loginItem(bool isOn, const std::optional<QString> &error = {})
-{
-    return {.isEnabled = [isOn] { return isOn; },
-            .enable = [error] { return error; },
-            .disable = [error] { return error; }};
-}
-
-/// Updates that can be looked for; what was found is said where there is something to say.
-class ScriptedUpdater : public SystemUpdater {
-public:
-    explicit ScriptedUpdater(std::optional<QString> finding = {})
-        : m_finding(std::move(finding)) { }
-
-    bool automaticallyChecks() const override { return true; }
-    void setAutomaticallyChecks(bool) override { }
-    bool canCheck() const override { return true; }
-    void check() override { }
-    std::optional<QString> finding() const override { return m_finding; }
-
-private:
-    std::optional<QString> m_finding;
-};
-
 bool settings(const Gallery &gallery)
 {
-    LaunchAtLoginManager on(loginItem(true));
-    LaunchAtLoginManager refused(
-        loginItem(false, u"The operation couldn’t be completed. Operation not permitted"_s));
+    ScriptedLoginItem enabled{.isEnabled = true};
+    ScriptedLoginItem refusing{
+        .refusal = u"The operation couldn’t be completed. Operation not permitted"_s};
+    LaunchAtLoginManager on(enabled.item());
+    LaunchAtLoginManager refused(refusing.item());
     UpdaterManager updater(std::make_unique<ScriptedUpdater>());
-    UpdaterManager withFinding(std::make_unique<ScriptedUpdater>(
-        u"Corvane 0.2.0 is available. Your system's software updater installs it."_s));
+    auto found = std::make_unique<ScriptedUpdater>();
+    found->find(u"Corvane 0.2.0 is available. Your system's software updater installs it."_s);
+    UpdaterManager withFinding(std::move(found));
 
     SettingsWindow general(on, updater);
     bool good = gallery.save(general, u"settings-general"_s);

@@ -5,7 +5,7 @@ foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTable
                LINK corvane::telemetry corvane::processes corvane::jobs corvane_simulated_mac)
 endforeach()
 
-if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_TESTS)
+if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
   add_executable(corvane_simulated simulated_mac/main.cpp)
   set_target_properties(corvane_simulated PROPERTIES OUTPUT_NAME corvane-simulated-mac)
   target_include_directories(corvane_simulated PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})

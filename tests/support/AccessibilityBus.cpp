@@ -46,6 +46,7 @@ QList<AccessibilityBus::Object> objects(const QVariant &value)
     argument.beginArray();
     while (!argument.atEnd())
         list.append(readObject(argument));
+    argument.endArray();
     return list;
 }
 

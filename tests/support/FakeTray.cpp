@@ -80,6 +80,8 @@ QVariantList FakeTray::call(const QString &item, const QString &path, const QStr
 void FakeTray::RegisterStatusNotifierItem(const QString &item)
 {
     const int number = ++m_registrations;
+    if (m_refuses)
+        sendErrorReply(QDBusError::AccessDenied);
     if (m_delay.count() == 0) {
         take(item, number);
         return;

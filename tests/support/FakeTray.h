@@ -34,6 +34,9 @@ public:
     /// at once.
     void loseRegistrations(int number, int count = 1);
 
+    /// Answers registrations with an error, though it looks at the items.
+    void refuseRegistrations() { m_refuses = true; }
+
     /// What stands between name and path where it lists its items.
     void setSeparator(const QString &separator) { m_separator = separator; }
 
@@ -69,6 +72,7 @@ private:
     QStringList m_items;
     QString m_separator;
     std::chrono::milliseconds m_delay{0};
+    bool m_refuses = false;
     int m_firstLost = 0;
     int m_lost = 0;
     int m_registrations = 0;

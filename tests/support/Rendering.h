@@ -8,6 +8,8 @@
 #include <QScreen>
 #include <QWidget>
 
+#include <functional>
+
 namespace corvane::test {
 
 /// The widget alone, on a transparent ground, at a scale.
@@ -58,6 +60,14 @@ inline QRect leftBehind(QWidget &window)
         }
     }
     return different;
+}
+
+/// The same after a change, which has to show; all of the window where it does not.
+inline QRect leftBehindBy(const std::function<void()> &change, QWidget &window)
+{
+    const QImage before = onScreen(window);
+    change();
+    return onScreen(window) != before ? leftBehind(window) : window.rect();
 }
 
 /// Collects what is repainted of a widget from now on.

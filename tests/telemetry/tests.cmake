@@ -16,7 +16,7 @@ corvane_test(telemetry/tst_PackageEnergy SYSTEM linux LINK corvane::telemetry)
 corvane_test(telemetry/tst_GPUDevices SYSTEM linux LINK corvane::telemetry)
 corvane_test(telemetry/tst_GPUFiles SYSTEM linux LINK corvane::telemetry)
 
-if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_TESTS)
+if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED)
   add_executable(corvane_probe_chip telemetry/probe_chip.cpp)
   target_link_libraries(corvane_probe_chip PRIVATE corvane_flags corvane::telemetry)
 endif()
