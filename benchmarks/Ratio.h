@@ -37,14 +37,18 @@ inline double childrenSeconds()
 }
 
 /// Times `ours` and the bare calls that it stands on in turn, in one run, and tells the ratio of
-/// the sums of their CPU times: this thread's, or others' where others do the work. To be
-/// registered with `UseManualTime()`.
-template <typename Ours, typename Bare>
-void compare(benchmark::State &state, Ours ours, Bare bare, double (*now)() = threadSeconds)
+/// the sums of their CPU times: this thread's, or others' where others do the work. Before each
+/// turn `prepare` makes what both use up, in no one's time. To be registered with
+/// `UseManualTime()`.
+template <typename Ours, typename Bare, typename Prepare = void (*)()>
+void compare(
+    benchmark::State &state, Ours ours, Bare bare, double (*now)() = threadSeconds,
+    Prepare prepare = [] {})
 {
     double oursTotal = 0;
     double bareTotal = 0;
     for (auto _ : state) {
+        prepare();
         const double start = now();
         ours();
         const double middle = now();

@@ -3,6 +3,7 @@
 
 #include <QTemporaryDir>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -40,6 +41,23 @@ std::size_t bareRead(const std::string &path)
     return static_cast<std::size_t>(count);
 }
 
+/// The file as it is, cut to its last `length` bytes.
+void bareCut(const std::string &path, std::size_t length)
+{
+    static char buffer[1 << 16];
+    const std::string newPath = path + ".new";
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int newFile = open(newPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const ssize_t count = read(file, buffer, sizeof buffer);
+    if (count < static_cast<ssize_t>(length) || write(newFile, buffer + count - length, length) < 0
+        || fsync(newFile) != 0)
+        std::abort();
+    close(newFile);
+    close(file);
+    if (std::rename(newPath.c_str(), path.c_str()) != 0)
+        std::abort();
+}
+
 /// One record: written as text and added to the file, as the store's queue does it.
 void append(benchmark::State &state)
 {
@@ -70,6 +88,32 @@ void load(benchmark::State &state)
         [&path] { benchmark::DoNotOptimize(bareRead(path)); }, processSeconds);
 }
 
+/// A file of 180 records cut to its newest 120, as every minute.
+void trim(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("ours")).toStdString();
+    const std::string barePath = folder.filePath(QStringLiteral("bare")).toStdString();
+    const LineFile file(path);
+    file.create();
+    LineFile(barePath).create();
+    const std::string line = record.toJson()->toStdString() + '\n';
+    std::string added;
+    for (int i = 0; i < 60; ++i)
+        added += line;
+    bareAppend(path, added + added);
+    bareAppend(barePath, added + added);
+    compare(
+        state, [&file] { file.keepLast(120); },
+        [&barePath, &line] { bareCut(barePath, 120 * line.size()); }, threadSeconds,
+        [&path, &barePath, &added] {
+            bareAppend(path, added);
+            bareAppend(barePath, added);
+        });
+    if (file.last(180).size() != 120)
+        std::abort();
+}
+
 /// What a tick pays on the main thread: the hand-over to the queue.
 void handOver(benchmark::State &state)
 {
@@ -86,6 +130,7 @@ void handOver(benchmark::State &state)
 
 BENCHMARK(append)->UseManualTime();
 BENCHMARK(load)->UseManualTime();
+BENCHMARK(trim)->UseManualTime();
 BENCHMARK(handOver)->UseManualTime()->Iterations(20'000);
 
 BENCHMARK_MAIN();

@@ -80,13 +80,9 @@ void compareStart(benchmark::State &state, const char *what)
         state, [what] { startOf(what); }, [] { startOf("window"); }, childrenSeconds);
 }
 
-BENCHMARK_CAPTURE(compareStart, labelOnly, "label")
-    ->UseManualTime()
-    ->Iterations(20)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(compareStart, labelOnly, "label")->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(compareStart, withDashboard, "dashboard")
     ->UseManualTime()
-    ->Iterations(20)
     ->Unit(benchmark::kMillisecond);
 
 } // namespace

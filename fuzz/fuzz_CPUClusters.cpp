@@ -8,16 +8,21 @@
 
 using namespace corvane;
 
-/// Three lines: the CPUs that are present, those of the one kind and those of the other.
+/// Four lines: the CPUs that are present and those of each of three kinds; then a capacity a line,
+/// of CPU 0, 1 and so on.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    constexpr std::size_t longest = 100; // Each part of a list may stand for 65,536 CPUs.
-    std::string_view text(reinterpret_cast<const char *>(data), std::min(size, longest));
+    std::string_view text(reinterpret_cast<const char *>(data), size);
     const auto list = [&text] { return std::string(takeLine(text).value_or(std::string_view())); };
     CPUTopology topology;
     topology.present = list();
     topology.performanceList = list();
     topology.efficiencyList = list();
+    topology.lowPowerList = list();
+    for (int cpu = 0; const auto line = takeLine(text); ++cpu) {
+        if (const auto capacity = parseUnsigned(*line))
+            topology.capacities[cpu] = *capacity;
+    }
 
     std::set<int> present;
     forEachCPU(topology.present, [&present](int cpu) { present.insert(cpu); });

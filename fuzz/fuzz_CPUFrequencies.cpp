@@ -1,5 +1,8 @@
 #include "telemetry/CPUFrequencies.h"
 
+#include "platform/KernelText.h"
+#include "telemetry/ChipIdentity.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -45,5 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         expect(isPlausible(time.kHz));
     for (const int cpu : {0, 1})
         expect(isPlausible(cpuInfoKHz(text, cpu).value_or(1)));
+
+    const auto name = processorName(text);
+    expect(!name || (trimmed(*name) == *name && name->find('\n') == std::string::npos));
+    expect(!SystemInfo::shownChipName(name).trimmed().isEmpty());
     return 0;
 }

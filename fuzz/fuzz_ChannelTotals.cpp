@@ -1,4 +1,5 @@
 #include "platform/KernelText.h"
+#include "telemetry/ChannelName.h"
 #include "telemetry/ChannelTotals.h"
 
 #include <algorithm>
@@ -15,6 +16,18 @@ std::string_view takeField(std::string_view &line)
     const std::string_view field = line.substr(0, line.find(';'));
     line.remove_prefix(std::min(field.size() + 1, line.size()));
     return field;
+}
+
+/// What is taken off a name is a die, and a name is left.
+std::string_view plainName(std::string_view name)
+{
+    const std::string_view plain = withoutDie(name);
+    const bool isSound = plain.size() == name.size()
+        ? plain == name
+        : name.starts_with("DIE_") && name.ends_with(plain) && !plain.empty();
+    if (!isSound)
+        std::abort();
+    return plain;
 }
 
 bool isFraction(double value)
@@ -48,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         ReportingChannel channel;
         channel.group = takeField(*line);
         channel.subgroup = takeField(*line);
-        channel.name = takeField(*line);
+        channel.name = plainName(takeField(*line));
         channel.unit = takeField(*line);
         channel.value = parseSigned(takeField(*line)).value_or(0);
         std::vector<ChannelState> states;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 using namespace corvane;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -21,11 +22,13 @@ void expectWithin(std::optional<double> value, double least, double greatest)
 
 } // namespace
 
-/// Any bytes as the contents of each file of a GPU or a sensor.
+/// Any bytes as the contents of each file of a GPU or a sensor, and as a folder's name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char *>(data), size);
     expectWithin(parseBusyPercent(text), 0, 1);
+    expect(parseIdleTime(text) != std::uint64_t(0));
+    expect(!isPCIAddress(text) || text.find_first_of("/\n\0"sv) == std::string_view::npos);
     expectWithin(presentLevelMHz(text), 1, 100'000);
     expectWithin(parseClockMHz(text), 1, 100'000);
     expectWithin(parseMillidegrees(text), 0.001, 149.999);

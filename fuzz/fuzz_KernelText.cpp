@@ -7,9 +7,11 @@ using namespace corvane;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     std::string_view text(reinterpret_cast<const char *>(data), size);
-    forEachCPU(text, [](int cpu) {
-        if (cpu < 0)
+    int last = -1;
+    forEachCPU(text, [&last](int cpu) {
+        if (cpu <= last)
             __builtin_trap();
+        last = cpu;
     });
     while (auto line = takeLine(text)) {
         while (const auto word = takeWord(*line)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -41,12 +42,14 @@ std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 bool isUtf8(std::string_view text);
 
 /// Calls `visit(number)` for each CPU of a list such as "0-3,8,10-11"; a part that does not parse
-/// ends the walk. Numbers above 65,535 do too: no kernel has such CPUs.
+/// ends the walk. So do numbers out of order, so that none comes twice, and above 65,535: no kernel
+/// has such CPUs.
 template <typename Visitor>
 void forEachCPU(std::string_view list, Visitor visit)
 {
     constexpr std::uint64_t highest = 65'535;
     list = trimmed(list);
+    std::uint64_t least = 0;
     while (!list.empty()) {
         const std::string_view part = list.substr(0, list.find(','));
         list.remove_prefix(part.size() == list.size() ? part.size() : part.size() + 1);
@@ -54,10 +57,11 @@ void forEachCPU(std::string_view list, Visitor visit)
         const auto first = parseUnsigned(part.substr(0, dash));
         const auto last =
             dash == std::string_view::npos ? first : parseUnsigned(part.substr(dash + 1));
-        if (!first || !last || *last > highest)
+        if (!first || !last || *first < least || *last > highest)
             return;
         for (std::uint64_t cpu = *first; cpu <= *last; ++cpu)
             visit(static_cast<int>(cpu));
+        least = std::max(least, *last + 1);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "telemetry/GPUDevices.h"
 
 #include "platform/KernelFolder.h"
+#include "telemetry/GPUText.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -27,13 +28,6 @@ bool isNumbered(std::string_view name, std::string_view prefix)
 {
     return name.starts_with(prefix) && name.size() > prefix.size()
         && name.find_first_not_of("0123456789", prefix.size()) == std::string_view::npos;
-}
-
-/// "0000:01:00.0"
-bool isPCIAddress(std::string_view name)
-{
-    return std::ranges::count(name, ':') == 2 && std::ranges::count(name, '.') == 1
-        && name.find_first_not_of("0123456789abcdef:.") == std::string_view::npos;
 }
 
 std::optional<GPUDriver> driverOf(const std::string &device)

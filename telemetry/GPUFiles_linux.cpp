@@ -85,13 +85,6 @@ bool neverRests(const GPUDevice &device)
     return isLabelled(device.card + "/power/rc6_enable", "0");
 }
 
-/// A counter that never moved since the start is none either.
-std::optional<std::uint64_t> parseIdleTime(std::string_view text)
-{
-    const auto milliseconds = parseUnsigned(trimmed(text));
-    return milliseconds == std::uint64_t(0) ? std::nullopt : milliseconds;
-}
-
 } // namespace
 
 GPUFiles::GPUFiles(const GPUDevice &device) : m_device(device)

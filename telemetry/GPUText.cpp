@@ -34,12 +34,24 @@ std::optional<double> markedLevelMHz(std::string_view line)
 
 } // namespace
 
+bool isPCIAddress(std::string_view name)
+{
+    return std::ranges::count(name, ':') == 2 && std::ranges::count(name, '.') == 1
+        && name.find_first_not_of("0123456789abcdef:.") == std::string_view::npos;
+}
+
 std::optional<double> parseBusyPercent(std::string_view text)
 {
     const auto percent = parseUnsigned(trimmed(text));
     if (!percent || *percent > 100)
         return std::nullopt;
     return double(*percent) / 100;
+}
+
+std::optional<std::uint64_t> parseIdleTime(std::string_view text)
+{
+    const auto milliseconds = parseUnsigned(trimmed(text));
+    return milliseconds == std::uint64_t(0) ? std::nullopt : milliseconds;
 }
 
 std::optional<double> presentLevelMHz(std::string_view levels)

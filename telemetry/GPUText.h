@@ -9,8 +9,14 @@ namespace corvane {
 
 /// Pure functions over the text of GPU drivers' files.
 
+/// Whether a folder has the name of a device on the bus: "0000:01:00.0".
+bool isPCIAddress(std::string_view name);
+
 /// The share that amdgpu's `gpu_busy_percent` tells, 0…1.
 std::optional<double> parseBusyPercent(std::string_view text);
+
+/// The milliseconds that Intel's render engine slept; nothing for a counter that never moved.
+std::optional<std::uint64_t> parseIdleTime(std::string_view text);
 
 /// The line in use of amdgpu's `pp_dpm_sclk`, in MHz; nothing when no line is marked.
 std::optional<double> presentLevelMHz(std::string_view levels);

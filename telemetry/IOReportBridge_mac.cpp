@@ -7,6 +7,7 @@
 
 #include "platform/CFOwned.h"
 #include "platform/CFText.h"
+#include "telemetry/ChannelName.h"
 
 #include <dlfcn.h>
 
@@ -119,16 +120,6 @@ void forEachChannel(const ReportingLibrary &library, CFDictionaryRef samples, co
         (*visitor)(channel);
         return 0;
     });
-}
-
-/// The name without "DIE_<n>_" at its start; as it is when it does not start so.
-std::string_view withoutDie(std::string_view name)
-{
-    constexpr std::string_view die = "DIE_";
-    const std::size_t end = name.find_first_not_of("0123456789", die.size());
-    if (!name.starts_with(die) || end == die.size() || end >= name.size() - 1 || name[end] != '_')
-        return name;
-    return name.substr(end + 1);
 }
 
 /// Reads one channel after the other; what it returns holds until the next.

@@ -187,6 +187,10 @@ void TestKernelText::walksCPULists_data()
     QTest::newRow("an empty line is no CPU") << QByteArray("\n") << QList<int>{};
     QTest::newRow("garbage ends the walk") << QByteArray("2,x,5\n") << QList<int>{2};
     QTest::newRow("a range backwards is empty") << QByteArray("5-2,7\n") << QList<int>{7};
+    QTest::newRow("a number for the second time ends the walk")
+        << QByteArray("0-3,3,5\n") << QList<int>{0, 1, 2, 3};
+    QTest::newRow("so does one behind a range backwards")
+        << QByteArray("2-3,9-0,1\n") << QList<int>{2, 3};
     QTest::newRow("no kernel has so many") << QByteArray("0-99999999999\n") << QList<int>{};
 }
 

@@ -1,3 +1,4 @@
+corvane_test(telemetry/tst_ChannelName LINK corvane::telemetry)
 corvane_test(telemetry/tst_ChannelTotals LINK corvane::telemetry)
 corvane_test(telemetry/tst_ChipIdentity LINK corvane::telemetry)
 corvane_test(telemetry/tst_ChipName SYSTEM linux LINK corvane::telemetry)

@@ -12,8 +12,12 @@ class TestGPUText : public QObject {
     Q_OBJECT
 
 private slots:
+    void knowsAddresses_data();
+    void knowsAddresses();
     void readsBusyShares_data();
     void readsBusyShares();
+    void readsIdleTimes_data();
+    void readsIdleTimes();
     void findsThePresentLevel_data();
     void findsThePresentLevel();
     void readsClocks_data();
@@ -26,6 +30,25 @@ private slots:
     void readsPower_data();
     void readsPower();
 };
+
+void TestGPUText::knowsAddresses_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isAddress");
+    QTest::newRow("a device") << QByteArray("0000:01:00.0") << true;
+    QTest::newRow("one of a large machine") << QByteArray("10000:e1:00.0") << true;
+    QTest::newRow("a file of the driver's folder") << QByteArray("new_id") << false;
+    QTest::newRow("no domain") << QByteArray("01:00.0") << false;
+    QTest::newRow("no function") << QByteArray("0000:01:00") << false;
+    QTest::newRow("a path") << QByteArray("0000:01:00.0/power") << false;
+    QTest::newRow("nothing") << QByteArray() << false;
+}
+
+void TestGPUText::knowsAddresses()
+{
+    QFETCH(QByteArray, name);
+    QTEST(isPCIAddress(name.toStdString()), "isAddress");
+}
 
 void TestGPUText::readsBusyShares_data()
 {
@@ -43,6 +66,24 @@ void TestGPUText::readsBusyShares()
 {
     QFETCH(QByteArray, text);
     QTEST(parseBusyPercent(text.toStdString()), "share");
+}
+
+void TestGPUText::readsIdleTimes_data()
+{
+    using Time = std::optional<std::uint64_t>;
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<Time>("milliseconds");
+    QTest::newRow("milliseconds") << QByteArray("5081234\n") << Time(5'081'234);
+    QTest::newRow("it never moved") << QByteArray("0\n") << Time();
+    QTest::newRow("negative") << QByteArray("-1\n") << Time();
+    QTest::newRow("not a number") << QByteArray("idle\n") << Time();
+    QTest::newRow("nothing") << QByteArray() << Time();
+}
+
+void TestGPUText::readsIdleTimes()
+{
+    QFETCH(QByteArray, text);
+    QTEST(parseIdleTime(text.toStdString()), "milliseconds");
 }
 
 void TestGPUText::findsThePresentLevel_data()
