@@ -3,6 +3,7 @@
 #include "history/PersistedMetric.h"
 #include "platform/FolderLock.h"
 #include "support/FakeTray.h"
+#include "support/OddFiles.h"
 #include "support/PrivateBus.h"
 #include "support/VirtualDisplay.h"
 
@@ -84,6 +85,8 @@ private slots:
     void aSecondStartGivesUpOnOneThatIsStopped();
     void twoSessionsDoNotMeetAndOneWritesTheHistory();
     void runsWhereNoFolderCanBeHad();
+    void runsWithAnyHistory_data();
+    void runsWithAnyHistory();
     void hostileClientsDoNothing();
 
     void theDesktopOpensTheDashboard();
@@ -278,6 +281,29 @@ void TestRunningProgram::runsWhereNoFolderCanBeHad()
     first.send(SIGTERM);
     QCOMPARE(first.status(), 0);
     QCOMPARE(FolderLock(historyFolder().toStdString()).take(), FolderLock::Holder::self);
+}
+
+void TestRunningProgram::runsWithAnyHistory_data()
+{
+    QTest::addColumn<PutOddFile>("put");
+    QTest::newRow("a FIFO that nobody reads or writes") << &putFIFO;
+    QTest::newRow("a line of a hundred megabytes") << &putHugeLine;
+}
+
+void TestRunningProgram::runsWithAnyHistory()
+{
+    QFETCH(const PutOddFile, put);
+    QVERIFY(QDir().mkpath(historyFolder()));
+    QVERIFY(put(historyFolder() + "/history.jsonl"_L1));
+    setUpBus();
+    const Corvane first(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    TRY_VERIFY(bus().interface()->isServiceRegistered(identifier).value());
+    QCOMPARE(callDesktop(u"ActivateAction"_s, {u"quit"_s, QVariantList(), QVariantMap()}).type(),
+             QDBusMessage::ReplyMessage);
+    QCOMPARE(first.status(), 0);
 }
 
 void TestRunningProgram::hostileClientsDoNothing()
