@@ -7,6 +7,8 @@ corvane_test(app/tst_PanelButton LINK corvane::app)
 corvane_test(app/tst_TrayHost LINK corvane::app)
 corvane_test(app/tst_TrayProgram SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_SessionBus SYSTEM linux simulated-mac LINK corvane::app)
+corvane_test(app/tst_BusKnock SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
+corvane_test(app/tst_BusConnection SYSTEM linux simulated-mac THREADED SOURCES support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_StatusNotifierTypes SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_DBusMenu SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac

@@ -97,6 +97,8 @@ private slots:
     void endsOnASignal_data();
     void endsOnASignal();
     void livesOnWithoutItsBus();
+    void livesOnWhileItsBusHangs_data();
+    void livesOnWhileItsBusHangs();
     void endsWithItsDisplay();
     void saysInOneLineThatThereIsNoDisplay_data();
     void saysInOneLineThatThereIsNoDisplay();
@@ -414,6 +416,34 @@ void TestRunningProgram::livesOnWithoutItsBus()
     const std::size_t known = records().size();
     TRY_VERIFY(records().size() > known + 1);
     QCOMPARE(Corvane(m_environment).status(), 0);
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.status(), 0);
+}
+
+void TestRunningProgram::livesOnWhileItsBusHangs_data()
+{
+    QTest::addColumn<bool>("hangsAtTheStart");
+    QTest::newRow("from the start on") << true;
+    QTest::newRow("once the label is there") << false;
+}
+
+void TestRunningProgram::livesOnWhileItsBusHangs()
+{
+    QFETCH(const bool, hangsAtTheStart);
+    setUpBus();
+    if (hangsAtTheStart)
+        m_bus->hang();
+    const Corvane corvane(m_environment);
+    if (!hangsAtTheStart) {
+        TRY_COMPARE(m_tray->items().size(), 3);
+        m_bus->hang();
+    }
+    const std::size_t known = records().size();
+    TRY_VERIFY(records().size() > known + 3);
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    m_bus->goOn();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    m_bus->hang();
     corvane.send(SIGTERM);
     QCOMPARE(corvane.status(), 0);
 }

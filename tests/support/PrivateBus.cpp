@@ -1,5 +1,7 @@
 #include "support/PrivateBus.h"
 
+#include <csignal>
+
 namespace corvane::test {
 
 using namespace Qt::StringLiterals;
@@ -26,6 +28,16 @@ void PrivateBus::kill()
 {
     m_daemon.kill();
     m_daemon.waitForFinished();
+}
+
+void PrivateBus::hang() const
+{
+    ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP);
+}
+
+void PrivateBus::goOn() const
+{
+    ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT);
 }
 
 } // namespace corvane::test

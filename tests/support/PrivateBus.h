@@ -17,6 +17,10 @@ public:
     bool start();
     void kill();
 
+    /// Hangs until it is to go on; it can be killed meanwhile.
+    void hang() const;
+    void goOn() const;
+
     const QString &address() const { return m_address; }
 
 private:
