@@ -5,7 +5,9 @@
 #include <QSocketNotifier>
 
 #include <string_view>
+#include <utility>
 
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace corvane {
@@ -18,6 +20,15 @@ using namespace std::string_view_literals;
 /// Asks which ways there are to say who one is, as clients may begin.
 constexpr auto question = "\0AUTH\r\n"sv;
 
+/// A socket at which the answer will come; empty where nobody listens.
+FileDescriptor knockAt(const std::string &place)
+{
+    FileDescriptor socket = openUnixSocket();
+    const bool isHeard = connectTo(socket, place)
+        && send(socket.get(), question.data(), question.size(), MSG_NOSIGNAL) > 0;
+    return isHeard ? std::move(socket) : FileDescriptor();
+}
+
 } // namespace
 
 BusKnock::BusKnock(const QString &address, QObject *parent) : QObject(parent)
@@ -27,9 +38,8 @@ BusKnock::BusKnock(const QString &address, QObject *parent) : QObject(parent)
         QMetaObject::invokeMethod(this, &BusKnock::answered, Qt::QueuedConnection);
         return;
     }
-    m_socket = openUnixSocket();
-    if (!connectTo(m_socket, *place)
-        || send(m_socket.get(), question.data(), question.size(), MSG_NOSIGNAL) < 0) {
+    m_socket = knockAt(*place);
+    if (!m_socket) {
         QMetaObject::invokeMethod(this, &BusKnock::refused, Qt::QueuedConnection);
         return;
     }
@@ -48,6 +58,14 @@ void BusKnock::listen()
         emit answered();
     else
         emit refused();
+}
+
+bool busHangs(const QString &address, std::chrono::milliseconds patience)
+{
+    const auto place = busSocket(address);
+    const FileDescriptor socket = place ? knockAt(*place) : FileDescriptor();
+    pollfd answer = {.fd = socket.get(), .events = POLLIN, .revents = 0};
+    return socket && poll(&answer, 1, static_cast<int>(patience.count())) == 0;
 }
 
 std::optional<std::string> busSocket(const QString &address)

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,7 +15,7 @@ class QSocketNotifier;
 namespace corvane {
 
 /// Finds out whether a bus answers, without waiting for it: the bus library makes a connection in
-/// one go and holds its caller up, for half a minute where the bus hangs. Main thread. Tells one of
+/// one go and holds its caller up, for ever where the bus hangs. Main thread. Tells one of
 /// the two, once and from the event loop; neither while the bus hangs.
 class BusKnock : public QObject {
     Q_OBJECT
@@ -34,6 +35,10 @@ private:
     FileDescriptor m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
+
+/// Whether somebody listens there and does not answer for that long, which is waited for. False for
+/// an address of a kind at which one cannot knock.
+bool busHangs(const QString &address, std::chrono::milliseconds patience);
 
 /// The socket of an address that names one of this machine's, as connectTo takes it; nothing for
 /// other addresses.

@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <chrono>
 #include <memory>
 
 using namespace corvane;
@@ -31,6 +32,7 @@ private slots:
     void hearsNothingOfABusThatHangs();
     void isRefusedByABusThatDies();
     void mayGoBeforeTheAnswer();
+    void tellsABusThatHangs();
 };
 
 void TestBusKnock::namesTheSocketOfAnAddress_data()
@@ -136,6 +138,19 @@ void TestBusKnock::mayGoBeforeTheAnswer()
         QTest::qWait(50);
         QCOMPARE(answers.count() + refusals.count(), 0);
     }
+}
+
+void TestBusKnock::tellsABusThatHangs()
+{
+    constexpr auto ever = std::chrono::milliseconds(ample);
+    QVERIFY(!busHangs(u"unix:path=/nowhere/bus"_s, ever));
+    QVERIFY(!busHangs(u"tcp:host=localhost,port=1"_s, ever));
+    QVERIFY(!busHangs(QString(), ever));
+    PrivateBus bus;
+    QVERIFY(bus.start());
+    QVERIFY(!busHangs(bus.address(), ever));
+    bus.hang();
+    QVERIFY(busHangs(bus.address(), std::chrono::milliseconds(100)));
 }
 
 QTEST_GUILESS_MAIN(TestBusKnock)

@@ -423,14 +423,20 @@ void TestRunningProgram::livesOnWithoutItsBus()
 void TestRunningProgram::livesOnWhileItsBusHangs_data()
 {
     QTest::addColumn<bool>("hangsAtTheStart");
-    QTest::newRow("from the start on") << true;
-    QTest::newRow("once the label is there") << false;
+    QTest::addColumn<bool>("hasDisplay");
+    QTest::newRow("from the start on") << true << false;
+    QTest::newRow("from the start on, on X11") << true << true;
+    QTest::newRow("once the label is there") << false << false;
+    QTest::newRow("once the label is there, on X11") << false << true;
 }
 
 void TestRunningProgram::livesOnWhileItsBusHangs()
 {
     QFETCH(const bool, hangsAtTheStart);
+    QFETCH(const bool, hasDisplay);
     setUpBus();
+    if (hasDisplay)
+        setUpDisplay();
     if (hangsAtTheStart)
         m_bus->hang();
     const Corvane corvane(m_environment);
