@@ -63,7 +63,7 @@ corvane_test(app/tst_Autostart SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_PackageLine LINK corvane::app)
 corvane_test(app/tst_UpdateReport LINK corvane::app)
 corvane_test(app/tst_UpdateSchedule LINK corvane::app)
-corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac
+corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac THREADED
              SOURCES support/BusMonitor.cpp support/FakePackageKit.cpp support/PrivateBus.cpp LINK corvane::app)
 
 # Where it can run: as root, with the packages for "updates".

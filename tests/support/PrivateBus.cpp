@@ -1,7 +1,5 @@
 #include "support/PrivateBus.h"
 
-#include <csignal>
-
 namespace corvane::test {
 
 using namespace Qt::StringLiterals;
@@ -18,26 +16,26 @@ PrivateBus::~PrivateBus()
 
 bool PrivateBus::start()
 {
-    m_daemon.start(u"dbus-daemon"_s,
-                   {u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--nosyslog"_s,
-                    u"--print-address"_s, u"--address="_s + m_address});
-    return m_daemon.waitForReadyRead(); // The address, once it listens.
+    const bool isThere =
+        m_daemon.start({u"dbus-daemon"_s, u"--session"_s, u"--nofork"_s, u"--nopidfile"_s,
+                        u"--nosyslog"_s, u"--print-address"_s, u"--address="_s + m_address});
+    char first = 0; // Of the address, once it listens.
+    return isThere && read(m_daemon.output().get(), &first, sizeof first) == sizeof first;
 }
 
 void PrivateBus::kill()
 {
     m_daemon.kill();
-    m_daemon.waitForFinished();
 }
 
 void PrivateBus::hang() const
 {
-    ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP);
+    m_daemon.send(SIGSTOP);
 }
 
 void PrivateBus::goOn() const
 {
-    ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT);
+    m_daemon.send(SIGCONT);
 }
 
 } // namespace corvane::test

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QProcess>
+#include "support/SpawnedProgram.h"
+
 #include <QString>
 #include <QTemporaryDir>
 
@@ -26,7 +27,7 @@ public:
 private:
     QTemporaryDir m_folder;
     const QString m_address;
-    QProcess m_daemon;
+    SpawnedProgram m_daemon;
 };
 
 } // namespace corvane::test
