@@ -15,8 +15,8 @@
 
 namespace corvane::test {
 
-/// A program beside the test, whose output can be read; killed with this object. QProcess makes its
-/// children in a way that ThreadSanitizer does not survive.
+/// A program beside the test, whose output can be read, its errors not; killed with this object.
+/// QProcess makes its children in a way that ThreadSanitizer does not survive.
 class SpawnedProgram {
 public:
     SpawnedProgram() = default;
@@ -43,6 +43,7 @@ public:
         posix_spawn_file_actions_t actions = {};
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, writingEnd.get(), STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         const int error =
             posix_spawnp(&m_pid, arguments[0], &actions, nullptr, arguments.data(), environ);
         posix_spawn_file_actions_destroy(&actions);
