@@ -16,7 +16,9 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
-corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 900 SOURCES app/SoakMachine.cpp support/SteppedClock.cpp LINK corvane::app)
+corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 900
+             SOURCES app/SoakMachine.cpp support/FakeTray.cpp support/PrivateBus.cpp support/SteppedClock.cpp
+             LINK corvane::app)
 corvane_test(app/tst_WindowLifecycleCoordinator LINK corvane::app)
 corvane_test(app/tst_WindowAccessor LINK corvane::app)
 corvane_test(app/tst_AboutTexts LINK corvane::app)
