@@ -132,7 +132,7 @@ bool isTrue(const MainWindow &window)
            });
 }
 
-/// Whether the machine slept between two of the samples.
+/// Whether the machine slept between two of the samples, or its clock was set forward.
 bool hasGap(const std::vector<double> &timestamps)
 {
     return std::ranges::adjacent_find(timestamps,
@@ -140,8 +140,7 @@ bool hasGap(const std::vector<double> &timestamps)
         != timestamps.end();
 }
 
-/// Through every sample and through nothing else, thus straight across what was slept through; from
-/// left to right.
+/// Through every sample and through nothing else, thus straight across a gap; from left to right.
 bool isDrawnThroughItsSamples(const Sparkline &chart)
 {
     const SparklineData &data = chart.shown();
@@ -154,6 +153,16 @@ bool isDrawnThroughItsSamples(const Sparkline &chart)
                return shape.line.size() == std::ssize(data.timestamps)
                    && std::ranges::is_sorted(shape.line, leftOf);
            });
+}
+
+/// Null while it is closed.
+AboutPanel *aboutPanel()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *panel = qobject_cast<AboutPanel *>(widget))
+            return panel;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -263,13 +272,10 @@ void TestSoak::toggleSettings()
 
 void TestSoak::toggleAbout()
 {
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (qobject_cast<AboutPanel *>(widget)) {
-            widget->close();
-            return;
-        }
-    }
-    showAboutPanel();
+    if (AboutPanel *panel = aboutPanel())
+        panel->close();
+    else
+        showAboutPanel();
 }
 
 /// Everything once or twice, so that what is made at its first use is there.
@@ -359,10 +365,8 @@ void TestSoak::settle()
     m_panel->hide();
     if (m_settingsWindow)
         toggleSettings();
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (qobject_cast<AboutPanel *>(widget))
-            widget->close();
-    }
+    if (aboutPanel())
+        toggleAbout();
     m_settings->setHistoryWindow(HistoryWindow::oneMin);
     m_window->setWindowState(Qt::WindowNoState);
     m_window->resize(1280, 900);
