@@ -20,10 +20,11 @@ BusConnection::BusConnection(const QString &name, QObject *parent)
       m_name(name),
       m_bus(QString())
 {
+    m_retry.setSingleShot(true);
     m_retry.setInterval(retryInterval);
     m_retry.setTimerType(Qt::VeryCoarseTimer);
-    connect(&m_retry, &QTimer::timeout, this, &BusConnection::open);
-    QMetaObject::invokeMethod(this, &BusConnection::open, Qt::QueuedConnection);
+    connect(&m_retry, &QTimer::timeout, this, &BusConnection::knock);
+    QMetaObject::invokeMethod(this, &BusConnection::knock, Qt::QueuedConnection);
 }
 
 BusConnection::~BusConnection()
@@ -31,16 +32,27 @@ BusConnection::~BusConnection()
     QDBusConnection::disconnectFromBus(m_name);
 }
 
-void BusConnection::open()
+void BusConnection::knock()
 {
     m_address = sessionBusAddress();
-    if (!m_address.isEmpty())
-        m_bus = QDBusConnection::connectToBus(m_address, m_name);
+    if (m_address.isEmpty()) {
+        lose();
+        return;
+    }
+    m_knock = std::make_unique<BusKnock>(m_address);
+    // Queued: both do away with it.
+    connect(m_knock.get(), &BusKnock::answered, this, &BusConnection::open, Qt::QueuedConnection);
+    connect(m_knock.get(), &BusKnock::refused, this, &BusConnection::lose, Qt::QueuedConnection);
+}
+
+void BusConnection::open()
+{
+    m_knock.reset();
+    m_bus = QDBusConnection::connectToBus(m_address, m_name);
     if (!m_bus.isConnected()) {
         lose();
         return;
     }
-    m_retry.stop();
     m_bus.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
                   u"Disconnected"_s, this, SLOT(lose()));
     emit connected();
@@ -48,6 +60,7 @@ void BusConnection::open()
 
 void BusConnection::lose()
 {
+    m_knock.reset();
     QDBusConnection::disconnectFromBus(m_name);
     m_bus = QDBusConnection(QString());
     m_retry.start();

@@ -1,13 +1,18 @@
 #pragma once
 
+#include "app/BusKnock.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
+
 namespace corvane {
 
-/// A connection of its owner's own to the user's session bus. Main thread. It is made as soon as
-/// the event loop runs, and again after the bus went or was not there; none is ever started for it.
+/// A connection of its owner's own to the user's session bus. Main thread, which never waits for a
+/// bus that hangs. It is made as soon as the event loop runs and the bus answers, and again after
+/// the bus went or was not there; none is ever started for it.
 class BusConnection : public QObject {
     Q_OBJECT
 
@@ -26,12 +31,15 @@ signals:
     void lost(); ///< Also after each attempt in vain.
 
 private slots:
-    void open();
     void lose();
 
 private:
+    void knock();
+    void open();
+
     const QString m_name;
     QString m_address;
+    std::unique_ptr<BusKnock> m_knock; ///< Until it is answered.
     QDBusConnection m_bus;
     QTimer m_retry;
 };

@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QMenuBar>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -26,6 +27,10 @@ namespace corvane {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// For the session bus to answer a start; a running one takes a fraction of a millisecond.
+constexpr auto busPatience = 3s;
 
 /// What the system's stores of preferences, windows and buses know the program by.
 void nameProgram()
@@ -179,6 +184,7 @@ int run(int argc, char **argv)
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
+    hideHangingBus(busPatience);
     const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const CleanEnd cleanEnd;

@@ -25,14 +25,12 @@ constexpr unsigned int errorBadSignature = 30;
 
 PackageCheck::PackageCheck(Lists lists, std::chrono::milliseconds patience)
     : m_lists(lists),
-      m_patience(patience)
+      m_patience(patience),
+      m_knock(SystemBusLink::address())
 {
-    runThenDeliver(
-        this, [] { return std::make_shared<SystemBusLink>(); },
-        [this](std::shared_ptr<SystemBusLink> link) {
-            m_link = std::move(link);
-            findService();
-        });
+    connect(&m_knock, &BusKnock::answered, this, &PackageCheck::link);
+    connect(&m_knock, &BusKnock::refused, this,
+            [this] { conclude(UpdateReport::Outcome::noService); });
     QTimer::singleShot(patience, this, [this] {
         if (!m_link)
             conclude(UpdateReport::Outcome::failed);
@@ -40,6 +38,16 @@ PackageCheck::PackageCheck(Lists lists, std::chrono::milliseconds patience)
 }
 
 PackageCheck::~PackageCheck() = default;
+
+void PackageCheck::link()
+{
+    runThenDeliver(
+        this, [] { return std::make_shared<SystemBusLink>(); },
+        [this](std::shared_ptr<SystemBusLink> made) {
+            m_link = std::move(made);
+            findService();
+        });
+}
 
 /// Starts nothing on a system that has no such service.
 void PackageCheck::findService()

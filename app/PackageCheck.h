@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/BusCall.h"
+#include "app/BusKnock.h"
 #include "app/PackageTransaction.h"
 #include "app/UpdateReport.h"
 
@@ -35,6 +36,7 @@ signals:
 private:
     using Use = std::function<void(const PackageAnswer &)>;
 
+    void link();
     void findService();
     void refreshLists();
     void askForAge();
@@ -47,6 +49,7 @@ private:
 
     const Lists m_lists;
     const std::chrono::milliseconds m_patience;
+    const BusKnock m_knock;
     std::shared_ptr<SystemBusLink> m_link;
     std::unique_ptr<PackageTransaction> m_transaction;
     UpdateReport m_report;

@@ -1,5 +1,7 @@
 #include "app/SessionBus.h"
 
+#include "app/BusKnock.h"
+
 #include <QFileInfo>
 #include <QUrl>
 
@@ -25,10 +27,19 @@ QString usualAddress()
     return socket.isEmpty() ? QString() : "unix:path="_L1 + QString::fromLatin1(socket);
 }
 
+/// What the session said before it was hidden; empty: it was not.
+QString &hiddenAddress()
+{
+    static QString address;
+    return address;
+}
+
 /// What the session says; empty also for the order to start a bus.
 QString givenAddress()
 {
-    const QString given = qEnvironmentVariable(variable);
+    QString given = qEnvironmentVariable(variable);
+    if (given == disabled && !hiddenAddress().isEmpty())
+        given = hiddenAddress();
     return given.startsWith("autolaunch:"_L1) ? QString() : given;
 }
 
@@ -48,6 +59,15 @@ void startNoSessionBus()
         return;
     const QString usual = usualAddress();
     qputenv(variable, usual.isEmpty() ? QByteArray(disabled.data()) : usual.toLatin1());
+}
+
+void hideHangingBus(std::chrono::milliseconds patience)
+{
+    const QString address = sessionBusAddress();
+    if (!busHangs(address, patience))
+        return;
+    hiddenAddress() = address;
+    qputenv(variable, disabled.data());
 }
 
 } // namespace corvane

@@ -22,6 +22,12 @@ SystemBusLink::SystemBusLink()
 {
 }
 
+QString SystemBusLink::address()
+{
+    const QString given = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+    return given.isEmpty() ? u"unix:path=/var/run/dbus/system_bus_socket"_s : given;
+}
+
 SystemBusLink::~SystemBusLink()
 {
     QDBusConnection::disconnectFromBus(m_name);

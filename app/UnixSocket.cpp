@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <cstddef>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -51,8 +52,9 @@ bool listenAt(const FileDescriptor &socket, const std::string &path)
 bool connectTo(const FileDescriptor &socket, const std::string &path)
 {
     const auto place = address(path);
-    return place
-        && connect(socket.get(), reinterpret_cast<const sockaddr *>(&*place), sizeof *place) == 0;
+    // No more than the name: the zeros behind it would count in one that is no path.
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size());
+    return place && connect(socket.get(), reinterpret_cast<const sockaddr *>(&*place), length) == 0;
 }
 
 } // namespace corvane

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 
 namespace corvane::test {
 
@@ -17,6 +18,7 @@ constexpr double energyRange = 65'532'610'987; ///< Its max_energy_range_uj.
 const std::string card =
     "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
 const std::string cpuSensor = "sys/devices/virtual/hwmon/hwmon0";
+constexpr int mostFreeKiB = 1'034'220; ///< What was free on the machine whose memory it has.
 constexpr std::array processes{"python3", "ollama", "llama-server", "firefox", "postgres", "clang"};
 constexpr int steadyProcesses = 5; ///< Those that rest() leaves.
 
@@ -31,33 +33,47 @@ SoakMachine::SoakMachine(unsigned int seed)
     const MachineTree memory("laptop-hybrid-zram");
     fs::copy(memory.root() + "/proc", root() + "/proc",
              fs::copy_options::recursive | fs::copy_options::skip_existing);
+    std::ifstream file(root() + "/proc/meminfo");
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("MemFree:"))
+            m_memory += line + '\n';
+    }
     rest();
 }
 
 void SoakMachine::live()
 {
-    if (happens(1000)) {
-        ++m_sleeps;
+    begin();
+    if (happens(150)) {
+        ++m_events.sleeps;
         pass(random(60, 40'000), 0.5);
     }
-    if (happens(1000)) {
-        ++m_clockJumps;
-        m_now += random(-90'000, 90'000);
+    if (happens(150)) {
+        const int seconds = random(-90'000, 90'000);
+        ++(seconds < 0 ? m_events.jumpsBack : m_events.jumpsForward);
+        m_now += seconds;
     }
     pass(1, random(2, static_cast<int>(mostCPUWatts)));
     work();
-    if (happens(50))
+    if (happens(50)) {
+        ++m_events.cores;
         plugCore();
-    if (happens(200))
+    }
+    if (happens(200)) {
+        ++m_events.cards;
         plugFolder(card);
-    if (happens(200))
+    }
+    if (happens(200)) {
+        ++m_events.sensors;
         plugFolder(cpuSensor);
+    }
     changeProcesses();
     writeTimes();
 }
 
 void SoakMachine::rest()
 {
+    begin();
     while (!m_offline.empty())
         m_offline.erase(m_offline.begin());
     while (!m_unplugged.empty())
@@ -71,10 +87,21 @@ void SoakMachine::rest()
     writeTimes();
 }
 
+/// Whoever measures has looked by now.
+void SoakMachine::begin()
+{
+    m_seconds = 0;
+    m_joules = 0;
+    m_restarted = false;
+}
+
 void SoakMachine::pass(double seconds, double watts)
 {
     SteppedClock::pass(seconds);
     m_now += seconds;
+    m_seconds += seconds;
+    m_joules += watts * seconds;
+    m_restarted = m_restarted || m_microjoules + watts * seconds * 1e6 >= energyRange;
     m_microjoules = std::fmod(m_microjoules + watts * seconds * 1e6, energyRange);
     m_tree.write(package, std::to_string(static_cast<std::uint64_t>(m_microjoules)) + '\n');
 }
@@ -96,6 +123,8 @@ void SoakMachine::work()
         m_tree.write(card + "/hwmon/hwmon1/temp1_input",
                      std::to_string(random(30, static_cast<int>(mostDegrees))) + "000\n");
     }
+    m_freeKiB = static_cast<std::uint64_t>(random(0, mostFreeKiB));
+    m_tree.write("proc/meminfo", m_memory + "MemFree: " + std::to_string(m_freeKiB) + " kB\n");
     if (!m_unplugged.contains(cpuSensor))
         m_tree.write(cpuSensor + "/temp1_input",
                      std::to_string(random(30, static_cast<int>(mostDegrees))) + "000\n");
@@ -107,7 +136,6 @@ void SoakMachine::plugCore()
     const int cpu = random(1, cpus - 1);
     if (m_offline.erase(cpu) == 0)
         m_offline.insert(cpu);
-    ++m_plugged;
 }
 
 /// Takes it out of the tree, links to it included, or puts it back.
@@ -121,7 +149,6 @@ void SoakMachine::plugFolder(const std::string &folder)
         fs::rename(here, away);
         m_unplugged.insert(folder);
     }
-    ++m_plugged;
 }
 
 void SoakMachine::changeProcesses()

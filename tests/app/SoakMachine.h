@@ -10,9 +10,9 @@
 
 namespace corvane::test {
 
-/// A desktop that lives at random, the same for the same seed: loads go up and down, cores, the
-/// graphics card, sensors and processes come and go, it sleeps, and its wall clock is set. Its
-/// kernel files lie below `root`; the test's stepped clock is its own. Main thread.
+/// A desktop that lives at random, the same for the same seed: loads and memory go up and down,
+/// cores, the graphics card, sensors and processes come and go, it sleeps, and its wall clock is
+/// set. Its kernel files lie below `root`; the test's stepped clock is its own. Main thread.
 class SoakMachine {
 public:
     explicit SoakMachine(unsigned int seed);
@@ -28,20 +28,35 @@ public:
     /// A second passes with everything in its place and the same processes as ever.
     void rest();
 
+    /// What the processor drew on average over the last second, a sleep included; 0 if its counter
+    /// started again in that sleep, after which nobody can tell.
+    double cpuWatts() const { return m_restarted && m_seconds > 1 ? 0 : m_joules / m_seconds; }
+
+    /// Memory that nobody uses; the rest of what is there stays as it is or is used.
+    std::uint64_t freeBytes() const { return m_freeKiB * 1024; }
+
     /// More is never drawn, by the one and by the other.
     static constexpr double mostCPUWatts = 60;
     static constexpr double mostGPUWatts = 150;
     static constexpr double mostDegrees = 90;
 
-    int sleeps() const { return m_sleeps; }
-    int clockJumps() const { return m_clockJumps; }
-    int plugged() const { return m_plugged; }
+    /// What has happened so far.
+    struct Events {
+        int sleeps = 0;
+        int jumpsForward = 0; ///< Of the wall clock.
+        int jumpsBack = 0;
+        int cores = 0; ///< Gone or come back, as the next two.
+        int cards = 0;
+        int sensors = 0;
+    };
+    const Events &events() const { return m_events; }
 
 private:
     static constexpr int cpus = 12;
 
     int random(int from, int to) { return std::uniform_int_distribution(from, to)(m_random); }
     bool happens(int onceIn) { return random(1, onceIn) == 1; }
+    void begin();
     void pass(double seconds, double watts);
     void work();
     void plugCore();
@@ -60,9 +75,12 @@ private:
     std::set<int> m_offline;
     std::set<std::string> m_unplugged;
     std::set<int> m_pids;
-    int m_sleeps = 0;
-    int m_clockJumps = 0;
-    int m_plugged = 0;
+    double m_seconds = 0;     ///< Passed since the machine was last looked at.
+    double m_joules = 0;      ///< Drawn by the processor in these.
+    bool m_restarted = false; ///< Its counter did, in these.
+    std::uint64_t m_freeKiB = 0;
+    std::string m_memory; ///< The machine's /proc/meminfo, but for what is free.
+    Events m_events;
 };
 
 } // namespace corvane::test

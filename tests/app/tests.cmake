@@ -7,7 +7,9 @@ corvane_test(app/tst_PanelButton LINK corvane::app)
 corvane_test(app/tst_TrayHost LINK corvane::app)
 corvane_test(app/tst_TrayProgram SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_BusCall SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
-corvane_test(app/tst_SessionBus SYSTEM linux simulated-mac LINK corvane::app)
+corvane_test(app/tst_SessionBus SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
+corvane_test(app/tst_BusKnock SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
+corvane_test(app/tst_BusConnection SYSTEM linux simulated-mac THREADED SOURCES support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_StatusNotifierTypes SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_DBusMenuTypes SYSTEM linux simulated-mac SOURCES support/PrivateBus.cpp LINK corvane::app)
 corvane_test(app/tst_DBusMenu SYSTEM linux simulated-mac LINK corvane::app)
@@ -16,7 +18,9 @@ corvane_test(app/tst_TrayLabel SYSTEM linux simulated-mac
 corvane_test(app/tst_DashboardLayout LINK corvane::app)
 corvane_test(app/tst_MainWindow LINK corvane::app corvane_scripted_samples)
 corvane_test(app/tst_CorvaneApp LINK corvane::app)
-corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 900 SOURCES app/SoakMachine.cpp support/SteppedClock.cpp LINK corvane::app)
+corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 900
+             SOURCES app/SoakMachine.cpp support/FakeTray.cpp support/PrivateBus.cpp support/SteppedClock.cpp
+             LINK corvane::app)
 corvane_test(app/tst_WindowLifecycleCoordinator LINK corvane::app)
 corvane_test(app/tst_WindowAccessor LINK corvane::app)
 corvane_test(app/tst_AboutTexts LINK corvane::app)
@@ -70,7 +74,7 @@ corvane_test(app/tst_Autostart SYSTEM linux simulated-mac LINK corvane::app)
 corvane_test(app/tst_PackageLine LINK corvane::app)
 corvane_test(app/tst_UpdateReport LINK corvane::app)
 corvane_test(app/tst_UpdateSchedule LINK corvane::app)
-corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac
+corvane_test(app/tst_PackageUpdater SYSTEM linux simulated-mac THREADED
              SOURCES support/BusMonitor.cpp support/FakePackageKit.cpp support/PrivateBus.cpp LINK corvane::app)
 
 # Where it can run: as root, with the packages for "updates".

@@ -3,6 +3,7 @@
 #include "history/PersistedMetric.h"
 #include "platform/FolderLock.h"
 #include "support/FakeTray.h"
+#include "support/OddFiles.h"
 #include "support/PrivateBus.h"
 #include "support/VirtualDisplay.h"
 
@@ -96,6 +97,8 @@ private slots:
     void twoSessionsDoNotMeetAndOneWritesTheHistory();
     void livesThroughATimeWithoutDescriptors();
     void runsWhereNoFolderCanBeHad();
+    void runsWithAnyHistory_data();
+    void runsWithAnyHistory();
     void hostileClientsDoNothing();
 
     void theDesktopOpensTheDashboard();
@@ -106,6 +109,8 @@ private slots:
     void endsOnASignal_data();
     void endsOnASignal();
     void livesOnWithoutItsBus();
+    void livesOnWhileItsBusHangs_data();
+    void livesOnWhileItsBusHangs();
     void endsWithItsDisplay();
     void saysInOneLineThatThereIsNoDisplay_data();
     void saysInOneLineThatThereIsNoDisplay();
@@ -343,6 +348,29 @@ void TestRunningProgram::runsWhereNoFolderCanBeHad()
     QCOMPARE(FolderLock(historyFolder().toStdString()).take(), FolderLock::Holder::self);
 }
 
+void TestRunningProgram::runsWithAnyHistory_data()
+{
+    QTest::addColumn<PutOddFile>("put");
+    QTest::newRow("a FIFO that nobody reads or writes") << &putFIFO;
+    QTest::newRow("a line of a hundred megabytes") << &putHugeLine;
+}
+
+void TestRunningProgram::runsWithAnyHistory()
+{
+    QFETCH(const PutOddFile, put);
+    QVERIFY(QDir().mkpath(historyFolder()));
+    QVERIFY(put(historyFolder() + "/history.jsonl"_L1));
+    setUpBus();
+    const Corvane first(m_environment);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    TRY_VERIFY(bus().interface()->isServiceRegistered(identifier).value());
+    QCOMPARE(callDesktop(u"ActivateAction"_s, {u"quit"_s, QVariantList(), QVariantMap()}).type(),
+             QDBusMessage::ReplyMessage);
+    QCOMPARE(first.status(), 0);
+}
+
 void TestRunningProgram::hostileClientsDoNothing()
 {
     const Corvane first(m_environment);
@@ -451,6 +479,40 @@ void TestRunningProgram::livesOnWithoutItsBus()
     const std::size_t known = records().size();
     TRY_VERIFY(records().size() > known + 1);
     QCOMPARE(Corvane(m_environment).status(), 0);
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.status(), 0);
+}
+
+void TestRunningProgram::livesOnWhileItsBusHangs_data()
+{
+    QTest::addColumn<bool>("hangsAtTheStart");
+    QTest::addColumn<bool>("hasDisplay");
+    QTest::newRow("from the start on") << true << false;
+    QTest::newRow("from the start on, on X11") << true << true;
+    QTest::newRow("once the label is there") << false << false;
+    QTest::newRow("once the label is there, on X11") << false << true;
+}
+
+void TestRunningProgram::livesOnWhileItsBusHangs()
+{
+    QFETCH(const bool, hangsAtTheStart);
+    QFETCH(const bool, hasDisplay);
+    setUpBus();
+    if (hasDisplay)
+        setUpDisplay();
+    if (hangsAtTheStart)
+        m_bus->hang();
+    const Corvane corvane(m_environment);
+    if (!hangsAtTheStart) {
+        TRY_COMPARE(m_tray->items().size(), 3);
+        m_bus->hang();
+    }
+    const std::size_t known = records().size();
+    TRY_VERIFY(records().size() > known + 3);
+    QCOMPARE(Corvane(m_environment).status(), 0);
+    m_bus->goOn();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    m_bus->hang();
     corvane.send(SIGTERM);
     QCOMPARE(corvane.status(), 0);
 }

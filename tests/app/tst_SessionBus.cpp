@@ -1,11 +1,15 @@
 #include "app/SessionBus.h"
 
+#include "support/PrivateBus.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class TestSessionBus : public QObject {
     Q_OBJECT
@@ -20,6 +24,7 @@ private slots:
     void keepsOthersFromStartingOne_data();
     void keepsOthersFromStartingOne();
     void findsABusThatTurnsUpLater();
+    void hidesABusThatHangsFromOthers();
 
 private:
     QTemporaryDir m_runtime;
@@ -99,6 +104,20 @@ void TestSessionBus::findsABusThatTurnsUpLater()
     QFile socket(m_runtime.filePath(u"bus"_s));
     QVERIFY(socket.open(QFile::WriteOnly));
     QCOMPARE(sessionBusAddress(), u"unix:path="_s + socket.fileName());
+}
+
+/// The last of all: hidden is hidden.
+void TestSessionBus::hidesABusThatHangsFromOthers()
+{
+    PrivateBus bus;
+    const QByteArray address = bus.address().toUtf8();
+    QVERIFY(bus.start());
+    hideHangingBus(60s);
+    QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), address);
+    bus.hang();
+    hideHangingBus(100ms);
+    QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), QByteArray("disabled:"));
+    QCOMPARE(sessionBusAddress(), bus.address());
 }
 
 QTEST_GUILESS_MAIN(TestSessionBus)

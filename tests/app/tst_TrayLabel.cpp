@@ -13,6 +13,7 @@
 #include <QPoint>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -88,6 +89,7 @@ private slots:
     void takesAnotherFormForAnotherTray();
     void waitsForAHost();
     void comesBackAfterTheBus();
+    void comesOnceTheBusHangsNoMore();
     void aTrayThatHasThemAllIsLeftAlone_data();
     void aTrayThatHasThemAllIsLeftAlone();
     void aTrayThatLosesAnItemGetsAllAnew_data();
@@ -460,6 +462,25 @@ void TestTrayLabel::comesBackAfterTheBus()
     m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
     TRY_COMPARE(m_tray->items().size(), 3);
     QCOMPARE(text(u"IconAccessibleDesc"_s), u"Memory 77 %, GPU 41 %, Power 12 W"_s);
+}
+
+void TestTrayLabel::comesOnceTheBusHangsNoMore()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_bus->hang();
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    int seconds = 0;
+    QTimer ticks;
+    connect(&ticks, &QTimer::timeout, this, [&] { m_label->show(sample(++seconds)); });
+    ticks.start(10);
+    TRY_COMPARE(missing.count(), 1);
+    const int before = seconds;
+    TRY_VERIFY(seconds > before + 100);
+    QVERIFY(!m_label->isAvailable());
+    m_bus->goOn();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(ids(), squareIds);
+    QVERIFY(m_label->isAvailable());
 }
 
 void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone_data()

@@ -7,7 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <chrono>
 #include <memory>
+#include <thread>
 
 #include <cerrno>
 #include <sys/stat.h>
@@ -16,6 +18,7 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 using FaultyCalls::Call;
 
 Q_DECLARE_METATYPE(corvane::test::FaultyCalls::Call)
@@ -47,6 +50,7 @@ private slots:
     void findsNothingWhereNothingCanBeRead();
     void holdsNobodyUpWhileTheDiskStalls_data();
     void holdsNobodyUpWhileTheDiskStalls();
+    void endsOnlyWhenTheDiskHasItAll();
     void readsAFileThatShrinksMeanwhile();
     void leavesAFileAloneThatIsDeletedMeanwhile();
     void survivesALoopOfLinks();
@@ -234,6 +238,21 @@ void TestFaultyDisk::holdsNobodyUpWhileTheDiskStalls()
     m_store->trim(200);
     FaultyCalls::letGo();
     QCOMPARE(loaded(*m_store), numbers(101, 300));
+}
+
+void TestFaultyDisk::endsOnlyWhenTheDiskHasItAll()
+{
+    FaultyCalls::stall(Call::write, name);
+    for (int number = 11; number <= 20; ++number)
+        m_store->append(record(number));
+    FaultyCalls::waitForStalled();
+    std::thread disk([] {
+        std::this_thread::sleep_for(100ms); // Most likely while the store waits for it.
+        FaultyCalls::clear();
+    });
+    m_store.reset();
+    disk.join();
+    QCOMPARE(loadedAnew(), numbers(1, 20));
 }
 
 void TestFaultyDisk::readsAFileThatShrinksMeanwhile()

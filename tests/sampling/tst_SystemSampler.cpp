@@ -1,8 +1,10 @@
 #include "sampling/SystemSampler.h"
 
+#include "support/OddFiles.h"
 #include "support/ProcessState.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -90,6 +92,8 @@ private slots:
     void announcesCurrentBeforeHistory();
     void continuesAfterARestart();
     void goesOnWithoutAHistoryFile();
+    void goesOnWithAnyHistory_data();
+    void goesOnWithAnyHistory();
     void surveysOnEveryThirdTick();
     void publishesProcessesThenWorkloads();
     void aSlowSurveyDelaysNoTick();
@@ -255,6 +259,48 @@ void TestSystemSampler::goesOnWithoutAHistoryFile()
     settle(sampler);
     QCOMPARE(sampler.history().size(), std::size_t(60));
     QCOMPARE(sampler.current().timestamp, 1060.0);
+}
+
+void TestSystemSampler::goesOnWithAnyHistory_data()
+{
+    QTest::addColumn<PutOddFile>("put");
+    QTest::addColumn<bool>("keepsRecords");
+    QTest::newRow("a FIFO that nobody reads or writes") << &putFIFO << false;
+    QTest::newRow("a folder") << &putFolder << false;
+    QTest::newRow("a link to itself") << &putLinkToItself << false;
+    QTest::newRow("two gibibytes of nothing") << &putHole << true;
+    QTest::newRow("a line of a hundred megabytes") << &putHugeLine << true;
+    QTest::newRow("garbage") << &putGarbage << true;
+}
+
+/// What would wait for the file would never come back from a FIFO.
+void TestSystemSampler::goesOnWithAnyHistory()
+{
+    QFETCH(const PutOddFile, put);
+    QFETCH(const bool, keepsRecords);
+    QVERIFY(QDir().mkpath(m_directory));
+    QVERIFY(put(m_directory + "/history.jsonl"_L1));
+    m_machine.chip = ChipReading{.cpuWatts = 3};
+    m_machine.survey = [] { return Survey{.processes = {{.id = 7}}}; };
+    {
+        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+        timerOf(sampler).stop();
+        const QSignalSpy surveys(&sampler, &SystemSampler::processesChanged);
+        for (int tick = 2; tick <= 61; ++tick) { // A trim is among them.
+            sampler.tick();
+            QCOMPARE(sampler.current().timestamp, 999.0 + tick);
+            QCOMPARE(sampler.current().chip->cpuWatts, 3.0);
+            QCOMPARE(sampler.history().size(), std::size_t(qMin(tick, 60)));
+            QTRY_COMPARE(surveys.count(), tick / 3);
+        }
+        settle(sampler);
+        QCOMPARE(sampler.history().size(), std::size_t(60));
+        QCOMPARE(sampler.processes().size(), std::size_t(1));
+    }
+    const SystemSampler next(*m_settings, m_machine.sources(), m_directory);
+    QCOMPARE(next.history().size(), std::size_t(keepsRecords ? 60 : 1));
+    QCOMPARE(next.history().front().timestamp, keepsRecords ? 1002.0 : 1061.0);
+    QCOMPARE(QFileInfo(m_directory + "/history.jsonl"_L1).isFile(), keepsRecords);
 }
 
 void TestSystemSampler::surveysOnEveryThirdTick()

@@ -4,6 +4,8 @@
 #include <QDBusMessage>
 #include <QTest>
 
+#include <array>
+
 namespace corvane::test {
 
 using namespace Qt::StringLiterals;
@@ -23,7 +25,8 @@ void sendMark(const QString &connection)
 
 BusMonitor::BusMonitor(const QString &address)
 {
-    m_process.start(u"dbus-monitor"_s, {u"--address"_s, address, u"--profile"_s});
+    m_process.start({u"dbus-monitor"_s, u"--address"_s, address, u"--profile"_s});
+    fcntl(m_process.output().get(), F_SETFL, O_NONBLOCK);
     // It says so itself, by the name that a monitor gives up.
     const bool isThere = QTest::qWaitFor([this] {
         read();
@@ -32,12 +35,6 @@ BusMonitor::BusMonitor(const QString &address)
     if (!isThere)
         qFatal("No monitor on the bus");
     m_members.clear();
-}
-
-BusMonitor::~BusMonitor()
-{
-    m_process.kill();
-    m_process.waitForFinished();
 }
 
 QStringList BusMonitor::membersSince(const QStringList &connections)
@@ -55,8 +52,14 @@ QStringList BusMonitor::membersSince(const QStringList &connections)
 /// One line a message, tab-separated, the member last; answers have none.
 void BusMonitor::read()
 {
-    while (m_process.canReadLine()) {
-        const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+    std::array<char, 4096> piece = {};
+    for (ssize_t count = 0;
+         (count = ::read(m_process.output().get(), piece.data(), piece.size())) > 0;)
+        m_output.append(piece.data(), count);
+    QByteArrayList lines = m_output.split('\n');
+    m_output = lines.takeLast();
+    for (const QByteArray &text : lines) {
+        const QString line = QString::fromUtf8(text).trimmed();
         const QString member = line.section(u'\t', -1);
         if (line.startsWith(u'#'))
             continue;

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QProcess>
+#include "support/SpawnedProgram.h"
+
+#include <QByteArray>
 #include <QStringList>
 
 namespace corvane::test {
@@ -9,7 +11,6 @@ namespace corvane::test {
 class BusMonitor {
 public:
     explicit BusMonitor(const QString &address);
-    ~BusMonitor();
 
     /// Members of all messages ("NewIcon") since the last call, once those that these connections
     /// sent so far have come by. Nothing but "monitor is deaf" if they never do.
@@ -18,7 +19,8 @@ public:
 private:
     void read();
 
-    QProcess m_process;
+    SpawnedProgram m_process;
+    QByteArray m_output; ///< That does not make a line yet.
     QStringList m_members;
     int m_marks = 0;
 };

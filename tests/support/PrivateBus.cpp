@@ -16,16 +16,26 @@ PrivateBus::~PrivateBus()
 
 bool PrivateBus::start()
 {
-    m_daemon.start(u"dbus-daemon"_s,
-                   {u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--nosyslog"_s,
-                    u"--print-address"_s, u"--address="_s + m_address});
-    return m_daemon.waitForReadyRead(); // The address, once it listens.
+    const bool isThere =
+        m_daemon.start({u"dbus-daemon"_s, u"--session"_s, u"--nofork"_s, u"--nopidfile"_s,
+                        u"--nosyslog"_s, u"--print-address"_s, u"--address="_s + m_address});
+    char first = 0; // Of the address, once it listens.
+    return isThere && read(m_daemon.output().get(), &first, sizeof first) == sizeof first;
 }
 
 void PrivateBus::kill()
 {
     m_daemon.kill();
-    m_daemon.waitForFinished();
+}
+
+void PrivateBus::hang() const
+{
+    m_daemon.send(SIGSTOP);
+}
+
+void PrivateBus::goOn() const
+{
+    m_daemon.send(SIGCONT);
 }
 
 } // namespace corvane::test

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QProcess>
+#include "support/SpawnedProgram.h"
+
 #include <QString>
 #include <QTemporaryDir>
 
@@ -17,12 +18,16 @@ public:
     bool start();
     void kill();
 
+    /// Hangs until it is to go on; it can be killed meanwhile.
+    void hang() const;
+    void goOn() const;
+
     const QString &address() const { return m_address; }
 
 private:
     QTemporaryDir m_folder;
     const QString m_address;
-    QProcess m_daemon;
+    SpawnedProgram m_daemon;
 };
 
 } // namespace corvane::test
