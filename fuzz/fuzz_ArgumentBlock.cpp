@@ -1,6 +1,9 @@
+#include "Runs.h"
+
 #include "platform/KernelText.h"
 #include "processes/ArgumentBlock.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -27,13 +30,16 @@ void check(const std::vector<std::string> &arguments, std::size_t size)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    const std::string_view bytes(reinterpret_cast<const char *>(data), size);
+    const std::string bytes = fuzz::withRuns(data, size);
     if (const auto record = parseArgumentBlock(bytes)) {
         if (!isUtf8(record->path))
             __builtin_trap();
-        check(record->argv, size);
+        check(record->argv, bytes.size());
     }
-    if (const auto arguments = parseCommandLine(bytes))
-        check(*arguments, size);
+    if (const auto arguments = parseCommandLine(bytes)) {
+        check(*arguments, bytes.size());
+        if (arguments->size() > 1 && std::ranges::count(bytes, '\0') > mostArguments)
+            __builtin_trap(); // Too many, and some of them left out.
+    }
     return 0;
 }

@@ -1,3 +1,5 @@
+#include "Runs.h"
+
 #include "history/LineFile.h"
 
 #include <algorithm>
@@ -42,23 +44,6 @@ std::string read()
     return contents;
 }
 
-/// The bytes, but that the two behind a 0xff are a number: so often stands an x. A few bytes thus
-/// make lines about as long as the longest, and a file of several chunks.
-std::string withRuns(const std::uint8_t *data, std::size_t size)
-{
-    constexpr std::size_t most = 140'000; // More takes its time: two chunks and a part tell it all.
-    std::string contents;
-    for (std::size_t at = 0; at < size && contents.size() < most; ++at) {
-        if (data[at] == 0xff && at + 2 < size) {
-            contents.append(std::size_t(data[at + 1]) << 8 | data[at + 2], 'x');
-            at += 2;
-        } else {
-            contents += static_cast<char>(data[at]);
-        }
-    }
-    return contents;
-}
-
 std::vector<std::string> pieces(std::string_view contents)
 {
     std::vector<std::string> all;
@@ -80,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (size == 0)
         return 0;
     const std::size_t count = data[0];
-    const std::string contents = withRuns(data + 1, size - 1);
+    const std::string contents = fuzz::withRuns(data + 1, size - 1);
     write(contents);
 
     std::vector<std::string> kept = pieces(contents);

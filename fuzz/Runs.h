@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace corvane::fuzz {
+
+/// The bytes, but that 0xff begins a run: of the byte behind it, as often as the two behind that
+/// one say. So the few bytes that libFuzzer likes to change stand for lengths that it would hardly
+/// ever come to: lines of 64 KiB, thousands of arguments.
+inline std::string withRuns(const std::uint8_t *data, std::size_t size)
+{
+    constexpr std::size_t most = 140'000; // More takes its time and shows nothing new.
+    std::string bytes;
+    for (std::size_t at = 0; at < size && bytes.size() < most; ++at) {
+        if (data[at] == 0xff && at + 3 < size) {
+            bytes.append(std::size_t(data[at + 2]) << 8 | data[at + 3],
+                         static_cast<char>(data[at + 1]));
+            at += 3;
+        } else {
+            bytes += static_cast<char>(data[at]);
+        }
+    }
+    return bytes;
+}
+
+} // namespace corvane::fuzz
