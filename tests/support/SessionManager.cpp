@@ -133,22 +133,22 @@ Status SessionManager::Session::meet(SmsConn, SmPointer manager, unsigned long *
         | SmsDeletePropertiesProcMask | SmsGetPropertiesProcMask;
     *callbacks = {};
     callbacks->register_client = {enlist, manager};
-    callbacks->interact_request = {[](SmsConn client, SmPointer session, int) {
+    callbacks->interact_request = {[](SmsConn peer, SmPointer session, int) {
                                        ++of(session).questions;
-                                       SmsInteract(client);
+                                       SmsInteract(peer);
                                    },
                                    manager};
     callbacks->interact_done = {[](SmsConn, SmPointer, Bool) {}, manager};
     callbacks->save_yourself_request = {[](SmsConn, SmPointer, int, Bool, int, Bool, Bool) {},
                                         manager};
     callbacks->save_yourself_phase2_request = {
-        [](SmsConn client, SmPointer) { SmsSaveYourselfPhase2(client); }, manager};
-    callbacks->save_yourself_done = {[](SmsConn client, SmPointer session, Bool success) {
+        [](SmsConn peer, SmPointer) { SmsSaveYourselfPhase2(peer); }, manager};
+    callbacks->save_yourself_done = {[](SmsConn peer, SmPointer session, Bool success) {
                                          Session &self = of(session);
                                          ++self.saved;
                                          self.isReady = self.isEnding && success;
                                          if (!self.isEnding)
-                                             SmsSaveComplete(client);
+                                             SmsSaveComplete(peer);
                                      },
                                      manager};
     callbacks->close_connection = {[](SmsConn, SmPointer session, int count, char **reasons) {
@@ -170,7 +170,7 @@ Status SessionManager::Session::meet(SmsConn, SmPointer manager, unsigned long *
                                     },
                                     manager};
     callbacks->get_properties = {
-        [](SmsConn client, SmPointer) { SmsReturnProperties(client, 0, nullptr); }, manager};
+        [](SmsConn peer, SmPointer) { SmsReturnProperties(peer, 0, nullptr); }, manager};
     return 1;
 }
 
