@@ -36,20 +36,20 @@ std::uint64_t footprint(pid_t pid)
 std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &)
 {
     const int size = proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
-    const std::size_t slots = size > 0 ? static_cast<std::size_t>(size) / sizeof(pid_t) : 0;
-    if (slots == 0)
+    const std::size_t places = size > 0 ? static_cast<std::size_t>(size) / sizeof(pid_t) : 0;
+    if (places == 0)
         return {};
-    const auto pids = zeroedBuffer<pid_t>(slots);
+    const auto pids = zeroedBuffer<pid_t>(places);
     if (!pids)
         return {};
     const int filled =
-        proc_listpids(PROC_ALL_PIDS, 0, pids.get(), static_cast<int>(slots * sizeof(pid_t)));
+        proc_listpids(PROC_ALL_PIDS, 0, pids.get(), static_cast<int>(places * sizeof(pid_t)));
     const std::size_t count = filled > 0 ? static_cast<std::size_t>(filled) / sizeof(pid_t) : 0;
 
     std::vector<FootprintBounds> processes;
-    processes.reserve(std::min(count, slots));
-    for (std::size_t slot = 0; slot < std::min(count, slots); ++slot) {
-        const pid_t pid = pids[slot];
+    processes.reserve(std::min(count, places));
+    for (std::size_t place = 0; place < std::min(count, places); ++place) {
+        const pid_t pid = pids[place];
         const std::uint64_t memory = pid > 0 ? footprint(pid) : 0;
         if (memory > 0)
             processes.push_back({.pid = pid, .least = memory, .most = memory});
