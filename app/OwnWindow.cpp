@@ -12,13 +12,20 @@ namespace corvane {
 
 namespace {
 
-/// The program's own sign, for desktops that take a window's picture from the window: most on X11
-/// do, and none finds another as long as the program is not installed.
-QIcon signIcon()
+QIcon makeSignIcon()
 {
     QIcon icon;
     for (const int pixels : {16, 32, 48, 64})
         icon.addPixmap(QPixmap::fromImage(signPicture(pixels)));
+    return icon;
+}
+
+/// The program's own sign, for desktops that take a window's picture from the window: most on X11
+/// do, and none finds another as long as the program is not installed. One for all windows: Qt's
+/// cache keeps what it has shown, so that each would cost its memory again.
+const QIcon &signIcon()
+{
+    static const QIcon icon = makeSignIcon();
     return icon;
 }
 

@@ -74,6 +74,10 @@ void TestOwnWindow::hasTheSignInTheTaskbar()
     for (const int pixels : {16, 32, 48, 64})
         QCOMPARE(icon.pixmap(pixels).toImage().convertToFormat(signPicture(pixels).format()),
                  signPicture(pixels));
+    // Windows come and go, and Qt keeps each picture that it has shown for a while.
+    QWidget other;
+    bringForward(other);
+    QCOMPARE(other.windowIcon().cacheKey(), window.windowIcon().cacheKey());
 }
 
 void TestOwnWindow::closesOnItsKeys_data()
