@@ -58,19 +58,28 @@ void bareCut(const std::string &path, std::size_t length)
         std::abort();
 }
 
+/// Two empty files, for the store's way and for the bare calls.
+struct Files {
+    Files()
+    {
+        file.create();
+        LineFile(barePath).create();
+    }
+
+    QTemporaryDir folder;
+    std::string path = folder.filePath(QStringLiteral("ours")).toStdString();
+    std::string barePath = folder.filePath(QStringLiteral("bare")).toStdString();
+    LineFile file{path};
+    std::string line = record.toJson()->toStdString() + '\n';
+};
+
 /// One record: written as text and added to the file, as the store's queue does it.
 void append(benchmark::State &state)
 {
-    const QTemporaryDir folder;
-    const std::string path = folder.filePath(QStringLiteral("ours")).toStdString();
-    const std::string barePath = folder.filePath(QStringLiteral("bare")).toStdString();
-    const LineFile file(path);
-    file.create();
-    LineFile(barePath).create();
-    const std::string line = record.toJson()->toStdString() + '\n';
+    const Files files;
     compare(
-        state, [&file] { file.append(record.toJson()->toStdString()); },
-        [&barePath, &line] { bareAppend(barePath, line); });
+        state, [&files] { files.file.append(record.toJson()->toStdString()); },
+        [&files] { bareAppend(files.barePath, files.line); });
 }
 
 /// The newest 60 records of a file of 180, as at every start.
@@ -91,26 +100,20 @@ void load(benchmark::State &state)
 /// A file of 180 records cut to its newest 120, as every minute.
 void trim(benchmark::State &state)
 {
-    const QTemporaryDir folder;
-    const std::string path = folder.filePath(QStringLiteral("ours")).toStdString();
-    const std::string barePath = folder.filePath(QStringLiteral("bare")).toStdString();
-    const LineFile file(path);
-    file.create();
-    LineFile(barePath).create();
-    const std::string line = record.toJson()->toStdString() + '\n';
+    const Files files;
     std::string added;
     for (int i = 0; i < 60; ++i)
-        added += line;
-    bareAppend(path, added + added);
-    bareAppend(barePath, added + added);
+        added += files.line;
+    bareAppend(files.path, added + added);
+    bareAppend(files.barePath, added + added);
     compare(
-        state, [&file] { file.keepLast(120); },
-        [&barePath, &line] { bareCut(barePath, 120 * line.size()); }, threadSeconds,
-        [&path, &barePath, &added] {
-            bareAppend(path, added);
-            bareAppend(barePath, added);
+        state, [&files] { files.file.keepLast(120); },
+        [&files] { bareCut(files.barePath, 120 * files.line.size()); }, threadSeconds,
+        [&files, &added] {
+            bareAppend(files.path, added);
+            bareAppend(files.barePath, added);
         });
-    if (file.last(180).size() != 120)
+    if (files.file.last(180).size() != 120)
         std::abort();
 }
 
