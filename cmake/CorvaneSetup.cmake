@@ -59,7 +59,8 @@ target_compile_definitions(
             CORVANE_VERSION="${PROJECT_VERSION}"
             CORVANE_BUILD="${CORVANE_BUILD_NUMBER}")
 if(CORVANE_SANITIZE)
-  target_compile_options(corvane_flags INTERFACE -fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer
+  # Their reports need lines, no variables.
+  target_compile_options(corvane_flags INTERFACE -g1 -fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer
                                                  -fno-sanitize-recover=all)
   target_link_options(corvane_flags INTERFACE -fsanitize=${CORVANE_SANITIZE})
 endif()
