@@ -7,7 +7,7 @@ class QPainter;
 
 namespace corvane {
 
-/// Boxes with round corners, as controls, tags and bars are. Both leave the painter with another
+/// Boxes with round corners, as controls, tags and bars are. They leave the painter with another
 /// pen and brush.
 
 void fillRounded(QPainter &painter, const QRectF &box, double radius, const QBrush &brush);

@@ -14,10 +14,8 @@ set_source_files_properties(
 target_precompile_headers(corvane_test_support PRIVATE <QSignalSpy> <QTest>)
 if(CORVANE_SYSTEM STREQUAL "linux")
   target_sources(corvane_test_support PRIVATE support/AccessWatch_linux.cpp)
-endif()
 
-# The linker puts FaultyCalls between our objects and the C library.
-if(CORVANE_SYSTEM STREQUAL "linux")
+  # The linker puts FaultyCalls between our objects and the C library.
   add_library(corvane_faulty_calls INTERFACE)
   target_sources(corvane_faulty_calls INTERFACE ${CMAKE_CURRENT_SOURCE_DIR}/support/FaultyCalls_linux.cpp)
   foreach(call open openat read pread write fsync rename flock)
