@@ -4,9 +4,9 @@
 
 #include "benchmarks/BareReads.h"
 #include "benchmarks/Ratio.h"
-#include "sampling/CoreTicks.h"
-#include "telemetry/ChipReader.h"
-#include "telemetry/ThermalBridge.h"
+#include "chip/ChipReader.h"
+#include "chip/ThermalBridge.h"
+#include "cpu/CoreTicks.h"
 
 #include <filesystem>
 

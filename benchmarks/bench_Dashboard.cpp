@@ -1,13 +1,13 @@
 // What a tick of the open dashboard costs the main thread: telling every part and painting what
 // changed, as a ratio to clearing as many pixels as the whole window has.
 
-#include "app/DashboardHeader.h"
-#include "app/MainWindow.h"
 #include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
 #include "cards/PowerCard.h"
 #include "cards/ProcessCard.h"
 #include "cards/UtilizationCard.h"
+#include "dashboard/DashboardHeader.h"
+#include "dashboard/MainWindow.h"
 
 #include <QApplication>
 #include <QImage>

@@ -1,5 +1,5 @@
-#include "app/TrayPicture.h"
 #include "benchmarks/Ratio.h"
+#include "tray/TrayPicture.h"
 
 #include <QGuiApplication>
 #include <QPainter>

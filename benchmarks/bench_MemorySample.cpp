@@ -1,7 +1,7 @@
 #include "benchmarks/BareReads.h"
 #include "benchmarks/Ratio.h"
-#include "sampling/CoreTicks.h"
-#include "sampling/MemorySampler.h"
+#include "cpu/CoreTicks.h"
+#include "memory/MemorySampler.h"
 
 using namespace corvane;
 

@@ -3,8 +3,8 @@
 // number and does nothing with them. What the simulation itself takes is in both.
 
 #include "benchmarks/Ratio.h"
+#include "chip/ChipSource.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipSource.h"
 
 #include <dlfcn.h>
 

@@ -1,6 +1,6 @@
-#include "cards/Theme.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
+#include "ui/Theme.h"
 
 #include <benchmark/benchmark.h>
 

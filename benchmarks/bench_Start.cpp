@@ -4,8 +4,8 @@
 // bench_Start
 
 #include "app/CorvaneApp.h"
-#include "app/MainWindow.h"
 #include "benchmarks/Ratio.h"
+#include "dashboard/MainWindow.h"
 
 #include <QApplication>
 #include <QPaintEvent>

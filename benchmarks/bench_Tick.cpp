@@ -1,6 +1,6 @@
 #include "benchmarks/BareReads.h"
 #include "benchmarks/Ratio.h"
-#include "sampling/SystemSampler.h"
+#include "sampler/SystemSampler.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>

@@ -40,10 +40,11 @@ endif()
 
 # What every target of ours is compiled with; linked by corvane_library and corvane_test.
 add_library(corvane_flags INTERFACE)
-target_include_directories(corvane_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(corvane_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(corvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                                                -Woverloaded-virtual -Wimplicit-fallthrough
-                                               $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc;-fobjc-weak>)
+                                               $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc;-fobjc-weak>
+                                               $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wthread-safety>)
 if(CORVANE_WARNINGS_ARE_ERRORS)
   target_compile_options(corvane_flags INTERFACE -Werror)
 endif()

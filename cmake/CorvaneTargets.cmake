@@ -1,7 +1,7 @@
 # corvane_library(NAME SOURCES … [MAC …] [LINUX …] [MAC_DESKTOP …] [LINUX_DESKTOP …]
 #                 [FRAMEWORKS …] [HEADERS …] [LINK …])
 #
-# Adds the layer `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
+# Adds the room `corvane_NAME`, known to others as `corvane::NAME`. SOURCES are shared; one of MAC and
 # LINUX is added by the system: what reads the machine. The DESKTOP pair talks to the desktop (menu
 # bar, login items): the simulated Mac reads a Mac but shows itself on a Linux desktop. FRAMEWORKS are
 # what the Apple sources link on a Mac. HEADERS are what most of the sources include: with
@@ -39,7 +39,7 @@ endfunction()
 # corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [ARGUMENTS …] [SOURCES …] [LINK …])
 #
 # Adds a Qt Test program from tests/FOLDER/tst_Name.cpp, run by ctest without a display and with home
-# and XDG folders of its own. SYSTEM names the systems it is for (default: all); THREADED marks it for
+# and XDG folders of its own. It links the room FOLDER, where there is one, and what LINK names. SYSTEM names the systems it is for (default: all); THREADED marks it for
 # the ThreadSanitizer preset. Extra SOURCES are relative to the tests folder.
 function(corvane_test path)
   cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;ARGUMENTS;SOURCES;LINK")
@@ -51,6 +51,10 @@ function(corvane_test path)
   endif()
   get_filename_component(target ${path} NAME)
   add_executable(${target} ${CMAKE_CURRENT_SOURCE_DIR}/${path}.cpp ${arg_SOURCES})
+  get_filename_component(folder ${path} DIRECTORY)
+  if(TARGET corvane_${folder})
+    list(APPEND arg_LINK corvane::${folder})
+  endif()
   target_link_libraries(${target} PRIVATE corvane_test_support ${arg_LINK})
   target_precompile_headers(${target} REUSE_FROM corvane_test_support)
   set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp

@@ -1,4 +1,4 @@
-#include "telemetry/CPUClusters.h"
+#include "cpu/CPUClusters.h"
 
 #include "platform/KernelText.h"
 

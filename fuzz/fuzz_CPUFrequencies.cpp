@@ -1,7 +1,7 @@
-#include "telemetry/CPUFrequencies.h"
+#include "cpu/CPUFrequencies.h"
 
+#include "chip/ChipIdentity.h"
 #include "platform/KernelText.h"
-#include "telemetry/ChipIdentity.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
+#include "chip/ChannelName.h"
+#include "chip/ChannelTotals.h"
 #include "platform/KernelText.h"
-#include "telemetry/ChannelName.h"
-#include "telemetry/ChannelTotals.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "app/DesktopEntry.h"
+#include "login/DesktopEntry.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "telemetry/FrequencyTables.h"
+#include "chip/FrequencyTables.h"
 
 #include <cmath>
 #include <cstdint>

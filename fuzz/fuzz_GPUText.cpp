@@ -1,5 +1,5 @@
-#include "telemetry/GPUSleepGate.h"
-#include "telemetry/GPUText.h"
+#include "gpu/GPUSleepGate.h"
+#include "gpu/GPUText.h"
 
 #include <cstdint>
 #include <cstdlib>

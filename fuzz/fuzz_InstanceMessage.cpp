@@ -1,4 +1,5 @@
-#include "app/InstanceMessage.h"
+#include "instance/InstanceMessage.h"
+#include "platform/ActivationToken.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "OffscreenApplication.h"
 
-#include "cards/Markdown.h"
+#include "ui/Markdown.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 #include "OffscreenApplication.h"
 
-#include "app/DBusMenu.h"
+#include "tray/DBusMenu.h"
 
 #include <QMenu>
 

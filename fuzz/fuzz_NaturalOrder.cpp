@@ -1,4 +1,4 @@
-#include "telemetry/NaturalOrder.h"
+#include "chip/NaturalOrder.h"
 
 #include "platform/KernelText.h"
 

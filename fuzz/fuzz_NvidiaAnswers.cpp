@@ -1,4 +1,4 @@
-#include "telemetry/NvidiaLibrary.h"
+#include "gpu/NvidiaLibrary.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "telemetry/PackageEnergy.h"
+#include "cpu/PackageEnergy.h"
 
 #include "platform/KernelText.h"
 

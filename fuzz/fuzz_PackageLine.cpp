@@ -1,4 +1,4 @@
-#include "app/PackageLine.h"
+#include "updates/PackageLine.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#include "sampling/MemorySampler.h"
-#include "sampling/ProcMemInfo.h"
+#include "memory/MemorySampler.h"
+#include "memory/ProcMemInfo.h"
 
 #include <array>
 #include <cstddef>

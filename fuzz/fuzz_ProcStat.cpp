@@ -1,5 +1,5 @@
-#include "sampling/CPUCoreSampler.h"
-#include "sampling/ProcStat.h"
+#include "cpu/CPUCoreSampler.h"
+#include "cpu/ProcStat.h"
 
 #include <algorithm>
 #include <cstddef>

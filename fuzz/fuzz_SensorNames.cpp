@@ -1,4 +1,4 @@
-#include "telemetry/ThermalSampler.h"
+#include "chip/ThermalSampler.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "OffscreenApplication.h"
 
-#include "cards/TextLayout.h"
+#include "ui/TextLayout.h"
 
 #include <QFont>
 #include <QImage>

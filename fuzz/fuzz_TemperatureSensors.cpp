@@ -1,4 +1,4 @@
-#include "telemetry/TemperatureSensors.h"
+#include "chip/TemperatureSensors.h"
 
 #include "platform/KernelText.h"
 

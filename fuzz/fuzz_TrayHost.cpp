@@ -1,4 +1,4 @@
-#include "app/TrayHost.h"
+#include "tray/TrayHost.h"
 
 #include <algorithm>
 #include <cstdint>

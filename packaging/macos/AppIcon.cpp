@@ -1,7 +1,7 @@
 #include "packaging/macos/AppIcon.h"
 
-#include "cards/Logo.h"
-#include "cards/Theme.h"
+#include "ui/Logo.h"
+#include "ui/Theme.h"
 
 #include <QPainter>
 

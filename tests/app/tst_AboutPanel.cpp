@@ -1,6 +1,6 @@
 #include "app/AboutPanel.h"
-#include "cards/Theme.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QAccessible>
 #include <QApplication>

@@ -1,8 +1,10 @@
 #include "app/Commands.h"
-#include "app/PanelButton.h"
-#include "app/UpdateSettings.h"
-#include "app/UpdaterManager.h"
+
+#include "settings/UpdateSettings.h"
 #include "support/ScriptedUpdater.h"
+#include "ui/ContextMenu.h"
+#include "ui/PanelButton.h"
+#include "updates/UpdaterManager.h"
 
 #include <QAction>
 #include <QApplication>

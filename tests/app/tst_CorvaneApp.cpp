@@ -1,11 +1,11 @@
 #include "app/CorvaneApp.h"
 
 #include "app/AboutPanel.h"
-#include "app/MainWindow.h"
-#include "app/SettingsWindow.h"
-#include "app/UpdateSettings.h"
-#include "app/WindowLifecycleCoordinator.h"
 #include "cards/MemoryCard.h"
+#include "dashboard/MainWindow.h"
+#include "settings/SettingsWindow.h"
+#include "settings/UpdateSettings.h"
+#include "windows/WindowLifecycleCoordinator.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

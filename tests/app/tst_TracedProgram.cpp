@@ -1,11 +1,11 @@
-#include "app/DBusMenuTypes.h"
-#include "app/SettingsTabs.h"
 #include "history/PersistedMetric.h"
+#include "settings/SettingsTabs.h"
 #include "support/FakeTray.h"
 #include "support/OwnMounts.h"
 #include "support/PrivateBus.h"
 #include "support/SystemCalls.h"
 #include "support/VirtualDisplay.h"
+#include "tray/DBusMenuTypes.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,9 @@
 #include "cards/AIWorkloadsCard.h"
 #include "cards/FrameworkColor.h"
 #include "cards/RowList.h"
-#include "cards/Theme.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -20,9 +20,9 @@ struct Shown {
         card.QWidget::show();
     }
 
-    SpokenText row(int index) const
+    AccessibleText row(int index) const
     {
-        return card.list()->spokenTexts()[static_cast<std::size_t>(index)];
+        return card.list()->accessibleTexts()[static_cast<std::size_t>(index)];
     }
 
     AIWorkloadsCard card;
@@ -73,7 +73,7 @@ void TestAIWorkloadsCard::saysThatThereIsNone()
     Shown shown;
     const auto texts = [&shown] {
         QStringList values;
-        for (const SpokenText &text : shown.card.spokenTexts())
+        for (const AccessibleText &text : shown.card.accessibleTexts())
             values.append(text.value);
         return values;
     };
@@ -93,7 +93,7 @@ void TestAIWorkloadsCard::countsAndListsThem()
 {
     Shown shown;
     shown.card.show(scriptedWorkloads());
-    QCOMPARE(shown.card.spokenText(u"AI workloads"_s), u"3 active"_s);
+    QCOMPARE(shown.card.accessibleText(u"AI workloads"_s), u"3 active"_s);
     QCOMPARE(shown.card.list()->rowCount(), 3);
     QCOMPARE(shown.row(0).name, u"llama.cpp, llama-server"_s);
     QCOMPARE(shown.row(0).value, u"Qwen2.5-32B-Instruct-Q4_K_M.gguf, 20.94 GB, pid 48213"_s);

@@ -1,5 +1,5 @@
 #include "cards/CardText.h"
-#include "cards/Theme.h"
+#include "ui/Theme.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,5 +1,5 @@
 #include "cards/InfoTexts.h"
-#include "cards/Markdown.h"
+#include "ui/Markdown.h"
 
 #include <QTest>
 

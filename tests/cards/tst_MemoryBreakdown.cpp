@@ -1,5 +1,5 @@
 #include "cards/MemoryBreakdown.h"
-#include "cards/Theme.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 #include "cards/MemoryCard.h"
-#include "cards/Theme.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -27,9 +27,9 @@ struct Shown {
         card.show(current, {{.timestamp = 0, .memory = memory}, current});
     }
 
-    SpokenText text(const QString &name) const
+    AccessibleText text(const QString &name) const
     {
-        for (const SpokenText &text : card.spokenTexts()) {
+        for (const AccessibleText &text : card.accessibleTexts()) {
             if (text.name == name)
                 return text;
         }
@@ -66,7 +66,7 @@ void TestMemoryCard::readsTheSnapshot()
 {
     Shown shown;
     shown.card.show(scriptedCurrent(), scriptedHistory());
-    QCOMPARE(shown.card.spokenTexts().front().value, u"Unified Memory"_s);
+    QCOMPARE(shown.card.accessibleTexts().front().value, u"Unified Memory"_s);
     QCOMPARE(shown.text(u"Memory used in percent"_s).value, u"71"_s);
     QCOMPARE(shown.text(u"App"_s).value, u"38.94 GB"_s); // Not reduced.
     QCOMPARE(shown.text(u"Wired"_s).value, u"6.41 GB"_s);
@@ -96,7 +96,7 @@ void TestMemoryCard::namesThePressure()
     Shown shown;
     shown.show({.total = gib, .pressure = MemoryPressure::warning});
     shown.show({.total = gib, .pressure = pressure});
-    const SpokenText badge = shown.text(u"Memory pressure"_s);
+    const AccessibleText badge = shown.text(u"Memory pressure"_s);
     QTEST(badge.value, "name");
     for (const double scale : {1.0, 2.0}) {
         // The dot lies 5 before the text; bounds are 2 wider than the text.
@@ -215,7 +215,7 @@ void TestMemoryCard::chartsTheUsedShare()
     Shown shown;
     shown.show({.total = 100, .used = 50});
     QCOMPARE(shown.card.chart()->geometry(), QRect(16, 168, 585, 78));
-    QVERIFY(shown.card.chart()->spokenValue().endsWith(u", 50%"_s));
+    QVERIFY(shown.card.chart()->accessibleValue().endsWith(u", 50%"_s));
     const QImage image = rendered(shown.card, 2);
     // The line is 2 wide, at half of the chart.
     QVERIFY(isClose(pixelAt(image, 300, 207), Theme::memory(), 6));

@@ -1,8 +1,8 @@
 #include "cards/PowerCard.h"
-#include "cards/Theme.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -116,7 +116,7 @@ void TestPowerCard::raisesItsScaleUnseen()
     Shown shown;
     shown.card.recomputeYMax(steady(30));
     QCOMPARE(shown.card.stableYMax(), 40.0);
-    QCOMPARE(shown.card.spokenText(u"Power"_s), QString());
+    QCOMPARE(shown.card.accessibleText(u"Power"_s), QString());
 }
 
 void TestPowerCard::tellsPeakAndTemperature_data()
@@ -136,10 +136,10 @@ void TestPowerCard::tellsPeakAndTemperature()
     History history = steady(12.4);
     history.back().chip->packageTempC = package;
     shown.show(history);
-    QTEST(shown.card.spokenText(u"Power"_s), "expected");
+    QTEST(shown.card.accessibleText(u"Power"_s), "expected");
     history.back().chip.reset();
     shown.show(history);
-    QVERIFY(!shown.card.spokenText(u"Power"_s).contains(u"pkg"_s));
+    QVERIFY(!shown.card.accessibleText(u"Power"_s).contains(u"pkg"_s));
 }
 
 void TestPowerCard::stacksItsBands_data()
@@ -177,11 +177,11 @@ void TestPowerCard::saysTheHoveredValues()
     history.back() = sample(60, 9.3, 29.92, 0.38);
     shown.show(history);
     // Without a cursor a chart speaks of its newest sample.
-    QCOMPARE(shown.card.chart()->spokenValue().section(u", "_s, 1),
+    QCOMPARE(shown.card.chart()->accessibleValue().section(u", "_s, 1),
              u"39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
     history.back().chip.reset();
     shown.show(history);
-    QVERIFY(shown.card.chart()->spokenValue().contains(u"0.00 W"_s));
+    QVERIFY(shown.card.chart()->accessibleValue().contains(u"0.00 W"_s));
 }
 
 void TestPowerCard::showsItsLegend()
@@ -226,8 +226,8 @@ void TestPowerCard::bearsHugePower()
         metrics.chip =
             ChipReading{.cpuWatts = 123456, .gpuWatts = 133, .aneWatts = 134, .packageTempC = 104};
     shown.show(history);
-    QCOMPARE(shown.card.spokenText(u"Power"_s), u"peak 123723.0 W · pkg 104°C"_s);
-    for (const SpokenText &text : shown.card.spokenTexts())
+    QCOMPARE(shown.card.accessibleText(u"Power"_s), u"peak 123723.0 W · pkg 104°C"_s);
+    for (const AccessibleText &text : shown.card.accessibleTexts())
         QVERIFY(text.place.left() >= 0 && text.place.right() <= 437);
     // Empty, single and backwards histories draw no series.
     shown.card.show({}, {});

@@ -1,8 +1,8 @@
 #include "cards/ProcessCard.h"
 #include "cards/RowList.h"
-#include "cards/Theme.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -22,9 +22,9 @@ struct Shown {
         card.QWidget::show();
     }
 
-    SpokenText row(int index) const
+    AccessibleText row(int index) const
     {
-        return card.list()->spokenTexts()[static_cast<std::size_t>(index)];
+        return card.list()->accessibleTexts()[static_cast<std::size_t>(index)];
     }
 
     ProcessCard card;
@@ -74,14 +74,14 @@ void TestProcessCard::saysThatThereIsNothing()
 {
     Shown card;
     QVERIFY(!card.card.list()->isVisible());
-    QCOMPARE(card.card.spokenTexts().back().value, u"No process data yet"_s);
+    QCOMPARE(card.card.accessibleTexts().back().value, u"No process data yet"_s);
     card.card.show(scriptedProcesses(), 64 * gib);
     QVERIFY(card.card.list()->isVisible());
-    QCOMPARE(card.card.spokenTexts().size(), std::size_t(1));
+    QCOMPARE(card.card.accessibleTexts().size(), std::size_t(1));
     card.card.show({}, 64 * gib);
     QVERIFY(!card.card.list()->isVisible());
     QCOMPARE(card.card.list()->rowCount(), 0);
-    QCOMPARE(card.card.spokenTexts().back().value, u"No process data yet"_s);
+    QCOMPARE(card.card.accessibleTexts().back().value, u"No process data yet"_s);
 }
 
 void TestProcessCard::listsEveryProcess()

@@ -1,6 +1,6 @@
 #include "cards/RowList.h"
-#include "cards/Theme.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -33,7 +33,7 @@ struct List {
                       },
                   .speak =
                       [](int row) {
-                          return SpokenText{u"row %1"_s.arg(row), u"x"_s};
+                          return AccessibleText{u"row %1"_s.arg(row), u"x"_s};
                       }},
                  nullptr};
 };
@@ -186,7 +186,7 @@ void TestRowList::keepsRowsApart()
                           const QColor color = row % 2 == 0 ? Qt::red : Qt::blue;
                           painter.fillRect(place.adjusted(-50, -50, 50, 50), color);
                       },
-                  .speak = [](int) { return SpokenText{}; }},
+                  .speak = [](int) { return AccessibleText{}; }},
                  nullptr);
     list.resize(100, 110);
     list.setRowCount(5); // The last two fade.
@@ -262,7 +262,7 @@ void TestRowList::speaksEveryRow()
 {
     List list(20);
     list.list.scrollTo(40);
-    const std::vector<SpokenText> texts = list.list.spokenTexts();
+    const std::vector<AccessibleText> texts = list.list.accessibleTexts();
     QCOMPARE(texts.size(), std::size_t(20));
     QCOMPARE(texts[3].name, u"row 3"_s);
     QCOMPARE(texts[3].place, QRectF(16, 20, 268, 20));

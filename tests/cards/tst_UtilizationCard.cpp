@@ -1,9 +1,9 @@
-#include "cards/Theme.h"
 #include "cards/UtilizationCard.h"
 #include "charts/CoreBars.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QAccessible>
 #include <QMouseEvent>
@@ -83,7 +83,7 @@ void TestUtilizationCard::readsLikeItsKind()
     Shown shown(kind);
     shown.card.show(scriptedCurrent(), scriptedHistory());
     QStringList texts;
-    for (const SpokenText &text : shown.card.spokenTexts())
+    for (const AccessibleText &text : shown.card.accessibleTexts())
         texts.append(text.value);
     QTEST(texts, "texts");
 }
@@ -126,7 +126,7 @@ void TestUtilizationCard::keepsBarsStillWhenTheFigureGrows()
     const QRect before = cpu.card.coreBars()->geometry();
     cpu.show({.cpuActiveFraction = 1, .cpuCoreUtilizations = {0.5}});
     QCOMPARE(cpu.card.coreBars()->geometry(), before);
-    for (const SpokenText &text : cpu.card.spokenTexts())
+    for (const AccessibleText &text : cpu.card.accessibleTexts())
         QVERIFY(text.value != u"100%"_s || text.place.right() <= before.left());
 }
 
@@ -146,7 +146,7 @@ void TestUtilizationCard::dimsAnAbsentFigure()
     shown.show({});
     QVERIFY(strength(shown) > 245);
     shown.card.show({}, {});
-    QCOMPARE(shown.card.spokenText(u"Load"_s), u"0%"_s);
+    QCOMPARE(shown.card.accessibleText(u"Load"_s), u"0%"_s);
     QVERIFY(strength(shown) < 190);
 }
 
@@ -192,12 +192,12 @@ void TestUtilizationCard::saysTheHoveredValues()
                 .gpuActiveFraction = 0.9,
                 .cpuActiveMHz = megahertz});
     hover(*shown.card.chart(), 5);
-    const QString spoken = shown.card.chart()->spokenValue();
+    const QString spoken = shown.card.chart()->accessibleValue();
     QTEST(spoken.section(u", "_s, 1), "values");
     QCOMPARE(spoken.section(u", "_s, 0, 0).size(), 8); // The time of the sample.
     // A sample without a reading shows 0.
     shown.card.show({.timestamp = 60}, {{.timestamp = 0}, {.timestamp = 60}});
-    QVERIFY(shown.card.chart()->spokenValue().contains(u"0%, 0.00W"_s));
+    QVERIFY(shown.card.chart()->accessibleValue().contains(u"0%, 0.00W"_s));
 }
 
 void TestUtilizationCard::repaintsOnlyWhatChanged()

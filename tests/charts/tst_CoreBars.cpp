@@ -1,6 +1,6 @@
-#include "cards/Theme.h"
 #include "charts/CoreBars.h"
 #include "support/Rendering.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -235,9 +235,9 @@ void TestCoreBars::speaks()
 {
     CoreBars bars;
     bars.show({.values = {0.123, 1.4, -1}, .color = Theme::cpu()});
-    QCOMPARE(bars.spokenValue(), u"0: 12%, 1: 100%, 2: 0%"_s);
+    QCOMPARE(bars.accessibleValue(), u"0: 12%, 1: 100%, 2: 0%"_s);
     bars.show({.color = Theme::cpu()});
-    QCOMPARE(bars.spokenValue(), QString());
+    QCOMPARE(bars.accessibleValue(), QString());
 }
 
 void TestCoreBars::manyCoresAndHostileNumbers()

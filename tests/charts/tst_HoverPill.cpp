@@ -1,7 +1,7 @@
-#include "cards/TextLayout.h"
-#include "cards/Theme.h"
 #include "charts/HoverPill.h"
 #include "support/Rendering.h"
+#include "ui/TextLayout.h"
+#include "ui/Theme.h"
 
 #include <QTest>
 
@@ -148,9 +148,9 @@ void TestHoverPill::paintsEachComponentInItsColor()
 
 void TestHoverPill::speaks()
 {
-    QCOMPARE(spokenText(powerPill()), u"14:05:15, 39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
-    QCOMPARE(spokenText(utilizationPill()), u"14:05:03, 39%, 13.89W, 3.08GHz"_s);
-    QCOMPARE(spokenText({}), QString());
+    QCOMPARE(accessibleText(powerPill()), u"14:05:15, 39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
+    QCOMPARE(accessibleText(utilizationPill()), u"14:05:03, 39%, 13.89W, 3.08GHz"_s);
+    QCOMPARE(accessibleText({}), QString());
 }
 
 void TestHoverPill::emptyContentIsStillABox()

@@ -1,8 +1,8 @@
-#include "cards/TextLayout.h"
-#include "cards/Theme.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "support/Rendering.h"
+#include "ui/TextLayout.h"
+#include "ui/Theme.h"
 
 #include <QApplication>
 #include <QEnterEvent>
@@ -641,13 +641,13 @@ void TestSparkline::speaksOfTheCursorOrTheNewest()
 {
     Sparkline chart;
     chart.resize(300, 100);
-    QCOMPARE(chart.spokenValue(), QString());
+    QCOMPARE(chart.accessibleValue(), QString());
     chart.setHoverPill(indexPill);
-    QCOMPARE(chart.spokenValue(), QString());
+    QCOMPARE(chart.accessibleValue(), QString());
     chart.show(plain({}));
-    QCOMPARE(chart.spokenValue(), u"3, 42%"_s);
+    QCOMPARE(chart.accessibleValue(), u"3, 42%"_s);
     hover(chart, 90);
-    QCOMPARE(chart.spokenValue(), u"1, 42%"_s);
+    QCOMPARE(chart.accessibleValue(), u"1, 42%"_s);
 }
 
 void TestSparkline::repaintsOnlyChanges()

@@ -1,8 +1,7 @@
 # These run on a display, a bus and a home of their own. Under AddressSanitizer whole stacks are kept of what
 # is allocated: libraries without frame pointers would cut them off before a function that lsan.supp can name.
 foreach(name Desktop WaylandSession)
-  corvane_test(desktop/tst_${name} SYSTEM linux
-               SOURCES support/AccessibilityBus.cpp support/DrivenProgram.cpp LINK corvane::app)
+  corvane_test(desktop/tst_${name} SYSTEM linux LINK corvane::app)
   if(TARGET tst_${name})
     target_compile_definitions(
       tst_${name} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>"

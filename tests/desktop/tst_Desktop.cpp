@@ -1,8 +1,8 @@
-#include "app/ReadOut.h"
-#include "app/TrayPicture.h"
-#include "cards/Theme.h"
-#include "sampling/MemorySampler.h"
+#include "memory/MemorySampler.h"
 #include "support/DrivenProgram.h"
+#include "tray/TrayPicture.h"
+#include "ui/MetricText.h"
+#include "ui/Theme.h"
 
 #include <QFile>
 #include <QPainter>

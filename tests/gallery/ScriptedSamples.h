@@ -2,7 +2,7 @@
 
 #include "processes/AIWorkload.h"
 #include "processes/ProcessRow.h"
-#include "sampling/SystemMetrics.h"
+#include "records/SystemMetrics.h"
 
 #include <vector>
 

@@ -5,23 +5,23 @@
 // Without a scale it runs itself at 1 and at 2, since the scale of a program is set at its start.
 
 #include "app/AboutPanel.h"
-#include "app/LaunchAtLoginManager.h"
-#include "app/MainWindow.h"
-#include "app/SettingsWindow.h"
-#include "app/UpdaterManager.h"
 #include "cards/AIWorkloadsCard.h"
-#include "cards/InfoButton.h"
-#include "cards/InfoPopover.h"
 #include "cards/InfoTexts.h"
 #include "cards/MemoryCard.h"
 #include "cards/PowerCard.h"
 #include "cards/ProcessCard.h"
-#include "cards/Theme.h"
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
+#include "dashboard/MainWindow.h"
 #include "gallery/ScriptedSamples.h"
+#include "login/LaunchAtLoginManager.h"
+#include "settings/SettingsWindow.h"
 #include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
+#include "ui/InfoButton.h"
+#include "ui/InfoPopover.h"
+#include "ui/Theme.h"
+#include "updates/UpdaterManager.h"
 
 #include <QApplication>
 #include <QDir>

@@ -5,5 +5,5 @@ else()
 endif()
 # The arguments are there to be found by the test.
 corvane_test(live/tst_LiveMac SYSTEM mac simulated-mac ARGUMENTS -maxwarnings 1000
-             SOURCES ${live_mac} LINK corvane::telemetry corvane::processes)
-corvane_test(live/tst_MachineCapture SYSTEM linux LINK corvane::telemetry)
+             SOURCES ${live_mac} LINK corvane::memory corvane::chip corvane::processes)
+corvane_test(live/tst_MachineCapture SYSTEM linux LINK corvane::chip)

@@ -1,9 +1,9 @@
+#include "chip/ChipIdentity.h"
+#include "chip/ChipSource.h"
 #include "live/LiveMac.h"
+#include "memory/MemorySampler.h"
 #include "processes/ProcessBridge.h"
 #include "processes/ProcessSampler.h"
-#include "sampling/MemorySampler.h"
-#include "telemetry/ChipIdentity.h"
-#include "telemetry/ChipSource.h"
 
 #include <QTest>
 

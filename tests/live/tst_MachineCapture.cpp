@@ -1,10 +1,10 @@
-#include "sampling/CoreTicks.h"
-#include "sampling/MemoryCounters.h"
+#include "chip/ChipName.h"
+#include "chip/ChipSource.h"
+#include "cpu/CoreTicks.h"
+#include "gpu/GPUDevices.h"
+#include "memory/MemoryCounters.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"
-#include "telemetry/ChipName.h"
-#include "telemetry/ChipSource.h"
-#include "telemetry/GPUDevices.h"
 
 #include <QDir>
 #include <QDirIterator>

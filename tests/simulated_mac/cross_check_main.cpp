@@ -1,16 +1,16 @@
 // Refers to everything that the Apple sources without Qt offer, so that the linker must find all
 // that they call.
 
+#include "chip/ChipName.h"
+#include "chip/FrequencyTables.h"
+#include "chip/IOReportBridge.h"
+#include "chip/ThermalBridge.h"
+#include "cpu/CoreTicks.h"
+#include "memory/MemoryCounters.h"
 #include "platform/BootClock.h"
 #include "platform/HostSystem.h"
 #include "platform/ThreadPriority.h"
 #include "processes/ProcessBridge.h"
-#include "sampling/CoreTicks.h"
-#include "sampling/MemoryCounters.h"
-#include "telemetry/ChipName.h"
-#include "telemetry/FrequencyTables.h"
-#include "telemetry/IOReportBridge.h"
-#include "telemetry/ThermalBridge.h"
 
 using namespace corvane;
 

@@ -1,5 +1,5 @@
+#include "chip/ChipIdentity.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipIdentity.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
+#include "chip/ChipSource.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipSource.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "sampling/CPUCoreSampler.h"
+#include "cpu/CPUCoreSampler.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

@@ -1,13 +1,13 @@
 // Every platform call of the Apple sources made to fail, one at a time and all at random, with
 // everything above them running: nothing may crash, and all that was handed out comes back.
 
+#include "chip/ChipIdentity.h"
+#include "chip/ChipSource.h"
+#include "cpu/CPUCoreSampler.h"
+#include "memory/MemorySampler.h"
 #include "platform/ThreadPriority.h"
 #include "processes/ProcessBridge.h"
-#include "sampling/CPUCoreSampler.h"
-#include "sampling/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipIdentity.h"
-#include "telemetry/ChipSource.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
+#include "chip/FrequencyTables.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/FrequencyTables.h"
 
 #include <QTest>
 

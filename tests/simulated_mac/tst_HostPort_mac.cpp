@@ -1,8 +1,8 @@
 // The host port is asked for once for the life of the process: being without one needs a process of
 // its own.
 
-#include "sampling/CPUCoreSampler.h"
-#include "sampling/MemorySampler.h"
+#include "cpu/CPUCoreSampler.h"
+#include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

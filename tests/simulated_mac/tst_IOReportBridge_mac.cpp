@@ -1,5 +1,5 @@
+#include "chip/IOReportBridge.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/IOReportBridge.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
-#include "sampling/MemorySampler.h"
+#include "chip/ChipSource.h"
+#include "memory/MemorySampler.h"
 #include "simulated_mac/LivelyLoad.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipSource.h"
 
 #include <QTest>
 

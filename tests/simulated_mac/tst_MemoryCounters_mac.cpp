@@ -1,4 +1,4 @@
-#include "sampling/MemorySampler.h"
+#include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

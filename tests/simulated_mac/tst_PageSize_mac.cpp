@@ -1,7 +1,7 @@
 // The page size is read once for the life of the process: not knowing it needs a process of its
 // own.
 
-#include "sampling/MemorySampler.h"
+#include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

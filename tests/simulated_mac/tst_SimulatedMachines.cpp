@@ -2,9 +2,9 @@
 // reading of them. The expected values are worked out here from what each channel gains in a
 // second; residencies are in tenths of millions of 24 MHz ticks, so that a second has 240 of them.
 
-#include "sampling/MemorySampler.h"
+#include "chip/ChipSource.h"
+#include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ChipSource.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
+#include "chip/ThermalBridge.h"
 #include "simulated_mac/SimulatedMac.h"
-#include "telemetry/ThermalBridge.h"
 
 #include <QTest>
 

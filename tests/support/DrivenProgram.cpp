@@ -1,6 +1,6 @@
 #include "support/DrivenProgram.h"
 
-#include "cards/Theme.h"
+#include "ui/Theme.h"
 
 #include <QGuiApplication>
 #include <QPixmap>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SingleInstance.h"
+#include "instance/SingleInstance.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/LoginItem.h"
+#include "login/LoginItem.h"
 
 namespace corvane::test {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SystemUpdater.h"
+#include "updates/SystemUpdater.h"
 
 namespace corvane::test {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sampling/MemorySnapshot.h"
+#include "records/MemorySnapshot.h"
 
 #include <QStringList>
 

@@ -2,6 +2,11 @@
 add_library(corvane_test_support STATIC support/Machines.cpp support/MachineTree.cpp support/ProcessState.cpp)
 target_link_libraries(corvane_test_support PUBLIC corvane_flags Qt6::Test Qt6::Widgets Qt6::Svg)
 if(NOT CORVANE_SYSTEM STREQUAL "mac")
+  target_sources(corvane_test_support PRIVATE support/AccessibilityBus.cpp support/BusMonitor.cpp support/DrivenProgram.cpp
+                                              support/FakePackageKit.cpp support/FakeTray.cpp support/PrivateBus.cpp
+                                              support/VirtualDisplay.cpp)
+  set_source_files_properties(support/DrivenProgram.cpp PROPERTIES COMPILE_DEFINITIONS
+                                                                   CORVANE_PROGRAM="$<TARGET_FILE:corvane>")
   target_link_libraries(corvane_test_support PUBLIC Qt6::DBus)
 endif()
 if(CORVANE_SYSTEM STREQUAL "simulated-mac")
@@ -13,7 +18,8 @@ set_source_files_properties(
                                   SKIP_PRECOMPILE_HEADERS ON)
 target_precompile_headers(corvane_test_support PRIVATE <QSignalSpy> <QTest>)
 if(CORVANE_SYSTEM STREQUAL "linux")
-  target_sources(corvane_test_support PRIVATE support/AccessWatch_linux.cpp)
+  target_sources(corvane_test_support PRIVATE support/AccessWatch_linux.cpp support/OwnMounts.cpp
+                                              support/SystemCalls.cpp)
 
   # The linker puts FaultyCalls between our objects and the C library.
   add_library(corvane_faulty_calls INTERFACE)

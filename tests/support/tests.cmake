@@ -1,1 +1,1 @@
-corvane_test(support/tst_SystemCalls SYSTEM linux SOURCES support/SystemCalls.cpp)
+corvane_test(support/tst_SystemCalls SYSTEM linux)

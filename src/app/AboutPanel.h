@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/AboutTexts.h"
+#include "cards/CardText.h"
+
+namespace corvane {
+
+/// Shows the about panel, or brings it to the front: the system's own on a Mac, elsewhere an
+/// `AboutPanel`. There is at most one. Main thread.
+void showAboutPanel();
+
+/// Who the program is: its sign, name and version, what it reads, whose it is. A window of its own;
+/// main thread. Escape closes it; its text can be copied.
+class AboutPanel : public AccessibleWidget {
+    Q_OBJECT
+
+public:
+    explicit AboutPanel(const AboutTexts &texts = AboutTexts::current(), QWidget *parent = nullptr);
+
+    std::vector<AccessibleText> accessibleTexts() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void addLine(const QString &text, const QFont &font, const QColor &color, double baseline);
+    void copy() const;
+
+    std::vector<CardText> m_lines; ///< From top to bottom.
+};
+
+} // namespace corvane

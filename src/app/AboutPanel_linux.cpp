@@ -1,0 +1,19 @@
+#include "app/AboutPanel.h"
+
+#include "windows/WindowTools.h"
+
+#include <QPointer>
+
+namespace corvane {
+
+void showAboutPanel()
+{
+    static QPointer<AboutPanel> panel; // Gone when it is closed.
+    if (!isOpen(panel)) {
+        panel = new AboutPanel;
+        deleteOnClose(*panel);
+    }
+    bringForward(*panel);
+}
+
+} // namespace corvane

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "login/LaunchAtLoginManager.h"
+#include "sampler/AppSettings.h"
+#include "sampler/SystemSampler.h"
+#include "updates/UpdaterManager.h"
+
+namespace corvane {
+
+/// What lives as long as the program, in the order in which it is made. Made once by the
+/// application before anything is shown; main thread.
+struct AppState {
+    AppSettings settings;            ///< From the stored preferences.
+    SystemSampler sampler{settings}; ///< Samples from here on.
+    LaunchAtLoginManager launch;
+    UpdaterManager updater;
+};
+
+} // namespace corvane

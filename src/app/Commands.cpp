@@ -1,0 +1,76 @@
+#include "app/Commands.h"
+
+#include "updates/UpdaterManager.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A newer version that was found is told where everybody passes by: in the menus.
+QString updatesText(const std::optional<QString> &availableVersion)
+{
+    return availableVersion ? u"Corvane %1 Is Available…"_s.arg(*availableVersion)
+                            : u"Check for Updates…"_s;
+}
+
+QAction *makeLine(QObject *parent)
+{
+    auto *line = new QAction(parent);
+    line->setSeparator(true);
+    return line;
+}
+
+} // namespace
+
+Commands::Commands(QObject *parent, HostSystem system)
+    : QObject(parent),
+      m_openWindow(new QAction(u"Open Window"_s, this)),
+      m_about(new QAction(u"About Corvane"_s, this)),
+      m_checkForUpdates(new QAction(updatesText({}), this)),
+      m_settings(new QAction(u"Settings…"_s, this)),
+      m_quit(new QAction(u"Quit"_s, this)),
+      m_lines{makeLine(this), makeLine(this)}
+{
+    m_openWindow->setMenuRole(QAction::NoRole);
+    m_about->setMenuRole(QAction::AboutRole);
+    m_checkForUpdates->setMenuRole(QAction::ApplicationSpecificRole);
+    m_settings->setMenuRole(QAction::PreferencesRole);
+    m_quit->setMenuRole(QAction::QuitRole);
+
+    m_settings->setShortcut(Qt::CTRL | Qt::Key_Comma);
+    m_quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    if (system == HostSystem::linuxDesktop)
+        m_about->setShortcut(Qt::Key_F1);
+}
+
+void Commands::follow(const UpdaterManager &updater)
+{
+    m_checkForUpdates->setEnabled(updater.canCheck());
+    connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
+    const auto showAvailable = [this, &updater] {
+        m_checkForUpdates->setText(updatesText(updater.availableVersion()));
+    };
+    connect(&updater, &UpdaterManager::availableVersionChanged, m_checkForUpdates, showAvailable);
+    showAvailable();
+}
+
+QList<QAction *> Commands::inMenuOrder() const
+{
+    return {m_openWindow, m_lines[0], m_about, m_checkForUpdates, m_settings, m_lines[1], m_quit};
+}
+
+std::unique_ptr<QMenuBar> Commands::makeMenuBar() const
+{
+    auto bar = std::make_unique<QMenuBar>();
+    bar->addMenu(u"File"_s)->addActions({m_about, m_checkForUpdates, m_settings, m_quit});
+    bar->addMenu(u"Window"_s)->addAction(m_openWindow);
+    return bar;
+}
+
+} // namespace corvane

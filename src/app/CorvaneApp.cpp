@@ -1,0 +1,198 @@
+#include "app/CorvaneApp.h"
+
+#include "app/AboutPanel.h"
+#include "app/DisplayGuard.h"
+#include "app/QuitSignals.h"
+#include "bus/SessionBus.h"
+#include "dashboard/MainWindow.h"
+#include "instance/ApplicationService.h"
+#include "instance/InstanceSocket.h"
+#include "instance/SingleInstance.h"
+#include "platform/Heap.h"
+#include "settings/SettingsWindow.h"
+#include "windows/WindowTools.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenuBar>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// For the session bus to answer a start; a running one takes a fraction of a millisecond.
+constexpr auto busPatience = 3s;
+
+/// What the system's stores of preferences, windows and buses know the program by.
+void nameProgram()
+{
+    QCoreApplication::setOrganizationName(u"Corvane"_s);
+    QCoreApplication::setOrganizationDomain(u"corvane.github.io"_s);
+    QCoreApplication::setApplicationName(u"Corvane"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
+}
+
+/// The exit status of a start that is not the first; nothing for the first.
+std::optional<int> statusOfLaterStart(const SingleInstance &instance)
+{
+    switch (instance.standing()) {
+    case SingleInstance::Standing::first:
+        return std::nullopt;
+    case SingleInstance::Standing::second:
+        return EXIT_SUCCESS;
+    case SingleInstance::Standing::unanswered:
+        break;
+    }
+    std::fputs("Corvane is already running, but it does not answer.\n", stderr);
+    return EXIT_FAILURE;
+}
+
+/// The application; without a display the process ends here.
+std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
+{
+    const DisplayGuard guard;
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+} // namespace
+
+CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
+{
+    connectCommands();
+    connectLabel();
+    connectPanel();
+    if (hostSystem() == HostSystem::mac)
+        m_menuBar = m_commands.makeMenuBar();
+}
+
+CorvaneApp::~CorvaneApp()
+{
+    delete m_settings;
+    delete m_mainWindow;
+}
+
+void CorvaneApp::openMainWindow()
+{
+    if (!isOpen(m_mainWindow)) {
+        m_mainWindow = new MainWindow;
+        deleteOnClose(*m_mainWindow);
+        connectMainWindow();
+    }
+    bringForward(*m_mainWindow);
+}
+
+void CorvaneApp::openSettings()
+{
+    if (!isOpen(m_settings)) {
+        m_settings = new SettingsWindow(m_state.launch, m_state.updater);
+        deleteOnClose(*m_settings);
+        m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
+    }
+    bringForward(*m_settings);
+}
+
+/// Where the system's updater has no windows of its own, the settings say what it finds.
+void CorvaneApp::checkForUpdates()
+{
+    if (hostSystem() == HostSystem::linuxDesktop) {
+        openSettings();
+        m_settings->showTab(SettingsTab::updates);
+    }
+    m_state.updater.checkForUpdates();
+}
+
+void CorvaneApp::connectCommands()
+{
+    connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
+    connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
+    connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
+    m_commands.follow(m_state.updater);
+    connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
+}
+
+void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
+{
+    const auto open = [this](const QByteArray &activationToken) {
+        useActivationToken(activationToken);
+        openMainWindow();
+    };
+    connect(&socket, &InstanceSocket::openRequested, this, open);
+    connect(&service, &ApplicationService::openRequested, this, open);
+    connect(&service, &ApplicationService::quitRequested, qApp, &QCoreApplication::quit);
+    connect(&service, &ApplicationService::anotherAnswered, qApp, &QCoreApplication::quit);
+}
+
+void CorvaneApp::connectLabel()
+{
+    const auto show = [this] { m_label.show(m_state.sampler.current()); };
+    connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
+    connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
+    connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
+    // A program that runs and shows nothing is a defect.
+    connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
+    show();
+}
+
+void CorvaneApp::connectPanel()
+{
+    const auto show = [this] { m_panel.show(m_state.sampler.current()); };
+    connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
+    connect(&m_panel, &MenuBarContent::openWindowRequested, m_commands.openWindow(),
+            &QAction::trigger);
+    connect(&m_panel, &MenuBarContent::quitRequested, m_commands.quit(), &QAction::trigger);
+    m_panel.addActions(m_commands.inMenuOrder());
+    show();
+}
+
+void CorvaneApp::connectMainWindow()
+{
+    const SystemSampler &sampler = m_state.sampler;
+    MainWindow *window = m_mainWindow;
+    window->addActions(m_commands.inMenuOrder());
+    const auto showSamples = [&sampler, window] {
+        window->show(sampler.current(), sampler.history());
+    };
+    const auto showProcesses = [&sampler, window] { window->showProcesses(sampler.processes()); };
+    const auto showWorkloads = [&sampler, window] { window->showWorkloads(sampler.aiWorkloads()); };
+    connect(&sampler, &SystemSampler::historyChanged, window, showSamples);
+    connect(&sampler, &SystemSampler::processesChanged, window, showProcesses);
+    connect(&sampler, &SystemSampler::aiWorkloadsChanged, window, showWorkloads);
+    showSamples();
+    showProcesses();
+    showWorkloads();
+}
+
+int run(int argc, char **argv)
+{
+    shareOneHeap();
+    nameProgram();
+    ignoreBrokenPipes();
+    startNoSessionBus();
+    const InstanceMessage message = messageOfThisStart();
+    const SingleInstance instance(message);
+    if (const auto status = statusOfLaterStart(instance))
+        return *status;
+
+    hideHangingBus(busPatience);
+    const auto application = makeApplication(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QuitSignals quitSignals;
+    CorvaneApp corvane;
+    const InstanceSocket socket(instance.socketPath());
+    const ApplicationService service(message.activationToken);
+    corvane.obey(socket, service);
+    return QApplication::exec();
+}
+
+} // namespace corvane

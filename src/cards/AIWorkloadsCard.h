@@ -1,0 +1,41 @@
+#pragma once
+
+#include "cards/Card.h"
+#include "processes/AIWorkload.h"
+
+namespace corvane {
+
+class RowList;
+
+/// The processes that were recognised as local AI inference, with framework, model and memory.
+/// Told its data; main thread.
+class AIWorkloadsCard : public Card {
+    Q_OBJECT
+
+public:
+    explicit AIWorkloadsCard(QWidget *parent = nullptr);
+
+    using QWidget::show;
+    void show(const std::vector<AIWorkload> &workloads);
+
+    RowList *list() const { return m_list; }
+
+protected:
+    void layOut() override;
+    void paintShapes(QPainter &painter, const QRect &dirty) override;
+
+private:
+    void showEmptyState(bool empty);
+    AccessibleText spokenRow(int index) const;
+    void paintRow(QPainter &painter, int index, const QRectF &place) const;
+    QRectF tagRect() const;
+    QRectF emptyIconRect() const;
+
+    CardText &m_count;
+    CardText &m_emptyLine;
+    CardText &m_emptyHint;
+    RowList *m_list;
+    std::vector<AIWorkload> m_workloads; ///< Names and models made safe for one line.
+};
+
+} // namespace corvane

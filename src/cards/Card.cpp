@@ -1,0 +1,165 @@
+#include "cards/Card.h"
+
+#include "ui/CardStyle.h"
+#include "ui/Icon.h"
+#include "ui/InfoButton.h"
+#include "ui/Theme.h"
+#include "ui/WindowBackground.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int iconSide = 16;
+constexpr int iconGap = 6;
+constexpr double titleBaseline = 29;
+constexpr double statBaseline = 28.55;
+constexpr int statGap = 8; ///< Between a text of the header line and the info glyph.
+
+} // namespace
+
+Card::Card(const Heading &heading, const InfoText &info, QWidget *parent)
+    : AccessibleWidget(parent),
+      m_heading(heading),
+      m_infoButton(new InfoButton(info, this))
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(heading.title);
+    addText({.text = heading.title,
+             .font = Theme::systemFont(13, QFont::DemiBold),
+             .color = heading.color,
+             .digits = Digits::proportional,
+             .baseline = {CardStyle::padding + iconSide + iconGap, titleBaseline}});
+}
+
+std::vector<AccessibleText> Card::accessibleTexts() const
+{
+    std::vector<AccessibleText> texts;
+    for (const CardText &text : m_texts) {
+        if (text.isSpoken())
+            texts.push_back(text.spoken());
+    }
+    return texts;
+}
+
+QString Card::accessibleText(const QString &name) const
+{
+    const auto found = std::ranges::find(m_texts, name, &CardText::name);
+    return found == m_texts.end() ? QString() : found->text;
+}
+
+CardText &Card::addText(const CardText &text)
+{
+    return m_texts.emplace_back(text);
+}
+
+void Card::say(CardText &text, const QString &words)
+{
+    say(text, words, text.color);
+}
+
+void Card::say(CardText &text, const QString &words, const QColor &color)
+{
+    if (text.text == words && text.color == color)
+        return;
+    update(text.bounds().toAlignedRect());
+    text.text = words;
+    text.color = color;
+    update(text.bounds().toAlignedRect());
+
+    int index = 0;
+    for (const CardText &other : m_texts) {
+        if (&other == &text && other.isSpoken())
+            announceText(index);
+        index += other.isSpoken() ? 1 : 0;
+    }
+}
+
+void Card::moveText(CardText &text, const QPointF &baseline)
+{
+    if (text.baseline == baseline)
+        return;
+    update(text.bounds().toAlignedRect());
+    text.baseline = baseline;
+    update(text.bounds().toAlignedRect());
+}
+
+void Card::updateShape(const QRectF &before, const QRectF &now)
+{
+    update((before | now).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+QPointF Card::headerStatEnd() const
+{
+    return {m_infoButton->x() + InfoButton::glyph().left() - statGap, statBaseline};
+}
+
+double Card::headerStatWidth() const
+{
+    return headerStatEnd().x() - titleText().bounds().right() - statGap;
+}
+
+CardText Card::headerStat(const QString &name)
+{
+    return {.name = name,
+            .font = Theme::systemFont(11),
+            .color = Theme::textSecondary(),
+            .side = Qt::AlignRight};
+}
+
+double Card::contentLeft() const
+{
+    return CardStyle::padding;
+}
+
+double Card::contentRight() const
+{
+    return width() - CardStyle::padding;
+}
+
+void Card::paintShapes(QPainter &, const QRect &) { }
+
+void Card::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRect dirty = event->rect();
+    paintWindowBackground(painter, *this, event->region());
+    CardStyle::paint(painter, rect(), dirty);
+
+    const QRectF icon(CardStyle::padding, CardStyle::padding + (headerHeight - iconSide) / 2.0,
+                      iconSide, iconSide);
+    if (icon.intersects(dirty))
+        paintIcon(painter, m_heading.symbol, icon, m_heading.color);
+    paintShapes(painter, dirty);
+    for (const CardText &text : m_texts) {
+        if (!text.text.isEmpty() && text.bounds().intersects(dirty))
+            text.paint(painter);
+    }
+}
+
+void Card::resizeEvent(QResizeEvent *)
+{
+    placeHeader();
+    layOut();
+    update();
+}
+
+void Card::moveEvent(QMoveEvent *)
+{
+    update(); // Another piece of the background lies beneath it.
+}
+
+void Card::placeHeader()
+{
+    constexpr double middle = CardStyle::padding + headerHeight / 2.0;
+    const QRectF glyph = InfoButton::glyph();
+    m_infoButton->move(qRound(contentRight() - glyph.right()), qRound(middle - glyph.center().y()));
+}
+
+} // namespace corvane

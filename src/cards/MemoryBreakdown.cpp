@@ -1,0 +1,31 @@
+#include "cards/MemoryBreakdown.h"
+
+#include "ui/Theme.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory)
+{
+    const double total = memory.total == 0 ? 1 : static_cast<double>(memory.total);
+    const auto wired = static_cast<double>(memory.wired);
+    const auto compressed = static_cast<double>(memory.compressed);
+    // The app figure counts wired and compressed memory too; these have pieces of their own.
+    const double apps = std::max(static_cast<double>(memory.appMemory) - wired - compressed, 0.0);
+
+    std::array<MemorySegment, 4> segments{
+        MemorySegment{wired / total, Theme::withOpacity(Theme::memory(), 0.95)},
+        MemorySegment{apps / total, Theme::withOpacity(Qt::white, 0.85)},
+        MemorySegment{compressed / total, Theme::withOpacity(Theme::cpu(), 0.85)},
+        MemorySegment{static_cast<double>(memory.cached) / total,
+                      Theme::withOpacity(Qt::white, 0.18)}};
+    double sum = 0;
+    for (MemorySegment &segment : segments) {
+        segment.fraction = std::min(std::max(segment.fraction, 0.0), std::max(1 - sum, 0.0));
+        sum += segment.fraction;
+    }
+    return segments;
+}
+
+} // namespace corvane

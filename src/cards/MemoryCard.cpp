@@ -1,0 +1,298 @@
+#include "cards/MemoryCard.h"
+
+#include "cards/HistoryChart.h"
+#include "cards/InfoTexts.h"
+#include "charts/HoverTime.h"
+#include "charts/Sparkline.h"
+#include "ui/ByteFormatter.h"
+#include "ui/CardStyle.h"
+#include "ui/NumberText.h"
+#include "ui/PixelGrid.h"
+#include "ui/RoundedBox.h"
+#include "ui/Theme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr double badgeBaseline = 28.5;
+constexpr double badgeDotSize = 6;
+constexpr double badgeGap = 5;
+constexpr double figureBaseline = 79.55;
+constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
+constexpr double percentGap = 3;
+constexpr double barTop = 94;
+constexpr double barHeight = 10;
+constexpr double chipTop = 116;
+constexpr double chipHeight = 14;
+constexpr double chipBaseline = 126.45;
+constexpr double chipDotSize = 6;
+constexpr double chipGap = 4; ///< Dot to label and label to value.
+constexpr double swapBaseline = 152.55;
+constexpr double swapGap = 6;
+constexpr int chartTop = 168;
+
+QString pressureText(MemoryPressure pressure)
+{
+    switch (pressure) {
+    case MemoryPressure::warning:
+        return u"WARNING"_s;
+    case MemoryPressure::critical:
+        return u"CRITICAL"_s;
+    case MemoryPressure::normal:
+        break;
+    }
+    return u"NORMAL"_s;
+}
+
+const QColor &pressureColor(MemoryPressure pressure)
+{
+    switch (pressure) {
+    case MemoryPressure::warning:
+        return Theme::gpu();
+    case MemoryPressure::critical:
+        return Theme::critical();
+    case MemoryPressure::normal:
+        break;
+    }
+    return Theme::memory();
+}
+
+QString swapText(const MemorySnapshot &memory)
+{
+    if (memory.swapTotal == 0)
+        return u"off"_s;
+    const ByteFormatter &bytes = ByteFormatter::f();
+    return bytes.string(memory.swapUsed) + u" / "_s + bytes.string(memory.swapTotal);
+}
+
+} // namespace
+
+double chipSpacing(double rowWidth, double chipsWidth)
+{
+    return std::clamp(std::floor((rowWidth - chipsWidth) / 3), 8.0, 18.0);
+}
+
+MemoryCard::MemoryCard(QWidget *parent)
+    : Card({u"memorychip"_s, u"Unified Memory"_s, Theme::memory()}, infoText(InfoTopic::memory),
+           parent),
+      m_badge(addText({.name = u"Memory pressure"_s,
+                       .font = Theme::systemFont(10, QFont::DemiBold),
+                       .side = Qt::AlignRight})),
+      m_figure(addText({.name = u"Memory used in percent"_s,
+                        .font = Theme::systemFont(44, QFont::DemiBold),
+                        .color = Theme::textPrimary(),
+                        .digits = Digits::proportional})),
+      m_percentSign(addText({.text = u"%"_s,
+                             .font = Theme::systemFont(22, QFont::Medium),
+                             .color = Theme::textSecondary(),
+                             .silent = true})),
+      m_chips{addChip(u"App"_s, Theme::withOpacity(Qt::white, 0.85)),
+              addChip(u"Wired"_s, Theme::withOpacity(Theme::memory(), 0.9)),
+              addChip(u"Compressed"_s, Theme::withOpacity(Theme::cpu(), 0.9)),
+              addChip(u"Cached"_s, Theme::textTertiary())},
+      m_swapLabel(addText({.text = u"Swap"_s,
+                           .font = Theme::systemFont(11),
+                           .color = Theme::textTertiary(),
+                           .silent = true})),
+      m_swap(addText(
+          {.name = u"Swap"_s, .font = Theme::systemFont(11), .color = Theme::textSecondary()})),
+      m_chart(new Sparkline(this)),
+      m_segments(breakdownSegments({}))
+{
+    m_badge.font.setLetterSpacing(QFont::AbsoluteSpacing, 0.3);
+    m_figure.font.setLetterSpacing(QFont::AbsoluteSpacing, -1);
+    m_chart->setAccessibleName(u"Memory used over time"_s);
+    m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
+}
+
+MemoryCard::Chip MemoryCard::addChip(const QString &label, const QColor &color)
+{
+    CardText &caption = addText({.text = label,
+                                 .font = Theme::systemFont(10),
+                                 .color = Theme::textSecondary(),
+                                 .silent = true});
+    CardText &value = addText({.name = label,
+                               .font = Theme::systemFont(10, QFont::DemiBold),
+                               .color = Theme::textPrimary()});
+    return {color, &caption, &value, label};
+}
+
+void MemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+{
+    showFigures(current.memory);
+    showChart(history);
+}
+
+void MemoryCard::showFigures(const MemorySnapshot &memory)
+{
+    const QRectF previousDot = badgeDot();
+    const QColor previousColor = m_badge.color;
+    say(m_badge, pressureText(memory.pressure), pressureColor(memory.pressure));
+    if (m_badge.color != previousColor)
+        updateShape(previousDot, badgeDot());
+
+    say(m_figure, fixedText(usedPercent(memory), 0));
+    placeFigure();
+    say(m_swap, swapText(memory));
+
+    const ByteFormatter &bytes = ByteFormatter::f();
+    const std::array<std::uint64_t, 4> counts{memory.appMemory, memory.wired, memory.compressed,
+                                              memory.cached};
+    for (std::size_t i = 0; i < m_chips.size(); ++i)
+        say(*m_chips[i].value, bytes.string(counts[i]));
+    placeChips();
+
+    const std::array<MemorySegment, 4> segments = breakdownSegments(memory);
+    if (segments != m_segments)
+        update(breakdownBar().toAlignedRect());
+    m_segments = segments;
+}
+
+void MemoryCard::showChart(const std::vector<SystemMetrics> &history)
+{
+    SparklineData chart = historyChart(history);
+    SparklineSeries series{.lineColor = Theme::memory(),
+                           .lineWidth = 2,
+                           .fillColors = {Theme::withOpacity(Theme::memory(), 0.55),
+                                          Theme::withOpacity(Theme::memory(), 0.05)}};
+    m_samples.clear();
+    for (const SystemMetrics &sample : history) {
+        m_samples.push_back({sample.timestamp, usedPercent(sample.memory)});
+        series.values.push_back(m_samples.back().percent);
+    }
+    chart.series.push_back(std::move(series));
+    chart.yDomain = {0, 100};
+    m_chart->show(std::move(chart));
+}
+
+PillContent MemoryCard::pill(std::size_t index) const
+{
+    if (index >= m_samples.size())
+        return {};
+    const Sample &sample = m_samples[index];
+    return {HoverTime::string(sample.timestamp),
+            {valuesRow({percentText(sample.percent)}, Theme::memory())}};
+}
+
+void MemoryCard::layOut()
+{
+    m_badge.baseline = {headerStatEnd().x(), badgeBaseline};
+    m_figure.baseline = {contentLeft() + figureShift, figureBaseline};
+    placeFigure();
+    placeChips();
+    m_swapLabel.baseline = {contentLeft(), swapBaseline};
+    m_swap.baseline = {contentLeft() + m_swapLabel.width() + swapGap, swapBaseline};
+    m_swap.mostWidth = contentRight() - m_swap.baseline.x();
+    m_chart->setGeometry(CardStyle::padding, chartTop, width() - 2 * CardStyle::padding,
+                         height() - CardStyle::padding - chartTop);
+}
+
+void MemoryCard::placeFigure()
+{
+    moveText(m_percentSign,
+             {m_figure.baseline.x() + m_figure.width() + percentGap, figureBaseline});
+}
+
+void MemoryCard::placeChips()
+{
+    constexpr double leastSpacing = 8;
+    const double rowWidth = contentRight() - contentLeft();
+    const auto labelWidth = [](const Chip &chip) {
+        return textWidth(chip.fullLabel, chip.label->font);
+    };
+    double chipsWidth = 0;
+    for (const Chip &chip : m_chips)
+        chipsWidth += chipDotSize + 2 * chipGap + labelWidth(chip) + chip.value->width();
+    const double spacing = chipSpacing(rowWidth, chipsWidth);
+
+    // What is missing even at the least spacing is taken from the labels, the rightmost first.
+    double missing = std::max(chipsWidth + 3 * leastSpacing - rowWidth, 0.0);
+    std::array<double, 4> most = {};
+    for (std::size_t i = m_chips.size(); i-- > 0;) {
+        const double whole = labelWidth(m_chips[i]);
+        const double least = textWidth(u"…"_s, m_chips[i].label->font);
+        most[i] = std::max(whole - missing, std::min(least, whole));
+        missing -= whole - most[i];
+    }
+
+    double x = contentLeft();
+    for (std::size_t i = 0; i < m_chips.size(); ++i) {
+        Chip &chip = m_chips[i];
+        chip.label->mostWidth = most[i] < labelWidth(chip) ? most[i] : 0;
+        const QRectF dotBefore = chipDot(chip);
+        moveText(*chip.label, {x + chipDotSize + chipGap, chipBaseline});
+        if (chipDot(chip) != dotBefore)
+            updateShape(dotBefore, chipDot(chip));
+        const double valueLeft = chip.label->baseline.x() + most[i] + chipGap;
+        moveText(*chip.value, {valueLeft, chipBaseline});
+        x = valueLeft + chip.value->width() + spacing;
+    }
+}
+
+QRectF MemoryCard::breakdownBar() const
+{
+    return {contentLeft(), barTop, contentRight() - contentLeft(), barHeight};
+}
+
+QRectF MemoryCard::badgeDot() const
+{
+    const double left = m_badge.baseline.x() - m_badge.width() - badgeGap - badgeDotSize;
+    const double top = CardStyle::padding + (headerHeight - badgeDotSize) / 2;
+    return {left, top, badgeDotSize, badgeDotSize};
+}
+
+QRectF MemoryCard::chipDot(const Chip &chip) const
+{
+    return {chip.label->baseline.x() - chipGap - chipDotSize,
+            chipTop + (chipHeight - chipDotSize) / 2, chipDotSize, chipDotSize};
+}
+
+void MemoryCard::paintShapes(QPainter &painter, const QRect &dirty)
+{
+    painter.setPen(Qt::NoPen);
+    const auto paintDot = [&painter, &dirty](const QRectF &dot, const QColor &color) {
+        painter.setBrush(color);
+        if (dot.intersects(dirty))
+            painter.drawEllipse(dot);
+    };
+    if (!m_badge.text.isEmpty())
+        paintDot(badgeDot(), m_badge.color);
+    for (const Chip &chip : m_chips)
+        paintDot(chipDot(chip), chip.color);
+    if (breakdownBar().intersects(dirty))
+        paintBreakdownBar(painter);
+}
+
+void MemoryCard::paintBreakdownBar(QPainter &painter) const
+{
+    const QRectF bar = breakdownBar();
+    painter.save();
+    // Each piece is the capsule cut to the piece's width: a clip path would leave ragged ends.
+    const auto fill = [&](double from, double to, const QColor &color) {
+        const double left =
+            snappedToPixels(painter, QPointF(bar.left() + bar.width() * from, 0)).x();
+        const double right =
+            snappedToPixels(painter, QPointF(bar.left() + bar.width() * to, 0)).x();
+        if (right <= left)
+            return;
+        painter.setClipRect(QRectF(left, bar.top(), right - left, bar.height()));
+        fillRounded(painter, bar, barHeight / 2, color);
+    };
+    fill(0, 1, Theme::track());
+    double from = 0;
+    for (const MemorySegment &segment : m_segments) {
+        fill(from, from + segment.fraction, segment.color);
+        from += segment.fraction;
+    }
+    painter.restore();
+}
+
+} // namespace corvane

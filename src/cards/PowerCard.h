@@ -1,0 +1,60 @@
+#pragma once
+
+#include "cards/Card.h"
+#include "charts/HoverPill.h"
+#include "records/SystemMetrics.h"
+
+#include <array>
+
+namespace corvane {
+
+class Sparkline;
+
+/// The highest total of the window in watts, each sample averaged with its neighbours so that a
+/// single spike does not set the scale. 0 for an empty history.
+double peakTotal(const std::vector<SystemMetrics> &history);
+
+/// Upper bound of a chart with that peak: some room above it, rounded up to an even figure.
+double powerScale(double peak);
+
+/// The chip's compute power as a stacked chart of CPU, GPU and Neural Engine. Its scale only grows
+/// while the card lives. Told its data; main thread.
+class PowerCard : public Card {
+    Q_OBJECT
+
+public:
+    explicit PowerCard(QWidget *parent = nullptr);
+
+    using QWidget::show;
+
+    /// History oldest first.
+    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+
+    /// Raises the scale as `show` does, without showing anything.
+    void recomputeYMax(const std::vector<SystemMetrics> &history);
+
+    double stableYMax() const { return m_stableYMax; }
+    Sparkline *chart() const { return m_chart; }
+
+protected:
+    void layOut() override;
+    void paintShapes(QPainter &painter, const QRect &dirty) override;
+
+private:
+    /// Watts of one sample.
+    struct Sample {
+        double timestamp = 0;
+        std::array<double, 3> watts = {}; ///< CPU, GPU, ANE.
+    };
+
+    void showChart(const std::vector<SystemMetrics> &history);
+    PillContent pill(std::size_t index) const;
+
+    double m_stableYMax = 5;
+    CardText &m_stat;
+    std::array<CardText *, 3> m_legend;
+    Sparkline *m_chart;
+    std::vector<Sample> m_samples;
+};
+
+} // namespace corvane

@@ -1,0 +1,123 @@
+#include "cards/ProcessCard.h"
+
+#include "cards/InfoTexts.h"
+#include "cards/RowList.h"
+#include "ui/ByteFormatter.h"
+#include "ui/CardStyle.h"
+#include "ui/NumberText.h"
+#include "ui/RoundedBox.h"
+#include "ui/Theme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int rowHeight = 20;
+constexpr int listFoot = 8; ///< Between the list and the card's bottom edge.
+constexpr double columnGap = 10;
+constexpr double nameWidth = 130;
+constexpr double bytesWidth = 60;
+constexpr double shareWidth = 38;
+constexpr double baseline = 13.55; ///< From a row's top.
+constexpr double barHeight = 6;
+constexpr double shortestFill = 2;
+
+} // namespace
+
+double footprintFraction(std::uint64_t memory, std::uint64_t largest)
+{
+    return largest == 0 ? 0 : static_cast<double>(memory) / static_cast<double>(largest);
+}
+
+ProcessCard::ProcessCard(QWidget *parent)
+    : Card({u"list.bullet.rectangle.portrait"_s, u"Top Processes by RAM"_s, Theme::textPrimary()},
+           infoText(InfoTopic::processes), parent),
+      m_empty(addText({.text = u"No process data yet"_s,
+                       .font = Theme::systemFont(11),
+                       .color = Theme::textSecondary(),
+                       .side = Qt::AlignHCenter})),
+      m_list(new RowList(
+          u"Processes"_s,
+          {.height = rowHeight,
+           .margin = CardStyle::padding,
+           .paint = [this](QPainter &painter, int row,
+                           const QRectF &place) { paintRow(painter, row, place); },
+           .speak =
+               [this](int row) {
+                   const Row &shown = m_rows[static_cast<std::size_t>(row)];
+                   return AccessibleText{shown.name, shown.bytes + u", "_s + shown.share};
+               }},
+          this))
+{
+    m_list->hide();
+}
+
+void ProcessCard::show(const std::vector<ProcessRow> &processes, std::uint64_t totalMemory)
+{
+    const std::uint64_t largest = processes.empty() ? 0 : processes.front().memory;
+    std::vector<Row> rows;
+    rows.reserve(processes.size());
+    for (const ProcessRow &process : processes) {
+        rows.push_back({singleLine(process.name), ByteFormatter::f().string(process.memory),
+                        fixedText(footprintFraction(process.memory, totalMemory) * 100, 1) + u'%',
+                        std::min(footprintFraction(process.memory, largest), 1.0)});
+    }
+    say(m_empty, rows.empty() ? u"No process data yet"_s : QString());
+
+    const std::vector<Row> previous = std::exchange(m_rows, std::move(rows));
+    m_list->setRowCount(static_cast<int>(m_rows.size()));
+    m_list->setVisible(!m_rows.empty());
+    for (std::size_t i = 0; i < std::min(previous.size(), m_rows.size()); ++i) {
+        if (previous[i] != m_rows[i])
+            m_list->updateRow(static_cast<int>(i));
+    }
+}
+
+void ProcessCard::layOut()
+{
+    m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
+    const double middle = (bodyTop + height() - CardStyle::padding) / 2.0;
+    m_empty.baseline = {width() / 2.0, TextLine{middle, 0}.baseline(m_empty.font)};
+}
+
+void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) const
+{
+    const Row &row = m_rows[static_cast<std::size_t>(index)];
+    const double base = place.top() + baseline;
+    CardText text{.text = row.name,
+                  .font = Theme::systemFont(11),
+                  .color = Theme::textPrimary(),
+                  .baseline = {place.left(), base},
+                  .mostWidth = nameWidth};
+    text.paint(painter);
+
+    const double shareEnd = place.right();
+    const double bytesEnd = shareEnd - shareWidth - columnGap;
+    const double barLeft = place.left() + nameWidth + columnGap;
+    const double barEnd = bytesEnd - bytesWidth - columnGap;
+    const QRectF bar(barLeft, place.center().y() - barHeight / 2, barEnd - barLeft, barHeight);
+    fillRounded(painter, bar, barHeight / 2, Theme::track());
+
+    QRectF fill = bar;
+    fill.setWidth(std::max(bar.width() * row.fraction, shortestFill));
+    QLinearGradient gradient(fill.topLeft(), fill.topRight());
+    gradient.setColorAt(0, Theme::withOpacity(Theme::memory(), 0.85));
+    gradient.setColorAt(1, Theme::withOpacity(Theme::memory(), 0.45));
+    painter.setBrush(gradient);
+    const double radius = std::min(barHeight, fill.width()) / 2;
+    painter.drawRoundedRect(fill, radius, barHeight / 2);
+
+    painter.setPen(Theme::textSecondary());
+    const QFont font = Theme::systemFont(10);
+    drawTextRight(painter, {bytesEnd, base}, row.bytes, font);
+    painter.setPen(Theme::textTertiary());
+    drawTextRight(painter, {shareEnd, base}, row.share, font);
+}
+
+} // namespace corvane

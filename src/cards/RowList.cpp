@@ -1,0 +1,223 @@
+#include "cards/RowList.h"
+
+#include "ui/RoundedBox.h"
+#include "ui/Theme.h"
+
+#include <QKeyEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+constexpr double thumbWidth = 4;
+constexpr double thumbInset = 6; ///< From the right edge.
+constexpr double ringInset = 3;  ///< From both side edges: no row and no thumb is under the ring.
+constexpr double shortestThumb = 24;
+constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
+
+} // namespace
+
+int RowGeometry::mostOffset() const
+{
+    return std::max(contentHeight() - viewHeight, 0);
+}
+
+int RowGeometry::top(int row, int offset) const
+{
+    return row * (rowHeight + gap) - offset;
+}
+
+std::pair<double, double> RowGeometry::thumb(int offset) const
+{
+    if (mostOffset() == 0)
+        return {0, 0};
+    const double view = viewHeight;
+    const double height = std::min(std::max(view * view / contentHeight(), shortestThumb), view);
+    return {(view - height) * offset / mostOffset(), height};
+}
+
+RowList::RowList(const QString &name, Rows rows, QWidget *parent)
+    : AccessibleWidget(parent),
+      m_rows(std::move(rows))
+{
+    setAccessibleName(name);
+    setFocusPolicy(Qt::TabFocus);
+    m_geometry.rowHeight = m_rows.height;
+    m_geometry.gap = m_rows.gap;
+}
+
+void RowList::setRowCount(int count)
+{
+    if (count == m_geometry.count)
+        return;
+    m_geometry.count = count;
+    m_offset = std::min(m_offset, m_geometry.mostOffset());
+    update();
+}
+
+void RowList::updateRow(int row)
+{
+    const QRect place = rowRect(row).toAlignedRect();
+    if (place.intersects(rect()))
+        update(place);
+}
+
+void RowList::scrollTo(int offset)
+{
+    offset = std::clamp(offset, 0, m_geometry.mostOffset());
+    if (offset == m_offset)
+        return;
+    m_offset = offset;
+    update();
+}
+
+std::vector<AccessibleText> RowList::accessibleTexts() const
+{
+    std::vector<AccessibleText> texts;
+    for (int row = 0; row < m_geometry.count; ++row) {
+        texts.push_back(m_rows.speak(row));
+        texts.back().place = rowRect(row);
+    }
+    return texts;
+}
+
+QRectF RowList::rowRect(int row) const
+{
+    return QRectF(m_rows.margin, m_geometry.top(row, m_offset), width() - 2 * m_rows.margin,
+                  m_rows.height);
+}
+
+QRectF RowList::thumbRect() const
+{
+    const auto [top, height] = m_geometry.thumb(m_offset);
+    return {width() - thumbInset - thumbWidth, top, thumbWidth, height};
+}
+
+void RowList::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF dirty = event->rect();
+    QRectF plain = rect();
+    if (m_offset < m_geometry.mostOffset()) {
+        plain.setBottom(plain.bottom() - fadeHeight);
+        paintFade(painter, QRectF(rect()).adjusted(0, plain.height(), 0, 0));
+    }
+    painter.save();
+    paintRows(painter, plain & dirty);
+    painter.restore();
+
+    if (m_geometry.mostOffset() > 0)
+        fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb());
+    if (hasFocus())
+        paintFocusRing(painter, QRectF(rect()).adjusted(ringInset, 0, -ringInset, 0), 7);
+}
+
+void RowList::paintRows(QPainter &painter, const QRectF &part) const
+{
+    for (int row = 0; row < m_geometry.count; ++row) {
+        if (!rowRect(row).intersects(part))
+            continue;
+        // A name of nothing but stacked accents would reach far into other rows.
+        painter.setClipRect(rowRect(row) & part);
+        m_rows.paint(painter, row, rowRect(row));
+    }
+}
+
+void RowList::paintFade(QPainter &painter, const QRectF &part) const
+{
+    const double scale = painter.deviceTransform().m11();
+    QImage layer((part.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    layer.setDevicePixelRatio(scale);
+    layer.fill(Qt::transparent);
+    QPainter rows(&layer);
+    rows.setRenderHint(QPainter::Antialiasing);
+    rows.translate(-part.topLeft());
+    paintRows(rows, part);
+    QLinearGradient fade(part.topLeft(), part.bottomLeft());
+    fade.setColorAt(0, Qt::black);
+    fade.setColorAt(1, Qt::transparent);
+    rows.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    rows.fillRect(part, fade);
+    rows.end();
+    painter.drawImage(part.topLeft(), layer);
+}
+
+void RowList::resizeEvent(QResizeEvent *)
+{
+    m_geometry.viewHeight = height();
+    m_offset = std::min(m_offset, m_geometry.mostOffset());
+}
+
+void RowList::wheelEvent(QWheelEvent *event)
+{
+    int points = event->pixelDelta().y();
+    if (points == 0) {
+        m_wheelRest += event->angleDelta().y();
+        points = m_wheelRest / eighthsOfDegreePerPoint;
+        m_wheelRest %= eighthsOfDegreePerPoint;
+    }
+    scrollTo(m_offset - points);
+    event->accept();
+}
+
+void RowList::keyPressEvent(QKeyEvent *event)
+{
+    const int step = m_rows.height + m_rows.gap;
+    const int page = std::max(height() / step - 1, 1) * step;
+    switch (event->key()) {
+    case Qt::Key_Up:
+        return scrollTo(m_offset - step);
+    case Qt::Key_Down:
+        return scrollTo(m_offset + step);
+    case Qt::Key_PageUp:
+        return scrollTo(m_offset - page);
+    case Qt::Key_PageDown:
+        return scrollTo(m_offset + page);
+    case Qt::Key_Home:
+        return scrollTo(0);
+    case Qt::Key_End:
+        return scrollTo(m_geometry.mostOffset());
+    default:
+        AccessibleWidget::keyPressEvent(event);
+    }
+}
+
+void RowList::mousePressEvent(QMouseEvent *event)
+{
+    // A little wider than the thumb, which is thin.
+    if (thumbRect().adjusted(-thumbInset, 0, thumbInset, 0).contains(event->position()))
+        m_dragged = event->position().y() - thumbRect().top();
+}
+
+void RowList::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_dragged)
+        return;
+    const double way = height() - thumbRect().height();
+    if (way > 0)
+        scrollTo(qRound((event->position().y() - *m_dragged) / way * m_geometry.mostOffset()));
+}
+
+void RowList::mouseReleaseEvent(QMouseEvent *)
+{
+    m_dragged.reset();
+}
+
+void RowList::focusInEvent(QFocusEvent *)
+{
+    update();
+}
+
+void RowList::focusOutEvent(QFocusEvent *)
+{
+    update();
+}
+
+} // namespace corvane

@@ -1,0 +1,160 @@
+#include "cards/UtilizationCard.h"
+
+#include "cards/HistoryChart.h"
+#include "cards/InfoTexts.h"
+#include "charts/CoreBars.h"
+#include "charts/HoverTime.h"
+#include "charts/Sparkline.h"
+#include "ui/CardStyle.h"
+#include "ui/NumberText.h"
+#include "ui/Theme.h"
+
+#include <QtMath>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int bandHeight = 52; ///< Figure, subtitle and core bars; the same in all three kinds.
+constexpr int chartGap = 12;
+constexpr double figureBaseline = 74.45;
+constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
+constexpr double subtitleBaseline = 94.55;
+constexpr double figureColumn = 96; ///< At least.
+constexpr double barsGap = 16;
+constexpr double absentOpacity = 0.65; ///< An absent reading must not look like a true zero.
+
+struct Look {
+    Card::Heading heading = {};
+    InfoTopic topic = InfoTopic::cpu;
+};
+
+Look look(UtilizationKind kind)
+{
+    switch (kind) {
+    case UtilizationKind::cpu:
+        return {{u"cpu"_s, u"CPU"_s, Theme::cpu()}, InfoTopic::cpu};
+    case UtilizationKind::gpu:
+        return {{u"memorychip.fill"_s, u"GPU"_s, Theme::gpu()}, InfoTopic::gpu};
+    case UtilizationKind::ane:
+        break;
+    }
+    return {{u"brain.head.profile"_s, u"Neural Engine"_s, Theme::ane()}, InfoTopic::ane};
+}
+
+QString subtitleName(UtilizationKind kind)
+{
+    switch (kind) {
+    case UtilizationKind::cpu:
+        return u"Frequency"_s;
+    case UtilizationKind::gpu:
+        return u"Dominant state"_s;
+    case UtilizationKind::ane:
+        break;
+    }
+    return u"Power ceiling"_s;
+}
+
+} // namespace
+
+UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chip)
+    : Card(look(kind).heading, infoText(look(kind).topic), parent),
+      m_kind(kind),
+      m_color(look(kind).heading.color),
+      m_chip(chip),
+      m_stat(addText(headerStat(u"Power and temperature"_s))),
+      m_figure(addText({.name = u"Load"_s,
+                        .font = Theme::systemFont(34, QFont::DemiBold),
+                        .color = m_color,
+                        .digits = Digits::proportional})),
+      m_subtitle(addText({.name = subtitleName(kind),
+                          .font = Theme::systemFont(11),
+                          .color = Theme::textSecondary()})),
+      m_coreBars(new CoreBars(this)),
+      m_chart(new Sparkline(this))
+{
+    m_figure.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.8);
+    m_coreBars->hide();
+    m_coreBars->setAccessibleName(u"Load of the cores"_s);
+    m_chart->setAccessibleName(look(kind).heading.title + u" load over time"_s);
+    m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
+}
+
+void UtilizationCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+{
+    say(m_stat, unitStatText(m_kind, current.chip));
+    say(m_figure, percentText(loadPercent(m_kind, current.chip, m_chip)),
+        current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
+    say(m_subtitle,
+        singleLine(utilizationSubtitle(m_kind, current, history, m_chip).value_or(QString())));
+    showCores(current);
+    showChart(history);
+}
+
+void UtilizationCard::showChart(const std::vector<SystemMetrics> &history)
+{
+    SparklineData chart = historyChart(history);
+    SparklineSeries series{
+        .lineColor = m_color, .lineWidth = 1, .fillColors = {Theme::withOpacity(m_color, 0.55)}};
+    m_samples.clear();
+    for (const SystemMetrics &sample : history) {
+        m_samples.push_back({sample.timestamp, loadPercent(m_kind, sample.chip, m_chip),
+                             unitWatts(m_kind, sample.chip),
+                             sample.chip ? sample.chip->cpuActiveMHz : 0});
+        series.values.push_back(m_samples.back().percent);
+    }
+    chart.series.push_back(std::move(series));
+    chart.yDomain = {0, 100};
+    m_chart->show(std::move(chart));
+}
+
+void UtilizationCard::showCores(const SystemMetrics &current)
+{
+    if (m_kind != Kind::cpu)
+        return;
+    m_cores = current.chip ? current.chip->cpuCoreUtilizations : std::vector<double>();
+    m_coreBars->setVisible(!m_cores.empty());
+    fitCoreBars();
+}
+
+void UtilizationCard::fitCoreBars()
+{
+    m_coreBars->show(fittedCoreBars(m_cores, m_color, m_coreBars->width()));
+}
+
+PillContent UtilizationCard::pill(std::size_t index) const
+{
+    if (index >= m_samples.size())
+        return {};
+    const Sample &sample = m_samples[index];
+    QStringList values{percentText(sample.percent), tightWattsText(sample.watts, 2)};
+    if (m_kind == Kind::cpu)
+        values.append(frequencyText(sample.megahertz, {}));
+    return {HoverTime::string(sample.timestamp), {valuesRow(values, m_color)}};
+}
+
+void UtilizationCard::layOut()
+{
+    m_stat.baseline = headerStatEnd();
+    m_stat.mostWidth = headerStatWidth();
+    m_figure.baseline = {contentLeft() + figureShift, figureBaseline};
+    m_subtitle.baseline = {contentLeft(), subtitleBaseline};
+    const double widest = textWidth(u"100%"_s, m_figure.font, m_figure.digits);
+    const double column = std::max(figureColumn, widest + figureShift);
+    m_subtitle.mostWidth = m_kind == Kind::cpu ? column : contentRight() - contentLeft();
+
+    const int barsLeft = qCeil(contentLeft() + column + barsGap);
+    const int right = qFloor(contentRight());
+    m_coreBars->setGeometry(barsLeft, bodyTop, std::max(right - barsLeft, 0), bandHeight);
+    fitCoreBars();
+
+    constexpr int chartTop = bodyTop + bandHeight + chartGap;
+    m_chart->setGeometry(CardStyle::padding, chartTop, right - CardStyle::padding,
+                         height() - CardStyle::padding - chartTop);
+}
+
+} // namespace corvane

@@ -1,0 +1,331 @@
+#include "charts/Sparkline.h"
+
+#include "charts/ChartTime.h"
+#include "ui/PixelGrid.h"
+#include "ui/RoundedBox.h"
+#include "ui/TextLayout.h"
+#include "ui/Theme.h"
+
+#include <QKeyEvent>
+#include <QLinearGradient>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace corvane {
+
+namespace {
+
+const QFont &labelFont()
+{
+    static const QFont font = Theme::systemFont(9, QFont::Medium);
+    return font;
+}
+
+/// A single colour is flat; several run evenly from the top edge to the bottom edge. The flat one
+/// is a gradient too: Qt blends spans of a gradient more than twice as fast as those of a
+/// translucent colour.
+QBrush fillBrush(const std::vector<QColor> &colors, double height)
+{
+    if (colors.empty())
+        return Qt::NoBrush;
+    QLinearGradient gradient(0, 0, 0, height);
+    gradient.setColorAt(1, colors.back());
+    for (std::size_t i = 0; i + 1 < colors.size(); ++i)
+        gradient.setColorAt(static_cast<double>(i) / static_cast<double>(colors.size() - 1),
+                            colors[i]);
+    return gradient;
+}
+
+/// Round ends and joins. A join between nearly straight segments is the same as a mitred one to a
+/// fraction of a pixel, and Qt's stroker draws its round one twice, as a dot; a sharp one is cut.
+QPen linePen(const QColor &color, double width)
+{
+    constexpr double sharp = 1.5; ///< Length of the mitre, in line widths.
+    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(sharp);
+    return pen;
+}
+
+/// Paints an area and its line in strips, each clipped to whole device pixels and drawn a little
+/// beyond them, so that no seam shows. Measured with Qt's rasteriser and stroker, whose time grows
+/// faster than the length of an outline.
+void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill, const QPen &pen)
+{
+    constexpr double stripWidth = 120;
+    constexpr double overlap = 2;
+    const QPolygonF &line = shape.line;
+    const qsizetype last = line.size() - 1;
+    const double reach = overlap + pen.widthF();
+    const QRectF all = shape.fill.boundingRect().adjusted(-reach, -reach, reach, reach);
+    QPolygonF strip;
+    for (qsizetype from = 0, to = 0; from < last; from = to) {
+        while (to < last && line[to].x() < line[from].x() + stripWidth)
+            ++to;
+        qsizetype left = from;
+        while (left > 0 && line[left].x() > line[from].x() - overlap)
+            --left;
+        qsizetype right = to;
+        while (right < last && line[right].x() < line[to].x() + overlap)
+            ++right;
+
+        const double clipLeft = from > 0 ? line[from].x() : all.left();
+        const double clipRight = to < last ? line[to].x() : all.right();
+        const QPointF topLeft = snappedToPixels(painter, QPointF(clipLeft, all.top()));
+        const QPointF bottomRight = snappedToPixels(painter, QPointF(clipRight, all.bottom()));
+        painter.setClipRect(QRectF(topLeft, bottomRight));
+
+        strip = line.mid(left, right - left + 1);
+        const qsizetype points = strip.size();
+        for (qsizetype i = right; i >= left; --i)
+            strip.append(shape.fill[shape.fill.size() - 1 - i]); // The way back along the baseline.
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(fill);
+        painter.drawPolygon(strip, Qt::WindingFill);
+        painter.setPen(pen);
+        painter.drawPolyline(strip.constData(), static_cast<int>(points));
+    }
+    painter.setClipping(false);
+}
+
+/// The stop beside the one nearest to `x`, passing over others at the same place; the nearest
+/// itself at the end of the row. Stops ascend.
+double neighbour(const std::vector<double> &stops, double x, int direction)
+{
+    const double here =
+        *std::ranges::min_element(stops, {}, [x](double stop) { return std::abs(stop - x); });
+    if (direction > 0) {
+        const auto after = std::ranges::upper_bound(stops, here);
+        return after != stops.end() ? *after : here;
+    }
+    const auto atOrAfter = std::ranges::lower_bound(stops, here);
+    return atOrAfter != stops.begin() ? *std::prev(atOrAfter) : here;
+}
+
+} // namespace
+
+Sparkline::Sparkline(QWidget *parent) : QWidget(parent)
+{
+    setMouseTracking(true);
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void Sparkline::show(SparklineData chart)
+{
+    if (chart != m_data) {
+        m_data = std::move(chart);
+        m_prepared = false;
+        update();
+    }
+    updatePill();
+}
+
+void Sparkline::setHoverPill(PillBuilder builder)
+{
+    m_buildPill = std::move(builder);
+    updatePill();
+}
+
+std::optional<std::size_t> Sparkline::hoveredIndex() const
+{
+    if (!m_cursorX)
+        return std::nullopt;
+    return nearestIndex(m_data.timestamps, m_data.xDomain, *m_cursorX, width());
+}
+
+QString Sparkline::accessibleValue() const
+{
+    if (!m_buildPill || m_data.timestamps.empty())
+        return {};
+    return accessibleText(m_buildPill(hoveredIndex().value_or(m_data.timestamps.size() - 1)));
+}
+
+void Sparkline::resizeEvent(QResizeEvent *)
+{
+    m_prepared = false;
+    if (m_cursorX)
+        followPointer(*m_cursorX);
+}
+
+void Sparkline::hideEvent(QHideEvent *)
+{
+    setCursorX(std::nullopt);
+}
+
+void Sparkline::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LocaleChange) {
+        m_prepared = false;
+        update();
+    }
+    QWidget::changeEvent(event);
+}
+
+void Sparkline::enterEvent(QEnterEvent *event)
+{
+    followPointer(event->position().x());
+}
+
+void Sparkline::mouseMoveEvent(QMouseEvent *event)
+{
+    followPointer(event->position().x());
+}
+
+void Sparkline::leaveEvent(QEvent *)
+{
+    setCursorX(std::nullopt);
+}
+
+void Sparkline::keyPressEvent(QKeyEvent *event)
+{
+    if (!stepCursor(event->key()))
+        QWidget::keyPressEvent(event);
+}
+
+void Sparkline::focusInEvent(QFocusEvent *)
+{
+    update();
+}
+
+void Sparkline::focusOutEvent(QFocusEvent *)
+{
+    if (!underMouse())
+        setCursorX(std::nullopt);
+    update();
+}
+
+void Sparkline::followPointer(double x)
+{
+    setCursorX(x >= 0 && x <= width() ? std::optional(x) : std::nullopt);
+}
+
+void Sparkline::setCursorX(std::optional<double> x)
+{
+    if (x == m_cursorX)
+        return;
+    m_cursorX = x;
+    updatePill();
+    update();
+}
+
+/// Moves the cursor by the key; says whether the key was for it.
+bool Sparkline::stepCursor(int key)
+{
+    if (key == Qt::Key_Escape && m_cursorX) {
+        setCursorX(std::nullopt);
+        return true;
+    }
+    if (key != Qt::Key_Left && key != Qt::Key_Right && key != Qt::Key_Home && key != Qt::Key_End)
+        return false;
+
+    std::vector<double> stops;
+    for (const std::optional<double> column :
+         sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, size()})) {
+        if (column)
+            stops.push_back(*column);
+    }
+    if (stops.empty())
+        return true;
+
+    if (key == Qt::Key_Home)
+        setCursorX(stops.front());
+    else if (key == Qt::Key_End || !m_cursorX)
+        setCursorX(stops.back());
+    else
+        setCursorX(neighbour(stops, *m_cursorX, key == Qt::Key_Right ? 1 : -1));
+    return true;
+}
+
+void Sparkline::updatePill()
+{
+    const std::optional<std::size_t> index = hoveredIndex();
+    const bool shows = index && m_buildPill;
+    const bool changed = shows && m_pill.show(m_buildPill(*index));
+    if (changed || shows != m_showsPill)
+        update();
+    m_showsPill = shows;
+    announceChange(this);
+}
+
+void Sparkline::prepare()
+{
+    m_prepared = true;
+    m_timeLabels =
+        m_data.showsTimeLabels ? timeLabels(m_data.xDomain, locale()) : std::array<QString, 3>{};
+    m_layers.clear();
+    std::vector<SeriesShape> shapes = seriesShapes(m_data, size());
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+        const SparklineSeries &series = m_data.series[i];
+        m_layers.push_back({std::move(shapes[i]), fillBrush(series.fillColors, height()),
+                            linePen(series.lineColor, series.lineWidth)});
+    }
+}
+
+void Sparkline::paintEvent(QPaintEvent *)
+{
+    if (!m_prepared)
+        prepare();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (m_data.showsGrid)
+        fillHairline(painter, QRectF(0, height() * 0.5 - 0.5, width(), 1), Theme::chartGrid());
+    paintLayers(painter);
+    if (m_cursorX)
+        paintCursor(painter);
+    paintTimeLabels(painter);
+    if (m_showsPill)
+        paintPill(painter);
+    if (hasFocus())
+        paintFocusRing(painter, rect(), 4);
+}
+
+void Sparkline::paintLayers(QPainter &painter) const
+{
+    for (const Layer &layer : m_layers)
+        paintSeries(painter, layer.shape, layer.fill, layer.line);
+}
+
+void Sparkline::paintCursor(QPainter &painter) const
+{
+    QRectF line = snappedToPixels(painter, QRectF(*m_cursorX - 0.5, 0, 1, height()));
+    line.moveLeft(std::clamp(line.left(), 0.0, std::max(width() - line.width(), 0.0)));
+    fillHairline(painter, line, Theme::chartCursor());
+}
+
+void Sparkline::paintTimeLabels(QPainter &painter) const
+{
+    constexpr double inset = 4;
+    constexpr double tagMargin = 3;
+    constexpr double tagHeight = 12;
+    std::array<double, 3> widths = {};
+    std::ranges::transform(m_timeLabels, widths.begin(),
+                           [](const QString &label) { return textWidth(label, labelFont()); });
+    const double free = width() - 2 * inset - widths[0] - widths[1] - widths[2];
+    const std::array<double, 3> lefts = {inset, inset + widths[0] + free / 2,
+                                         width() - inset - widths[2]};
+    for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
+        if (m_timeLabels[i].isEmpty() || (i == 1 && free < 4 * tagMargin))
+            continue; // The middle one gives way where it would touch the others.
+        fillRounded(painter,
+                    QRectF(lefts[i] - tagMargin, height() - 1 - tagHeight,
+                           widths[i] + 2 * tagMargin, tagHeight),
+                    3, Theme::timeLabelTag());
+        painter.setPen(Theme::timeLabel());
+        drawText(painter, {lefts[i], height() - 3.75}, m_timeLabels[i], labelFont());
+    }
+}
+
+void Sparkline::paintPill(QPainter &painter) const
+{
+    const QSizeF size = m_pill.size();
+    const double x = clampedPillX(*m_cursorX, size.width() * 0.5, width());
+    const double y = pillY(size.height());
+    const QPointF origin(x - size.width() * 0.5, y - size.height() * 0.5);
+    m_pill.paint(painter, snappedToPixels(painter, origin));
+}
+
+} // namespace corvane

@@ -1,0 +1,66 @@
+#include "chip/FrequencyTables.h"
+
+#include "platform/CFOwned.h"
+
+#include <IOKit/IOKitLib.h>
+
+namespace corvane {
+
+namespace {
+
+/// An entry of the device registry, given back when it goes.
+class RegistryEntry {
+public:
+    explicit RegistryEntry(const char *name) : m_entry(find(name)) { }
+    ~RegistryEntry()
+    {
+        if (m_entry)
+            IOObjectRelease(m_entry);
+    }
+    RegistryEntry(const RegistryEntry &) = delete;
+    RegistryEntry &operator=(const RegistryEntry &) = delete;
+
+    /// The property of this name; null when there is none, or no such entry.
+    CFOwned<CFTypeRef> property(const std::string &name) const
+    {
+        const CFOwned<CFStringRef> key(
+            CFStringCreateWithCString(kCFAllocatorDefault, name.c_str(), kCFStringEncodingUTF8));
+        if (!m_entry || !key)
+            return nullptr;
+        return CFOwned<CFTypeRef>(
+            IORegistryEntryCreateCFProperty(m_entry, key.get(), kCFAllocatorDefault, 0));
+    }
+
+private:
+    static io_service_t find(const char *name)
+    {
+        // The dictionary is not owned here: looking for the service consumes it.
+        const CFMutableDictionaryRef matching = IOServiceNameMatching(name);
+        return matching ? IOServiceGetMatchingService(kIOMainPortDefault, matching) : 0;
+    }
+
+    io_service_t m_entry;
+};
+
+} // namespace
+
+std::vector<double> IORegistryReader::readPmgrFrequencies(const std::string &key)
+{
+    const CFOwned<CFTypeRef> property = RegistryEntry("pmgr").property(key);
+    if (!property || CFGetTypeID(property.get()) != CFDataGetTypeID())
+        return {};
+    const auto data = static_cast<CFDataRef>(property.get());
+    const UInt8 *bytes = CFDataGetBytePtr(data);
+    if (!bytes)
+        return {};
+    return parseScaledFrequencies(
+        std::as_bytes(std::span(bytes, static_cast<std::size_t>(CFDataGetLength(data)))));
+}
+
+FrequencyTables readFrequencyTables(const std::string &)
+{
+    return {.efficiency = IORegistryReader::readPmgrFrequencies("voltage-states1-sram"),
+            .performance = IORegistryReader::readPmgrFrequencies("voltage-states5-sram")};
+}
+
+} // namespace corvane

@@ -1,0 +1,68 @@
+#include "chip/ThermalSampler.h"
+
+#include <QLatin1StringView>
+
+#include <array>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Mean {
+    double sum = 0;
+    int count = 0;
+
+    std::optional<double> value() const
+    {
+        return count > 0 ? std::optional(sum / count) : std::nullopt;
+    }
+};
+
+} // namespace
+
+ThermalSampler::ThermalSampler(TemperatureSource temperatures)
+    : m_temperatures(std::move(temperatures))
+{
+}
+
+ThermalSampler::Reading ThermalSampler::sample()
+{
+    std::array<Mean, 4> means = {};
+    for (const auto &[name, celsius] : m_temperatures()) {
+        if (const auto category = categorize(name)) {
+            Mean &mean = means[static_cast<std::size_t>(*category)];
+            mean.sum += celsius;
+            ++mean.count;
+        }
+    }
+    return {means[0].value(), means[1].value(), means[2].value(), means[3].value()};
+}
+
+std::optional<ThermalSampler::Category> ThermalSampler::categorize(std::string_view name)
+{
+    // The patterns are ASCII, so bytes of other characters in the name can match none of them.
+    const QLatin1StringView text(name.data(), static_cast<qsizetype>(name.size()));
+    const auto contains = [text](QLatin1StringView part) {
+        return text.contains(part, Qt::CaseInsensitive);
+    };
+    const auto starts = [text](QLatin1StringView part) {
+        return text.startsWith(part, Qt::CaseInsensitive);
+    };
+    if (contains("battery"_L1) || contains("nand"_L1) || contains("tcal"_L1)
+        || contains("gas gauge"_L1) || starts("pmu tdev"_L1))
+        return std::nullopt; // Not on the die, or a calibration value.
+    if (contains("ANE"_L1))
+        return Category::ane;
+    if (contains("GPU"_L1) || starts("PMU TG"_L1))
+        return Category::gpu;
+    if (contains("PACC"_L1) || contains("EACC"_L1) || starts("PMU TP"_L1) || starts("PMU TC"_L1))
+        return Category::cpu;
+    if (starts("PMU tdie"_L1) || contains("SOC"_L1) || starts("PMU TR"_L1) || starts("PMU TS"_L1))
+        return Category::package;
+    return std::nullopt;
+}
+
+} // namespace corvane

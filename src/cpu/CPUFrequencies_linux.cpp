@@ -1,0 +1,77 @@
+#include "cpu/CPUFrequencies.h"
+
+#include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
+#include "platform/KernelText.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+/// The CPUs of a policy, offline ones included. This list has blanks where others have dashes.
+std::vector<int> relatedCPUs(const std::string &folder)
+{
+    constexpr std::uint64_t highestCPU = 65'535;
+    std::vector<int> cpus;
+    const auto contents = readKernelFile(folder + "/related_cpus");
+    std::string_view text = trimmed(contents ? std::string_view(*contents) : std::string_view());
+    while (const auto word = takeWord(text)) {
+        if (const auto cpu = parseUnsigned(*word); cpu && *cpu <= highestCPU)
+            cpus.push_back(static_cast<int>(*cpu));
+    }
+    return cpus;
+}
+
+/// A machine without frequency scaling may have the folder, and nothing in it.
+std::vector<CPUPolicy> readPolicies(const std::string &root)
+{
+    const std::string folder = root + "/sys/devices/system/cpu/cpufreq/";
+    std::vector<CPUPolicy> policies;
+    for (const std::string &name : namesInFolder(folder)) {
+        CPUPolicy policy = {folder + name, relatedCPUs(folder + name)};
+        if (!policy.cpus.empty())
+            policies.push_back(std::move(policy));
+    }
+    return policies;
+}
+
+std::vector<std::uint64_t> readStates(const std::vector<CPUPolicy> &policies)
+{
+    std::vector<CPUFrequencyRange> ranges;
+    ranges.reserve(policies.size());
+    for (const CPUPolicy &policy : policies) {
+        ranges.push_back(
+            {.available = readKernelFile(policy.folder + "/scaling_available_frequencies"),
+             .boost = readKernelFile(policy.folder + "/scaling_boost_frequencies"),
+             .minimum = readKernelFile(policy.folder + "/cpuinfo_min_freq"),
+             .maximum = readKernelFile(policy.folder + "/cpuinfo_max_freq")});
+    }
+    return cpuFrequencyStates(ranges);
+}
+
+} // namespace
+
+std::vector<CPUClusterStates> readCPUClusterStates(const std::string &root)
+{
+    const std::vector<CPUPolicy> policies = readPolicies(root);
+    std::vector<CPUClusterStates> clusters;
+    for (const CPUCluster &cluster : readCPUClusters(root)) {
+        CPUClusterStates &states = clusters.emplace_back(CPUClusterStates{.cluster = cluster});
+        for (const CPUPolicy &policy : policies) {
+            if (std::ranges::binary_search(cluster.cpus, policy.cpus.front()))
+                states.policies.push_back(policy);
+        }
+        states.kHz = readStates(states.policies);
+        if (!states.kHz.empty())
+            continue;
+        // Without cpufreq, as on a virtual machine, this one is all there is, and it is constant.
+        const auto cpuInfo = readKernelFile(root + "/proc/cpuinfo").value_or(std::string());
+        if (const auto kHz = cpuInfoKHz(cpuInfo, cluster.cpus.front()))
+            states.kHz.push_back(*kHz);
+    }
+    return clusters;
+}
+
+} // namespace corvane

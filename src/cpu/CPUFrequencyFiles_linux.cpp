@@ -1,0 +1,60 @@
+#include "cpu/CPUFrequencyFiles.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace corvane {
+
+namespace {
+
+std::optional<KernelFile> fileIn(const std::string &folder, const char *name)
+{
+    std::error_code error;
+    const std::string path = folder + name;
+    if (!std::filesystem::exists(path, error))
+        return std::nullopt;
+    return KernelFile(path);
+}
+
+std::optional<std::uint64_t> readKHz(std::optional<KernelFile> &file)
+{
+    const auto text = file ? file->read() : std::nullopt;
+    return text ? parseKHz(*text) : std::nullopt;
+}
+
+} // namespace
+
+CPUFrequencyFiles::CPUFrequencyFiles(const CPUClusterStates &cluster)
+{
+    for (const CPUPolicy &policy : cluster.policies) {
+        m_policies.push_back({.cpus = policy.cpus,
+                              .timeInState = fileIn(policy.folder, "/stats/time_in_state"),
+                              .average = fileIn(policy.folder, "/cpuinfo_avg_freq"),
+                              .present = fileIn(policy.folder, "/scaling_cur_freq")});
+    }
+}
+
+CPUClusterReading CPUFrequencyFiles::read(std::optional<int> busiest)
+{
+    CPUClusterReading reading;
+    reading.policyTimes.reserve(m_policies.size());
+    for (Policy &policy : m_policies) {
+        auto &times = reading.policyTimes.emplace_back();
+        if (const auto text = policy.timeInState ? policy.timeInState->read() : std::nullopt)
+            times = parseTimeInState(*text);
+        const bool stands =
+            busiest && std::ranges::find(policy.cpus, *busiest) != policy.cpus.end();
+        if (stands && times.empty())
+            reading.presentKHz = presentKHz(policy);
+    }
+    return reading;
+}
+
+std::optional<std::uint64_t> CPUFrequencyFiles::presentKHz(Policy &policy)
+{
+    // The average fails for a CPU that has just been idle.
+    const auto average = readKHz(policy.average);
+    return average ? average : readKHz(policy.present);
+}
+
+} // namespace corvane

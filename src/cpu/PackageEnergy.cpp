@@ -1,0 +1,32 @@
+#include "cpu/PackageEnergy.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+std::optional<double> packageJoules(const PackageEnergyReading &before,
+                                    const PackageEnergyReading &now, double seconds)
+{
+    constexpr double joulesPerMicrojoule = 1e-6;
+    if (now.microjoules >= before.microjoules)
+        return double(now.microjoules - before.microjoules) * joulesPerMicrojoule;
+
+    constexpr double longestGap = 3;      // Seconds; the counter is read once a second.
+    constexpr double mostWatts = 5'000;   // No package takes as much: the counter restarted.
+    constexpr double leastSeconds = 0.05; // Two readings may follow each other at once.
+    if (seconds > longestGap || before.microjoules > now.range)
+        return std::nullopt;
+    const double joules =
+        double(now.range - before.microjoules + now.microjoules) * joulesPerMicrojoule;
+    if (joules > mostWatts * std::max(seconds, leastSeconds))
+        return std::nullopt;
+    return joules;
+}
+
+bool isPackageZone(const std::string &zone, const std::string &name, const std::string &controlType)
+{
+    return zone.starts_with(controlType + ":") && std::ranges::count(zone, ':') == 1
+        && name.starts_with("package-");
+}
+
+} // namespace corvane

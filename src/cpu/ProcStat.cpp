@@ -1,0 +1,89 @@
+#include "cpu/ProcStat.h"
+
+#include "platform/KernelText.h"
+
+namespace corvane {
+
+namespace {
+
+/// No kernel is built for more CPUs.
+constexpr std::size_t mostCPUs = 8192;
+
+std::optional<CPUTimes> parseTimes(std::string_view text)
+{
+    // Kernels that no longer count here wrote fewer columns; the first four were always there.
+    constexpr std::size_t leastColumns = CPUTimes::idle + 1;
+    CPUTimes times;
+    for (std::size_t column = 0; column < CPUTimes::columns; ++column) {
+        const auto word = takeWord(text);
+        if (!word)
+            return column < leastColumns ? std::nullopt : std::optional(times);
+        const auto value = parseUnsigned(*word);
+        if (!value)
+            return std::nullopt;
+        times.ticks[column] = *value;
+    }
+    return times;
+}
+
+CoreTicks coreTicks(const CPUTimes &times)
+{
+    const auto sum = [&times](auto... column) {
+        return static_cast<std::uint32_t>((times.ticks[column] + ...));
+    };
+    return {.user = sum(CPUTimes::user),
+            .system = sum(CPUTimes::system, CPUTimes::irq, CPUTimes::softIrq, CPUTimes::steal),
+            .idle = sum(CPUTimes::idle, CPUTimes::ioWait),
+            .nice = sum(CPUTimes::nice)};
+}
+
+} // namespace
+
+std::optional<CPULine> takeCPULine(std::string_view &text)
+{
+    constexpr std::string_view prefix = "cpu";
+    while (auto line = takeLine(text)) {
+        const auto name = takeWord(*line);
+        if (!name || !name->starts_with(prefix)) {
+            text = {};
+            break;
+        }
+        const auto cpu = parseUnsigned(name->substr(prefix.size())); // Nothing for the sum of all.
+        const auto times = parseTimes(*line);
+        if (cpu && *cpu < mostCPUs && times)
+            return CPULine{static_cast<std::size_t>(*cpu), *times};
+    }
+    return std::nullopt;
+}
+
+std::optional<std::vector<CoreTicks>> CPUTickCounters::update(std::string_view procStat)
+{
+    const bool first = m_counters.empty();
+    bool anyCPU = false;
+    while (const auto line = takeCPULine(procStat)) {
+        anyCPU = true;
+        if (line->cpu >= m_counters.size())
+            m_counters.resize(line->cpu + 1);
+        Counter &counter = m_counters[line->cpu];
+        // A CPU that joins later has its whole past in its counters, none of which is news.
+        if (!first && !counter.seen)
+            counter.last = line->times;
+        for (std::size_t column = 0; column < CPUTimes::columns; ++column) {
+            const std::uint64_t now = line->times.ticks[column];
+            const std::uint64_t before = counter.last.ticks[column];
+            counter.sum.ticks[column] += now > before ? now - before : 0;
+        }
+        counter.last = line->times;
+        counter.seen = true;
+    }
+    if (!anyCPU)
+        return std::nullopt;
+
+    std::vector<CoreTicks> ticks;
+    ticks.reserve(m_counters.size());
+    for (const Counter &counter : m_counters)
+        ticks.push_back(coreTicks(counter.sum));
+    return ticks;
+}
+
+} // namespace corvane

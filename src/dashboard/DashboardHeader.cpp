@@ -1,0 +1,136 @@
+#include "dashboard/DashboardHeader.h"
+
+#include "ui/Logo.h"
+#include "ui/NumberText.h"
+#include "ui/Theme.h"
+#include "ui/WindowBackground.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr double logoSide = 28;
+constexpr double gap = 12; ///< Between the items of the line.
+constexpr double statGap = 18;
+constexpr double nameBaseline = 15;
+constexpr double chipBaseline = 31;
+constexpr double labelBaseline = 9.95;
+constexpr double valueBaseline = 27.95;
+
+CardText statLabel(const QString &text)
+{
+    CardText label{.text = text,
+                   .font = Theme::systemFont(9, QFont::DemiBold),
+                   .color = Theme::textTertiary(),
+                   .side = Qt::AlignRight};
+    label.font.setLetterSpacing(QFont::AbsoluteSpacing, 0.5);
+    return label;
+}
+
+CardText statValue(const QString &name, const QColor &color)
+{
+    return {.name = name,
+            .font = Theme::systemFont(13, QFont::DemiBold),
+            .color = color,
+            .side = Qt::AlignRight};
+}
+
+} // namespace
+
+double DashboardHeader::QuickStat::width() const
+{
+    return std::max({leastWidth, label.width(), value.width()});
+}
+
+DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
+    : AccessibleWidget(parent),
+      m_name{.text = u"Corvane"_s,
+             .font = Theme::systemFont(16, QFont::DemiBold),
+             .color = Theme::textPrimary(),
+             .digits = Digits::proportional,
+             .baseline = {logoSide + gap, nameBaseline}},
+      m_chip{.name = u"Chip"_s,
+             .text = singleLine(chipName),
+             .font = Theme::systemFont(11),
+             .color = Theme::textSecondary(),
+             .digits = Digits::proportional,
+             .baseline = {logoSide + gap, chipBaseline}},
+      m_stats{QuickStat{statLabel(u"MEM"_s), statValue(u"Memory"_s, Theme::memory()), 34},
+              QuickStat{statLabel(u"CPU"_s), statValue(u"CPU"_s, Theme::cpu()), 34},
+              QuickStat{statLabel(u"GPU"_s), statValue(u"GPU"_s, Theme::gpu()), 34},
+              QuickStat{statLabel(u"PWR"_s), statValue(u"Power"_s, Theme::power()), 46}}
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(u"Corvane"_s);
+    m_name.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.1);
+}
+
+void DashboardHeader::show(const SystemMetrics &current)
+{
+    const std::optional<ChipReading> &chip = current.chip;
+    const std::array<QString, 4> values{percentText(usedPercent(current.memory)),
+                                        percentText(chip ? chip->cpuActiveFraction * 100 : 0),
+                                        percentText(chip ? chip->gpuActiveFraction * 100 : 0),
+                                        tightWattsText(totalWatts(chip), 1)};
+    for (std::size_t i = 0; i < m_stats.size(); ++i) {
+        QuickStat &stat = m_stats[i];
+        if (stat.value.text == values[i])
+            continue;
+        const double previousWidth = stat.width();
+        update(stat.value.bounds().toAlignedRect());
+        stat.value.text = values[i];
+        update(stat.value.bounds().toAlignedRect());
+        announceText(static_cast<int>(i) + 2);
+        if (stat.width() != previousWidth)
+            layOut();
+    }
+}
+
+std::vector<AccessibleText> DashboardHeader::accessibleTexts() const
+{
+    std::vector<AccessibleText> texts{m_name.spoken(), m_chip.spoken()};
+    for (const QuickStat &stat : m_stats)
+        texts.push_back(stat.value.spoken());
+    return texts;
+}
+
+void DashboardHeader::resizeEvent(QResizeEvent *)
+{
+    layOut();
+}
+
+void DashboardHeader::layOut()
+{
+    double right = width();
+    for (std::size_t i = m_stats.size(); i-- > 0;) {
+        m_stats[i].label.baseline = {right, labelBaseline};
+        m_stats[i].value.baseline = {right, valueBaseline};
+        right -= m_stats[i].width() + statGap;
+    }
+    m_chip.mostWidth = std::max(right - m_chip.baseline.x(), 1.0);
+    update();
+}
+
+void DashboardHeader::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintWindowBackground(painter, *this, event->region());
+
+    paintLogo(painter, QRectF(0, (height() - logoSide) / 2, logoSide, logoSide));
+    m_name.paint(painter);
+    m_chip.paint(painter);
+    for (const QuickStat &stat : m_stats) {
+        stat.label.paint(painter);
+        stat.value.paint(painter);
+    }
+}
+
+} // namespace corvane

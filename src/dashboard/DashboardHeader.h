@@ -1,0 +1,44 @@
+#pragma once
+
+#include "cards/CardText.h"
+#include "records/SystemMetrics.h"
+
+#include <array>
+
+namespace corvane {
+
+/// The dashboard's first line: logo, name and chip, and four quick numbers at the right. Told its
+/// data; main thread.
+class DashboardHeader : public AccessibleWidget {
+    Q_OBJECT
+
+public:
+    explicit DashboardHeader(const QString &chipName, QWidget *parent = nullptr);
+
+    using QWidget::show;
+    void show(const SystemMetrics &current);
+
+    std::vector<AccessibleText> accessibleTexts() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    /// One quick number: a label over a value, both ending at the right edge of their column.
+    struct QuickStat {
+        CardText label;
+        CardText value;
+        double leastWidth = 0; ///< So that a changing digit moves nothing.
+
+        double width() const;
+    };
+
+    void layOut();
+
+    CardText m_name;
+    CardText m_chip;
+    std::array<QuickStat, 4> m_stats;
+};
+
+} // namespace corvane

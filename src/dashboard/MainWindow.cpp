@@ -1,0 +1,149 @@
+#include "dashboard/MainWindow.h"
+
+#include "cards/AIWorkloadsCard.h"
+#include "cards/MemoryCard.h"
+#include "cards/PowerCard.h"
+#include "cards/ProcessCard.h"
+#include "cards/UtilizationCard.h"
+#include "dashboard/DashboardHeader.h"
+#include "dashboard/DashboardLayout.h"
+#include "records/SeriesReduction.h"
+#include "ui/ContextMenu.h"
+#include "ui/Theme.h"
+#include "ui/WindowBackground.h"
+#include "windows/WindowAccessor.h"
+#include "windows/WindowLifecycleCoordinator.h"
+#include "windows/WindowStyle.h"
+#include "windows/WindowTools.h"
+
+#include <QContextMenuEvent>
+#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScreen>
+
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int mostChartPoints = 180;
+constexpr QSize usualSize{1280, 900};
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
+    : QWidget(parent),
+      m_header(new DashboardHeader(chip.name, this)),
+      m_memory(new MemoryCard(this)),
+      m_power(new PowerCard(this)),
+      m_utilization{new UtilizationCard(UtilizationKind::cpu, this, chip),
+                    new UtilizationCard(UtilizationKind::gpu, this, chip),
+                    new UtilizationCard(UtilizationKind::ane, this, chip)},
+      m_workloads(new AIWorkloadsCard(this)),
+      m_processes(new ProcessCard(this))
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setWindowTitle(u"Corvane"_s);
+    setFocusPolicy(Qt::StrongFocus);
+    setFocus(); // So that no part starts with a focus ring.
+    setMinimumSize(DashboardLayout::minimum);
+    resize(usualSize.boundedTo(screen()->availableSize()));
+    closeOnUsualKey(*this);
+    new WindowAccessor(
+        [](NativeWindow window) {
+            hideTitleBar(window, Theme::windowGradient({1, 1}).stops().first().second);
+            WindowLifecycleCoordinator::shared().attach(window);
+        },
+        this);
+}
+
+void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+{
+    m_totalMemory = current.memory.total;
+    if (!canBeSeen()) {
+        m_power->recomputeYMax(history); // A spike counts even if nobody looks.
+        m_unseen.samples.emplace(current, history);
+        return;
+    }
+    const std::vector<SystemMetrics> reduced = chartDownsampled(history, mostChartPoints);
+    m_header->show(current);
+    m_memory->show(current, reduced);
+    m_power->show(current, reduced);
+    for (UtilizationCard *card : m_utilization)
+        card->show(current, reduced);
+}
+
+void MainWindow::showProcesses(const std::vector<ProcessRow> &processes)
+{
+    if (canBeSeen())
+        m_processes->show(processes, m_totalMemory);
+    else
+        m_unseen.processes = processes;
+}
+
+void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads)
+{
+    if (canBeSeen())
+        m_workloads->show(workloads);
+    else
+        m_unseen.workloads = workloads;
+}
+
+bool MainWindow::canBeSeen() const
+{
+    return isVisible() && !isMinimized();
+}
+
+void MainWindow::showUnseen()
+{
+    if (!canBeSeen())
+        return;
+    const Unseen unseen = std::exchange(m_unseen, {});
+    if (unseen.samples)
+        show(unseen.samples->first, unseen.samples->second);
+    if (unseen.processes)
+        showProcesses(*unseen.processes);
+    if (unseen.workloads)
+        showWorkloads(*unseen.workloads);
+}
+
+void MainWindow::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    paintWindowBackground(painter, *this, event->region());
+}
+
+void MainWindow::resizeEvent(QResizeEvent *)
+{
+    const DashboardLayout layout = dashboardLayout(size());
+    const std::array<QWidget *, 7> cards{m_memory,         m_power,          m_utilization[0],
+                                         m_utilization[1], m_utilization[2], m_workloads,
+                                         m_processes};
+    m_header->setGeometry(layout.header);
+    for (std::size_t i = 0; i < cards.size(); ++i)
+        cards[i]->setGeometry(layout.cards[i]);
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    showUnseen();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        showUnseen();
+}
+
+void MainWindow::contextMenuEvent(QContextMenuEvent *event)
+{
+    popUpActions(*this, event->globalPos());
+}
+
+} // namespace corvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "gpu/GPUDevices.h"
+#include "gpu/GPUReading.h"
+#include "platform/KernelFile.h"
+
+#include <optional>
+#include <vector>
+
+namespace corvane {
+
+/// The files in which a driver tells the load, clock, power and heat of one GPU. To be made and
+/// read only while the GPU is awake: almost every access to these files wakes it. Owned by the GPU
+/// watch, used on one thread.
+class GPUFiles {
+public:
+    explicit GPUFiles(const GPUDevice &device);
+
+    GPUReading read(double now);
+
+private:
+    void addLoad(const GPUDevice &device);
+    void addSensors(const GPUDevice &device);
+
+    GPUDevice m_device;
+    std::optional<KernelFile> m_busyPercent = {};
+    std::optional<KernelFile> m_idleTime = {};
+    std::optional<KernelFile> m_levels = {};      ///< With the present one marked.
+    std::optional<KernelFile> m_actualClock = {}; ///< Stands at 0 while the GPU rests.
+    std::optional<KernelFile> m_requestedClock = {};
+    std::optional<KernelFile> m_energy = {};
+    std::optional<KernelFile> m_power = {};
+    std::vector<KernelFile> m_temperatures = {};
+};
+
+} // namespace corvane

@@ -1,0 +1,168 @@
+#include "gpu/GPUFiles.h"
+
+#include "platform/KernelFolder.h"
+
+#include "gpu/GPUText.h"
+#include "platform/KernelText.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <initializer_list>
+
+namespace corvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The first of several files that exists.
+std::optional<KernelFile> firstOf(std::initializer_list<std::string> paths)
+{
+    for (const std::string &path : paths) {
+        std::error_code error;
+        if (fs::exists(path, error))
+            return KernelFile(path);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string_view> textOf(std::optional<KernelFile> &file)
+{
+    return file ? file->read() : std::nullopt;
+}
+
+template <typename Parser>
+auto parsed(std::optional<KernelFile> &file, Parser parse)
+{
+    return parse(textOf(file).value_or(std::string_view()));
+}
+
+/// Sensor folders of a device; a card of Intel has one more for each part, which come last.
+std::vector<std::string> sensorFolders(const std::string &device)
+{
+    std::vector<std::string> folders;
+    for (const std::string &name : namesInFolder(device + "/hwmon")) {
+        if (name.starts_with("hwmon"))
+            folders.push_back(device + "/hwmon/" + name);
+    }
+    std::ranges::sort(folders, {}, [](const std::string &folder) {
+        const std::string name = readKernelFile(folder + "/name").value_or(std::string());
+        return std::pair(name.find("_gt") != std::string::npos, folder);
+    });
+    return folders;
+}
+
+std::vector<KernelFile> temperatureFiles(const std::string &folder)
+{
+    std::vector<KernelFile> files;
+    for (const std::string &name : namesInFolder(folder)) {
+        if (name.starts_with("temp") && name.ends_with("_input"))
+            files.emplace_back(folder + "/" + name);
+    }
+    return files;
+}
+
+bool isLabelled(const std::string &path, std::string_view label)
+{
+    return trimmed(readKernelFile(path).value_or(std::string())) == label;
+}
+
+/// The counter of the whole card, where a driver has one for each part too.
+std::optional<KernelFile> energyFile(const std::string &folder)
+{
+    for (const char *number : {"1", "2"}) {
+        const std::string path = folder + "/energy" + number;
+        if (isLabelled(path + "_label", "card"))
+            return KernelFile(path + "_input");
+    }
+    return firstOf({folder + "/energy1_input", folder + "/energy2_input"});
+}
+
+/// Whether the render engine is kept out of its sleep: its idle time then stands still, and the GPU
+/// would look busy all the time.
+bool neverRests(const GPUDevice &device)
+{
+    return isLabelled(device.card + "/power/rc6_enable", "0");
+}
+
+} // namespace
+
+GPUFiles::GPUFiles(const GPUDevice &device) : m_device(device)
+{
+    addLoad(device);
+    addSensors(device);
+}
+
+void GPUFiles::addLoad(const GPUDevice &device)
+{
+    const std::string &card = device.card;
+    const std::string graphics = device.folder + "/tile0/gt0";
+    switch (device.driver) {
+    case GPUDriver::amdgpu:
+        m_busyPercent = firstOf({device.folder + "/gpu_busy_percent"});
+        m_levels = firstOf({device.folder + "/pp_dpm_sclk"});
+        break;
+    case GPUDriver::i915:
+        m_idleTime = firstOf({card + "/gt/gt0/rc6_residency_ms", card + "/power/rc6_residency_ms"});
+        m_actualClock = firstOf({card + "/gt/gt0/rps_act_freq_mhz", card + "/gt_act_freq_mhz"});
+        m_requestedClock = firstOf({card + "/gt/gt0/rps_cur_freq_mhz", card + "/gt_cur_freq_mhz"});
+        break;
+    case GPUDriver::xe:
+        m_idleTime = firstOf({graphics + "/gtidle/idle_residency_ms"});
+        m_actualClock = firstOf({graphics + "/freq0/act_freq"});
+        m_requestedClock = firstOf({graphics + "/freq0/cur_freq"});
+        break;
+    case GPUDriver::nouveau:
+    case GPUDriver::nvidia:
+        break;
+    }
+    if (neverRests(device))
+        m_idleTime.reset();
+}
+
+void GPUFiles::addSensors(const GPUDevice &device)
+{
+    for (const std::string &folder : sensorFolders(device.folder)) {
+        if (!m_energy)
+            m_energy = energyFile(folder);
+        if (!m_power)
+            m_power = firstOf({folder + "/power1_average", folder + "/power1_input"});
+        for (KernelFile &file : temperatureFiles(folder))
+            m_temperatures.push_back(std::move(file));
+    }
+}
+
+GPUReading GPUFiles::read(double now)
+{
+    GPUReading reading = {
+        .device = m_device.folder, .integrated = m_device.integrated, .seconds = now};
+    reading.busyFraction = parsed(m_busyPercent, parseBusyPercent);
+    reading.idleMilliseconds = parsed(m_idleTime, parseIdleTime);
+
+    auto clock = parsed(m_levels, presentLevelMHz);
+    if (!clock)
+        clock = parsed(m_actualClock, parseClockMHz);
+    if (!clock)
+        clock = parsed(m_requestedClock, parseClockMHz);
+    reading.state = clockStateName(clock);
+
+    const auto watts = parsed(m_power, parseMicrowatts);
+    if (m_device.integrated) {
+        // An APU's sensor is that of the socket; nothing tells its graphics apart.
+        reading.packageWatts = watts;
+    } else {
+        reading.watts = watts;
+        reading.microjoules =
+            parsed(m_energy, [](std::string_view text) { return parseUnsigned(trimmed(text)); });
+    }
+
+    for (KernelFile &file : m_temperatures) {
+        if (const auto text = file.read()) {
+            if (const auto degrees = parseMillidegrees(*text))
+                reading.temperatures.push_back(*degrees);
+        }
+    }
+    return reading;
+}
+
+} // namespace corvane

@@ -1,0 +1,56 @@
+#include "gpu/GPUSleepGate.h"
+
+#include "platform/KernelText.h"
+
+namespace corvane {
+
+bool GPUSleepGate::admits(std::optional<std::string_view> runtimeStatus)
+{
+    if (!runtimeStatus)
+        return true;
+    // "suspended", "suspending", "resuming" and "error" are all no time to disturb it.
+    const std::string_view status = trimmed(*runtimeStatus);
+    if (status == "active" || status == "unsupported")
+        return true;
+    m_idleTicks = 0;
+    m_onTrial = false;
+    return false;
+}
+
+bool GPUSleepGate::restsAfter(bool idle)
+{
+    constexpr int idleTicksToRest = 3;
+    const bool onTrial = m_onTrial;
+    m_onTrial = false;
+    m_idleTicks = idle ? m_idleTicks + 1 : 0;
+    return idle && (onTrial || m_idleTicks >= idleTicksToRest);
+}
+
+void GPUSleepGate::keepQuietUntil(double instant)
+{
+    m_quietUntil = instant;
+    m_idleTicks = 0;
+    m_onTrial = true;
+}
+
+std::optional<double> gpuQuietSeconds(std::optional<std::string_view> runtimeStatus,
+                                      std::optional<std::string_view> control,
+                                      std::optional<std::string_view> autosuspendDelay)
+{
+    constexpr double margin = 3;
+    constexpr double ownCountdown = 6; // Of drivers that use none of the kernel's.
+    if (!runtimeStatus || trimmed(*runtimeStatus) == "unsupported")
+        return std::nullopt;
+    if (!control || trimmed(*control) == "on")
+        return std::nullopt;
+    if (!autosuspendDelay)
+        return ownCountdown + margin;
+    const auto milliseconds = parseSigned(trimmed(*autosuspendDelay));
+    if (!milliseconds)
+        return ownCountdown + margin;
+    if (*milliseconds < 0)
+        return std::nullopt;
+    return double(*milliseconds) / 1000 + margin;
+}
+
+} // namespace corvane

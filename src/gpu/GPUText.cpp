@@ -1,0 +1,108 @@
+#include "gpu/GPUText.h"
+
+#include "platform/KernelText.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+constexpr double highestMHz = 100'000; ///< Above it stands garbage.
+
+std::optional<double> plausibleMHz(std::optional<std::uint64_t> megahertz)
+{
+    if (!megahertz || *megahertz == 0 || double(*megahertz) > highestMHz)
+        return std::nullopt;
+    return double(*megahertz);
+}
+
+/// The clock in "1: 1130Mhz *"; nothing unless the line is marked.
+std::optional<double> markedLevelMHz(std::string_view line)
+{
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos)
+        return std::nullopt;
+    line.remove_prefix(colon + 1);
+    std::string_view clock = takeWord(line).value_or(std::string_view());
+    if (trimmed(line) != "*" || !clock.ends_with("hz"))
+        return std::nullopt;
+    clock.remove_suffix(clock.size() - clock.find_first_not_of("0123456789"));
+    return plausibleMHz(parseUnsigned(clock));
+}
+
+} // namespace
+
+bool isPCIAddress(std::string_view name)
+{
+    return std::ranges::count(name, ':') == 2 && std::ranges::count(name, '.') == 1
+        && name.find_first_not_of("0123456789abcdef:.") == std::string_view::npos;
+}
+
+std::optional<double> parseBusyPercent(std::string_view text)
+{
+    const auto percent = parseUnsigned(trimmed(text));
+    if (!percent || *percent > 100)
+        return std::nullopt;
+    return double(*percent) / 100;
+}
+
+std::optional<std::uint64_t> parseIdleTime(std::string_view text)
+{
+    const auto milliseconds = parseUnsigned(trimmed(text));
+    return milliseconds == std::uint64_t(0) ? std::nullopt : milliseconds;
+}
+
+std::optional<double> presentLevelMHz(std::string_view levels)
+{
+    while (const auto line = takeLine(levels)) {
+        if (const auto megahertz = markedLevelMHz(*line))
+            return megahertz;
+    }
+    return std::nullopt;
+}
+
+std::optional<double> parseClockMHz(std::string_view text)
+{
+    return plausibleMHz(parseUnsigned(trimmed(text)));
+}
+
+std::string clockStateName(std::optional<double> megahertz)
+{
+    if (!megahertz || *megahertz <= 0)
+        return {};
+    const long long hundreds = std::llround(*megahertz / 100);
+    return std::to_string(std::max(hundreds, 1LL) * 100) + " MHz"; // Asleep it runs at a few MHz.
+}
+
+std::string performanceStateName(std::optional<int> state)
+{
+    constexpr int lowest = 15;
+    if (!state || *state < 0 || *state > lowest)
+        return {};
+    return "P" + std::to_string(*state);
+}
+
+std::optional<double> parseMillidegrees(std::string_view text)
+{
+    constexpr double hottest = 150;
+    const auto millidegrees = parseSigned(trimmed(text));
+    if (!millidegrees || *millidegrees <= 0 || double(*millidegrees) >= hottest * 1000)
+        return std::nullopt;
+    // What a diode of 8 bits shows when nothing is connected to it.
+    constexpr std::int64_t unconnected = 127'000;
+    return *millidegrees == unconnected ? std::nullopt
+                                        : std::optional(double(*millidegrees) / 1000);
+}
+
+std::optional<double> parseMicrowatts(std::string_view text)
+{
+    constexpr double mostWatts = 100'000;
+    const auto microwatts = parseUnsigned(trimmed(text));
+    if (!microwatts || double(*microwatts) > mostWatts * 1e6)
+        return std::nullopt;
+    return double(*microwatts) / 1e6;
+}
+
+} // namespace corvane

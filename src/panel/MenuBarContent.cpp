@@ -1,0 +1,227 @@
+#include "panel/MenuBarContent.h"
+
+#include "panel/PanelHeader.h"
+#include "panel/PanelRow.h"
+#include "ui/ContextMenu.h"
+#include "ui/PanelButton.h"
+#include "ui/RoundedBox.h"
+#include "ui/Theme.h"
+
+#include <QBoxLayout>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QScreen>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int panelWidth = 280;
+constexpr int padding = 12;
+constexpr int radius = 10;
+constexpr int dividerGap = 10;
+constexpr int rowGap = 8;
+constexpr int buttonGap = 8;
+constexpr int screenMargin = 8;
+
+/// A hairline across the panel.
+class Divider : public QWidget {
+public:
+    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
+};
+
+/// Every whole pixel that a rectangle with round corners touches.
+QRegion roundedRegion(const QRect &rect)
+{
+    QRegion region = rect.adjusted(0, radius, 0, -radius);
+    for (int row = 0; row < radius; ++row) {
+        const int rise = radius - row - 1;
+        const int inset =
+            radius - static_cast<int>(std::ceil(std::sqrt(radius * radius - rise * rise)));
+        const QRect line(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
+        region += line;
+        region += line.translated(0, rect.height() - 1 - 2 * row);
+    }
+    return region;
+}
+
+/// A Wayland compositor places a pop-up only below an input event of its own window, which a click
+/// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
+Qt::WindowFlags panelFlags()
+{
+    const bool canGrab = QGuiApplication::platformName() != "wayland"_L1;
+    return (canGrab ? Qt::Popup : Qt::Tool) | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+}
+
+} // namespace
+
+MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
+    : QWidget(parent, panelFlags()),
+      m_clock(std::move(clock))
+{
+    setWindowTitle(u"Corvane"_s);
+    setAccessibleName(u"Corvane panel"_s);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setFixedWidth(panelWidth);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void MenuBarContent::build()
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(0);
+    const auto addDivider = [this, column] {
+        column->addSpacing(dividerGap);
+        column->addWidget(new Divider(this));
+        column->addSpacing(dividerGap);
+    };
+
+    m_header = new PanelHeader(this);
+    column->addWidget(m_header);
+    addDivider();
+    for (PanelRow *&row : m_rows) {
+        row = new PanelRow(this);
+        if (&row != &m_rows.front())
+            column->addSpacing(rowGap);
+        column->addWidget(row);
+    }
+    addDivider();
+
+    auto *openWindow = new PanelButton(u"Open Window"_s, u"macwindow"_s, this);
+    auto *quit = new PanelButton(u"Quit"_s, u"power"_s, this);
+    connect(openWindow, &PanelButton::clicked, this, &MenuBarContent::openWindowRequested);
+    connect(openWindow, &PanelButton::clicked, this, &QWidget::hide);
+    connect(quit, &PanelButton::clicked, this, &MenuBarContent::quitRequested);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonGap);
+    buttons->addWidget(openWindow, 1);
+    buttons->addWidget(quit);
+    column->addLayout(buttons);
+}
+
+/// Makes it ready to be seen, in its full size.
+void MenuBarContent::prepare()
+{
+    if (!m_header)
+        build();
+    showNumbers();
+    adjustSize();
+}
+
+void MenuBarContent::setVisible(bool visible)
+{
+    if (visible && !isVisible())
+        prepare();
+    QWidget::setVisible(visible);
+}
+
+void MenuBarContent::show(const SystemMetrics &current)
+{
+    m_current = current;
+    if (isVisible())
+        showNumbers();
+}
+
+void MenuBarContent::showNumbers()
+{
+    m_header->show(totalWatts(m_current.chip));
+    const auto rows = metricRows(m_current);
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        m_rows[row]->show(rows[row]);
+}
+
+void MenuBarContent::toggleAt(const QPoint &anchor)
+{
+    // The click that closed the panel may be this one: it reaches the label after the panel is
+    // gone.
+    constexpr double sameClick = 0.25; // Seconds.
+    if (isVisible()) {
+        hide();
+        return;
+    }
+    if (m_hiddenAt && m_clock() - *m_hiddenAt < sameClick)
+        return;
+    const QScreen *screen = QGuiApplication::screenAt(anchor);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    prepare(); // Its place depends on its size.
+    move(panelOrigin(anchor, size(), screen->availableGeometry()));
+    QWidget::show();
+    activateWindow();
+    setFocus(); // The first Tab reaches the first button.
+}
+
+void MenuBarContent::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    fillRounded(painter, rect(), radius, Theme::panelFill());
+    strokeRounded(painter, rect(), radius, Theme::panelStroke());
+}
+
+void MenuBarContent::resizeEvent(QResizeEvent *)
+{
+    // An X server without a compositor paints black where the window is transparent.
+    setMask(roundedRegion(rect()));
+}
+
+void MenuBarContent::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void MenuBarContent::contextMenuEvent(QContextMenuEvent *event)
+{
+    m_menu = popUpActions(*this, event->globalPos());
+    if (!m_menu)
+        return;
+    connect(m_menu, &QMenu::triggered, this, &QWidget::hide);
+    const auto hideUnlessActive = [this] {
+        if (!isActiveWindow())
+            hide();
+    };
+    connect(m_menu, &QMenu::aboutToHide, this, hideUnlessActive, Qt::QueuedConnection);
+}
+
+void MenuBarContent::hideEvent(QHideEvent *event)
+{
+    m_hiddenAt = m_clock();
+    QWidget::hideEvent(event);
+}
+
+bool MenuBarContent::event(QEvent *event)
+{
+    // Where the panel is a plain window its menu takes the focus from it.
+    if (event->type() == QEvent::WindowDeactivate && !m_menu)
+        hide();
+    return QWidget::event(event);
+}
+
+QPoint panelOrigin(const QPoint &anchor, const QSize &size, const QRect &available)
+{
+    constexpr int gap = 4;
+    const QRect room = available.adjusted(screenMargin, screenMargin, -screenMargin, -screenMargin);
+    const bool below = anchor.y() < available.center().y();
+    const int x = anchor.x() - size.width() / 2;
+    const int y = below ? anchor.y() + gap : anchor.y() - gap - size.height();
+    // Where the panel is larger than the screen its upper left part stays visible.
+    return {std::max(std::min(x, room.right() + 1 - size.width()), room.left()),
+            std::max(std::min(y, room.bottom() + 1 - size.height()), room.top())};
+}
+
+} // namespace corvane

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ui/AccessibleWidget.h"
+
+namespace corvane {
+
+/// Top of the panel: the program's name, the chip's below it, and the total power. Told by the
+/// panel.
+class PanelHeader : public AccessibleWidget {
+    Q_OBJECT
+
+public:
+    explicit PanelHeader(QWidget *parent = nullptr);
+
+    void show(double watts);
+
+    std::vector<AccessibleText> accessibleTexts() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_power;
+};
+
+} // namespace corvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ui/AccessibleWidget.h"
+#include "ui/MetricText.h"
+
+namespace corvane {
+
+/// One metric of the panel: a dot in its colour, its title, its value and a detail below. Told by
+/// the panel; a screen reader reads the whole row.
+class PanelRow : public AccessibleWidget {
+    Q_OBJECT
+
+public:
+    explicit PanelRow(QWidget *parent = nullptr);
+
+    void show(const MetricRow &row);
+
+    std::vector<AccessibleText> accessibleTexts() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    MetricRow m_row;
+};
+
+} // namespace corvane

@@ -1,0 +1,27 @@
+#include "sampler/AppSettings.h"
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr auto historyWindowKey = "historyWindow"_L1;
+
+} // namespace
+
+AppSettings::AppSettings(QObject *parent) : QObject(parent)
+{
+    m_store.setFallbacksEnabled(false);
+    m_historyWindow = corvane::historyWindow(m_store.value(historyWindowKey).toLongLong())
+                          .value_or(HistoryWindow::oneMin);
+}
+
+void AppSettings::setHistoryWindow(HistoryWindow window)
+{
+    m_historyWindow = window;
+    emit historyWindowChanged(window);
+    m_store.setValue(historyWindowKey, seconds(window));
+}
+
+} // namespace corvane

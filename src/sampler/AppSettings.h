@@ -1,0 +1,33 @@
+#pragma once
+
+#include "records/HistoryWindow.h"
+
+#include <QObject>
+#include <QSettings>
+
+namespace corvane {
+
+/// The user's choices, kept in the system's store of preferences. Owned by the application state;
+/// main thread. An unknown stored value counts as the one-minute window.
+class AppSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::HistoryWindow historyWindow READ historyWindow WRITE setHistoryWindow NOTIFY
+                   historyWindowChanged)
+
+public:
+    explicit AppSettings(QObject *parent = nullptr);
+
+    HistoryWindow historyWindow() const { return m_historyWindow; }
+
+    /// Tells observers, then stores. Writing the present value again is announced too.
+    void setHistoryWindow(HistoryWindow window);
+
+signals:
+    void historyWindowChanged(corvane::HistoryWindow window);
+
+private:
+    QSettings m_store;
+    HistoryWindow m_historyWindow = HistoryWindow::oneMin;
+};
+
+} // namespace corvane

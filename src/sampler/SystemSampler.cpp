@@ -1,0 +1,103 @@
+#include "sampler/SystemSampler.h"
+
+#include "platform/BackgroundJob.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+/// Drops the oldest samples beyond `count`, in one step.
+void keepNewest(std::vector<SystemMetrics> &history, qint64 count)
+{
+    const auto size = static_cast<qint64>(history.size());
+    if (size > count)
+        history.erase(history.begin(), history.begin() + (size - std::max<qint64>(count, 0)));
+}
+
+} // namespace
+
+SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
+                             const QString &historyDirectory, QObject *parent)
+    : QObject(parent),
+      m_settings(settings),
+      m_sources(std::move(sources)),
+      m_store(historyDirectory),
+      m_history(loadHistory(seconds(settings.historyWindow())))
+{
+    // Queued: whoever writes the setting is done with it before the history changes.
+    connect(
+        &m_settings, &AppSettings::historyWindowChanged, this,
+        [this](HistoryWindow window) { applyWindowChange(seconds(window)); }, Qt::QueuedConnection);
+    connect(&m_timer, &QTimer::timeout, this, &SystemSampler::tick);
+    m_timer.setTimerType(Qt::CoarseTimer);
+
+    tick();
+    start();
+}
+
+void SystemSampler::start()
+{
+    m_timer.start(static_cast<int>(interval * 1000));
+}
+
+void SystemSampler::tick()
+{
+    const MemorySnapshot memory = m_sources.memory();
+    const auto chip = m_sources.chip ? m_sources.chip() : std::nullopt;
+    m_current = SystemMetrics{.timestamp = m_sources.now(), .memory = memory, .chip = chip};
+    emit currentChanged();
+
+    m_history.push_back(m_current);
+    keepNewest(m_history, seconds(m_settings.historyWindow()));
+    emit historyChanged();
+
+    m_store.append(PersistedMetric::from(m_current));
+
+    ++m_tickCount;
+    if (m_tickCount % processSampleEveryNTicks == 0 && m_sources.survey)
+        survey();
+    if (m_tickCount % trimEveryNTicks == 0)
+        m_store.trim(trimKeepSeconds);
+}
+
+void SystemSampler::survey()
+{
+    runThenDeliver(this, m_sources.survey, [this](Survey survey) {
+        m_processes = std::move(survey.processes);
+        emit processesChanged();
+        m_aiWorkloads = std::move(survey.workloads);
+        emit aiWorkloadsChanged();
+    });
+}
+
+void SystemSampler::applyWindowChange(qint64 windowSeconds)
+{
+    m_history = historyAfterWindowChange(std::move(m_history), windowSeconds,
+                                         [this](qint64 count) { return loadHistory(count); });
+    emit historyChanged();
+}
+
+std::vector<SystemMetrics> SystemSampler::loadHistory(qint64 windowSeconds)
+{
+    std::vector<SystemMetrics> samples;
+    for (const PersistedMetric &record : m_store.loadLast(static_cast<int>(windowSeconds)))
+        samples.push_back(record.toSample());
+    return samples;
+}
+
+std::vector<SystemMetrics> historyAfterWindowChange(
+    std::vector<SystemMetrics> history, qint64 windowSeconds,
+    const std::function<std::vector<SystemMetrics>(qint64)> &load)
+{
+    if (windowSeconds < static_cast<qint64>(history.size())) {
+        keepNewest(history, windowSeconds);
+        return history;
+    }
+    std::vector<SystemMetrics> loaded = load(windowSeconds);
+    return loaded.size() > history.size() ? loaded : history;
+}
+
+} // namespace corvane

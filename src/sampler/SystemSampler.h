@@ -1,0 +1,93 @@
+#pragma once
+
+#include "chip/ChipSource.h"
+#include "history/HistoryStore.h"
+#include "memory/MemorySampler.h"
+#include "processes/Survey.h"
+#include "records/ReferenceDate.h"
+#include "records/SystemMetrics.h"
+#include "sampler/AppSettings.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+namespace corvane {
+
+/// Where the sampler gets its numbers and its time. The program passes none of them, a test passes
+/// all.
+struct SamplerSources {
+    std::function<MemorySnapshot()> memory = MemorySampler::sample;
+    ChipSource chip = openChipSource();             ///< Empty: no chip sampler here.
+    std::function<Survey()> survey = takeSurvey;    ///< Runs in the background; empty: none here.
+    std::function<double()> now = secondsSince2001; ///< Wall clock.
+};
+
+/// The spine of the program: takes one whole-system sample a second, publishes it, keeps the last
+/// window of them and hands each to the history file. At slower beats it trims the file.
+///
+/// Made once by the application state and kept for the life of the process; main thread, as is
+/// every change of what it publishes. A source that fails leaves its part of the sample absent or
+/// zero.
+class SystemSampler : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::SystemMetrics current READ current NOTIFY currentChanged)
+    Q_PROPERTY(std::vector<corvane::SystemMetrics> history READ history NOTIFY historyChanged)
+    Q_PROPERTY(std::vector<corvane::ProcessRow> processes READ processes NOTIFY processesChanged)
+    Q_PROPERTY(
+        std::vector<corvane::AIWorkload> aiWorkloads READ aiWorkloads NOTIFY aiWorkloadsChanged)
+
+public:
+    static constexpr double interval = 1.0; ///< Seconds from tick to tick.
+    static constexpr qint64 processSampleEveryNTicks = 3;
+    static constexpr qint64 trimEveryNTicks = 60;
+    static constexpr qint64 trimKeepSeconds = 120;
+
+    /// Loads the newest records of the file, takes the first sample at once and starts the timer.
+    explicit SystemSampler(AppSettings &settings, SamplerSources sources = {},
+                           const QString &historyDirectory = HistoryStore::defaultDirectory(),
+                           QObject *parent = nullptr);
+
+    const SystemMetrics &current() const { return m_current; }
+    const std::vector<SystemMetrics> &history() const { return m_history; }      ///< Oldest first.
+    const std::vector<ProcessRow> &processes() const { return m_processes; }     ///< Largest first.
+    const std::vector<AIWorkload> &aiWorkloads() const { return m_aiWorkloads; } ///< Largest first.
+
+    /// (Re)starts the timer; the next tick is one interval away.
+    void start();
+
+    /// One sampling step. The timer calls it; a test may, to step time by hand.
+    void tick();
+
+signals:
+    void currentChanged();
+    void historyChanged();
+    void processesChanged();
+    void aiWorkloadsChanged();
+
+private:
+    void survey();
+    void applyWindowChange(qint64 windowSeconds);
+    std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
+
+    AppSettings &m_settings;
+    SamplerSources m_sources;
+    HistoryStore m_store;
+    QTimer m_timer{this};   ///< A child, so that a test can find and stop it.
+    qint64 m_tickCount = 0; ///< Completed ticks.
+
+    SystemMetrics m_current = SystemMetrics::placeholder();
+    std::vector<SystemMetrics> m_history;
+    std::vector<ProcessRow> m_processes;
+    std::vector<AIWorkload> m_aiWorkloads;
+};
+
+/// The history that fits a new window length: its newest records when it is longer, else what
+/// `load` gives if that is more than there is.
+std::vector<SystemMetrics> historyAfterWindowChange(
+    std::vector<SystemMetrics> history, qint64 windowSeconds,
+    const std::function<std::vector<SystemMetrics>(qint64)> &load);
+
+} // namespace corvane

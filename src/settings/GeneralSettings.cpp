@@ -1,0 +1,45 @@
+#include "settings/GeneralSettings.h"
+
+#include "login/LaunchAtLoginManager.h"
+#include "settings/SettingsNote.h"
+#include "settings/SettingsTexts.h"
+#include "ui/Switch.h"
+#include "ui/Theme.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent)
+    : SettingsPage(u"Startup"_s, 1, parent),
+      m_launch(new Switch(u"Launch Corvane at login"_s, this)),
+      m_error(SettingsNote::outcome(Theme::critical(), this)),
+      m_note(SettingsNote::explanation(this))
+{
+    m_note->showMarkdown(loginNote());
+    connect(m_launch, &QAbstractButton::clicked, &launch, &LaunchAtLoginManager::setEnabled);
+    const auto follow = [this, &launch] { showState(launch); };
+    connect(&launch, &LaunchAtLoginManager::isEnabledChanged, this, follow);
+    connect(&launch, &LaunchAtLoginManager::lastErrorChanged, this, follow);
+    showState(launch);
+}
+
+void GeneralSettings::showState(const LaunchAtLoginManager &launch)
+{
+    m_launch->setChecked(launch.isEnabled());
+    m_error->showPlain(launch.lastError().value_or(QString()));
+    layOut();
+}
+
+void GeneralSettings::resizeEvent(QResizeEvent *)
+{
+    layOut();
+}
+
+void GeneralSettings::layOut()
+{
+    m_launch->setGeometry(row(0));
+    placeNote(*m_note, placeNote(*m_error, groupBottom()));
+}
+
+} // namespace corvane

@@ -1,0 +1,218 @@
+#include "tray/DBusMenu.h"
+
+#include <QActionEvent>
+#include <QMenu>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int rootId = 0;
+
+} // namespace
+
+DBusMenu::DBusMenu(QMenu &menu, QObject *parent) : QObject(parent), m_menu(menu)
+{
+    registerDBusMenuTypes();
+    for (QAction *action : menu.actions())
+        adopt(action);
+    menu.installEventFilter(this);
+}
+
+DBusMenu::~DBusMenu()
+{
+    setOpen(false); // A desktop that went away did not say that its menu is closed.
+}
+
+uint DBusMenu::GetLayout(int parentId, int depth, const QStringList &names,
+                         corvane::DBusMenuLayout &layout)
+{
+    refresh();
+    layout = {.id = parentId, .properties = properties(parentId, names)};
+    if (parentId == rootId && depth != 0) {
+        for (QAction *action : m_menu.actions()) {
+            const int id = m_actions.key(action);
+            layout.children.append({.id = id, .properties = properties(id, names)});
+        }
+    }
+    return m_revision;
+}
+
+QList<DBusMenuProperties> DBusMenu::GetGroupProperties(const QList<int> &ids,
+                                                       const QStringList &names)
+{
+    refresh();
+    QList<int> wanted = ids;
+    if (wanted.isEmpty()) {
+        wanted = m_actions.keys();
+        wanted.prepend(rootId);
+    }
+    QList<DBusMenuProperties> items;
+    for (const int id : wanted) {
+        if (isKnown(id))
+            items.append({.id = id, .properties = properties(id, names)});
+    }
+    return items;
+}
+
+QDBusVariant DBusMenu::GetProperty(int id, const QString &name)
+{
+    refresh();
+    const QVariant value = properties(id, {}).value(name);
+    return QDBusVariant(value.isValid() ? value : QVariant(QString()));
+}
+
+void DBusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
+{
+    if (type == "opened"_L1 && id == rootId) {
+        setOpen(true);
+    } else if (type == "closed"_L1 && id == rootId) {
+        setOpen(false);
+    } else if (type == "clicked"_L1) {
+        QAction *action = m_actions.value(id);
+        // Later, so that the desktop has its answer whatever the command does.
+        if (action && action->isEnabled())
+            QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
+    }
+}
+
+QList<int> DBusMenu::EventGroup(const QList<corvane::DBusMenuEvent> &events)
+{
+    QList<int> unknown;
+    for (const DBusMenuEvent &event : events) {
+        if (isKnown(event.id))
+            Event(event.id, event.type, event.data, event.time);
+        else
+            unknown.append(event.id);
+    }
+    return unknown;
+}
+
+bool DBusMenu::AboutToShow(int id)
+{
+    if (id != rootId)
+        return false;
+    refresh();
+    return sendChanges();
+}
+
+QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &unknown)
+{
+    QList<int> updated;
+    for (const int id : ids) {
+        if (!isKnown(id))
+            unknown.append(id);
+        else if (AboutToShow(id))
+            updated.append(id);
+    }
+    return updated;
+}
+
+bool DBusMenu::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ActionAdded || event->type() == QEvent::ActionRemoved) {
+        QAction *action = static_cast<QActionEvent *>(event)->action();
+        if (event->type() == QEvent::ActionAdded)
+            adopt(action);
+        else
+            m_actions.remove(m_actions.key(action));
+        emit LayoutUpdated(++m_revision, rootId);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void DBusMenu::adopt(QAction *action)
+{
+    const int id = ++m_lastId;
+    m_actions.insert(id, action);
+    connect(action, &QAction::changed, this, [this, id] {
+        // Several rows that change together make one message.
+        if (m_isOpen && m_changed.empty())
+            QMetaObject::invokeMethod(this, &DBusMenu::sendChanges, Qt::QueuedConnection);
+        m_changed.insert(id);
+    });
+}
+
+void DBusMenu::setOpen(bool open)
+{
+    if (open == m_isOpen)
+        return;
+    if (open) {
+        emit m_menu.aboutToShow();
+        sendChanges();
+    } else {
+        emit m_menu.aboutToHide();
+    }
+    m_isOpen = open;
+}
+
+/// Brings a closed menu's texts up to date.
+void DBusMenu::refresh()
+{
+    if (m_isOpen || m_menu.isVisible())
+        return;
+    emit m_menu.aboutToShow();
+    emit m_menu.aboutToHide();
+}
+
+/// Whether there was anything to send.
+bool DBusMenu::sendChanges()
+{
+    QList<DBusMenuProperties> updated;
+    for (const int id : std::exchange(m_changed, {})) {
+        if (m_actions.contains(id))
+            updated.append({.id = id, .properties = properties(id, {})});
+    }
+    if (updated.isEmpty())
+        return false;
+    emit ItemsPropertiesUpdated(updated, {});
+    return true;
+}
+
+bool DBusMenu::isKnown(int id) const
+{
+    return id == rootId || m_actions.contains(id);
+}
+
+/// Those that are named, or all.
+QVariantMap DBusMenu::properties(int id, const QStringList &names) const
+{
+    QVariantMap all;
+    if (id == rootId) {
+        all[u"children-display"_s] = u"submenu"_s;
+    } else if (const QAction *action = m_actions.value(id)) {
+        all[u"visible"_s] = action->isVisible();
+        if (action->isSeparator()) {
+            all[u"type"_s] = u"separator"_s;
+        } else {
+            all[u"label"_s] = dbusMenuLabel(action->text());
+            all[u"enabled"_s] = action->isEnabled();
+        }
+    }
+    if (!names.isEmpty())
+        all.removeIf([&names](const auto &property) { return !names.contains(property.key()); });
+    return all;
+}
+
+QString dbusMenuLabel(const QString &actionText)
+{
+    QString label;
+    for (qsizetype index = 0; index < actionText.size(); ++index) {
+        const QChar character = actionText[index];
+        if (character == u'_') {
+            label += "__"_L1;
+        } else if (character != u'&') {
+            label += character;
+        } else if (actionText.mid(index + 1, 1) == "&"_L1) {
+            label += character;
+            ++index;
+        } else {
+            label += u'_';
+        }
+    }
+    return label;
+}
+
+} // namespace corvane

@@ -1,0 +1,145 @@
+#include "tray/NotifierItems.h"
+
+#include "tray/MetricMenu.h"
+#include "tray/StatusNotifierItem.h"
+#include "tray/TrayPicture.h"
+#include "ui/Logo.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <chrono>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// A tray that loses an item does so within its start.
+constexpr auto settlingTime = 2s;
+
+/// No label is wider than this.
+const LabelNumbers &widestNumbers()
+{
+    static const LabelNumbers widest{{{.text = u"100"_s}, {.text = u"100"_s}, {.text = u"999W"_s}}};
+    return widest;
+}
+
+template <typename Paint>
+QList<QImage> inAllSizes(Paint paint)
+{
+    QList<QImage> pictures;
+    for (const int pixels : trayPictureSizes)
+        pictures.append(paint(pixels));
+    return pictures;
+}
+
+} // namespace
+
+NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host,
+                             const QList<QAction *> &commands, QObject *parent)
+    : QObject(parent),
+      m_busAddress(busAddress),
+      m_host(host)
+{
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(settlingTime);
+    connect(&m_settling, &QTimer::timeout, this, &NotifierItems::settled);
+    if (host.form != LabelForm::squares) {
+        addItem(u"corvane"_s, u"Corvane"_s, commands);
+        return;
+    }
+    // Some desktops sort by title.
+    addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s, commands);
+    addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s, commands);
+    addItem(u"corvane-power"_s, u"Corvane 3 Power"_s, commands);
+}
+
+NotifierItems::~NotifierItems() = default;
+
+void NotifierItems::show(const SystemMetrics &current)
+{
+    const LabelNumbers numbers = labelNumbers(current);
+    for (Item &item : m_items) {
+        item.menu->show(current);
+        item.notifier->showToolTip(inWords(numbers));
+        showFace(item, numbers);
+    }
+    m_numbers = numbers;
+    if (m_registered == 0)
+        registerNext();
+}
+
+bool NotifierItems::areTaken(const QStringList &taken) const
+{
+    return std::ranges::all_of(
+        m_items, [&taken](const Item &item) { return item.notifier->isTaken(taken); });
+}
+
+void NotifierItems::addItem(const QString &id, const QString &title,
+                            const QList<QAction *> &commands)
+{
+    Item item;
+    item.number = m_items.size();
+    item.menu = std::make_unique<MetricMenu>(commands);
+    item.notifier = std::make_unique<StatusNotifierItem>(m_busAddress, id, title, *item.menu);
+    const StatusNotifierItem *notifier = item.notifier.get();
+    connect(notifier, &StatusNotifierItem::activated, this, &NotifierItems::activated);
+    connect(notifier, &StatusNotifierItem::secondaryActivated, this,
+            &NotifierItems::secondaryActivated);
+    connect(notifier, &StatusNotifierItem::contextMenuRequested, this,
+            [this, menu = item.menu.get()](const QPoint &position) {
+                // A Wayland compositor shows a menu without a window of its own as a window.
+                if (QGuiApplication::platformName() == "wayland"_L1)
+                    emit activated(position);
+                else
+                    menu->popup(position);
+            });
+    connect(notifier, &StatusNotifierItem::settled, this, &NotifierItems::registerNext);
+    m_items.push_back(std::move(item));
+}
+
+void NotifierItems::showFace(Item &item, const LabelNumbers &numbers)
+{
+    const bool isFirst = m_registered == 0;
+    switch (m_host.form) {
+    case LabelForm::text:
+        if (isFirst)
+            item.notifier->showPictures([] { return inAllSizes(signPicture); });
+        item.notifier->showLabel(inOneLine(numbers), inOneLine(widestNumbers()));
+        break;
+    case LabelForm::widePicture:
+        if (isFirst || numbers != m_numbers)
+            item.notifier->showPictures([numbers] {
+                return inAllSizes([&](int pixels) { return widePicture(numbers, pixels); });
+            });
+        break;
+    case LabelForm::squares: {
+        const LabelNumber &number = numbers[item.number];
+        const auto position = static_cast<LabelPosition>(item.number);
+        if (isFirst || number != m_numbers[item.number])
+            item.notifier->showPictures([number, position] {
+                return inAllSizes(
+                    [&](int pixels) { return trayPicture(number, position, pixels); });
+            });
+        break;
+    }
+    }
+}
+
+/// Each waits until the desktop has taken the one before: several at once come out in any order.
+void NotifierItems::registerNext()
+{
+    if (m_registered == m_items.size()) {
+        m_settling.start();
+        return;
+    }
+    const std::size_t next =
+        m_host.order == ItemOrder::oldestLeft ? m_registered : m_items.size() - 1 - m_registered;
+    ++m_registered;
+    m_items[next].notifier->registerAtWatcher();
+}
+
+} // namespace corvane

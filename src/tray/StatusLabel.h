@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tray/StatusItem.h"
+#include "ui/MetricText.h"
+
+#include <QPoint>
+
+namespace corvane {
+
+/// The three numbers as the coloured runs of a Mac's status item, five points apart.
+std::vector<StatusRun> statusRuns(const LabelNumbers &numbers);
+
+StatusColor statusColor(const QColor &color);
+
+/// The middle of the item's lower edge, counted downwards from the upper edge of the primary
+/// screen.
+QPoint statusAnchor(const StatusPlace &place);
+
+} // namespace corvane

@@ -1,0 +1,135 @@
+#include "tray/StatusNotifierItem.h"
+
+#include "bus/BusCall.h"
+#include "tray/StatusNotifierWatcher.h"
+#include "windows/WindowTools.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+/// For a desktop that does not look.
+constexpr auto longestWait = 5s;
+
+/// Xfce's panel looks three times, then writes a new item into its settings; a second item that is
+/// new before these come back to it never shows.
+constexpr auto quietTime = 600ms;
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(const QString &busAddress, const QString &id,
+                                       const QString &title, QMenu &menu, QObject *parent)
+    : QObject(parent),
+      m_id(id),
+      m_title(title),
+      m_bus(QDBusConnection::connectToBus(busAddress, id)),
+      m_menu(menu)
+{
+    registerStatusNotifierTypes();
+    m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
+    m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
+    m_settling.setSingleShot(true);
+    connect(&m_settling, &QTimer::timeout, this, &StatusNotifierItem::settled);
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    QDBusConnection::disconnectFromBus(m_id);
+}
+
+void StatusNotifierItem::showPictures(Pictures pictures)
+{
+    m_paint = std::move(pictures);
+    m_pixmaps.clear();
+    emit NewIcon();
+}
+
+void StatusNotifierItem::showToolTip(const QString &text)
+{
+    if (text == m_toolTip)
+        return;
+    m_toolTip = text;
+    emit NewToolTip();
+}
+
+void StatusNotifierItem::showLabel(const QString &text, const QString &widest)
+{
+    if (text == m_label && widest == m_widestLabel)
+        return;
+    m_label = text;
+    m_widestLabel = widest;
+    emit XAyatanaNewLabel(text, widest);
+}
+
+void StatusNotifierItem::registerAtWatcher()
+{
+    QDBusMessage call = StatusNotifierWatcher::methodCall(u"RegisterStatusNotifierItem"_s);
+    call << m_bus.baseService();
+    BusCall::ask(m_bus, call, this, [this](const QDBusMessage &answer) {
+        if (!BusCall::isReply(answer) && m_settling.isActive())
+            m_settling.start(0ms);
+    });
+    m_settling.start(longestWait);
+}
+
+bool StatusNotifierItem::isTaken(const QStringList &taken) const
+{
+    // One known watcher writes an @ between the name and the path.
+    const QString name = m_bus.baseService();
+    return m_wasRead && std::ranges::any_of(taken, [&name](const QString &item) {
+               return item == name || item.startsWith(name + u'/') || item.startsWith(name + u'@');
+           });
+}
+
+void StatusNotifierItem::Activate(int x, int y)
+{
+    emit activated(QPoint(x, y));
+}
+
+void StatusNotifierItem::SecondaryActivate(int, int)
+{
+    emit secondaryActivated();
+}
+
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint)
+{
+    emit secondaryActivated();
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    emit contextMenuRequested(QPoint(x, y));
+}
+
+void StatusNotifierItem::Scroll(int, const QString &) { }
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString &token)
+{
+    useActivationToken(token.toUtf8());
+}
+
+StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
+{
+    if (m_pixmaps.isEmpty() && m_paint) {
+        for (const QImage &picture : m_paint())
+            m_pixmaps.append(StatusNotifierPixmap::from(picture));
+    }
+    m_wasRead = true;
+    if (m_settling.isActive())
+        m_settling.start(quietTime);
+    return m_pixmaps;
+}
+
+/// The text stands in the title: some desktops show nothing else of it.
+StatusNotifierToolTip StatusNotifierItem::toolTip() const
+{
+    return {.title = m_toolTip};
+}
+
+} // namespace corvane

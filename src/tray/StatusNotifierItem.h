@@ -1,0 +1,115 @@
+#pragma once
+
+#include "tray/DBusMenu.h"
+#include "tray/StatusNotifierTypes.h"
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QPoint>
+#include <QTimer>
+
+#include <functional>
+
+namespace corvane {
+
+/// One item in a desktop's tray, over the bus (org.kde.StatusNotifierItem), on a connection of its
+/// own, so that it has a name, an id and a title of its own. Owned by the label; the menu outlives
+/// it. Main thread; nothing here waits for an answer. Gone from the tray with this object.
+///
+/// A change is announced once; the desktop then asks for what it wants to show. Without a bus it
+/// does nothing.
+class StatusNotifierItem : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
+    Q_PROPERTY(QString Category MEMBER m_category CONSTANT)
+    Q_PROPERTY(QString Id MEMBER m_id CONSTANT)
+    Q_PROPERTY(QString Title MEMBER m_title CONSTANT)
+    Q_PROPERTY(QString Status MEMBER m_status CONSTANT)
+    Q_PROPERTY(int WindowId MEMBER m_windowId CONSTANT)
+    Q_PROPERTY(QString IconThemePath MEMBER m_none CONSTANT)
+    Q_PROPERTY(QString IconName MEMBER m_none CONSTANT)
+    Q_PROPERTY(corvane::StatusNotifierPixmaps IconPixmap READ iconPixmaps)
+    Q_PROPERTY(QString IconAccessibleDesc MEMBER m_toolTip)
+    Q_PROPERTY(QString OverlayIconName MEMBER m_none CONSTANT)
+    Q_PROPERTY(corvane::StatusNotifierPixmaps OverlayIconPixmap MEMBER m_noPixmaps CONSTANT)
+    Q_PROPERTY(QString AttentionIconName MEMBER m_none CONSTANT)
+    Q_PROPERTY(corvane::StatusNotifierPixmaps AttentionIconPixmap MEMBER m_noPixmaps CONSTANT)
+    Q_PROPERTY(QString AttentionMovieName MEMBER m_none CONSTANT)
+    Q_PROPERTY(corvane::StatusNotifierToolTip ToolTip READ toolTip)
+    Q_PROPERTY(bool ItemIsMenu MEMBER m_itemIsMenu CONSTANT)
+    Q_PROPERTY(QDBusObjectPath Menu MEMBER m_menuPath CONSTANT)
+    Q_PROPERTY(QString XAyatanaLabel MEMBER m_label CONSTANT)
+    Q_PROPERTY(QString XAyatanaLabelGuide MEMBER m_widestLabel CONSTANT)
+
+public:
+    using Pictures = std::function<QList<QImage>()>;
+
+    /// `id` never changes from run to run: desktops remember an item's place by it.
+    StatusNotifierItem(const QString &busAddress, const QString &id, const QString &title,
+                       QMenu &menu, QObject *parent = nullptr);
+    ~StatusNotifierItem() override;
+
+    /// `pictures` paints them in all sizes; called when the desktop first asks.
+    void showPictures(Pictures pictures);
+    void showToolTip(const QString &text);
+    /// A text beside the picture, where the desktop shows one; `widest` is what to keep room for.
+    void showLabel(const QString &text, const QString &widest);
+
+    /// Asks the desktop to show the item.
+    void registerAtWatcher();
+
+    /// Whether the desktop has looked at it and it is among what the watcher says to have.
+    bool isTaken(const QStringList &taken) const;
+
+public slots:
+    // Names of the interface.
+    Q_SCRIPTABLE void Activate(int x, int y);
+    Q_SCRIPTABLE void SecondaryActivate(int x, int y);
+    Q_SCRIPTABLE void XAyatanaSecondaryActivate(uint time);
+    Q_SCRIPTABLE void ContextMenu(int x, int y);
+    Q_SCRIPTABLE void Scroll(int delta, const QString &orientation);
+    Q_SCRIPTABLE void ProvideXdgActivationToken(const QString &token);
+
+signals:
+    Q_SCRIPTABLE void NewTitle();
+    Q_SCRIPTABLE void NewIcon();
+    Q_SCRIPTABLE void NewAttentionIcon();
+    Q_SCRIPTABLE void NewOverlayIcon();
+    Q_SCRIPTABLE void NewToolTip();
+    Q_SCRIPTABLE void NewStatus(const QString &status);
+    Q_SCRIPTABLE void XAyatanaNewLabel(const QString &label, const QString &guide);
+
+    void activated(const QPoint &position); ///< (0, 0) where the desktop does not tell.
+    void secondaryActivated();
+    void contextMenuRequested(const QPoint &position);
+    /// The desktop took the item and is done looking at it, or is not going to: the next one may
+    /// follow.
+    void settled();
+
+private:
+    StatusNotifierPixmaps iconPixmaps();
+    StatusNotifierToolTip toolTip() const;
+
+    const QString m_category = QStringLiteral("Hardware");
+    const QString m_status = QStringLiteral("Active");
+    const QString m_none = {};
+    const StatusNotifierPixmaps m_noPixmaps = {};
+    const int m_windowId = 0;
+    const bool m_itemIsMenu = false;
+    const QDBusObjectPath m_menuPath{QStringLiteral("/MenuBar")};
+
+    const QString m_id;
+    const QString m_title;
+    QString m_toolTip;
+    QString m_label;
+    QString m_widestLabel;
+    Pictures m_paint;
+    StatusNotifierPixmaps m_pixmaps; ///< Empty until asked for.
+
+    QDBusConnection m_bus;
+    DBusMenu m_menu;
+    bool m_wasRead = false;
+    QTimer m_settling; ///< Runs from the registration until it is settled.
+};
+
+} // namespace corvane

@@ -1,0 +1,150 @@
+#include "tray/TrayPicture.h"
+
+#include "ui/RoundedBox.h"
+#include "ui/TextLayout.h"
+#include "ui/Theme.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <tuple>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The square's own grid; every length below is in its units.
+constexpr double side = 22;
+constexpr double plateRadius = 5;
+constexpr double borderWidth = 1;
+constexpr double numberSize = 13; ///< Or less, as the number needs.
+constexpr double numberRoom = 20;
+constexpr double numberMiddle = 9.6;
+constexpr QSizeF markSize(4, 2);
+constexpr double markTop = 17;
+
+double markLeft(LabelPosition position)
+{
+    switch (position) {
+    case LabelPosition::left:
+        return 4;
+    case LabelPosition::middle:
+        return 9;
+    case LabelPosition::right:
+        break;
+    }
+    return 14;
+}
+
+void paintPlate(QPainter &painter, double width, double height)
+{
+    const QRectF plate(0, 0, width, height);
+    fillRounded(painter, plate, plateRadius, Theme::plate());
+    strokeRounded(painter, plate, plateRadius, Theme::plateStroke(), borderWidth);
+}
+
+/// Set at the pixel size that it is shown in, so that the font's own hinting applies.
+void paintNumber(QPainter &painter, const LabelNumber &number, double scale)
+{
+    QFont font = Theme::systemFont(1, QFont::Bold);
+    font.setPixelSize(qRound(numberSize * scale));
+    const double width = textWidth(number.text, font, Digits::proportional);
+    if (width > numberRoom * scale)
+        font.setPixelSize(static_cast<int>(font.pixelSize() * numberRoom * scale / width));
+
+    const double left = (side * scale - textWidth(number.text, font, Digits::proportional)) / 2;
+    const double baseline = numberMiddle * scale + QFontMetricsF(font).capHeight() / 2;
+    painter.setPen(number.color);
+    drawText(painter, QPointF(left, baseline), number.text, font, Digits::proportional);
+}
+
+void paintMark(QPainter &painter, const QColor &color, LabelPosition position)
+{
+    fillRounded(painter, QRectF(QPointF(markLeft(position), markTop), markSize), 1, color);
+}
+
+QImage emptyPicture(int width, int height)
+{
+    QImage picture(width, height, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    return picture;
+}
+
+/// A square with all but its number, which never changes: plate and mark are painted once.
+QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
+{
+    static std::map<std::tuple<LabelPosition, QRgb, int>, QImage> squares;
+    QImage &square = squares[{position, color.rgba(), pixels}];
+    if (!square.isNull())
+        return square;
+    square = emptyPicture(pixels, pixels);
+    QPainter painter(&square);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / side, pixels / side);
+    paintPlate(painter, side, side);
+    paintMark(painter, color, position);
+    return square;
+}
+
+/// The wide picture's grid: the label of a menu bar on its plate.
+constexpr double wideHeight = 18;
+constexpr double widePadding = 5;
+constexpr double wideGap = 5;
+constexpr double wideNumberSize = 12;
+
+} // namespace
+
+QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels)
+{
+    QImage picture = emptySquare(position, number.color, pixels);
+    QPainter painter(&picture);
+    paintNumber(painter, number, pixels / side);
+    return picture;
+}
+
+QIcon trayIcon(const LabelNumber &number, LabelPosition position)
+{
+    QIcon icon;
+    for (const int pixels : trayPictureSizes)
+        icon.addPixmap(QPixmap::fromImage(trayPicture(number, position, pixels)));
+    return icon;
+}
+
+QImage widePicture(const LabelNumbers &numbers, int pixels)
+{
+    const double scale = pixels / wideHeight;
+    QFont font = Theme::systemFont(1, QFont::Bold);
+    font.setPixelSize(qRound(wideNumberSize * scale));
+    const double twoDigits = textWidth(u"00"_s, font);
+    const double unit = textWidth(u"W"_s, font);
+    std::array<double, 3> widths = {twoDigits, twoDigits, twoDigits + unit};
+    double width = 2 * (widePadding + wideGap) * scale;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        widths[index] = std::max(widths[index], textWidth(numbers[index].text, font));
+        width += widths[index];
+    }
+
+    QImage picture = emptyPicture(static_cast<int>(std::ceil(width)), pixels);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(scale, scale);
+    paintPlate(painter, picture.width() / scale, wideHeight);
+    painter.resetTransform();
+
+    const double baseline = (pixels + QFontMetricsF(font).capHeight()) / 2;
+    double right = widePadding * scale;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        right += widths[index];
+        painter.setPen(numbers[index].color);
+        drawTextRight(painter, QPointF(right, baseline), numbers[index].text, font);
+        right += wideGap * scale;
+    }
+    return picture;
+}
+
+} // namespace corvane

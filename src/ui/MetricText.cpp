@@ -1,0 +1,80 @@
+#include "ui/MetricText.h"
+
+#include "ui/ByteFormatter.h"
+#include "ui/NumberText.h"
+#include "ui/Theme.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QString byteText(quint64 bytes)
+{
+    return ByteFormatter::f().string(bytes);
+}
+
+/// A percentage cut to a whole number. Sane samples lie in 0…100; whatever else comes is kept
+/// within what an integer holds.
+qint64 wholePercent(double percent)
+{
+    constexpr double most = 1e15;
+    return std::isnan(percent) ? 0 : static_cast<qint64>(std::clamp(percent, -most, most));
+}
+
+LabelNumber loadNumber(const QString &name, double percent, const QColor &color)
+{
+    const QString text = QString::number(wholePercent(percent));
+    return {text, color, u"%1 %2 %"_s.arg(name, text)};
+}
+
+} // namespace
+
+std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
+{
+    const MemorySnapshot &memory = current.memory;
+    const ChipReading chip = current.chip.value_or(ChipReading{});
+    return {{
+        {u"Memory"_s, Theme::memory(), byteText(memory.used) + u" / "_s + byteText(memory.total),
+         spacedPercentText(usedPercent(memory))},
+        {u"GPU"_s, Theme::gpu(), spacedPercentText(chip.gpuActiveFraction * 100),
+         wattsText(chip.gpuWatts, 2)},
+        {u"CPU"_s, Theme::cpu(), spacedPercentText(chip.cpuActiveFraction * 100),
+         wattsText(chip.cpuWatts, 2)},
+        {u"ANE"_s, Theme::ane(), wattsText(chip.aneWatts, 2), u"Neural Engine"_s},
+        {u"Swap"_s, Theme::withOpacity(Theme::memory(), 0.7), byteText(memory.swapUsed),
+         u"of "_s + byteText(memory.swapTotal)},
+    }};
+}
+
+QString inOneLine(const MetricRow &row)
+{
+    return u"%1: %2, %3"_s.arg(row.title, row.value, row.detail);
+}
+
+LabelNumbers labelNumbers(const SystemMetrics &current)
+{
+    const double gpuPercent = current.chip ? current.chip->gpuActiveFraction * 100 : 0;
+    const double watts = totalWatts(current.chip);
+    return {
+        loadNumber(u"Memory"_s, usedPercent(current.memory), Theme::memory()),
+        loadNumber(u"GPU"_s, gpuPercent, Theme::gpu()),
+        LabelNumber{tightWattsText(watts, 0), Theme::power(), u"Power "_s + wattsText(watts, 0)},
+    };
+}
+
+QString inOneLine(const LabelNumbers &numbers)
+{
+    return u"%1 %2 %3"_s.arg(numbers[0].text, numbers[1].text, numbers[2].text);
+}
+
+QString inWords(const LabelNumbers &numbers)
+{
+    return u"%1, %2, %3"_s.arg(numbers[0].words, numbers[1].words, numbers[2].words);
+}
+
+} // namespace corvane

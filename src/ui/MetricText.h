@@ -1,0 +1,50 @@
+#pragma once
+
+#include "records/SystemMetrics.h"
+
+#include <QColor>
+#include <QString>
+
+#include <array>
+
+namespace corvane {
+
+/// One metric in words: the rows of the panel and of the label's menus.
+struct MetricRow {
+    QString title = {};
+    QColor color = {};
+    QString value = {};
+    QString detail = {};
+
+    friend bool operator==(const MetricRow &, const MetricRow &) = default;
+};
+
+/// Memory, GPU, CPU, ANE and swap, in this order. An absent chip reading shows as 0.
+std::array<MetricRow, 5> metricRows(const SystemMetrics &current);
+
+/// The row as one line of text: "Memory: 45.74 GB / 64 GB, 71 %".
+QString inOneLine(const MetricRow &row);
+
+/// One of the label's three numbers: its text as it stands in the menu bar, its colour, and what it
+/// says in words.
+struct LabelNumber {
+    QString text = {};
+    QColor color = {};
+    QString words = {};
+
+    friend bool operator==(const LabelNumber &, const LabelNumber &) = default;
+};
+
+using LabelNumbers = std::array<LabelNumber, 3>;
+
+/// Memory load, GPU load and total power, in this order: "63", "41", "12W". Loads are cut to whole
+/// per cents, not rounded.
+LabelNumbers labelNumbers(const SystemMetrics &current);
+
+/// All three in one line: "63 41 12W".
+QString inOneLine(const LabelNumbers &numbers);
+
+/// All three in words, for tool tips: "Memory 63 %, GPU 41 %, Power 12 W".
+QString inWords(const LabelNumbers &numbers);
+
+} // namespace corvane

@@ -1,0 +1,192 @@
+#include "ui/TextLayout.h"
+
+#include <QFontMetricsF>
+#include <QHash>
+#include <QPainter>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+/// Advances in one font. To shape a text costs a hundred times what finding its width here does,
+/// and the few words of a view come back at every change of its numbers.
+class FontAdvances {
+public:
+    explicit FontAdvances(const QFont &font) : m_metrics(font)
+    {
+        for (std::size_t digit = 0; digit < digits.size(); ++digit)
+            digits[digit] = m_metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
+        const auto [narrowest, most] = std::ranges::minmax(digits);
+        widest = most;
+        alike = most - narrowest < 0.01;
+    }
+
+    double advance(const QString &text)
+    {
+        constexpr qsizetype mostTexts = 300;
+        const auto found = m_known.constFind(text);
+        if (found != m_known.constEnd())
+            return *found;
+        if (m_known.size() >= mostTexts)
+            m_known.clear();
+        return *m_known.insert(text, m_metrics.horizontalAdvance(text));
+    }
+
+    std::array<double, 10> digits = {};
+    double widest = 0;
+    bool alike = true; ///< The font's own digits are of one width.
+
+private:
+    QFontMetricsF m_metrics;
+    QHash<QString, double> m_known = {};
+};
+
+FontAdvances &advancesOf(const QFont &font)
+{
+    static QHash<QFont, FontAdvances> known;
+    const auto found = known.find(font);
+    return found != known.end() ? *found : *known.insert(font, FontAdvances(font));
+}
+
+bool isDigit(QChar character)
+{
+    return character >= u'0' && character <= u'9';
+}
+
+/// Calls `visit(piece, width, indent)` for every digit and for every run between digits.
+template <typename Visitor>
+void forEachPiece(const QString &text, FontAdvances &font, Visitor visit)
+{
+    qsizetype start = 0;
+    while (start < text.size()) {
+        if (isDigit(text[start])) {
+            const double advance = font.digits[static_cast<std::size_t>(text[start].digitValue())];
+            visit(text.mid(start, 1), font.widest, (font.widest - advance) / 2);
+            ++start;
+            continue;
+        }
+        qsizetype end = start;
+        while (end < text.size() && !isDigit(text[end]))
+            ++end;
+        const QString run = text.mid(start, end - start);
+        visit(run, font.advance(run), 0.0);
+        start = end;
+    }
+}
+
+/// Sets text at the size that it has on the device. A font that the painter enlarges is hinted at
+/// its small size first, which thickens every stem.
+class DeviceText {
+public:
+    DeviceText(QPainter &painter, const QFont &font)
+        : m_painter(painter),
+          m_ratio(wholeRatio(painter))
+    {
+        if (m_ratio == 1) {
+            painter.setFont(font);
+            return;
+        }
+        QFont large = font;
+        large.setPixelSize(font.pixelSize() * m_ratio);
+        if (font.letterSpacingType() == QFont::AbsoluteSpacing)
+            large.setLetterSpacing(QFont::AbsoluteSpacing, font.letterSpacing() * m_ratio);
+        painter.save();
+        painter.setFont(large);
+        painter.scale(1.0 / m_ratio, 1.0 / m_ratio);
+    }
+
+    ~DeviceText()
+    {
+        if (m_ratio != 1)
+            m_painter.restore();
+    }
+
+    DeviceText(const DeviceText &) = delete;
+    DeviceText &operator=(const DeviceText &) = delete;
+
+    void draw(const QPointF &baseline, const QString &text) const
+    {
+        m_painter.drawText(baseline * m_ratio, text);
+    }
+
+private:
+    /// The device's pixels a point, where they are a whole number; fonts have whole pixel sizes.
+    static int wholeRatio(const QPainter &painter)
+    {
+        const double ratio = painter.device()->devicePixelRatioF();
+        return ratio == std::floor(ratio) ? static_cast<int>(ratio) : 1;
+    }
+
+    QPainter &m_painter;
+    int m_ratio;
+};
+
+bool setDigitByDigit(const QString &text, const FontAdvances &font, Digits digits)
+{
+    return digits == Digits::fixedWidth && !font.alike && std::ranges::any_of(text, isDigit);
+}
+
+} // namespace
+
+double TextLine::baseline(const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    return top + (height + metrics.ascent() - metrics.descent()) / 2;
+}
+
+double textWidth(const QString &text, const QFont &font, Digits digits)
+{
+    FontAdvances &advances = advancesOf(font);
+    if (!setDigitByDigit(text, advances, digits))
+        return advances.advance(text);
+    double width = 0;
+    forEachPiece(text, advances,
+                 [&width](const QString &, double pieceWidth, double) { width += pieceWidth; });
+    return width;
+}
+
+void drawText(QPainter &painter, const QPointF &baseline, const QString &text, const QFont &font,
+              Digits digits)
+{
+    const DeviceText device(painter, font);
+    FontAdvances &advances = advancesOf(font);
+    if (!setDigitByDigit(text, advances, digits)) {
+        device.draw(baseline, text);
+        return;
+    }
+    double x = baseline.x();
+    forEachPiece(text, advances, [&](const QString &piece, double width, double indent) {
+        device.draw(QPointF(x + indent, baseline.y()), piece);
+        x += width;
+    });
+}
+
+void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString &text,
+                   const QFont &font, Digits digits)
+{
+    drawText(painter, baselineEnd - QPointF(textWidth(text, font, digits), 0), text, font, digits);
+}
+
+QString elided(const QString &text, const QFont &font, double width)
+{
+    return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
+}
+
+QString singleLine(const QString &text)
+{
+    constexpr qsizetype mostCharacters = 512; // No view has room for more; shaping more costs time.
+    QString line = text.left(mostCharacters);
+    for (QChar &character : line) {
+        const QChar::Category category = character.category();
+        if (category == QChar::Other_Control || category == QChar::Other_Format
+            || category == QChar::Separator_Line || category == QChar::Separator_Paragraph)
+            character = QChar(0xFFFD);
+    }
+    return line;
+}
+
+} // namespace corvane

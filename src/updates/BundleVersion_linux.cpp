@@ -1,0 +1,10 @@
+#include "updates/BundleVersion.h"
+
+namespace corvane {
+
+BundleVersion bundleVersion()
+{
+    return {QStringLiteral(CORVANE_VERSION), QStringLiteral(CORVANE_BUILD)};
+}
+
+} // namespace corvane

@@ -1,0 +1,15 @@
+#include "updates/SystemUpdater.h"
+
+#include "updates/PackageUpdater.h"
+
+#include <QCoreApplication>
+
+namespace corvane {
+
+std::unique_ptr<SystemUpdater> makeSystemUpdater()
+{
+    return std::make_unique<PackageUpdater>(
+        PackageUpdaterSources{.program = QCoreApplication::applicationFilePath()});
+}
+
+} // namespace corvane

@@ -1,0 +1,38 @@
+#include "windows/WindowLifecycleCoordinator.h"
+
+#include <utility>
+
+namespace corvane {
+
+WindowLifecycleCoordinator::WindowLifecycleCoordinator(WindowPlatform platform)
+    : m_platform(std::move(platform))
+{
+}
+
+WindowLifecycleCoordinator &WindowLifecycleCoordinator::shared()
+{
+    static WindowLifecycleCoordinator coordinator;
+    return coordinator;
+}
+
+void WindowLifecycleCoordinator::attach(NativeWindow window)
+{
+    const std::uint64_t behavior = m_platform.collectionBehavior(window);
+    m_platform.setCollectionBehavior(window,
+                                     (behavior | CollectionBehavior::fullScreenPrimary)
+                                         & ~CollectionBehavior::fullScreenAuxiliary);
+    m_platform.enableZoomButton(window);
+    m_platform.setActivationPolicy(ActivationPolicy::regular);
+    m_platform.activate(window);
+    m_observers.erase(window);
+    m_observers.emplace(
+        window, m_platform.observeClose(window, [this, window] { windowWillClose(window); }));
+}
+
+void WindowLifecycleCoordinator::windowWillClose(NativeWindow window)
+{
+    m_platform.setActivationPolicy(ActivationPolicy::accessory);
+    m_observers.erase(window);
+}
+
+} // namespace corvane

@@ -1,0 +1,7 @@
+corvane_test(cpu/tst_CPUCoreSampler)
+corvane_test(cpu/tst_ProcStat)
+corvane_test(cpu/tst_CoreTicks SYSTEM linux)
+corvane_test(cpu/tst_CPUClusters)
+corvane_test(cpu/tst_CPUFrequencies)
+corvane_test(cpu/tst_PackageEnergy SYSTEM linux)
+corvane_test(cpu/tst_CPUClusterStates SYSTEM linux LINK corvane::chip)

@@ -1,0 +1,162 @@
+#include "cpu/CoreTicks.h"
+
+#include "cpu/CPUCoreSampler.h"
+#include "support/MachineTree.h"
+#include "support/Machines.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+
+#include <unistd.h>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Ticks = std::vector<CoreTicks>;
+
+} // namespace
+
+class TestCoreTicks : public QObject {
+    Q_OBJECT
+
+private slots:
+    void readsMachines_data();
+    void readsMachines();
+    void anOfflineCoreIsAGap();
+    void followsCoresThatComeAndGo();
+    void readersOfOneMachineGetNothingOld();
+    void aMachineWithoutCountersHasNothing();
+    void readsThisMachine();
+};
+
+/// user; system + irq + softirq + steal; idle + iowait; nice, each modulo 2^32.
+void TestCoreTicks::readsMachines_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("processors");
+    QTest::addColumn<int>("processor");
+    QTest::addColumn<CoreTicks>("expected");
+
+    // cpu0 180000 900 41000 2600000 1200 1850 5200 0 0 0
+    QTest::newRow("a laptop's fast core that serves interrupts")
+        << u"laptop-hybrid-zram"_s << 16 << 0
+        << CoreTicks{.user = 180'000, .system = 48'050, .idle = 2'601'200, .nice = 900};
+    // cpu15 60165 915 41045 2600195 1185 0 315 0 0 0
+    QTest::newRow("a laptop's last small core")
+        << u"laptop-hybrid-zram"_s << 16 << 15
+        << CoreTicks{.user = 60'165, .system = 41'360, .idle = 2'601'380, .nice = 915};
+    // cpu0 1500000000 250000 300000000 4294967290 5000000 2000000 9000000 0 700000000 1234:
+    // idle + iowait = 4299967290 = 2^32 + 4999994
+    QTest::newRow("a server's core, idle beyond 32 bits")
+        << u"server-offline-core"_s << 96 << 0
+        << CoreTicks{
+               .user = 1'500'000'000, .system = 311'000'000, .idle = 4'999'994, .nice = 250'000};
+    // cpu95 1500095095 250095 300001615 4389967575 5000095 2000000 9000285 0 700000000 1234:
+    // idle + iowait = 4394967670 = 2^32 + 100000374
+    QTest::newRow("a server's last core")
+        << u"server-offline-core"_s << 96 << 95
+        << CoreTicks{
+               .user = 1'500'095'095, .system = 311'001'900, .idle = 100'000'374, .nice = 250'095};
+    QTest::newRow("a server's offline core") << u"server-offline-core"_s << 96 << 37 << CoreTicks{};
+    // cpu4 90004 100 9004 399996 700 0 200 0 0 0
+    QTest::newRow("a board's large core")
+        << u"arm-board"_s << 6 << 4
+        << CoreTicks{.user = 90'004, .system = 9204, .idle = 400'696, .nice = 100};
+    // cpu3 300003 5000 80000 1900006 20000 10 400 1234 0 0
+    QTest::newRow("a core whose host stole time")
+        << u"kernel-without-psi"_s << 4 << 3
+        << CoreTicks{.user = 300'003, .system = 81'644, .idle = 1'920'006, .nice = 5000};
+    // cpu1 7200 5585 4610 134136 841 0 57 12 0 0
+    QTest::newRow("a virtual machine's second core")
+        << u"virtual-machine"_s << 2 << 1
+        << CoreTicks{.user = 7200, .system = 4679, .idle = 134'977, .nice = 5585};
+}
+
+void TestCoreTicks::readsMachines()
+{
+    QFETCH(QString, name);
+    QFETCH(int, processors);
+    QFETCH(int, processor);
+    QFETCH(CoreTicks, expected);
+    CoreTicksReader reader(machine(name.toStdString()));
+    const auto ticks = reader.read();
+    QVERIFY(ticks);
+    QCOMPARE(ticks->size(), std::size_t(processors));
+    QVERIFY((*ticks)[std::size_t(processor)] == expected);
+    QVERIFY(reader.read() == ticks); // The text is the same, so nothing has moved.
+}
+
+void TestCoreTicks::anOfflineCoreIsAGap()
+{
+    CoreTicksReader reader(machine("server-offline-core"));
+    const auto ticks = reader.read();
+    QVERIFY(ticks);
+    QCOMPARE(std::ranges::count(*ticks, CoreTicks()), 1);
+}
+
+void TestCoreTicks::followsCoresThatComeAndGo()
+{
+    const QTemporaryDir root;
+    QVERIFY(QDir().mkpath(root.filePath(u"proc"_s)));
+    const auto setStat = [&root](const QByteArray &contents) {
+        QFile stat(root.filePath(u"proc/stat"_s));
+        QVERIFY(stat.open(QIODevice::WriteOnly));
+        QCOMPARE(stat.write(contents), contents.size());
+    };
+    CoreTicksReader reader(root.path().toStdString());
+    QVERIFY(!reader.read());
+    setStat("cpu  9 0 0 9\ncpu0 5 0 0 5\ncpu1 4 0 0 4\nintr 1\n");
+    QVERIFY(reader.read() == Ticks({{.user = 5, .idle = 5}, {.user = 4, .idle = 4}}));
+    setStat("cpu  9 0 0 9\ncpu1 6 0 0 4\nintr 1\n");
+    QVERIFY(reader.read() == Ticks({{.user = 5, .idle = 5}, {.user = 6, .idle = 4}}));
+    setStat("");
+    QVERIFY(!reader.read());
+    setStat("cpu  9 0 0 9\ncpu0 7 0 0 5\ncpu1 6 0 0 9\nintr 1\n");
+    QVERIFY(reader.read() == Ticks({{.user = 7, .idle = 5}, {.user = 6, .idle = 9}}));
+}
+
+void TestCoreTicks::readersOfOneMachineGetNothingOld()
+{
+    const MachineTree tree;
+    tree.write("proc/stat", "cpu0 1 0 0 1\n");
+    CoreTicksReader first(tree.root());
+    CoreTicksReader second(tree.root());
+    QVERIFY(first.read() == Ticks({{.user = 1, .idle = 1}}));
+    tree.write("proc/stat", "cpu0 2 0 0 2\n");
+    QVERIFY(first.read() == Ticks({{.user = 2, .idle = 2}}));
+    QVERIFY(second.read() == Ticks({{.user = 2, .idle = 2}})); // The other's reading, or its own.
+    tree.write("proc/stat", "cpu0 3 0 0 3\n");
+    QVERIFY(second.read() == Ticks({{.user = 3, .idle = 3}}));
+    QVERIFY(first.read() == Ticks({{.user = 3, .idle = 3}}));
+}
+
+void TestCoreTicks::aMachineWithoutCountersHasNothing()
+{
+    const QTemporaryDir root;
+    CoreTicksReader reader(root.path().toStdString());
+    QVERIFY(!reader.read());
+    CPUCoreSampler sampler([&reader] { return reader.read(); });
+    QVERIFY(sampler.sample().empty());
+}
+
+void TestCoreTicks::readsThisMachine()
+{
+    CPUCoreSampler sampler;
+    const std::vector<double> first = sampler.sample();
+    QVERIFY(first.size() >= std::size_t(sysconf(_SC_NPROCESSORS_ONLN)));
+    QCOMPARE(first, std::vector<double>(first.size(), 0.0));
+    for (int i = 0; i < 100; ++i) {
+        for (const double fraction : sampler.sample())
+            QVERIFY(fraction >= 0 && fraction <= 1);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestCoreTicks)
+#include "tst_CoreTicks.moc"

@@ -1,0 +1,2 @@
+corvane_test(dashboard/tst_DashboardLayout)
+corvane_test(dashboard/tst_MainWindow LINK corvane_scripted_samples)

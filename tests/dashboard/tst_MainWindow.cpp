@@ -1,0 +1,363 @@
+#include "cards/AIWorkloadsCard.h"
+#include "cards/MemoryCard.h"
+#include "cards/PowerCard.h"
+#include "cards/ProcessCard.h"
+#include "cards/RowList.h"
+#include "cards/UtilizationCard.h"
+#include "charts/Sparkline.h"
+#include "dashboard/DashboardHeader.h"
+#include "dashboard/MainWindow.h"
+#include "gallery/ScriptedSamples.h"
+#include "support/Rendering.h"
+#include "ui/InfoButton.h"
+
+#include <QAccessible>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const ChipInfo chip{.name = u"Apple M3 Max"_s, .aneMaxW = 8};
+
+/// The dashboard, in sight.
+struct Shown {
+    explicit Shown(const QSize &size = {1280, 900}, const ChipInfo &info = chip)
+        : window(nullptr, info)
+    {
+        window.resize(size);
+        window.QWidget::show();
+    }
+
+    void showAll()
+    {
+        window.show(scriptedCurrent(), scriptedHistory());
+        window.showProcesses(scriptedProcesses());
+        window.showWorkloads(scriptedWorkloads());
+    }
+
+    QStringList quickNumbers() const
+    {
+        QStringList values;
+        for (const AccessibleText &text : window.findChild<DashboardHeader *>()->accessibleTexts())
+            values.append(text.value);
+        return values.sliced(2);
+    }
+
+    template <typename Part>
+    Part *part() const
+    {
+        return window.findChild<Part *>();
+    }
+
+    MainWindow window;
+};
+
+/// Every name below an accessible object, depth first.
+void collectNames(QAccessibleInterface *object, QStringList &names)
+{
+    names.append(object->text(QAccessible::Name));
+    names.append(object->text(QAccessible::Value));
+    for (int i = 0; i < object->childCount(); ++i)
+        collectNames(object->child(i), names);
+}
+
+/// The most that records can hold, or that a hostile process can pretend.
+void showExtremes(MainWindow &window)
+{
+    constexpr std::uint64_t tebibytes = std::uint64_t(2) << 40;
+    std::vector<SystemMetrics> history;
+    for (int second = 0; second < 60; ++second) {
+        history.push_back({.timestamp = second * 1e3,
+                           .memory = {.total = tebibytes,
+                                      .used = tebibytes - 1,
+                                      .wired = tebibytes,
+                                      .compressed = tebibytes,
+                                      .cached = tebibytes,
+                                      .appMemory = tebibytes,
+                                      .swapTotal = tebibytes,
+                                      .swapUsed = tebibytes - 12345,
+                                      .pressure = MemoryPressure::critical},
+                           .chip = ChipReading{.cpuWatts = 400,
+                                               .gpuWatts = 1400,
+                                               .aneWatts = 400,
+                                               .cpuActiveFraction = 1,
+                                               .gpuActiveFraction = 1,
+                                               .cpuActiveMHz = 12345,
+                                               .gpuDominantState = QString(300, u'W'),
+                                               .cpuCoreUtilizations = std::vector<double>(192, 1),
+                                               .cpuTempC = 149,
+                                               .packageTempC = 149}});
+    }
+    window.show(history.back(), history);
+    const QString marks = QString(4000, u'W') + u"\u202E\u2066\n<b>x</b>"_s;
+    std::vector<ProcessRow> processes;
+    std::vector<AIWorkload> workloads;
+    for (int i = 0; i < 20; ++i) {
+        processes.push_back({4194304 - i, marks, tebibytes});
+        workloads.push_back(
+            {4194304 - i, 4194304 - i, marks, AIFramework::transformers, marks, tebibytes});
+    }
+    window.showProcesses(processes);
+    window.showWorkloads(workloads);
+}
+
+} // namespace
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cannotBeMadeSmaller();
+    void showsQuickNumbers();
+    void showsZerosWithoutAReading();
+    void reducesTheHistory();
+    void showsNothingUnseen();
+    void showsTheNewestWhenItComesBack();
+    void keepsTheScaleOfSpikesUnseen();
+    void canBeReadThrough();
+    void startsWithoutAFocusRing();
+    void stepsThroughItsPartsByTab();
+    void repaintsOnlyWhatChanged();
+    void repaintsAllThatMoved();
+    void bearsExtremes_data();
+    void bearsExtremes();
+    void bearsNothing_data();
+    void bearsNothing();
+};
+
+void TestMainWindow::cannotBeMadeSmaller()
+{
+    Shown shown({100, 100});
+    QCOMPARE(shown.window.size(), QSize(920, 760));
+}
+
+void TestMainWindow::showsQuickNumbers()
+{
+    Shown shown;
+    shown.showAll();
+    QCOMPARE(shown.quickNumbers(), QStringList({u"71%"_s, u"48%"_s, u"90%"_s, u"49.7W"_s}));
+    const std::vector<AccessibleText> texts = shown.part<DashboardHeader>()->accessibleTexts();
+    QCOMPARE(texts[0].value, u"Corvane"_s);
+    QCOMPARE(texts[1].value, u"Apple M3 Max"_s);
+    // The last one ends on the cards' right edge; bounds are 2 wider than the text.
+    QCOMPARE(qRound(texts[5].place.right()), 1280 - 32 + 2);
+}
+
+void TestMainWindow::showsZerosWithoutAReading()
+{
+    Shown shown;
+    shown.window.show({}, {});
+    QCOMPARE(shown.quickNumbers(), QStringList({u"0%"_s, u"0%"_s, u"0%"_s, u"0.0W"_s}));
+    QCOMPARE(shown.part<PowerCard>()->accessibleText(u"Power"_s), u"peak 0.0 W"_s);
+}
+
+void TestMainWindow::reducesTheHistory()
+{
+    Shown shown;
+    std::vector<SystemMetrics> history(500, scriptedCurrent());
+    for (std::size_t i = 0; i < history.size(); ++i)
+        history[i].timestamp = static_cast<double>(i);
+    shown.window.show(history.back(), history);
+    for (const Sparkline *chart : shown.window.findChildren<Sparkline *>()) {
+        QCOMPARE(chart->shown().timestamps.size(), std::size_t(180));
+        QCOMPARE(chart->shown().xDomain, (ChartRange{0, 499}));
+    }
+}
+
+void TestMainWindow::showsNothingUnseen()
+{
+    Shown shown;
+    shown.showAll();
+    QCoreApplication::processEvents();
+    shown.window.hide();
+    SystemMetrics other = scriptedCurrent();
+    other.memory.used = 0;
+    shown.window.show(other, {other});
+    shown.window.showProcesses({});
+    shown.window.showWorkloads({});
+    QCOMPARE(shown.quickNumbers().first(), u"71%"_s);
+    QCOMPARE(shown.part<ProcessCard>()->list()->rowCount(), 20);
+    QCOMPARE(shown.part<AIWorkloadsCard>()->list()->rowCount(), 3);
+}
+
+void TestMainWindow::showsTheNewestWhenItComesBack()
+{
+    Shown shown;
+    shown.showAll();
+    for (const bool minimized : {false, true}) {
+        minimized ? shown.window.showMinimized() : shown.window.hide();
+        SystemMetrics other = scriptedCurrent();
+        for (const double share : {0.25, 0.5}) {
+            other.memory.used = static_cast<std::uint64_t>(gibibytes(64 * share));
+            shown.window.show(other, {other});
+            shown.window.showProcesses({{1, u"init"_s, 1}});
+            shown.window.showWorkloads({});
+        }
+        QCOMPARE(shown.quickNumbers().first(), u"71%"_s);
+        shown.window.showNormal();
+        QCOMPARE(shown.quickNumbers().first(), u"50%"_s);
+        QCOMPARE(shown.part<ProcessCard>()->list()->rowCount(), 1);
+        QCOMPARE(shown.part<AIWorkloadsCard>()->list()->rowCount(), 0);
+        shown.showAll();
+    }
+}
+
+void TestMainWindow::keepsTheScaleOfSpikesUnseen()
+{
+    Shown shown;
+    shown.window.hide();
+    SystemMetrics spike = scriptedCurrent();
+    spike.chip->cpuWatts = 390;
+    shown.window.show(spike, {spike});
+    shown.window.show(scriptedCurrent(), scriptedHistory());
+    shown.window.QWidget::show();
+    QVERIFY(shown.part<PowerCard>()->stableYMax() >= 423);
+}
+
+void TestMainWindow::canBeReadThrough()
+{
+    Shown shown;
+    shown.showAll();
+    QStringList names;
+    collectNames(QAccessible::queryAccessibleInterface(&shown.window), names);
+    for (const QString &expected :
+         {u"Memory: 71%"_s, u"Power: 49.7W"_s, u"Chip: Apple M3 Max"_s,
+          u"Memory pressure: NORMAL"_s, u"App: 38.94 GB"_s, u"Swap: 1.37 GB / 3 GB"_s,
+          u"Memory used in percent: 71"_s, u"Power and temperature: 16.69 W · 74°C"_s,
+          u"Load: 17%"_s, u"Frequency: 3.27 GHz"_s, u"Dominant state: P12"_s,
+          u"Load of the cores"_s, u"CPU load over time"_s, u"Package Power"_s,
+          u"llama-server: 20.94 GB, 32.7%"_s,
+          u"LM Studio, LM Studio Helper (Renderer): model unknown, 2.47 GB, pid 1864"_s})
+        QVERIFY2(names.contains(expected), qPrintable(expected));
+    QVERIFY(!names.filter(u"0: 71%"_s).isEmpty()); // The first core.
+}
+
+void TestMainWindow::startsWithoutAFocusRing()
+{
+    Shown shown;
+    shown.window.activateWindow();
+    QCoreApplication::processEvents();
+    QVERIFY(!qobject_cast<InfoButton *>(QApplication::focusWidget()));
+}
+
+void TestMainWindow::stepsThroughItsPartsByTab()
+{
+    Shown shown;
+    shown.showAll();
+    // In reading order: each card's info button, then its chart or list.
+    QList<QWidget *> expected;
+    for (Card *card : shown.window.findChildren<Card *>()) {
+        expected.append(card->infoButton());
+        if (auto *chart = card->findChild<Sparkline *>())
+            expected.append(chart);
+        if (auto *list = card->findChild<RowList *>())
+            expected.append(list);
+    }
+    QCOMPARE(expected.size(), qsizetype(14));
+    QList<QWidget *> stepped;
+    for (QWidget *next = shown.window.nextInFocusChain(); next != &shown.window;
+         next = next->nextInFocusChain()) {
+        if (next->focusPolicy() & Qt::TabFocus)
+            stepped.append(next);
+    }
+    QCOMPARE(stepped, expected);
+}
+
+void TestMainWindow::repaintsOnlyWhatChanged()
+{
+    Shown shown;
+    shown.showAll();
+    QCoreApplication::processEvents();
+    PaintWatch window(shown.window);
+    PaintWatch header(*shown.part<DashboardHeader>());
+    shown.showAll();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.region() + header.region(), QRegion());
+
+    SystemMetrics other = scriptedCurrent();
+    other.chip->gpuActiveFraction = 0.5;
+    shown.window.show(other, scriptedHistory());
+    QCoreApplication::processEvents();
+    QCOMPARE(window.region(), QRegion()); // Nothing beneath the opaque cards.
+    QVERIFY(!header.region().isEmpty());
+    QVERIFY(header.region().boundingRect().width() < 60);
+}
+
+/// What is on the screen after every change in parts is what a fresh painting shows: through a
+/// minute whose numbers all move, and with no reading of the chip.
+void TestMainWindow::repaintsAllThatMoved()
+{
+    Shown shown;
+    const std::vector<SystemMetrics> minute = scriptedHistory();
+    const std::vector<SystemMetrics> without = historyWithoutChip();
+    std::vector<ProcessRow> processes = scriptedProcesses();
+    QImage screen = onScreen(shown.window);
+    for (std::size_t second = 1; second < minute.size(); second += 7) {
+        const auto &samples = second < 50 ? minute : without;
+        const auto end = samples.begin() + static_cast<std::ptrdiff_t>(second);
+        shown.window.show(*end, {samples.begin(), end});
+        processes[second % processes.size()].memory = second << 28;
+        shown.window.showProcesses(processes);
+        if (second % 2 == 0)
+            shown.window.showWorkloads(scriptedWorkloads());
+        const QImage next = onScreen(shown.window);
+        QVERIFY(next != screen);
+        screen = next;
+        QCOMPARE(leftBehind(shown.window), QRect());
+    }
+    shown.window.resize(1031, 777);
+    QCOMPARE(leftBehind(shown.window), QRect());
+}
+
+void TestMainWindow::bearsExtremes_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("in the least window") << QSize(920, 760);
+    QTest::newRow("in a large window") << QSize(2560, 1440);
+}
+
+void TestMainWindow::bearsExtremes()
+{
+    QFETCH(QSize, size);
+    Shown shown(size, {.name = QString(4000, u'W') + u"\u202E"_s, .aneMaxW = 8});
+    showExtremes(shown.window);
+    for (const double scale : {1.0, 2.0})
+        QVERIFY(!rendered(shown.window, scale).isNull());
+    // No text leaves its card, and none of a header line runs into its neighbour.
+    for (const AccessibleWidget *part : shown.window.findChildren<AccessibleWidget *>()) {
+        if (qobject_cast<const RowList *>(part))
+            continue;
+        QRectF previous;
+        for (const AccessibleText &text : part->accessibleTexts()) {
+            QVERIFY2(text.place.left() >= -2 && text.place.right() <= part->width() + 2,
+                     qPrintable(text.value.left(40)));
+            if (qobject_cast<const DashboardHeader *>(part) && previous.bottom() > 0)
+                QVERIFY(text.place.left() >= previous.left());
+            previous = text.place;
+        }
+    }
+}
+
+void TestMainWindow::bearsNothing_data()
+{
+    bearsExtremes_data();
+}
+
+void TestMainWindow::bearsNothing()
+{
+    QFETCH(QSize, size);
+    Shown shown(size, {});
+    shown.window.show({}, {});
+    shown.window.showProcesses({});
+    shown.window.showWorkloads({});
+    QVERIFY(!rendered(shown.window, 1).isNull());
+    shown.window.showProcesses({{0, QString(), 0}});
+    shown.window.showWorkloads({{}});
+    QVERIFY(!rendered(shown.window, 2).isNull());
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_MainWindow.moc"

@@ -1,0 +1,26 @@
+# Stand-ins for NVIDIA's management library: an ordinary one, and ones that lack functions.
+if(CORVANE_SYSTEM STREQUAL "linux")
+  # The vendor's is C: its functions have no C++ type that a caller could be held to.
+  set_source_files_properties(
+    gpu/stand_in_nvml.cpp PROPERTIES COMPILE_OPTIONS $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
+  foreach(variant "" _OLD _NEW _BARE)
+    string(TOLOWER stand_in_nvml${variant} library)
+    add_library(${library} MODULE gpu/stand_in_nvml.cpp)
+    target_link_libraries(${library} PRIVATE corvane_flags)
+    target_compile_definitions(${library} PRIVATE STAND_IN${variant})
+    list(APPEND stand_ins STAND_IN_NVML${variant}="$<TARGET_FILE:${library}>")
+  endforeach()
+  add_library(corvane_stand_in_nvidia STATIC gpu/StandInNvidia.cpp)
+  target_link_libraries(corvane_stand_in_nvidia PUBLIC corvane_flags corvane_test_support)
+  target_compile_definitions(corvane_stand_in_nvidia INTERFACE ${stand_ins})
+  add_dependencies(corvane_stand_in_nvidia stand_in_nvml stand_in_nvml_old stand_in_nvml_new
+                   stand_in_nvml_bare)
+endif()
+corvane_test(gpu/tst_GPUSleepGate)
+corvane_test(gpu/tst_GPUText)
+corvane_test(gpu/tst_GPUReading)
+corvane_test(gpu/tst_GPUDevices SYSTEM linux)
+corvane_test(gpu/tst_GPUFiles SYSTEM linux)
+corvane_test(gpu/tst_NvidiaLibrary SYSTEM linux LINK corvane_stand_in_nvidia)
+corvane_test(gpu/tst_NvidiaReader SYSTEM linux THREADED LINK corvane_stand_in_nvidia)
+corvane_test(gpu/tst_GPUWatch SYSTEM linux THREADED LINK corvane_stand_in_nvidia)

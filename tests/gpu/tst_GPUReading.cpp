@@ -1,0 +1,92 @@
+#include "gpu/GPUReading.h"
+
+#include <QTest>
+
+using namespace corvane;
+
+using Number = std::optional<double>;
+
+Q_DECLARE_METATYPE(GPUReading)
+Q_DECLARE_METATYPE(Number)
+
+class TestGPUReading : public QObject {
+    Q_OBJECT
+
+private slots:
+    void tellsTheLoad_data();
+    void tellsTheLoad();
+    void tellsTheEnergy_data();
+    void tellsTheEnergy();
+    void hasNoPast();
+};
+
+void TestGPUReading::tellsTheLoad_data()
+{
+    QTest::addColumn<GPUReading>("before");
+    QTest::addColumn<GPUReading>("now");
+    QTest::addColumn<Number>("share");
+    const GPUReading start = {.seconds = 10, .idleMilliseconds = 5000};
+    QTest::newRow("the device's own share")
+        << GPUReading{} << GPUReading{.busyFraction = 0.4} << Number(0.4);
+    QTest::newRow("idle for a quarter of a second")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 5250} << Number(0.75);
+    QTest::newRow("idle all the time")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 6000} << Number(0);
+    QTest::newRow("the counter ran ahead")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 6100} << Number(0);
+    QTest::newRow("the counter ran back")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 10} << Number(1);
+    QTest::newRow("no time passed")
+        << start << GPUReading{.seconds = 10, .idleMilliseconds = 5000} << Number();
+    QTest::newRow("the counter is gone") << start << GPUReading{.seconds = 11} << Number();
+    QTest::newRow("the counter is new")
+        << GPUReading{.seconds = 10} << GPUReading{.seconds = 11, .idleMilliseconds = 6}
+        << Number();
+}
+
+void TestGPUReading::tellsTheLoad()
+{
+    QFETCH(GPUReading, before);
+    QFETCH(GPUReading, now);
+    QTEST(gpuBusyShare(&before, now), "share");
+}
+
+void TestGPUReading::tellsTheEnergy_data()
+{
+    QTest::addColumn<GPUReading>("before");
+    QTest::addColumn<GPUReading>("now");
+    QTest::addColumn<Number>("joules"); // Of two seconds.
+    const GPUReading start = {.seconds = 10, .microjoules = 1'000'000};
+    QTest::newRow("a counter") << start << GPUReading{.seconds = 12, .microjoules = 61'000'000}
+                               << Number(60);
+    QTest::newRow("a counter read by its own clock: the mean power counts")
+        << start << GPUReading{.seconds = 11, .microjoules = 31'000'000} << Number(60);
+    QTest::newRow("a counter comes before the power")
+        << start << GPUReading{.seconds = 12, .microjoules = 1'000'000, .watts = 9} << Number(0);
+    QTest::newRow("a counter that started again leaves the power")
+        << start << GPUReading{.seconds = 12, .microjoules = 5, .watts = 9} << Number(18);
+    QTest::newRow("no new value leaves the power")
+        << start << GPUReading{.seconds = 10, .microjoules = 1'000'000, .watts = 9} << Number(18);
+    QTest::newRow("the power alone")
+        << GPUReading{} << GPUReading{.seconds = 12, .watts = 40} << Number(80);
+    QTest::newRow("neither") << GPUReading{} << GPUReading{.seconds = 12} << Number();
+    QTest::newRow("no new value and no power")
+        << start << GPUReading{.seconds = 10, .microjoules = 1'000'000} << Number();
+}
+
+void TestGPUReading::tellsTheEnergy()
+{
+    QFETCH(GPUReading, before);
+    QFETCH(GPUReading, now);
+    QTEST(gpuJoules(&before, now, 2), "joules");
+}
+
+void TestGPUReading::hasNoPast()
+{
+    const GPUReading now = {.seconds = 11, .idleMilliseconds = 6000, .microjoules = 7};
+    QVERIFY(!gpuBusyShare(nullptr, now));
+    QVERIFY(!gpuJoules(nullptr, now, 1));
+}
+
+QTEST_GUILESS_MAIN(TestGPUReading)
+#include "tst_GPUReading.moc"

@@ -1,0 +1,354 @@
+#include "gpu/GPUWatch.h"
+
+#include "gpu/StandInNvidia.h"
+#include "support/AccessWatch.h"
+#include "support/MachineTree.h"
+
+#include <QTest>
+
+#include <atomic>
+
+using namespace corvane;
+using corvane::test::AccessWatch;
+using corvane::test::MachineTree;
+using corvane::test::StandInNvidia;
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int patience = 60'000; ///< Milliseconds; for machines that are busy with other things.
+
+const std::string amdCard =
+    "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
+const std::string intelChip = "sys/devices/pci0000:00/0000:00:02.0";
+const std::string nvidiaCard = "sys/devices/pci0000:00/0000:00:01.0/0000:01:00.0";
+
+/// A machine and a watch over it, whose clock is stepped by a second a tick.
+class Bench {
+public:
+    explicit Bench(const std::string &machine, std::string library = {})
+        : tree(machine),
+          m_library(std::move(library))
+    {
+    }
+
+    MachineTree tree;
+
+    /// Made at the first tick, so that a test may change the machine before.
+    std::vector<GPUReading> tick()
+    {
+        if (!m_watch)
+            m_watch =
+                std::make_unique<GPUWatch>(tree.root(), m_library, [this] { return m_now.load(); });
+        m_now = m_now + 1;
+        return m_watch->readings();
+    }
+
+    std::size_t countAfter(int ticks)
+    {
+        for (int done = 1; done < ticks; ++done)
+            tick();
+        return tick().size();
+    }
+
+    /// Ticks until the library has given a reading. A reading is asked for at one tick and there at
+    /// the next, as soon as the other thread had its turn.
+    bool waitForNvidia()
+    {
+        return QTest::qWaitFor(
+            [this] {
+                m_now = m_now + 0.2;
+                return !m_watch->readings().empty();
+            },
+            patience);
+    }
+
+private:
+    std::string m_library;
+    std::atomic<double> m_now = 1000;
+    std::unique_ptr<GPUWatch> m_watch = {};
+};
+
+} // namespace
+
+class TestGPUWatch : public QObject {
+    Q_OBJECT
+
+private slots:
+    void aSleepingGPUIsNotTouched_data();
+    void aSleepingGPUIsNotTouched();
+    void aSleepingNvidiaGPUOpensNoLibrary();
+    void readsWhatIsAwake();
+    void readsOnceATick();
+    void anIdleDiscreteGPUIsLetGoAndTriedAgain();
+    void aCardIsLetGoByItsIdleTime();
+    void aWorkingGPUIsReadEachTick();
+    void aGPUThatNeverSleepsIsReadEachTick_data();
+    void aGPUThatNeverSleepsIsReadEachTick();
+    void aGPUThatNeverSleptMayBeAllowedTo();
+    void anIntegratedGPUIsReadEachTick();
+    void aGPUThatCameAwakeIsRead();
+    void aGPUThatIsPluggedInIsFound();
+    void readsNvidiaGPUs();
+    void anIdleNvidiaGPUHasItsLibraryClosed();
+    void hasNoDevicesWithoutALibrary();
+    void keepsOneWatchARoot();
+};
+
+void TestGPUWatch::aSleepingGPUIsNotTouched_data()
+{
+    QTest::addColumn<QByteArray>("status");
+    for (const char *status : {"suspended", "suspending", "resuming", "error"})
+        QTest::newRow(status) << QByteArray(status);
+}
+
+void TestGPUWatch::aSleepingGPUIsNotTouched()
+{
+    QFETCH(QByteArray, status);
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/power/runtime_status", status.toStdString() + '\n');
+    AccessWatch files(bench.tree.root() + '/' + amdCard);
+    for (int tick = 0; tick < 130; ++tick) // Over two searches for devices.
+        QVERIFY(bench.tick().empty());
+    QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+
+    // The proof can fail: awake, its files are read.
+    bench.tree.write(amdCard + "/power/runtime_status", "active\n");
+    files.touched();
+    QCOMPARE(bench.tick().size(), std::size_t(1));
+    QVERIFY(files.touched().contains(u"gpu_busy_percent"_s));
+}
+
+void TestGPUWatch::aSleepingNvidiaGPUOpensNoLibrary()
+{
+    const StandInNvidia nvidia;
+    Bench bench("intel-hybrid-nvidia", STAND_IN_NVML);
+    AccessWatch files(bench.tree.root() + '/' + nvidiaCard);
+    QCOMPARE(bench.countAfter(130), std::size_t(1)); // The integrated one.
+    QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
+}
+
+void TestGPUWatch::readsWhatIsAwake()
+{
+    Bench bench("amd-desktop");
+    const auto readings = bench.tick();
+    QCOMPARE(readings.size(), std::size_t(1));
+    QCOMPARE(readings[0].busyFraction, std::optional(0.64));
+    QCOMPARE(readings[0].seconds, 1001.0);
+}
+
+void TestGPUWatch::readsOnceATick()
+{
+    const MachineTree tree("amd-desktop");
+    double now = 0;
+    GPUWatch watch(tree.root(), {}, [&now] { return now; });
+    QCOMPARE(watch.readings()[0].busyFraction, std::optional(0.64));
+    tree.write(amdCard + "/gpu_busy_percent", "10\n");
+    now = 0.05;
+    QCOMPARE(watch.readings()[0].busyFraction, std::optional(0.64));
+    now = 1;
+    QCOMPARE(watch.readings()[0].busyFraction, std::optional(0.1));
+}
+
+void TestGPUWatch::anIdleDiscreteGPUIsLetGoAndTriedAgain()
+{
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    AccessWatch files(bench.tree.root() + '/' + amdCard);
+    for (int tick = 1; tick <= 3; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+    files.touched();
+
+    // Its countdown is 5 s: 8 s after the last reading it is tried again, and not before.
+    for (int tick = 1; tick <= 7; ++tick)
+        QVERIFY(bench.tick().empty());
+    QCOMPARE(files.touched(), QStringList{});
+    QCOMPARE(bench.tick().size(), std::size_t(1)); // Still awake and idle: one reading.
+    for (int tick = 1; tick <= 7; ++tick)
+        QVERIFY(bench.tick().empty());
+
+    bench.tree.write(amdCard + "/gpu_busy_percent", "90\n");
+    for (int tick = 1; tick <= 10; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1)); // It works: read as before.
+
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    QCOMPARE(bench.countAfter(3), std::size_t(1));
+    QVERIFY(bench.tick().empty());
+    bench.tree.write(amdCard + "/power/runtime_status", "suspended\n");
+    files.touched();
+    for (int tick = 1; tick <= 20; ++tick)
+        QVERIFY(bench.tick().empty()); // It fell asleep, and stays so.
+    QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+}
+
+void TestGPUWatch::aCardIsLetGoByItsIdleTime()
+{
+    const std::string card = "sys/devices/pci0000:00/0000:03:00.0";
+    Bench bench("virtual-machine-chip");
+    bench.tree.link(card + "/driver", "sys/bus/pci/drivers/xe");
+    bench.tree.link("sys/class/drm/card0/device", card);
+    bench.tree.write(card + "/power/runtime_status", "active\n");
+    bench.tree.write(card + "/power/control", "auto\n");
+    bench.tree.write(card + "/power/autosuspend_delay_ms", "1000\n");
+    int idleMilliseconds = 5000;
+    const auto readAfter = [&](int idle) {
+        idleMilliseconds += idle;
+        bench.tree.write(card + "/tile0/gt0/gtidle/idle_residency_ms",
+                         std::to_string(idleMilliseconds) + '\n');
+        return !bench.tick().empty();
+    };
+    QVERIFY(readAfter(1000)); // With nothing to compare to, it may as well be working.
+    for (const int idle : {1000, 995, 500, 1000, 1000, 1000})
+        QVERIFY(readAfter(idle));
+    for (int tick = 1; tick <= 3; ++tick)
+        QVERIFY(!readAfter(1000)); // For 4 s after the third idle second.
+    QVERIFY(readAfter(1000));      // Idle for all that time.
+    QVERIFY(!readAfter(1000));
+}
+
+void TestGPUWatch::aWorkingGPUIsReadEachTick()
+{
+    Bench bench("amd-desktop");
+    for (int tick = 0; tick < 30; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatNeverSleepsIsReadEachTick_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("kept on") << QByteArray("control") << QByteArray("on\n");
+    QTest::newRow("no countdown") << QByteArray("autosuspend_delay_ms") << QByteArray("-1\n");
+    QTest::newRow("cannot sleep") << QByteArray("runtime_status") << QByteArray("unsupported\n");
+}
+
+void TestGPUWatch::aGPUThatNeverSleepsIsReadEachTick()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, text);
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    bench.tree.write(amdCard + "/power/" + file.toStdString(), text.toStdString());
+    for (int tick = 0; tick < 30; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatNeverSleptMayBeAllowedTo()
+{
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    bench.tree.write(amdCard + "/power/control", "on\n");
+    AccessWatch files(bench.tree.root() + '/' + amdCard);
+    QCOMPARE(bench.countAfter(3), std::size_t(1)); // Idle for long enough: asked whether it sleeps.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+
+    bench.tree.write(amdCard + "/power/control", "auto\n");
+    files.touched();
+    for (int tick = 1; tick < 60; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+    QVERIFY(!files.touched().contains(u"power/control"_s));
+    QCOMPARE(bench.tick().size(), std::size_t(1)); // A minute later it is asked again.
+    QVERIFY(files.touched().contains(u"power/control"_s));
+    QVERIFY(bench.tick().empty());
+}
+
+void TestGPUWatch::anIntegratedGPUIsReadEachTick()
+{
+    Bench bench("amd-apu-laptop");
+    bench.tree.write("sys/devices/pci0000:00/0000:00:08.1/0000:c1:00.0/gpu_busy_percent", "0\n");
+    for (int tick = 0; tick < 30; ++tick)
+        QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatCameAwakeIsRead()
+{
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/power/runtime_status", "suspended\n");
+    QVERIFY(bench.tick().empty());
+    bench.tree.write(amdCard + "/power/runtime_status", "active\n");
+    QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::aGPUThatIsPluggedInIsFound()
+{
+    Bench bench("virtual-machine-chip");
+    QVERIFY(bench.tick().empty());
+    bench.tree.write(amdCard + "/gpu_busy_percent", "5\n");
+    bench.tree.link(amdCard + "/driver", "sys/bus/pci/drivers/amdgpu");
+    bench.tree.link("sys/class/drm/card0/device", amdCard);
+    QCOMPARE(bench.countAfter(60), std::size_t(1));
+    bench.tree.remove("sys/class/drm/card0");
+    QVERIFY(bench.countAfter(61) == 0);
+}
+
+void TestGPUWatch::readsNvidiaGPUs()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetCount_v2 2\n");
+    Bench bench("virtual-machine-chip", STAND_IN_NVML);
+    bench.tree.write("dev/nvidia0", ""); // Lent to a container that does not see the bus.
+    QVERIFY(bench.tick().empty());       // Asked for, not waited for.
+    QTRY_COMPARE_WITH_TIMEOUT(nvidia.calls("nvmlDeviceGetTotalEnergyConsumption"), 2, patience);
+    QVERIFY(bench.waitForNvidia());
+    const auto readings = bench.tick();
+    QCOMPARE(readings.size(), std::size_t(2));
+    QVERIFY(!readings[0].integrated);
+    QVERIFY(readings[0].device != readings[1].device);
+    QCOMPARE(readings[0].busyFraction, std::optional(0.4));
+    QCOMPARE(readings[0].state, std::string("P2"));
+    QCOMPARE(readings[0].watts, std::optional(75.5));
+    QCOMPARE(readings[0].microjoules, std::optional<std::uint64_t>(5'000'000'000));
+    QCOMPARE(readings[0].temperatures, std::vector{61.0});
+}
+
+void TestGPUWatch::anIdleNvidiaGPUHasItsLibraryClosed()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetUtilizationRates 0\n");
+    Bench bench("intel-hybrid-nvidia", STAND_IN_NVML);
+    bench.tree.remove(intelChip);
+    bench.tree.write(nvidiaCard + "/power/runtime_status", "active\n");
+    bench.tick();
+    // A reading a tick, until three of them were idle.
+    const auto closed = [&nvidia] { return nvidia.calls("nvmlShutdown") > 0; };
+    for (int asked = 1; asked <= 10 && !closed(); ++asked) {
+        QTRY_VERIFY_WITH_TIMEOUT(
+            closed() || nvidia.calls("nvmlDeviceGetTotalEnergyConsumption") >= asked, patience);
+        bench.tick();
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(closed(), patience);
+    QVERIFY(nvidia.calls("nvmlDeviceGetUtilizationRates") >= 3);
+    const int before = nvidia.calls("nvmlInit_v2");
+    QCOMPARE(before, 1);
+
+    // Nine seconds pass from the decision; some ticks of them may be over already.
+    AccessWatch files(bench.tree.root() + '/' + nvidiaCard);
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            bench.tick();
+            return !files.touched().isEmpty();
+        },
+        patience));
+    QVERIFY(QTest::qWaitFor([&] { return nvidia.calls("nvmlInit_v2") == 2; }, patience));
+}
+
+void TestGPUWatch::hasNoDevicesWithoutALibrary()
+{
+    const MachineTree tree("intel-hybrid-nvidia");
+    tree.remove(intelChip);
+    QVERIFY(!GPUWatch(tree.root()).hasDevices());
+    QVERIFY(GPUWatch(tree.root(), STAND_IN_NVML).hasDevices());
+}
+
+void TestGPUWatch::keepsOneWatchARoot()
+{
+    const MachineTree tree;
+    const auto watch = GPUWatch::shared(tree.root());
+    QCOMPARE(GPUWatch::shared(tree.root()), watch);
+    QVERIFY(GPUWatch::shared(tree.root() + "/other") != watch);
+}
+
+QTEST_GUILESS_MAIN(TestGPUWatch)
+#include "tst_GPUWatch.moc"

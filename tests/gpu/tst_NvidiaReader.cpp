@@ -1,0 +1,207 @@
+#include "gpu/NvidiaReader.h"
+
+#include "gpu/StandInNvidia.h"
+
+#include <QTest>
+
+#include <atomic>
+
+using namespace corvane;
+using corvane::test::StandInNvidia;
+
+namespace {
+
+constexpr int patience = 60'000; ///< Milliseconds; for machines that are busy with other things.
+
+/// Stepped by hand, read on both threads.
+class SteppedClock {
+public:
+    std::function<double()> function()
+    {
+        return [this] {
+            if (std::this_thread::get_id() != m_main)
+                ++m_readsOfTheThread;
+            return m_now.load();
+        };
+    }
+
+    void step(double seconds) { m_now = m_now + seconds; }
+    int readsOfTheThread() const { return m_readsOfTheThread; }
+
+private:
+    const std::thread::id m_main = std::this_thread::get_id();
+    std::atomic<double> m_now = 100;
+    std::atomic<int> m_readsOfTheThread = 0;
+};
+
+} // namespace
+
+#define WAIT_FOR(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
+
+class TestNvidiaReader : public QObject {
+    Q_OBJECT
+
+private slots:
+    void opensNothingUnasked();
+    void deliversWhatWasAskedFor();
+    void anOldReadingIsNoReading();
+    void aStallingLibraryDelaysNoTick();
+    void releaseClosesTheLibraryAndForgets();
+    void aReadingThatReleaseOvertookIsDropped();
+    void triesAgainAMinuteLater();
+    void opensAgainAfterTheGPUWasLost();
+    void endsWhileTheLibraryStalls();
+};
+
+void TestNvidiaReader::opensNothingUnasked()
+{
+    const StandInNvidia nvidia;
+    {
+        const NvidiaReader reader(STAND_IN_NVML);
+        QVERIFY(!reader.newest());
+    }
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
+}
+
+void TestNvidiaReader::deliversWhatWasAskedFor()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(reader.newest());
+    const auto reading = reader.newest();
+    QCOMPARE(reading->seconds, 100.0);
+    QCOMPARE(reading->devices.size(), std::size_t(1));
+    QCOMPARE(reading->devices[0].busyFraction, std::optional(0.4));
+
+    nvidia.script("nvmlDeviceGetUtilizationRates 80\n");
+    clock.step(1);
+    reader.request();
+    WAIT_FOR(reader.newest()->seconds == 101);
+    QCOMPARE(reader.newest()->devices[0].busyFraction, std::optional(0.8));
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 1);
+}
+
+void TestNvidiaReader::anOldReadingIsNoReading()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(reader.newest());
+    clock.step(2.5);
+    QVERIFY(reader.newest());
+    clock.step(0.1);
+    QVERIFY(!reader.newest());
+}
+
+void TestNvidiaReader::aStallingLibraryDelaysNoTick()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(reader.newest());
+
+    nvidia.stall("nvmlDeviceGetPowerUsage");
+    reader.request();
+    WAIT_FOR(nvidia.calls("nvmlDeviceGetPowerUsage") == 2);
+    // Were any of these to wait for the library, the test would stand here for good.
+    for (int tick = 0; tick < 20; ++tick) {
+        reader.request();
+        QCOMPARE(reader.newest().has_value(), tick <= 2);
+        clock.step(1);
+    }
+    QCOMPARE(nvidia.calls("nvmlDeviceGetPowerUsage"), 2);
+
+    nvidia.letGo();
+    WAIT_FOR(reader.newest()); // The wish of the last tick, as of now.
+    QCOMPARE(reader.newest()->seconds, 120.0);
+}
+
+void TestNvidiaReader::releaseClosesTheLibraryAndForgets()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(reader.newest());
+    reader.release();
+    QVERIFY(!reader.newest());
+    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+
+    reader.request(); // At once: nothing failed.
+    WAIT_FOR(reader.newest());
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
+}
+
+void TestNvidiaReader::aReadingThatReleaseOvertookIsDropped()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    nvidia.stall("nvmlDeviceGetPowerUsage");
+    reader.request();
+    WAIT_FOR(nvidia.calls("nvmlDeviceGetPowerUsage") == 1);
+    reader.release();
+    nvidia.letGo();
+    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+    QVERIFY(!reader.newest());
+}
+
+void TestNvidiaReader::triesAgainAMinuteLater()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlInit_v2 fails 9\n");
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(clock.readsOfTheThread() == 1);
+    clock.step(59);
+    reader.request();
+    WAIT_FOR(clock.readsOfTheThread() == 2);
+
+    nvidia.script({});
+    clock.step(1);
+    reader.request();
+    WAIT_FOR(reader.newest());
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 2); // At 0 and at 60 seconds, not at 59.
+}
+
+void TestNvidiaReader::opensAgainAfterTheGPUWasLost()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    WAIT_FOR(reader.newest());
+
+    nvidia.script("nvmlDeviceGetPowerUsage fails 15\n");
+    reader.request();
+    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+
+    nvidia.script({});
+    clock.step(61);
+    QVERIFY(!reader.newest());
+    reader.request();
+    WAIT_FOR(reader.newest());
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
+}
+
+void TestNvidiaReader::endsWhileTheLibraryStalls()
+{
+    const StandInNvidia nvidia;
+    auto clock = std::make_shared<SteppedClock>(); // The thread may outlive the reader.
+    nvidia.stall("nvmlInit_v2");
+    {
+        NvidiaReader reader(STAND_IN_NVML, [clock, now = clock->function()] { return now(); });
+        reader.request();
+        WAIT_FOR(nvidia.calls("nvmlInit_v2") == 1);
+    } // Here it would stand for good if the end waited for the library.
+    nvidia.letGo();
+    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1); // The thread ends by itself and cleans up.
+}
+
+QTEST_GUILESS_MAIN(TestNvidiaReader)
+#include "tst_NvidiaReader.moc"

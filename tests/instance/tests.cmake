@@ -1,0 +1,6 @@
+corvane_test(instance/tst_InstanceMessage)
+corvane_test(instance/tst_InstanceFolder)
+corvane_test(instance/tst_InstanceSocket)
+corvane_test(instance/tst_SingleInstance THREADED)
+corvane_test(instance/tst_UnlockableFolder SYSTEM linux THREADED LINK corvane_faulty_calls)
+corvane_test(instance/tst_ApplicationService SYSTEM linux simulated-mac)

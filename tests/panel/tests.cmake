@@ -1,0 +1,1 @@
+corvane_test(panel/tst_MenuBarContent)

@@ -1,0 +1,357 @@
+#include "panel/MenuBarContent.h"
+
+#include "chip/ChipIdentity.h"
+#include "panel/PanelHeader.h"
+#include "panel/PanelRow.h"
+#include "support/Rendering.h"
+#include "ui/PanelButton.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+SystemMetrics busySample()
+{
+    return {.memory = {.total = quint64(64) << 30, .used = quint64(48) << 30},
+            .chip = ChipReading{.cpuWatts = 0.04, .gpuWatts = 0.30, .gpuActiveFraction = 0.999}};
+}
+
+QStringList namesOfRows(const MenuBarContent &panel)
+{
+    QStringList names;
+    for (const PanelRow *row : panel.findChildren<PanelRow *>())
+        names.append(row->accessibleTexts().front().value);
+    return names;
+}
+
+/// What the menu key does.
+void openMenu(QWidget &widget)
+{
+    const QPoint middle = widget.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, widget.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+/// How many paints of a widget an action causes.
+class PaintCounter : public QObject {
+public:
+    explicit PaintCounter(QWidget *widget) : QObject(widget) { widget->installEventFilter(this); }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
+} // namespace
+
+class TestMenuBarContent : public QObject {
+    Q_OBJECT
+
+private slots:
+    void isAsLargeAsDrawn();
+    void coversNothingBesideItsRoundCorners();
+    void everyNumberHasAName();
+    void headerNamesChipAndPower();
+    void isMadeWhenItIsFirstOpened();
+    void updatesWhileOpen();
+    void equalNumbersPaintNothing();
+    void opensAtTheAnchorAndClosesAgain();
+    void closesOnEscape();
+    void closesOnAClickElsewhere();
+    void closesWhenAnotherWindowIsActive();
+    void buttonsAreReachedByTab();
+    void buttonsAnnounceTheirCommands();
+    void offersItsActionsInAMenu();
+    void staysWhileItsMenuHasTheFocus();
+    void closesWithItsMenuWhenAnotherWindowIsActive();
+    void hasNoMenuWithoutActions();
+    void leavesOtherKeysAlone();
+    void comesToTheFirstScreenForAnAnchorBesideAll();
+    void staysOnTheScreen_data();
+    void staysOnTheScreen();
+};
+
+void TestMenuBarContent::isAsLargeAsDrawn()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QCOMPARE(panel.size(), QSize(280, 296));
+    const auto rows = panel.findChildren<PanelRow *>();
+    QCOMPARE(rows.size(), 5);
+    for (int row = 0; row < rows.size(); ++row)
+        QCOMPARE(rows[row]->geometry(), QRect(12, 63 + 36 * row, 256, 28));
+    const auto buttons = panel.findChildren<PanelButton *>();
+    QCOMPARE(buttons.size(), 2);
+    QCOMPARE(buttons[0]->y(), 256);
+    QCOMPARE(buttons[1]->geometry().right(), 267);
+    QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
+}
+
+void TestMenuBarContent::coversNothingBesideItsRoundCorners()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    const QImage picture = rendered(panel, 1);
+    const QRegion mask = panel.mask();
+    QVERIFY(!mask.contains(QPoint(0, 0)));
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).alpha() > 0)
+                QVERIFY2(mask.contains(QPoint(x, y)), qPrintable(u"cut at %1, %2"_s.arg(x).arg(y)));
+            else
+                QVERIFY2(!mask.contains(QPoint(x, y)),
+                         qPrintable(u"black at %1, %2"_s.arg(x).arg(y)));
+        }
+    }
+}
+
+void TestMenuBarContent::everyNumberHasAName()
+{
+    MenuBarContent panel;
+    panel.show(busySample());
+    panel.toggleAt({400, 10});
+    QCOMPARE(namesOfRows(panel),
+             (QStringList{u"Memory: 48 GB / 64 GB, 75 %"_s, u"GPU: 100 %, 0.30 W"_s,
+                          u"CPU: 0 %, 0.04 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
+                          u"Swap: 0 MB, of 0 MB"_s}));
+}
+
+void TestMenuBarContent::headerNamesChipAndPower()
+{
+    MenuBarContent panel;
+    panel.show(busySample());
+    panel.toggleAt({400, 10});
+    const QString name = panel.findChild<PanelHeader *>()->accessibleTexts().front().value;
+    QVERIFY(name.contains(SystemInfo::chipName()));
+    QVERIFY(name.contains(u"0.3 W"_s));
+}
+
+/// One that is never opened costs nothing, and a closed one hardly anything.
+void TestMenuBarContent::isMadeWhenItIsFirstOpened()
+{
+    MenuBarContent panel;
+    panel.show(SystemMetrics::placeholder());
+    QVERIFY(panel.findChildren<QWidget *>().isEmpty());
+    panel.QWidget::show();
+    const QStringList before = namesOfRows(panel);
+    panel.hide();
+    panel.show(busySample());
+    QCOMPARE(namesOfRows(panel), before);
+    panel.QWidget::show();
+    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+    QCOMPARE(panel.size(), QSize(280, 296));
+}
+
+void TestMenuBarContent::updatesWhileOpen()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QVERIFY(panel.isVisible());
+    panel.show(busySample());
+    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+}
+
+void TestMenuBarContent::equalNumbersPaintNothing()
+{
+    MenuBarContent panel;
+    panel.show(busySample());
+    panel.toggleAt({400, 10});
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    QCoreApplication::processEvents();
+    auto *counter = new PaintCounter(panel.findChildren<PanelRow *>().at(1));
+    panel.show(busySample());
+    QCoreApplication::processEvents();
+    QCOMPARE(counter->count, 0);
+    panel.show(SystemMetrics::placeholder());
+    QCoreApplication::processEvents();
+    QCOMPARE(counter->count, 1);
+}
+
+void TestMenuBarContent::opensAtTheAnchorAndClosesAgain()
+{
+    double now = 1000;
+    MenuBarContent panel([&now] { return now; });
+    panel.toggleAt({400, 10});
+    QVERIFY(panel.isVisible());
+    QCOMPARE(panel.y(), 14);
+    QCOMPARE(panel.x(), 400 - 140);
+    panel.toggleAt({400, 10});
+    QVERIFY(!panel.isVisible());
+    now += 0.2;
+    panel.toggleAt({400, 10});
+    QVERIFY2(!panel.isVisible(), "the click that closed it must not open it again");
+    now += 0.1;
+    panel.toggleAt({400, 10});
+    QVERIFY2(panel.isVisible(), "a later click opens it again");
+}
+
+void TestMenuBarContent::closesOnEscape()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesOnAClickElsewhere()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QTest::mouseClick(&panel, Qt::LeftButton, {}, QPoint(140, 30));
+    QVERIFY2(panel.isVisible(), "a click into it does nothing");
+    QTest::mouseClick(&panel, Qt::LeftButton, {}, QPoint(-20, 30));
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesWhenAnotherWindowIsActive()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::buttonsAreReachedByTab()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    QTest::keyClick(&panel, Qt::Key_Tab);
+    const auto buttons = panel.findChildren<PanelButton *>();
+    QCOMPARE(panel.focusWidget(), buttons[0]);
+    QTest::keyClick(buttons[0], Qt::Key_Tab);
+    QCOMPARE(panel.focusWidget(), buttons[1]);
+}
+
+void TestMenuBarContent::buttonsAnnounceTheirCommands()
+{
+    MenuBarContent panel;
+    QSignalSpy open(&panel, &MenuBarContent::openWindowRequested);
+    QSignalSpy quit(&panel, &MenuBarContent::quitRequested);
+    panel.toggleAt({400, 10});
+    const auto buttons = panel.findChildren<PanelButton *>();
+    buttons[1]->click();
+    QCOMPARE(quit.count(), 1);
+    buttons[0]->click();
+    QCOMPARE(open.count(), 1);
+    QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::offersItsActionsInAMenu()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    const QSignalSpy chosen(&settings, &QAction::triggered);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QCOMPARE(chosen.count(), 1);
+    QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
+}
+
+void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QEvent deactivation(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&panel, &deactivation);
+    QVERIFY(panel.isVisible());
+    QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QTest::keyClick(menu, Qt::Key_Escape);
+    QTRY_VERIFY(!menu);
+    QTest::keyClick(&panel, Qt::Key_Escape);
+    QVERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::closesWithItsMenuWhenAnotherWindowIsActive()
+{
+    MenuBarContent panel;
+    QAction settings(u"Settings…"_s);
+    panel.addAction(&settings);
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    const QPointer<QWidget> menu = QApplication::activePopupWidget();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&other));
+    if (menu)
+        menu->close();
+    QTRY_VERIFY(!panel.isVisible());
+}
+
+void TestMenuBarContent::hasNoMenuWithoutActions()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    openMenu(panel);
+    QVERIFY(panel.findChildren<QMenu *>().isEmpty());
+    QVERIFY(panel.isVisible());
+}
+
+void TestMenuBarContent::leavesOtherKeysAlone()
+{
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+    QCoreApplication::sendEvent(&panel, &event);
+    QVERIFY(!event.isAccepted());
+    QVERIFY(panel.isVisible());
+}
+
+void TestMenuBarContent::comesToTheFirstScreenForAnAnchorBesideAll()
+{
+    MenuBarContent panel;
+    panel.toggleAt({-5000, -5000});
+    QVERIFY(panel.isVisible());
+    QVERIFY(QGuiApplication::primaryScreen()->geometry().contains(panel.geometry()));
+}
+
+void TestMenuBarContent::staysOnTheScreen_data()
+{
+    QTest::addColumn<QPoint>("anchor");
+    QTest::addColumn<QRect>("available");
+    QTest::addColumn<QPoint>("expected");
+    const QRect screen(0, 0, 1280, 800);
+    QTest::newRow("below a bar at the top") << QPoint(640, 20) << screen << QPoint(500, 24);
+    QTest::newRow("above a bar at the bottom") << QPoint(640, 790) << screen << QPoint(500, 490);
+    QTest::newRow("kept from the right edge") << QPoint(1275, 20) << screen << QPoint(992, 24);
+    QTest::newRow("kept from the left edge") << QPoint(3, 20) << screen << QPoint(8, 24);
+    QTest::newRow("on a second screen")
+        << QPoint(1400, 10) << QRect(1280, 30, 1000, 700) << QPoint(1288, 38);
+    QTest::newRow("on a screen that is too small")
+        << QPoint(50, 10) << QRect(0, 0, 200, 200) << QPoint(8, 8);
+}
+
+void TestMenuBarContent::staysOnTheScreen()
+{
+    QFETCH(QPoint, anchor);
+    QFETCH(QRect, available);
+    QTEST(panelOrigin(anchor, QSize(280, 296), available), "expected");
+}
+
+QTEST_MAIN(TestMenuBarContent)
+#include "tst_MenuBarContent.moc"

@@ -1,0 +1,4 @@
+corvane_test(records/tst_HistoryWindow)
+corvane_test(records/tst_ReferenceDate)
+corvane_test(records/tst_SeriesReduction)
+corvane_test(records/tst_SystemMetrics)

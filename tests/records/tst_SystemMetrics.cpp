@@ -1,0 +1,119 @@
+#include "records/SystemMetrics.h"
+
+#include "records/ReferenceDate.h"
+#include "support/Snapshots.h"
+
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+class TestSystemMetrics : public QObject {
+    Q_OBJECT
+
+private slots:
+    void placeholderStandsInForNothing();
+    void everyRecordHasAnIdOfItsOwn();
+    void aCopyIsTheSameRecord();
+    void aMachineWithoutChipSamplerStillHasMemory();
+    void aReadingFromHistoryHasNoMoreThanItsNumbers();
+    void wattsAreSummed();
+    void usedPercentOf_data();
+    void usedPercentOf();
+    void pressureIsStoredByNumber();
+};
+
+void TestSystemMetrics::placeholderStandsInForNothing()
+{
+    const double before = secondsSince2001();
+    const SystemMetrics &placeholder = SystemMetrics::placeholder();
+    const double after = secondsSince2001();
+    QVERIFY(placeholder.timestamp >= before && placeholder.timestamp <= after);
+    QVERIFY(!placeholder.id.isNull());
+    QCOMPARE(described(placeholder.memory), described(MemorySnapshot()));
+    QVERIFY(placeholder.memory.pressure == MemoryPressure::normal);
+    QVERIFY(!placeholder.chip);
+    QCOMPARE(usedPercent(placeholder.memory), 0.0);
+
+    QCOMPARE(&SystemMetrics::placeholder(), &placeholder);
+    QVERIFY(SystemMetrics::placeholder().timestamp <= after);
+}
+
+void TestSystemMetrics::everyRecordHasAnIdOfItsOwn()
+{
+    const SystemMetrics first;
+    const SystemMetrics second;
+    QVERIFY(!first.id.isNull());
+    QVERIFY(first.id != second.id);
+    QVERIFY(first.id != SystemMetrics::placeholder().id);
+    QCOMPARE(first.id.version(), QUuid::Random);
+}
+
+void TestSystemMetrics::aCopyIsTheSameRecord()
+{
+    const SystemMetrics original{.timestamp = 5, .memory = {.total = 7}};
+    const SystemMetrics copy = original;
+    QCOMPARE(copy.id, original.id);
+    QCOMPARE(copy.timestamp, 5.0);
+    QCOMPARE(copy.memory.total, std::uint64_t(7));
+}
+
+void TestSystemMetrics::aMachineWithoutChipSamplerStillHasMemory()
+{
+    const SystemMetrics sample{.timestamp = 1, .memory = {.total = 16, .used = 4}};
+    QVERIFY(!sample.chip);
+    QCOMPARE(usedPercent(sample.memory), 25.0);
+    QCOMPARE(totalWatts(sample.chip), 0.0);
+}
+
+void TestSystemMetrics::aReadingFromHistoryHasNoMoreThanItsNumbers()
+{
+    const ChipReading reading{.cpuWatts = 3, .cpuActiveFraction = 0.375};
+    QCOMPARE(reading.cpuActiveFraction, 0.375);
+    QCOMPARE(reading.cpuActiveMHz, 0.0);
+    QVERIFY(!reading.gpuDominantState);
+    QVERIFY(reading.cpuCoreUtilizations.empty());
+    QVERIFY(reading.gpuStateResidency.empty());
+    QVERIFY(!reading.cpuTempC);
+    QVERIFY(!reading.gpuTempC);
+    QVERIFY(!reading.aneTempC);
+    QVERIFY(!reading.packageTempC);
+}
+
+void TestSystemMetrics::wattsAreSummed()
+{
+    QCOMPARE(totalWatts(std::nullopt), 0.0);
+    QCOMPARE(totalWatts(ChipReading()), 0.0);
+    QCOMPARE(totalWatts(ChipReading{.cpuWatts = 4, .gpuWatts = 8.5, .aneWatts = 0.25}), 12.75);
+}
+
+void TestSystemMetrics::usedPercentOf_data()
+{
+    QTest::addColumn<quint64>("used");
+    QTest::addColumn<quint64>("total");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("half") << quint64(8) << quint64(16) << 50.0;
+    QTest::newRow("all") << quint64(16) << quint64(16) << 100.0;
+    QTest::newRow("nothing") << quint64(0) << quint64(16) << 0.0;
+    QTest::newRow("a total of 0 is not divided by") << quint64(0) << quint64(0) << 0.0;
+    QTest::newRow("use without a total is none") << quint64(5) << quint64(0) << 0.0;
+    QTest::newRow("counts beyond 2^53") << (quint64(1) << 62) << (quint64(1) << 63) << 50.0;
+}
+
+void TestSystemMetrics::usedPercentOf()
+{
+    QFETCH(quint64, used);
+    QFETCH(quint64, total);
+    QTEST(usedPercent(MemorySnapshot{.total = total, .used = used}), "expected");
+}
+
+void TestSystemMetrics::pressureIsStoredByNumber()
+{
+    QCOMPARE(static_cast<int>(MemoryPressure::normal), 0);
+    QCOMPARE(static_cast<int>(MemoryPressure::warning), 1);
+    QCOMPARE(static_cast<int>(MemoryPressure::critical), 2);
+}
+
+QTEST_APPLESS_MAIN(TestSystemMetrics)
+#include "tst_SystemMetrics.moc"

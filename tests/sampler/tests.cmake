@@ -1,0 +1,4 @@
+corvane_test(sampler/tst_AppSettings SYSTEM linux simulated-mac)
+corvane_test(sampler/tst_SystemSampler THREADED)
+corvane_test(sampler/tst_DamagedMachine SYSTEM linux THREADED TIMEOUT 900
+             SOURCES support/SteppedClock.cpp LINK corvane_faulty_calls)

@@ -1,0 +1,4 @@
+corvane_test(settings/tst_SettingsTexts)
+corvane_test(settings/tst_SettingsTabs)
+corvane_test(settings/tst_SettingsNote)
+corvane_test(settings/tst_SettingsWindow)

@@ -1,0 +1,247 @@
+#include "tray/DBusMenu.h"
+
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What a desktop sends, with the data that nobody reads.
+void send(DBusMenu &menu, int id, const QString &type)
+{
+    menu.Event(id, type, QDBusVariant(0), 0);
+}
+
+QStringList labels(const DBusMenuLayout &layout)
+{
+    QStringList texts;
+    for (const DBusMenuLayout &child : layout.children)
+        texts.append(child.properties.value(u"label"_s, u"-"_s).toString());
+    return texts;
+}
+
+QStringList labels(const QList<DBusMenuProperties> &items)
+{
+    QStringList texts;
+    for (const DBusMenuProperties &item : items)
+        texts.append(item.properties.value(u"label"_s).toString());
+    return texts;
+}
+
+} // namespace
+
+class TestDBusMenu : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void marksAccessKeysByUnderscores_data();
+    void marksAccessKeysByUnderscores();
+    void showsTheActionsOfTheMenu();
+    void showsNoChildrenAtDepthZero();
+    void givesTheNamedPropertiesOnly();
+    void answersUnknownIdsWithNothing();
+    void aClickTriggersTheAction();
+    void aClickOnADisabledActionDoesNothing();
+    void tellsTheMenuWhenItOpensAndCloses();
+    void bringsTextsUpToDateWhenTheDesktopLooks();
+    void sendsNothingWhileClosed();
+    void sendsWhatChangedMeanwhileWhenItOpens();
+    void sendsChangesTogetherWhileOpen();
+    void announcesActionsThatComeAndGo();
+    void closesWithItself();
+
+private:
+    std::unique_ptr<QMenu> m_menu;
+    std::unique_ptr<DBusMenu> m_dbusMenu;
+    QAction *m_row = nullptr;     ///< Id 1; disabled.
+    QAction *m_command = nullptr; ///< Id 3.
+};
+
+void TestDBusMenu::init()
+{
+    m_menu = std::make_unique<QMenu>();
+    m_row = m_menu->addAction(u"GPU: 41 %"_s);
+    m_row->setEnabled(false);
+    m_menu->addSeparator();
+    m_command = m_menu->addAction(u"Quit"_s);
+    m_dbusMenu = std::make_unique<DBusMenu>(*m_menu);
+}
+
+void TestDBusMenu::cleanup()
+{
+    m_dbusMenu.reset();
+    m_menu.reset();
+}
+
+void TestDBusMenu::marksAccessKeysByUnderscores_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("plain text") << u"Open Window"_s << u"Open Window"_s;
+    QTest::newRow("an access key") << u"&Quit"_s << u"_Quit"_s;
+    QTest::newRow("a doubled ampersand is a real one") << u"a && b"_s << u"a & b"_s;
+    QTest::newRow("a real underscore is doubled") << u"a_b"_s << u"a__b"_s;
+    QTest::newRow("an ampersand at the end") << u"a&"_s << u"a_"_s;
+    QTest::newRow("nothing") << QString() << QString();
+}
+
+void TestDBusMenu::marksAccessKeysByUnderscores()
+{
+    QFETCH(QString, text);
+    QTEST(dbusMenuLabel(text), "expected");
+}
+
+void TestDBusMenu::showsTheActionsOfTheMenu()
+{
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(0, -1, {}, layout);
+    QCOMPARE(layout.id, 0);
+    QCOMPARE(layout.properties.value(u"children-display"_s), QVariant(u"submenu"_s));
+    QCOMPARE(labels(layout), (QStringList{u"GPU: 41 %"_s, u"-"_s, u"Quit"_s}));
+    QCOMPARE(layout.children[0].properties.value(u"enabled"_s), QVariant(false));
+    QCOMPARE(layout.children[1].properties.value(u"type"_s), QVariant(u"separator"_s));
+    QCOMPARE(layout.children[2].properties.value(u"enabled"_s), QVariant(true));
+}
+
+void TestDBusMenu::showsNoChildrenAtDepthZero()
+{
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(0, 0, {}, layout);
+    QVERIFY(layout.children.isEmpty());
+}
+
+void TestDBusMenu::givesTheNamedPropertiesOnly()
+{
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(3, -1, {u"label"_s}, layout);
+    QCOMPARE(layout.properties, (QVariantMap{{u"label"_s, u"Quit"_s}}));
+    QCOMPARE(m_dbusMenu->GetProperty(3, u"label"_s).variant(), QVariant(u"Quit"_s));
+    QCOMPARE(m_dbusMenu->GetGroupProperties({}, {}).size(), 4);
+    QCOMPARE(labels(m_dbusMenu->GetGroupProperties({3}, {u"label"_s})), QStringList{u"Quit"_s});
+}
+
+void TestDBusMenu::answersUnknownIdsWithNothing()
+{
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(99, -1, {}, layout);
+    QVERIFY(layout.properties.isEmpty() && layout.children.isEmpty());
+    QCOMPARE(m_dbusMenu->GetProperty(99, u"label"_s).variant(), QVariant(QString()));
+    QVERIFY(m_dbusMenu->GetGroupProperties({99, -1}, {}).isEmpty());
+    QVERIFY(!m_dbusMenu->AboutToShow(99));
+    send(*m_dbusMenu, 99, u"clicked"_s);
+    QCOMPARE(m_dbusMenu->EventGroup({{.id = 99, .type = u"clicked"_s}, {.id = 0}}), QList<int>{99});
+    QList<int> unknown;
+    QVERIFY(m_dbusMenu->AboutToShowGroup({0, 99}, unknown).isEmpty());
+    QCOMPARE(unknown, QList<int>{99});
+}
+
+void TestDBusMenu::aClickTriggersTheAction()
+{
+    QSignalSpy triggered(m_command, &QAction::triggered);
+    send(*m_dbusMenu, 3, u"clicked"_s);
+    QTRY_COMPARE(triggered.count(), 1);
+    m_dbusMenu->EventGroup({{.id = 3, .type = u"clicked"_s}});
+    QTRY_COMPARE(triggered.count(), 2);
+}
+
+void TestDBusMenu::aClickOnADisabledActionDoesNothing()
+{
+    QSignalSpy triggered(m_row, &QAction::triggered);
+    send(*m_dbusMenu, 1, u"clicked"_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(triggered.count(), 0);
+}
+
+void TestDBusMenu::tellsTheMenuWhenItOpensAndCloses()
+{
+    QSignalSpy opened(m_menu.get(), &QMenu::aboutToShow);
+    QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
+    send(*m_dbusMenu, 0, u"opened"_s);
+    send(*m_dbusMenu, 0, u"opened"_s);
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(0, -1, {}, layout);
+    QCOMPARE(opened.count(), 1);
+    QCOMPARE(closed.count(), 0);
+    send(*m_dbusMenu, 0, u"closed"_s);
+    QCOMPARE(closed.count(), 1);
+}
+
+void TestDBusMenu::bringsTextsUpToDateWhenTheDesktopLooks()
+{
+    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { m_row->setText(u"GPU: 90 %"_s); });
+    DBusMenuLayout layout;
+    m_dbusMenu->GetLayout(0, -1, {}, layout);
+    QCOMPARE(labels(layout).value(0), u"GPU: 90 %"_s);
+}
+
+void TestDBusMenu::sendsNothingWhileClosed()
+{
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
+    m_row->setText(u"GPU: 42 %"_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(updated.count(), 0);
+}
+
+void TestDBusMenu::sendsWhatChangedMeanwhileWhenItOpens()
+{
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
+    QVERIFY(!m_dbusMenu->AboutToShow(0));
+    m_command->setEnabled(false);
+    QVERIFY(m_dbusMenu->AboutToShow(0));
+    QVERIFY(!m_dbusMenu->AboutToShow(0));
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuProperties>>()), QStringList{u"Quit"_s});
+
+    QList<int> unknown;
+    m_command->setEnabled(true);
+    QCOMPARE(m_dbusMenu->AboutToShowGroup({0, 1}, unknown), QList<int>{0});
+    QCOMPARE(updated.count(), 2);
+
+    m_row->setText(u"GPU: 42 %"_s);
+    send(*m_dbusMenu, 0, u"opened"_s);
+    QCOMPARE(updated.count(), 3);
+}
+
+void TestDBusMenu::sendsChangesTogetherWhileOpen()
+{
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
+    send(*m_dbusMenu, 0, u"opened"_s);
+    m_row->setText(u"GPU: 42 %"_s);
+    m_command->setText(u"Leave"_s);
+    QTRY_COMPARE(updated.count(), 1);
+    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuProperties>>()),
+             (QStringList{u"GPU: 42 %"_s, u"Leave"_s}));
+}
+
+void TestDBusMenu::announcesActionsThatComeAndGo()
+{
+    QSignalSpy changed(m_dbusMenu.get(), &DBusMenu::LayoutUpdated);
+    QAction *about = m_menu->addAction(u"About Corvane"_s);
+    m_menu->removeAction(m_row);
+    QCOMPARE(changed.count(), 2);
+    DBusMenuLayout layout;
+    QCOMPARE(m_dbusMenu->GetLayout(0, -1, {}, layout), changed[1][0].toUInt());
+    QCOMPARE(labels(layout), (QStringList{u"-"_s, u"Quit"_s, u"About Corvane"_s}));
+
+    delete about;
+    send(*m_dbusMenu, 4, u"clicked"_s);
+    m_dbusMenu->GetLayout(0, -1, {}, layout);
+    QCOMPARE(labels(layout), (QStringList{u"-"_s, u"Quit"_s}));
+}
+
+void TestDBusMenu::closesWithItself()
+{
+    send(*m_dbusMenu, 0, u"opened"_s);
+    QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
+    m_dbusMenu.reset();
+    QCOMPARE(closed.count(), 1);
+}
+
+QTEST_MAIN(TestDBusMenu)
+#include "tst_DBusMenu.moc"

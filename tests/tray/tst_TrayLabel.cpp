@@ -1,0 +1,593 @@
+#include "tray/TrayLabel.h"
+
+#include "app/Commands.h"
+#include "support/BusMonitor.h"
+#include "support/FakeTray.h"
+#include "support/PrivateBus.h"
+#include "tray/DBusMenuTypes.h"
+#include "tray/StatusNotifierTypes.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDBusVirtualObject>
+#include <QPoint>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
+
+SystemMetrics sample(int memoryPercent, int gpuPercent = 41, double watts = 12)
+{
+    return {.memory = {.total = 1000, .used = static_cast<quint64>(memoryPercent) * 10 + 4},
+            .chip = ChipReading{.cpuWatts = watts, .gpuActiveFraction = (gpuPercent + 0.5) / 100}};
+}
+
+/// An owner of the tray's name that never answers.
+class HangingTray : public QDBusVirtualObject {
+public:
+    explicit HangingTray(const QString &address)
+        : m_bus(QDBusConnection::connectToBus(address, u"hanging-tray"_s))
+    {
+        m_bus.registerVirtualObject(u"/"_s, this, QDBusConnection::SubPath);
+        m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s);
+    }
+    ~HangingTray() override { QDBusConnection::disconnectFromBus(u"hanging-tray"_s); }
+
+    QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &, const QDBusConnection &) override
+    {
+        wasAsked = true;
+        return true;
+    }
+
+    bool wasAsked = false;
+
+private:
+    QDBusConnection m_bus;
+};
+
+const QStringList squareIds{u"corvane-memory"_s, u"corvane-gpu"_s, u"corvane-power"_s};
+
+#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, ample)
+#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ample)
+
+} // namespace
+
+/// The label beside a fake tray on a bus of the test's own.
+class TestTrayLabel : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void takesTheFormOfTheHost_data();
+    void takesTheFormOfTheHost();
+    void showsATextBesideItsSign();
+    void showsOneWidePicture();
+    void showsOnePictureForEachNumber();
+    void describesItselfAsHostsExpect();
+    void saysAllValuesInTheToolTip();
+    void clicksOpenThePanelAndTheDashboard();
+    void showsItsMenuWhereTheDesktopDrawsNone();
+    void handsTheActivationTokenOn();
+    void menuShowsLiveRowsAndCommands();
+    void constantValuesSendNothing();
+    void changingValuesSendWhatTheyNeed();
+    void aChangingTextSendsTheText();
+    void menuRowsAreSentOnlyWhileOpen();
+    void comesToATrayThatStartsLate();
+    void comesBackToATrayThatStartsAnew();
+    void takesAnotherFormForAnotherTray();
+    void waitsForAHost();
+    void comesBackAfterTheBus();
+    void comesOnceTheBusHangsNoMore();
+    void aTrayThatHasThemAllIsLeftAlone_data();
+    void aTrayThatHasThemAllIsLeftAlone();
+    void aTrayThatLosesAnItemGetsAllAnew_data();
+    void aTrayThatLosesAnItemGetsAllAnew();
+    void aTrayThatAlwaysLosesAnItemIsLeftAlone();
+    void comesInOrderToATrayThatAnswersLate();
+    void comesInOrderToATrayThatStartsAnewInBetween();
+    void comesToATrayThatAnswersWithErrors();
+    void aTrayThatHangsHoldsNobodyUp();
+    void tellsOnceThatThereIsNoTray();
+    void staysQuietWhereATrayIs();
+
+private:
+    void startTray(const char *program);
+    void waitForTheCheck();
+    QStringList ids();
+    QString text(const QString &name, int item = 0);
+    StatusNotifierPixmaps pictures(int item = 0);
+    void callItem(const QString &method, const QVariantList &arguments);
+    QVariantList callMenu(const QString &method, const QVariantList &arguments);
+    QStringList menuTexts();
+
+    const Commands m_commands;
+    std::unique_ptr<PrivateBus> m_bus;
+    std::unique_ptr<FakeTray> m_tray;
+    std::unique_ptr<TrayLabel> m_label;
+};
+
+void TestTrayLabel::init()
+{
+    m_bus = std::make_unique<PrivateBus>();
+    QVERIFY(m_bus->start());
+    m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder());
+    m_label->show(sample(63));
+}
+
+void TestTrayLabel::cleanup()
+{
+    m_label.reset();
+    m_tray.reset();
+    m_bus.reset();
+}
+
+/// Waits until the label stands in it.
+void TestTrayLabel::startTray(const char *program)
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), program);
+    const bool isText = qstrcmp(program, "gnome-shell") == 0;
+    const bool isWide = qstrcmp(program, "waybar") == 0;
+    TRY_COMPARE(m_tray->items().size(), isText || isWide ? 1 : 3);
+}
+
+/// Until the label has looked whether the tray has its items, after which it sends nothing more.
+void TestTrayLabel::waitForTheCheck()
+{
+    TRY_COMPARE(m_tray->listings(), 1);
+}
+
+/// In the order of their registration.
+QStringList TestTrayLabel::ids()
+{
+    QStringList ids;
+    for (int item = 0; item < m_tray->items().size(); ++item)
+        ids.append(text(u"Id"_s, item));
+    return ids;
+}
+
+QString TestTrayLabel::text(const QString &name, int item)
+{
+    return m_tray->property(m_tray->items().value(item), name).toString();
+}
+
+StatusNotifierPixmaps TestTrayLabel::pictures(int item)
+{
+    return qdbus_cast<StatusNotifierPixmaps>(
+        m_tray->property(m_tray->items().value(item), u"IconPixmap"_s));
+}
+
+void TestTrayLabel::callItem(const QString &method, const QVariantList &arguments)
+{
+    m_tray->call(m_tray->items().value(0), u"/StatusNotifierItem"_s,
+                 QString::fromLatin1(FakeTray::itemInterface), method, arguments);
+}
+
+QVariantList TestTrayLabel::callMenu(const QString &method, const QVariantList &arguments)
+{
+    const QString item = m_tray->items().value(0);
+    const auto path = m_tray->property(item, u"Menu"_s).value<QDBusObjectPath>();
+    return m_tray->call(item, path.path(), QString::fromLatin1(FakeTray::menuInterface), method,
+                        arguments);
+}
+
+QStringList TestTrayLabel::menuTexts()
+{
+    const QVariantList answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
+    QStringList texts;
+    for (const auto &child : qdbus_cast<DBusMenuLayout>(answer.value(1)).children)
+        texts.append(child.properties.value(u"label"_s, u"-"_s).toString());
+    return texts;
+}
+
+void TestTrayLabel::takesTheFormOfTheHost_data()
+{
+    const QStringList one{u"corvane"_s};
+    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("GNOME: one item") << "gnome-shell"_ba << one;
+    QTest::newRow("a bar that keeps proportions: one item") << "waybar"_ba << one;
+    QTest::newRow("Plasma: three squares") << "kded6"_ba << squareIds;
+    QTest::newRow("LXQt: three squares") << "lxqt-panel"_ba << squareIds;
+    QTest::newRow("a tray that puts new items first") << "panel-6-systray"_ba << reversed;
+    QTest::newRow("a tray that nobody knows") << "my-own-bar"_ba << squareIds;
+}
+
+void TestTrayLabel::takesTheFormOfTheHost()
+{
+    QFETCH(QByteArray, program);
+    startTray(program.constData());
+    QTEST(ids(), "expected");
+    QVERIFY(m_label->isAvailable());
+}
+
+void TestTrayLabel::showsATextBesideItsSign()
+{
+    startTray("gnome-shell");
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"63 41 12W"_s);
+    QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"100 100 999W"_s);
+    for (const StatusNotifierPixmap &picture : pictures())
+        QCOMPARE(picture.width, picture.height);
+    m_label->show(sample(64));
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"64 41 12W"_s);
+}
+
+void TestTrayLabel::showsOneWidePicture()
+{
+    startTray("waybar");
+    const auto before = pictures();
+    QVERIFY(!before.isEmpty());
+    for (const StatusNotifierPixmap &picture : before)
+        QVERIFY(picture.width > 3 * picture.height);
+    QCOMPARE(text(u"XAyatanaLabel"_s), QString());
+    m_label->show(sample(64));
+    QVERIFY(pictures() != before);
+}
+
+void TestTrayLabel::showsOnePictureForEachNumber()
+{
+    startTray("kded6");
+    QList<int> sizes;
+    for (const StatusNotifierPixmap &picture : pictures(0)) {
+        QCOMPARE(picture.width, picture.height);
+        QCOMPARE(picture.bytes.size(), 4 * picture.width * picture.height);
+        sizes.append(picture.width);
+    }
+    QCOMPARE(sizes.first(), 16);
+    QCOMPARE(sizes.last(), 64);
+
+    const auto memory = pictures(0);
+    const auto gpu = pictures(1);
+    m_label->show(sample(64));
+    QVERIFY(pictures(0) != memory);
+    QVERIFY(pictures(1) == gpu);
+}
+
+void TestTrayLabel::describesItselfAsHostsExpect()
+{
+    startTray("kded6");
+    QCOMPARE(text(u"Title"_s, 0), u"Corvane 1 Memory"_s);
+    QCOMPARE(text(u"Title"_s, 2), u"Corvane 3 Power"_s);
+    QCOMPARE(text(u"Category"_s), u"Hardware"_s);
+    QCOMPARE(text(u"Status"_s), u"Active"_s);
+    QCOMPARE(text(u"IconName"_s), QString());
+    QCOMPARE(m_tray->property(m_tray->items()[0], u"ItemIsMenu"_s), QVariant(false));
+    const QVariantList description =
+        m_tray->call(m_tray->items()[0], u"/StatusNotifierItem"_s,
+                     u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
+    QVERIFY(description.value(0).toString().contains("\"Activate\""_L1));
+}
+
+void TestTrayLabel::saysAllValuesInTheToolTip()
+{
+    startTray("kded6");
+    const QString words = u"Memory 63 %, GPU 41 %, Power 12 W"_s;
+    for (int item = 0; item < 3; ++item) {
+        const auto toolTip = qdbus_cast<StatusNotifierToolTip>(
+            m_tray->property(m_tray->items()[item], u"ToolTip"_s));
+        QCOMPARE(toolTip.title, words);
+        QCOMPARE(text(u"IconAccessibleDesc"_s, item), words);
+    }
+}
+
+void TestTrayLabel::clicksOpenThePanelAndTheDashboard()
+{
+    startTray("lxqt-panel");
+    QSignalSpy activated(m_label.get(), &TrayLabel::activated);
+    QSignalSpy openWindow(m_label.get(), &TrayLabel::openWindowRequested);
+    callItem(u"Activate"_s, {120, 40});
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated[0][0].toPoint(), QPoint(120, 40));
+    callItem(u"SecondaryActivate"_s, {120, 40});
+    QCOMPARE(openWindow.count(), 1);
+    callItem(u"XAyatanaSecondaryActivate"_s, {0u});
+    QCOMPARE(openWindow.count(), 2);
+    callItem(u"Scroll"_s, {120, u"vertical"_s});
+    QCOMPARE(activated.count(), 1);
+}
+
+void TestTrayLabel::showsItsMenuWhereTheDesktopDrawsNone()
+{
+    startTray("kded6");
+    callItem(u"ContextMenu"_s, {120, 40});
+    QWidget *menu = QApplication::activePopupWidget();
+    QVERIFY(menu);
+    QCOMPARE(menu->pos(), QPoint(120, 40));
+    menu->close();
+}
+
+void TestTrayLabel::handsTheActivationTokenOn()
+{
+    startTray("kded6");
+    callItem(u"ProvideXdgActivationToken"_s, {u"token-1"_s});
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), "token-1"_ba);
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+void TestTrayLabel::menuShowsLiveRowsAndCommands()
+{
+    startTray("gnome-shell");
+    QCOMPARE(
+        menuTexts(),
+        (QStringList{u"Memory: 0 MB / 0 MB, 63 %"_s, u"GPU: 42 %, 0.00 W"_s, u"CPU: 0 %, 12.00 W"_s,
+                     u"ANE: 0.00 W, Neural Engine"_s, u"Swap: 0 MB, of 0 MB"_s, u"-"_s,
+                     u"Open Window"_s, u"-"_s, u"About Corvane"_s, u"Check for Updates…"_s,
+                     u"Settings…"_s, u"-"_s, u"Quit"_s}));
+    m_label->show(sample(64));
+    QCOMPARE(menuTexts().value(0), u"Memory: 0 MB / 0 MB, 64 %"_s);
+
+    const QSignalSpy openWindow(m_commands.openWindow(), &QAction::triggered);
+    const QSignalSpy settings(m_commands.settings(), &QAction::triggered);
+    const QSignalSpy quit(m_commands.quit(), &QAction::triggered);
+    const auto click = [this](int id) {
+        callMenu(u"Event"_s, {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0u});
+    };
+    click(1); // A row: nothing.
+    click(7);
+    click(11);
+    click(13);
+    TRY_COMPARE(quit.count(), 1);
+    QCOMPARE(settings.count(), 1);
+    QCOMPARE(openWindow.count(), 1);
+}
+
+void TestTrayLabel::constantValuesSendNothing()
+{
+    startTray("kded6");
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    for (int second = 0; second < 60; ++second) {
+        SystemMetrics current = sample(63);
+        current.memory.swapUsed = static_cast<quint64>(second) << 30; // Not in the label.
+        m_label->show(current);
+    }
+    QCOMPARE(monitor.membersSince(squareIds), QStringList());
+}
+
+void TestTrayLabel::changingValuesSendWhatTheyNeed()
+{
+    startTray("kded6");
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    for (int second = 0; second < 60; ++second)
+        m_label->show(sample(10 + second, 20 + second / 2));
+    const QStringList members = monitor.membersSince(squareIds);
+    const auto pictures = members.count("NewIcon"_L1);
+    const auto toolTips = members.count("NewToolTip"_L1);
+    QCOMPARE(pictures, 60 + 30); // Memory each second, the GPU every other, power never.
+    QCOMPARE(toolTips, 3 * 60);  // Each item tells all values.
+    QCOMPARE(members.size(), pictures + toolTips);
+}
+
+void TestTrayLabel::aChangingTextSendsTheText()
+{
+    startTray("gnome-shell");
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    for (int second = 0; second < 60; ++second)
+        m_label->show(sample(10 + second));
+    const QStringList members = monitor.membersSince({u"corvane"_s});
+    QCOMPARE(members.count("XAyatanaNewLabel"_L1), 60);
+    QCOMPARE(members.count("NewToolTip"_L1), 60);
+    QCOMPARE(members.size(), 120);
+}
+
+void TestTrayLabel::menuRowsAreSentOnlyWhileOpen()
+{
+    startTray("gnome-shell");
+    waitForTheCheck();
+    const auto tell = [this](const QString &event) {
+        callMenu(u"Event"_s, {0, event, QVariant::fromValue(QDBusVariant(0)), 0u});
+    };
+    const auto changeSwap = [this](int gigabytes) {
+        SystemMetrics current = sample(63); // The label stays as it is.
+        current.memory.swapUsed = static_cast<quint64>(gigabytes) << 30;
+        m_label->show(current);
+        QCoreApplication::processEvents();
+    };
+    tell(u"opened"_s);
+    BusMonitor monitor(m_bus->address());
+    changeSwap(1);
+    changeSwap(2);
+    changeSwap(2);
+    const QString update = u"ItemsPropertiesUpdated"_s;
+    QCOMPARE(monitor.membersSince({u"corvane"_s}), (QStringList{update, update}));
+
+    tell(u"closed"_s);
+    monitor.membersSince({u"corvane"_s});
+    changeSwap(3);
+    QCOMPARE(monitor.membersSince({u"corvane"_s}), QStringList());
+}
+
+void TestTrayLabel::comesToATrayThatStartsLate()
+{
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    TRY_COMPARE(missing.count(), 1);
+    startTray("lxqt-panel");
+    QCOMPARE(ids(), squareIds);
+}
+
+void TestTrayLabel::comesBackToATrayThatStartsAnew()
+{
+    startTray("lxqt-panel");
+    m_tray.reset();
+    TRY_VERIFY(!m_label->isAvailable());
+    m_label->show(sample(77));
+    startTray("lxqt-panel");
+    QCOMPARE(ids(), squareIds);
+    QCOMPARE(text(u"IconAccessibleDesc"_s), u"Memory 77 %, GPU 41 %, Power 12 W"_s);
+}
+
+void TestTrayLabel::takesAnotherFormForAnotherTray()
+{
+    startTray("lxqt-panel");
+    m_tray.reset();
+    startTray("gnome-shell");
+    QCOMPARE(ids(), QStringList{u"corvane"_s});
+}
+
+void TestTrayLabel::waitsForAHost()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "kded6");
+    m_tray->setHost(false);
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    TRY_COMPARE(missing.count(), 1);
+    QVERIFY(m_tray->items().isEmpty());
+    m_tray->setHost(true);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    m_tray->setHost(false);
+    TRY_VERIFY(!m_label->isAvailable());
+}
+
+void TestTrayLabel::comesBackAfterTheBus()
+{
+    startTray("lxqt-panel");
+    m_tray.reset();
+    m_bus->kill();
+    TRY_VERIFY(!m_label->isAvailable());
+    m_label->show(sample(77));
+    QVERIFY(m_bus->start());
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(text(u"IconAccessibleDesc"_s), u"Memory 77 %, GPU 41 %, Power 12 W"_s);
+}
+
+void TestTrayLabel::comesOnceTheBusHangsNoMore()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_bus->hang();
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    int seconds = 0;
+    QTimer ticks;
+    connect(&ticks, &QTimer::timeout, this, [&] { m_label->show(sample(++seconds)); });
+    ticks.start(10);
+    TRY_COMPARE(missing.count(), 1);
+    const int before = seconds;
+    TRY_VERIFY(seconds > before + 100);
+    QVERIFY(!m_label->isAvailable());
+    m_bus->goOn();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(ids(), squareIds);
+    QVERIFY(m_label->isAvailable());
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone_data()
+{
+    QTest::addColumn<QString>("separator");
+    QTest::newRow("lists name and path") << QString();
+    QTest::newRow("lists name, @ and path") << u"@"_s;
+}
+
+void TestTrayLabel::aTrayThatHasThemAllIsLeftAlone()
+{
+    QFETCH(QString, separator);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->setSeparator(separator);
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    QTest::qWait(3000); // Time enough to register once more, or to ask again.
+    QCOMPARE(monitor.membersSince(squareIds), QStringList());
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew_data()
+{
+    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<int>("lost");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("one of three") << "lxqt-panel"_ba << 2 << squareIds;
+    QTest::newRow("in a tray that puts new ones first") << "panel-6-systray"_ba << 2 << reversed;
+    QTest::newRow("the only one") << "gnome-shell"_ba << 1 << QStringList{u"corvane"_s};
+}
+
+void TestTrayLabel::aTrayThatLosesAnItemGetsAllAnew()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(int, lost);
+    QFETCH(QStringList, expected);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), program.constData());
+    m_tray->loseRegistrations(lost);
+    const int count = static_cast<int>(expected.size());
+    TRY_COMPARE(m_tray->registrations(), 2 * count);
+    TRY_COMPARE(m_tray->items().size(), count);
+    QCOMPARE(ids(), expected);
+}
+
+void TestTrayLabel::aTrayThatAlwaysLosesAnItemIsLeftAlone()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
+    m_tray->loseRegistrations(1, 100);
+    TRY_COMPARE(m_tray->listings(), 3);
+    QTest::qWait(3000);
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::comesInOrderToATrayThatAnswersLate()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "panel-6-systray");
+    m_tray->setDelay(1500ms);
+    TRY_COMPARE(m_tray->items().size(), 1);
+    QCOMPARE(m_tray->registrations(), 1); // The second waits for the first.
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(ids(), (QStringList{squareIds[2], squareIds[1], squareIds[0]}));
+}
+
+void TestTrayLabel::comesInOrderToATrayThatStartsAnewInBetween()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    TRY_COMPARE(m_tray->registrations(), 1);
+    m_tray.reset();
+    startTray("lxqt-panel");
+    QCOMPARE(ids(), squareIds);
+    waitForTheCheck();
+    QCOMPARE(m_tray->registrations(), 3);
+}
+
+void TestTrayLabel::comesToATrayThatAnswersWithErrors()
+{
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->refuseRegistrations();
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(ids(), squareIds);
+}
+
+void TestTrayLabel::aTrayThatHangsHoldsNobodyUp()
+{
+    const HangingTray tray(m_bus->address());
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    TRY_COMPARE(missing.count(), 1);
+    TRY_VERIFY(tray.wasAsked);
+    m_label->show(sample(64));
+    QVERIFY(!m_label->isAvailable());
+}
+
+void TestTrayLabel::tellsOnceThatThereIsNoTray()
+{
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    TRY_COMPARE(missing.count(), 1);
+    m_bus->kill();
+    QVERIFY(!missing.wait(2000));
+}
+
+void TestTrayLabel::staysQuietWhereATrayIs()
+{
+    QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
+    startTray("lxqt-panel");
+    QVERIFY(!missing.wait(2500)); // It would have come after one and a half seconds.
+}
+
+QTEST_MAIN(TestTrayLabel)
+#include "tst_TrayLabel.moc"

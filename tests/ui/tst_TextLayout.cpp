@@ -1,0 +1,138 @@
+#include "support/Rendering.h"
+#include "ui/TextLayout.h"
+#include "ui/Theme.h"
+
+#include <QHash>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The box around all ink of a text, in points.
+QRectF ink(const QString &text, const QFont &font, double scale)
+{
+    QImage image(QSize(300, 60) * scale, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setPen(Qt::white);
+    drawText(painter, {10, 40}, text, font);
+    painter.end();
+    QRect box;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y).alpha() > 60)
+                box |= QRect(x, y, 1, 1);
+        }
+    }
+    return QRectF(QPointF(box.topLeft()) / scale, QSizeF(box.size()) / scale);
+}
+
+} // namespace
+
+class TestTextLayout : public QObject {
+    Q_OBJECT
+
+private slots:
+    void isOfOneSizeAtEveryScale_data();
+    void isOfOneSizeAtEveryScale();
+    void setsDigitsOnOneWidth();
+    void measuresAnyNumberOfTexts();
+    void centresLines();
+    void elidesAtTheRightEnd();
+    void makesOneLine_data();
+    void makesOneLine();
+};
+
+void TestTextLayout::isOfOneSizeAtEveryScale_data()
+{
+    QFont spaced = Theme::systemFont(20);
+    spaced.setLetterSpacing(QFont::AbsoluteSpacing, 8);
+    QTest::addColumn<QFont>("font");
+    QTest::newRow("the system's font") << Theme::systemFont(22);
+    QTest::newRow("the monospaced font") << Theme::monospacedFont(20);
+    QTest::newRow("spaced letters") << spaced;
+}
+
+void TestTextLayout::isOfOneSizeAtEveryScale()
+{
+    QFETCH(QFont, font);
+    const QRectF once = ink(u"HxH"_s, font, 1);
+    QVERIFY(once.height() > 10);
+    for (const double scale : {1.25, 1.5, 2.0, 3.0}) {
+        const QRectF scaled = ink(u"HxH"_s, font, scale);
+        QVERIFY(qAbs(scaled.width() - once.width()) < 2);
+        QVERIFY(qAbs(scaled.height() - once.height()) < 2);
+        QVERIFY(qAbs(scaled.bottom() - once.bottom()) < 1.5);
+    }
+}
+
+void TestTextLayout::setsDigitsOnOneWidth()
+{
+    const QFont font = Theme::systemFont(13, QFont::DemiBold);
+    for (const QString &digits : {u"00"_s, u"11"_s, u"17"_s, u"99"_s})
+        QCOMPARE(textWidth(digits, font), textWidth(u"88"_s, font));
+    QCOMPARE(textWidth(u"GPU"_s, font), textWidth(u"GPU"_s, font, Digits::proportional));
+}
+
+/// More than are remembered.
+void TestTextLayout::measuresAnyNumberOfTexts()
+{
+    const QFont font = Theme::systemFont(11);
+    QHash<QString, double> widths;
+    for (int round = 0; round < 2; ++round) {
+        for (char16_t letter = 0x4E00; letter < 0x4E00 + 1000; ++letter) {
+            const QString text(2, QChar(letter));
+            const double width = textWidth(text, font);
+            QVERIFY(width > 0);
+            QCOMPARE(width, widths.value(text, width));
+            widths[text] = width;
+        }
+    }
+}
+
+void TestTextLayout::centresLines()
+{
+    const QFont font = Theme::systemFont(20);
+    const QFontMetricsF metrics(font);
+    const TextLine line{100, 40};
+    const double baseline = line.baseline(font);
+    QCOMPARE(line.bottom(), 140.0);
+    QCOMPARE(baseline - metrics.ascent() - line.top, line.bottom() - baseline - metrics.descent());
+}
+
+void TestTextLayout::elidesAtTheRightEnd()
+{
+    const QFont font = Theme::systemFont(11);
+    const QString cut = elided(QString(100, u'x'), font, 130);
+    QVERIFY(cut.endsWith(u'…') && cut.count(u'…') == 1);
+    QVERIFY(textWidth(cut, font) <= 130);
+    QCOMPARE(elided(u"short"_s, font, 130), u"short"_s);
+}
+
+void TestTextLayout::makesOneLine_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("plain text stays")
+        << u"llama-server <b>&amp;</b>"_s << u"llama-server <b>&amp;</b>"_s;
+    QTest::newRow("letters of every script stay") << u"тест 模型 😀"_s << u"тест 模型 😀"_s;
+    QTest::newRow("line breaks and tabs") << u"a\nb\r\tc"_s << u"a\uFFFDb\uFFFD\uFFFDc"_s;
+    QTest::newRow("a line and a paragraph separator") << u"a\u2028b\u2029"_s << u"a\uFFFDb\uFFFD"_s;
+    QTest::newRow("overrides and isolates")
+        << u"a\u202Eb\u2066c\u200F"_s << u"a\uFFFDb\uFFFDc\uFFFD"_s;
+    QTest::newRow("4,000 characters are cut") << QString(4000, u'x') << QString(512, u'x');
+    QTest::newRow("nothing") << QString() << QString();
+}
+
+void TestTextLayout::makesOneLine()
+{
+    QFETCH(QString, text);
+    QTEST(singleLine(text), "line");
+}
+
+QTEST_MAIN(TestTextLayout)
+#include "tst_TextLayout.moc"

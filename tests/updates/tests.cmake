@@ -1,0 +1,21 @@
+corvane_test(updates/tst_SystemUpdater_none SOURCES ../src/updates/SystemUpdater_none.cpp)
+corvane_test(updates/tst_UpdaterManager)
+corvane_test(updates/tst_PackageLine)
+corvane_test(updates/tst_UpdateReport)
+corvane_test(updates/tst_UpdateSchedule)
+corvane_test(updates/tst_PackageUpdater SYSTEM linux simulated-mac THREADED)
+
+# Where it can run: as root, with the packages for "updates".
+find_program(CORVANE_PACKAGEKIT packagekitd PATHS /usr/libexec /usr/lib/packagekit)
+find_program(CORVANE_SCANPACKAGES dpkg-scanpackages)
+find_program(CORVANE_GPG gpg)
+if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED AND NOT CORVANE_SANITIZE)
+  add_executable(corvane_update_check updates/update_check.cpp)
+  target_link_libraries(corvane_update_check PRIVATE corvane::updates)
+  execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(user EQUAL 0 AND CORVANE_PACKAGEKIT AND CORVANE_SCANPACKAGES AND CORVANE_GPG)
+    add_test(NAME updates/PackageKit COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/desktop/packagekit
+                                         $<TARGET_FILE:corvane_update_check>)
+    set_tests_properties(updates/PackageKit PROPERTIES TIMEOUT 600)
+  endif()
+endif()

@@ -1,0 +1,3 @@
+corvane_test(windows/tst_WindowLifecycleCoordinator)
+corvane_test(windows/tst_WindowAccessor)
+corvane_test(windows/tst_WindowTools)

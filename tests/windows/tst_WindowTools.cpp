@@ -1,0 +1,115 @@
+#include "windows/WindowTools.h"
+
+#include "tray/TrayPicture.h"
+
+#include <QTest>
+#include <QWindow>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+class TestWindowTools : public QObject {
+    Q_OBJECT
+
+private slots:
+    void aWindowThatWasClosedIsNotOpen();
+    void comesBackAsItWas();
+    void takesATokenOfTheDesktop_data();
+    void takesATokenOfTheDesktop();
+    void hasTheSignInTheTaskbar();
+    void closesOnItsKeys_data();
+    void closesOnItsKeys();
+};
+
+void TestWindowTools::aWindowThatWasClosedIsNotOpen()
+{
+    QVERIFY(!isOpen(nullptr));
+    QWidget window;
+    QVERIFY(!isOpen(&window));
+    window.show();
+    QVERIFY(isOpen(&window));
+    window.showMinimized();
+    QVERIFY(isOpen(&window));
+    window.close();
+    QVERIFY(!isOpen(&window));
+}
+
+void TestWindowTools::comesBackAsItWas()
+{
+    QWidget window;
+    window.showMaximized();
+    window.setWindowState(window.windowState() | Qt::WindowMinimized);
+    bringForward(window);
+    QVERIFY(window.isMaximized());
+    QVERIFY(!window.isMinimized());
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+}
+
+void TestWindowTools::takesATokenOfTheDesktop_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    QTest::addColumn<QByteArray>("expected");
+    QTest::newRow("as desktops make them") << "panel-1_TIME2"_ba
+                                           << "panel-1_TIME2"_ba;
+    QTest::newRow("none") << QByteArray() << "earlier"_ba;
+    QTest::newRow("two lines") << "a\nb"_ba
+                               << "earlier"_ba;
+    QTest::newRow("too long") << QByteArray(10'000, 'x') << "earlier"_ba;
+}
+
+void TestWindowTools::takesATokenOfTheDesktop()
+{
+    QFETCH(QByteArray, token);
+    qputenv("XDG_ACTIVATION_TOKEN", "earlier");
+    useActivationToken(token);
+    QTEST(qgetenv("XDG_ACTIVATION_TOKEN"), "expected");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+void TestWindowTools::hasTheSignInTheTaskbar()
+{
+    QWidget window;
+    bringForward(window);
+    const QIcon icon = window.windowHandle()->icon();
+    for (const int pixels : {16, 32, 48, 64})
+        QCOMPARE(icon.pixmap(pixels).toImage().convertToFormat(signPicture(pixels).format()),
+                 signPicture(pixels));
+    // Windows come and go, and Qt keeps each picture that it has shown for a while.
+    QWidget other;
+    bringForward(other);
+    QCOMPARE(other.windowIcon().cacheKey(), window.windowIcon().cacheKey());
+}
+
+void TestWindowTools::closesOnItsKeys_data()
+{
+    QTest::addColumn<bool>("isSmall");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<bool>("closes");
+    const Qt::KeyboardModifiers none;
+    const Qt::KeyboardModifiers control = Qt::ControlModifier;
+    QTest::newRow("Control and W") << false << int(Qt::Key_W) << control << true;
+    QTest::newRow("W alone") << false << int(Qt::Key_W) << none << false;
+    QTest::newRow("Escape in a large window") << false << int(Qt::Key_Escape) << none << false;
+    QTest::newRow("Escape in a small window") << true << int(Qt::Key_Escape) << none << true;
+}
+
+void TestWindowTools::closesOnItsKeys()
+{
+    QFETCH(bool, isSmall);
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(bool, closes);
+    QWidget window;
+    closeOnUsualKey(window);
+    if (isSmall)
+        closeOnEscape(window);
+    bringForward(window);
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key(key), modifiers);
+    QCOMPARE(isOpen(&window), !closes);
+}
+
+QTEST_MAIN(TestWindowTools)
+#include "tst_WindowTools.moc"
+#include "ui/Logo.h"
