@@ -6,4 +6,4 @@ endif()
 # The arguments are there to be found by the test.
 corvane_test(live/tst_LiveMac SYSTEM mac simulated-mac ARGUMENTS -maxwarnings 1000
              SOURCES ${live_mac} LINK corvane::memory corvane::chip corvane::processes)
-corvane_test(live/tst_MachineCapture SYSTEM linux LINK corvane::chip)
+corvane_test(live/tst_MachineCapture SYSTEM linux LINK corvane::memory corvane::chip)

@@ -1,5 +1,6 @@
 #include "tray/TrayPicture.h"
 
+#include "ui/Logo.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -192,4 +193,3 @@ void TestTrayPicture::signFillsItsSquare()
 
 QTEST_MAIN(TestTrayPicture)
 #include "tst_TrayPicture.moc"
-#include "ui/Logo.h"

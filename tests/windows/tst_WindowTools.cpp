@@ -1,6 +1,6 @@
 #include "windows/WindowTools.h"
 
-#include "tray/TrayPicture.h"
+#include "ui/Logo.h"
 
 #include <QTest>
 #include <QWindow>
@@ -112,4 +112,3 @@ void TestWindowTools::closesOnItsKeys()
 
 QTEST_MAIN(TestWindowTools)
 #include "tst_WindowTools.moc"
-#include "ui/Logo.h"
