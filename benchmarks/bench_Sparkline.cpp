@@ -35,8 +35,7 @@ SparklineData powerData(std::size_t samples, std::size_t shift)
     for (std::size_t i = 0; i < samples; ++i)
         data.timestamps.push_back(static_cast<double>(i + shift));
     data.xDomain = {data.timestamps.front(), data.timestamps.back()};
-    const std::pair<double, QColor> parts[] = {
-        {10, Theme::cpu()}, {20, Theme::gpu()}, {1, Theme::ane()}};
+    const std::pair<double, QColor> parts[] = {{10, Theme::cpu}, {20, Theme::gpu}, {1, Theme::ane}};
     for (const auto &[mean, color] : parts)
         data.series.push_back({.values = watts(samples, mean, shift),
                                .lineColor = color,
@@ -63,7 +62,7 @@ void fillsItsArea(benchmark::State &state)
 {
     QImage image = canvas(static_cast<double>(state.range(0)));
     QPainter painter(&image);
-    const QColor color = Theme::withOpacity(Theme::gpu(), 0.55);
+    const QColor color = Theme::withOpacity(Theme::gpu, 0.55);
     for (auto _ : state)
         painter.fillRect(QRectF({}, powerChart), color);
 }
@@ -79,8 +78,8 @@ void ticks(benchmark::State &state)
     chart.setHoverPill([](std::size_t index) {
         return PillContent{
             HoverTime::string(static_cast<double>(index)),
-            {totalRow(QStringLiteral("39.60 W"), Theme::power()),
-             componentRow(QStringLiteral("CPU"), QStringLiteral("9.30"), Theme::cpu())}};
+            {totalRow(QStringLiteral("39.60 W"), Theme::power),
+             componentRow(QStringLiteral("CPU"), QStringLiteral("9.30"), Theme::cpu)}};
     });
     if (state.range(2))
         hover(chart);

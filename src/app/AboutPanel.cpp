@@ -43,15 +43,15 @@ AboutPanel::AboutPanel(const AboutTexts &texts, QWidget *parent) : AccessibleWid
     connect(copyText, &QAction::triggered, this, &AboutPanel::copy);
     addAction(copyText);
 
-    addLine(texts.name, Theme::systemFont(16, QFont::DemiBold), Theme::textPrimary(), nameBaseline);
+    addLine(texts.name, Theme::systemFont(16, QFont::DemiBold), Theme::textPrimary, nameBaseline);
     addLine(u"Version %1 (%2)"_s.arg(texts.version, texts.build), Theme::systemFont(11),
-            Theme::textSecondary(), versionBaseline);
+            Theme::textSecondary, versionBaseline);
     double baseline = creditsBaseline;
     for (const QString &line : texts.credits.split(u'\n')) {
-        addLine(line, Theme::systemFont(11), Theme::textSecondary(), baseline);
+        addLine(line, Theme::systemFont(11), Theme::textSecondary, baseline);
         baseline += creditsLine;
     }
-    addLine(texts.copyright, Theme::systemFont(10), Theme::textTertiary(), copyrightBaseline);
+    addLine(texts.copyright, Theme::systemFont(10), Theme::textTertiary, copyrightBaseline);
 }
 
 std::vector<AccessibleText> AboutPanel::accessibleTexts() const

@@ -63,12 +63,12 @@ CardText modelCardText(const AIWorkload &workload)
 {
     CardText model{.text = modelText(workload),
                    .font = Theme::monospacedFont(10),
-                   .color = Theme::textTertiary(),
+                   .color = Theme::textTertiary,
                    .digits = Digits::proportional};
     if (!hasModel(workload)) {
         model.font = Theme::systemFont(10);
         model.font.setItalic(true);
-        model.color = Theme::withOpacity(Theme::textTertiary(), 0.6);
+        model.color = Theme::withOpacity(Theme::textTertiary, 0.6);
     }
     return model;
 }
@@ -76,17 +76,16 @@ CardText modelCardText(const AIWorkload &workload)
 } // namespace
 
 AIWorkloadsCard::AIWorkloadsCard(QWidget *parent)
-    : Card({u"brain"_s, u"AI Workloads"_s, Theme::textPrimary()}, infoText(InfoTopic::workloads),
+    : Card({u"brain"_s, u"AI Workloads"_s, Theme::textPrimary}, infoText(InfoTopic::workloads),
            parent),
       m_count(addText({.name = u"AI workloads"_s,
                        .font = Theme::systemFont(10, QFont::DemiBold),
-                       .color = Theme::textSecondary()})),
+                       .color = Theme::textSecondary})),
       m_emptyLine(addText({.font = Theme::systemFont(12, QFont::Medium),
-                           .color = Theme::textPrimary(),
+                           .color = Theme::textPrimary,
                            .side = Qt::AlignHCenter})),
-      m_emptyHint(addText({.font = Theme::systemFont(11),
-                           .color = Theme::textTertiary(),
-                           .side = Qt::AlignHCenter})),
+      m_emptyHint(addText(
+          {.font = Theme::systemFont(11), .color = Theme::textTertiary, .side = Qt::AlignHCenter})),
       m_list(new RowList(u"AI workloads"_s,
                          {.height = rowHeight,
                           .gap = rowGap,
@@ -173,10 +172,10 @@ void AIWorkloadsCard::paintShapes(QPainter &painter, const QRect &dirty)
 {
     if (m_workloads.empty()) {
         if (emptyIconRect().intersects(dirty))
-            paintIcon(painter, u"moon.zzz"_s, emptyIconRect(), Theme::textSecondary());
+            paintIcon(painter, u"moon.zzz"_s, emptyIconRect(), Theme::textSecondary);
         return;
     }
-    fillRounded(painter, tagRect(), tagRadius, Theme::tag());
+    fillRounded(painter, tagRect(), tagRadius, Theme::tag);
 }
 
 void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place) const
@@ -191,12 +190,12 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
 
     const CardText memory{.text = ByteFormatter::f().string(workload.memory),
                           .font = Theme::systemFont(11, QFont::DemiBold),
-                          .color = Theme::textPrimary(),
+                          .color = Theme::textPrimary,
                           .side = Qt::AlignRight,
                           .baseline = {place.right(), place.top() + memoryBaseline}};
     const CardText pid{.text = pidText(workload),
                        .font = Theme::systemFont(9),
-                       .color = Theme::textTertiary(),
+                       .color = Theme::textTertiary,
                        .side = Qt::AlignRight,
                        .baseline = {place.right(), place.top() + secondBaseline}};
     const double textLeft = tile.right() + tileGap;
@@ -209,7 +208,7 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     const double nameLeft = textLeft + framework.width() + nameGap;
     const CardText name{.text = workload.processName,
                         .font = Theme::systemFont(11),
-                        .color = Theme::textSecondary(),
+                        .color = Theme::textSecondary,
                         .baseline = {nameLeft, place.top() + firstBaseline},
                         .mostWidth = std::max(textEnd - nameLeft, 1.0)};
     CardText model = modelCardText(workload);

@@ -108,7 +108,7 @@ CardText Card::headerStat(const QString &name)
 {
     return {.name = name,
             .font = Theme::systemFont(11),
-            .color = Theme::textSecondary(),
+            .color = Theme::textSecondary,
             .side = Qt::AlignRight};
 }
 

@@ -2,35 +2,34 @@
 
 #include "ui/Theme.h"
 
+#include <utility>
+
 namespace corvane {
+
+namespace {
+
+constexpr std::pair<AIFramework, QColor> colors[] = {
+    {AIFramework::ollama, Theme::srgb(0.36F, 0.78F, 0.95F)},
+    {AIFramework::mlx, Theme::srgb(1.0F, 0.62F, 0.78F)},
+    {AIFramework::llamaCpp, Theme::srgb(0.95F, 0.65F, 0.30F)},
+    {AIFramework::lmStudio, Theme::srgb(0.55F, 0.85F, 0.50F)},
+    {AIFramework::koboldCpp, Theme::srgb(0.85F, 0.55F, 0.95F)},
+    {AIFramework::whisperCpp, Theme::srgb(0.75F, 0.78F, 0.85F)},
+    {AIFramework::vllm, Theme::srgb(1.0F, 0.45F, 0.45F)},
+    {AIFramework::comfyUI, Theme::srgb(0.50F, 0.60F, 1.0F)},
+    {AIFramework::sdWebUI, Theme::srgb(1.0F, 0.85F, 0.40F)},
+    {AIFramework::transformers, Theme::srgb(0.95F, 0.55F, 0.85F)},
+};
+
+} // namespace
 
 QColor frameworkColor(AIFramework framework)
 {
-    switch (framework) {
-    case AIFramework::ollama:
-        return QColor::fromRgbF(0.36F, 0.78F, 0.95F);
-    case AIFramework::mlx:
-        return QColor::fromRgbF(1.0F, 0.62F, 0.78F);
-    case AIFramework::llamaCpp:
-        return QColor::fromRgbF(0.95F, 0.65F, 0.30F);
-    case AIFramework::lmStudio:
-        return QColor::fromRgbF(0.55F, 0.85F, 0.50F);
-    case AIFramework::koboldCpp:
-        return QColor::fromRgbF(0.85F, 0.55F, 0.95F);
-    case AIFramework::whisperCpp:
-        return QColor::fromRgbF(0.75F, 0.78F, 0.85F);
-    case AIFramework::vllm:
-        return QColor::fromRgbF(1.0F, 0.45F, 0.45F);
-    case AIFramework::comfyUI:
-        return QColor::fromRgbF(0.50F, 0.60F, 1.0F);
-    case AIFramework::sdWebUI:
-        return QColor::fromRgbF(1.0F, 0.85F, 0.40F);
-    case AIFramework::transformers:
-        return QColor::fromRgbF(0.95F, 0.55F, 0.85F);
-    case AIFramework::generic:
-        break;
+    for (const auto &[known, color] : colors) {
+        if (known == framework)
+            return color;
     }
-    return Theme::textSecondary();
+    return Theme::textSecondary;
 }
 
 } // namespace corvane

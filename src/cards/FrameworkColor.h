@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// The colour that a family of inference programs has everywhere.
+/// The colour of a family of inference programs, the same everywhere.
 QColor frameworkColor(AIFramework framework);
 
 } // namespace corvane

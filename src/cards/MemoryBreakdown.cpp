@@ -15,11 +15,10 @@ std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory)
     const double apps = std::max(static_cast<double>(memory.appMemory) - wired - compressed, 0.0);
 
     std::array<MemorySegment, 4> segments{
-        MemorySegment{wired / total, Theme::withOpacity(Theme::memory(), 0.95)},
-        MemorySegment{apps / total, Theme::withOpacity(Qt::white, 0.85)},
-        MemorySegment{compressed / total, Theme::withOpacity(Theme::cpu(), 0.85)},
-        MemorySegment{static_cast<double>(memory.cached) / total,
-                      Theme::withOpacity(Qt::white, 0.18)}};
+        MemorySegment{wired / total, Theme::withOpacity(Theme::memory, 0.95)},
+        MemorySegment{apps / total, Theme::white(0.85)},
+        MemorySegment{compressed / total, Theme::withOpacity(Theme::cpu, 0.85)},
+        MemorySegment{static_cast<double>(memory.cached) / total, Theme::white(0.18)}};
     double sum = 0;
     for (MemorySegment &segment : segments) {
         segment.fraction = std::min(std::max(segment.fraction, 0.0), std::max(1 - sum, 0.0));

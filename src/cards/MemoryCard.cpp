@@ -56,13 +56,13 @@ const QColor &pressureColor(MemoryPressure pressure)
 {
     switch (pressure) {
     case MemoryPressure::warning:
-        return Theme::gpu();
+        return Theme::gpu;
     case MemoryPressure::critical:
-        return Theme::critical();
+        return Theme::critical;
     case MemoryPressure::normal:
         break;
     }
-    return Theme::memory();
+    return Theme::memory;
 }
 
 QString swapText(const MemorySnapshot &memory)
@@ -81,29 +81,29 @@ double chipSpacing(double rowWidth, double chipsWidth)
 }
 
 MemoryCard::MemoryCard(QWidget *parent)
-    : Card({u"memorychip"_s, u"Unified Memory"_s, Theme::memory()}, infoText(InfoTopic::memory),
+    : Card({u"memorychip"_s, u"Unified Memory"_s, Theme::memory}, infoText(InfoTopic::memory),
            parent),
       m_badge(addText({.name = u"Memory pressure"_s,
                        .font = Theme::systemFont(10, QFont::DemiBold),
                        .side = Qt::AlignRight})),
       m_figure(addText({.name = u"Memory used in percent"_s,
                         .font = Theme::systemFont(44, QFont::DemiBold),
-                        .color = Theme::textPrimary(),
+                        .color = Theme::textPrimary,
                         .digits = Digits::proportional})),
       m_percentSign(addText({.text = u"%"_s,
                              .font = Theme::systemFont(22, QFont::Medium),
-                             .color = Theme::textSecondary(),
+                             .color = Theme::textSecondary,
                              .silent = true})),
-      m_chips{addChip(u"App"_s, Theme::withOpacity(Qt::white, 0.85)),
-              addChip(u"Wired"_s, Theme::withOpacity(Theme::memory(), 0.9)),
-              addChip(u"Compressed"_s, Theme::withOpacity(Theme::cpu(), 0.9)),
-              addChip(u"Cached"_s, Theme::textTertiary())},
+      m_chips{addChip(u"App"_s, Theme::white(0.85)),
+              addChip(u"Wired"_s, Theme::withOpacity(Theme::memory, 0.9)),
+              addChip(u"Compressed"_s, Theme::withOpacity(Theme::cpu, 0.9)),
+              addChip(u"Cached"_s, Theme::textTertiary)},
       m_swapLabel(addText({.text = u"Swap"_s,
                            .font = Theme::systemFont(11),
-                           .color = Theme::textTertiary(),
+                           .color = Theme::textTertiary,
                            .silent = true})),
       m_swap(addText(
-          {.name = u"Swap"_s, .font = Theme::systemFont(11), .color = Theme::textSecondary()})),
+          {.name = u"Swap"_s, .font = Theme::systemFont(11), .color = Theme::textSecondary})),
       m_chart(new Sparkline(this)),
       m_segments(breakdownSegments({}))
 {
@@ -117,11 +117,11 @@ MemoryCard::Chip MemoryCard::addChip(const QString &label, const QColor &color)
 {
     CardText &caption = addText({.text = label,
                                  .font = Theme::systemFont(10),
-                                 .color = Theme::textSecondary(),
+                                 .color = Theme::textSecondary,
                                  .silent = true});
     CardText &value = addText({.name = label,
                                .font = Theme::systemFont(10, QFont::DemiBold),
-                               .color = Theme::textPrimary()});
+                               .color = Theme::textPrimary});
     return {color, &caption, &value, label};
 }
 
@@ -159,10 +159,10 @@ void MemoryCard::showFigures(const MemorySnapshot &memory)
 void MemoryCard::showChart(const std::vector<SystemMetrics> &history)
 {
     SparklineData chart = historyChart(history);
-    SparklineSeries series{.lineColor = Theme::memory(),
+    SparklineSeries series{.lineColor = Theme::memory,
                            .lineWidth = 2,
-                           .fillColors = {Theme::withOpacity(Theme::memory(), 0.55),
-                                          Theme::withOpacity(Theme::memory(), 0.05)}};
+                           .fillColors = {Theme::withOpacity(Theme::memory, 0.55),
+                                          Theme::withOpacity(Theme::memory, 0.05)}};
     m_samples.clear();
     for (const SystemMetrics &sample : history) {
         m_samples.push_back({sample.timestamp, usedPercent(sample.memory)});
@@ -179,7 +179,7 @@ PillContent MemoryCard::pill(std::size_t index) const
         return {};
     const Sample &sample = m_samples[index];
     return {HoverTime::string(sample.timestamp),
-            {valuesRow({percentText(sample.percent)}, Theme::memory())}};
+            {valuesRow({percentText(sample.percent)}, Theme::memory)}};
 }
 
 void MemoryCard::layOut()
@@ -286,7 +286,7 @@ void MemoryCard::paintBreakdownBar(QPainter &painter) const
         painter.setClipRect(QRectF(left, bar.top(), right - left, bar.height()));
         fillRounded(painter, bar, barHeight / 2, color);
     };
-    fill(0, 1, Theme::track());
+    fill(0, 1, Theme::track);
     double from = 0;
     for (const MemorySegment &segment : m_segments) {
         fill(from, from + segment.fraction, segment.color);

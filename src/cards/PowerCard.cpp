@@ -34,9 +34,9 @@ struct Component {
 
 const std::array<Component, 3> &components()
 {
-    static const std::array<Component, 3> all{Component{u"CPU"_s, Theme::cpu()},
-                                              Component{u"GPU"_s, Theme::gpu()},
-                                              Component{u"ANE"_s, Theme::ane()}};
+    static const std::array<Component, 3> all{Component{u"CPU"_s, Theme::cpu},
+                                              Component{u"GPU"_s, Theme::gpu},
+                                              Component{u"ANE"_s, Theme::ane}};
     return all;
 }
 
@@ -87,15 +87,14 @@ double powerScale(double peak)
 }
 
 PowerCard::PowerCard(QWidget *parent)
-    : Card({u"bolt.fill"_s, u"Package Power"_s, Theme::power()}, infoText(InfoTopic::power),
-           parent),
+    : Card({u"bolt.fill"_s, u"Package Power"_s, Theme::power}, infoText(InfoTopic::power), parent),
       m_stat(addText(headerStat(u"Power"_s))),
       m_chart(new Sparkline(this))
 {
     for (std::size_t i = 0; i < m_legend.size(); ++i) {
         m_legend[i] = &addText({.text = components()[i].label,
                                 .font = Theme::systemFont(10, QFont::Medium),
-                                .color = Theme::textSecondary(),
+                                .color = Theme::textSecondary,
                                 .silent = true});
     }
     m_chart->setAccessibleName(u"Power of CPU, GPU and ANE over time"_s);
@@ -142,7 +141,7 @@ PillContent PowerCard::pill(std::size_t index) const
     const Sample &sample = m_samples[index];
     const double total = sample.watts[0] + sample.watts[1] + sample.watts[2];
     PillContent content{HoverTime::string(sample.timestamp),
-                        {totalRow(wattsText(total, 2), Theme::power())}};
+                        {totalRow(wattsText(total, 2), Theme::power)}};
     for (std::size_t part = 0; part < components().size(); ++part) {
         content.rows.push_back(componentRow(
             components()[part].label, fixedText(sample.watts[part], 2), components()[part].color));

@@ -36,11 +36,11 @@ double footprintFraction(std::uint64_t memory, std::uint64_t largest)
 }
 
 ProcessCard::ProcessCard(QWidget *parent)
-    : Card({u"list.bullet.rectangle.portrait"_s, u"Top Processes by RAM"_s, Theme::textPrimary()},
+    : Card({u"list.bullet.rectangle.portrait"_s, u"Top Processes by RAM"_s, Theme::textPrimary},
            infoText(InfoTopic::processes), parent),
       m_empty(addText({.text = u"No process data yet"_s,
                        .font = Theme::systemFont(11),
-                       .color = Theme::textSecondary(),
+                       .color = Theme::textSecondary,
                        .side = Qt::AlignHCenter})),
       m_list(new RowList(
           u"Processes"_s,
@@ -92,7 +92,7 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
     const double base = place.top() + baseline;
     CardText text{.text = row.name,
                   .font = Theme::systemFont(11),
-                  .color = Theme::textPrimary(),
+                  .color = Theme::textPrimary,
                   .baseline = {place.left(), base},
                   .mostWidth = nameWidth};
     text.paint(painter);
@@ -102,21 +102,21 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
     const double barLeft = place.left() + nameWidth + columnGap;
     const double barEnd = bytesEnd - bytesWidth - columnGap;
     const QRectF bar(barLeft, place.center().y() - barHeight / 2, barEnd - barLeft, barHeight);
-    fillRounded(painter, bar, barHeight / 2, Theme::track());
+    fillRounded(painter, bar, barHeight / 2, Theme::track);
 
     QRectF fill = bar;
     fill.setWidth(std::max(bar.width() * row.fraction, shortestFill));
     QLinearGradient gradient(fill.topLeft(), fill.topRight());
-    gradient.setColorAt(0, Theme::withOpacity(Theme::memory(), 0.85));
-    gradient.setColorAt(1, Theme::withOpacity(Theme::memory(), 0.45));
+    gradient.setColorAt(0, Theme::withOpacity(Theme::memory, 0.85));
+    gradient.setColorAt(1, Theme::withOpacity(Theme::memory, 0.45));
     painter.setBrush(gradient);
     const double radius = std::min(barHeight, fill.width()) / 2;
     painter.drawRoundedRect(fill, radius, barHeight / 2);
 
-    painter.setPen(Theme::textSecondary());
+    painter.setPen(Theme::textSecondary);
     const QFont font = Theme::systemFont(10);
     drawTextRight(painter, {bytesEnd, base}, row.bytes, font);
-    painter.setPen(Theme::textTertiary());
+    painter.setPen(Theme::textTertiary);
     drawTextRight(painter, {shareEnd, base}, row.share, font);
 }
 

@@ -114,7 +114,7 @@ void RowList::paintEvent(QPaintEvent *event)
     painter.restore();
 
     if (m_geometry.mostOffset() > 0)
-        fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb());
+        fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb);
     if (hasFocus())
         paintFocusRing(painter, QRectF(rect()).adjusted(ringInset, 0, -ringInset, 0), 7);
 }

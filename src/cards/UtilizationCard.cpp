@@ -37,13 +37,13 @@ Look look(UtilizationKind kind)
 {
     switch (kind) {
     case UtilizationKind::cpu:
-        return {{u"cpu"_s, u"CPU"_s, Theme::cpu()}, InfoTopic::cpu};
+        return {{u"cpu"_s, u"CPU"_s, Theme::cpu}, InfoTopic::cpu};
     case UtilizationKind::gpu:
-        return {{u"memorychip.fill"_s, u"GPU"_s, Theme::gpu()}, InfoTopic::gpu};
+        return {{u"memorychip.fill"_s, u"GPU"_s, Theme::gpu}, InfoTopic::gpu};
     case UtilizationKind::ane:
         break;
     }
-    return {{u"brain.head.profile"_s, u"Neural Engine"_s, Theme::ane()}, InfoTopic::ane};
+    return {{u"brain.head.profile"_s, u"Neural Engine"_s, Theme::ane}, InfoTopic::ane};
 }
 
 QString subtitleName(UtilizationKind kind)
@@ -73,7 +73,7 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
                         .digits = Digits::proportional})),
       m_subtitle(addText({.name = subtitleName(kind),
                           .font = Theme::systemFont(11),
-                          .color = Theme::textSecondary()})),
+                          .color = Theme::textSecondary})),
       m_coreBars(new CoreBars(this)),
       m_chart(new Sparkline(this))
 {

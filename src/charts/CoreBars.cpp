@@ -140,7 +140,7 @@ void CoreBars::paintEvent(QPaintEvent *)
     const double baseline = TextLine{row.top(), row.height()}.baseline(captionFont());
     const std::vector<QRectF> places =
         evenRow(static_cast<std::size_t>(m_data.labels->size()), row, m_data.spacing);
-    painter.setPen(Theme::textTertiary());
+    painter.setPen(Theme::textTertiary);
     for (std::size_t i = 0; i < places.size(); ++i) {
         const QString &label = m_data.labels->at(static_cast<qsizetype>(i));
         const double x = places[i].center().x() - textWidth(label, captionFont()) / 2;

@@ -101,7 +101,7 @@ void paintRow(QPainter &painter, const PillRow &row, const QRectF &place)
         painter.setPen(Qt::NoPen);
         painter.setBrush(row.color);
         painter.drawEllipse(QRectF(x, place.center().y() - dotSize / 2, dotSize, dotSize));
-        painter.setPen(Theme::textSecondary());
+        painter.setPen(Theme::textSecondary);
         drawText(painter, {x + dotSize + dotGap, line.baseline(labelFont())}, row.label,
                  labelFont());
         x = place.right() - valuesWidth(row);
@@ -190,9 +190,9 @@ void HoverPill::paint(QPainter &painter, const QPointF &origin) const
     painter.drawImage(origin - QPointF(shadowReach, shadowReach - shadowDrop), m_shadow);
     const QRectF box(origin, m_size);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Theme::pillFill());
+    painter.setBrush(Theme::pillFill);
     painter.drawPath(CardStyle::continuousCorners(box, radius));
-    painter.setPen(QPen(Theme::pillStroke(), 1));
+    painter.setPen(QPen(Theme::pillStroke, 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(
         CardStyle::continuousCorners(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5));
@@ -201,7 +201,7 @@ void HoverPill::paint(QPainter &painter, const QPointF &origin) const
 
 void HoverPill::paintContent(QPainter &painter, const QPointF &origin) const
 {
-    painter.setPen(Theme::textTertiary());
+    painter.setPen(Theme::textTertiary);
     const TextLine timeLine{origin.y(), timeHeight};
     drawText(painter, {origin.x(), timeLine.baseline(timeFont())}, m_content.time, timeFont());
     const double width = m_size.width() - 2 * horizontalPadding;

@@ -272,7 +272,7 @@ void Sparkline::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (m_data.showsGrid)
-        fillHairline(painter, QRectF(0, height() * 0.5 - 0.5, width(), 1), Theme::chartGrid());
+        fillHairline(painter, QRectF(0, height() * 0.5 - 0.5, width(), 1), Theme::chartGrid);
     paintLayers(painter);
     if (m_cursorX)
         paintCursor(painter);
@@ -293,7 +293,7 @@ void Sparkline::paintCursor(QPainter &painter) const
 {
     QRectF line = snappedToPixels(painter, QRectF(*m_cursorX - 0.5, 0, 1, height()));
     line.moveLeft(std::clamp(line.left(), 0.0, std::max(width() - line.width(), 0.0)));
-    fillHairline(painter, line, Theme::chartCursor());
+    fillHairline(painter, line, Theme::chartCursor);
 }
 
 void Sparkline::paintTimeLabels(QPainter &painter) const
@@ -313,8 +313,8 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
         fillRounded(painter,
                     QRectF(lefts[i] - tagMargin, height() - 1 - tagHeight,
                            widths[i] + 2 * tagMargin, tagHeight),
-                    3, Theme::timeLabelTag());
-        painter.setPen(Theme::timeLabel());
+                    3, Theme::timeLabelTag);
+        painter.setPen(Theme::timeLabel);
         drawText(painter, {lefts[i], height() - 3.75}, m_timeLabels[i], labelFont());
     }
 }

@@ -28,7 +28,7 @@ CardText statLabel(const QString &text)
 {
     CardText label{.text = text,
                    .font = Theme::systemFont(9, QFont::DemiBold),
-                   .color = Theme::textTertiary(),
+                   .color = Theme::textTertiary,
                    .side = Qt::AlignRight};
     label.font.setLetterSpacing(QFont::AbsoluteSpacing, 0.5);
     return label;
@@ -53,19 +53,19 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
     : AccessibleWidget(parent),
       m_name{.text = u"Corvane"_s,
              .font = Theme::systemFont(16, QFont::DemiBold),
-             .color = Theme::textPrimary(),
+             .color = Theme::textPrimary,
              .digits = Digits::proportional,
              .baseline = {logoSide + gap, nameBaseline}},
       m_chip{.name = u"Chip"_s,
              .text = singleLine(chipName),
              .font = Theme::systemFont(11),
-             .color = Theme::textSecondary(),
+             .color = Theme::textSecondary,
              .digits = Digits::proportional,
              .baseline = {logoSide + gap, chipBaseline}},
-      m_stats{QuickStat{statLabel(u"MEM"_s), statValue(u"Memory"_s, Theme::memory()), 34},
-              QuickStat{statLabel(u"CPU"_s), statValue(u"CPU"_s, Theme::cpu()), 34},
-              QuickStat{statLabel(u"GPU"_s), statValue(u"GPU"_s, Theme::gpu()), 34},
-              QuickStat{statLabel(u"PWR"_s), statValue(u"Power"_s, Theme::power()), 46}}
+      m_stats{QuickStat{statLabel(u"MEM"_s), statValue(u"Memory"_s, Theme::memory), 34},
+              QuickStat{statLabel(u"CPU"_s), statValue(u"CPU"_s, Theme::cpu), 34},
+              QuickStat{statLabel(u"GPU"_s), statValue(u"GPU"_s, Theme::gpu), 34},
+              QuickStat{statLabel(u"PWR"_s), statValue(u"Power"_s, Theme::power), 46}}
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Corvane"_s);

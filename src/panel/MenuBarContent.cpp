@@ -38,7 +38,7 @@ public:
     explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
 
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider()); }
+    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider); }
 };
 
 /// Every whole pixel that a rectangle with round corners touches.
@@ -167,8 +167,8 @@ void MenuBarContent::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), radius, Theme::panelFill());
-    strokeRounded(painter, rect(), radius, Theme::panelStroke());
+    fillRounded(painter, rect(), radius, Theme::panelFill);
+    strokeRounded(painter, rect(), radius, Theme::panelStroke);
 }
 
 void MenuBarContent::resizeEvent(QResizeEvent *)

@@ -44,11 +44,11 @@ void PanelHeader::paintEvent(QPaintEvent *)
     static const QFont nameFont = Theme::systemFont(13, QFont::DemiBold);
     static const QFont chipFont = Theme::systemFont(10);
     QPainter painter(this);
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, QPointF(0, nameLine.baseline(nameFont)), u"Corvane"_s, nameFont);
-    painter.setPen(Theme::power());
+    painter.setPen(Theme::power);
     drawTextRight(painter, QPointF(width(), nameLine.baseline(nameFont)), m_power, nameFont);
-    painter.setPen(Theme::textTertiary());
+    painter.setPen(Theme::textTertiary);
     drawText(painter, QPointF(0, chipLine.baseline(chipFont)),
              elided(SystemInfo::chipName(), chipFont, width()), chipFont);
 }

@@ -50,10 +50,10 @@ void PanelRow::paintEvent(QPaintEvent *)
     const double middle = baseline - QFontMetricsF(titleFont).capHeight() / 2;
     painter.drawEllipse(QRectF(0, middle - dotSize / 2, dotSize, dotSize));
 
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, QPointF(dotSize + dotGap, baseline), m_row.title, titleFont);
     drawTextRight(painter, QPointF(width(), baseline), m_row.value, valueFont);
-    painter.setPen(Theme::textTertiary());
+    painter.setPen(Theme::textTertiary);
     drawTextRight(painter, QPointF(width(), detailLine.baseline(detailFont)), m_row.detail,
                   detailFont);
 }

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent)
     : SettingsPage(u"Startup"_s, 1, parent),
       m_launch(new Switch(u"Launch Corvane at login"_s, this)),
-      m_error(SettingsNote::outcome(Theme::critical(), this)),
+      m_error(SettingsNote::outcome(Theme::critical, this)),
       m_note(SettingsNote::explanation(this))
 {
     m_note->showMarkdown(loginNote());

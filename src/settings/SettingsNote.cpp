@@ -23,7 +23,7 @@ MarkdownStyle noteStyle(double pixelSize, const TextLine &line)
 
 SettingsNote *SettingsNote::explanation(QWidget *parent)
 {
-    return new SettingsNote(noteStyle(10, {0, 14}), Theme::textSecondary(), parent);
+    return new SettingsNote(noteStyle(10, {0, 14}), Theme::textSecondary, parent);
 }
 
 SettingsNote *SettingsNote::outcome(const QColor &color, QWidget *parent)

@@ -67,15 +67,15 @@ void SettingsPage::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, {padding, headingLine.baseline(headingFont())}, m_heading, headingFont());
 
     const QRectF group(padding, groupTop, row(0).width(), groupBottom() - groupTop);
-    fillRounded(painter, group, radius, Theme::cardFill());
+    fillRounded(painter, group, radius, Theme::cardFill);
     for (int index = 1; index < m_rowCount; ++index)
         fillHairline(painter, QRectF(padding + 1, row(index).top() - 1, row(0).width() - 2, 1),
-                     Theme::cardStroke());
-    strokeRounded(painter, group, radius, Theme::cardStroke());
+                     Theme::cardStroke);
+    strokeRounded(painter, group, radius, Theme::cardStroke);
 }
 
 } // namespace corvane

@@ -51,11 +51,11 @@ void SettingsTabs::paintTab(QPainter &painter, int index) const
     QRectF place({}, plate);
     place.moveCenter(QRectF(tabRect(index)).center());
     if (isChosen)
-        fillRounded(painter, place, radius, Theme::chosenTab());
+        fillRounded(painter, place, radius, Theme::chosenTab);
     if (isChosen && hasFocus())
         paintFocusRing(painter, place, radius);
 
-    const QColor &color = isChosen ? Theme::chosenTabText() : Theme::textSecondary();
+    const QColor &color = isChosen ? Theme::chosenTabText : Theme::textSecondary;
     const QFont font = Theme::systemFont(11, isChosen ? QFont::Medium : QFont::Normal);
     const double middle = place.center().x();
     paintIcon(painter, tabData(index).toString(),

@@ -72,8 +72,8 @@ void SettingsWindow::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     paintWindowBackground(painter, *this, event->region());
-    painter.fillRect(QRect(0, 0, width(), barHeight), Theme::tabBar());
-    fillHairline(painter, QRectF(0, barHeight - 1, width(), 1), Theme::tabBarLine());
+    painter.fillRect(QRect(0, 0, width(), barHeight), Theme::tabBar);
+    fillHairline(painter, QRectF(0, barHeight - 1, width(), 1), Theme::tabBarLine);
 }
 
 void SettingsWindow::showEvent(QShowEvent *event)

@@ -26,7 +26,7 @@ UpdateSettings::UpdateSettings(UpdaterManager &updater, QWidget *parent)
       m_version(updater.currentVersion()),
       m_automatic(new Switch(u"Check for updates automatically"_s, this)),
       m_note(SettingsNote::explanation(this)),
-      m_finding(SettingsNote::outcome(Theme::textSecondary(), this)),
+      m_finding(SettingsNote::outcome(Theme::textSecondary, this)),
       m_checkNow(new PanelButton(u"Check Now"_s, {}, this))
 {
     m_note->showMarkdown(updatesNote(updater.isOffered()));
@@ -83,9 +83,9 @@ void UpdateSettings::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     const QRectF place = QRectF(row(0)).adjusted(Switch::padding, 0, -Switch::padding, 0);
     const double baseline = Switch::textBaseline(place);
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, {place.left(), baseline}, u"Current version"_s, Switch::textFont());
-    painter.setPen(Theme::textSecondary());
+    painter.setPen(Theme::textSecondary);
     drawTextRight(painter, {place.right(), baseline}, m_version, Switch::textFont());
 }
 

@@ -18,7 +18,7 @@ TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
       item({.open =
                 [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
             .menu = [this](const StatusPlace &place) { menu.popup(statusAnchor(place)); }},
-           statusColor(Theme::plate()))
+           statusColor(Theme::plate))
 {
 }
 

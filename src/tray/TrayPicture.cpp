@@ -44,8 +44,8 @@ double markLeft(LabelPosition position)
 void paintPlate(QPainter &painter, double width, double height)
 {
     const QRectF plate(0, 0, width, height);
-    fillRounded(painter, plate, plateRadius, Theme::plate());
-    strokeRounded(painter, plate, plateRadius, Theme::plateStroke(), borderWidth);
+    fillRounded(painter, plate, plateRadius, Theme::plate);
+    strokeRounded(painter, plate, plateRadius, Theme::plateStroke, borderWidth);
 }
 
 /// Set at the pixel size that it is shown in, so that the font's own hinting applies.

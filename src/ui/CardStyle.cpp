@@ -45,7 +45,7 @@ void fillInside(QPainter &painter, const QRectF &card, const QRect &dirty)
     painter.setRenderHint(QPainter::Antialiasing, false);
     for (double y = card.top(); y <= dirty.bottom(); y += fewLines) {
         if (y + fewLines > dirty.top())
-            painter.fillRect(QRectF(card.left(), y, card.width(), fewLines), Theme::cardFill());
+            painter.fillRect(QRectF(card.left(), y, card.width(), fewLines), Theme::cardFill);
     }
     painter.restore();
 }
@@ -61,8 +61,8 @@ void paint(QPainter &painter, const QRectF &card, const QRect &dirty)
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(continuousCorners(card, cornerRadius), Theme::cardFill());
-    painter.setPen(QPen(Theme::cardStroke(), 1));
+    painter.fillPath(continuousCorners(card, cornerRadius), Theme::cardFill);
+    painter.setPen(QPen(Theme::cardStroke, 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(continuousCorners(card.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5));
     painter.restore();

@@ -14,13 +14,13 @@ QPalette menuPalette()
     QPalette palette;
     // Light is the shadow that some styles give to text that is disabled.
     for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light})
-        palette.setColor(role, Theme::popoverFill());
+        palette.setColor(role, Theme::popoverFill);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(role, Theme::textPrimary());
-        palette.setColor(QPalette::Disabled, role, Theme::textTertiary());
+        palette.setColor(role, Theme::textPrimary);
+        palette.setColor(QPalette::Disabled, role, Theme::textTertiary);
     }
-    palette.setColor(QPalette::Highlight, Theme::switchOn());
-    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Highlight, Theme::switchOn);
+    palette.setColor(QPalette::HighlightedText, Theme::white(1));
     return palette;
 }
 

@@ -58,7 +58,7 @@ void InfoButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor &color = underMouse() ? Theme::textSecondary() : Theme::textTertiary();
+    const QColor &color = underMouse() ? Theme::textSecondary : Theme::textTertiary;
     paintIcon(painter, u"info.circle"_s, glyph(), color);
     if (hasFocus())
         paintFocusRing(painter, rect(), 6);

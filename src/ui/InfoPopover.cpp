@@ -232,16 +232,16 @@ void InfoPopover::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(outline(0), Theme::popoverFill());
-    painter.setPen(QPen(Theme::popoverStroke(), 1));
+    painter.fillPath(outline(0), Theme::popoverFill);
+    painter.setPen(QPen(Theme::popoverStroke, 1));
     painter.drawPath(outline(0.5));
 
     const QPointF origin = m_placement.body.topLeft() - QPointF(pos()) + QPointF(padding, padding);
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, origin + QPointF(0, titleBaseline), m_title,
              Theme::systemFont(13, QFont::DemiBold), Digits::proportional);
     paintMarkdown(painter, origin + QPointF(0, titleHeight + titleGap), m_layout, m_style,
-                  Theme::textSecondary());
+                  Theme::textSecondary);
 }
 
 } // namespace corvane

@@ -34,8 +34,8 @@ void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
     const double inset = glyphInset * scale;
 
     QLinearGradient gradient(square.topLeft(), square.bottomRight());
-    gradient.setColorAt(0, Theme::withOpacity(Theme::cpu(), opacity));
-    gradient.setColorAt(1, Theme::withOpacity(Theme::gpu(), opacity));
+    gradient.setColorAt(0, Theme::withOpacity(Theme::cpu, opacity));
+    gradient.setColorAt(1, Theme::withOpacity(Theme::gpu, opacity));
     fillRounded(painter, square, plateRadius * scale, gradient);
     paintDrawing(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
                  Qt::white);

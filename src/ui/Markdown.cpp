@@ -242,13 +242,13 @@ void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayo
         double indent = 0;
         painter.setPen(color);
         if (piece.run.emphasis == Emphasis::bold)
-            painter.setPen(Theme::textPrimary());
+            painter.setPen(Theme::textPrimary);
         if (piece.run.emphasis == Emphasis::code) {
             fillRounded(
                 painter,
                 QRectF(start.x(), start.y() + style.codeBox.top, piece.width, style.codeBox.height),
-                3, Theme::codeFill());
-            painter.setPen(Theme::codeText());
+                3, Theme::codeFill);
+            painter.setPen(Theme::codeText);
             indent = style.codePadding;
         }
         drawText(painter, start + QPointF(indent, style.baseline), piece.run.text,

@@ -39,14 +39,14 @@ std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
     const MemorySnapshot &memory = current.memory;
     const ChipReading chip = current.chip.value_or(ChipReading{});
     return {{
-        {u"Memory"_s, Theme::memory(), byteText(memory.used) + u" / "_s + byteText(memory.total),
+        {u"Memory"_s, Theme::memory, byteText(memory.used) + u" / "_s + byteText(memory.total),
          spacedPercentText(usedPercent(memory))},
-        {u"GPU"_s, Theme::gpu(), spacedPercentText(chip.gpuActiveFraction * 100),
+        {u"GPU"_s, Theme::gpu, spacedPercentText(chip.gpuActiveFraction * 100),
          wattsText(chip.gpuWatts, 2)},
-        {u"CPU"_s, Theme::cpu(), spacedPercentText(chip.cpuActiveFraction * 100),
+        {u"CPU"_s, Theme::cpu, spacedPercentText(chip.cpuActiveFraction * 100),
          wattsText(chip.cpuWatts, 2)},
-        {u"ANE"_s, Theme::ane(), wattsText(chip.aneWatts, 2), u"Neural Engine"_s},
-        {u"Swap"_s, Theme::withOpacity(Theme::memory(), 0.7), byteText(memory.swapUsed),
+        {u"ANE"_s, Theme::ane, wattsText(chip.aneWatts, 2), u"Neural Engine"_s},
+        {u"Swap"_s, Theme::withOpacity(Theme::memory, 0.7), byteText(memory.swapUsed),
          u"of "_s + byteText(memory.swapTotal)},
     }};
 }
@@ -61,9 +61,9 @@ LabelNumbers labelNumbers(const SystemMetrics &current)
     const double gpuPercent = current.chip ? current.chip->gpuActiveFraction * 100 : 0;
     const double watts = totalWatts(current.chip);
     return {
-        loadNumber(u"Memory"_s, usedPercent(current.memory), Theme::memory()),
-        loadNumber(u"GPU"_s, gpuPercent, Theme::gpu()),
-        LabelNumber{tightWattsText(watts, 0), Theme::power(), u"Power "_s + wattsText(watts, 0)},
+        loadNumber(u"Memory"_s, usedPercent(current.memory), Theme::memory),
+        loadNumber(u"GPU"_s, gpuPercent, Theme::gpu),
+        LabelNumber{tightWattsText(watts, 0), Theme::power, u"Power "_s + wattsText(watts, 0)},
     };
 }
 

@@ -57,8 +57,8 @@ void PanelButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), radius, Theme::withOpacity(Qt::white, fillOpacity(*this)));
-    strokeRounded(painter, rect(), radius, Theme::withOpacity(Qt::white, 0.06));
+    fillRounded(painter, rect(), radius, Theme::white(fillOpacity(*this)));
+    strokeRounded(painter, rect(), radius, Theme::white(0.06));
     if (hasFocus())
         paintFocusRing(painter, rect(), radius);
 
@@ -67,10 +67,10 @@ void PanelButton::paintEvent(QPaintEvent *)
     if (!m_symbol.isEmpty()) {
         paintIcon(painter, m_symbol,
                   QRectF(x, (buttonHeight - symbolSize) / 2, symbolSize, symbolSize),
-                  Theme::textPrimary());
+                  Theme::textPrimary);
         x += symbolSize + iconGap;
     }
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, QPointF(x, TextLine{0, buttonHeight}.baseline(textFont())), text(),
              textFont());
 }

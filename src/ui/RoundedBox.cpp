@@ -26,7 +26,7 @@ void strokeRounded(QPainter &painter, const QRectF &box, double radius, const QC
 void paintFocusRing(QPainter &painter, const QRectF &box, double radius)
 {
     constexpr double width = 2;
-    strokeRounded(painter, box, radius, Theme::focusRing(), width);
+    strokeRounded(painter, box, radius, Theme::focusRing, width);
 }
 
 } // namespace corvane

@@ -46,7 +46,7 @@ void Switch::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1 : Theme::disabledOpacity);
-    painter.setPen(Theme::textPrimary());
+    painter.setPen(Theme::textPrimary);
     drawText(painter, {padding, textBaseline(rect())}, text(), textFont());
 
     const QRectF track =
@@ -54,8 +54,8 @@ void Switch::paintEvent(QPaintEvent *)
                         QRectF(width() - padding - trackWidth, (height() - trackHeight) / 2,
                                trackWidth, trackHeight));
     const double radius = track.height() / 2;
-    fillRounded(painter, track, radius, isChecked() ? Theme::switchOn() : Theme::switchOff());
-    strokeRounded(painter, track, radius, Theme::switchStroke());
+    fillRounded(painter, track, radius, isChecked() ? Theme::switchOn : Theme::switchOff);
+    strokeRounded(painter, track, radius, Theme::switchStroke);
     const double left = isChecked() ? track.right() - knobGap - knobSide : track.left() + knobGap;
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);

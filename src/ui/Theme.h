@@ -6,61 +6,98 @@
 
 namespace corvane {
 
-/// The palette and the fonts of every view. Colours are sRGB, made once and shared; the five unit
-/// colours identify their quantity everywhere. Main thread.
+/// The palette and the fonts of every view.
 namespace Theme {
 
-const QColor &cpu();
-const QColor &gpu();
-const QColor &ane();
-const QColor &power();
-const QColor &memory();
+/// A colour of sRGB components and an opacity, each from 0 to 1.
+constexpr QColor srgb(float red, float green, float blue, float opacity = 1)
+{
+    const auto wide = [](float share) { return static_cast<ushort>(share * 0xffff + 0.5F); };
+    return QColor(QColor::Rgb, wide(opacity), wide(red), wide(green), wide(blue));
+}
 
-const QColor &textPrimary();   ///< Titles, names, values.
-const QColor &textSecondary(); ///< Explanatory text.
-const QColor &textTertiary();  ///< The info icon and faint captions.
-const QColor &critical();      ///< Critical pressure, failures.
-const QColor &track();         ///< What a bar fills.
-const QColor &tag();           ///< Behind a count.
-const QColor &scrollThumb();
-const QColor &popoverFill();
-const QColor &popoverStroke();
-const QColor &codeText(); ///< Code within a popover's text.
-const QColor &codeFill();
+/// The same of components from 0 to 255.
+constexpr QColor srgb8(int red, int green, int blue, float opacity = 1)
+{
+    constexpr float full = 255;
+    return srgb(red / full, green / full, blue / full, opacity);
+}
 
-const QColor &cardFill();
-const QColor &cardStroke(); ///< The hairline around every card.
-const QColor &panelFill();  ///< The panel under the label.
-const QColor &panelStroke();
-const QColor &divider();
-const QColor &plate(); ///< Behind numbers that stand on a foreign bar.
-const QColor &plateStroke();
-const QColor &pillFill(); ///< Of the values under a chart's cursor.
-const QColor &pillStroke();
-const QColor &chartGrid();
-const QColor &chartCursor();
-const QColor &timeLabel();
-const QColor &timeLabelTag(); ///< Keeps a time label readable on a chart's fill.
-const QColor &focusRing();
+constexpr QColor white(float opacity)
+{
+    return srgb(1, 1, 1, opacity);
+}
 
-const QColor &tabBar(); ///< Behind the tabs of a window.
-const QColor &tabBarLine();
-const QColor &chosenTab();
-const QColor &chosenTabText();
-const QColor &switchOn();
-const QColor &switchOff();
-const QColor &switchStroke();
+constexpr QColor lightBlue(float opacity)
+{
+    return srgb(0.3F, 0.65F, 1.0F, opacity);
+}
 
-/// Of what a control shows that cannot be used.
-constexpr double disabledOpacity = 0.4;
+/// The colour of explanatory text at `share` of its opacity.
+constexpr QColor faintText(float share)
+{
+    return srgb8(240, 243, 255, 0.82F * share);
+}
 
-/// `colour` at `opacity` times its own.
-QColor withOpacity(const QColor &colour, double opacity);
+// These five identify their quantity everywhere.
+inline constexpr QColor cpu = lightBlue(1);
+inline constexpr QColor gpu = srgb(1.0F, 0.58F, 0.16F);
+inline constexpr QColor ane = srgb(0.72F, 0.42F, 1.0F);
+inline constexpr QColor power = srgb(1.0F, 0.85F, 0.3F);
+inline constexpr QColor memory = srgb(0.2F, 0.8F, 0.55F);
+
+inline constexpr QColor textPrimary = srgb8(247, 248, 252); ///< Titles, names, values.
+inline constexpr QColor textSecondary = faintText(1);       ///< Explanatory text.
+inline constexpr QColor textTertiary = faintText(0.6F);     ///< The info icon and faint captions.
+inline constexpr QColor critical = srgb8(255, 69, 58);      ///< Critical pressure, failures.
+
+inline constexpr QColor cardFill = white(0.045F);
+inline constexpr QColor cardStroke = white(0.06F); ///< The hairline around every card.
+inline constexpr QColor track = white(0.05F);      ///< The part of a bar that is not filled.
+inline constexpr QColor tag = white(0.06F);        ///< Behind a count.
+inline constexpr QColor scrollThumb = white(0.22F);
+inline constexpr QColor focusRing = lightBlue(0.6F);
+
+inline constexpr QColor chartGrid = white(0.05F);
+inline constexpr QColor chartCursor = white(0.35F);
+inline constexpr QColor timeLabel = faintText(0.5F);
+/// Keeps a time label readable on a chart's fill.
+inline constexpr QColor timeLabelTag = srgb8(11, 13, 20, 0.5F);
+/// Behind the values at a chart's cursor.
+inline constexpr QColor pillFill = srgb8(33, 36, 46, 0.96F);
+inline constexpr QColor pillStroke = white(0.1F);
+
+inline constexpr QColor popoverFill = srgb8(38, 42, 53);
+inline constexpr QColor popoverStroke = white(0.12F);
+inline constexpr QColor codeText = srgb8(220, 227, 245); ///< Code in the text of a popover.
+inline constexpr QColor codeFill = white(0.07F);
+
+inline constexpr QColor panelFill = srgb8(27, 30, 39); ///< The panel under the label.
+inline constexpr QColor panelStroke = white(0.1F);
+inline constexpr QColor divider = white(0.09F);
+/// Behind the label's numbers on a bar of unknown colour.
+inline constexpr QColor plate = srgb8(20, 23, 31, 0.92F);
+inline constexpr QColor plateStroke = white(0.1F);
+
+inline constexpr QColor tabBar = white(0.03F); ///< Behind the tabs of a window.
+inline constexpr QColor tabBarLine = white(0.07F);
+inline constexpr QColor chosenTab = lightBlue(0.16F);
+inline constexpr QColor chosenTabText = srgb8(125, 190, 255);
+inline constexpr QColor switchOn = srgb8(47, 134, 224);
+inline constexpr QColor switchOff = white(0.16F);
+inline constexpr QColor switchStroke = white(0.14F);
+
+/// Opacity of a disabled control's content.
+inline constexpr double disabledOpacity = 0.4;
+
+/// `color` at `opacity` times its own.
+QColor withOpacity(const QColor &color, double opacity);
 
 /// Background of the dashboard and of the other windows, corner to corner.
 QLinearGradient windowGradient(const QSizeF &size);
 
 /// The system's interface font; Inter where it is installed. Sizes are pixels at scale 1.
+/// Main thread, as is the other.
 QFont systemFont(double pixelSize, QFont::Weight weight = QFont::Normal);
 
 QFont monospacedFont(double pixelSize);

@@ -13,7 +13,7 @@ class TestFrameworkColor : public QObject {
 private slots:
     void hasAColorForEach_data();
     void hasAColorForEach();
-    void tellsThemApart();
+    void givesEachItsOwn();
 };
 
 void TestFrameworkColor::hasAColorForEach_data()
@@ -32,8 +32,7 @@ void TestFrameworkColor::hasAColorForEach_data()
     QTest::newRow("SD WebUI") << AIFramework::sdWebUI << QColor::fromRgbF(1.0F, 0.85F, 0.4F);
     QTest::newRow("Transformers") << AIFramework::transformers
                                   << QColor::fromRgbF(0.95F, 0.55F, 0.85F);
-    QTest::newRow("generic is as explanatory text")
-        << AIFramework::generic << Theme::textSecondary();
+    QTest::newRow("generic is as explanatory text") << AIFramework::generic << Theme::textSecondary;
 }
 
 void TestFrameworkColor::hasAColorForEach()
@@ -42,7 +41,7 @@ void TestFrameworkColor::hasAColorForEach()
     QTEST(frameworkColor(framework), "expected");
 }
 
-void TestFrameworkColor::tellsThemApart()
+void TestFrameworkColor::givesEachItsOwn()
 {
     std::set<QRgb> colors;
     for (const AIFramework framework : allAIFrameworks)

@@ -62,10 +62,10 @@ void TestMemoryBreakdown::dividesTheMemory()
     const std::array<MemorySegment, 4> segments = breakdownSegments(memory);
     for (std::size_t i = 0; i < segments.size(); ++i)
         QVERIFY(qAbs(segments[i].fraction - expected[static_cast<qsizetype>(i)]) < 1e-12);
-    QCOMPARE(segments[0].color, Theme::withOpacity(Theme::memory(), 0.95));
-    QCOMPARE(segments[1].color, Theme::withOpacity(Qt::white, 0.85));
-    QCOMPARE(segments[2].color, Theme::withOpacity(Theme::cpu(), 0.85));
-    QCOMPARE(segments[3].color, Theme::withOpacity(Qt::white, 0.18));
+    QCOMPARE(segments[0].color, Theme::withOpacity(Theme::memory, 0.95));
+    QCOMPARE(segments[1].color, Theme::white(0.85));
+    QCOMPARE(segments[2].color, Theme::withOpacity(Theme::cpu, 0.85));
+    QCOMPARE(segments[3].color, Theme::white(0.18));
 }
 
 void TestMemoryBreakdown::fillsAtMostTheWholeBar()

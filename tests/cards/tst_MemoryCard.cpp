@@ -84,8 +84,8 @@ void TestMemoryCard::namesThePressure_data()
     QTest::addColumn<MemoryPressure>("pressure");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QColor>("color");
-    QTest::newRow("normal") << MemoryPressure::normal << u"NORMAL"_s << Theme::memory();
-    QTest::newRow("warning") << MemoryPressure::warning << u"WARNING"_s << Theme::gpu();
+    QTest::newRow("normal") << MemoryPressure::normal << u"NORMAL"_s << Theme::memory;
+    QTest::newRow("warning") << MemoryPressure::warning << u"WARNING"_s << Theme::gpu;
     QTest::newRow("critical") << MemoryPressure::critical << u"CRITICAL"_s << QColor(255, 69, 58);
 }
 
@@ -218,7 +218,7 @@ void TestMemoryCard::chartsTheUsedShare()
     QVERIFY(shown.card.chart()->accessibleValue().endsWith(u", 50%"_s));
     const QImage image = rendered(shown.card, 2);
     // The line is 2 wide, at half of the chart.
-    QVERIFY(isClose(pixelAt(image, 300, 207), Theme::memory(), 6));
+    QVERIFY(isClose(pixelAt(image, 300, 207), Theme::memory, 6));
     QVERIFY(pixelAt(image, 300, 204).green() < 60);
     // Its fill fades downwards.
     QVERIFY(pixelAt(image, 200, 212).green() > pixelAt(image, 200, 230).green());

@@ -162,11 +162,11 @@ void TestPowerCard::stacksItsBands()
         return (actual.red() > 100) == share(color.red())
             && (actual.blue() > 100) == share(color.blue());
     };
-    QVERIFY(looksLike(pixelAt(image, 300, at(0.9)), Theme::cpu()));
-    QVERIFY(looksLike(pixelAt(image, 300, at(1.1)), Theme::gpu()));
-    QVERIFY(looksLike(pixelAt(image, 300, at(2.9)), Theme::gpu()));
-    QVERIFY(looksLike(pixelAt(image, 300, at(3.1)), Theme::ane()));
-    QVERIFY(looksLike(pixelAt(image, 300, at(3.9)), Theme::ane()));
+    QVERIFY(looksLike(pixelAt(image, 300, at(0.9)), Theme::cpu));
+    QVERIFY(looksLike(pixelAt(image, 300, at(1.1)), Theme::gpu));
+    QVERIFY(looksLike(pixelAt(image, 300, at(2.9)), Theme::gpu));
+    QVERIFY(looksLike(pixelAt(image, 300, at(3.1)), Theme::ane));
+    QVERIFY(looksLike(pixelAt(image, 300, at(3.9)), Theme::ane));
     QVERIFY(pixelAt(image, 300, at(4.1)).red() < 60);
 }
 
@@ -189,7 +189,7 @@ void TestPowerCard::showsItsLegend()
     Shown shown;
     shown.show(steady(1));
     const QImage image = rendered(shown.card, 2);
-    QVERIFY(isClose(pixelAt(image, 19, 53), Theme::cpu()));
+    QVERIFY(isClose(pixelAt(image, 19, 53), Theme::cpu));
     QCOMPARE(shown.card.chart()->geometry(), QRect(16, 72, 585, 174));
 }
 

@@ -215,13 +215,13 @@ void TestRowList::fadesWhileThereIsMore()
     QCOMPARE(pixelAt(image, 100, 81).alpha(), 255);
     QVERIFY(qAbs(pixelAt(image, 100, 91).alpha() - 128) < 20);
     QVERIFY(pixelAt(image, 100, 99.4).alpha() < 20);
-    QVERIFY(isClose(pixelAt(image, 292, 5), Theme::scrollThumb(), 4));
+    QVERIFY(isClose(pixelAt(image, 292, 5), Theme::scrollThumb, 4));
     QCOMPARE(pixelAt(image, 292, 60).alpha(), 0);
 
     list.list.scrollTo(300);
     image = rendered(list.list, scale);
     QCOMPARE(pixelAt(image, 100, 99.4).alpha(), 255);
-    QVERIFY(isClose(pixelAt(image, 292, 95), Theme::scrollThumb(), 4));
+    QVERIFY(isClose(pixelAt(image, 292, 95), Theme::scrollThumb, 4));
 
     list.list.setRowCount(5);
     image = rendered(list.list, scale);
@@ -245,7 +245,7 @@ void TestRowList::itsFocusRingCoversNoRow()
     QVERIFY(QTest::qWaitForWindowActive(&list.list));
     const QImage image = rendered(list.list, 1);
     for (const double x : {4.0, 295.0})
-        QVERIFY(isClose(pixelAt(image, x, 50), Theme::focusRing(), 4));
+        QVERIFY(isClose(pixelAt(image, x, 50), Theme::focusRing, 4));
     for (int x = 16; x < 284; ++x)
         QCOMPARE(pixelAt(image, x, 50), QColor(200, 0, 0));
 }

@@ -88,7 +88,7 @@ void TestCoreBars::setsItselfToTheWidth()
 {
     QFETCH(std::size_t, cores);
     QFETCH(double, radius);
-    const CoreBarsData bars = fittedCoreBars(std::vector<double>(cores, 0.5), Theme::cpu(), 260);
+    const CoreBarsData bars = fittedCoreBars(std::vector<double>(cores, 0.5), Theme::cpu, 260);
     QCOMPARE(bars.values.size(), cores);
     QTEST(bars.spacing, "spacing");
     QTEST(bars.height, "height");
@@ -104,13 +104,12 @@ void TestCoreBars::setsItselfToTheWidth()
 void TestCoreBars::rowsTakeTheirHeight()
 {
     CoreBars bars;
-    bars.show({.values = {0.5}, .color = Theme::cpu(), .height = 30});
+    bars.show({.values = {0.5}, .color = Theme::cpu, .height = 30});
     QCOMPARE(bars.sizeHint().height(), 30);
-    bars.show(
-        {.values = {0.5}, .labels = QStringList{u"0"_s}, .color = Theme::cpu(), .height = 40});
+    bars.show({.values = {0.5}, .labels = QStringList{u"0"_s}, .color = Theme::cpu, .height = 40});
     QCOMPARE(bars.sizeHint().height(), 52);
     QCOMPARE(bars.minimumSizeHint(), bars.sizeHint());
-    bars.show({.color = Theme::cpu(), .height = 30});
+    bars.show({.color = Theme::cpu, .height = 30});
     QCOMPARE(bars.sizeHint().height(), 30);
 }
 
@@ -150,7 +149,7 @@ void TestCoreBars::captionsStandUnderTheirBars()
 {
     CoreBars bars;
     bars.resize(260, 52);
-    bars.show(fittedCoreBars(std::vector<double>(16, 1.0), Theme::cpu(), 260));
+    bars.show(fittedCoreBars(std::vector<double>(16, 1.0), Theme::cpu, 260));
     QVERIFY(bars.shown().labels);
     const QImage image = rendered(bars, 2);
     const std::vector<QRectF> places = evenRow(16, QRectF(0, 42, 260, 10), 3);
@@ -175,10 +174,8 @@ void TestCoreBars::fewerCaptionsAreWider()
 {
     CoreBars bars;
     bars.resize(100, 52);
-    bars.show({.values = {1, 1, 1, 1},
-               .labels = QStringList{u"0"_s},
-               .color = Theme::cpu(),
-               .height = 40});
+    bars.show(
+        {.values = {1, 1, 1, 1}, .labels = QStringList{u"0"_s}, .color = Theme::cpu, .height = 40});
     const QImage image = rendered(bars, 2);
     bool inTheMiddle = false;
     for (double y = 42; y < 52; y += 0.5)
@@ -196,7 +193,7 @@ void TestCoreBars::repaintsAllThatMoved()
     QImage screen = onScreen(bars);
     for (const std::vector<double> &values :
          {std::vector<double>{0.2, 0.9, 0.5}, {0.2, 0.1, 0.5}, {1, 1, 1, 1, 1}, {}}) {
-        bars.show(fittedCoreBars(values, Theme::cpu(), 180));
+        bars.show(fittedCoreBars(values, Theme::cpu, 180));
         const QImage next = onScreen(bars);
         QVERIFY(next != screen);
         screen = next;
@@ -208,14 +205,14 @@ void TestCoreBars::equalLoadsPaintNothing()
 {
     CoreBars bars;
     bars.resize(180, 52);
-    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu(), 180));
+    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu, 180));
     bars.QWidget::show();
     onScreen(bars);
     PaintWatch watch(bars);
-    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu(), 180));
+    bars.show(fittedCoreBars({0.2, 0.9}, Theme::cpu, 180));
     onScreen(bars);
     QCOMPARE(watch.region(), QRegion());
-    bars.show(fittedCoreBars({0.2, 0.8}, Theme::cpu(), 180));
+    bars.show(fittedCoreBars({0.2, 0.8}, Theme::cpu, 180));
     onScreen(bars);
     QVERIFY(!watch.region().isEmpty());
 }
@@ -224,7 +221,7 @@ void TestCoreBars::emptyPaintsNothing()
 {
     CoreBars bars;
     bars.resize(100, 30);
-    bars.show({.color = Theme::cpu(), .height = 30});
+    bars.show({.color = Theme::cpu, .height = 30});
     const QImage image = rendered(bars, 1);
     QImage blank(image.size(), image.format());
     blank.fill(Qt::transparent);
@@ -234,9 +231,9 @@ void TestCoreBars::emptyPaintsNothing()
 void TestCoreBars::speaks()
 {
     CoreBars bars;
-    bars.show({.values = {0.123, 1.4, -1}, .color = Theme::cpu()});
+    bars.show({.values = {0.123, 1.4, -1}, .color = Theme::cpu});
     QCOMPARE(bars.accessibleValue(), u"0: 12%, 1: 100%, 2: 0%"_s);
-    bars.show({.color = Theme::cpu()});
+    bars.show({.color = Theme::cpu});
     QCOMPARE(bars.accessibleValue(), QString());
 }
 
@@ -246,9 +243,9 @@ void TestCoreBars::manyCoresAndHostileNumbers()
     bars.resize(180, 52);
     std::vector<double> values(1'024, -std::numeric_limits<double>::infinity());
     values[3] = std::numeric_limits<double>::quiet_NaN();
-    bars.show(fittedCoreBars(std::move(values), Theme::cpu(), 180));
+    bars.show(fittedCoreBars(std::move(values), Theme::cpu, 180));
     QCOMPARE(rendered(bars, 1).size(), QSize(180, 52));
-    bars.show(fittedCoreBars({0.5}, Theme::cpu(), 0));
+    bars.show(fittedCoreBars({0.5}, Theme::cpu, 0));
     QCOMPARE(rendered(bars, 1).size(), QSize(180, 52));
 }
 

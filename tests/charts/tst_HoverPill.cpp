@@ -14,15 +14,14 @@ namespace {
 PillContent powerPill()
 {
     return {u"14:05:15"_s,
-            {totalRow(u"39.60 W"_s, Theme::power()),
-             componentRow(u"CPU"_s, u"9.30"_s, Theme::cpu()),
-             componentRow(u"GPU"_s, u"29.92"_s, Theme::gpu()),
-             componentRow(u"ANE"_s, u"0.38"_s, Theme::ane())}};
+            {totalRow(u"39.60 W"_s, Theme::power), componentRow(u"CPU"_s, u"9.30"_s, Theme::cpu),
+             componentRow(u"GPU"_s, u"29.92"_s, Theme::gpu),
+             componentRow(u"ANE"_s, u"0.38"_s, Theme::ane)}};
 }
 
 PillContent utilizationPill()
 {
-    return {u"14:05:03"_s, {valuesRow({u"39%"_s, u"13.89W"_s, u"3.08GHz"_s}, Theme::cpu())}};
+    return {u"14:05:03"_s, {valuesRow({u"39%"_s, u"13.89W"_s, u"3.08GHz"_s}, Theme::cpu)}};
 }
 
 QImage painted(const HoverPill &pill, double scale)
@@ -83,7 +82,7 @@ void TestHoverPill::isAsLargeAsItsContentAndPadding()
 void TestHoverPill::aComponentRowKeepsLabelAndValueApart()
 {
     HoverPill pill;
-    pill.show({QString(), {componentRow(u"GPU"_s, u"129.92"_s, Theme::gpu())}});
+    pill.show({QString(), {componentRow(u"GPU"_s, u"129.92"_s, Theme::gpu)}});
     const double least = 5 + 5 + textWidth(u"GPU"_s, Theme::systemFont(9)) + 14
         + textWidth(u"129.92"_s, Theme::systemFont(10, QFont::DemiBold));
     QCOMPARE(pill.size().width(), least + 16);
@@ -136,8 +135,8 @@ void TestHoverPill::paintsEachComponentInItsColor()
     const QImage image = painted(pill, 2);
     const double textLeft = 28;
     const double contentWidth = pill.size().width() - 16;
-    QVERIFY(hasColor(image, {textLeft, 37, contentWidth, 18}, Theme::power()));
-    const QColor colors[] = {Theme::cpu(), Theme::gpu(), Theme::ane()};
+    QVERIFY(hasColor(image, {textLeft, 37, contentWidth, 18}, Theme::power));
+    const QColor colors[] = {Theme::cpu, Theme::gpu, Theme::ane};
     for (int row = 0; row < 3; ++row) {
         const double top = 25 + 12 + 18 + 14 * row;
         QVERIFY(isClose(pixelAt(image, textLeft + 2.5, top + 7), colors[row])); // The dot.

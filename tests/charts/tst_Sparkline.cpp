@@ -498,7 +498,7 @@ void TestSparkline::labelsStandOnTags()
     data.showsTimeLabels = true;
     chart.show(data);
     const QImage image = rendered(chart, scale);
-    const QColor tag = Theme::timeLabelTag();
+    const QColor tag = Theme::timeLabelTag;
     for (const double x : {2.5, 150.0 - 13, 297.0}) {
         QVERIFY(isClose(pixelAt(image, x, 48.5), tag, 8));
         QVERIFY(isClose(pixelAt(image, x, 57.5), tag, 8));
@@ -621,7 +621,7 @@ void TestSparkline::focusIsSeen()
     QCOMPARE(pixelAt(rendered(chart, 1), 50, 1).alpha(), 0);
     QVERIFY(chart.focusPolicy() & Qt::TabFocus);
     chart.setFocus(Qt::TabFocusReason);
-    QVERIFY(isClose(pixelAt(rendered(chart, 1), 50, 1), Theme::focusRing()));
+    QVERIFY(isClose(pixelAt(rendered(chart, 1), 50, 1), Theme::focusRing));
     QCOMPARE(pixelAt(rendered(chart, 1), 50, 4).alpha(), 0);
 }
 

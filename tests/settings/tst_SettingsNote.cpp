@@ -42,7 +42,7 @@ void TestSettingsNote::isAsHighAsItsLines()
     QVERIFY(note->heightForWidth(40) > 28);
     QCOMPARE(spoken(*note), QStringList{u"One line\nand another"_s});
 
-    SettingsNote *outcome = SettingsNote::outcome(Theme::critical(), &page);
+    SettingsNote *outcome = SettingsNote::outcome(Theme::critical, &page);
     outcome->showPlain(u"One line"_s);
     QCOMPARE(outcome->heightForWidth(400), 15);
 }
@@ -50,7 +50,7 @@ void TestSettingsNote::isAsHighAsItsLines()
 void TestSettingsNote::isHiddenWithoutAText()
 {
     QWidget page;
-    SettingsNote *note = SettingsNote::outcome(Theme::critical(), &page);
+    SettingsNote *note = SettingsNote::outcome(Theme::critical, &page);
     page.show();
     QVERIFY(!note->isVisible());
     note->showPlain(u"It failed"_s);
@@ -73,7 +73,7 @@ void TestSettingsNote::aForeignTextHasNoMarks()
     QFETCH(QString, text);
     QFETCH(QString, shown);
     QWidget page;
-    SettingsNote *note = SettingsNote::outcome(Theme::critical(), &page);
+    SettingsNote *note = SettingsNote::outcome(Theme::critical, &page);
     note->showPlain(text);
     QCOMPARE(spoken(*note), QStringList{shown});
 }
@@ -81,14 +81,14 @@ void TestSettingsNote::aForeignTextHasNoMarks()
 void TestSettingsNote::anOutcomeHasItsColor()
 {
     QWidget page;
-    SettingsNote *note = SettingsNote::outcome(Theme::critical(), &page);
+    SettingsNote *note = SettingsNote::outcome(Theme::critical, &page);
     note->showPlain(u"MMMM"_s);
     note->resize(100, 15);
     const QImage picture = rendered(*note, 2);
     int painted = 0;
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x)
-            painted += isClose(picture.pixelColor(x, y), Theme::critical()) ? 1 : 0;
+            painted += isClose(picture.pixelColor(x, y), Theme::critical) ? 1 : 0;
     }
     QVERIFY(painted > 0);
 }

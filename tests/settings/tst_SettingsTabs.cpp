@@ -82,7 +82,7 @@ void TestSettingsTabs::theChosenOneHasAPlate()
         shown.tabs.setCurrentIndex(chosen);
         const QImage picture = rendered(shown.tabs, scale);
         const double left = chosen * 88;
-        QVERIFY(isClose(pixelAt(picture, left + 10, 20), Theme::chosenTab()));
+        QVERIFY(isClose(pixelAt(picture, left + 10, 20), Theme::chosenTab));
         QCOMPARE(pixelAt(picture, left + 1, 20).alpha(), 0);
         QCOMPARE(pixelAt(picture, left + 44, 4).alpha(), 0);
         QCOMPARE(pixelAt(picture, left + 44, 50).alpha(), 0);

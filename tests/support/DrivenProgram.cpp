@@ -75,7 +75,7 @@ std::optional<QPoint> DrivenProgram::label() const
     const QImage picture = bar();
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
-            if (isAbout(picture.pixelColor(x, y), Theme::memory()))
+            if (isAbout(picture.pixelColor(x, y), Theme::memory))
                 return QPoint(x, y);
         }
     }

@@ -35,9 +35,9 @@ void TestStatusLabel::showsEachNumberInItsOwnColour()
     QCOMPARE(runs[0].text, std::string("63"));
     QCOMPARE(runs[1].text, std::string("41"));
     QCOMPARE(runs[2].text, std::string("12W"));
-    QVERIFY(runs[0].color == statusColor(Theme::memory()));
-    QVERIFY(runs[1].color == statusColor(Theme::gpu()));
-    QVERIFY(runs[2].color == statusColor(Theme::power()));
+    QVERIFY(runs[0].color == statusColor(Theme::memory));
+    QVERIFY(runs[1].color == statusColor(Theme::gpu));
+    QVERIFY(runs[2].color == statusColor(Theme::power));
 }
 
 void TestStatusLabel::keepsTheNumbersFivePointsApart()

@@ -12,7 +12,7 @@ namespace {
 
 LabelNumber number(const QString &text)
 {
-    return {.text = text, .color = Theme::memory()};
+    return {.text = text, .color = Theme::memory};
 }
 
 /// Columns, in units of a 22nd of the side, in which the number's colour shows between two rows.
@@ -34,9 +34,9 @@ QPair<double, double> inkBetween(const QImage &picture, double top, double botto
 
 LabelNumbers numbers(const QString &memory, const QString &gpu, const QString &power)
 {
-    return {{{.text = memory, .color = Theme::memory()},
-             {.text = gpu, .color = Theme::gpu()},
-             {.text = power, .color = Theme::power()}}};
+    return {{{.text = memory, .color = Theme::memory},
+             {.text = gpu, .color = Theme::gpu},
+             {.text = power, .color = Theme::power}}};
 }
 
 /// First and last column with pixels of that colour; an empty range for none.
@@ -96,7 +96,7 @@ void TestTrayPicture::standsOnADarkPlateWithRoundCorners()
     QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
     QCOMPARE(picture.pixelColor(43, 43).alpha(), 0);
     const QColor middle = picture.pixelColor(22, 8);
-    QCOMPARE(middle.alpha(), Theme::plate().alpha());
+    QCOMPARE(middle.alpha(), Theme::plate.alpha());
     QVERIFY(middle.lightness() < 40);
 }
 
@@ -162,9 +162,9 @@ void TestTrayPicture::widePictureShowsAllThreeInOrder()
             continue; // Strokes too thin for a pixel of the pure colour.
         const QImage picture = widePicture(shown, pixels);
         QCOMPARE(picture.height(), pixels);
-        const auto memory = columnsOf(picture, Theme::memory());
-        const auto gpu = columnsOf(picture, Theme::gpu());
-        const auto power = columnsOf(picture, Theme::power());
+        const auto memory = columnsOf(picture, Theme::memory);
+        const auto gpu = columnsOf(picture, Theme::gpu);
+        const auto power = columnsOf(picture, Theme::power);
         QVERIFY(memory.first > 0 && memory.first <= memory.second);
         QVERIFY(memory.second < gpu.first && gpu.first <= gpu.second);
         QVERIFY(gpu.second < power.first && power.first <= power.second);

@@ -258,10 +258,10 @@ void TestInfoButton::paintsBodyAndArrow()
     InfoPopover &popover = *window.first.popover();
     const QImage image = rendered(popover, scale);
     const double tipX = 400 + 10.5 - popover.x();
-    QVERIFY(isClose(pixelAt(image, tipX, 6), Theme::popoverFill()));
+    QVERIFY(isClose(pixelAt(image, tipX, 6), Theme::popoverFill));
     QCOMPARE(pixelAt(image, tipX - 20, 4).alpha(), 0);
     QCOMPARE(pixelAt(image, 0.5, 8.5).alpha(), 0);
-    QVERIFY(isClose(pixelAt(image, 5, 40), Theme::popoverFill()));
+    QVERIFY(isClose(pixelAt(image, 5, 40), Theme::popoverFill));
     // The stroke lies inside the edge: white at 0.12 over the fill.
     QVERIFY(isClose(pixelAt(image, 0.5, 50), QColor(64, 68, 77)));
 }
@@ -292,7 +292,7 @@ void TestInfoButton::keepsCodeOnItsGround()
     button.click();
     const QImage image = rendered(*button.popover(), scale);
     const double line = 8 + 14 + 17 + 8 + 7; // The arrow, the title and half a line.
-    const int ground = Theme::popoverFill().lightness();
+    const int ground = Theme::popoverFill.lightness();
     double groundEnd = 0;
     double inkEnd = 0;
     for (double x = 14; x < 330; x += 1 / scale) {
@@ -325,7 +325,7 @@ void TestInfoButton::showsItsFocus()
     window.first.setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&window.widget));
     const auto edge = [](InfoButton &button) { return pixelAt(rendered(button, 1), 10, 1); };
-    QVERIFY(isClose(edge(window.first), Theme::focusRing(), 4));
+    QVERIFY(isClose(edge(window.first), Theme::focusRing, 4));
     QCOMPARE(edge(window.second).alpha(), 0);
 }
 

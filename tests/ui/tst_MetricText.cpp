@@ -87,9 +87,9 @@ void TestMetricText::labelShowsThreeNumbers()
 void TestMetricText::labelNumbersHaveTheirUnitColours()
 {
     const auto numbers = labelNumbers(SystemMetrics::placeholder());
-    QCOMPARE(numbers[0].color, Theme::memory());
-    QCOMPARE(numbers[1].color, Theme::gpu());
-    QCOMPARE(numbers[2].color, Theme::power());
+    QCOMPARE(numbers[0].color, Theme::memory);
+    QCOMPARE(numbers[1].color, Theme::gpu);
+    QCOMPARE(numbers[2].color, Theme::power);
 }
 
 void TestMetricText::labelSaysItInWords()
@@ -141,11 +141,11 @@ void TestMetricText::rowsShowValuesAndDetails()
 void TestMetricText::rowsHaveTheirUnitColours()
 {
     const auto rows = metricRows(SystemMetrics::placeholder());
-    QCOMPARE(rows[0].color, Theme::memory());
-    QCOMPARE(rows[1].color, Theme::gpu());
-    QCOMPARE(rows[2].color, Theme::cpu());
-    QCOMPARE(rows[3].color, Theme::ane());
-    QCOMPARE(rows[4].color, Theme::withOpacity(Theme::memory(), 0.7));
+    QCOMPARE(rows[0].color, Theme::memory);
+    QCOMPARE(rows[1].color, Theme::gpu);
+    QCOMPARE(rows[2].color, Theme::cpu);
+    QCOMPARE(rows[3].color, Theme::ane);
+    QCOMPARE(rows[4].color, Theme::withOpacity(Theme::memory, 0.7));
 }
 
 void TestMetricText::aRowReadsAsOneLine()

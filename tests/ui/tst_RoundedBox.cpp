@@ -83,7 +83,7 @@ void TestRoundedBox::ringsAreTwoPointsWide()
 {
     const QImage ring = painted([](QPainter &painter) { paintFocusRing(painter, box, 6); });
     const QImage line =
-        painted([](QPainter &painter) { strokeRounded(painter, box, 6, Theme::focusRing(), 2); });
+        painted([](QPainter &painter) { strokeRounded(painter, box, 6, Theme::focusRing, 2); });
     QCOMPARE(ring, line);
     QVERIFY(ring.pixelColor(box.center().x(), box.top() + 1).alpha() > 0);
 }

@@ -93,7 +93,7 @@ void TestSwitch::itsKnobShowsItsState()
     row.setChecked(on);
     const QImage picture = rendered(row, scale);
     QVERIFY(isClose(pixelAt(picture, knob, 20), Qt::white));
-    QVERIFY(isClose(pixelAt(picture, track, 20), on ? Theme::switchOn() : Theme::switchOff()));
+    QVERIFY(isClose(pixelAt(picture, track, 20), on ? Theme::switchOn : Theme::switchOff));
     QCOMPARE(pixelAt(picture, 431, 20).alpha(), 0);
     QCOMPARE(pixelAt(picture, 468, 20).alpha(), 0);
     QCOMPARE(pixelAt(picture, 450, 9).alpha(), 0);

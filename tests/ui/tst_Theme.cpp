@@ -22,7 +22,6 @@ class TestTheme : public QObject {
 private slots:
     void hasThePalette_data();
     void hasThePalette();
-    void coloursAreMadeOnce();
     void tertiaryTextIsFadedSecondaryText();
     void opacityIsOnTopOfTheColoursOwn_data();
     void opacityIsOnTopOfTheColoursOwn();
@@ -34,12 +33,12 @@ void TestTheme::hasThePalette_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<QList<int>>("expected");
-    QTest::newRow("CPU is light blue") << Theme::cpu() << QList<int>{30, 65, 100, 100};
-    QTest::newRow("GPU is orange") << Theme::gpu() << QList<int>{100, 58, 16, 100};
-    QTest::newRow("the Neural Engine is violet") << Theme::ane() << QList<int>{72, 42, 100, 100};
-    QTest::newRow("power is yellow") << Theme::power() << QList<int>{100, 85, 30, 100};
-    QTest::newRow("memory is green") << Theme::memory() << QList<int>{20, 80, 55, 100};
-    QTest::newRow("a card's hairline") << Theme::cardStroke() << QList<int>{100, 100, 100, 6};
+    QTest::newRow("CPU is light blue") << Theme::cpu << QList<int>{30, 65, 100, 100};
+    QTest::newRow("GPU is orange") << Theme::gpu << QList<int>{100, 58, 16, 100};
+    QTest::newRow("the Neural Engine is violet") << Theme::ane << QList<int>{72, 42, 100, 100};
+    QTest::newRow("power is yellow") << Theme::power << QList<int>{100, 85, 30, 100};
+    QTest::newRow("memory is green") << Theme::memory << QList<int>{20, 80, 55, 100};
+    QTest::newRow("a card's hairline") << Theme::cardStroke << QList<int>{100, 100, 100, 6};
 }
 
 void TestTheme::hasThePalette()
@@ -49,17 +48,11 @@ void TestTheme::hasThePalette()
     QTEST(hundredths(color), "expected");
 }
 
-void TestTheme::coloursAreMadeOnce()
-{
-    QCOMPARE(&Theme::cpu(), &Theme::cpu());
-    QCOMPARE(&Theme::textTertiary(), &Theme::textTertiary());
-}
-
 void TestTheme::tertiaryTextIsFadedSecondaryText()
 {
-    QCOMPARE(Theme::textTertiary().rgb(), Theme::textSecondary().rgb());
-    QCOMPARE(qRound(Theme::textTertiary().alphaF() * 1000),
-             qRound(Theme::textSecondary().alphaF() * 600));
+    QCOMPARE(Theme::textTertiary.rgb(), Theme::textSecondary.rgb());
+    QCOMPARE(qRound(Theme::textTertiary.alphaF() * 1000),
+             qRound(Theme::textSecondary.alphaF() * 600));
 }
 
 void TestTheme::opacityIsOnTopOfTheColoursOwn_data()
