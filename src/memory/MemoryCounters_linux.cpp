@@ -2,8 +2,8 @@
 
 #include "memory/ProcMemInfo.h"
 #include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
 
-#include <filesystem>
 #include <vector>
 
 namespace corvane {
@@ -13,12 +13,11 @@ namespace {
 /// The `mm_stat` of every compressed RAM disk that exists now.
 std::vector<KernelFile> zramFiles(const std::string &root)
 {
+    const std::string folder = root + "/sys/block/";
     std::vector<KernelFile> files;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(root + "/sys/block", error), end;
-         !error && entry != end; entry.increment(error)) {
-        if (entry->path().filename().string().starts_with("zram"))
-            files.emplace_back(entry->path().string() + "/mm_stat");
+    for (const std::string &name : namesInFolder(folder)) {
+        if (name.starts_with("zram"))
+            files.emplace_back(folder + name + "/mm_stat");
     }
     return files;
 }

@@ -1,18 +1,29 @@
 #include "platform/KernelFolder.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <string_view>
 #include <utility>
 
 namespace corvane {
 
-std::vector<std::string> namesInFolder(const std::string &folder)
+KernelFolder::KernelFolder(const std::string &path) : m_folder(opendir(path.c_str())) { }
+
+const char *KernelFolder::nextName()
 {
+    while (const dirent *entry = m_folder ? readdir(m_folder.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            return entry->d_name;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> namesInFolder(const std::string &path)
+{
+    KernelFolder folder(path);
     std::vector<std::string> names;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error))
-        names.push_back(entry->path().filename().string());
+    while (const char *name = folder.nextName())
+        names.emplace_back(name);
     std::ranges::sort(names, {},
                       [](const std::string &name) { return std::pair(name.size(), name); });
     return names;

@@ -1,15 +1,14 @@
 #include "processes/ProcessBridge.h"
 
 #include "platform/KernelFile.h"
+#include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
 #include "processes/ProcessFiles.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <memory>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <unistd.h>
@@ -18,11 +17,6 @@ namespace corvane {
 
 namespace {
 
-struct DirectoryCloser {
-    void operator()(DIR *directory) const { closedir(directory); }
-};
-using Directory = std::unique_ptr<DIR, DirectoryCloser>;
-
 std::string processFile(std::int32_t pid, const char *name, const std::string &root)
 {
     return root + "/proc/" + std::to_string(pid) + '/' + name;
@@ -30,11 +24,11 @@ std::string processFile(std::int32_t pid, const char *name, const std::string &r
 
 /// The processes in the order of their numbers, which is the kernel's. A walk that meets one twice
 /// (processes come and go under it) counts it once.
-std::vector<std::int32_t> listProcesses(DIR *proc)
+std::vector<std::int32_t> listProcesses(KernelFolder &proc)
 {
     std::vector<std::int32_t> pids;
-    while (const dirent *entry = readdir(proc)) {
-        const auto pid = parseUnsigned(entry->d_name);
+    while (const char *name = proc.nextName()) {
+        const auto pid = parseUnsigned(name);
         if (pid && *pid > 0 && *pid <= INT_MAX)
             pids.push_back(static_cast<std::int32_t>(*pid));
     }
@@ -47,7 +41,7 @@ std::vector<std::int32_t> listProcesses(DIR *proc)
 /// done with three bare system calls and no allocation.
 class StatmReader {
 public:
-    explicit StatmReader(DIR *proc) : m_proc(dirfd(proc)) { }
+    explicit StatmReader(const KernelFolder &proc) : m_proc(proc.descriptor()) { }
 
     /// Valid until the next read; empty when the process has ended or may not be inspected.
     std::string_view read(std::int32_t pid)
@@ -96,13 +90,13 @@ std::string linkTarget(const std::string &path)
 
 std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &root)
 {
-    const Directory proc(opendir((root + "/proc").c_str()));
+    KernelFolder proc(root + "/proc");
     if (!proc)
         return {};
     const auto pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
     const SwapLimits swap = swapLimits(root);
-    const auto pids = listProcesses(proc.get());
-    StatmReader statm(proc.get());
+    const auto pids = listProcesses(proc);
+    StatmReader statm(proc);
     std::vector<FootprintBounds> processes;
     processes.reserve(pids.size());
     for (const std::int32_t pid : pids) {

@@ -4,6 +4,9 @@
 
 #include <QTest>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace corvane;
 
 class TestKernelFolder : public QObject {
@@ -12,6 +15,8 @@ class TestKernelFolder : public QObject {
 private slots:
     void listsByNumber();
     void isEmptyWhereThereIsNone();
+    void givesEachNameOnce();
+    void hasADescriptorWhileOpen();
 };
 
 void TestKernelFolder::listsByNumber()
@@ -29,6 +34,33 @@ void TestKernelFolder::isEmptyWhereThereIsNone()
     tree.write("file", "");
     QVERIFY(namesInFolder(tree.root() + "/folder").empty());
     QVERIFY(namesInFolder(tree.root() + "/file").empty());
+}
+
+void TestKernelFolder::givesEachNameOnce()
+{
+    const test::MachineTree tree;
+    tree.write("folder/a", "");
+    tree.write("folder/.hidden", "");
+    KernelFolder folder(tree.root() + "/folder");
+    QStringList names;
+    while (const char *name = folder.nextName())
+        names << QString::fromUtf8(name);
+    names.sort();
+    QCOMPARE(names, (QStringList{QStringLiteral(".hidden"), QStringLiteral("a")}));
+}
+
+void TestKernelFolder::hasADescriptorWhileOpen()
+{
+    const test::MachineTree tree;
+    tree.write("folder/file", "");
+    const KernelFolder folder(tree.root() + "/folder");
+    QVERIFY(folder);
+    QVERIFY(faccessat(folder.descriptor(), "file", F_OK, 0) == 0);
+
+    KernelFolder missing(tree.root() + "/missing");
+    QVERIFY(!missing);
+    QCOMPARE(missing.descriptor(), -1);
+    QCOMPARE(missing.nextName(), nullptr);
 }
 
 QTEST_GUILESS_MAIN(TestKernelFolder)
