@@ -6,10 +6,9 @@ namespace corvane {
 
 std::optional<std::string> processorName(std::string_view cpuInfo)
 {
-    while (const auto line = takeLine(cpuInfo)) {
-        const std::size_t colon = line->find(':');
-        if (colon != std::string_view::npos && trimmed(line->substr(0, colon)) == "model name")
-            return std::string(trimmed(line->substr(colon + 1)));
+    while (const auto line = takeKeyValue(cpuInfo)) {
+        if (line->key == "model name")
+            return std::string(line->value);
     }
     return std::nullopt;
 }

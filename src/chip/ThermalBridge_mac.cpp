@@ -2,12 +2,12 @@
 
 #include "platform/CFOwned.h"
 #include "platform/CFText.h"
+#include "platform/Plausible.h"
 
 #include <IOKit/hidsystem/IOHIDEventSystemClient.h>
 #include <IOKit/hidsystem/IOHIDServiceClient.h>
 
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -74,9 +74,7 @@ std::optional<double> temperature(IOHIDServiceClientRef sensor)
     if (!event)
         return std::nullopt;
     const double celsius = IOHIDEventGetFloatValue(event.get(), levelField);
-    if (!std::isfinite(celsius) || celsius <= 0 || celsius >= 200)
-        return std::nullopt;
-    return celsius;
+    return isTemperature(celsius, celsiusLimitMac) ? std::optional(celsius) : std::nullopt;
 }
 
 } // namespace

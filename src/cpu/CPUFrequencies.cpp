@@ -1,6 +1,7 @@
 #include "cpu/CPUFrequencies.h"
 
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,11 +11,10 @@ namespace corvane {
 namespace {
 
 constexpr std::uint64_t stepKHz = 100'000;
-constexpr std::uint64_t highestKHz = 20'000'000; ///< Above it stands garbage.
 
 std::optional<std::uint64_t> plausible(std::optional<std::uint64_t> kHz)
 {
-    if (!kHz || *kHz == 0 || *kHz > highestKHz)
+    if (!kHz || *kHz == 0 || double(*kHz) > highestMHz * 1000)
         return std::nullopt;
     return kHz;
 }
@@ -77,18 +77,13 @@ std::optional<std::uint64_t> parseKHz(std::string_view text)
 std::optional<std::uint64_t> cpuInfoKHz(std::string_view cpuInfo, int cpu)
 {
     bool wanted = false;
-    while (const auto line = takeLine(cpuInfo)) {
-        const std::size_t colon = line->find(':');
-        if (colon == std::string_view::npos)
+    while (const auto line = takeKeyValue(cpuInfo)) {
+        if (line->key == "processor")
+            wanted = parseUnsigned(line->value) == static_cast<std::uint64_t>(cpu);
+        if (!wanted || line->key != "cpu MHz")
             continue;
-        const std::string_view key = trimmed(line->substr(0, colon));
-        const std::string_view value = trimmed(line->substr(colon + 1));
-        if (key == "processor")
-            wanted = parseUnsigned(value) == static_cast<std::uint64_t>(cpu);
-        if (!wanted || key != "cpu MHz")
-            continue;
-        const auto megahertz = parseDecimal(value);
-        if (!megahertz || *megahertz < 0 || *megahertz * 1000 > double(highestKHz))
+        const auto megahertz = parseDecimal(line->value);
+        if (!megahertz || *megahertz < 0 || *megahertz > highestMHz)
             return std::nullopt;
         return plausible(static_cast<std::uint64_t>(std::llround(*megahertz * 1000)));
     }

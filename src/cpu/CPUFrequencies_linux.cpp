@@ -13,12 +13,11 @@ namespace {
 /// The CPUs of a policy, offline ones included. This list has blanks where others have dashes.
 std::vector<int> relatedCPUs(const std::string &folder)
 {
-    constexpr std::uint64_t highestCPU = 65'535;
     std::vector<int> cpus;
     const auto contents = readKernelFile(folder + "/related_cpus");
     std::string_view text = trimmed(contents ? std::string_view(*contents) : std::string_view());
     while (const auto word = takeWord(text)) {
-        if (const auto cpu = parseUnsigned(*word); cpu && *cpu <= highestCPU)
+        if (const auto cpu = parseUnsigned(*word); cpu && *cpu < mostCPUs)
             cpus.push_back(static_cast<int>(*cpu));
     }
     return cpus;

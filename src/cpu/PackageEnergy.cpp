@@ -1,5 +1,7 @@
 #include "cpu/PackageEnergy.h"
 
+#include "platform/Plausible.h"
+
 #include <algorithm>
 
 namespace corvane {
@@ -12,12 +14,12 @@ std::optional<double> packageJoules(const PackageEnergyReading &before,
         return double(now.microjoules - before.microjoules) * joulesPerMicrojoule;
 
     constexpr double longestGap = 3;      // Seconds; the counter is read once a second.
-    constexpr double mostWatts = 5'000;   // No package takes as much: the counter restarted.
     constexpr double leastSeconds = 0.05; // Two readings may follow each other at once.
     if (seconds > longestGap || before.microjoules > now.range)
         return std::nullopt;
     const double joules =
         double(now.range - before.microjoules + now.microjoules) * joulesPerMicrojoule;
+    // Beyond this the counter restarted without having reached its end.
     if (joules > mostWatts * std::max(seconds, leastSeconds))
         return std::nullopt;
     return joules;

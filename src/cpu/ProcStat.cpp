@@ -1,13 +1,11 @@
 #include "cpu/ProcStat.h"
 
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 namespace corvane {
 
 namespace {
-
-/// No kernel is built for more CPUs.
-constexpr std::size_t mostCPUs = 8192;
 
 std::optional<CPUTimes> parseTimes(std::string_view text)
 {

@@ -1,6 +1,7 @@
 #include "gpu/GPUText.h"
 
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,8 +10,6 @@ namespace corvane {
 
 namespace {
 
-constexpr double highestMHz = 100'000; ///< Above it stands garbage.
-
 std::optional<double> plausibleMHz(std::optional<std::uint64_t> megahertz)
 {
     if (!megahertz || *megahertz == 0 || double(*megahertz) > highestMHz)
@@ -18,15 +17,11 @@ std::optional<double> plausibleMHz(std::optional<std::uint64_t> megahertz)
     return double(*megahertz);
 }
 
-/// The clock in "1: 1130Mhz *"; nothing unless the line is marked.
-std::optional<double> markedLevelMHz(std::string_view line)
+/// The clock in "1130Mhz *"; absent unless it is marked.
+std::optional<double> markedMHz(std::string_view level)
 {
-    const std::size_t colon = line.find(':');
-    if (colon == std::string_view::npos)
-        return std::nullopt;
-    line.remove_prefix(colon + 1);
-    std::string_view clock = takeWord(line).value_or(std::string_view());
-    if (trimmed(line) != "*" || !clock.ends_with("hz"))
+    std::string_view clock = takeWord(level).value_or(std::string_view());
+    if (trimmed(level) != "*" || !clock.ends_with("hz"))
         return std::nullopt;
     clock.remove_suffix(clock.size() - clock.find_first_not_of("0123456789"));
     return plausibleMHz(parseUnsigned(clock));
@@ -56,8 +51,8 @@ std::optional<std::uint64_t> parseIdleTime(std::string_view text)
 
 std::optional<double> presentLevelMHz(std::string_view levels)
 {
-    while (const auto line = takeLine(levels)) {
-        if (const auto megahertz = markedLevelMHz(*line))
+    while (const auto level = takeKeyValue(levels)) {
+        if (const auto megahertz = markedMHz(level->value))
             return megahertz;
     }
     return std::nullopt;
@@ -86,9 +81,8 @@ std::string performanceStateName(std::optional<int> state)
 
 std::optional<double> parseMillidegrees(std::string_view text)
 {
-    constexpr double hottest = 150;
     const auto millidegrees = parseSigned(trimmed(text));
-    if (!millidegrees || *millidegrees <= 0 || double(*millidegrees) >= hottest * 1000)
+    if (!millidegrees || !isTemperature(double(*millidegrees) / 1000, celsiusLimitLinux))
         return std::nullopt;
     // What a diode of 8 bits shows when nothing is connected to it.
     constexpr std::int64_t unconnected = 127'000;
@@ -98,7 +92,6 @@ std::optional<double> parseMillidegrees(std::string_view text)
 
 std::optional<double> parseMicrowatts(std::string_view text)
 {
-    constexpr double mostWatts = 100'000;
     const auto microwatts = parseUnsigned(trimmed(text));
     if (!microwatts || double(*microwatts) > mostWatts * 1e6)
         return std::nullopt;

@@ -6,6 +6,7 @@
 #include "gpu/GPUText.h"
 #include "gpu/NvidiaReader.h"
 #include "platform/KernelFile.h"
+#include "platform/Plausible.h"
 
 #include <algorithm>
 #include <limits>
@@ -94,7 +95,7 @@ GPUReading gpuReading(const NvidiaDeviceReading &device, double seconds)
                           .watts = device.watts};
     if (device.millijoules)
         reading.microjoules = *device.millijoules * microjoulesPerMillijoule;
-    if (device.temperature && *device.temperature > 0 && *device.temperature < 150)
+    if (device.temperature && isTemperature(*device.temperature, celsiusLimitLinux))
         reading.temperatures.push_back(*device.temperature);
     return reading;
 }

@@ -1,6 +1,7 @@
 #include "memory/ProcMemInfo.h"
 
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 #include <array>
 
@@ -39,13 +40,10 @@ constexpr auto memInfoFields = std::to_array<MemInfoField>({
 MemInfo parseMemInfo(std::string_view text)
 {
     MemInfo info;
-    while (const auto line = takeLine(text)) {
-        const std::size_t colon = line->find(':');
-        if (colon == std::string_view::npos)
-            continue;
+    while (const auto line = takeKeyValue(text)) {
         for (const MemInfoField &field : memInfoFields) {
-            if (line->substr(0, colon) == field.name)
-                info.*field.value = parseKibibytes(line->substr(colon + 1));
+            if (line->key == field.name)
+                info.*field.value = parseKibibytes(line->value);
         }
     }
     return info;

@@ -84,11 +84,24 @@ std::optional<std::string_view> takeWord(std::string_view &text)
 
 std::string_view trimmed(std::string_view text)
 {
-    constexpr std::string_view blanks(" \t\r\n\0", 5);
-    const std::size_t start = text.find_first_not_of(blanks);
-    if (start == std::string_view::npos)
-        return {};
-    return text.substr(start, text.find_last_not_of(blanks) - start + 1);
+    const auto isBlank = [](char byte) {
+        return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r' || byte == '\0';
+    };
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+std::optional<KeyValue> takeKeyValue(std::string_view &text)
+{
+    while (const auto line = takeLine(text)) {
+        const std::size_t colon = line->find(':');
+        if (colon != std::string_view::npos)
+            return KeyValue{trimmed(line->substr(0, colon)), trimmed(line->substr(colon + 1))};
+    }
+    return std::nullopt;
 }
 
 std::optional<std::uint64_t> parseUnsigned(std::string_view text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Plausible.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <optional>
@@ -20,6 +22,16 @@ std::optional<std::string_view> takeWord(std::string_view &text);
 /// Without blanks, tabs, line ends and NULs on both sides.
 std::string_view trimmed(std::string_view text);
 
+/// The two sides of a line such as "MemTotal:   24684096 kB", both trimmed.
+struct KeyValue {
+    std::string_view key = {};
+    std::string_view value = {};
+};
+
+/// Cuts `text` behind the first line that has a colon and splits that line at its first colon;
+/// absent when no line has one.
+std::optional<KeyValue> takeKeyValue(std::string_view &text);
+
 /// The whole of `text` as a decimal count.
 std::optional<std::uint64_t> parseUnsigned(std::string_view text);
 
@@ -29,10 +41,7 @@ std::optional<std::int64_t> parseSigned(std::string_view text);
 /// The whole of `text` as a decimal number with an optional point; finite.
 std::optional<double> parseDecimal(std::string_view text);
 
-/// A byte count that no machine has; larger ones are garbage.
-inline constexpr std::uint64_t largestByteCount = std::uint64_t(1) << 50;
-
-/// `count` units of `unit` bytes; nothing above `largestByteCount`.
+/// `count` units of `unit` bytes; absent above `largestByteCount`.
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit);
 
 /// The count of a text such as "  24684096 kB", in KiB; nothing when no machine has as many bytes.
@@ -42,12 +51,11 @@ std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 bool isUtf8(std::string_view text);
 
 /// Calls `visit(number)` for each CPU of a list such as "0-3,8,10-11"; a part that does not parse
-/// ends the walk. So do numbers out of order, so that none comes twice, and above 65,535: no kernel
-/// has such CPUs.
+/// ends the walk. So do numbers out of order, so that none comes twice, and numbers of `mostCPUs`
+/// and above.
 template <typename Visitor>
 void forEachCPU(std::string_view list, Visitor visit)
 {
-    constexpr std::uint64_t highest = 65'535;
     list = trimmed(list);
     std::uint64_t least = 0;
     while (!list.empty()) {
@@ -57,7 +65,7 @@ void forEachCPU(std::string_view list, Visitor visit)
         const auto first = parseUnsigned(part.substr(0, dash));
         const auto last =
             dash == std::string_view::npos ? first : parseUnsigned(part.substr(dash + 1));
-        if (!first || !last || *first < least || *last > highest)
+        if (!first || !last || *first < least || *last >= mostCPUs)
             return;
         for (std::uint64_t cpu = *first; cpu <= *last; ++cpu)
             visit(static_cast<int>(cpu));

@@ -1,6 +1,7 @@
 #include "processes/ProcessFiles.h"
 
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 #include <algorithm>
 
@@ -8,14 +9,14 @@ namespace corvane {
 
 namespace {
 
-/// Bytes of the line "NAME:   123 kB".
+/// Bytes of the first line "NAME:   123 kB".
 std::optional<std::uint64_t> bytesOfLine(std::string_view text, std::string_view name)
 {
     constexpr std::uint64_t kibibyte = 1024;
-    while (const auto line = takeLine(text)) {
-        if (!line->starts_with(name) || line->substr(name.size()).substr(0, 1) != ":")
+    while (const auto line = takeKeyValue(text)) {
+        if (line->key != name)
             continue;
-        const auto count = parseKibibytes(line->substr(name.size() + 1));
+        const auto count = parseKibibytes(line->value);
         return count ? byteCount(*count, kibibyte) : std::nullopt;
     }
     return std::nullopt;

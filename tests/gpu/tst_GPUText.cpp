@@ -119,6 +119,7 @@ void TestGPUText::readsClocks_data()
     QTest::newRow("at rest") << QByteArray("0\n") << Number();
     QTest::newRow("nothing") << QByteArray() << Number();
     QTest::newRow("negative") << QByteArray("-1\n") << Number();
+    QTest::newRow("beyond any chip") << QByteArray("20001\n") << Number();
 }
 
 void TestGPUText::readsClocks()
@@ -180,7 +181,7 @@ void TestGPUText::readsPower_data()
     QTest::addColumn<Number>("watts");
     QTest::newRow("microwatts") << QByteArray("18123000\n") << Number(18.123);
     QTest::newRow("none is a number too") << QByteArray("0\n") << Number(0);
-    QTest::newRow("more than any card takes") << QByteArray("18446744073709551615\n") << Number();
+    QTest::newRow("more than any card takes") << QByteArray("5000000001\n") << Number();
     QTest::newRow("negative") << QByteArray("-5\n") << Number();
 }
 

@@ -1,6 +1,7 @@
 corvane_test(platform/tst_BootClock)
 corvane_test(platform/tst_FolderLock)
 corvane_test(platform/tst_KernelText)
+corvane_test(platform/tst_Plausible)
 corvane_test(platform/tst_BackgroundJob THREADED)
 corvane_test(platform/tst_ThreadPriority SYSTEM linux THREADED)
 corvane_test(platform/tst_KernelFile SYSTEM linux LINK corvane_faulty_calls)

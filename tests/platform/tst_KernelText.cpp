@@ -16,6 +16,8 @@ private slots:
     void takesLines();
     void takesWords();
     void trims();
+    void takesKeysAndValues_data();
+    void takesKeysAndValues();
     void parsesUnsigned_data();
     void parsesUnsigned();
     void parsesSigned();
@@ -52,6 +54,33 @@ void TestKernelText::trims()
     QVERIFY(trimmed(std::string_view(" a b\r\n\0", 7)) == "a b");
     QVERIFY(trimmed(" \n\t").empty());
     QVERIFY(trimmed("").empty());
+}
+
+void TestKernelText::takesKeysAndValues_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArrayList>("expected");
+    QTest::newRow("aligned values") << QByteArray("MemTotal:  16 kB\nMemFree:    8 kB\n")
+                                    << QByteArrayList{"MemTotal=16 kB", "MemFree=8 kB"};
+    QTest::newRow("tabs before the colon, no last line end")
+        << QByteArray("model name\t: A chip") << QByteArrayList{"model name=A chip"};
+    QTest::newRow("only the first colon splits")
+        << QByteArray("flags: a:b\n") << QByteArrayList{"flags=a:b"};
+    QTest::newRow("lines without a colon are skipped")
+        << QByteArray("garbage\n\nkey: value\nmore") << QByteArrayList{"key=value"};
+    QTest::newRow("either side may be empty")
+        << QByteArray("key:\n: value\n:") << QByteArrayList{"key=", "=value", "="};
+    QTest::newRow("an empty text") << QByteArray() << QByteArrayList();
+}
+
+void TestKernelText::takesKeysAndValues()
+{
+    QFETCH(QByteArray, text);
+    std::string_view rest(text.data(), static_cast<std::size_t>(text.size()));
+    QByteArrayList taken;
+    while (const auto line = takeKeyValue(rest))
+        taken << QByteArray::fromStdString(std::string(line->key) + '=' + std::string(line->value));
+    QTEST(taken, "expected");
 }
 
 void TestKernelText::parsesUnsigned_data()
@@ -191,7 +220,8 @@ void TestKernelText::walksCPULists_data()
         << QByteArray("0-3,3,5\n") << QList<int>{0, 1, 2, 3};
     QTest::newRow("so does one behind a range backwards")
         << QByteArray("2-3,9-0,1\n") << QList<int>{2, 3};
-    QTest::newRow("no kernel has so many") << QByteArray("0-99999999999\n") << QList<int>{};
+    QTest::newRow("the last that a kernel can have") << QByteArray("8191\n") << QList<int>{8191};
+    QTest::newRow("no kernel has so many") << QByteArray("3,0-8192\n") << QList<int>{3};
 }
 
 void TestKernelText::walksCPULists()
