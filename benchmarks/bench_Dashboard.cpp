@@ -182,14 +182,14 @@ BENCHMARK(powerCard)->Unit(benchmark::kMicrosecond);
 
 void cpuCard(benchmark::State &state)
 {
-    UtilizationCard card(UtilizationKind::cpu);
+    UtilizationCard card(ComputeUnit::cpu);
     tellCard(state, card, {406, 226}, tellSamples);
 }
 BENCHMARK(cpuCard)->Unit(benchmark::kMicrosecond);
 
 void gpuCard(benchmark::State &state)
 {
-    UtilizationCard card(UtilizationKind::gpu);
+    UtilizationCard card(ComputeUnit::gpu);
     tellCard(state, card, {406, 226}, tellSamples);
 }
 BENCHMARK(gpuCard)->Unit(benchmark::kMicrosecond);

@@ -163,11 +163,9 @@ void MemoryCard::showChart(const std::vector<SystemMetrics> &history)
                            .lineWidth = 2,
                            .fillColors = {Theme::withOpacity(Theme::memory, 0.55),
                                           Theme::withOpacity(Theme::memory, 0.05)}};
-    m_samples.clear();
-    for (const SystemMetrics &sample : history) {
-        m_samples.push_back({sample.timestamp, usedPercent(sample.memory)});
-        series.values.push_back(m_samples.back().percent);
-    }
+    series.values.reserve(history.size());
+    for (const SystemMetrics &sample : history)
+        series.values.push_back(usedPercent(sample.memory));
     chart.series.push_back(std::move(series));
     chart.yDomain = {0, 100};
     m_chart->show(std::move(chart));
@@ -175,11 +173,9 @@ void MemoryCard::showChart(const std::vector<SystemMetrics> &history)
 
 PillContent MemoryCard::pill(std::size_t index) const
 {
-    if (index >= m_samples.size())
-        return {};
-    const Sample &sample = m_samples[index];
-    return {HoverTime::string(sample.timestamp),
-            {valuesRow({percentText(sample.percent)}, Theme::memory)}};
+    const SparklineData &chart = m_chart->shown();
+    return {HoverTime::string(chart.timestamps[index]),
+            {valuesRow({percentText(chart.series.front().values[index])}, Theme::memory)}};
 }
 
 void MemoryCard::layOut()

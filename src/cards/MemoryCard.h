@@ -46,12 +46,6 @@ private:
         QString fullLabel; ///< The label may be shown elided.
     };
 
-    /// What the pill says of one sample.
-    struct Sample {
-        double timestamp = 0;
-        double percent = 0;
-    };
-
     Chip addChip(const QString &label, const QColor &color);
     void showFigures(const MemorySnapshot &memory);
     void showChart(const std::vector<SystemMetrics> &history);
@@ -70,7 +64,6 @@ private:
     CardText &m_swap;
     Sparkline *m_chart;
     std::array<MemorySegment, 4> m_segments;
-    std::vector<Sample> m_samples;
 };
 
 } // namespace corvane

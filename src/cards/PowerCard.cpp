@@ -103,29 +103,32 @@ PowerCard::PowerCard(QWidget *parent)
 
 void PowerCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
-    recomputeYMax(history);
-    say(m_stat, powerStatText(peakTotal(history), current.chip));
+    const double peak = peakTotal(history);
+    raiseYMax(peak);
+    say(m_stat, powerStatText(peak, current.chip));
     showChart(history);
 }
 
 void PowerCard::recomputeYMax(const std::vector<SystemMetrics> &history)
 {
-    m_stableYMax = std::max(m_stableYMax, powerScale(peakTotal(history)));
+    raiseYMax(peakTotal(history));
+}
+
+void PowerCard::raiseYMax(double peak)
+{
+    m_stableYMax = std::max(m_stableYMax, powerScale(peak));
 }
 
 void PowerCard::showChart(const std::vector<SystemMetrics> &history)
 {
-    m_samples.clear();
-    for (const SystemMetrics &sample : history)
-        m_samples.push_back({sample.timestamp, watts(sample)});
-
     SparklineData chart = historyChart(history);
     for (std::size_t part = 0; part < components().size(); ++part) {
         const QColor &color = components()[part].color;
         SparklineSeries series{
             .lineColor = color, .lineWidth = 1, .fillColors = {Theme::withOpacity(color, 0.55)}};
-        for (const Sample &sample : m_samples)
-            series.values.push_back(sample.watts[part]);
+        series.values.reserve(history.size());
+        for (const SystemMetrics &sample : history)
+            series.values.push_back(watts(sample)[part]);
         chart.series.push_back(std::move(series));
     }
     chart.yDomain = {0, m_stableYMax};
@@ -136,15 +139,16 @@ void PowerCard::showChart(const std::vector<SystemMetrics> &history)
 
 PillContent PowerCard::pill(std::size_t index) const
 {
-    if (index >= m_samples.size())
-        return {};
-    const Sample &sample = m_samples[index];
-    const double total = sample.watts[0] + sample.watts[1] + sample.watts[2];
-    PillContent content{HoverTime::string(sample.timestamp),
+    const SparklineData &chart = m_chart->shown();
+    double total = 0;
+    for (const SparklineSeries &series : chart.series)
+        total += series.values[index];
+    PillContent content{HoverTime::string(chart.timestamps[index]),
                         {totalRow(wattsText(total, 2), Theme::power)}};
     for (std::size_t part = 0; part < components().size(); ++part) {
-        content.rows.push_back(componentRow(
-            components()[part].label, fixedText(sample.watts[part], 2), components()[part].color));
+        content.rows.push_back(componentRow(components()[part].label,
+                                            fixedText(chart.series[part].values[index], 2),
+                                            components()[part].color));
     }
     return content;
 }

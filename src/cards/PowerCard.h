@@ -41,12 +41,7 @@ protected:
     void paintShapes(QPainter &painter, const QRect &dirty) override;
 
 private:
-    /// Watts of one sample.
-    struct Sample {
-        double timestamp = 0;
-        std::array<double, 3> watts = {}; ///< CPU, GPU, ANE.
-    };
-
+    void raiseYMax(double peak);
     void showChart(const std::vector<SystemMetrics> &history);
     PillContent pill(std::size_t index) const;
 
@@ -54,7 +49,6 @@ private:
     CardText &m_stat;
     std::array<CardText *, 3> m_legend;
     Sparkline *m_chart;
-    std::vector<Sample> m_samples;
 };
 
 } // namespace corvane

@@ -28,35 +28,22 @@ constexpr double figureColumn = 96; ///< At least.
 constexpr double barsGap = 16;
 constexpr double absentOpacity = 0.65; ///< An absent reading must not look like a true zero.
 
+/// What differs between the cards of the units.
 struct Look {
     Card::Heading heading = {};
     InfoTopic topic = InfoTopic::cpu;
+    QString subtitleName = {}; ///< For assistive technology.
 };
 
-Look look(UtilizationKind kind)
+const Look &look(ComputeUnit unit)
 {
-    switch (kind) {
-    case UtilizationKind::cpu:
-        return {{u"cpu"_s, u"CPU"_s, Theme::cpu}, InfoTopic::cpu};
-    case UtilizationKind::gpu:
-        return {{u"memorychip.fill"_s, u"GPU"_s, Theme::gpu}, InfoTopic::gpu};
-    case UtilizationKind::ane:
-        break;
-    }
-    return {{u"brain.head.profile"_s, u"Neural Engine"_s, Theme::ane}, InfoTopic::ane};
-}
-
-QString subtitleName(UtilizationKind kind)
-{
-    switch (kind) {
-    case UtilizationKind::cpu:
-        return u"Frequency"_s;
-    case UtilizationKind::gpu:
-        return u"Dominant state"_s;
-    case UtilizationKind::ane:
-        break;
-    }
-    return u"Power ceiling"_s;
+    static const std::array<Look, 3> inOrder{
+        Look{{u"cpu"_s, u"CPU"_s, Theme::cpu}, InfoTopic::cpu, u"Frequency"_s},
+        Look{{u"memorychip.fill"_s, u"GPU"_s, Theme::gpu}, InfoTopic::gpu, u"Dominant state"_s},
+        Look{{u"brain.head.profile"_s, u"Neural Engine"_s, Theme::ane},
+             InfoTopic::ane,
+             u"Power ceiling"_s}};
+    return inOrder[static_cast<std::size_t>(unit)];
 }
 
 } // namespace
@@ -71,7 +58,7 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
                         .font = Theme::systemFont(34, QFont::DemiBold),
                         .color = m_color,
                         .digits = Digits::proportional})),
-      m_subtitle(addText({.name = subtitleName(kind),
+      m_subtitle(addText({.name = look(kind).subtitleName,
                           .font = Theme::systemFont(11),
                           .color = Theme::textSecondary})),
       m_coreBars(new CoreBars(this)),
@@ -86,11 +73,11 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
 
 void UtilizationCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
-    say(m_stat, unitStatText(m_kind, current.chip));
-    say(m_figure, percentText(loadPercent(m_kind, current.chip, m_chip)),
+    const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
+    say(m_stat, unitStatText(reading));
+    say(m_figure, percentText(reading.loadPercent),
         current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
-    say(m_subtitle,
-        singleLine(utilizationSubtitle(m_kind, current, history, m_chip).value_or(QString())));
+    say(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
     showCores(current);
     showChart(history);
 }
@@ -100,12 +87,11 @@ void UtilizationCard::showChart(const std::vector<SystemMetrics> &history)
     SparklineData chart = historyChart(history);
     SparklineSeries series{
         .lineColor = m_color, .lineWidth = 1, .fillColors = {Theme::withOpacity(m_color, 0.55)}};
-    m_samples.clear();
+    series.values.reserve(history.size());
+    m_readings.clear();
     for (const SystemMetrics &sample : history) {
-        m_samples.push_back({sample.timestamp, loadPercent(m_kind, sample.chip, m_chip),
-                             unitWatts(m_kind, sample.chip),
-                             sample.chip ? sample.chip->cpuActiveMHz : 0});
-        series.values.push_back(m_samples.back().percent);
+        m_readings.push_back(unitReading(m_kind, sample.chip, m_chip));
+        series.values.push_back(m_readings.back().loadPercent);
     }
     chart.series.push_back(std::move(series));
     chart.yDomain = {0, 100};
@@ -128,13 +114,8 @@ void UtilizationCard::fitCoreBars()
 
 PillContent UtilizationCard::pill(std::size_t index) const
 {
-    if (index >= m_samples.size())
-        return {};
-    const Sample &sample = m_samples[index];
-    QStringList values{percentText(sample.percent), tightWattsText(sample.watts, 2)};
-    if (m_kind == Kind::cpu)
-        values.append(frequencyText(sample.megahertz, {}));
-    return {HoverTime::string(sample.timestamp), {valuesRow(values, m_color)}};
+    return {HoverTime::string(m_chart->shown().timestamps[index]),
+            {valuesRow(unitPillTexts(m_readings[index]), m_color)}};
 }
 
 void UtilizationCard::layOut()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cards/Card.h"
-#include "cards/Utilization.h"
+#include "cards/UnitReading.h"
 #include "charts/HoverPill.h"
 
 namespace corvane {
@@ -15,7 +15,7 @@ class UtilizationCard : public Card {
     Q_OBJECT
 
 public:
-    using Kind = UtilizationKind;
+    using Kind = ComputeUnit;
 
     explicit UtilizationCard(Kind kind, QWidget *parent = nullptr,
                              const ChipInfo &chip = ChipInfo::current());
@@ -32,14 +32,6 @@ protected:
     void layOut() override;
 
 private:
-    /// What the pill says of one sample.
-    struct Sample {
-        double timestamp = 0;
-        double percent = 0;
-        double watts = 0;
-        double megahertz = 0;
-    };
-
     void showChart(const std::vector<SystemMetrics> &history);
     void showCores(const SystemMetrics &current);
     void fitCoreBars();
@@ -53,7 +45,7 @@ private:
     CardText &m_subtitle;
     CoreBars *m_coreBars;
     Sparkline *m_chart;
-    std::vector<Sample> m_samples;
+    std::vector<UnitReading> m_readings; ///< One a sample of the chart, for the pill.
     std::vector<double> m_cores;
 };
 

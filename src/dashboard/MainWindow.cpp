@@ -40,9 +40,9 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
       m_header(new DashboardHeader(chip.name, this)),
       m_memory(new MemoryCard(this)),
       m_power(new PowerCard(this)),
-      m_utilization{new UtilizationCard(UtilizationKind::cpu, this, chip),
-                    new UtilizationCard(UtilizationKind::gpu, this, chip),
-                    new UtilizationCard(UtilizationKind::ane, this, chip)},
+      m_utilization{new UtilizationCard(ComputeUnit::cpu, this, chip),
+                    new UtilizationCard(ComputeUnit::gpu, this, chip),
+                    new UtilizationCard(ComputeUnit::ane, this, chip)},
       m_workloads(new AIWorkloadsCard(this)),
       m_processes(new ProcessCard(this))
 {

@@ -19,7 +19,7 @@ const ChipInfo tenWatts{.aneMaxW = 10};
 
 /// A card as on a dashboard of 1200 × 900.
 struct Shown {
-    explicit Shown(UtilizationKind kind) : card(kind, nullptr, tenWatts)
+    explicit Shown(ComputeUnit kind) : card(kind, nullptr, tenWatts)
     {
         card.resize(400, 226);
         card.QWidget::show();
@@ -66,20 +66,20 @@ private slots:
 
 void TestUtilizationCard::readsLikeItsKind_data()
 {
-    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<ComputeUnit>("kind");
     QTest::addColumn<QStringList>("texts");
-    QTest::newRow("CPU") << UtilizationKind::cpu
+    QTest::newRow("CPU") << ComputeUnit::cpu
                          << QStringList{u"CPU"_s, u"16.69 W · 74°C"_s, u"48%"_s, u"3.27 GHz"_s};
-    QTest::newRow("GPU") << UtilizationKind::gpu
+    QTest::newRow("GPU") << ComputeUnit::gpu
                          << QStringList{u"GPU"_s, u"31.62 W · 71°C"_s, u"90%"_s, u"P12"_s};
     QTest::newRow("Neural Engine")
-        << UtilizationKind::ane
+        << ComputeUnit::ane
         << QStringList{u"Neural Engine"_s, u"1.35 W · 68°C"_s, u"14%"_s, u"≈10W max"_s};
 }
 
 void TestUtilizationCard::readsLikeItsKind()
 {
-    QFETCH(UtilizationKind, kind);
+    QFETCH(ComputeUnit, kind);
     Shown shown(kind);
     shown.card.show(scriptedCurrent(), scriptedHistory());
     QStringList texts;
@@ -90,7 +90,7 @@ void TestUtilizationCard::readsLikeItsKind()
 
 void TestUtilizationCard::showsNoCoresButTheCPUs()
 {
-    Shown cpu(UtilizationKind::cpu);
+    Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuCoreUtilizations = {0.5, 1}});
     QVERIFY(cpu.card.coreBars()->isVisible());
     QCOMPARE(cpu.card.coreBars()->shown().values, (std::vector<double>{0.5, 1}));
@@ -98,20 +98,19 @@ void TestUtilizationCard::showsNoCoresButTheCPUs()
     QVERIFY(!cpu.card.coreBars()->isVisible());
     cpu.card.show({}, {});
     QVERIFY(!cpu.card.coreBars()->isVisible());
-    Shown gpu(UtilizationKind::gpu);
+    Shown gpu(ComputeUnit::gpu);
     gpu.show({.cpuCoreUtilizations = {0.5, 1}});
     QVERIFY(!gpu.card.coreBars()->isVisible());
 }
 
 void TestUtilizationCard::placesItsParts()
 {
-    for (const UtilizationKind kind :
-         {UtilizationKind::cpu, UtilizationKind::gpu, UtilizationKind::ane}) {
+    for (const ComputeUnit kind : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
         Shown shown(kind);
         shown.show({.cpuCoreUtilizations = {0.5, 1}});
         QCOMPARE(shown.card.chart()->geometry(), QRect(16, 110, 368, 100));
     }
-    Shown cpu(UtilizationKind::cpu);
+    Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuCoreUtilizations = {0.5, 1}});
     QVERIFY(cpu.card.coreBars()->x() >= 16 + 96 + 16);
     QCOMPARE(cpu.card.coreBars()->geometry().right() + 1, 384);
@@ -121,7 +120,7 @@ void TestUtilizationCard::placesItsParts()
 
 void TestUtilizationCard::keepsBarsStillWhenTheFigureGrows()
 {
-    Shown cpu(UtilizationKind::cpu);
+    Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuActiveFraction = 0.01, .cpuCoreUtilizations = {0.5}});
     const QRect before = cpu.card.coreBars()->geometry();
     cpu.show({.cpuActiveFraction = 1, .cpuCoreUtilizations = {0.5}});
@@ -142,7 +141,7 @@ void TestUtilizationCard::dimsAnAbsentFigure()
         }
         return most;
     };
-    Shown shown(UtilizationKind::gpu);
+    Shown shown(ComputeUnit::gpu);
     shown.show({});
     QVERIFY(strength(shown) > 245);
     shown.card.show({}, {});
@@ -152,7 +151,7 @@ void TestUtilizationCard::dimsAnAbsentFigure()
 
 void TestUtilizationCard::chartsTheLoad()
 {
-    Shown shown(UtilizationKind::gpu);
+    Shown shown(ComputeUnit::gpu);
     shown.show({.gpuActiveFraction = 0.5});
     for (const double scale : {1.0, 2.0}) {
         const QImage image = rendered(shown.card, scale);
@@ -170,19 +169,19 @@ void TestUtilizationCard::chartsTheLoad()
 
 void TestUtilizationCard::saysTheHoveredValues_data()
 {
-    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<ComputeUnit>("kind");
     QTest::addColumn<double>("megahertz");
     QTest::addColumn<QString>("values");
-    QTest::newRow("CPU") << UtilizationKind::cpu << 3080.0 << u"39%, 13.89W, 3.08GHz"_s;
-    QTest::newRow("slow CPU") << UtilizationKind::cpu << 999.6 << u"39%, 13.89W, 1000MHz"_s;
-    QTest::newRow("GPU") << UtilizationKind::gpu << 3080.0 << u"90%, 29.92W"_s;
+    QTest::newRow("CPU") << ComputeUnit::cpu << 3080.0 << u"39%, 13.89W, 3.08GHz"_s;
+    QTest::newRow("slow CPU") << ComputeUnit::cpu << 999.6 << u"39%, 13.89W, 1000MHz"_s;
+    QTest::newRow("GPU") << ComputeUnit::gpu << 3080.0 << u"90%, 29.92W"_s;
     QTest::newRow("Neural Engine at its ceiling")
-        << UtilizationKind::ane << 3080.0 << u"100%, 12.00W"_s;
+        << ComputeUnit::ane << 3080.0 << u"100%, 12.00W"_s;
 }
 
 void TestUtilizationCard::saysTheHoveredValues()
 {
-    QFETCH(UtilizationKind, kind);
+    QFETCH(ComputeUnit, kind);
     QFETCH(double, megahertz);
     Shown shown(kind);
     shown.show({.cpuWatts = 13.89,
@@ -202,7 +201,7 @@ void TestUtilizationCard::saysTheHoveredValues()
 
 void TestUtilizationCard::repaintsOnlyWhatChanged()
 {
-    Shown shown(UtilizationKind::cpu);
+    Shown shown(ComputeUnit::cpu);
     const ChipReading chip{.cpuActiveFraction = 0.4, .cpuActiveMHz = 3000};
     shown.show(chip);
     QCoreApplication::processEvents();
@@ -236,23 +235,22 @@ void TestUtilizationCard::repaintsAllThatMoved_data()
     oneCore.cpuCoreUtilizations[3] = 0.2;
     ChipReading moreCores = busy;
     moreCores.cpuCoreUtilizations.resize(40, 0.5);
-    QTest::addColumn<UtilizationKind>("kind");
+    QTest::addColumn<ComputeUnit>("kind");
     QTest::addColumn<ChipReading>("before");
     QTest::addColumn<ChipReading>("after");
-    for (const UtilizationKind kind :
-         {UtilizationKind::cpu, UtilizationKind::gpu, UtilizationKind::ane}) {
+    for (const ComputeUnit kind : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
         const int number = static_cast<int>(kind);
         QTest::addRow("kind %d gets busy", number) << kind << idle << busy;
         QTest::addRow("kind %d gets idle", number) << kind << busy << idle;
     }
-    QTest::newRow("one core alone") << UtilizationKind::cpu << busy << oneCore;
-    QTest::newRow("another number of cores") << UtilizationKind::cpu << busy << moreCores;
+    QTest::newRow("one core alone") << ComputeUnit::cpu << busy << oneCore;
+    QTest::newRow("another number of cores") << ComputeUnit::cpu << busy << moreCores;
 }
 
 /// What is on the screen after a change in parts is what a fresh painting shows.
 void TestUtilizationCard::repaintsAllThatMoved()
 {
-    QFETCH(UtilizationKind, kind);
+    QFETCH(ComputeUnit, kind);
     QFETCH(ChipReading, before);
     QFETCH(ChipReading, after);
     Shown shown(kind);
@@ -273,7 +271,7 @@ void TestUtilizationCard::bearsManyCores()
 {
     QFETCH(int, cores);
     QFETCH(int, width);
-    Shown shown(UtilizationKind::cpu);
+    Shown shown(ComputeUnit::cpu);
     shown.card.resize(width, 176);
     shown.show({.cpuCoreUtilizations = std::vector<double>(static_cast<std::size_t>(cores), 1)});
     const QImage image = rendered(shown.card, 2);

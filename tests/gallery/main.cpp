@@ -172,16 +172,16 @@ bool cards(const Gallery &gallery)
         card->show(scriptedCurrent(), scriptedHistory());
         return card;
     });
-    const auto utilization = [&](UtilizationKind kind, const QString &name) {
+    const auto utilization = [&](ComputeUnit kind, const QString &name) {
         return saveCard(gallery, name, narrow, [kind](QWidget *parent) {
             auto *card = new UtilizationCard(kind, parent, chip);
             card->show(scriptedCurrent(), scriptedHistory());
             return card;
         });
     };
-    good &= utilization(UtilizationKind::cpu, u"card-cpu"_s);
-    good &= utilization(UtilizationKind::gpu, u"card-gpu"_s);
-    good &= utilization(UtilizationKind::ane, u"card-ane"_s);
+    good &= utilization(ComputeUnit::cpu, u"card-cpu"_s);
+    good &= utilization(ComputeUnit::gpu, u"card-gpu"_s);
+    good &= utilization(ComputeUnit::ane, u"card-ane"_s);
     good &= saveCard(gallery, u"card-workloads"_s, tall, [](QWidget *parent) {
         auto *card = new AIWorkloadsCard(parent);
         card->show(scriptedWorkloads());
