@@ -300,7 +300,8 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
 {
     constexpr double inset = 4;
     constexpr double tagMargin = 3;
-    constexpr double tagHeight = 12;
+    const TextLine tag{height() - 13.0, 12};
+    const double baseline = tag.baseline(labelFont());
     std::array<double, 3> widths = {};
     std::ranges::transform(m_timeLabels, widths.begin(),
                            [](const QString &label) { return textWidth(label, labelFont()); });
@@ -311,11 +312,10 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
         if (m_timeLabels[i].isEmpty() || (i == 1 && free < 4 * tagMargin))
             continue; // The middle one gives way where it would touch the others.
         fillRounded(painter,
-                    QRectF(lefts[i] - tagMargin, height() - 1 - tagHeight,
-                           widths[i] + 2 * tagMargin, tagHeight),
-                    3, Theme::timeLabelTag);
+                    QRectF(lefts[i] - tagMargin, tag.top, widths[i] + 2 * tagMargin, tag.height), 3,
+                    Theme::timeLabelTag);
         painter.setPen(Theme::timeLabel);
-        drawText(painter, {lefts[i], height() - 3.75}, m_timeLabels[i], labelFont());
+        drawText(painter, {lefts[i], baseline}, m_timeLabels[i], labelFont());
     }
 }
 

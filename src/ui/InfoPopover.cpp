@@ -23,8 +23,7 @@ constexpr double arrowGap = 2;        ///< Between the anchor and the arrow's ti
 constexpr double cornerDistance = 20; ///< Of the arrow's middle from the body's sides, at least.
 constexpr double cornerRadius = 10;
 constexpr double padding = 14;
-constexpr double titleHeight = 17;
-constexpr double titleBaseline = 12.45;
+constexpr TextLine titleLine{-0.75, 17};
 constexpr double titleGap = 8;
 constexpr double lineHeight = 16; ///< A line of 14 and 2 between lines.
 
@@ -33,7 +32,7 @@ MarkdownStyle bodyStyle()
     MarkdownStyle style = markdownStyle(11);
     style.lineHeight = lineHeight;
     style.codeBox = {0, 14};
-    style.baseline = 11.5;
+    style.baseline = TextLine{0.5, 14}.baseline(style.plain);
     return style;
 }
 
@@ -136,9 +135,9 @@ InfoPopover::~InfoPopover()
 
 QSize InfoPopover::bodySize() const
 {
-    return {
-        width,
-        static_cast<int>(2 * padding + titleHeight + titleGap + m_layout.lineCount * lineHeight)};
+    return {width,
+            static_cast<int>(2 * padding + titleLine.height + titleGap
+                             + m_layout.lineCount * lineHeight)};
 }
 
 std::vector<AccessibleText> InfoPopover::accessibleTexts() const
@@ -238,9 +237,10 @@ void InfoPopover::paintEvent(QPaintEvent *)
 
     const QPointF origin = m_placement.body.topLeft() - QPointF(pos()) + QPointF(padding, padding);
     painter.setPen(Theme::textPrimary);
-    drawText(painter, origin + QPointF(0, titleBaseline), m_title,
-             Theme::systemFont(13, QFont::DemiBold), Digits::proportional);
-    paintMarkdown(painter, origin + QPointF(0, titleHeight + titleGap), m_layout, m_style,
+    const QFont titleFont = Theme::systemFont(13, QFont::DemiBold);
+    drawText(painter, origin + QPointF(0, titleLine.baseline(titleFont)), m_title, titleFont,
+             Digits::proportional);
+    paintMarkdown(painter, origin + QPointF(0, titleLine.height + titleGap), m_layout, m_style,
                   Theme::textSecondary);
 }
 
