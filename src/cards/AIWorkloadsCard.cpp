@@ -29,9 +29,8 @@ constexpr double tileIconSide = 16;
 constexpr double tileGap = 10;
 constexpr double nameGap = 6;
 constexpr double columnGap = 12; ///< At least, between the texts at the left and at the right.
-constexpr double firstBaseline = 13;
-constexpr double secondBaseline = 28.45;
-constexpr double memoryBaseline = 12.55;
+constexpr TextLine firstLine{0.5, 16}; ///< In a row, as the second.
+constexpr TextLine secondLine{18, 14};
 
 constexpr double tagGap = 8;
 constexpr double tagPadding = 6;
@@ -41,8 +40,8 @@ constexpr double tagRadius = 5;
 // The empty state: icon, line and hint, one block in the middle of the body.
 constexpr double emptyIconSide = 24;
 constexpr double emptyHeight = 68;
-constexpr double emptyLineBaseline = 46;
-constexpr double emptyHintBaseline = 65;
+constexpr TextLine emptyLine{34, 15.5};
+constexpr TextLine emptyHintLine{54, 14};
 
 bool hasModel(const AIWorkload &workload)
 {
@@ -145,13 +144,13 @@ void AIWorkloadsCard::layOut()
 {
     m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
     m_count.baseline = {titleText().bounds().right() + tagGap + tagPadding - 2,
-                        titleText().baseline.y() - 0.5};
+                        TextLine{CardStyle::padding, headerHeight}.baseline(m_count.font)};
     const QRectF icon = emptyIconRect();
     const double contentWidth = contentRight() - contentLeft();
     for (CardText *line : {&m_emptyLine, &m_emptyHint})
         line->mostWidth = contentWidth;
-    m_emptyLine.baseline = {width() / 2.0, icon.top() + emptyLineBaseline};
-    m_emptyHint.baseline = {width() / 2.0, icon.top() + emptyHintBaseline};
+    m_emptyLine.baseline = {width() / 2.0, icon.top() + emptyLine.baseline(m_emptyLine.font)};
+    m_emptyHint.baseline = {width() / 2.0, icon.top() + emptyHintLine.baseline(m_emptyHint.font)};
 }
 
 QRectF AIWorkloadsCard::tagRect() const
@@ -188,31 +187,37 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     paintIcon(painter, symbol(workload.framework), tile.adjusted(inset, inset, -inset, -inset),
               color);
 
-    const CardText memory{.text = ByteFormatter::f().string(workload.memory),
-                          .font = Theme::systemFont(11, QFont::DemiBold),
-                          .color = Theme::textPrimary,
-                          .side = Qt::AlignRight,
-                          .baseline = {place.right(), place.top() + memoryBaseline}};
+    const QFont memoryFont = Theme::systemFont(11, QFont::DemiBold);
+    const QFont frameworkFont = Theme::systemFont(12, QFont::DemiBold);
+    const QFont pidFont = Theme::systemFont(9);
+    const double firstBaseline = place.top() + firstLine.baseline(frameworkFont);
+    const double secondBaseline = place.top() + secondLine.baseline(pidFont);
+    const CardText memory{
+        .text = ByteFormatter::f().string(workload.memory),
+        .font = memoryFont,
+        .color = Theme::textPrimary,
+        .side = Qt::AlignRight,
+        .baseline = {place.right(), place.top() + firstLine.baseline(memoryFont)}};
     const CardText pid{.text = pidText(workload),
-                       .font = Theme::systemFont(9),
+                       .font = pidFont,
                        .color = Theme::textTertiary,
                        .side = Qt::AlignRight,
-                       .baseline = {place.right(), place.top() + secondBaseline}};
+                       .baseline = {place.right(), secondBaseline}};
     const double textLeft = tile.right() + tileGap;
     const double textEnd = place.right() - std::max(memory.width(), pid.width()) - columnGap;
     const CardText framework{.text = displayName(workload.framework),
-                             .font = Theme::systemFont(12, QFont::DemiBold),
+                             .font = frameworkFont,
                              .color = color,
-                             .baseline = {textLeft, place.top() + firstBaseline},
+                             .baseline = {textLeft, firstBaseline},
                              .mostWidth = textEnd - textLeft};
     const double nameLeft = textLeft + framework.width() + nameGap;
     const CardText name{.text = workload.processName,
                         .font = Theme::systemFont(11),
                         .color = Theme::textSecondary,
-                        .baseline = {nameLeft, place.top() + firstBaseline},
+                        .baseline = {nameLeft, firstBaseline},
                         .mostWidth = std::max(textEnd - nameLeft, 1.0)};
     CardText model = modelCardText(workload);
-    model.baseline = {textLeft, place.top() + secondBaseline};
+    model.baseline = {textLeft, secondBaseline};
     model.mostWidth = textEnd - textLeft;
     for (const CardText &text : {memory, pid, framework, name, model})
         text.paint(painter);

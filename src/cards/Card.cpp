@@ -17,9 +17,12 @@ namespace {
 
 constexpr int iconSide = 16;
 constexpr int iconGap = 6;
-constexpr double titleBaseline = 29;
-constexpr double statBaseline = 28.55;
 constexpr int statGap = 8; ///< Between a text of the header line and the info glyph.
+
+QFont statFont()
+{
+    return Theme::systemFont(11);
+}
 
 } // namespace
 
@@ -30,11 +33,13 @@ Card::Card(const Heading &heading, const InfoText &info, QWidget *parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(heading.title);
-    addText({.text = heading.title,
-             .font = Theme::systemFont(13, QFont::DemiBold),
-             .color = heading.color,
-             .digits = Digits::proportional,
-             .baseline = {CardStyle::padding + iconSide + iconGap, titleBaseline}});
+    const QFont titleFont = Theme::systemFont(13, QFont::DemiBold);
+    addText(
+        {.text = heading.title,
+         .font = titleFont,
+         .color = heading.color,
+         .digits = Digits::proportional,
+         .baseline = {CardStyle::padding + iconSide + iconGap, headerLine.baseline(titleFont)}});
 }
 
 std::vector<AccessibleText> Card::accessibleTexts() const
@@ -96,7 +101,8 @@ void Card::updateShape(const QRectF &before, const QRectF &now)
 
 QPointF Card::headerStatEnd() const
 {
-    return {m_infoButton->x() + InfoButton::glyph().left() - statGap, statBaseline};
+    return {m_infoButton->x() + InfoButton::glyph().left() - statGap,
+            headerLine.baseline(statFont())};
 }
 
 double Card::headerStatWidth() const
@@ -106,10 +112,8 @@ double Card::headerStatWidth() const
 
 CardText Card::headerStat(const QString &name)
 {
-    return {.name = name,
-            .font = Theme::systemFont(11),
-            .color = Theme::textSecondary,
-            .side = Qt::AlignRight};
+    return {
+        .name = name, .font = statFont(), .color = Theme::textSecondary, .side = Qt::AlignRight};
 }
 
 double Card::contentLeft() const

@@ -2,6 +2,7 @@
 
 #include "cards/CardText.h"
 #include "ui/AccessibleWidget.h"
+#include "ui/CardStyle.h"
 
 #include <deque>
 
@@ -73,6 +74,9 @@ protected:
     void moveEvent(QMoveEvent *event) override;
 
 private:
+    /// Half a point above the middle of the header looks like its middle.
+    static constexpr TextLine headerLine{CardStyle::padding - 0.5, headerHeight};
+
     void placeHeader();
 
     Heading m_heading;

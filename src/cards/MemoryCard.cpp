@@ -22,20 +22,18 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr double badgeBaseline = 28.5;
 constexpr double badgeDotSize = 6;
 constexpr double badgeGap = 5;
-constexpr double figureBaseline = 79.55;
+constexpr TextLine figureLine{45.5, 36};
 constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
 constexpr double percentGap = 3;
 constexpr double barTop = 94;
 constexpr double barHeight = 10;
-constexpr double chipTop = 116;
-constexpr double chipHeight = 14;
-constexpr double chipBaseline = 126.45;
+constexpr TextLine chipLine{115.75, 14};
+constexpr double chipDotTop = 120;
 constexpr double chipDotSize = 6;
 constexpr double chipGap = 4; ///< Dot to label and label to value.
-constexpr double swapBaseline = 152.55;
+constexpr TextLine swapLine{141.5, 14};
 constexpr double swapGap = 6;
 constexpr int chartTop = 168;
 
@@ -180,10 +178,12 @@ PillContent MemoryCard::pill(std::size_t index) const
 
 void MemoryCard::layOut()
 {
-    m_badge.baseline = {headerStatEnd().x(), badgeBaseline};
-    m_figure.baseline = {contentLeft() + figureShift, figureBaseline};
+    const TextLine header{CardStyle::padding, headerHeight};
+    m_badge.baseline = {headerStatEnd().x(), header.baseline(m_badge.font)};
+    m_figure.baseline = {contentLeft() + figureShift, figureLine.baseline(m_figure.font)};
     placeFigure();
     placeChips();
+    const double swapBaseline = swapLine.baseline(m_swap.font);
     m_swapLabel.baseline = {contentLeft(), swapBaseline};
     m_swap.baseline = {contentLeft() + m_swapLabel.width() + swapGap, swapBaseline};
     m_swap.mostWidth = contentRight() - m_swap.baseline.x();
@@ -194,7 +194,7 @@ void MemoryCard::layOut()
 void MemoryCard::placeFigure()
 {
     moveText(m_percentSign,
-             {m_figure.baseline.x() + m_figure.width() + percentGap, figureBaseline});
+             {m_figure.baseline.x() + m_figure.width() + percentGap, m_figure.baseline.y()});
 }
 
 void MemoryCard::placeChips()
@@ -220,15 +220,16 @@ void MemoryCard::placeChips()
     }
 
     double x = contentLeft();
+    const double baseline = chipLine.baseline(m_chips[0].label->font);
     for (std::size_t i = 0; i < m_chips.size(); ++i) {
         Chip &chip = m_chips[i];
         chip.label->mostWidth = most[i] < labelWidth(chip) ? most[i] : 0;
         const QRectF dotBefore = chipDot(chip);
-        moveText(*chip.label, {x + chipDotSize + chipGap, chipBaseline});
+        moveText(*chip.label, {x + chipDotSize + chipGap, baseline});
         if (chipDot(chip) != dotBefore)
             updateShape(dotBefore, chipDot(chip));
         const double valueLeft = chip.label->baseline.x() + most[i] + chipGap;
-        moveText(*chip.value, {valueLeft, chipBaseline});
+        moveText(*chip.value, {valueLeft, baseline});
         x = valueLeft + chip.value->width() + spacing;
     }
 }
@@ -247,8 +248,7 @@ QRectF MemoryCard::badgeDot() const
 
 QRectF MemoryCard::chipDot(const Chip &chip) const
 {
-    return {chip.label->baseline.x() - chipGap - chipDotSize,
-            chipTop + (chipHeight - chipDotSize) / 2, chipDotSize, chipDotSize};
+    return {chip.label->baseline.x() - chipGap - chipDotSize, chipDotTop, chipDotSize, chipDotSize};
 }
 
 void MemoryCard::paintShapes(QPainter &painter, const QRect &dirty)

@@ -21,7 +21,6 @@ using namespace Qt::StringLiterals;
 
 constexpr int legendHeight = 14;
 constexpr int chartGap = 12;
-constexpr double legendBaseline = 56.45;
 constexpr double legendDot = 6;
 constexpr double legendDotGap = 5;
 constexpr double legendGap = 14; ///< Between entries.
@@ -157,9 +156,10 @@ void PowerCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
     m_stat.mostWidth = headerStatWidth();
+    constexpr TextLine legend{Card::bodyTop - 0.25, legendHeight};
     double x = contentLeft();
     for (CardText *entry : m_legend) {
-        entry->baseline = {x + legendDot + legendDotGap, legendBaseline};
+        entry->baseline = {x + legendDot + legendDotGap, legend.baseline(entry->font)};
         x = entry->baseline.x() + entry->width() + legendGap;
     }
     constexpr int chartTop = bodyTop + legendHeight + chartGap;

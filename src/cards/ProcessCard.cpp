@@ -24,7 +24,6 @@ constexpr double columnGap = 10;
 constexpr double nameWidth = 130;
 constexpr double bytesWidth = 60;
 constexpr double shareWidth = 38;
-constexpr double baseline = 13.55; ///< From a row's top.
 constexpr double barHeight = 6;
 constexpr double shortestFill = 2;
 
@@ -89,9 +88,10 @@ void ProcessCard::layOut()
 void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) const
 {
     const Row &row = m_rows[static_cast<std::size_t>(index)];
-    const double base = place.top() + baseline;
+    const QFont nameFont = Theme::systemFont(11);
+    const double base = TextLine{place.top() - 0.5, rowHeight}.baseline(nameFont);
     CardText text{.text = row.name,
-                  .font = Theme::systemFont(11),
+                  .font = nameFont,
                   .color = Theme::textPrimary,
                   .baseline = {place.left(), base},
                   .mostWidth = nameWidth};

@@ -21,9 +21,9 @@ using namespace Qt::StringLiterals;
 
 constexpr int bandHeight = 52; ///< Figure, subtitle and core bars; the same in all three kinds.
 constexpr int chartGap = 12;
-constexpr double figureBaseline = 74.45;
+constexpr TextLine figureLine{46.125, 32};
 constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
-constexpr double subtitleBaseline = 94.55;
+constexpr TextLine subtitleLine{83.5, 14};
 constexpr double figureColumn = 96; ///< At least.
 constexpr double barsGap = 16;
 constexpr double absentOpacity = 0.65; ///< An absent reading must not look like a true zero.
@@ -122,8 +122,8 @@ void UtilizationCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
     m_stat.mostWidth = headerStatWidth();
-    m_figure.baseline = {contentLeft() + figureShift, figureBaseline};
-    m_subtitle.baseline = {contentLeft(), subtitleBaseline};
+    m_figure.baseline = {contentLeft() + figureShift, figureLine.baseline(m_figure.font)};
+    m_subtitle.baseline = {contentLeft(), subtitleLine.baseline(m_subtitle.font)};
     const double widest = textWidth(u"100%"_s, m_figure.font, m_figure.digits);
     const double column = std::max(figureColumn, widest + figureShift);
     m_subtitle.mostWidth = m_kind == Kind::cpu ? column : contentRight() - contentLeft();
