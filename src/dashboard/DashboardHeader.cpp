@@ -19,10 +19,10 @@ using namespace Qt::StringLiterals;
 constexpr double logoSide = 28;
 constexpr double gap = 12; ///< Between the items of the line.
 constexpr double statGap = 18;
-constexpr double nameBaseline = 15;
-constexpr double chipBaseline = 31;
-constexpr double labelBaseline = 9.95;
-constexpr double valueBaseline = 27.95;
+constexpr TextLine nameLine{0, 18};
+constexpr TextLine chipLine{20, 14};
+constexpr TextLine labelLine{0, 13};
+constexpr TextLine valueLine{15, 17};
 
 CardText statLabel(const QString &text)
 {
@@ -54,14 +54,12 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
       m_name{.text = u"Corvane"_s,
              .font = Theme::systemFont(16, QFont::DemiBold),
              .color = Theme::textPrimary,
-             .digits = Digits::proportional,
-             .baseline = {logoSide + gap, nameBaseline}},
+             .digits = Digits::proportional},
       m_chip{.name = u"Chip"_s,
              .text = singleLine(chipName),
              .font = Theme::systemFont(11),
              .color = Theme::textSecondary,
-             .digits = Digits::proportional,
-             .baseline = {logoSide + gap, chipBaseline}},
+             .digits = Digits::proportional},
       m_stats{QuickStat{statLabel(u"MEM"_s), statValue(u"Memory"_s, Theme::memory), 34},
               QuickStat{statLabel(u"CPU"_s), statValue(u"CPU"_s, Theme::cpu), 34},
               QuickStat{statLabel(u"GPU"_s), statValue(u"GPU"_s, Theme::gpu), 34},
@@ -70,6 +68,8 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Corvane"_s);
     m_name.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.1);
+    m_name.baseline = {logoSide + gap, nameLine.baseline(m_name.font)};
+    m_chip.baseline = {logoSide + gap, chipLine.baseline(m_chip.font)};
 }
 
 void DashboardHeader::show(const SystemMetrics &current)
@@ -110,9 +110,10 @@ void DashboardHeader::layOut()
 {
     double right = width();
     for (std::size_t i = m_stats.size(); i-- > 0;) {
-        m_stats[i].label.baseline = {right, labelBaseline};
-        m_stats[i].value.baseline = {right, valueBaseline};
-        right -= m_stats[i].width() + statGap;
+        QuickStat &stat = m_stats[i];
+        stat.label.baseline = {right, labelLine.baseline(stat.label.font)};
+        stat.value.baseline = {right, valueLine.baseline(stat.value.font)};
+        right -= stat.width() + statGap;
     }
     m_chip.mostWidth = std::max(right - m_chip.baseline.x(), 1.0);
     update();
