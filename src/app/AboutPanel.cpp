@@ -20,11 +20,10 @@ using namespace Qt::StringLiterals;
 
 constexpr int side = 300;
 constexpr QRectF sign{114, 26, 72, 72};
-constexpr double nameBaseline = 127.5;
-constexpr double versionBaseline = 146;
-constexpr double creditsBaseline = 175;
-constexpr double creditsLine = 15;
-constexpr double copyrightBaseline = 277;
+constexpr TextLine nameLine{112.75, 18};
+constexpr TextLine versionLine{135, 14};
+constexpr TextLine firstCreditsLine{163.5, 15};
+constexpr TextLine copyrightLine{267, 13};
 
 } // namespace
 
@@ -43,15 +42,15 @@ AboutPanel::AboutPanel(const AboutTexts &texts, QWidget *parent) : AccessibleWid
     connect(copyText, &QAction::triggered, this, &AboutPanel::copy);
     addAction(copyText);
 
-    addLine(texts.name, Theme::systemFont(16, QFont::DemiBold), Theme::textPrimary, nameBaseline);
+    addLine(texts.name, Theme::systemFont(16, QFont::DemiBold), Theme::textPrimary, nameLine);
     addLine(u"Version %1 (%2)"_s.arg(texts.version, texts.build), Theme::systemFont(11),
-            Theme::textSecondary, versionBaseline);
-    double baseline = creditsBaseline;
+            Theme::textSecondary, versionLine);
+    TextLine place = firstCreditsLine;
     for (const QString &line : texts.credits.split(u'\n')) {
-        addLine(line, Theme::systemFont(11), Theme::textSecondary, baseline);
-        baseline += creditsLine;
+        addLine(line, Theme::systemFont(11), Theme::textSecondary, place);
+        place.top += place.height;
     }
-    addLine(texts.copyright, Theme::systemFont(10), Theme::textTertiary, copyrightBaseline);
+    addLine(texts.copyright, Theme::systemFont(10), Theme::textTertiary, copyrightLine);
 }
 
 std::vector<AccessibleText> AboutPanel::accessibleTexts() const
@@ -65,13 +64,13 @@ std::vector<AccessibleText> AboutPanel::accessibleTexts() const
 }
 
 void AboutPanel::addLine(const QString &text, const QFont &font, const QColor &color,
-                         double baseline)
+                         const TextLine &place)
 {
     m_lines.push_back({.text = text,
                        .font = font,
                        .color = color,
                        .side = Qt::AlignHCenter,
-                       .baseline = {side / 2.0, baseline}});
+                       .baseline = {side / 2.0, place.baseline(font)}});
 }
 
 void AboutPanel::copy() const

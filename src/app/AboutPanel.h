@@ -24,7 +24,8 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    void addLine(const QString &text, const QFont &font, const QColor &color, double baseline);
+    void addLine(const QString &text, const QFont &font, const QColor &color,
+                 const TextLine &place);
     void copy() const;
 
     std::vector<CardText> m_lines; ///< From top to bottom.
