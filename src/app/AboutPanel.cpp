@@ -57,8 +57,8 @@ std::vector<AccessibleText> AboutPanel::accessibleTexts() const
 {
     std::vector<AccessibleText> texts;
     for (const CardText &line : m_lines) {
-        if (line.isSpoken())
-            texts.push_back(line.spoken());
+        if (line.isAccessible())
+            texts.push_back(line.accessible());
     }
     return texts;
 }
@@ -69,7 +69,7 @@ void AboutPanel::addLine(const QString &text, const QFont &font, const QColor &c
     m_lines.push_back({.text = text,
                        .font = font,
                        .color = color,
-                       .side = Qt::AlignHCenter,
+                       .alignment = Qt::AlignHCenter,
                        .baseline = {side / 2.0, place.baseline(font)}});
 }
 

@@ -28,7 +28,7 @@ constexpr double tileRadius = 8;
 constexpr double tileIconSide = 16;
 constexpr double tileGap = 10;
 constexpr double nameGap = 6;
-constexpr double columnGap = 12; ///< At least, between the texts at the left and at the right.
+constexpr double minColumnGap = 12;    ///< Between the texts at the left and at the right.
 constexpr TextLine firstLine{0.5, 16}; ///< In a row, as the second.
 constexpr TextLine secondLine{18, 14};
 
@@ -37,7 +37,7 @@ constexpr double tagPadding = 6;
 constexpr double tagHeight = 16;
 constexpr double tagRadius = 5;
 
-// The empty state: icon, line and hint, one block in the middle of the body.
+// The empty state: icon, line and hint, centred in the body as one block.
 constexpr double emptyIconSide = 24;
 constexpr double emptyHeight = 68;
 constexpr TextLine emptyLine{34, 15.5};
@@ -82,16 +82,17 @@ AIWorkloadsCard::AIWorkloadsCard(QWidget *parent)
                        .color = Theme::textSecondary})),
       m_emptyLine(addText({.font = Theme::systemFont(12, QFont::Medium),
                            .color = Theme::textPrimary,
-                           .side = Qt::AlignHCenter})),
-      m_emptyHint(addText(
-          {.font = Theme::systemFont(11), .color = Theme::textTertiary, .side = Qt::AlignHCenter})),
+                           .alignment = Qt::AlignHCenter})),
+      m_emptyHint(addText({.font = Theme::systemFont(11),
+                           .color = Theme::textTertiary,
+                           .alignment = Qt::AlignHCenter})),
       m_list(new RowList(u"AI workloads"_s,
                          {.height = rowHeight,
                           .gap = rowGap,
                           .margin = CardStyle::padding,
                           .paint = [this](QPainter &painter, int row,
                                           const QRectF &place) { paintRow(painter, row, place); },
-                          .speak = [this](int row) { return spokenRow(row); }},
+                          .accessibleRow = [this](int row) { return accessibleRow(row); }},
                          this))
 {
     m_list->hide();
@@ -109,7 +110,7 @@ void AIWorkloadsCard::show(const std::vector<AIWorkload> &workloads)
     const std::vector<AIWorkload> previous = std::exchange(m_workloads, std::move(shown));
 
     const QRectF previousTag = tagRect();
-    say(m_count, m_workloads.empty() ? QString() : u"%1 active"_s.arg(m_workloads.size()));
+    setText(m_count, m_workloads.empty() ? QString() : u"%1 active"_s.arg(m_workloads.size()));
     if (tagRect() != previousTag)
         updateShape(previousTag, tagRect());
     if (previous.empty() != m_workloads.empty())
@@ -125,13 +126,13 @@ void AIWorkloadsCard::show(const std::vector<AIWorkload> &workloads)
 void AIWorkloadsCard::showEmptyState(bool empty)
 {
     m_list->setVisible(!empty);
-    say(m_emptyLine, empty ? u"No AI inference detected"_s : QString());
-    say(m_emptyHint,
-        empty ? u"Launch Ollama, MLX, llama.cpp, LM Studio, ComfyUI, vLLM…"_s : QString());
+    setText(m_emptyLine, empty ? u"No AI inference detected"_s : QString());
+    setText(m_emptyHint,
+            empty ? u"Launch Ollama, MLX, llama.cpp, LM Studio, ComfyUI, vLLM…"_s : QString());
     update(emptyIconRect().toAlignedRect());
 }
 
-AccessibleText AIWorkloadsCard::spokenRow(int index) const
+AccessibleText AIWorkloadsCard::accessibleRow(int index) const
 {
     const AIWorkload &workload = m_workloads[static_cast<std::size_t>(index)];
     return {displayName(workload.framework) + u", "_s + workload.processName,
@@ -148,7 +149,7 @@ void AIWorkloadsCard::layOut()
     const QRectF icon = emptyIconRect();
     const double contentWidth = contentRight() - contentLeft();
     for (CardText *line : {&m_emptyLine, &m_emptyHint})
-        line->mostWidth = contentWidth;
+        line->maxWidth = contentWidth;
     m_emptyLine.baseline = {width() / 2.0, icon.top() + emptyLine.baseline(m_emptyLine.font)};
     m_emptyHint.baseline = {width() / 2.0, icon.top() + emptyHintLine.baseline(m_emptyHint.font)};
 }
@@ -196,29 +197,29 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
         .text = ByteFormatter::f().string(workload.memory),
         .font = memoryFont,
         .color = Theme::textPrimary,
-        .side = Qt::AlignRight,
+        .alignment = Qt::AlignRight,
         .baseline = {place.right(), place.top() + firstLine.baseline(memoryFont)}};
     const CardText pid{.text = pidText(workload),
                        .font = pidFont,
                        .color = Theme::textTertiary,
-                       .side = Qt::AlignRight,
+                       .alignment = Qt::AlignRight,
                        .baseline = {place.right(), secondBaseline}};
     const double textLeft = tile.right() + tileGap;
-    const double textEnd = place.right() - std::max(memory.width(), pid.width()) - columnGap;
+    const double textEnd = place.right() - std::max(memory.width(), pid.width()) - minColumnGap;
     const CardText framework{.text = displayName(workload.framework),
                              .font = frameworkFont,
                              .color = color,
                              .baseline = {textLeft, firstBaseline},
-                             .mostWidth = textEnd - textLeft};
+                             .maxWidth = textEnd - textLeft};
     const double nameLeft = textLeft + framework.width() + nameGap;
     const CardText name{.text = workload.processName,
                         .font = Theme::systemFont(11),
                         .color = Theme::textSecondary,
                         .baseline = {nameLeft, firstBaseline},
-                        .mostWidth = std::max(textEnd - nameLeft, 1.0)};
+                        .maxWidth = std::max(textEnd - nameLeft, 1.0)};
     CardText model = modelCardText(workload);
     model.baseline = {textLeft, secondBaseline};
-    model.mostWidth = textEnd - textLeft;
+    model.maxWidth = textEnd - textLeft;
     for (const CardText &text : {memory, pid, framework, name, model})
         text.paint(painter);
 }

@@ -7,8 +7,8 @@ namespace corvane {
 
 class RowList;
 
-/// The processes that were recognised as local AI inference, with framework, model and memory.
-/// Told its data; main thread.
+/// The card of the processes that were recognised as local AI inference, a row each with framework,
+/// model and memory.
 class AIWorkloadsCard : public Card {
     Q_OBJECT
 
@@ -16,6 +16,8 @@ public:
     explicit AIWorkloadsCard(QWidget *parent = nullptr);
 
     using QWidget::show;
+
+    /// Largest first.
     void show(const std::vector<AIWorkload> &workloads);
 
     RowList *list() const { return m_list; }
@@ -26,7 +28,7 @@ protected:
 
 private:
     void showEmptyState(bool empty);
-    AccessibleText spokenRow(int index) const;
+    AccessibleText accessibleRow(int index) const;
     void paintRow(QPainter &painter, int index, const QRectF &place) const;
     QRectF tagRect() const;
     QRectF emptyIconRect() const;
@@ -35,7 +37,7 @@ private:
     CardText &m_emptyLine;
     CardText &m_emptyHint;
     RowList *m_list;
-    std::vector<AIWorkload> m_workloads; ///< Names and models made safe for one line.
+    std::vector<AIWorkload> m_workloads; ///< Names and models as `singleLine` returns them.
 };
 
 } // namespace corvane

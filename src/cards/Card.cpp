@@ -46,8 +46,8 @@ std::vector<AccessibleText> Card::accessibleTexts() const
 {
     std::vector<AccessibleText> texts;
     for (const CardText &text : m_texts) {
-        if (text.isSpoken())
-            texts.push_back(text.spoken());
+        if (text.isAccessible())
+            texts.push_back(text.accessible());
     }
     return texts;
 }
@@ -63,12 +63,12 @@ CardText &Card::addText(const CardText &text)
     return m_texts.emplace_back(text);
 }
 
-void Card::say(CardText &text, const QString &words)
+void Card::setText(CardText &text, const QString &words)
 {
-    say(text, words, text.color);
+    setText(text, words, text.color);
 }
 
-void Card::say(CardText &text, const QString &words, const QColor &color)
+void Card::setText(CardText &text, const QString &words, const QColor &color)
 {
     if (text.text == words && text.color == color)
         return;
@@ -79,9 +79,9 @@ void Card::say(CardText &text, const QString &words, const QColor &color)
 
     int index = 0;
     for (const CardText &other : m_texts) {
-        if (&other == &text && other.isSpoken())
+        if (&other == &text && other.isAccessible())
             announceText(index);
-        index += other.isSpoken() ? 1 : 0;
+        index += other.isAccessible() ? 1 : 0;
     }
 }
 
@@ -112,8 +112,10 @@ double Card::headerStatWidth() const
 
 CardText Card::headerStat(const QString &name)
 {
-    return {
-        .name = name, .font = statFont(), .color = Theme::textSecondary, .side = Qt::AlignRight};
+    return {.name = name,
+            .font = statFont(),
+            .color = Theme::textSecondary,
+            .alignment = Qt::AlignRight};
 }
 
 double Card::contentLeft() const

@@ -11,10 +11,10 @@ namespace corvane {
 class InfoButton;
 struct InfoText;
 
-/// What every card of the dashboard is made of: the frame, the header line with icon, title and
-/// info button, and the texts that a subclass adds. It paints its own piece of the window's
-/// background, so that nothing beneath it is painted when a number changes.
-/// Main thread.
+/// Base of the dashboard's cards: the frame, the header line with icon, title and info button, and
+/// the texts that a subclass adds. A card is opaque: it paints its piece of the window's background
+/// itself, so that the window is not repainted when a number changes. Cards show the data that the
+/// window passes to them and read nothing themselves.
 class Card : public AccessibleWidget {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ public:
 
     std::vector<AccessibleText> accessibleTexts() const override;
 
-    /// The shown text of that name; empty when there is none.
+    /// The text with that accessible name; empty if there is none.
     QString accessibleText(const QString &name) const;
 
 protected:
@@ -38,35 +38,36 @@ protected:
 
     Card(const Heading &heading, const InfoText &info, QWidget *parent);
 
-    /// A text of the card; the reference stays good. An empty one is neither shown nor spoken.
+    /// Adds a text; the reference stays valid as long as the card. An empty text is neither painted
+    /// nor accessible.
     CardText &addText(const CardText &text);
 
-    /// Changes a text and repaints it, if it is another one.
-    void say(CardText &text, const QString &words);
+    /// Replaces the words of a text and repaints it; does nothing if they are the same.
+    void setText(CardText &text, const QString &words);
 
-    /// The same with its colour, which may say something too.
-    void say(CardText &text, const QString &words, const QColor &color);
+    /// The same for words and colour.
+    void setText(CardText &text, const QString &words, const QColor &color);
 
-    /// Moves a text and repaints it, if it stands elsewhere.
+    /// Moves a text and repaints it; does nothing if it is there already.
     void moveText(CardText &text, const QPointF &baseline);
 
-    /// Repaints what a shape covered and what it covers now, with all that antialiasing spreads
-    /// where a point is no whole number of pixels.
+    /// Repaints the places of a shape before and after a change, with a margin for the antialiasing
+    /// at scales where a point is not a whole number of pixels.
     void updateShape(const QRectF &before, const QRectF &now);
 
-    /// Where a text at the right of the header line ends: 8 left of the info glyph.
+    /// Right end of the baseline of a text at the right of the header line.
     QPointF headerStatEnd() const;
-    double headerStatWidth() const; ///< Of the space between the title and that end.
+    double headerStatWidth() const; ///< Room for that text behind the title.
     static CardText headerStat(const QString &name);
     const CardText &titleText() const { return m_texts.front(); }
 
     double contentLeft() const;
     double contentRight() const;
 
-    /// Places what depends on the card's size; called whenever that changes.
+    /// Places what depends on the card's size; called when the size changes.
     virtual void layOut() = 0;
 
-    /// Paints what is not a text, beneath the texts. What lies outside `dirty` is not needed.
+    /// Paints what is not a text, below the texts. Only what intersects `dirty` needs painting.
     virtual void paintShapes(QPainter &painter, const QRect &dirty);
 
     void paintEvent(QPaintEvent *event) override;
@@ -81,7 +82,7 @@ private:
 
     Heading m_heading;
     InfoButton *m_infoButton;
-    std::deque<CardText> m_texts; ///< The title first.
+    std::deque<CardText> m_texts; ///< The title first. A deque, since its elements do not move.
 };
 
 } // namespace corvane

@@ -7,8 +7,8 @@ namespace corvane {
 
 namespace {
 
-/// The text as it is shown. One that is cut has digits of their own widths, since the cut is
-/// reckoned with these.
+/// The text as it is painted. An elided one has proportional digits, since Qt computes the cut with
+/// these.
 struct ShownText {
     QString text;
     Digits digits;
@@ -18,17 +18,17 @@ struct ShownText {
 ShownText shownText(const CardText &line)
 {
     const double width = textWidth(line.text, line.font, line.digits);
-    if (line.mostWidth <= 0 || width <= line.mostWidth)
+    if (line.maxWidth <= 0 || width <= line.maxWidth)
         return {line.text, line.digits, width};
-    const QString cut = elided(line.text, line.font, line.mostWidth);
+    const QString cut = elided(line.text, line.font, line.maxWidth);
     return {cut, Digits::proportional, textWidth(cut, line.font, Digits::proportional)};
 }
 
 double leftEnd(const CardText &line, double width)
 {
-    if (line.side == Qt::AlignRight)
+    if (line.alignment == Qt::AlignRight)
         return line.baseline.x() - width;
-    if (line.side == Qt::AlignHCenter)
+    if (line.alignment == Qt::AlignHCenter)
         return line.baseline.x() - width / 2;
     return line.baseline.x();
 }
@@ -42,7 +42,7 @@ double CardText::width() const
 
 QRectF CardText::bounds() const
 {
-    constexpr double overhang = 2; // Of slanted letters and of antialiasing.
+    constexpr double overhang = 2; // By slanted letters and by antialiasing.
     const QFontMetricsF metrics(font);
     const double shownWidth = width();
     return QRectF(leftEnd(*this, shownWidth), baseline.y() - metrics.ascent(), shownWidth,

@@ -7,22 +7,22 @@
 
 namespace corvane {
 
-/// One line of text that a widget paints: what it says, how it looks and where it stands.
+/// One line of text that a widget paints: its words, its look and its place, in points.
 struct CardText {
-    QString name = {}; ///< What it tells, for a screen reader; empty when it speaks for itself.
+    QString name = {}; ///< Accessible name of the value; empty for a text that needs none.
     QString text = {};
     QFont font = {};
     QColor color = {};
     Digits digits = Digits::fixedWidth;
-    Qt::AlignmentFlag side = Qt::AlignLeft; ///< Or right, or horizontal centre.
-    QPointF baseline = {}; ///< The end of the baseline on that side, or its middle.
-    double mostWidth = 0;  ///< Elided to; 0: as wide as it is.
-    bool silent = false;   ///< A caption that the name of another text repeats.
+    Qt::AlignmentFlag alignment = Qt::AlignLeft; ///< Left, right or horizontally centred.
+    QPointF baseline = {};  ///< Left end, right end or middle of the baseline, by the alignment.
+    double maxWidth = 0;    ///< A wider text is elided; 0: no limit.
+    bool isCaption = false; ///< Its words are the accessible name of another text.
 
-    double width() const;  ///< As shown.
-    QRectF bounds() const; ///< All that painting can touch.
-    bool isSpoken() const { return !text.isEmpty() && !silent; }
-    AccessibleText spoken() const { return {name, text, bounds()}; }
+    double width() const;  ///< Of the text as it is painted.
+    QRectF bounds() const; ///< Encloses every pixel that painting touches.
+    bool isAccessible() const { return !text.isEmpty() && !isCaption; }
+    AccessibleText accessible() const { return {name, text, bounds()}; }
 
     void paint(QPainter &painter) const;
 };

@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// The chart that every card begins with: the instants of the history, oldest first, on a domain
-/// from the first to the last, and no series yet.
+/// A chart with the timestamps of the history (oldest first), an x domain from the first to the
+/// last of them, and no series. The cards add theirs.
 SparklineData historyChart(const std::vector<SystemMetrics> &history);
 
 } // namespace corvane

@@ -11,7 +11,7 @@ std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory)
     const double total = memory.total == 0 ? 1 : static_cast<double>(memory.total);
     const auto wired = static_cast<double>(memory.wired);
     const auto compressed = static_cast<double>(memory.compressed);
-    // The app figure counts wired and compressed memory too; these have pieces of their own.
+    // The app figure includes wired and compressed memory, which have segments of their own.
     const double apps = std::max(static_cast<double>(memory.appMemory) - wired - compressed, 0.0);
 
     std::array<MemorySegment, 4> segments{

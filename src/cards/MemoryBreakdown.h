@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// One piece of the bar that divides the physical memory.
+/// One segment of the bar that divides the physical memory.
 struct MemorySegment {
     double fraction = 0; ///< Of the total, 0…1.
     QColor color = {};
@@ -16,8 +16,8 @@ struct MemorySegment {
     friend bool operator==(const MemorySegment &, const MemorySegment &) = default;
 };
 
-/// Wired, other app memory, compressed and cached, from left to right. Together they fill at most
-/// the whole bar: what is too much is cut from the right. The bar's rest is free memory.
+/// Wired, other app memory, compressed and cached, from left to right. If their sum exceeds the
+/// total, the rightmost segments are cut. The rest of the bar is free memory.
 std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory);
 
 } // namespace corvane

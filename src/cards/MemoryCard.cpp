@@ -83,7 +83,7 @@ MemoryCard::MemoryCard(QWidget *parent)
            parent),
       m_badge(addText({.name = u"Memory pressure"_s,
                        .font = Theme::systemFont(10, QFont::DemiBold),
-                       .side = Qt::AlignRight})),
+                       .alignment = Qt::AlignRight})),
       m_figure(addText({.name = u"Memory used in percent"_s,
                         .font = Theme::systemFont(44, QFont::DemiBold),
                         .color = Theme::textPrimary,
@@ -91,7 +91,7 @@ MemoryCard::MemoryCard(QWidget *parent)
       m_percentSign(addText({.text = u"%"_s,
                              .font = Theme::systemFont(22, QFont::Medium),
                              .color = Theme::textSecondary,
-                             .silent = true})),
+                             .isCaption = true})),
       m_chips{addChip(u"App"_s, Theme::white(0.85)),
               addChip(u"Wired"_s, Theme::withOpacity(Theme::memory, 0.9)),
               addChip(u"Compressed"_s, Theme::withOpacity(Theme::cpu, 0.9)),
@@ -99,7 +99,7 @@ MemoryCard::MemoryCard(QWidget *parent)
       m_swapLabel(addText({.text = u"Swap"_s,
                            .font = Theme::systemFont(11),
                            .color = Theme::textTertiary,
-                           .silent = true})),
+                           .isCaption = true})),
       m_swap(addText(
           {.name = u"Swap"_s, .font = Theme::systemFont(11), .color = Theme::textSecondary})),
       m_chart(new Sparkline(this)),
@@ -116,7 +116,7 @@ MemoryCard::Chip MemoryCard::addChip(const QString &label, const QColor &color)
     CardText &caption = addText({.text = label,
                                  .font = Theme::systemFont(10),
                                  .color = Theme::textSecondary,
-                                 .silent = true});
+                                 .isCaption = true});
     CardText &value = addText({.name = label,
                                .font = Theme::systemFont(10, QFont::DemiBold),
                                .color = Theme::textPrimary});
@@ -133,19 +133,19 @@ void MemoryCard::showFigures(const MemorySnapshot &memory)
 {
     const QRectF previousDot = badgeDot();
     const QColor previousColor = m_badge.color;
-    say(m_badge, pressureText(memory.pressure), pressureColor(memory.pressure));
+    setText(m_badge, pressureText(memory.pressure), pressureColor(memory.pressure));
     if (m_badge.color != previousColor)
         updateShape(previousDot, badgeDot());
 
-    say(m_figure, fixedText(usedPercent(memory), 0));
+    setText(m_figure, fixedText(usedPercent(memory), 0));
     placeFigure();
-    say(m_swap, swapText(memory));
+    setText(m_swap, swapText(memory));
 
     const ByteFormatter &bytes = ByteFormatter::f();
     const std::array<std::uint64_t, 4> counts{memory.appMemory, memory.wired, memory.compressed,
                                               memory.cached};
     for (std::size_t i = 0; i < m_chips.size(); ++i)
-        say(*m_chips[i].value, bytes.string(counts[i]));
+        setText(*m_chips[i].value, bytes.string(counts[i]));
     placeChips();
 
     const std::array<MemorySegment, 4> segments = breakdownSegments(memory);
@@ -186,7 +186,7 @@ void MemoryCard::layOut()
     const double swapBaseline = swapLine.baseline(m_swap.font);
     m_swapLabel.baseline = {contentLeft(), swapBaseline};
     m_swap.baseline = {contentLeft() + m_swapLabel.width() + swapGap, swapBaseline};
-    m_swap.mostWidth = contentRight() - m_swap.baseline.x();
+    m_swap.maxWidth = contentRight() - m_swap.baseline.x();
     m_chart->setGeometry(CardStyle::padding, chartTop, width() - 2 * CardStyle::padding,
                          height() - CardStyle::padding - chartTop);
 }
@@ -199,7 +199,7 @@ void MemoryCard::placeFigure()
 
 void MemoryCard::placeChips()
 {
-    constexpr double leastSpacing = 8;
+    constexpr double minSpacing = 8;
     const double rowWidth = contentRight() - contentLeft();
     const auto labelWidth = [](const Chip &chip) {
         return textWidth(chip.fullLabel, chip.label->font);
@@ -209,8 +209,8 @@ void MemoryCard::placeChips()
         chipsWidth += chipDotSize + 2 * chipGap + labelWidth(chip) + chip.value->width();
     const double spacing = chipSpacing(rowWidth, chipsWidth);
 
-    // What is missing even at the least spacing is taken from the labels, the rightmost first.
-    double missing = std::max(chipsWidth + 3 * leastSpacing - rowWidth, 0.0);
+    // Where even the minimum spacing is too wide, labels are elided, the rightmost first.
+    double missing = std::max(chipsWidth + 3 * minSpacing - rowWidth, 0.0);
     std::array<double, 4> most = {};
     for (std::size_t i = m_chips.size(); i-- > 0;) {
         const double whole = labelWidth(m_chips[i]);
@@ -223,7 +223,7 @@ void MemoryCard::placeChips()
     const double baseline = chipLine.baseline(m_chips[0].label->font);
     for (std::size_t i = 0; i < m_chips.size(); ++i) {
         Chip &chip = m_chips[i];
-        chip.label->mostWidth = most[i] < labelWidth(chip) ? most[i] : 0;
+        chip.label->maxWidth = most[i] < labelWidth(chip) ? most[i] : 0;
         const QRectF dotBefore = chipDot(chip);
         moveText(*chip.label, {x + chipDotSize + chipGap, baseline});
         if (chipDot(chip) != dotBefore)
@@ -271,7 +271,8 @@ void MemoryCard::paintBreakdownBar(QPainter &painter) const
 {
     const QRectF bar = breakdownBar();
     painter.save();
-    // Each piece is the capsule cut to the piece's width: a clip path would leave ragged ends.
+    // Each segment is the whole capsule, clipped to a rectangle: a clip path would leave ragged
+    // ends.
     const auto fill = [&](double from, double to, const QColor &color) {
         const double left =
             snappedToPixels(painter, QPointF(bar.left() + bar.width() * from, 0)).x();

@@ -11,12 +11,12 @@ namespace corvane {
 
 class Sparkline;
 
-/// Space between chips that share a row of that width: 18, or as much less as they need, but never
-/// below 8.
+/// Space between the four chips (dot, label, byte count) of a row: 18 points, or down to 8 where
+/// `chipsWidth`, the sum of their widths, leaves less.
 double chipSpacing(double rowWidth, double chipsWidth);
 
-/// The physical memory: how much is used, for what, how hard the system is pressed for it, and the
-/// window's course. Told its data; main thread.
+/// The card of the physical memory: the used share, its breakdown, the memory pressure, swap, and
+/// the used share over time.
 class MemoryCard : public Card {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private:
         QColor color;
         CardText *label;
         CardText *value;
-        QString fullLabel; ///< The label may be shown elided.
+        QString fullLabel; ///< `label` may be elided.
     };
 
     Chip addChip(const QString &label, const QColor &color);

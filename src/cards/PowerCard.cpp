@@ -94,7 +94,7 @@ PowerCard::PowerCard(QWidget *parent)
         m_legend[i] = &addText({.text = components()[i].label,
                                 .font = Theme::systemFont(10, QFont::Medium),
                                 .color = Theme::textSecondary,
-                                .silent = true});
+                                .isCaption = true});
     }
     m_chart->setAccessibleName(u"Power of CPU, GPU and ANE over time"_s);
     m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
@@ -104,7 +104,7 @@ void PowerCard::show(const SystemMetrics &current, const std::vector<SystemMetri
 {
     const double peak = peakTotal(history);
     raiseYMax(peak);
-    say(m_stat, powerStatText(peak, current.chip));
+    setText(m_stat, powerStatText(peak, current.chip));
     showChart(history);
 }
 
@@ -155,7 +155,7 @@ PillContent PowerCard::pill(std::size_t index) const
 void PowerCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
-    m_stat.mostWidth = headerStatWidth();
+    m_stat.maxWidth = headerStatWidth();
     constexpr TextLine legend{Card::bodyTop - 0.25, legendHeight};
     double x = contentLeft();
     for (CardText *entry : m_legend) {

@@ -10,15 +10,16 @@ namespace corvane {
 
 class Sparkline;
 
-/// The highest total of the window in watts, each sample averaged with its neighbours so that a
-/// single spike does not set the scale. 0 for an empty history.
+/// The highest total power of the history in watts, each sample averaged with its neighbours so
+/// that a single spike does not set the scale. 0 for an empty history.
 double peakTotal(const std::vector<SystemMetrics> &history);
 
-/// Upper bound of a chart with that peak: some room above it, rounded up to an even figure.
+/// Upper bound in watts of a chart with that peak: 18 % above it, rounded up to 5, 10 or a multiple
+/// of 5, 10 or 25.
 double powerScale(double peak);
 
-/// The chip's compute power as a stacked chart of CPU, GPU and Neural Engine. Its scale only grows
-/// while the card lives. Told its data; main thread.
+/// The card of the compute power: a stacked chart of CPU, GPU and Neural Engine. Its scale never
+/// shrinks while the card exists.
 class PowerCard : public Card {
     Q_OBJECT
 
@@ -30,7 +31,7 @@ public:
     /// History oldest first.
     void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
 
-    /// Raises the scale as `show` does, without showing anything.
+    /// Raises the scale as `show` does and changes nothing else.
     void recomputeYMax(const std::vector<SystemMetrics> &history);
 
     double stableYMax() const { return m_stableYMax; }

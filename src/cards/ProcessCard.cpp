@@ -25,7 +25,7 @@ constexpr double nameWidth = 130;
 constexpr double bytesWidth = 60;
 constexpr double shareWidth = 38;
 constexpr double barHeight = 6;
-constexpr double shortestFill = 2;
+constexpr double minFill = 2;
 
 } // namespace
 
@@ -40,14 +40,14 @@ ProcessCard::ProcessCard(QWidget *parent)
       m_empty(addText({.text = u"No process data yet"_s,
                        .font = Theme::systemFont(11),
                        .color = Theme::textSecondary,
-                       .side = Qt::AlignHCenter})),
+                       .alignment = Qt::AlignHCenter})),
       m_list(new RowList(
           u"Processes"_s,
           {.height = rowHeight,
            .margin = CardStyle::padding,
            .paint = [this](QPainter &painter, int row,
                            const QRectF &place) { paintRow(painter, row, place); },
-           .speak =
+           .accessibleRow =
                [this](int row) {
                    const Row &shown = m_rows[static_cast<std::size_t>(row)];
                    return AccessibleText{shown.name, shown.bytes + u", "_s + shown.share};
@@ -67,7 +67,7 @@ void ProcessCard::show(const std::vector<ProcessRow> &processes, std::uint64_t t
                         fixedText(footprintFraction(process.memory, totalMemory) * 100, 1) + u'%',
                         std::min(footprintFraction(process.memory, largest), 1.0)});
     }
-    say(m_empty, rows.empty() ? u"No process data yet"_s : QString());
+    setText(m_empty, rows.empty() ? u"No process data yet"_s : QString());
 
     const std::vector<Row> previous = std::exchange(m_rows, std::move(rows));
     m_list->setRowCount(static_cast<int>(m_rows.size()));
@@ -94,7 +94,7 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
                   .font = nameFont,
                   .color = Theme::textPrimary,
                   .baseline = {place.left(), base},
-                  .mostWidth = nameWidth};
+                  .maxWidth = nameWidth};
     text.paint(painter);
 
     const double shareEnd = place.right();
@@ -105,7 +105,7 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
     fillRounded(painter, bar, barHeight / 2, Theme::track);
 
     QRectF fill = bar;
-    fill.setWidth(std::max(bar.width() * row.fraction, shortestFill));
+    fill.setWidth(std::max(bar.width() * row.fraction, minFill));
     QLinearGradient gradient(fill.topLeft(), fill.topRight());
     gradient.setColorAt(0, Theme::withOpacity(Theme::memory, 0.85));
     gradient.setColorAt(1, Theme::withOpacity(Theme::memory, 0.45));

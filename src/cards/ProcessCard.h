@@ -7,8 +7,8 @@ namespace corvane {
 
 class RowList;
 
-/// The processes with the largest memory footprints, a row each with a bar relative to the largest
-/// of them. Told its data; main thread.
+/// The card of the processes with the largest memory footprints, a row each with a bar relative to
+/// the largest of them.
 class ProcessCard : public Card {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
 
     using QWidget::show;
 
-    /// Largest first. `totalMemory` is the machine's, in bytes.
+    /// Largest first. `totalMemory` is the machine's, in bytes, for the shares.
     void show(const std::vector<ProcessRow> &processes, std::uint64_t totalMemory);
 
     RowList *list() const { return m_list; }
@@ -26,12 +26,12 @@ protected:
     void layOut() override;
 
 private:
-    /// One row as it is shown.
+    /// The texts of one row.
     struct Row {
         QString name = {};
         QString bytes = {};
         QString share = {};
-        double fraction = 0; ///< Of the largest process.
+        double fraction = 0; ///< Relative to the largest process, 0…1.
 
         friend bool operator==(const Row &, const Row &) = default;
     };
@@ -43,7 +43,7 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// `memory` in relation to the largest footprint, 0…1; 0 when that is 0.
+/// `memory` as a fraction of `largest`; 0 if that is 0.
 double footprintFraction(std::uint64_t memory, std::uint64_t largest);
 
 } // namespace corvane

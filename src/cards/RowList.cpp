@@ -17,13 +17,14 @@ namespace {
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
-constexpr double ringInset = 3;  ///< From both side edges: no row and no thumb is under the ring.
-constexpr double shortestThumb = 24;
+constexpr double ringInset =
+    3; ///< From the left and right edges: the ring covers no row and no thumb.
+constexpr double minThumbHeight = 24;
 constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
 
 } // namespace
 
-int RowGeometry::mostOffset() const
+int RowGeometry::maxOffset() const
 {
     return std::max(contentHeight() - viewHeight, 0);
 }
@@ -35,11 +36,11 @@ int RowGeometry::top(int row, int offset) const
 
 std::pair<double, double> RowGeometry::thumb(int offset) const
 {
-    if (mostOffset() == 0)
+    if (maxOffset() == 0)
         return {0, 0};
     const double view = viewHeight;
-    const double height = std::min(std::max(view * view / contentHeight(), shortestThumb), view);
-    return {(view - height) * offset / mostOffset(), height};
+    const double height = std::min(std::max(view * view / contentHeight(), minThumbHeight), view);
+    return {(view - height) * offset / maxOffset(), height};
 }
 
 RowList::RowList(const QString &name, Rows rows, QWidget *parent)
@@ -57,7 +58,7 @@ void RowList::setRowCount(int count)
     if (count == m_geometry.count)
         return;
     m_geometry.count = count;
-    m_offset = std::min(m_offset, m_geometry.mostOffset());
+    m_offset = std::min(m_offset, m_geometry.maxOffset());
     update();
 }
 
@@ -70,7 +71,7 @@ void RowList::updateRow(int row)
 
 void RowList::scrollTo(int offset)
 {
-    offset = std::clamp(offset, 0, m_geometry.mostOffset());
+    offset = std::clamp(offset, 0, m_geometry.maxOffset());
     if (offset == m_offset)
         return;
     m_offset = offset;
@@ -81,7 +82,7 @@ std::vector<AccessibleText> RowList::accessibleTexts() const
 {
     std::vector<AccessibleText> texts;
     for (int row = 0; row < m_geometry.count; ++row) {
-        texts.push_back(m_rows.speak(row));
+        texts.push_back(m_rows.accessibleRow(row));
         texts.back().place = rowRect(row);
     }
     return texts;
@@ -105,7 +106,7 @@ void RowList::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF dirty = event->rect();
     QRectF plain = rect();
-    if (m_offset < m_geometry.mostOffset()) {
+    if (m_offset < m_geometry.maxOffset()) {
         plain.setBottom(plain.bottom() - fadeHeight);
         paintFade(painter, QRectF(rect()).adjusted(0, plain.height(), 0, 0));
     }
@@ -113,7 +114,7 @@ void RowList::paintEvent(QPaintEvent *event)
     paintRows(painter, plain & dirty);
     painter.restore();
 
-    if (m_geometry.mostOffset() > 0)
+    if (m_geometry.maxOffset() > 0)
         fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb);
     if (hasFocus())
         paintFocusRing(painter, QRectF(rect()).adjusted(ringInset, 0, -ringInset, 0), 7);
@@ -124,7 +125,7 @@ void RowList::paintRows(QPainter &painter, const QRectF &part) const
     for (int row = 0; row < m_geometry.count; ++row) {
         if (!rowRect(row).intersects(part))
             continue;
-        // A name of nothing but stacked accents would reach far into other rows.
+        // A name of stacked accents would reach far into other rows.
         painter.setClipRect(rowRect(row) & part);
         m_rows.paint(painter, row, rowRect(row));
     }
@@ -152,16 +153,16 @@ void RowList::paintFade(QPainter &painter, const QRectF &part) const
 void RowList::resizeEvent(QResizeEvent *)
 {
     m_geometry.viewHeight = height();
-    m_offset = std::min(m_offset, m_geometry.mostOffset());
+    m_offset = std::min(m_offset, m_geometry.maxOffset());
 }
 
 void RowList::wheelEvent(QWheelEvent *event)
 {
     int points = event->pixelDelta().y();
     if (points == 0) {
-        m_wheelRest += event->angleDelta().y();
-        points = m_wheelRest / eighthsOfDegreePerPoint;
-        m_wheelRest %= eighthsOfDegreePerPoint;
+        m_wheelRemainder += event->angleDelta().y();
+        points = m_wheelRemainder / eighthsOfDegreePerPoint;
+        m_wheelRemainder %= eighthsOfDegreePerPoint;
     }
     scrollTo(m_offset - points);
     event->accept();
@@ -183,7 +184,7 @@ void RowList::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Home:
         return scrollTo(0);
     case Qt::Key_End:
-        return scrollTo(m_geometry.mostOffset());
+        return scrollTo(m_geometry.maxOffset());
     default:
         AccessibleWidget::keyPressEvent(event);
     }
@@ -191,23 +192,23 @@ void RowList::keyPressEvent(QKeyEvent *event)
 
 void RowList::mousePressEvent(QMouseEvent *event)
 {
-    // A little wider than the thumb, which is thin.
+    // A target wider than the thin thumb.
     if (thumbRect().adjusted(-thumbInset, 0, thumbInset, 0).contains(event->position()))
-        m_dragged = event->position().y() - thumbRect().top();
+        m_dragOffset = event->position().y() - thumbRect().top();
 }
 
 void RowList::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_dragged)
+    if (!m_dragOffset)
         return;
     const double way = height() - thumbRect().height();
     if (way > 0)
-        scrollTo(qRound((event->position().y() - *m_dragged) / way * m_geometry.mostOffset()));
+        scrollTo(qRound((event->position().y() - *m_dragOffset) / way * m_geometry.maxOffset()));
 }
 
 void RowList::mouseReleaseEvent(QMouseEvent *)
 {
-    m_dragged.reset();
+    m_dragOffset.reset();
 }
 
 void RowList::focusInEvent(QFocusEvent *)

@@ -8,7 +8,7 @@ class QPainter;
 
 namespace corvane {
 
-/// Where the rows of a list lie. Plain arithmetic without a widget.
+/// Geometry of a list of equally high rows, in points. Plain arithmetic without a widget.
 struct RowGeometry {
     int rowHeight = 0;
     int gap = 0; ///< Between rows.
@@ -16,17 +16,16 @@ struct RowGeometry {
     int viewHeight = 0;
 
     int contentHeight() const { return count > 0 ? count * (rowHeight + gap) - gap : 0; }
-    int mostOffset() const;             ///< How far the list can be scrolled; 0 when all fits.
-    int top(int row, int offset) const; ///< In the view.
+    int maxOffset() const;              ///< Of scrolling; 0 if all rows fit.
+    int top(int row, int offset) const; ///< Relative to the view.
 
-    /// Top and height of the scroll thumb; no height when all fits.
+    /// Top and height of the scroll thumb; the height is 0 if all rows fit.
     std::pair<double, double> thumb(int offset) const;
 };
 
-/// A scrolling list of painted rows, as tall as its place allows: it fades out at its foot while
-/// there is more below, and shows how far it is with a thin thumb in its right margin. The wheel,
-/// the keys and a drag of the thumb scroll it. The card that owns it paints and speaks the rows.
-/// Main thread.
+/// A scrolling list of painted rows. It fades out at the bottom while there are more rows below,
+/// and shows the position with a thin thumb in its right margin. Wheel, keys and dragging the thumb
+/// scroll it. The card that owns it provides what the rows look like and their accessible texts.
 class RowList : public AccessibleWidget {
     Q_OBJECT
 
@@ -36,10 +35,10 @@ public:
     struct Rows {
         int height = 0;
         int gap = 0;
-        int margin = 0; ///< On both sides: the thumb lies in it, and the focus ring.
-        /// Paints a row into a rectangle; what would lie outside is cut off.
+        int margin = 0; ///< Left and right of the rows, for the thumb and the focus ring.
+        /// Paints a row into a rectangle, to which the painter is clipped.
         std::function<void(QPainter &, int row, const QRectF &)> paint = {};
-        std::function<AccessibleText(int row)> speak = {};
+        std::function<AccessibleText(int row)> accessibleRow = {};
     };
 
     RowList(const QString &name, Rows rows, QWidget *parent);
@@ -49,7 +48,7 @@ public:
 
     void setRowCount(int count);
 
-    /// Repaints that row if it can be seen.
+    /// Repaints a row if it is in view.
     void updateRow(int row);
 
     void scrollTo(int offset);
@@ -76,8 +75,8 @@ private:
     Rows m_rows;
     RowGeometry m_geometry;
     int m_offset = 0;
-    int m_wheelRest = 0;                  ///< Eighths of a degree that no whole point was made of.
-    std::optional<double> m_dragged = {}; ///< Where within the thumb it was taken.
+    int m_wheelRemainder = 0; ///< Eighths of a degree that are less than one point of scrolling.
+    std::optional<double> m_dragOffset = {}; ///< Of the pointer in the thumb, while dragging.
 };
 
 } // namespace corvane

@@ -19,14 +19,14 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int bandHeight = 52; ///< Figure, subtitle and core bars; the same in all three kinds.
+constexpr int bandHeight = 52; ///< Of figure, subtitle and core bars; the same on all three cards.
 constexpr int chartGap = 12;
 constexpr TextLine figureLine{46.125, 32};
 constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
 constexpr TextLine subtitleLine{83.5, 14};
-constexpr double figureColumn = 96; ///< At least.
+constexpr double minFigureColumn = 96;
 constexpr double barsGap = 16;
-constexpr double absentOpacity = 0.65; ///< An absent reading must not look like a true zero.
+constexpr double absentOpacity = 0.65; ///< Distinguishes an absent reading from a true zero.
 
 /// What differs between the cards of the units.
 struct Look {
@@ -74,10 +74,10 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
 void UtilizationCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
     const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
-    say(m_stat, unitStatText(reading));
-    say(m_figure, percentText(reading.loadPercent),
-        current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
-    say(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
+    setText(m_stat, unitStatText(reading));
+    setText(m_figure, percentText(reading.loadPercent),
+            current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
+    setText(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
     showCores(current);
     showChart(history);
 }
@@ -121,12 +121,12 @@ PillContent UtilizationCard::pill(std::size_t index) const
 void UtilizationCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
-    m_stat.mostWidth = headerStatWidth();
+    m_stat.maxWidth = headerStatWidth();
     m_figure.baseline = {contentLeft() + figureShift, figureLine.baseline(m_figure.font)};
     m_subtitle.baseline = {contentLeft(), subtitleLine.baseline(m_subtitle.font)};
     const double widest = textWidth(u"100%"_s, m_figure.font, m_figure.digits);
-    const double column = std::max(figureColumn, widest + figureShift);
-    m_subtitle.mostWidth = m_kind == Kind::cpu ? column : contentRight() - contentLeft();
+    const double column = std::max(minFigureColumn, widest + figureShift);
+    m_subtitle.maxWidth = m_kind == Kind::cpu ? column : contentRight() - contentLeft();
 
     const int barsLeft = qCeil(contentLeft() + column + barsGap);
     const int right = qFloor(contentRight());

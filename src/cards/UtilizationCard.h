@@ -9,8 +9,8 @@ namespace corvane {
 class CoreBars;
 class Sparkline;
 
-/// Load of one compute unit: the figure of now, a chart of the window and, for the CPU, a bar for
-/// every core. Told its data; main thread.
+/// The card of one compute unit: its current load, its load over time and, for the CPU, a bar for
+/// every core.
 class UtilizationCard : public Card {
     Q_OBJECT
 

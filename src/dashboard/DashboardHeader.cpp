@@ -29,7 +29,7 @@ CardText statLabel(const QString &text)
     CardText label{.text = text,
                    .font = Theme::systemFont(9, QFont::DemiBold),
                    .color = Theme::textTertiary,
-                   .side = Qt::AlignRight};
+                   .alignment = Qt::AlignRight};
     label.font.setLetterSpacing(QFont::AbsoluteSpacing, 0.5);
     return label;
 }
@@ -39,14 +39,14 @@ CardText statValue(const QString &name, const QColor &color)
     return {.name = name,
             .font = Theme::systemFont(13, QFont::DemiBold),
             .color = color,
-            .side = Qt::AlignRight};
+            .alignment = Qt::AlignRight};
 }
 
 } // namespace
 
 double DashboardHeader::QuickStat::width() const
 {
-    return std::max({leastWidth, label.width(), value.width()});
+    return std::max({minWidth, label.width(), value.width()});
 }
 
 DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
@@ -95,9 +95,9 @@ void DashboardHeader::show(const SystemMetrics &current)
 
 std::vector<AccessibleText> DashboardHeader::accessibleTexts() const
 {
-    std::vector<AccessibleText> texts{m_name.spoken(), m_chip.spoken()};
+    std::vector<AccessibleText> texts{m_name.accessible(), m_chip.accessible()};
     for (const QuickStat &stat : m_stats)
-        texts.push_back(stat.value.spoken());
+        texts.push_back(stat.value.accessible());
     return texts;
 }
 
@@ -115,7 +115,7 @@ void DashboardHeader::layOut()
         stat.value.baseline = {right, valueLine.baseline(stat.value.font)};
         right -= stat.width() + statGap;
     }
-    m_chip.mostWidth = std::max(right - m_chip.baseline.x(), 1.0);
+    m_chip.maxWidth = std::max(right - m_chip.baseline.x(), 1.0);
     update();
 }
 

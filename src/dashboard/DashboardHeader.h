@@ -7,8 +7,7 @@
 
 namespace corvane {
 
-/// The dashboard's first line: logo, name and chip, and four quick numbers at the right. Told its
-/// data; main thread.
+/// The dashboard's first line: logo, name and chip, and four quick numbers at the right.
 class DashboardHeader : public AccessibleWidget {
     Q_OBJECT
 
@@ -25,11 +24,11 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    /// One quick number: a label over a value, both ending at the right edge of their column.
+    /// One quick number: a label above a value, both right-aligned in their column.
     struct QuickStat {
         CardText label;
         CardText value;
-        double leastWidth = 0; ///< So that a changing digit moves nothing.
+        double minWidth = 0; ///< Of the column, so that it does not move when a digit changes.
 
         double width() const;
     };

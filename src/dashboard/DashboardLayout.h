@@ -9,7 +9,7 @@ namespace corvane {
 /// The dashboard's cards in reading order.
 enum class DashboardCard { memory, power, cpu, gpu, ane, workloads, processes };
 
-/// Where the parts of the dashboard lie in a window.
+/// Places of the dashboard's parts in a window, in points.
 struct DashboardLayout {
     static constexpr QSize minimum{920, 760};
 
@@ -19,12 +19,12 @@ struct DashboardLayout {
     const QRect &card(DashboardCard which) const { return cards[static_cast<std::size_t>(which)]; }
 };
 
-/// Heights of the three rows of cards in a window of that height. Above their natural sum each gets
-/// a third of the surplus; below it the second row gives way first, then the first, then the third,
-/// each down to its minimum. Pure.
+/// Heights of the three rows of cards in a window of that height. Each row gets a third of what
+/// exceeds the sum of the natural heights. What is missing is taken from the second row first, then
+/// from the first, then from the third, each down to its minimum.
 std::array<int, 3> dashboardRowHeights(int windowHeight);
 
-/// Edges on whole points; the cards of a row share it evenly.
+/// The cards of a row share its width evenly; their edges are on whole points.
 DashboardLayout dashboardLayout(const QSize &window);
 
 } // namespace corvane

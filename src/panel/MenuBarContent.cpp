@@ -2,6 +2,7 @@
 
 #include "panel/PanelHeader.h"
 #include "panel/PanelRow.h"
+#include "platform/MainThread.h"
 #include "ui/ContextMenu.h"
 #include "ui/PanelButton.h"
 #include "ui/RoundedBox.h"
@@ -41,7 +42,7 @@ protected:
     void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider); }
 };
 
-/// Every whole pixel that a rectangle with round corners touches.
+/// All whole pixels that a rectangle with round corners touches.
 QRegion roundedRegion(const QRect &rect)
 {
     QRegion region = rect.adjusted(0, radius, 0, -radius);
@@ -56,8 +57,9 @@ QRegion roundedRegion(const QRect &rect)
     return region;
 }
 
-/// A Wayland compositor places a pop-up only below an input event of its own window, which a click
-/// on a foreign bar is not; there the panel is a plain window that goes when it loses the focus.
+/// A Wayland compositor opens a pop-up only in response to an input event of one of the program's
+/// own windows, and a click on the desktop's bar is none. There the panel is a plain window that
+/// closes when it loses the focus.
 Qt::WindowFlags panelFlags()
 {
     const bool canGrab = QGuiApplication::platformName() != "wayland"_L1;
@@ -70,6 +72,7 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
     : QWidget(parent, panelFlags()),
       m_clock(std::move(clock))
 {
+    assertMainThread();
     setWindowTitle(u"Corvane"_s);
     setAccessibleName(u"Corvane panel"_s);
     setAttribute(Qt::WA_TranslucentBackground);
@@ -111,7 +114,7 @@ void MenuBarContent::build()
     column->addLayout(buttons);
 }
 
-/// Makes it ready to be seen, in its full size.
+/// Creates the content if necessary, updates it, and takes its size.
 void MenuBarContent::prepare()
 {
     if (!m_header)
@@ -144,8 +147,8 @@ void MenuBarContent::showNumbers()
 
 void MenuBarContent::toggleAt(const QPoint &anchor)
 {
-    // The click that closed the panel may be this one: it reaches the label after the panel is
-    // gone.
+    // This may be the click that closed the panel: it reaches the label when the panel is closed
+    // already.
     constexpr double sameClick = 0.25; // Seconds.
     if (isVisible()) {
         hide();
@@ -156,11 +159,11 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     const QScreen *screen = QGuiApplication::screenAt(anchor);
     if (!screen)
         screen = QGuiApplication::primaryScreen();
-    prepare(); // Its place depends on its size.
+    prepare(); // The position depends on the size.
     move(panelOrigin(anchor, size(), screen->availableGeometry()));
     QWidget::show();
     activateWindow();
-    setFocus(); // The first Tab reaches the first button.
+    setFocus(); // So that the first Tab goes to the first button.
 }
 
 void MenuBarContent::paintEvent(QPaintEvent *)
@@ -206,7 +209,7 @@ void MenuBarContent::hideEvent(QHideEvent *event)
 
 bool MenuBarContent::event(QEvent *event)
 {
-    // Where the panel is a plain window its menu takes the focus from it.
+    // A plain window loses the focus to its own menu.
     if (event->type() == QEvent::WindowDeactivate && !m_menu)
         hide();
     return QWidget::event(event);
@@ -219,7 +222,7 @@ QPoint panelOrigin(const QPoint &anchor, const QSize &size, const QRect &availab
     const bool below = anchor.y() < available.center().y();
     const int x = anchor.x() - size.width() / 2;
     const int y = below ? anchor.y() + gap : anchor.y() - gap - size.height();
-    // Where the panel is larger than the screen its upper left part stays visible.
+    // Of a panel that is larger than the screen the upper left part stays visible.
     return {std::max(std::min(x, room.right() + 1 - size.width()), room.left()),
             std::max(std::min(y, room.bottom() + 1 - size.height()), room.top())};
 }

@@ -17,22 +17,22 @@ class PanelHeader;
 class PanelRow;
 
 /// The panel that drops down from the label: name, chip and total power, five live rows and two
-/// buttons. Its actions are in a menu on it. Owned by the application, which shows it each new
-/// sample; main thread. Its content is made when it is first opened and follows the samples while
-/// it is open. Closes on a click elsewhere and on Escape.
+/// buttons. Its actions are in its context menu. The application owns it and passes it each new
+/// sample. Its content is created when it is first opened, and updated while it is open. It closes
+/// on a click elsewhere and on Escape. Main thread.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 
 public:
-    /// `clock` counts seconds; a test steps its own.
+    /// `clock` returns seconds; a test steps its own.
     explicit MenuBarContent(std::function<double()> clock = secondsSinceBoot,
                             QWidget *parent = nullptr);
 
-    /// Shows these numbers; an absent chip reading as 0.
+    /// Shows the numbers of a sample; an absent chip reading as 0.
     void show(const SystemMetrics &current);
 
-    /// Opens it near `anchor` (a point on the screen), or closes it if it is open: what a click on
-    /// the label does.
+    /// Opens the panel near `anchor` (a point on the screen), or closes it if it is open. A click
+    /// on the label calls this.
     void toggleAt(const QPoint &anchor);
 
     void setVisible(bool visible) override;
@@ -55,15 +55,15 @@ private:
     void showNumbers();
 
     SystemMetrics m_current = SystemMetrics::placeholder();
-    PanelHeader *m_header = nullptr; ///< Null until it is first opened, as are the rows.
+    PanelHeader *m_header = nullptr; ///< Null until the panel is first opened, like the rows.
     std::array<PanelRow *, 5> m_rows = {};
     std::function<double()> m_clock;
-    QPointer<QMenu> m_menu;                ///< While it is open.
-    std::optional<double> m_hiddenAt = {}; ///< Nothing before it was first shown.
+    QPointer<QMenu> m_menu;                ///< Null while no context menu is open.
+    std::optional<double> m_hiddenAt = {}; ///< Of the last closing; absent before it.
 };
 
-/// Top left corner of a panel of `size` that belongs to `anchor`: centred on it, below it in the
-/// upper half of the screen and above it in the lower one, never outside `available`.
+/// Top left corner of a panel of `size` at `anchor`: horizontally centred on it, below it in the
+/// upper half of `available` and above it in the lower half, and moved to lie inside `available`.
 QPoint panelOrigin(const QPoint &anchor, const QSize &size, const QRect &available);
 
 } // namespace corvane

@@ -4,8 +4,7 @@
 
 namespace corvane {
 
-/// Top of the panel: the program's name, the chip's below it, and the total power. Told by the
-/// panel.
+/// Top of the panel: the program's name, the chip's name below it, and the total power.
 class PanelHeader : public AccessibleWidget {
     Q_OBJECT
 
