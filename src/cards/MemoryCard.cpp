@@ -25,7 +25,7 @@ using namespace Qt::StringLiterals;
 constexpr double badgeDotSize = 6;
 constexpr double badgeGap = 5;
 constexpr TextLine figureLine{45.5, 36};
-constexpr double figureShift = -1; ///< Its ink, not its side bearing, meets the left edge.
+constexpr double figureShift = -1; ///< Aligns the ink, not the side bearing, with the left edge.
 constexpr double percentGap = 3;
 constexpr double barTop = 94;
 constexpr double barHeight = 10;

@@ -3,6 +3,7 @@
 #include "cards/RowList.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "support/ShownCard.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -13,19 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Shown {
-    Shown()
-    {
-        card.resize(617, 304);
-        card.QWidget::show();
-    }
-
-    AccessibleText row(int index) const
-    {
-        return card.list()->accessibleTexts()[static_cast<std::size_t>(index)];
-    }
-
-    AIWorkloadsCard card;
+struct Shown : ShownCard<AIWorkloadsCard> {
+    Shown() : ShownCard(QSize(617, 304)) { }
 };
 
 AIWorkload workload(const QString &name, const std::optional<QString> &model)
@@ -38,7 +28,7 @@ AIWorkload workload(const QString &name, const std::optional<QString> &model)
             .memory = std::uint64_t(1) << 30};
 }
 
-/// The brightest red of a row's second line: how faint the model is.
+/// The largest red component in the second line of the first row, a measure of the model's opacity.
 int brightness(AIWorkloadsCard &card)
 {
     const QImage image = rendered(card, 2);
@@ -56,40 +46,34 @@ class TestAIWorkloadsCard : public QObject {
     Q_OBJECT
 
 private slots:
-    void saysThatThereIsNone();
-    void countsAndListsThem();
-    void saysWhenAModelIsUnknown();
-    void paintsTilesInTheirColor_data();
-    void paintsTilesInTheirColor();
-    void keepsNamesBeforeTheMemory();
-    void bearsHostileTexts();
-    void repaintsOnlyRowsThatChanged();
-    void repaintsAllThatMoved_data();
-    void repaintsAllThatMoved();
+    void showsAnEmptyState();
+    void countsAndListsWorkloads();
+    void showsAnUnknownModelFaintly();
+    void paintsTilesInTheColorOfTheFramework_data();
+    void paintsTilesInTheColorOfTheFramework();
+    void elidesTextsBeforeTheMemory();
+    void sanitizesHostileTexts();
+    void repaintsOnlyChangedRows();
+    void leavesNoStalePixels_data();
+    void leavesNoStalePixels();
 };
 
-void TestAIWorkloadsCard::saysThatThereIsNone()
+void TestAIWorkloadsCard::showsAnEmptyState()
 {
     Shown shown;
-    const auto texts = [&shown] {
-        QStringList values;
-        for (const AccessibleText &text : shown.card.accessibleTexts())
-            values.append(text.value);
-        return values;
-    };
     const QStringList empty{u"AI Workloads"_s, u"No AI inference detected"_s,
                             u"Launch Ollama, MLX, llama.cpp, LM Studio, ComfyUI, vLLM…"_s};
-    QCOMPARE(texts(), empty);
+    QCOMPARE(shown.values(), empty);
     QVERIFY(!shown.card.list()->isVisible());
     shown.card.show(scriptedWorkloads());
-    QCOMPARE(texts(), QStringList({u"AI Workloads"_s, u"3 active"_s}));
+    QCOMPARE(shown.values(), QStringList({u"AI Workloads"_s, u"3 active"_s}));
     QVERIFY(shown.card.list()->isVisible());
     shown.card.show({});
-    QCOMPARE(texts(), empty);
+    QCOMPARE(shown.values(), empty);
     QVERIFY(!shown.card.list()->isVisible());
 }
 
-void TestAIWorkloadsCard::countsAndListsThem()
+void TestAIWorkloadsCard::countsAndListsWorkloads()
 {
     Shown shown;
     shown.card.show(scriptedWorkloads());
@@ -100,7 +84,7 @@ void TestAIWorkloadsCard::countsAndListsThem()
     QCOMPARE(shown.row(1).place, QRectF(16, 44, 585, 34));
 }
 
-void TestAIWorkloadsCard::saysWhenAModelIsUnknown()
+void TestAIWorkloadsCard::showsAnUnknownModelFaintly()
 {
     Shown shown;
     shown.card.show({workload(u"python"_s, u"model unkn"_s)});
@@ -113,14 +97,14 @@ void TestAIWorkloadsCard::saysWhenAModelIsUnknown()
     }
 }
 
-void TestAIWorkloadsCard::paintsTilesInTheirColor_data()
+void TestAIWorkloadsCard::paintsTilesInTheColorOfTheFramework_data()
 {
     QTest::addColumn<AIFramework>("framework");
     for (const AIFramework framework : allAIFrameworks)
         QTest::newRow(qPrintable(displayName(framework))) << framework;
 }
 
-void TestAIWorkloadsCard::paintsTilesInTheirColor()
+void TestAIWorkloadsCard::paintsTilesInTheColorOfTheFramework()
 {
     QFETCH(AIFramework, framework);
     Shown shown;
@@ -143,7 +127,7 @@ void TestAIWorkloadsCard::paintsTilesInTheirColor()
     }
 }
 
-void TestAIWorkloadsCard::keepsNamesBeforeTheMemory()
+void TestAIWorkloadsCard::elidesTextsBeforeTheMemory()
 {
     Shown shown;
     shown.card.resize(437, 240);
@@ -157,7 +141,7 @@ void TestAIWorkloadsCard::keepsNamesBeforeTheMemory()
         QVERIFY(pixelAt(image, 437 - 16 - 70, y).red() < 60);
 }
 
-void TestAIWorkloadsCard::bearsHostileTexts()
+void TestAIWorkloadsCard::sanitizesHostileTexts()
 {
     Shown shown;
     shown.card.show({workload(u"a\u202Eb\nc"_s, u"<img src=x>\u2067*m*"_s)});
@@ -167,7 +151,7 @@ void TestAIWorkloadsCard::bearsHostileTexts()
     rendered(shown.card, 1);
 }
 
-void TestAIWorkloadsCard::repaintsOnlyRowsThatChanged()
+void TestAIWorkloadsCard::repaintsOnlyChangedRows()
 {
     Shown shown;
     std::vector<AIWorkload> workloads = scriptedWorkloads();
@@ -184,7 +168,7 @@ void TestAIWorkloadsCard::repaintsOnlyRowsThatChanged()
     QCOMPARE(list.region().boundingRect(), QRect(16, 44, 585, 34));
 }
 
-void TestAIWorkloadsCard::repaintsAllThatMoved_data()
+void TestAIWorkloadsCard::leavesNoStalePixels_data()
 {
     using Workloads = std::vector<AIWorkload>;
     Workloads grown = scriptedWorkloads();
@@ -194,14 +178,13 @@ void TestAIWorkloadsCard::repaintsAllThatMoved_data()
     Workloads fewer = scriptedWorkloads();
     fewer.resize(1);
     QTest::addColumn<Workloads>("after");
-    QTest::newRow("a figure") << grown;
+    QTest::newRow("another byte count") << grown;
     QTest::newRow("a model that is no longer known") << unknown;
-    QTest::newRow("rows go") << fewer;
-    QTest::newRow("all rows go") << Workloads();
+    QTest::newRow("fewer rows") << fewer;
+    QTest::newRow("no rows") << Workloads();
 }
 
-/// What is on the screen after a change in parts is what a fresh painting shows.
-void TestAIWorkloadsCard::repaintsAllThatMoved()
+void TestAIWorkloadsCard::leavesNoStalePixels()
 {
     QFETCH(std::vector<AIWorkload>, after);
     Shown shown;

@@ -10,24 +10,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A line with its end, or its middle, at (200, 50).
-CardText line(const QString &text, Qt::AlignmentFlag side = Qt::AlignLeft)
+/// A line whose baseline has its left end, right end or middle at (200, 50).
+CardText line(const QString &text, Qt::AlignmentFlag alignment = Qt::AlignLeft)
 {
     return {.text = text,
             .font = Theme::systemFont(13),
             .color = Qt::white,
-            .side = side,
+            .alignment = alignment,
             .baseline = {200, 50}};
 }
 
-CardText cutLine(const QString &text, double mostWidth)
+CardText limitedLine(const QString &text, double maxWidth)
 {
     CardText cut = line(text);
-    cut.mostWidth = mostWidth;
+    cut.maxWidth = maxWidth;
     return cut;
 }
 
-/// The box around all that painting touches, in points.
+/// Bounding box of all painted pixels, in points.
 QRectF ink(const CardText &line, double scale)
 {
     QImage image(QSize(400, 100) * scale, QImage::Format_ARGB32_Premultiplied);
@@ -52,44 +52,43 @@ class TestCardText : public QObject {
     Q_OBJECT
 
 private slots:
-    void standsAtItsSide_data();
-    void standsAtItsSide();
-    void isCutWhereItIsTooWide();
+    void isAligned_data();
+    void isAligned();
+    void elidesWhatIsTooWide();
     void paintsWithinItsBounds_data();
     void paintsWithinItsBounds();
-    void speaksForItself_data();
-    void speaksForItself();
+    void isAccessible_data();
+    void isAccessible();
 };
 
-void TestCardText::standsAtItsSide_data()
+void TestCardText::isAligned_data()
 {
-    QTest::addColumn<Qt::AlignmentFlag>("side");
-    QTest::addColumn<double>("share");
-    QTest::newRow("left of its text") << Qt::AlignLeft << 0.0;
-    QTest::newRow("in its middle") << Qt::AlignHCenter << 0.5;
-    QTest::newRow("right of it") << Qt::AlignRight << 1.0;
+    QTest::addColumn<Qt::AlignmentFlag>("alignment");
+    QTest::addColumn<double>("shareAtLeft");
+    QTest::newRow("left") << Qt::AlignLeft << 0.0;
+    QTest::newRow("horizontally centred") << Qt::AlignHCenter << 0.5;
+    QTest::newRow("right") << Qt::AlignRight << 1.0;
 }
 
-/// The share of its text that lies left of the place.
-void TestCardText::standsAtItsSide()
+void TestCardText::isAligned()
 {
-    QFETCH(Qt::AlignmentFlag, side);
-    QFETCH(double, share);
-    const CardText text = line(u"12.4 W"_s, side);
-    QCOMPARE(text.bounds().center().x(), 200 + (0.5 - share) * text.width());
+    QFETCH(Qt::AlignmentFlag, alignment);
+    QFETCH(double, shareAtLeft);
+    const CardText text = line(u"12.4 W"_s, alignment);
+    QCOMPARE(text.bounds().center().x(), 200 + (0.5 - shareAtLeft) * text.width());
     const QRectF painted = ink(text, 2);
     QVERIFY(qAbs(painted.center().x() - text.bounds().center().x()) < 1.5);
 }
 
-void TestCardText::isCutWhereItIsTooWide()
+void TestCardText::elidesWhatIsTooWide()
 {
     const QString words = u"a name that is too long for its place"_s;
     const double whole = line(words).width();
-    QCOMPARE(cutLine(words, whole).width(), whole);
-    const CardText cut = cutLine(words, 80);
+    QCOMPARE(limitedLine(words, whole).width(), whole);
+    const CardText cut = limitedLine(words, 80);
     QVERIFY(cut.width() <= 80 && cut.width() > 60);
     QVERIFY(ink(cut, 2).right() <= 281);
-    QCOMPARE(cut.spoken().value, words);
+    QCOMPARE(cut.accessible().value, words);
 }
 
 void TestCardText::paintsWithinItsBounds_data()
@@ -103,10 +102,10 @@ void TestCardText::paintsWithinItsBounds_data()
     QTest::newRow("slanted letters") << slanted;
     QTest::newRow("a large figure") << figure;
     QTest::newRow("digits on one width") << line(u"11.11 W"_s, Qt::AlignHCenter);
-    QTest::newRow("a cut line") << cutLine(u"a name that is too long for its place"_s, 80);
+    QTest::newRow("an elided line") << limitedLine(u"a name that is too long for its place"_s, 80);
 }
 
-/// Since what changes is repainted within these.
+/// Repaints are limited to the bounds.
 void TestCardText::paintsWithinItsBounds()
 {
     QFETCH(CardText, text);
@@ -117,23 +116,23 @@ void TestCardText::paintsWithinItsBounds()
     }
 }
 
-void TestCardText::speaksForItself_data()
+void TestCardText::isAccessible_data()
 {
     CardText caption = line(u"MEM"_s);
-    caption.silent = true;
+    caption.isCaption = true;
     QTest::addColumn<CardText>("text");
-    QTest::addColumn<bool>("isSpoken");
+    QTest::addColumn<bool>("isAccessible");
     QTest::newRow("a text") << line(u"71%"_s) << true;
-    QTest::newRow("nothing is not said") << line(QString()) << false;
-    QTest::newRow("nor is a caption that another text repeats") << caption << false;
+    QTest::newRow("not an empty text") << line(QString()) << false;
+    QTest::newRow("not a caption") << caption << false;
 }
 
-void TestCardText::speaksForItself()
+void TestCardText::isAccessible()
 {
     QFETCH(CardText, text);
-    QTEST(text.isSpoken(), "isSpoken");
-    QCOMPARE(text.spoken().value, text.text);
-    QCOMPARE(text.spoken().place, text.bounds());
+    QTEST(text.isAccessible(), "isAccessible");
+    QCOMPARE(text.accessible().value, text.text);
+    QCOMPARE(text.accessible().place, text.bounds());
 }
 
 QTEST_MAIN(TestCardText)

@@ -8,36 +8,36 @@ class TestHistoryChart : public QObject {
     Q_OBJECT
 
 private slots:
-    void runsFromTheFirstToTheLastInstant_data();
-    void runsFromTheFirstToTheLastInstant();
-    void hasNoSeriesYet();
+    void spansTheFirstToTheLastTimestamp_data();
+    void spansTheFirstToTheLastTimestamp();
+    void hasNoSeries();
 };
 
-void TestHistoryChart::runsFromTheFirstToTheLastInstant_data()
+void TestHistoryChart::spansTheFirstToTheLastTimestamp_data()
 {
-    QTest::addColumn<QList<double>>("instants");
+    QTest::addColumn<QList<double>>("timestamps");
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
     QTest::newRow("no history") << QList<double>{} << 0.0 << 0.0;
-    QTest::newRow("a single instant") << QList<double>{5} << 5.0 << 5.0;
+    QTest::newRow("a single sample") << QList<double>{5} << 5.0 << 5.0;
     QTest::newRow("uneven steps") << QList<double>{5, 6, 60} << 5.0 << 60.0;
-    QTest::newRow("the clock was set back") << QList<double>{50, 51, 10} << 50.0 << 10.0;
+    QTest::newRow("a clock that was set back") << QList<double>{50, 51, 10} << 50.0 << 10.0;
 }
 
-void TestHistoryChart::runsFromTheFirstToTheLastInstant()
+void TestHistoryChart::spansTheFirstToTheLastTimestamp()
 {
-    QFETCH(QList<double>, instants);
+    QFETCH(QList<double>, timestamps);
     QFETCH(double, lower);
     QFETCH(double, upper);
     std::vector<SystemMetrics> history;
-    for (const double instant : instants)
-        history.push_back({.timestamp = instant});
+    for (const double timestamp : timestamps)
+        history.push_back({.timestamp = timestamp});
     const SparklineData chart = historyChart(history);
-    QCOMPARE(QList<double>(chart.timestamps.begin(), chart.timestamps.end()), instants);
+    QCOMPARE(QList<double>(chart.timestamps.begin(), chart.timestamps.end()), timestamps);
     QCOMPARE(chart.xDomain, (ChartRange{lower, upper}));
 }
 
-void TestHistoryChart::hasNoSeriesYet()
+void TestHistoryChart::hasNoSeries()
 {
     const SparklineData chart = historyChart({{.timestamp = 1}, {.timestamp = 2}});
     QVERIFY(chart.series.empty());

@@ -12,12 +12,12 @@ class TestInfoTexts : public QObject {
 private slots:
     void hasTheSameTitleOnBothSystems_data();
     void hasTheSameTitleOnBothSystems();
-    void saysEveryWordOnTheMac_data();
-    void saysEveryWordOnTheMac();
-    void hasParagraphsOnLinuxToo();
+    void isWordForWordOnTheMac_data();
+    void isWordForWordOnTheMac();
+    void hasParagraphsOnLinux();
     void closesEveryMark();
-    void namesTheSourcesOfItsSystem_data();
-    void namesTheSourcesOfItsSystem();
+    void namesItsSourcesOnLinux_data();
+    void namesItsSourcesOnLinux();
     void namesNoServiceOfTheOtherSystem();
     void takesThisSystemByDefault();
 };
@@ -42,7 +42,7 @@ void TestInfoTexts::hasTheSameTitleOnBothSystems()
     QTEST(infoText(topic, HostSystem::linuxDesktop).title, "title");
 }
 
-void TestInfoTexts::saysEveryWordOnTheMac_data()
+void TestInfoTexts::isWordForWordOnTheMac_data()
 {
     QTest::addColumn<InfoTopic>("topic");
     QTest::addColumn<QStringList>("paragraphs");
@@ -92,14 +92,14 @@ void TestInfoTexts::saysEveryWordOnTheMac_data()
                u"Processes from **other users or root** may not appear because the app runs without elevated privileges; full visibility would require a privileged helper or debug entitlements."_s};
 }
 
-void TestInfoTexts::saysEveryWordOnTheMac()
+void TestInfoTexts::isWordForWordOnTheMac()
 {
     QFETCH(InfoTopic, topic);
     QFETCH(QStringList, paragraphs);
     QCOMPARE(infoText(topic, HostSystem::mac).text, paragraphs.join(u"\n\n"_s));
 }
 
-void TestInfoTexts::hasParagraphsOnLinuxToo()
+void TestInfoTexts::hasParagraphsOnLinux()
 {
     for (const InfoTopic topic : allInfoTopics) {
         const QString text = infoText(topic, HostSystem::linuxDesktop).text;
@@ -121,17 +121,17 @@ void TestInfoTexts::closesEveryMark()
     }
 }
 
-void TestInfoTexts::namesTheSourcesOfItsSystem_data()
+void TestInfoTexts::namesItsSourcesOnLinux_data()
 {
     QTest::addColumn<InfoTopic>("topic");
     QTest::addColumn<QString>("source");
     QTest::newRow("memory") << InfoTopic::memory << u"/proc/meminfo"_s;
     QTest::newRow("pressure") << InfoTopic::memory << u"/proc/pressure/memory"_s;
-    QTest::newRow("how it relates to free") << InfoTopic::memory << u"`free`"_s;
+    QTest::newRow("relation to free") << InfoTopic::memory << u"`free`"_s;
     QTest::newRow("energy") << InfoTopic::power << u"/sys/class/powercap"_s;
-    QTest::newRow("what opens the counters") << InfoTopic::power << u"energy_uj"_s;
+    QTest::newRow("opening the counters") << InfoTopic::power << u"energy_uj"_s;
     QTest::newRow("ticks") << InfoTopic::cpu << u"/proc/stat"_s;
-    QTest::newRow("how it relates to top") << InfoTopic::cpu << u"`top`"_s;
+    QTest::newRow("relation to top") << InfoTopic::cpu << u"`top`"_s;
     QTest::newRow("frequency") << InfoTopic::cpu << u"scaling_cur_freq"_s;
     QTest::newRow("GPU load") << InfoTopic::gpu << u"gpu_busy_percent"_s;
     QTest::newRow("NPU") << InfoTopic::ane << u"npu_busy_time_us"_s;
@@ -140,7 +140,7 @@ void TestInfoTexts::namesTheSourcesOfItsSystem_data()
     QTest::newRow("hidden processes") << InfoTopic::processes << u"hidepid"_s;
 }
 
-void TestInfoTexts::namesTheSourcesOfItsSystem()
+void TestInfoTexts::namesItsSourcesOnLinux()
 {
     QFETCH(InfoTopic, topic);
     QFETCH(QString, source);

@@ -21,41 +21,41 @@ class TestMemoryBreakdown : public QObject {
     Q_OBJECT
 
 private slots:
-    void dividesTheMemory_data();
-    void dividesTheMemory();
+    void dividesTheTotal_data();
+    void dividesTheTotal();
     void fillsAtMostTheWholeBar();
 };
 
-void TestMemoryBreakdown::dividesTheMemory_data()
+void TestMemoryBreakdown::dividesTheTotal_data()
 {
     using Fractions = QList<double>;
     QTest::addColumn<MemorySnapshot>("memory");
     QTest::addColumn<Fractions>("expected");
-    QTest::newRow("app memory loses what is wired and compressed")
+    QTest::newRow("app memory without wired and compressed")
         << MemorySnapshot{.total = 100, .wired = 10, .compressed = 5, .cached = 20, .appMemory = 60}
         << Fractions{0.10, 0.45, 0.05, 0.20};
-    QTest::newRow("no app piece when these are more")
+    QTest::newRow("no app segment if these are larger")
         << MemorySnapshot{.total = 100, .wired = 30, .compressed = 40, .cached = 5, .appMemory = 60}
         << Fractions{0.30, 0, 0.40, 0.05};
-    QTest::newRow("what is too much is cut from the right") << MemorySnapshot{.total = 100,
-                                                                              .wired = 30,
-                                                                              .compressed = 20,
-                                                                              .cached = 40,
-                                                                              .appMemory = 80}
-                                                            << Fractions{0.30, 0.30, 0.20, 0.20};
-    QTest::newRow("compressed is cut next") << MemorySnapshot{.total = 100,
-                                                              .wired = 60,
-                                                              .compressed = 70,
-                                                              .cached = 40,
-                                                              .appMemory = 150}
-                                            << Fractions{0.60, 0.20, 0.20, 0};
+    QTest::newRow("an excess is cut from the right") << MemorySnapshot{.total = 100,
+                                                                       .wired = 30,
+                                                                       .compressed = 20,
+                                                                       .cached = 40,
+                                                                       .appMemory = 80}
+                                                     << Fractions{0.30, 0.30, 0.20, 0.20};
+    QTest::newRow("then from compressed") << MemorySnapshot{.total = 100,
+                                                            .wired = 60,
+                                                            .compressed = 70,
+                                                            .cached = 40,
+                                                            .appMemory = 150}
+                                          << Fractions{0.60, 0.20, 0.20, 0};
     QTest::newRow("a total of 0 counts as 1")
         << MemorySnapshot{.wired = 4096, .cached = 4096, .appMemory = 8192}
         << Fractions{1, 0, 0, 0};
-    QTest::newRow("nothing known") << MemorySnapshot{} << Fractions{0, 0, 0, 0};
+    QTest::newRow("an empty snapshot") << MemorySnapshot{} << Fractions{0, 0, 0, 0};
 }
 
-void TestMemoryBreakdown::dividesTheMemory()
+void TestMemoryBreakdown::dividesTheTotal()
 {
     QFETCH(MemorySnapshot, memory);
     QFETCH(QList<double>, expected);

@@ -2,6 +2,7 @@
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "support/ShownCard.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -14,29 +15,14 @@ namespace {
 
 constexpr std::uint64_t gib = std::uint64_t(1) << 30;
 
-struct Shown {
-    Shown()
-    {
-        card.resize(617, 262);
-        card.QWidget::show();
-    }
+struct Shown : ShownCard<MemoryCard> {
+    Shown() : ShownCard(QSize(617, 262)) { }
 
     void show(const MemorySnapshot &memory)
     {
         const SystemMetrics current{.timestamp = 60, .memory = memory};
         card.show(current, {{.timestamp = 0, .memory = memory}, current});
     }
-
-    AccessibleText text(const QString &name) const
-    {
-        for (const AccessibleText &text : card.accessibleTexts()) {
-            if (text.name == name)
-                return text;
-        }
-        return {};
-    }
-
-    MemoryCard card;
 };
 
 } // namespace
@@ -45,24 +31,24 @@ class TestMemoryCard : public QObject {
     Q_OBJECT
 
 private slots:
-    void readsTheSnapshot();
-    void namesThePressure_data();
-    void namesThePressure();
-    void tellsSwap_data();
-    void tellsSwap();
-    void spacesItsChips_data();
-    void spacesItsChips();
-    void keepsItsChipsInside_data();
-    void keepsItsChipsInside();
+    void showsTheSnapshot();
+    void showsThePressure_data();
+    void showsThePressure();
+    void showsSwap_data();
+    void showsSwap();
+    void spacesChips_data();
+    void spacesChips();
+    void keepsChipsInside_data();
+    void keepsChipsInside();
     void paintsTheBar_data();
     void paintsTheBar();
     void chartsTheUsedShare();
     void repaintsOnlyWhatChanged();
-    void repaintsAllThatMoved_data();
-    void repaintsAllThatMoved();
+    void leavesNoStalePixels_data();
+    void leavesNoStalePixels();
 };
 
-void TestMemoryCard::readsTheSnapshot()
+void TestMemoryCard::showsTheSnapshot()
 {
     Shown shown;
     shown.card.show(scriptedCurrent(), scriptedHistory());
@@ -79,7 +65,7 @@ void TestMemoryCard::readsTheSnapshot()
     QCOMPARE(shown.text(u"App"_s).value, u"2 GB"_s);
 }
 
-void TestMemoryCard::namesThePressure_data()
+void TestMemoryCard::showsThePressure_data()
 {
     QTest::addColumn<MemoryPressure>("pressure");
     QTest::addColumn<QString>("name");
@@ -89,7 +75,7 @@ void TestMemoryCard::namesThePressure_data()
     QTest::newRow("critical") << MemoryPressure::critical << u"CRITICAL"_s << QColor(255, 69, 58);
 }
 
-void TestMemoryCard::namesThePressure()
+void TestMemoryCard::showsThePressure()
 {
     QFETCH(MemoryPressure, pressure);
     QFETCH(QColor, color);
@@ -105,7 +91,7 @@ void TestMemoryCard::namesThePressure()
     }
 }
 
-void TestMemoryCard::tellsSwap_data()
+void TestMemoryCard::showsSwap_data()
 {
     QTest::addColumn<quint64>("total");
     QTest::addColumn<quint64>("used");
@@ -113,10 +99,11 @@ void TestMemoryCard::tellsSwap_data()
     QTest::newRow("in use") << quint64(3 * gib) << quint64(gib / 2) << u"512 MB / 3 GB"_s;
     QTest::newRow("unused") << quint64(3 * gib) << quint64(0) << u"0 MB / 3 GB"_s;
     QTest::newRow("none") << quint64(0) << quint64(0) << u"off"_s;
-    QTest::newRow("none, whatever is said to be used") << quint64(0) << quint64(gib) << u"off"_s;
+    QTest::newRow("none, though some is reported as used")
+        << quint64(0) << quint64(gib) << u"off"_s;
 }
 
-void TestMemoryCard::tellsSwap()
+void TestMemoryCard::showsSwap()
 {
     QFETCH(quint64, total);
     QFETCH(quint64, used);
@@ -125,36 +112,36 @@ void TestMemoryCard::tellsSwap()
     QTEST(shown.text(u"Swap"_s).value, "expected");
 }
 
-void TestMemoryCard::spacesItsChips_data()
+void TestMemoryCard::spacesChips_data()
 {
     QTest::addColumn<double>("row");
     QTest::addColumn<double>("chips");
     QTest::addColumn<double>("expected");
     QTest::newRow("wide") << 585.0 << 400.0 << 18.0;
-    QTest::newRow("just enough") << 454.0 << 400.0 << 18.0;
+    QTest::newRow("just enough for 18") << 454.0 << 400.0 << 18.0;
     QTest::newRow("whole points, rounded down") << 453.0 << 400.0 << 17.0;
     QTest::newRow("never below 8") << 405.0 << 400.0 << 8.0;
-    QTest::newRow("not even that") << 300.0 << 400.0 << 8.0;
+    QTest::newRow("too narrow for 8") << 300.0 << 400.0 << 8.0;
 }
 
-void TestMemoryCard::spacesItsChips()
+void TestMemoryCard::spacesChips()
 {
     QFETCH(double, row);
     QFETCH(double, chips);
     QTEST(chipSpacing(row, chips), "expected");
 }
 
-void TestMemoryCard::keepsItsChipsInside_data()
+void TestMemoryCard::keepsChipsInside_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<quint64>("bytes");
     QTest::newRow("the narrowest card") << 437 << quint64(40 * gib);
     QTest::newRow("2 TiB in the narrowest card") << 437 << quint64(2048 * gib - gib / 3);
     QTest::newRow("2 TiB in the widest card") << 1257 << quint64(2048 * gib);
-    QTest::newRow("nothing") << 437 << quint64(0);
+    QTest::newRow("an empty snapshot") << 437 << quint64(0);
 }
 
-void TestMemoryCard::keepsItsChipsInside()
+void TestMemoryCard::keepsChipsInside()
 {
     QFETCH(int, width);
     QFETCH(quint64, bytes);
@@ -241,7 +228,7 @@ void TestMemoryCard::repaintsOnlyWhatChanged()
     QVERIFY(QRect(16, 135, 300, 30).contains(watch.region().boundingRect()));
 }
 
-void TestMemoryCard::repaintsAllThatMoved_data()
+void TestMemoryCard::leavesNoStalePixels_data()
 {
     const auto sized = [](std::uint64_t app) {
         return MemorySnapshot{.total = 64 * gib,
@@ -255,17 +242,17 @@ void TestMemoryCard::repaintsAllThatMoved_data()
     pressed.pressure = MemoryPressure::critical;
     QTest::addColumn<MemorySnapshot>("before");
     QTest::addColumn<MemorySnapshot>("after");
-    QTest::newRow("a longer byte count moves the chips behind it")
+    QTest::newRow("a longer byte count moves the following chips right")
         << sized(9 * gib) << sized(12 * gib + gib / 8);
-    QTest::newRow("a little shorter one")
+    QTest::newRow("a slightly shorter byte count")
         << sized(1000 * (gib >> 10) + (gib >> 12)) << sized(1000 * (gib >> 10));
-    QTest::newRow("a first figure") << MemorySnapshot{} << sized(9 * gib);
-    QTest::newRow("a shorter one draws them near") << sized(12 * gib + gib / 8) << sized(9 * gib);
+    QTest::newRow("the first snapshot") << MemorySnapshot{} << sized(9 * gib);
+    QTest::newRow("a shorter byte count moves them left")
+        << sized(12 * gib + gib / 8) << sized(9 * gib);
     QTest::newRow("another pressure") << sized(9 * gib) << pressed;
 }
 
-/// What is on the screen after a change in parts is what a fresh painting shows.
-void TestMemoryCard::repaintsAllThatMoved()
+void TestMemoryCard::leavesNoStalePixels()
 {
     QFETCH(MemorySnapshot, before);
     QFETCH(MemorySnapshot, after);

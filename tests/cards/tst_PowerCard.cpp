@@ -2,6 +2,7 @@
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "support/ShownCard.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -25,16 +26,10 @@ History steady(double watts)
     return {sample(0, watts), sample(30, watts), sample(60, watts)};
 }
 
-struct Shown {
-    Shown()
-    {
-        card.resize(617, 262);
-        card.QWidget::show();
-    }
+struct Shown : ShownCard<PowerCard> {
+    Shown() : ShownCard(QSize(617, 262)) { }
 
     void show(const History &history) { card.show(history.back(), history); }
-
-    PowerCard card;
 };
 
 } // namespace
@@ -47,17 +42,17 @@ private slots:
     void findsThePeak();
     void scalesAbovePeaks_data();
     void scalesAbovePeaks();
-    void neverLowersItsScale();
-    void raisesItsScaleUnseen();
-    void tellsPeakAndTemperature_data();
-    void tellsPeakAndTemperature();
-    void stacksItsBands_data();
-    void stacksItsBands();
-    void saysTheHoveredValues();
+    void neverLowersTheScale();
+    void raisesTheScaleWithoutShowing();
+    void showsPeakAndTemperature_data();
+    void showsPeakAndTemperature();
+    void stacksBands_data();
+    void stacksBands();
+    void showsHoveredValues();
     void showsItsLegend();
-    void repaintsAllThatMoved_data();
-    void repaintsAllThatMoved();
-    void bearsHugePower();
+    void leavesNoStalePixels_data();
+    void leavesNoStalePixels();
+    void fitsHugePower();
 };
 
 void TestPowerCard::findsThePeak_data()
@@ -66,7 +61,7 @@ void TestPowerCard::findsThePeak_data()
     QTest::addColumn<double>("expected");
     QTest::newRow("no history") << History{} << 0.0;
     QTest::newRow("one sample is its total") << History{sample(0, 1, 2, 4)} << 7.0;
-    QTest::newRow("at the ends of two samples") << History{sample(0, 6), sample(1, 2)} << 4.0;
+    QTest::newRow("two samples are averaged") << History{sample(0, 6), sample(1, 2)} << 4.0;
     QTest::newRow("a spike is averaged with its neighbours")
         << History{sample(0, 0), sample(1, 0), sample(2, 9), sample(3, 0), sample(4, 0)} << 3.0;
     QTest::newRow("a missing reading counts as 0")
@@ -84,7 +79,7 @@ void TestPowerCard::scalesAbovePeaks_data()
 {
     QTest::addColumn<double>("peak");
     QTest::addColumn<double>("expected");
-    QTest::newRow("nothing") << 0.0 << 5.0;
+    QTest::newRow("no power") << 0.0 << 5.0;
     QTest::newRow("4 W") << 4.0 << 5.0;
     QTest::newRow("8 W") << 8.0 << 10.0;
     QTest::newRow("8.6 W: fives") << 8.6 << 15.0;
@@ -99,7 +94,7 @@ void TestPowerCard::scalesAbovePeaks()
     QTEST(powerScale(peak), "expected");
 }
 
-void TestPowerCard::neverLowersItsScale()
+void TestPowerCard::neverLowersTheScale()
 {
     Shown shown;
     QCOMPARE(shown.card.stableYMax(), 5.0);
@@ -111,7 +106,7 @@ void TestPowerCard::neverLowersItsScale()
     QCOMPARE(shown.card.stableYMax(), 125.0);
 }
 
-void TestPowerCard::raisesItsScaleUnseen()
+void TestPowerCard::raisesTheScaleWithoutShowing()
 {
     Shown shown;
     shown.card.recomputeYMax(steady(30));
@@ -119,7 +114,7 @@ void TestPowerCard::raisesItsScaleUnseen()
     QCOMPARE(shown.card.accessibleText(u"Power"_s), QString());
 }
 
-void TestPowerCard::tellsPeakAndTemperature_data()
+void TestPowerCard::showsPeakAndTemperature_data()
 {
     using Temp = std::optional<double>;
     QTest::addColumn<Temp>("package");
@@ -129,7 +124,7 @@ void TestPowerCard::tellsPeakAndTemperature_data()
     QTest::newRow("zero degrees") << Temp(0) << u"peak 12.4 W"_s;
 }
 
-void TestPowerCard::tellsPeakAndTemperature()
+void TestPowerCard::showsPeakAndTemperature()
 {
     QFETCH(std::optional<double>, package);
     Shown shown;
@@ -142,14 +137,14 @@ void TestPowerCard::tellsPeakAndTemperature()
     QVERIFY(!shown.card.accessibleText(u"Power"_s).contains(u"pkg"_s));
 }
 
-void TestPowerCard::stacksItsBands_data()
+void TestPowerCard::stacksBands_data()
 {
     QTest::addColumn<double>("scale");
     QTest::newRow("scale 1") << 1.0;
     QTest::newRow("scale 2") << 2.0;
 }
 
-void TestPowerCard::stacksItsBands()
+void TestPowerCard::stacksBands()
 {
     QFETCH(double, scale);
     Shown shown;
@@ -170,13 +165,13 @@ void TestPowerCard::stacksItsBands()
     QVERIFY(pixelAt(image, 300, at(4.1)).red() < 60);
 }
 
-void TestPowerCard::saysTheHoveredValues()
+void TestPowerCard::showsHoveredValues()
 {
     Shown shown;
     History history = steady(1);
     history.back() = sample(60, 9.3, 29.92, 0.38);
     shown.show(history);
-    // Without a cursor a chart speaks of its newest sample.
+    // Without a cursor the accessible value is that of the newest sample.
     QCOMPARE(shown.card.chart()->accessibleValue().section(u", "_s, 1),
              u"39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
     history.back().chip.reset();
@@ -193,7 +188,7 @@ void TestPowerCard::showsItsLegend()
     QCOMPARE(shown.card.chart()->geometry(), QRect(16, 72, 585, 174));
 }
 
-void TestPowerCard::repaintsAllThatMoved_data()
+void TestPowerCard::leavesNoStalePixels_data()
 {
     History earlier = scriptedHistory();
     earlier.pop_back();
@@ -204,11 +199,10 @@ void TestPowerCard::repaintsAllThatMoved_data()
     QTest::newRow("another second") << earlier << scriptedHistory();
     QTest::newRow("a longer text") << steady(3) << steady(300);
     QTest::newRow("a shorter text") << hot << steady(3);
-    QTest::newRow("no readings any more") << scriptedHistory() << historyWithoutChip();
+    QTest::newRow("the chip readings end") << scriptedHistory() << historyWithoutChip();
 }
 
-/// What is on the screen after a change in parts is what a fresh painting shows.
-void TestPowerCard::repaintsAllThatMoved()
+void TestPowerCard::leavesNoStalePixels()
 {
     QFETCH(History, before);
     QFETCH(History, after);
@@ -217,7 +211,7 @@ void TestPowerCard::repaintsAllThatMoved()
     QCOMPARE(leftBehindBy([&] { shown.show(after); }, shown.card), QRect());
 }
 
-void TestPowerCard::bearsHugePower()
+void TestPowerCard::fitsHugePower()
 {
     Shown shown;
     shown.card.resize(437, 236);

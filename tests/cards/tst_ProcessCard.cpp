@@ -2,6 +2,7 @@
 #include "cards/RowList.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "support/ShownCard.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -14,20 +15,9 @@ namespace {
 
 constexpr std::uint64_t gib = std::uint64_t(1) << 30;
 
-/// A card as on a dashboard of 1280 × 900.
-struct Shown {
-    Shown()
-    {
-        card.resize(617, 304);
-        card.QWidget::show();
-    }
-
-    AccessibleText row(int index) const
-    {
-        return card.list()->accessibleTexts()[static_cast<std::size_t>(index)];
-    }
-
-    ProcessCard card;
+/// The size is that on a dashboard of 1280 × 900.
+struct Shown : ShownCard<ProcessCard> {
+    Shown() : ShownCard(QSize(617, 304)) { }
 };
 
 /// Columns of the bar, in the card: behind the name and before the bytes and the share.
@@ -40,90 +30,89 @@ class TestProcessCard : public QObject {
     Q_OBJECT
 
 private slots:
-    void sharesTheLargest_data();
-    void sharesTheLargest();
-    void saysThatThereIsNothing();
+    void dividesByTheLargest_data();
+    void dividesByTheLargest();
+    void showsAnEmptyState();
     void listsEveryProcess();
     void showsSharesOfNoMemoryAsZero();
-    void fillsBarsByTheLargest_data();
-    void fillsBarsByTheLargest();
-    void repaintsOnlyRowsThatChanged();
-    void repaintsAllThatMoved_data();
-    void repaintsAllThatMoved();
-    void bearsHostileNames();
+    void fillsBarsRelativeToTheLargest_data();
+    void fillsBarsRelativeToTheLargest();
+    void repaintsOnlyChangedRows();
+    void leavesNoStalePixels_data();
+    void leavesNoStalePixels();
+    void sanitizesHostileNames();
 };
 
-void TestProcessCard::sharesTheLargest_data()
+void TestProcessCard::dividesByTheLargest_data()
 {
     QTest::addColumn<quint64>("memory");
     QTest::addColumn<quint64>("largest");
     QTest::addColumn<double>("expected");
     QTest::newRow("the largest itself") << quint64(8) << quint64(8) << 1.0;
     QTest::newRow("a quarter of it") << quint64(2) << quint64(8) << 0.25;
-    QTest::newRow("nothing of nothing") << quint64(0) << quint64(0) << 0.0;
+    QTest::newRow("0 of 0") << quint64(0) << quint64(0) << 0.0;
 }
 
-void TestProcessCard::sharesTheLargest()
+void TestProcessCard::dividesByTheLargest()
 {
     QFETCH(quint64, memory);
     QFETCH(quint64, largest);
     QTEST(footprintFraction(memory, largest), "expected");
 }
 
-void TestProcessCard::saysThatThereIsNothing()
+void TestProcessCard::showsAnEmptyState()
 {
-    Shown card;
-    QVERIFY(!card.card.list()->isVisible());
-    QCOMPARE(card.card.accessibleTexts().back().value, u"No process data yet"_s);
-    card.card.show(scriptedProcesses(), 64 * gib);
-    QVERIFY(card.card.list()->isVisible());
-    QCOMPARE(card.card.accessibleTexts().size(), std::size_t(1));
-    card.card.show({}, 64 * gib);
-    QVERIFY(!card.card.list()->isVisible());
-    QCOMPARE(card.card.list()->rowCount(), 0);
-    QCOMPARE(card.card.accessibleTexts().back().value, u"No process data yet"_s);
+    Shown shown;
+    QVERIFY(!shown.card.list()->isVisible());
+    QCOMPARE(shown.card.accessibleTexts().back().value, u"No process data yet"_s);
+    shown.card.show(scriptedProcesses(), 64 * gib);
+    QVERIFY(shown.card.list()->isVisible());
+    QCOMPARE(shown.card.accessibleTexts().size(), std::size_t(1));
+    shown.card.show({}, 64 * gib);
+    QVERIFY(!shown.card.list()->isVisible());
+    QCOMPARE(shown.card.list()->rowCount(), 0);
+    QCOMPARE(shown.card.accessibleTexts().back().value, u"No process data yet"_s);
 }
 
 void TestProcessCard::listsEveryProcess()
 {
-    Shown card;
-    card.card.show(scriptedProcesses(), 64 * gib);
-    QCOMPARE(card.card.list()->rowCount(), 20);
-    QCOMPARE(card.row(0).name, u"llama-server"_s);
-    QCOMPARE(card.row(0).value, u"20.94 GB, 32.7%"_s);
-    QCOMPARE(card.row(11).value, u"514 MB, 0.8%"_s);
-    QCOMPARE(card.card.list()->geometry(), QRect(0, 46, 617, 250));
+    Shown shown;
+    shown.card.show(scriptedProcesses(), 64 * gib);
+    QCOMPARE(shown.card.list()->rowCount(), 20);
+    QCOMPARE(shown.row(0).name, u"llama-server"_s);
+    QCOMPARE(shown.row(0).value, u"20.94 GB, 32.7%"_s);
+    QCOMPARE(shown.row(11).value, u"514 MB, 0.8%"_s);
+    QCOMPARE(shown.card.list()->geometry(), QRect(0, 46, 617, 250));
 }
 
 void TestProcessCard::showsSharesOfNoMemoryAsZero()
 {
-    Shown card;
-    card.card.show({{1, u"a"_s, 4 * gib}}, 0);
-    QCOMPARE(card.row(0).value, u"4 GB, 0.0%"_s);
+    Shown shown;
+    shown.card.show({{1, u"a"_s, 4 * gib}}, 0);
+    QCOMPARE(shown.row(0).value, u"4 GB, 0.0%"_s);
 }
 
-void TestProcessCard::fillsBarsByTheLargest_data()
+void TestProcessCard::fillsBarsRelativeToTheLargest_data()
 {
     QTest::addColumn<quint64>("second");
     QTest::addColumn<quint64>("first");
     QTest::addColumn<double>("filled");
     const double whole = barEnd - barLeft;
     QTest::newRow("half of the largest") << quint64(4 * gib) << quint64(8 * gib) << whole / 2;
-    QTest::newRow("hardly anything is 2 points") << quint64(1) << quint64(8 * gib) << 2.0;
-    QTest::newRow("no memory anywhere is 2 points") << quint64(0) << quint64(0) << 2.0;
-    QTest::newRow("more than the first is a full bar")
-        << quint64(9 * gib) << quint64(8 * gib) << whole;
+    QTest::newRow("at least 2 points") << quint64(1) << quint64(8 * gib) << 2.0;
+    QTest::newRow("2 points without any memory") << quint64(0) << quint64(0) << 2.0;
+    QTest::newRow("at most the whole bar") << quint64(9 * gib) << quint64(8 * gib) << whole;
 }
 
-void TestProcessCard::fillsBarsByTheLargest()
+void TestProcessCard::fillsBarsRelativeToTheLargest()
 {
     QFETCH(quint64, second);
     QFETCH(quint64, first);
     QFETCH(double, filled);
-    Shown card;
-    card.card.show({{1, u"a"_s, first}, {2, u"b"_s, second}}, 64 * gib);
+    Shown shown;
+    shown.card.show({{1, u"a"_s, first}, {2, u"b"_s, second}}, 64 * gib);
     for (const double scale : {1.0, 2.0}) {
-        const QImage image = rendered(card.card, scale);
+        const QImage image = rendered(shown.card, scale);
         constexpr double middle = 46 + 20 + 10;
         const auto isFilled = [&](double x) {
             const QColor color = pixelAt(image, x, middle);
@@ -140,24 +129,24 @@ void TestProcessCard::fillsBarsByTheLargest()
     }
 }
 
-void TestProcessCard::repaintsOnlyRowsThatChanged()
+void TestProcessCard::repaintsOnlyChangedRows()
 {
-    Shown card;
+    Shown shown;
     std::vector<ProcessRow> rows = scriptedProcesses();
-    card.card.show(rows, 64 * gib);
+    shown.card.show(rows, 64 * gib);
     QCoreApplication::processEvents();
-    PaintWatch watch(*card.card.list());
-    card.card.show(rows, 64 * gib);
+    PaintWatch watch(*shown.card.list());
+    shown.card.show(rows, 64 * gib);
     QCoreApplication::processEvents();
     QCOMPARE(watch.region(), QRegion());
 
     rows[3].memory += 64 << 20;
-    card.card.show(rows, 64 * gib);
+    shown.card.show(rows, 64 * gib);
     QCoreApplication::processEvents();
     QCOMPARE(watch.region().boundingRect(), QRect(16, 60, 585, 20));
 }
 
-void TestProcessCard::repaintsAllThatMoved_data()
+void TestProcessCard::leavesNoStalePixels_data()
 {
     using Rows = std::vector<ProcessRow>;
     Rows grown = scriptedProcesses();
@@ -167,14 +156,13 @@ void TestProcessCard::repaintsAllThatMoved_data()
     Rows fewer = scriptedProcesses();
     fewer.resize(3);
     QTest::addColumn<Rows>("after");
-    QTest::newRow("a figure") << grown;
+    QTest::newRow("another byte count") << grown;
     QTest::newRow("two rows change places") << swapped;
-    QTest::newRow("rows go") << fewer;
-    QTest::newRow("all rows go") << Rows();
+    QTest::newRow("fewer rows") << fewer;
+    QTest::newRow("no rows") << Rows();
 }
 
-/// What is on the screen after a change in parts is what a fresh painting shows.
-void TestProcessCard::repaintsAllThatMoved()
+void TestProcessCard::leavesNoStalePixels()
 {
     QFETCH(std::vector<ProcessRow>, after);
     Shown shown;
@@ -185,17 +173,18 @@ void TestProcessCard::repaintsAllThatMoved()
     }
 }
 
-void TestProcessCard::bearsHostileNames()
+void TestProcessCard::sanitizesHostileNames()
 {
-    Shown card;
+    Shown shown;
     const QString marks = u"a\u202Eb\u2066c\nd\te<b>f</b>"_s;
-    card.card.show({{1, QString(4000, u'W'), gib}, {2, marks, gib}, {3, QString(), gib}}, 64 * gib);
-    const QString shown = card.row(1).name;
-    QVERIFY(!shown.contains(u'\n') && !shown.contains(QChar(0x202E)) && !shown.contains(u'\t'));
-    QVERIFY(shown.endsWith(u"<b>f</b>"_s)); // As it is, not as markup.
-    QVERIFY(card.row(0).name.size() <= 512);
+    shown.card.show({{1, QString(4000, u'W'), gib}, {2, marks, gib}, {3, QString(), gib}},
+                    64 * gib);
+    const QString name = shown.row(1).name;
+    QVERIFY(!name.contains(u'\n') && !name.contains(QChar(0x202E)) && !name.contains(u'\t'));
+    QVERIFY(name.endsWith(u"<b>f</b>"_s)); // As it is, not as markup.
+    QVERIFY(shown.row(0).name.size() <= 512);
     // A long name stops before the bar.
-    const QImage image = rendered(card.card, 2);
+    const QImage image = rendered(shown.card, 2);
     for (double y = 46; y < 66; ++y)
         QVERIFY(pixelAt(image, 16 + 130 + 5, y).red() < 60);
 }

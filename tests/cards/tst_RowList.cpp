@@ -31,7 +31,7 @@ struct List {
                           painted.push_back(row);
                           painter.fillRect(place, QColor(200, 0, 0));
                       },
-                  .speak =
+                  .accessibleRow =
                       [](int row) {
                           return AccessibleText{u"row %1"_s.arg(row), u"x"_s};
                       }},
@@ -56,42 +56,42 @@ private slots:
     void scrollsByKeys_data();
     void scrollsByKeys();
     void scrollsByWheel();
-    void scrollsByItsThumb();
-    void staysInsideWhenRowsGo();
-    void paintsOnlyWhatIsSeen();
-    void keepsRowsApart_data() { fadesWhileThereIsMore_data(); }
-    void keepsRowsApart();
-    void fadesWhileThereIsMore_data();
-    void fadesWhileThereIsMore();
-    void leavesOtherKeysAlone();
-    void itsFocusRingCoversNoRow();
-    void losesItsFocusRing();
-    void speaksEveryRow();
+    void scrollsByTheThumb();
+    void staysInRangeWhenRowsAreRemoved();
+    void paintsOnlyRowsInView();
+    void clipsRows_data() { fadesWhileThereAreMoreRows_data(); }
+    void clipsRows();
+    void fadesWhileThereAreMoreRows_data();
+    void fadesWhileThereAreMoreRows();
+    void ignoresOtherKeys();
+    void focusRingCoversNoRow();
+    void focusRingDisappears();
+    void everyRowIsAccessible();
 };
 
 void TestRowList::placesRowsAndThumb_data()
 {
     QTest::addColumn<RowGeometry>("rows");
-    QTest::addColumn<int>("mostOffset");
+    QTest::addColumn<int>("maxOffset");
     QTest::addColumn<double>("thumbTopAtTheEnd");
     QTest::addColumn<double>("thumbHeight");
-    QTest::newRow("none") << RowGeometry{20, 0, 0, 250} << 0 << 0.0 << 0.0;
+    QTest::newRow("no rows") << RowGeometry{20, 0, 0, 250} << 0 << 0.0 << 0.0;
     QTest::newRow("all fit exactly") << RowGeometry{20, 0, 5, 100} << 0 << 0.0 << 0.0;
     QTest::newRow("twenty in a card") << RowGeometry{20, 0, 20, 250} << 150 << 93.75 << 156.25;
-    QTest::newRow("gaps lie between rows only") << RowGeometry{34, 10, 3, 122} << 0 << 0.0 << 0.0;
+    QTest::newRow("gaps are between rows only") << RowGeometry{34, 10, 3, 122} << 0 << 0.0 << 0.0;
     QTest::newRow("one point too many")
         << RowGeometry{34, 10, 3, 121} << 1 << 1 - 1.0 / 122 << 121.0 * 121 / 122;
-    QTest::newRow("the thumb can be grasped in the longest list")
+    QTest::newRow("the thumb has a minimum height")
         << RowGeometry{20, 0, 10000, 100} << 199900 << 76.0 << 24.0;
 }
 
 void TestRowList::placesRowsAndThumb()
 {
     QFETCH(RowGeometry, rows);
-    QTEST(rows.mostOffset(), "mostOffset");
+    QTEST(rows.maxOffset(), "maxOffset");
     QFETCH(double, thumbTopAtTheEnd);
     QFETCH(double, thumbHeight);
-    const auto [top, height] = rows.thumb(rows.mostOffset());
+    const auto [top, height] = rows.thumb(rows.maxOffset());
     QVERIFY(qAbs(height - thumbHeight) < 1e-9);
     QVERIFY(qAbs(top - thumbTopAtTheEnd) < 0.01);
     QCOMPARE(rows.top(2, 5), 2 * (rows.rowHeight + rows.gap) - 5);
@@ -136,7 +136,7 @@ void TestRowList::scrollsByWheel()
     QCOMPARE(list.list.offset(), 0);
 }
 
-void TestRowList::scrollsByItsThumb()
+void TestRowList::scrollsByTheThumb()
 {
     List list(20);
     QTest::mousePress(&list.list, Qt::LeftButton, {}, {292, 5});
@@ -150,7 +150,7 @@ void TestRowList::scrollsByItsThumb()
     QCOMPARE(list.list.offset(), 300);
 }
 
-void TestRowList::staysInsideWhenRowsGo()
+void TestRowList::staysInRangeWhenRowsAreRemoved()
 {
     List list(20);
     list.list.scrollTo(300);
@@ -163,7 +163,7 @@ void TestRowList::staysInsideWhenRowsGo()
     rendered(list.list, 1);
 }
 
-void TestRowList::paintsOnlyWhatIsSeen()
+void TestRowList::paintsOnlyRowsInView()
 {
     List list(1000);
     list.list.scrollTo(50);
@@ -175,7 +175,7 @@ void TestRowList::paintsOnlyWhatIsSeen()
     QCOMPARE(list.painted, (std::vector<int>{2, 3, 4, 5, 6, 7}));
 }
 
-void TestRowList::keepsRowsApart()
+void TestRowList::clipsRows()
 {
     QFETCH(double, scale);
     RowList list(u"Rows"_s,
@@ -186,7 +186,7 @@ void TestRowList::keepsRowsApart()
                           const QColor color = row % 2 == 0 ? Qt::red : Qt::blue;
                           painter.fillRect(place.adjusted(-50, -50, 50, 50), color);
                       },
-                  .speak = [](int) { return AccessibleText{}; }},
+                  .accessibleRow = [](int) { return AccessibleText{}; }},
                  nullptr);
     list.resize(100, 110);
     list.setRowCount(5); // The last two fade.
@@ -199,7 +199,7 @@ void TestRowList::keepsRowsApart()
     QVERIFY(pixelAt(image, 50, 95).blue() > 150 && pixelAt(image, 50, 95).red() == 0);
 }
 
-void TestRowList::fadesWhileThereIsMore_data()
+void TestRowList::fadesWhileThereAreMoreRows_data()
 {
     QTest::addColumn<double>("scale");
     QTest::newRow("scale 1") << 1.0;
@@ -207,7 +207,7 @@ void TestRowList::fadesWhileThereIsMore_data()
     QTest::newRow("scale 2") << 2.0;
 }
 
-void TestRowList::fadesWhileThereIsMore()
+void TestRowList::fadesWhileThereAreMoreRows()
 {
     QFETCH(double, scale);
     List list(20);
@@ -229,7 +229,7 @@ void TestRowList::fadesWhileThereIsMore()
     QCOMPARE(pixelAt(image, 292, 5).alpha(), 0);
 }
 
-void TestRowList::leavesOtherKeysAlone()
+void TestRowList::ignoresOtherKeys()
 {
     List list(20);
     QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
@@ -238,7 +238,7 @@ void TestRowList::leavesOtherKeysAlone()
     QCOMPARE(list.list.offset(), 0);
 }
 
-void TestRowList::itsFocusRingCoversNoRow()
+void TestRowList::focusRingCoversNoRow()
 {
     List list(5);
     list.list.setFocus();
@@ -250,7 +250,7 @@ void TestRowList::itsFocusRingCoversNoRow()
         QCOMPARE(pixelAt(image, x, 50), QColor(200, 0, 0));
 }
 
-void TestRowList::losesItsFocusRing()
+void TestRowList::focusRingDisappears()
 {
     List list(5);
     list.list.setFocus();
@@ -258,7 +258,7 @@ void TestRowList::losesItsFocusRing()
     QCOMPARE(leftBehindBy([&list] { list.list.clearFocus(); }, list.list), QRect());
 }
 
-void TestRowList::speaksEveryRow()
+void TestRowList::everyRowIsAccessible()
 {
     List list(20);
     list.list.scrollTo(40);

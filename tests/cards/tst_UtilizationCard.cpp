@@ -3,6 +3,7 @@
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
+#include "support/ShownCard.h"
 #include "ui/Theme.h"
 
 #include <QAccessible>
@@ -17,13 +18,9 @@ namespace {
 
 const ChipInfo tenWatts{.aneMaxW = 10};
 
-/// A card as on a dashboard of 1200 × 900.
-struct Shown {
-    explicit Shown(ComputeUnit kind) : card(kind, nullptr, tenWatts)
-    {
-        card.resize(400, 226);
-        card.QWidget::show();
-    }
+/// The size is that on a dashboard of 1200 × 900.
+struct Shown : ShownCard<UtilizationCard> {
+    explicit Shown(ComputeUnit unit) : ShownCard(QSize(400, 226), unit, nullptr, tenWatts) { }
 
     void show(const ChipReading &chip)
     {
@@ -31,8 +28,6 @@ struct Shown {
         SystemMetrics previous{.timestamp = 0, .chip = chip};
         card.show(current, {previous, current});
     }
-
-    UtilizationCard card;
 };
 
 void hover(Sparkline &chart, double x)
@@ -48,25 +43,25 @@ class TestUtilizationCard : public QObject {
     Q_OBJECT
 
 private slots:
-    void readsLikeItsKind_data();
-    void readsLikeItsKind();
-    void showsNoCoresButTheCPUs();
+    void showsTheTextsOfItsUnit_data();
+    void showsTheTextsOfItsUnit();
+    void showsCoresForTheCPUOnly();
     void placesItsParts();
-    void keepsBarsStillWhenTheFigureGrows();
+    void barsDoNotMoveWhenTheFigureGrows();
     void dimsAnAbsentFigure();
     void chartsTheLoad();
-    void saysTheHoveredValues_data();
-    void saysTheHoveredValues();
+    void showsHoveredValues_data();
+    void showsHoveredValues();
     void repaintsOnlyWhatChanged();
-    void repaintsAllThatMoved_data();
-    void repaintsAllThatMoved();
-    void bearsManyCores_data();
-    void bearsManyCores();
+    void leavesNoStalePixels_data();
+    void leavesNoStalePixels();
+    void fitsManyCores_data();
+    void fitsManyCores();
 };
 
-void TestUtilizationCard::readsLikeItsKind_data()
+void TestUtilizationCard::showsTheTextsOfItsUnit_data()
 {
-    QTest::addColumn<ComputeUnit>("kind");
+    QTest::addColumn<ComputeUnit>("unit");
     QTest::addColumn<QStringList>("texts");
     QTest::newRow("CPU") << ComputeUnit::cpu
                          << QStringList{u"CPU"_s, u"16.69 W · 74°C"_s, u"48%"_s, u"3.27 GHz"_s};
@@ -77,18 +72,15 @@ void TestUtilizationCard::readsLikeItsKind_data()
         << QStringList{u"Neural Engine"_s, u"1.35 W · 68°C"_s, u"14%"_s, u"≈10W max"_s};
 }
 
-void TestUtilizationCard::readsLikeItsKind()
+void TestUtilizationCard::showsTheTextsOfItsUnit()
 {
-    QFETCH(ComputeUnit, kind);
-    Shown shown(kind);
+    QFETCH(ComputeUnit, unit);
+    Shown shown(unit);
     shown.card.show(scriptedCurrent(), scriptedHistory());
-    QStringList texts;
-    for (const AccessibleText &text : shown.card.accessibleTexts())
-        texts.append(text.value);
-    QTEST(texts, "texts");
+    QTEST(shown.values(), "texts");
 }
 
-void TestUtilizationCard::showsNoCoresButTheCPUs()
+void TestUtilizationCard::showsCoresForTheCPUOnly()
 {
     Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuCoreUtilizations = {0.5, 1}});
@@ -105,8 +97,8 @@ void TestUtilizationCard::showsNoCoresButTheCPUs()
 
 void TestUtilizationCard::placesItsParts()
 {
-    for (const ComputeUnit kind : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
-        Shown shown(kind);
+    for (const ComputeUnit unit : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
+        Shown shown(unit);
         shown.show({.cpuCoreUtilizations = {0.5, 1}});
         QCOMPARE(shown.card.chart()->geometry(), QRect(16, 110, 368, 100));
     }
@@ -118,7 +110,7 @@ void TestUtilizationCard::placesItsParts()
     QCOMPARE(cpu.card.coreBars()->height(), 52);
 }
 
-void TestUtilizationCard::keepsBarsStillWhenTheFigureGrows()
+void TestUtilizationCard::barsDoNotMoveWhenTheFigureGrows()
 {
     Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuActiveFraction = 0.01, .cpuCoreUtilizations = {0.5}});
@@ -131,7 +123,7 @@ void TestUtilizationCard::keepsBarsStillWhenTheFigureGrows()
 
 void TestUtilizationCard::dimsAnAbsentFigure()
 {
-    // The most saturated pixel of the figure, in shares of the colour.
+    // The largest red component in the figure.
     const auto strength = [](Shown &shown) {
         const QImage image = rendered(shown.card, 2);
         int most = 0;
@@ -167,9 +159,9 @@ void TestUtilizationCard::chartsTheLoad()
     QVERIFY(pixelAt(rendered(shown.card, 1), 100, 107).red() < 60);
 }
 
-void TestUtilizationCard::saysTheHoveredValues_data()
+void TestUtilizationCard::showsHoveredValues_data()
 {
-    QTest::addColumn<ComputeUnit>("kind");
+    QTest::addColumn<ComputeUnit>("unit");
     QTest::addColumn<double>("megahertz");
     QTest::addColumn<QString>("values");
     QTest::newRow("CPU") << ComputeUnit::cpu << 3080.0 << u"39%, 13.89W, 3.08GHz"_s;
@@ -179,11 +171,11 @@ void TestUtilizationCard::saysTheHoveredValues_data()
         << ComputeUnit::ane << 3080.0 << u"100%, 12.00W"_s;
 }
 
-void TestUtilizationCard::saysTheHoveredValues()
+void TestUtilizationCard::showsHoveredValues()
 {
-    QFETCH(ComputeUnit, kind);
+    QFETCH(ComputeUnit, unit);
     QFETCH(double, megahertz);
-    Shown shown(kind);
+    Shown shown(unit);
     shown.show({.cpuWatts = 13.89,
                 .gpuWatts = 29.92,
                 .aneWatts = 12,
@@ -217,7 +209,7 @@ void TestUtilizationCard::repaintsOnlyWhatChanged()
     QVERIFY(!watch.region().intersects(QRect(0, 0, 400, 46)));
 }
 
-void TestUtilizationCard::repaintsAllThatMoved_data()
+void TestUtilizationCard::leavesNoStalePixels_data()
 {
     const ChipReading idle{.cpuCoreUtilizations = std::vector<double>(8, 0)};
     ChipReading busy{.cpuWatts = 16.69,
@@ -235,30 +227,29 @@ void TestUtilizationCard::repaintsAllThatMoved_data()
     oneCore.cpuCoreUtilizations[3] = 0.2;
     ChipReading moreCores = busy;
     moreCores.cpuCoreUtilizations.resize(40, 0.5);
-    QTest::addColumn<ComputeUnit>("kind");
+    QTest::addColumn<ComputeUnit>("unit");
     QTest::addColumn<ChipReading>("before");
     QTest::addColumn<ChipReading>("after");
-    for (const ComputeUnit kind : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
-        const int number = static_cast<int>(kind);
-        QTest::addRow("kind %d gets busy", number) << kind << idle << busy;
-        QTest::addRow("kind %d gets idle", number) << kind << busy << idle;
+    for (const ComputeUnit unit : {ComputeUnit::cpu, ComputeUnit::gpu, ComputeUnit::ane}) {
+        const int number = static_cast<int>(unit);
+        QTest::addRow("unit %d gets busy", number) << unit << idle << busy;
+        QTest::addRow("unit %d gets idle", number) << unit << busy << idle;
     }
     QTest::newRow("one core alone") << ComputeUnit::cpu << busy << oneCore;
     QTest::newRow("another number of cores") << ComputeUnit::cpu << busy << moreCores;
 }
 
-/// What is on the screen after a change in parts is what a fresh painting shows.
-void TestUtilizationCard::repaintsAllThatMoved()
+void TestUtilizationCard::leavesNoStalePixels()
 {
-    QFETCH(ComputeUnit, kind);
+    QFETCH(ComputeUnit, unit);
     QFETCH(ChipReading, before);
     QFETCH(ChipReading, after);
-    Shown shown(kind);
+    Shown shown(unit);
     shown.show(before);
     QCOMPARE(leftBehindBy([&] { shown.show(after); }, shown.card), QRect());
 }
 
-void TestUtilizationCard::bearsManyCores_data()
+void TestUtilizationCard::fitsManyCores_data()
 {
     QTest::addColumn<int>("cores");
     QTest::addColumn<int>("width");
@@ -267,7 +258,7 @@ void TestUtilizationCard::bearsManyCores_data()
     QTest::newRow("one core") << 1 << 286;
 }
 
-void TestUtilizationCard::bearsManyCores()
+void TestUtilizationCard::fitsManyCores()
 {
     QFETCH(int, cores);
     QFETCH(int, width);

@@ -8,32 +8,32 @@ class TestDashboardLayout : public QObject {
     Q_OBJECT
 
 private slots:
-    void dividesTheHeight_data();
-    void dividesTheHeight();
+    void distributesTheHeight_data();
+    void distributesTheHeight();
     void fillsTheWindow_data();
     void fillsTheWindow();
-    void placesCardsAsInTheLeastWindow();
+    void placesCardsInTheSmallestWindow();
     void snapsSharesToWholePoints();
 };
 
-void TestDashboardLayout::dividesTheHeight_data()
+void TestDashboardLayout::distributesTheHeight_data()
 {
     QTest::addColumn<int>("window");
     QTest::addColumn<QList<int>>("rows");
     QTest::newRow("natural") << 888 << QList<int>{258, 222, 300};
-    QTest::newRow("a surplus is split in three") << 900 << QList<int>{262, 226, 304};
+    QTest::newRow("a surplus goes to all rows") << 900 << QList<int>{262, 226, 304};
     QTest::newRow("the third row takes the remainder") << 890 << QList<int>{258, 222, 302};
     QTest::newRow("a large window") << 1440 << QList<int>{442, 406, 484};
-    QTest::newRow("the second row gives way first") << 868 << QList<int>{258, 202, 300};
+    QTest::newRow("the second row shrinks first") << 868 << QList<int>{258, 202, 300};
     QTest::newRow("down to its minimum") << 842 << QList<int>{258, 176, 300};
     QTest::newRow("then the first") << 832 << QList<int>{248, 176, 300};
     QTest::newRow("down to its minimum too") << 820 << QList<int>{236, 176, 300};
     QTest::newRow("then the third") << 800 << QList<int>{236, 176, 280};
-    QTest::newRow("the least window") << 760 << QList<int>{236, 176, 240};
-    QTest::newRow("never less") << 500 << QList<int>{236, 176, 240};
+    QTest::newRow("the smallest window") << 760 << QList<int>{236, 176, 240};
+    QTest::newRow("not below the minimums") << 500 << QList<int>{236, 176, 240};
 }
 
-void TestDashboardLayout::dividesTheHeight()
+void TestDashboardLayout::distributesTheHeight()
 {
     QFETCH(int, window);
     const std::array<int, 3> rows = dashboardRowHeights(window);
@@ -43,8 +43,8 @@ void TestDashboardLayout::dividesTheHeight()
 void TestDashboardLayout::fillsTheWindow_data()
 {
     QTest::addColumn<QSize>("window");
-    QTest::newRow("least") << DashboardLayout::minimum;
-    QTest::newRow("usual") << QSize(1280, 900);
+    QTest::newRow("smallest") << DashboardLayout::minimum;
+    QTest::newRow("default") << QSize(1280, 900);
     QTest::newRow("odd") << QSize(1023, 801);
     QTest::newRow("large") << QSize(2560, 1440);
 }
@@ -74,7 +74,7 @@ void TestDashboardLayout::fillsTheWindow()
     QCOMPARE(cpu.y(), layout.card(DashboardCard::memory).bottom() + 1 + 14);
 }
 
-void TestDashboardLayout::placesCardsAsInTheLeastWindow()
+void TestDashboardLayout::placesCardsInTheSmallestWindow()
 {
     const DashboardLayout layout = dashboardLayout(DashboardLayout::minimum);
     QCOMPARE(layout.card(DashboardCard::memory), QRect(16, 64, 437, 236));

@@ -27,15 +27,15 @@ SystemMetrics busySample()
             .chip = ChipReading{.cpuWatts = 0.04, .gpuWatts = 0.30, .gpuActiveFraction = 0.999}};
 }
 
-QStringList namesOfRows(const MenuBarContent &panel)
+QStringList textsOfRows(const MenuBarContent &panel)
 {
-    QStringList names;
+    QStringList texts;
     for (const PanelRow *row : panel.findChildren<PanelRow *>())
-        names.append(row->accessibleTexts().front().value);
-    return names;
+        texts.append(row->accessibleTexts().front().value);
+    return texts;
 }
 
-/// What the menu key does.
+/// Opens the context menu like the menu key.
 void openMenu(QWidget &widget)
 {
     const QPoint middle = widget.rect().center();
@@ -43,50 +43,36 @@ void openMenu(QWidget &widget)
     QCoreApplication::sendEvent(&widget, &event);
 }
 
-/// How many paints of a widget an action causes.
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget *widget) : QObject(widget) { widget->installEventFilter(this); }
-
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-
-    int count = 0;
-};
-
 } // namespace
 
 class TestMenuBarContent : public QObject {
     Q_OBJECT
 
 private slots:
-    void isAsLargeAsDrawn();
-    void coversNothingBesideItsRoundCorners();
-    void everyNumberHasAName();
+    void hasTheDesignedSize();
+    void maskFollowsTheRoundCorners();
+    void everyRowIsAccessible();
     void headerNamesChipAndPower();
-    void isMadeWhenItIsFirstOpened();
+    void isCreatedWhenFirstOpened();
     void updatesWhileOpen();
-    void equalNumbersPaintNothing();
+    void equalNumbersCauseNoRepaint();
     void opensAtTheAnchorAndClosesAgain();
     void closesOnEscape();
     void closesOnAClickElsewhere();
     void closesWhenAnotherWindowIsActive();
     void buttonsAreReachedByTab();
-    void buttonsAnnounceTheirCommands();
-    void offersItsActionsInAMenu();
-    void staysWhileItsMenuHasTheFocus();
+    void buttonsEmitTheirSignals();
+    void runsItsActionsFromItsMenu();
+    void staysOpenWhileItsMenuHasTheFocus();
     void closesWithItsMenuWhenAnotherWindowIsActive();
     void hasNoMenuWithoutActions();
-    void leavesOtherKeysAlone();
-    void comesToTheFirstScreenForAnAnchorBesideAll();
+    void ignoresOtherKeys();
+    void opensOnThePrimaryScreenForAnAnchorOutsideAll();
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
 
-void TestMenuBarContent::isAsLargeAsDrawn()
+void TestMenuBarContent::hasTheDesignedSize()
 {
     MenuBarContent panel;
     panel.toggleAt({400, 10});
@@ -102,7 +88,7 @@ void TestMenuBarContent::isAsLargeAsDrawn()
     QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
 }
 
-void TestMenuBarContent::coversNothingBesideItsRoundCorners()
+void TestMenuBarContent::maskFollowsTheRoundCorners()
 {
     MenuBarContent panel;
     panel.toggleAt({400, 10});
@@ -112,7 +98,8 @@ void TestMenuBarContent::coversNothingBesideItsRoundCorners()
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
             if (picture.pixelColor(x, y).alpha() > 0)
-                QVERIFY2(mask.contains(QPoint(x, y)), qPrintable(u"cut at %1, %2"_s.arg(x).arg(y)));
+                QVERIFY2(mask.contains(QPoint(x, y)),
+                         qPrintable(u"clipped at %1, %2"_s.arg(x).arg(y)));
             else
                 QVERIFY2(!mask.contains(QPoint(x, y)),
                          qPrintable(u"black at %1, %2"_s.arg(x).arg(y)));
@@ -120,12 +107,12 @@ void TestMenuBarContent::coversNothingBesideItsRoundCorners()
     }
 }
 
-void TestMenuBarContent::everyNumberHasAName()
+void TestMenuBarContent::everyRowIsAccessible()
 {
     MenuBarContent panel;
     panel.show(busySample());
     panel.toggleAt({400, 10});
-    QCOMPARE(namesOfRows(panel),
+    QCOMPARE(textsOfRows(panel),
              (QStringList{u"Memory: 48 GB / 64 GB, 75 %"_s, u"GPU: 100 %, 0.30 W"_s,
                           u"CPU: 0 %, 0.04 W"_s, u"ANE: 0.00 W, Neural Engine"_s,
                           u"Swap: 0 MB, of 0 MB"_s}));
@@ -141,19 +128,19 @@ void TestMenuBarContent::headerNamesChipAndPower()
     QVERIFY(name.contains(u"0.3 W"_s));
 }
 
-/// One that is never opened costs nothing, and a closed one hardly anything.
-void TestMenuBarContent::isMadeWhenItIsFirstOpened()
+/// A panel that is never opened creates nothing, and a closed one is not updated.
+void TestMenuBarContent::isCreatedWhenFirstOpened()
 {
     MenuBarContent panel;
     panel.show(SystemMetrics::placeholder());
     QVERIFY(panel.findChildren<QWidget *>().isEmpty());
     panel.QWidget::show();
-    const QStringList before = namesOfRows(panel);
+    const QStringList before = textsOfRows(panel);
     panel.hide();
     panel.show(busySample());
-    QCOMPARE(namesOfRows(panel), before);
+    QCOMPARE(textsOfRows(panel), before);
     panel.QWidget::show();
-    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+    QCOMPARE(textsOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
     QCOMPARE(panel.size(), QSize(280, 296));
 }
 
@@ -163,23 +150,23 @@ void TestMenuBarContent::updatesWhileOpen()
     panel.toggleAt({400, 10});
     QVERIFY(panel.isVisible());
     panel.show(busySample());
-    QCOMPARE(namesOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
+    QCOMPARE(textsOfRows(panel).at(1), u"GPU: 100 %, 0.30 W"_s);
 }
 
-void TestMenuBarContent::equalNumbersPaintNothing()
+void TestMenuBarContent::equalNumbersCauseNoRepaint()
 {
     MenuBarContent panel;
     panel.show(busySample());
     panel.toggleAt({400, 10});
     QVERIFY(QTest::qWaitForWindowExposed(&panel));
     QCoreApplication::processEvents();
-    auto *counter = new PaintCounter(panel.findChildren<PanelRow *>().at(1));
+    PaintWatch watch(*panel.findChildren<PanelRow *>().at(1));
     panel.show(busySample());
     QCoreApplication::processEvents();
-    QCOMPARE(counter->count, 0);
+    QVERIFY(watch.region().isEmpty());
     panel.show(SystemMetrics::placeholder());
     QCoreApplication::processEvents();
-    QCOMPARE(counter->count, 1);
+    QVERIFY(!watch.region().isEmpty());
 }
 
 void TestMenuBarContent::opensAtTheAnchorAndClosesAgain()
@@ -239,7 +226,7 @@ void TestMenuBarContent::buttonsAreReachedByTab()
     QCOMPARE(panel.focusWidget(), buttons[1]);
 }
 
-void TestMenuBarContent::buttonsAnnounceTheirCommands()
+void TestMenuBarContent::buttonsEmitTheirSignals()
 {
     MenuBarContent panel;
     QSignalSpy open(&panel, &MenuBarContent::openWindowRequested);
@@ -253,7 +240,7 @@ void TestMenuBarContent::buttonsAnnounceTheirCommands()
     QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
 }
 
-void TestMenuBarContent::offersItsActionsInAMenu()
+void TestMenuBarContent::runsItsActionsFromItsMenu()
 {
     MenuBarContent panel;
     QAction settings(u"Settings…"_s);
@@ -269,7 +256,7 @@ void TestMenuBarContent::offersItsActionsInAMenu()
     QVERIFY2(!panel.isVisible(), "the panel makes room for the window");
 }
 
-void TestMenuBarContent::staysWhileItsMenuHasTheFocus()
+void TestMenuBarContent::staysOpenWhileItsMenuHasTheFocus()
 {
     MenuBarContent panel;
     QAction settings(u"Settings…"_s);
@@ -312,7 +299,7 @@ void TestMenuBarContent::hasNoMenuWithoutActions()
     QVERIFY(panel.isVisible());
 }
 
-void TestMenuBarContent::leavesOtherKeysAlone()
+void TestMenuBarContent::ignoresOtherKeys()
 {
     MenuBarContent panel;
     panel.toggleAt({400, 10});
@@ -322,7 +309,7 @@ void TestMenuBarContent::leavesOtherKeysAlone()
     QVERIFY(panel.isVisible());
 }
 
-void TestMenuBarContent::comesToTheFirstScreenForAnAnchorBesideAll()
+void TestMenuBarContent::opensOnThePrimaryScreenForAnAnchorOutsideAll()
 {
     MenuBarContent panel;
     panel.toggleAt({-5000, -5000});
