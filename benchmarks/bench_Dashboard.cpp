@@ -1,5 +1,5 @@
-// What a tick of the open dashboard costs the main thread: telling every part and painting what
-// changed, as a ratio to clearing as many pixels as the whole window has.
+// The cost of a tick of the open dashboard on the main thread: passing the data to every part and
+// painting what changed, as a ratio to clearing as many pixels as the whole window has.
 
 #include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
@@ -64,7 +64,7 @@ std::vector<ProcessRow> processes(int second)
     return rows;
 }
 
-/// Paints what was asked for since the last call, as the event loop would.
+/// Does all pending repaints, as the event loop would.
 void paintNow()
 {
     QCoreApplication::sendPostedEvents();
@@ -81,7 +81,7 @@ void clearWindow(benchmark::State &state)
 }
 BENCHMARK(clearWindow);
 
-/// One tick: new samples each second, new processes each third.
+/// One tick: new samples every second, new processes every third second.
 void tick(benchmark::State &state)
 {
     MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
@@ -101,7 +101,7 @@ void tick(benchmark::State &state)
 }
 BENCHMARK(tick)->Unit(benchmark::kMicrosecond);
 
-/// The same while nobody looks.
+/// The same while the window is hidden.
 void hiddenTick(benchmark::State &state)
 {
     MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
@@ -114,7 +114,7 @@ void hiddenTick(benchmark::State &state)
 }
 BENCHMARK(hiddenTick)->Unit(benchmark::kMicrosecond);
 
-/// A repaint of everything, as after another window moved away.
+/// A repaint of the whole window.
 void repaint(benchmark::State &state)
 {
     MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
@@ -128,7 +128,7 @@ void repaint(benchmark::State &state)
 }
 BENCHMARK(repaint)->Unit(benchmark::kMicrosecond);
 
-/// A step of resizing, with all that is kept in pictures made anew.
+/// A step of resizing, with all cached pictures rendered again.
 void resize(benchmark::State &state)
 {
     MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
@@ -145,61 +145,61 @@ void resize(benchmark::State &state)
 }
 BENCHMARK(resize)->Unit(benchmark::kMicrosecond);
 
-/// One card told anew and repainted.
-template <typename Card, typename Tell>
-void tellCard(benchmark::State &state, Card &card, const QSize &size, Tell tell)
+/// New data for one part of the window, and its repaint.
+template <typename Part, typename Show>
+void showPart(benchmark::State &state, Part &part, const QSize &size, Show show)
 {
-    card.resize(size);
-    card.QWidget::show();
+    part.resize(size);
+    part.QWidget::show();
     paintNow();
     int second = 60;
     for (auto _ : state) {
         state.PauseTiming();
         const std::vector<SystemMetrics> samples = history(++second);
         state.ResumeTiming();
-        tell(card, samples, second);
+        show(part, samples, second);
         paintNow();
     }
 }
 
-const auto tellSamples = [](auto &card, const std::vector<SystemMetrics> &samples, int) {
+const auto showSamples = [](auto &card, const std::vector<SystemMetrics> &samples, int) {
     card.show(samples.back(), samples);
 };
 
 void memoryCard(benchmark::State &state)
 {
     MemoryCard card;
-    tellCard(state, card, {617, 262}, tellSamples);
+    showPart(state, card, {617, 262}, showSamples);
 }
 BENCHMARK(memoryCard)->Unit(benchmark::kMicrosecond);
 
 void powerCard(benchmark::State &state)
 {
     PowerCard card;
-    tellCard(state, card, {617, 262}, tellSamples);
+    showPart(state, card, {617, 262}, showSamples);
 }
 BENCHMARK(powerCard)->Unit(benchmark::kMicrosecond);
 
 void cpuCard(benchmark::State &state)
 {
     UtilizationCard card(ComputeUnit::cpu);
-    tellCard(state, card, {406, 226}, tellSamples);
+    showPart(state, card, {406, 226}, showSamples);
 }
 BENCHMARK(cpuCard)->Unit(benchmark::kMicrosecond);
 
 void gpuCard(benchmark::State &state)
 {
     UtilizationCard card(ComputeUnit::gpu);
-    tellCard(state, card, {406, 226}, tellSamples);
+    showPart(state, card, {406, 226}, showSamples);
 }
 BENCHMARK(gpuCard)->Unit(benchmark::kMicrosecond);
 
 void header(benchmark::State &state)
 {
     DashboardHeader part(u"Chip"_s, nullptr);
-    tellCard(state, part, {1216, 36},
-             [](DashboardHeader &told, const std::vector<SystemMetrics> &samples, int) {
-                 told.show(samples.back());
+    showPart(state, part, {1216, 36},
+             [](DashboardHeader &shown, const std::vector<SystemMetrics> &samples, int) {
+                 shown.show(samples.back());
              });
 }
 BENCHMARK(header)->Unit(benchmark::kMicrosecond);
@@ -207,14 +207,14 @@ BENCHMARK(header)->Unit(benchmark::kMicrosecond);
 void workloadsCard(benchmark::State &state)
 {
     AIWorkloadsCard card;
-    tellCard(state, card, {617, 304},
-             [](AIWorkloadsCard &told, const std::vector<SystemMetrics> &, int second) {
-                 told.show({{.id = 1,
-                             .pid = 1,
-                             .processName = u"llama-server"_s,
-                             .framework = AIFramework::llamaCpp,
-                             .model = u"model-8b"_s,
-                             .memory = static_cast<std::uint64_t>(second) << 30}});
+    showPart(state, card, {617, 304},
+             [](AIWorkloadsCard &shown, const std::vector<SystemMetrics> &, int second) {
+                 shown.show({{.id = 1,
+                              .pid = 1,
+                              .processName = u"llama-server"_s,
+                              .framework = AIFramework::llamaCpp,
+                              .model = u"model-8b"_s,
+                              .memory = static_cast<std::uint64_t>(second) << 30}});
              });
 }
 BENCHMARK(workloadsCard)->Unit(benchmark::kMicrosecond);
@@ -222,9 +222,9 @@ BENCHMARK(workloadsCard)->Unit(benchmark::kMicrosecond);
 void processCard(benchmark::State &state)
 {
     ProcessCard card;
-    tellCard(state, card, {617, 304},
-             [](ProcessCard &told, const std::vector<SystemMetrics> &, int second) {
-                 told.show(processes(second), std::uint64_t(64) << 30);
+    showPart(state, card, {617, 304},
+             [](ProcessCard &shown, const std::vector<SystemMetrics> &, int second) {
+                 shown.show(processes(second), std::uint64_t(64) << 30);
              });
 }
 BENCHMARK(processCard)->Unit(benchmark::kMicrosecond);

@@ -191,7 +191,7 @@ void TestAIWorkloadsCard::leavesNoStalePixels()
     for (const bool back : {false, true}) {
         shown.card.show(back ? after : scriptedWorkloads());
         const auto change = [&] { shown.card.show(back ? scriptedWorkloads() : after); };
-        QCOMPARE(leftBehindBy(change, shown.card), QRect());
+        QCOMPARE(stalePixelsAfter(change, shown.card), QRect());
     }
 }
 

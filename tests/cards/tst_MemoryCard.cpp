@@ -258,7 +258,7 @@ void TestMemoryCard::leavesNoStalePixels()
     QFETCH(MemorySnapshot, after);
     Shown shown;
     shown.show(before);
-    QCOMPARE(leftBehindBy([&] { shown.show(after); }, shown.card), QRect());
+    QCOMPARE(stalePixelsAfter([&] { shown.show(after); }, shown.card), QRect());
 }
 
 QTEST_MAIN(TestMemoryCard)

@@ -208,7 +208,7 @@ void TestPowerCard::leavesNoStalePixels()
     QFETCH(History, after);
     Shown shown;
     shown.show(before);
-    QCOMPARE(leftBehindBy([&] { shown.show(after); }, shown.card), QRect());
+    QCOMPARE(stalePixelsAfter([&] { shown.show(after); }, shown.card), QRect());
 }
 
 void TestPowerCard::fitsHugePower()

@@ -169,7 +169,7 @@ void TestProcessCard::leavesNoStalePixels()
     for (const bool back : {false, true}) {
         shown.card.show(back ? after : scriptedProcesses(), 64 * gib);
         const auto change = [&] { shown.card.show(back ? scriptedProcesses() : after, 64 * gib); };
-        QCOMPARE(leftBehindBy(change, shown.card), QRect());
+        QCOMPARE(stalePixelsAfter(change, shown.card), QRect());
     }
 }
 

@@ -255,7 +255,7 @@ void TestRowList::focusRingDisappears()
     List list(5);
     list.list.setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&list.list));
-    QCOMPARE(leftBehindBy([&list] { list.list.clearFocus(); }, list.list), QRect());
+    QCOMPARE(stalePixelsAfter([&list] { list.list.clearFocus(); }, list.list), QRect());
 }
 
 void TestRowList::everyRowIsAccessible()

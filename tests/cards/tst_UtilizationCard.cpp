@@ -246,7 +246,7 @@ void TestUtilizationCard::leavesNoStalePixels()
     QFETCH(ChipReading, after);
     Shown shown(unit);
     shown.show(before);
-    QCOMPARE(leftBehindBy([&] { shown.show(after); }, shown.card), QRect());
+    QCOMPARE(stalePixelsAfter([&] { shown.show(after); }, shown.card), QRect());
 }
 
 void TestUtilizationCard::fitsManyCores_data()

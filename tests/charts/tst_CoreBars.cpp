@@ -197,7 +197,7 @@ void TestCoreBars::repaintsAllThatMoved()
         const QImage next = onScreen(bars);
         QVERIFY(next != screen);
         screen = next;
-        QCOMPARE(leftBehind(bars), QRect());
+        QCOMPARE(stalePixels(bars), QRect());
     }
 }
 

@@ -411,7 +411,7 @@ void TestSparkline::repaintsAllThatMoved()
         const QImage next = onScreen(chart);
         QVERIFY(next != screen);
         screen = next;
-        QCOMPARE(leftBehind(chart), QRect());
+        QCOMPARE(stalePixels(chart), QRect());
     }
 }
 

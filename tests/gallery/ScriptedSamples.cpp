@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int sampleCount = 60;
 
-/// 14:04:35 local time on a summer's day, so that the labels read alike everywhere.
+/// 14:04:35 local time, so that the time labels are the same in every time zone.
 double firstTimestamp()
 {
     const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
@@ -22,7 +22,7 @@ double firstTimestamp()
     return static_cast<double>(reference.secsTo(first));
 }
 
-/// A number in -1…1 that looks random and is the same each time.
+/// A pseudorandom number in -1…1.
 double wobble(int index, int seed)
 {
     return std::sin(index * 12.9898 + seed * 78.233) * std::cos(index * 4.1414 + seed);

@@ -8,17 +8,17 @@
 
 namespace corvane::test {
 
-/// A made-up minute of a 16-core, 64 GB chip under bursts of inference, one sample a second. The
-/// same each time; made for pictures, tests and benchmarks.
+/// An invented minute of a 16-core chip with 64 GB under bursts of inference, one sample a second.
+/// The same on every call. For pictures and tests.
 std::vector<SystemMetrics> scriptedHistory();
 
-/// The newest of them, in full.
+/// The newest sample of that minute.
 SystemMetrics scriptedCurrent();
 
 /// The same minute without chip readings.
 std::vector<SystemMetrics> historyWithoutChip();
 
-/// The same minute with memory running short, up to a snapshot at that pressure.
+/// The same minute with memory that runs out, all at that pressure.
 std::vector<SystemMetrics> historyUnderPressure(MemoryPressure pressure);
 
 std::vector<ProcessRow> scriptedProcesses();

@@ -1,8 +1,8 @@
-// Renders the dashboard, every card and every state of them from scripted samples to PNG files:
+// Renders the dashboard and the cards in all their states from scripted samples to PNG files:
 //
 //     corvane_gallery FOLDER [SCALE]
 //
-// Without a scale it runs itself at 1 and at 2, since the scale of a program is set at its start.
+// Without a scale it runs itself at 1 and at 2, since Qt reads the scale when a program starts.
 
 #include "app/AboutPanel.h"
 #include "cards/AIWorkloadsCard.h"
@@ -141,13 +141,13 @@ bool infoPopover(const Gallery &gallery)
     const bool good = gallery.save(window, u"info-popover"_s);
     card.infoButton()->click();
 
-    // The wording of the other system too.
+    // The Mac's wording, on every system.
     const InfoText mac = infoText(InfoTopic::power, HostSystem::mac);
     InfoPopover popover(mac.title, mac.text, card.infoButton(), InfoButton::clickArea());
     return gallery.save(window, u"info-popover-mac"_s) && good;
 }
 
-/// One card alone on the dashboard's background.
+/// Saves a picture of one card on the dashboard's background.
 bool saveCard(const Gallery &gallery, const QString &name, const QSize &size,
               const std::function<QWidget *(QWidget *parent)> &make)
 {

@@ -12,7 +12,7 @@
 
 namespace corvane::test {
 
-/// The widget alone, on a transparent ground, at a scale.
+/// Picture of the widget on a transparent background, at a scale.
 inline QImage rendered(QWidget &widget, double scale)
 {
     QImage image((QSizeF(widget.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
@@ -22,14 +22,14 @@ inline QImage rendered(QWidget &widget, double scale)
     return image;
 }
 
-/// The pixel at a place given in points.
+/// Colour of the pixel at a position in points.
 inline QColor pixelAt(const QImage &image, double x, double y)
 {
     const double scale = image.devicePixelRatio();
     return image.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale));
 }
 
-/// Whether two colours are equal but for what rounding in blending explains.
+/// Whether two colours are equal within the rounding of blending.
 inline bool isClose(const QColor &actual, const QColor &expected, int tolerance = 3)
 {
     return std::abs(actual.red() - expected.red()) <= tolerance
@@ -38,39 +38,39 @@ inline bool isClose(const QColor &actual, const QColor &expected, int tolerance 
         && std::abs(actual.alpha() - expected.alpha()) <= tolerance;
 }
 
-/// What stands on the screen of a shown window when all that was asked for has been painted.
+/// Picture of a shown window on the screen after all pending repaints.
 inline QImage onScreen(QWidget &window)
 {
     QCoreApplication::processEvents();
     return window.screen()->grabWindow(window.winId()).toImage();
 }
 
-/// Around where the screen, painted in parts so far, is not what a fresh painting of all makes of
-/// it; null: nowhere.
-inline QRect leftBehind(QWidget &window)
+/// Bounding box of the pixels that a repaint of the whole window changes, which earlier repaints of
+/// parts should have painted; null if there are none.
+inline QRect stalePixels(QWidget &window)
 {
-    const QImage parts = onScreen(window);
+    const QImage painted = onScreen(window);
     window.repaint();
-    const QImage fresh = onScreen(window);
+    const QImage repainted = onScreen(window);
     QRect different;
-    for (int y = 0; y < fresh.height(); ++y) {
-        for (int x = 0; x < fresh.width(); ++x) {
-            if (parts.pixel(x, y) != fresh.pixel(x, y))
+    for (int y = 0; y < repainted.height(); ++y) {
+        for (int x = 0; x < repainted.width(); ++x) {
+            if (painted.pixel(x, y) != repainted.pixel(x, y))
                 different |= QRect(x, y, 1, 1);
         }
     }
     return different;
 }
 
-/// The same after a change, which has to show; all of the window where it does not.
-inline QRect leftBehindBy(const std::function<void()> &change, QWidget &window)
+/// The same after `change`; the whole window if that changes no pixel.
+inline QRect stalePixelsAfter(const std::function<void()> &change, QWidget &window)
 {
     const QImage before = onScreen(window);
     change();
-    return onScreen(window) != before ? leftBehind(window) : window.rect();
+    return onScreen(window) != before ? stalePixels(window) : window.rect();
 }
 
-/// Collects what is repainted of a widget from now on.
+/// Collects the regions of a widget that are repainted from now on.
 class PaintWatch : public QObject {
 public:
     explicit PaintWatch(QWidget &widget) { widget.installEventFilter(this); }
