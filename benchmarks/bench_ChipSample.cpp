@@ -2,8 +2,8 @@
 // stands in for a desktop with a discrete card (its files are ordinary ones, which cost less to
 // read than the kernel's).
 
-#include "benchmarks/BareReads.h"
-#include "benchmarks/Ratio.h"
+#include "BareReads.h"
+#include "Ratio.h"
 #include "chip/ChipReader.h"
 #include "chip/ThermalBridge.h"
 #include "cpu/CoreTicks.h"

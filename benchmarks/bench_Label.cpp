@@ -1,4 +1,4 @@
-#include "benchmarks/Ratio.h"
+#include "Ratio.h"
 #include "tray/TrayPicture.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,5 @@
-#include "benchmarks/BareReads.h"
-#include "benchmarks/Ratio.h"
+#include "BareReads.h"
+#include "Ratio.h"
 #include "cpu/CoreTicks.h"
 #include "memory/MemorySampler.h"
 

@@ -2,7 +2,7 @@
 // pass must do: open, read and close one small file a process. Real children fill the process
 // table; both sides are measured in turn, in CPU time of this thread.
 
-#include "benchmarks/Ratio.h"
+#include "Ratio.h"
 #include "processes/AIProcessDetector.h"
 #include "processes/ProcessSampler.h"
 #include "processes/Survey.h"

@@ -2,7 +2,7 @@
 // reporting library in the same run: a sample, a difference and a walk that asks for every text and
 // number and does nothing with them. What the simulation itself takes is in both.
 
-#include "benchmarks/Ratio.h"
+#include "Ratio.h"
 #include "chip/ChipSource.h"
 #include "simulated_mac/SimulatedMac.h"
 

@@ -3,8 +3,8 @@
 // display where there is one, to have the real one's costs: tests/desktop/virtual-desktop
 // bench_Start
 
+#include "Ratio.h"
 #include "app/CorvaneApp.h"
-#include "benchmarks/Ratio.h"
 #include "dashboard/MainWindow.h"
 
 #include <QApplication>
