@@ -26,6 +26,7 @@ else()
   enable_language(OBJCXX)
 endif()
 find_package(Threads REQUIRED)
+find_package(nlohmann_json 3.10 REQUIRED) # Ubuntu 22.04 has 3.10.5, Debian 12 has 3.11.2.
 
 find_program(CORVANE_CCACHE ccache)
 if(CORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)

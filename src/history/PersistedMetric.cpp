@@ -1,52 +1,207 @@
 #include "history/PersistedMetric.h"
 
-#include "history/JsonText.h"
+#include "platform/KernelText.h"
 
 #include <QByteArrayView>
-#include <QJsonDocument>
 #include <QLocale>
+
+// Its assertions are about the C library's reading of numbers, which is not used here and which
+// fails where the language's decimal point has several bytes.
+#define JSON_ASSERT(condition)
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
+#include <bitset>
+#include <charconv>
 #include <cmath>
+#include <string>
 #include <string_view>
-#include <vector>
+#include <variant>
 
 namespace corvane {
 
 namespace {
 
 /// A field and its key.
-template <typename Number>
 struct Field {
     std::string_view key;
-    Number PersistedMetric::*number;
+    std::variant<double PersistedMetric::*, quint64 PersistedMetric::*> number;
 };
 
-constexpr Field<double> time{"t", &PersistedMetric::t};
-constexpr std::array byteCounts{Field<quint64>{"memTotal", &PersistedMetric::memTotal},
-                                Field<quint64>{"memUsed", &PersistedMetric::memUsed}};
-constexpr std::array measures{Field<double>{"memPct", &PersistedMetric::memPct},
-                              Field<double>{"cpuPct", &PersistedMetric::cpuPct},
-                              Field<double>{"gpuPct", &PersistedMetric::gpuPct},
-                              Field<double>{"cpuW", &PersistedMetric::cpuW},
-                              Field<double>{"gpuW", &PersistedMetric::gpuW},
-                              Field<double>{"aneW", &PersistedMetric::aneW}};
+/// In the order in which they are written.
+constexpr std::array fields{
+    Field{"t", &PersistedMetric::t},
+    Field{"memTotal", &PersistedMetric::memTotal},
+    Field{"memUsed", &PersistedMetric::memUsed},
+    Field{"memPct", &PersistedMetric::memPct},
+    Field{"cpuPct", &PersistedMetric::cpuPct},
+    Field{"gpuPct", &PersistedMetric::gpuPct},
+    Field{"cpuW", &PersistedMetric::cpuW},
+    Field{"gpuW", &PersistedMetric::gpuW},
+    Field{"aneW", &PersistedMetric::aneW},
+};
+
+/// The exact value of a JSON number that a double can hold, beyond the double's digits; absent if
+/// it is negative, has a fraction or needs more than 64 bits.
+std::optional<quint64> wholeNumber(std::string_view number)
+{
+    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
+    std::int64_t exponent = 0;
+    if (mantissa.size() < number.size()) {
+        const bool hasPlus = number[mantissa.size() + 1] == '+';
+        std::from_chars(number.data() + mantissa.size() + (hasPlus ? 2 : 1),
+                        number.data() + number.size(), exponent);
+    }
+
+    // The value is ±digits × 10^exponent, without zeros on either side of the digits.
+    std::string digits(mantissa);
+    if (const std::size_t point = digits.find('.'); point != std::string::npos) {
+        exponent -= static_cast<std::int64_t>(digits.size() - point - 1);
+        digits.erase(point, 1);
+    }
+    digits.erase(0, digits.find_first_not_of("-0"));
+    if (digits.empty())
+        return 0;
+    const std::size_t significant = digits.find_last_not_of('0') + 1;
+    exponent += static_cast<std::int64_t>(digits.size() - significant);
+    digits.resize(significant);
+
+    constexpr std::int64_t mostDigits = 20;
+    if (number.starts_with('-') || exponent < 0
+        || static_cast<std::int64_t>(significant) + exponent > mostDigits)
+        return std::nullopt;
+    digits.append(static_cast<std::size_t>(exponent), '0');
+    return parseUnsigned(digits);
+}
+
+/// Receives a line from the parser, value by value, which needs no tree and does not recurse.
+/// A value that cannot be kept ends the parse.
+class LineReader : public nlohmann::json_sax<nlohmann::json> {
+public:
+    /// Absent unless each field had a number of its kind.
+    std::optional<PersistedMetric> metric() const
+    {
+        return m_found.all() ? std::optional(m_metric) : std::nullopt;
+    }
+
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool string(string_t &) override { return true; }
+    bool binary(binary_t &) override { return true; }
+
+    bool number_integer(number_integer_t number) override
+    {
+        const auto whole = static_cast<quint64>(number);
+        setNumber(static_cast<double>(number), number < 0 ? std::nullopt : std::optional(whole));
+        return true;
+    }
+
+    bool number_unsigned(number_unsigned_t number) override
+    {
+        setNumber(static_cast<double>(number), number);
+        return true;
+    }
+
+    bool number_float(number_float_t, const string_t &text) override
+    {
+        // The parser writes the decimal point of the user's language into it.
+        std::string number = text;
+        const std::size_t point = number.find_first_not_of("0123456789+-eE");
+        if (point != std::string::npos)
+            number[point] = '.';
+        bool isDouble = false; // Neither beyond all doubles nor closer to zero than any.
+        const double measure = QByteArrayView(number).toDouble(&isDouble);
+        if (isDouble)
+            setNumber(measure, wholeNumber(number));
+        return isDouble;
+    }
+
+    bool start_object(std::size_t) override { return enter(); }
+    bool start_array(std::size_t) override { return enter(); }
+    bool end_object() override { return leave(); }
+    bool end_array() override { return leave(); }
+
+    bool key(string_t &name) override
+    {
+        if (m_depth != 1)
+            return true;
+        m_field =
+            static_cast<std::size_t>(std::ranges::find(fields, name, &Field::key) - fields.begin());
+        if (m_field < fields.size())
+            m_found.reset(m_field); // Of a key that stands twice the last one counts.
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string &, const nlohmann::detail::exception &) override
+    {
+        return false;
+    }
+
+private:
+    bool enter()
+    {
+        ++m_depth;
+        return true;
+    }
+
+    bool leave()
+    {
+        --m_depth;
+        return true;
+    }
+
+    /// The value of the present key, if it is one of the record's: as a measure and, if it is one,
+    /// as a count.
+    void setNumber(double measure, std::optional<quint64> count)
+    {
+        if (m_depth != 1 || m_field >= fields.size())
+            return;
+        const auto &number = fields[m_field].number;
+        if (const auto *measured = std::get_if<double PersistedMetric::*>(&number))
+            m_metric.*(*measured) = measure;
+        else if (count)
+            m_metric.*std::get<quint64 PersistedMetric::*>(number) = *count;
+        else
+            return;
+        m_found.set(m_field);
+    }
+
+    PersistedMetric m_metric;
+    std::bitset<fields.size()> m_found;
+    std::size_t m_field = fields.size(); ///< The present key; past the end for one of no field.
+    int m_depth = 0;                     ///< Objects and lists that are open.
+};
+
+/// The shortest digits that read back as the very same number; absent if JSON cannot hold it.
+std::optional<QByteArray> numberText(double number)
+{
+    if (!std::isfinite(number))
+        return std::nullopt;
+    return QByteArray::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
+std::optional<QByteArray> numberText(quint64 number)
+{
+    return QByteArray::number(number);
+}
 
 } // namespace
 
 PersistedMetric PersistedMetric::from(const SystemMetrics &sample)
 {
-    const ChipReading chip = sample.chip.value_or(ChipReading());
-    return {.t = sample.timestamp,
-            .memTotal = sample.memory.total,
-            .memUsed = sample.memory.used,
-            .memPct = usedPercent(sample.memory),
-            .cpuPct = chip.cpuActiveFraction * 100,
-            .gpuPct = chip.gpuActiveFraction * 100,
-            .cpuW = chip.cpuWatts,
-            .gpuW = chip.gpuWatts,
-            .aneW = chip.aneWatts};
+    PersistedMetric metric{.t = sample.timestamp,
+                           .memTotal = sample.memory.total,
+                           .memUsed = sample.memory.used,
+                           .memPct = usedPercent(sample.memory)};
+    if (const auto &chip = sample.chip) {
+        metric.cpuPct = chip->cpuActiveFraction * 100;
+        metric.gpuPct = chip->gpuActiveFraction * 100;
+        metric.cpuW = chip->cpuWatts;
+        metric.gpuW = chip->gpuWatts;
+        metric.aneW = chip->aneWatts;
+    }
+    return metric;
 }
 
 SystemMetrics PersistedMetric::toSample() const
@@ -63,51 +218,27 @@ SystemMetrics PersistedMetric::toSample() const
 std::optional<QByteArray> PersistedMetric::toJson() const
 {
     QByteArray line;
-    const auto add = [&line](std::string_view key, const QByteArray &number) {
-        line += (line.isEmpty() ? '{' : ',');
-        line += '"' + QByteArray(key.data(), static_cast<qsizetype>(key.size())) + "\":" + number;
-    };
-    const auto addMeasure = [this, &add](const Field<double> &field) {
-        const double number = this->*field.number;
-        // The shortest digits that read back as the very same number.
-        add(field.key, QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
-        return std::isfinite(number);
-    };
-    bool finite = addMeasure(time);
-    for (const auto &field : byteCounts)
-        add(field.key, QByteArray::number(this->*field.number));
-    for (const auto &field : measures)
-        finite = addMeasure(field) && finite;
-    if (!finite)
-        return std::nullopt;
+    for (const Field &field : fields) {
+        const auto text =
+            std::visit([this](auto number) { return numberText(this->*number); }, field.number);
+        if (!text)
+            return std::nullopt;
+        line += line.isEmpty() ? "{\"" : ",\"";
+        line += QByteArrayView(field.key.data(), field.key.size());
+        line += "\":" + *text;
+    }
     return line + '}';
 }
 
 std::optional<PersistedMetric> PersistedMetric::fromJson(const QByteArray &line)
 {
-    if (!QJsonDocument::fromJson(line).isObject())
+    // The parser takes a NUL for the end of its input.
+    if (line.contains('\0'))
         return std::nullopt;
-
-    // Qt's values hold whole numbers of 63 bits and make doubles of the larger ones, so all numbers
-    // are read from the text.
-    PersistedMetric metric;
-    const std::vector<JsonMember> all =
-        members(std::string_view(line.data(), static_cast<std::size_t>(line.size())));
-    const auto readMeasure = [&metric, &all](const Field<double> &field) {
-        const std::string_view text = valueOf(all, field.key);
-        bool finite = false;
-        metric.*field.number = QByteArrayView(text.data(), text.size()).toDouble(&finite);
-        return finite && isNumber(text);
-    };
-    const auto readByteCount = [&metric, &all](const Field<quint64> &field) {
-        const auto count = exactUnsigned(valueOf(all, field.key));
-        metric.*field.number = count.value_or(0);
-        return count.has_value();
-    };
-    if (!readMeasure(time) || !std::ranges::all_of(byteCounts, readByteCount)
-        || !std::ranges::all_of(measures, readMeasure))
+    LineReader reader;
+    if (!nlohmann::json::sax_parse(line.begin(), line.end(), &reader))
         return std::nullopt;
-    return metric;
+    return reader.metric();
 }
 
 } // namespace corvane

@@ -1,5 +1,5 @@
-corvane_test(history/tst_JsonText)
 corvane_test(history/tst_PersistedMetric)
+corvane_test(history/tst_DecimalPoint SYSTEM linux)
 corvane_test(history/tst_LineFile)
 corvane_test(history/tst_SerialQueue THREADED)
 corvane_test(history/tst_HistoryStore THREADED)

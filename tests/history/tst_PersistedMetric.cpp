@@ -59,16 +59,16 @@ class TestPersistedMetric : public QObject {
     Q_OBJECT
 
 private slots:
-    void isMadeFromASample();
+    void comesFromASample();
     void hasZerosWithoutAChip();
-    void hasNoShareOfNoMemory();
+    void hasAShareOfZeroWithoutATotal();
     void becomesASampleAgain();
-    void hasAnIdentityOfItsOwn();
+    void givesEachSampleANewIdentity();
     void isOneObjectALine();
-    void isValidForQtsReader();
-    void isDroppedUnlessFinite_data();
-    void isDroppedUnlessFinite();
-    void survivesToTheLastBit();
+    void isValidForAnotherReader();
+    void isNotWrittenUnlessFinite_data();
+    void isNotWrittenUnlessFinite();
+    void isReadBackToTheLastBit();
     void keepsByteCountsExactly_data();
     void keepsByteCountsExactly();
     void readsEveryNumberOfJson_data();
@@ -78,9 +78,10 @@ private slots:
     void readsLines_data();
     void readsLines();
     void needsAllKeys();
+    void survivesEveryDamagedByte();
 };
 
-void TestPersistedMetric::isMadeFromASample()
+void TestPersistedMetric::comesFromASample()
 {
     const SystemMetrics sample{.timestamp = 12.5,
                                .memory = {.total = 4000, .used = 1000, .free = 7},
@@ -108,14 +109,14 @@ void TestPersistedMetric::hasZerosWithoutAChip()
         same(PersistedMetric::from(sample), {.t = 1, .memTotal = 4, .memUsed = 1, .memPct = 25}));
 }
 
-void TestPersistedMetric::hasNoShareOfNoMemory()
+void TestPersistedMetric::hasAShareOfZeroWithoutATotal()
 {
     QCOMPARE(PersistedMetric::from({.memory = {.total = 0, .used = 5}}).memPct, 0.0);
 }
 
 void TestPersistedMetric::becomesASampleAgain()
 {
-    // The stored share of memory is not looked at: the bytes tell it.
+    // The stored share of the memory is not used: it follows from the bytes.
     PersistedMetric metric = example;
     metric.memPct = 99;
     const SystemMetrics sample = metric.toSample();
@@ -142,7 +143,7 @@ void TestPersistedMetric::becomesASampleAgain()
             && !sample.chip->packageTempC);
 }
 
-void TestPersistedMetric::hasAnIdentityOfItsOwn()
+void TestPersistedMetric::givesEachSampleANewIdentity()
 {
     QVERIFY(!example.toSample().id.isNull());
     QVERIFY(example.toSample().id != example.toSample().id);
@@ -156,7 +157,7 @@ void TestPersistedMetric::isOneObjectALine()
                  R"("cpuPct":37.5,"gpuPct":12.25,"cpuW":3.75,"gpuW":1.5,"aneW":0.125})"));
 }
 
-void TestPersistedMetric::isValidForQtsReader()
+void TestPersistedMetric::isValidForAnotherReader()
 {
     PersistedMetric metric = example;
     metric.cpuPct = 1e-7;
@@ -168,7 +169,7 @@ void TestPersistedMetric::isValidForQtsReader()
     QCOMPARE(object.value("gpuPct"_L1).toDouble(), 1e22);
 }
 
-void TestPersistedMetric::isDroppedUnlessFinite_data()
+void TestPersistedMetric::isNotWrittenUnlessFinite_data()
 {
     QTest::addColumn<double>("number");
     QTest::newRow("not a number") << notANumber;
@@ -176,7 +177,7 @@ void TestPersistedMetric::isDroppedUnlessFinite_data()
     QTest::newRow("infinite below") << -infinity;
 }
 
-void TestPersistedMetric::isDroppedUnlessFinite()
+void TestPersistedMetric::isNotWrittenUnlessFinite()
 {
     QFETCH(double, number);
     QVERIFY(example.toJson());
@@ -190,7 +191,7 @@ void TestPersistedMetric::isDroppedUnlessFinite()
     }
 }
 
-void TestPersistedMetric::survivesToTheLastBit()
+void TestPersistedMetric::isReadBackToTheLastBit()
 {
     std::mt19937_64 random(20010101);
     int finite = 0;
@@ -211,8 +212,8 @@ void TestPersistedMetric::keepsByteCountsExactly_data()
 {
     QTest::addColumn<quint64>("bytes");
     QTest::newRow("none") << quint64(0);
-    QTest::newRow("the last that a double counts to") << (quint64(1) << 53);
-    QTest::newRow("the first that it does not") << (quint64(1) << 53) + 1;
+    QTest::newRow("the last up to which doubles have all whole numbers") << (quint64(1) << 53);
+    QTest::newRow("the first that no double holds") << (quint64(1) << 53) + 1;
     QTest::newRow("the largest signed") << largest / 2;
     QTest::newRow("one above it") << largest / 2 + 1;
     QTest::newRow("one below the largest") << largest - 1;
@@ -247,7 +248,7 @@ void TestPersistedMetric::readsEveryNumberOfJson_data()
     row("beyond every double", "1e400", {});
     row("an exponent that no integer holds", "1e99999999999999999999", {});
     row("beyond every negative double", "-1e400", {});
-    row("closer to zero than any double", "1e-400", {});
+    row("closer to zero than every double", "1e-400", {});
     row("true", "true", {});
     row("null", "null", {});
     row("a number as text", "\"12\"", {});
@@ -257,9 +258,9 @@ void TestPersistedMetric::readsEveryNumberOfJson_data()
     row("no digit behind the point", "12.", {});
     row("a plus", "+12", {});
     row("a leading zero", "012", {});
-    row("a word that is no number of JSON", "NaN", {});
-    row("another such", "Infinity", {});
-    row("nothing", "", {});
+    row("a number that JSON does not have", "NaN", {});
+    row("another number that JSON does not have", "Infinity", {});
+    row("no value", "", {});
 }
 
 void TestPersistedMetric::readsEveryNumberOfJson()
@@ -281,8 +282,9 @@ void TestPersistedMetric::readsByteCountsInAnyNotation_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<std::optional<quint64>>("expected");
-    const auto row = [](const char *name, const char *value, std::optional<quint64> expected) {
-        QTest::newRow(name) << QByteArray(value) << expected;
+    const auto row = [](const char *name, const QByteArray &value,
+                        std::optional<quint64> expected) {
+        QTest::newRow(name) << value << expected;
     };
     row("with a fraction of zero", "17179869184.0", 17'179'869'184);
     row("with an exponent", "1.6e10", 16'000'000'000);
@@ -292,6 +294,20 @@ void TestPersistedMetric::readsByteCountsInAnyNotation_data()
     row("one more than the largest", "18446744073709551616", {});
     row("a fraction", "0.5", {});
     row("a fraction beyond a double's digits", "9007199254740993.5", {});
+    row("just below one", "0.99999999999999999999999999", {});
+    row("one beyond a double's digits", "9007199254740993", 9'007'199'254'740'993);
+    row("the same with a fraction of zero", "9007199254740993.000", 9'007'199'254'740'993);
+    row("the largest with an exponent", "1.8446744073709551615e19", largest);
+    row("one more, with an exponent", "1.8446744073709551616e19", {});
+    row("the largest times ten", "184467440737095516150", {});
+    row("an exponent with a plus", "2e+2", 200);
+    row("a negative exponent that leaves a whole", "1200e-2", 12);
+    row("a negative exponent that leaves a fraction", "1205e-2", {});
+    row("many zeros cancelled by the exponent", "1" + QByteArray(300, '0') + "e-300", 1);
+    row("zero with any exponent", "0e99999999999999999999999", 0);
+    row("zero with sign, fraction and exponent", "-0.00e-5", 0);
+    row("negative with an exponent", "-1e3", {});
+    row("an exponent that no integer holds", "1e99999999999999999999", {});
     row("negative", "-1", {});
     row("beyond every double", "1e400", {});
     row("true", "true", {});
@@ -321,27 +337,36 @@ void TestPersistedMetric::readsLines_data()
     row("as written", whole, true);
     row("a carriage return at its end", whole + '\r', true);
     row("spacing", QByteArray(whole).replace(':', " :\t").replace(',', " , "), true);
-    row("a key that nobody knows", "{\"host\":\"a\",\"x\":[{}]," + inside + "}", true);
-    row("the same key again, the last counts", "{\"t\":1," + inside + "}", true);
-    row("a wrong one first, a right one last", "{\"memUsed\":null," + inside + "}", true);
-    row("a right one first, a wrong one last", "{" + inside + ",\"memUsed\":null}", false);
-    row("a key that is escaped", QByteArray(whole).replace("\"t\"", "\"\\u0074\""), true);
+    row("an unknown key", "{\"host\":\"a\",\"x\":[{}]," + inside + "}", true);
+    row("a key that stands twice", "{\"t\":1," + inside + "}", true);
+    row("a key that stands twice, null first and a number last",
+        "{\"memUsed\":null," + inside + "}", true);
+    row("a key that stands twice, a number first and null last",
+        "{" + inside + ",\"memUsed\":null}", false);
+    row("an escaped key", QByteArray(whole).replace("\"t\"", "\"\\u0074\""), true);
     row("the same keys in a nested object", "{\"old\":{\"t\":1,\"memUsed\":-1}," + inside + "}",
         true);
-    row("all of it in a nested object", "{\"record\":" + whole + "}", false);
+    row("all keys in a nested object", "{\"record\":" + whole + "}", false);
     row("a list around it", "[" + whole + "]", false);
     row("two records on a line", whole + whole, false);
     row("a cut piece before it", whole.left(40) + whole, false);
-    row("text behind it", whole + "x", false);
-    row("a NUL behind it", whole + '\0', false);
+    row("text after it", whole + "x", false);
+    row("a NUL after it", whole + '\0', false);
     row("a key in capitals", QByteArray(whole).replace("\"t\"", "\"T\""), false);
+    row("a byte order mark before it", "\xef\xbb\xbf" + whole, true);
+    row("sixty thousand nested lists",
+        "{\"x\":" + QByteArray(60'000, '[') + QByteArray(60'000, ']') + ',' + inside + "}", true);
+    row("a text that looks like keys", "{\"x\":\"\\\",\\\"t\\\":1,\"," + inside + "}", true);
+    row("an unknown number that no double holds", "{\"x\":1e400," + inside + "}", false);
+    row("an unknown value that is no JSON", "{\"x\":.5," + inside + "}", false);
+    row("a control character in a text", "{\"x\":\"\t\"," + inside + "}", false);
     row("text that is not UTF-8", "{\"x\":\"\xff\"," + inside + "}", false);
-    row("nesting without end", QByteArray(60'000, '['), false);
-    row("an object, nothing in it", "{}", false);
+    row("lists that are not closed", QByteArray(60'000, '['), false);
+    row("an empty object", "{}", false);
     row("a number", "5", false);
     row("a word", "null", false);
-    row("nothing", "", false);
-    row("bytes that mean nothing", QByteArray::fromHex("00ff80feff0d1b5b"), false);
+    row("an empty line", "", false);
+    row("bytes that are no text", QByteArray::fromHex("00ff80feff0d1b5b"), false);
 }
 
 void TestPersistedMetric::readsLines()
@@ -368,6 +393,19 @@ void TestPersistedMetric::needsAllKeys()
         others.prepend(member);
         const auto reordered = PersistedMetric::fromJson('{' + others.join(',') + '}');
         QVERIFY(reordered && same(*reordered, example));
+    }
+}
+
+void TestPersistedMetric::survivesEveryDamagedByte()
+{
+    const QByteArray whole = *example.toJson();
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        for (const char c : QByteArray("{}[],:\"\\ .e-0\xff\0", 15)) {
+            QByteArray damaged = whole;
+            damaged[i] = c;
+            const auto metric = PersistedMetric::fromJson(damaged);
+            QVERIFY2(!metric || survives(*metric), damaged.constData());
+        }
     }
 }
 
