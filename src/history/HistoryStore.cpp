@@ -1,5 +1,7 @@
 #include "history/HistoryStore.h"
 
+#include "platform/MainThread.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
@@ -8,19 +10,18 @@
 
 namespace corvane {
 
-namespace {
-
 using namespace Qt::StringLiterals;
-
-} // namespace
 
 HistoryStore::HistoryStore(const QString &directory)
     : m_file(QFile::encodeName(directory + "/history.jsonl"_L1).toStdString()),
       m_writer(QFile::encodeName(directory).toStdString()),
-      m_queue(CORVANE_IDENTIFIER ".history"_L1)
+      m_queue(CORVANE_IDENTIFIER ".history")
 {
-    QDir().mkpath(directory);
-    m_file.create();
+    assertMainThread();
+    m_queue.sync([this, &directory] {
+        QDir().mkpath(directory);
+        m_file.create();
+    });
 }
 
 QString HistoryStore::defaultDirectory()

@@ -11,26 +11,25 @@
 
 namespace corvane {
 
-/// Keeps the samples across starts in `history.jsonl`, a line a record. Owned by the sampler, which
-/// uses it on the main thread; the file work runs on one serial queue, in order, and is finished
-/// when the store is gone. Failures are told to nobody: the record or operation is lost, no more.
-/// While another store writes into the folder, of this process or another, this one only reads; it
-/// writes from when the other is gone. Where folders cannot be locked there is no telling: it
-/// writes.
+/// Keeps the samples across starts in `history.jsonl`, one record a line. Owned by the sampler,
+/// which uses it on the main thread; the file work runs on one serial queue, in order, and the
+/// destructor waits for it. Failures are not reported: the record or operation is lost, no more.
+/// While another store, of this process or another, writes into the folder, this one only reads; it
+/// starts to write when the other is gone. Where folders cannot be locked it always writes.
 class HistoryStore {
 public:
     /// Creates the folder and an empty file where they are missing. A file that is deleted later
-    /// stays so until the next store.
+    /// is only created again by the next store.
     explicit HistoryStore(const QString &directory = defaultDirectory());
 
     /// "Corvane" in the system's folder for the user's application data.
     static QString defaultDirectory();
 
-    /// Returns at once.
+    /// Adds a line to the file. Returns at once.
     void append(const PersistedMetric &metric);
 
-    /// The records among the newest `n` lines, oldest first; a damaged line is not made up for by
-    /// an older one. Waits for everything handed in before.
+    /// The records among the newest `n` lines, oldest first; an older line does not take the place
+    /// of a damaged one. Waits for all appends and trims before it.
     std::vector<PersistedMetric> loadLast(int n);
 
     /// Cuts the file to its newest `toLast` lines, damaged ones included. Returns at once.
@@ -39,8 +38,8 @@ public:
 private:
     bool mayWrite() { return m_writer.take() != FolderLock::Holder::other; }
 
-    LineFile m_file;     ///< Used on the queue only, once constructed.
-    FolderLock m_writer; ///< Likewise. Held from the first write on.
+    LineFile m_file;     ///< Used on the queue only.
+    FolderLock m_writer; ///< Used on the queue only. Held from the first write on.
     SerialQueue m_queue;
 };
 

@@ -30,7 +30,7 @@ std::size_t size(const FileDescriptor &file)
     return fstat(file.get(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-/// Fills `into` from `offset`; false when the file ends before or cannot be read.
+/// Fills `into` with what stands at `offset`; false if the file ends earlier or cannot be read.
 bool readAt(const FileDescriptor &file, char *into, std::size_t length, std::size_t offset)
 {
     while (length > 0) {
@@ -60,14 +60,14 @@ bool writeAll(const FileDescriptor &file, const char *from, std::size_t length)
     return true;
 }
 
-/// The last `count` lines, in the file's order. Read backwards, as far as they need.
+/// The last `count` lines, in the file's order. Reads backwards and no further than needed.
 std::vector<Line> lastLines(const FileDescriptor &file, std::size_t count)
 {
     const std::size_t fileSize = size(file);
     const std::size_t floor = fileSize - std::min(fileSize, LineFile::mostBytes);
     std::vector<Line> lines;
     std::string chunk;
-    std::size_t end = fileSize; // Of the line that is being looked for the start of.
+    std::size_t end = fileSize; // End of the line whose start is searched for.
     for (std::size_t at = fileSize; at > floor && lines.size() < count;) {
         chunk.resize(std::min(chunkSize, at - floor));
         at -= chunk.size();
@@ -112,11 +112,13 @@ LineFile::LineFile(std::string path) : m_path(std::move(path)) { }
 
 void LineFile::create() const
 {
+    m_thread.check();
     FileDescriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
 }
 
 void LineFile::append(const std::string &line) const
 {
+    m_thread.check();
     const FileDescriptor file = openRegular(m_path, FileAccess::append);
     if (!file)
         return;
@@ -126,6 +128,7 @@ void LineFile::append(const std::string &line) const
 
 std::vector<std::string> LineFile::last(std::size_t count) const
 {
+    m_thread.check();
     std::vector<std::string> texts;
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     if (!file)
@@ -142,10 +145,11 @@ std::vector<std::string> LineFile::last(std::size_t count) const
 
 void LineFile::keepLast(std::size_t count) const
 {
+    m_thread.check();
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     if (!file)
         return;
-    // One more than is kept tells whether there is anything to cut.
+    // One more than is kept, to see whether there is anything to cut.
     std::vector<Line> lines = lastLines(file, count + 1);
     if (lines.size() <= count)
         return;
@@ -158,7 +162,7 @@ void LineFile::keepLast(std::size_t count) const
     if (error || fstat(file.get(), &status) != 0)
         return;
 
-    // Always of this name, so that one that a killed run left behind is used up.
+    // Always of the same name, so that one left behind by a killed process is replaced.
     const std::string newPath = path + ".new";
     unlink(newPath.c_str());
     const FileDescriptor newFile(
@@ -166,7 +170,7 @@ void LineFile::keepLast(std::size_t count) const
     if (!newFile)
         return;
     fchmod(newFile.get(), status.st_mode & 07777); // Some file systems have no permissions.
-    // On the disk before it takes the name, so that a power cut leaves one of the two whole.
+    // On the disk before it takes the name, so that one of the two is whole after a power cut.
     const bool complete = copyLines(file, lines, newFile) && fsync(newFile.get()) == 0
         && rename(newPath.c_str(), path.c_str()) == 0;
     if (!complete)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/OneThread.h"
+
 #include <string>
 #include <vector>
 
@@ -7,21 +9,23 @@ namespace corvane {
 
 /// A text file to which lines are added at the end and of which only the last ones matter. What
 /// stands between two line feeds is a line; empty ones do not count, and the last may lack its line
-/// feed. One thread at a time.
+/// feed. Used by one thread at a time.
 ///
-/// Nothing here blocks or fails aloud: a file that is missing, refused or not regular (a folder, a
-/// FIFO, a device in its place) reads as empty and is not written. However large a file has become,
-/// only its last `mostBytes` are looked at: a line that begins before them is out of sight.
+/// Nothing here reports an error, and nothing waits for anything but the disk: a file that is
+/// missing, refused or not regular (a folder, a FIFO, a device in its place) reads as empty and is
+/// not written. Of a large file only the last `mostBytes` are read; a line that begins before them
+/// does not count.
 class LineFile {
 public:
     explicit LineFile(std::string path);
 
     static constexpr std::size_t mostBytes = std::size_t(128) << 20;
 
-    /// A longer line is damage. It counts as a line and survives a cut, but is not handed out.
+    /// In bytes. A longer line is damage: it counts as a line and survives a cut, but `last` leaves
+    /// it out.
     static constexpr std::size_t longestLine = std::size_t(64) << 10;
 
-    /// Makes an empty file when there is nothing of that name.
+    /// Creates an empty file unless something of that name exists.
     void create() const;
 
     /// Adds the line and its line feed with one write. The file must exist.
@@ -36,6 +40,7 @@ public:
 
 private:
     std::string m_path;
+    mutable OneThread m_thread;
 };
 
 } // namespace corvane

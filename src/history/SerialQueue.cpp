@@ -1,59 +1,92 @@
 #include "history/SerialQueue.h"
 
+#include "platform/ThreadName.h"
+
 #include <utility>
 
 namespace corvane {
 
-SerialQueue::SerialQueue(QString label) : m_label(std::move(label)), m_thread([this] { run(); }) { }
+namespace {
+
+/// Lets one thread wait until another one has done something.
+class Event {
+public:
+    void wait()
+    {
+        MutexLock lock(m_mutex);
+        while (!m_hasHappened)
+            m_condition.wait(lock);
+    }
+
+    void happen()
+    {
+        // Notified under the lock: the waiting thread may destroy this object once it is free.
+        const MutexLock lock(m_mutex);
+        m_hasHappened = true;
+        m_condition.notifyOne();
+    }
+
+private:
+    Mutex m_mutex;
+    Condition m_condition;
+    bool m_hasHappened GUARDED_BY(m_mutex) = false;
+};
+
+} // namespace
+
+SerialQueue::SerialQueue(const std::string &label)
+    : m_thread([this, label] {
+          nameThread(label);
+          run();
+      })
+{
+}
 
 SerialQueue::~SerialQueue()
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_stopping = true;
     }
-    m_changed.notify_one();
+    m_changed.notifyOne();
     m_thread.join();
 }
 
 void SerialQueue::async(Job job)
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_jobs.push_back(std::move(job));
     }
-    m_changed.notify_one();
+    m_changed.notifyOne();
 }
 
 void SerialQueue::sync(const Job &job)
 {
-    std::mutex mutex;
-    std::condition_variable finished;
-    bool done = false;
-    async([&] {
+    Event finished;
+    async([&job, &finished] {
         job();
-        // Told under the lock: the waiting side may take these objects away as soon as it is free.
-        const std::lock_guard lock(mutex);
-        done = true;
-        finished.notify_one();
+        finished.happen();
     });
-    std::unique_lock lock(mutex);
-    finished.wait(lock, [&done] { return done; });
+    finished.wait();
 }
 
 void SerialQueue::run()
 {
-    std::unique_lock lock(m_mutex);
-    for (;;) {
-        m_changed.wait(lock, [this] { return m_stopping || !m_jobs.empty(); });
-        if (m_jobs.empty())
-            return;
-        const Job job = std::exchange(m_jobs.front(), nullptr);
-        m_jobs.pop_front();
-        lock.unlock();
+    while (const Job job = takeJob())
         job();
-        lock.lock();
-    }
+}
+
+SerialQueue::Job SerialQueue::takeJob()
+{
+    MutexLock lock(m_mutex);
+    while (m_jobs.empty() && !m_stopping)
+        m_changed.wait(lock);
+    if (m_jobs.empty())
+        return nullptr;
+    Job job = std::move(m_jobs.front());
+    m_jobs.pop_front();
+    return job;
 }
 
 } // namespace corvane

@@ -9,33 +9,37 @@
 #include <thread>
 #include <vector>
 
+#include <pthread.h>
+
 using namespace corvane;
-using namespace Qt::StringLiterals;
 
 class TestSerialQueue : public QObject {
     Q_OBJECT
 
 private slots:
-    void knowsItsLabel();
+    void namesItsThread();
     void runsJobsOnOneThreadOfItsOwn();
     void keepsTheOrder();
     void returnsAtOnce();
-    void waitsForWhatWasHandedInBefore();
-    void finishesBeforeItIsGone();
+    void waitsForWhatWasSubmittedBefore();
+    void finishesItsJobsInItsDestructor();
     void takesJobsFromAJob();
     void takesJobsFromManyThreads();
     void dropsAJobOnceItHasRun();
 };
 
-void TestSerialQueue::knowsItsLabel()
+void TestSerialQueue::namesItsThread()
 {
-    const SerialQueue queue(u"some.label"_s);
-    QCOMPARE(queue.label(), u"some.label"_s);
+    SerialQueue queue("io.github.corvane.Corvane.history");
+    std::array<char, 64> name = {};
+    queue.sync([&name] { pthread_getname_np(pthread_self(), name.data(), name.size()); });
+    const auto shown = QByteArray(name.data());
+    QVERIFY(shown == "Corvane.history" || shown == "io.github.corvane.Corvane.history");
 }
 
 void TestSerialQueue::runsJobsOnOneThreadOfItsOwn()
 {
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     std::thread::id first;
     std::thread::id second;
     queue.async([&first] { first = std::this_thread::get_id(); });
@@ -47,7 +51,7 @@ void TestSerialQueue::runsJobsOnOneThreadOfItsOwn()
 void TestSerialQueue::keepsTheOrder()
 {
     std::vector<int> order;
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     for (int i = 0; i < 1000; ++i)
         queue.async([&order, i] { order.push_back(i); });
     queue.sync([&order] { order.push_back(1000); });
@@ -60,16 +64,16 @@ void TestSerialQueue::returnsAtOnce()
 {
     std::mutex gate;
     gate.lock();
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     queue.async([&gate] { const std::lock_guard waiting(gate); });
     // The job can end only after this line is reached.
     gate.unlock();
     queue.sync([] {});
 }
 
-void TestSerialQueue::waitsForWhatWasHandedInBefore()
+void TestSerialQueue::waitsForWhatWasSubmittedBefore()
 {
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     int sum = 0;
     for (int i = 1; i <= 100; ++i) {
         queue.async([&sum] { ++sum; });
@@ -79,11 +83,11 @@ void TestSerialQueue::waitsForWhatWasHandedInBefore()
     }
 }
 
-void TestSerialQueue::finishesBeforeItIsGone()
+void TestSerialQueue::finishesItsJobsInItsDestructor()
 {
     int sum = 0;
     {
-        SerialQueue queue{QString()};
+        SerialQueue queue("test");
         for (int i = 0; i < 1000; ++i)
             queue.async([&sum] { ++sum; });
     }
@@ -94,7 +98,7 @@ void TestSerialQueue::takesJobsFromAJob()
 {
     bool ran = false;
     {
-        SerialQueue queue{QString()};
+        SerialQueue queue("test");
         queue.async([&queue, &ran] { queue.async([&ran] { ran = true; }); });
     }
     QVERIFY(ran);
@@ -103,7 +107,7 @@ void TestSerialQueue::takesJobsFromAJob()
 void TestSerialQueue::takesJobsFromManyThreads()
 {
     int sum = 0;
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     std::array<std::thread, 4> threads;
     for (std::thread &thread : threads) {
         thread = std::thread([&queue, &sum] {
@@ -123,7 +127,7 @@ void TestSerialQueue::takesJobsFromManyThreads()
 void TestSerialQueue::dropsAJobOnceItHasRun()
 {
     const auto held = std::make_shared<int>(0);
-    SerialQueue queue{QString()};
+    SerialQueue queue("test");
     queue.async([held] {});
     queue.sync([] {});
     queue.sync([] {});

@@ -1,0 +1,16 @@
+#include "platform/ThreadName.h"
+
+#include <algorithm>
+
+#include <pthread.h>
+
+namespace corvane {
+
+void nameThread(const std::string &name)
+{
+    constexpr std::size_t mostBytes = 15; // A longer name is refused.
+    const std::size_t start = name.size() - std::min(name.size(), mostBytes);
+    pthread_setname_np(pthread_self(), name.c_str() + start);
+}
+
+} // namespace corvane
