@@ -168,9 +168,11 @@ void CorvaneApp::connectMainWindow()
     connect(&sampler, &SystemSampler::historyChanged, window, showSamples);
     connect(&sampler, &SystemSampler::processesChanged, window, showProcesses);
     connect(&sampler, &SystemSampler::aiWorkloadsChanged, window, showWorkloads);
-    showSamples();
-    showProcesses();
-    showWorkloads();
+    connect(window, &MainWindow::contentsNeeded, window, [=] {
+        showSamples();
+        showProcesses();
+        showWorkloads();
+    });
 }
 
 int run(int argc, char **argv)

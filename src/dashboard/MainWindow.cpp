@@ -22,8 +22,6 @@
 #include <QPainter>
 #include <QScreen>
 
-#include <utility>
-
 namespace corvane {
 
 namespace {
@@ -64,51 +62,47 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
 void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
     m_totalMemory = current.memory.total;
-    if (!canBeSeen()) {
-        m_power->recomputeYMax(history); // A spike counts even if nobody looks.
-        m_unseen.samples.emplace(current, history);
+    if (!takesContents()) {
+        m_power->recomputeYMax(history); // A spike that nobody sees counts too.
         return;
     }
-    const std::vector<SystemMetrics> reduced = chartDownsampled(history, mostChartPoints);
+    // Without a copy of a history that is short enough.
+    std::vector<SystemMetrics> reduced;
+    if (std::ssize(history) > mostChartPoints)
+        reduced = chartDownsampled(history, mostChartPoints);
+    const std::vector<SystemMetrics> &shown = reduced.empty() ? history : reduced;
     m_header->show(current);
-    m_memory->show(current, reduced);
-    m_power->show(current, reduced);
+    m_memory->show(current, shown);
+    m_power->show(current, shown);
     for (UtilizationCard *card : m_utilization)
-        card->show(current, reduced);
+        card->show(current, shown);
 }
 
 void MainWindow::showProcesses(const std::vector<ProcessRow> &processes)
 {
-    if (canBeSeen())
+    if (takesContents())
         m_processes->show(processes, m_totalMemory);
-    else
-        m_unseen.processes = processes;
 }
 
 void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads)
 {
-    if (canBeSeen())
+    if (takesContents())
         m_workloads->show(workloads);
-    else
-        m_unseen.workloads = workloads;
 }
 
-bool MainWindow::canBeSeen() const
+bool MainWindow::takesContents()
 {
-    return isVisible() && !isMinimized();
+    const bool canBeSeen = isVisible() && !isMinimized();
+    m_isOutdated = m_isOutdated || !canBeSeen;
+    return canBeSeen;
 }
 
-void MainWindow::showUnseen()
+void MainWindow::requestContents()
 {
-    if (!canBeSeen())
+    if (!m_isOutdated || !isVisible() || isMinimized())
         return;
-    const Unseen unseen = std::exchange(m_unseen, {});
-    if (unseen.samples)
-        show(unseen.samples->first, unseen.samples->second);
-    if (unseen.processes)
-        showProcesses(*unseen.processes);
-    if (unseen.workloads)
-        showWorkloads(*unseen.workloads);
+    m_isOutdated = false;
+    emit contentsNeeded();
 }
 
 void MainWindow::paintEvent(QPaintEvent *event)
@@ -131,14 +125,14 @@ void MainWindow::resizeEvent(QResizeEvent *)
 void MainWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    showUnseen();
+    requestContents();
 }
 
 void MainWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange)
-        showUnseen();
+        requestContents();
 }
 
 void MainWindow::contextMenuEvent(QContextMenuEvent *event)

@@ -8,7 +8,6 @@
 #include <QWidget>
 
 #include <array>
-#include <optional>
 #include <vector>
 
 namespace corvane {
@@ -20,9 +19,10 @@ class PowerCard;
 class ProcessCard;
 class UtilizationCard;
 
-/// The dashboard window: a header over seven cards. Its actions are in a menu on it. Made by the
-/// application when it is opened, gone when it is closed; main thread. It is told what to show, and
-/// shows the newest of it when it comes back into sight.
+/// The dashboard window: a header over seven cards. Its actions are in its context menu. Made by
+/// the application when it is opened, destroyed when it is closed. Main thread. While it is hidden
+/// or minimised it takes nothing of what it is given to show, and asks for it when it can be seen
+/// again.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -38,6 +38,12 @@ public:
     void showProcesses(const std::vector<ProcessRow> &processes);
     void showWorkloads(const std::vector<AIWorkload> &workloads);
 
+signals:
+    /// Emitted when the window can be seen and does not show the newest samples, processes and
+    /// workloads: when it is opened, and when it comes back. The receiver calls the functions
+    /// above.
+    void contentsNeeded();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -46,15 +52,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    /// What came while nothing could be seen of the window.
-    struct Unseen {
-        std::optional<std::pair<SystemMetrics, std::vector<SystemMetrics>>> samples = {};
-        std::optional<std::vector<ProcessRow>> processes = {};
-        std::optional<std::vector<AIWorkload>> workloads = {};
-    };
-
-    bool canBeSeen() const;
-    void showUnseen();
+    /// Whether what is given has to be shown; remembers that the contents are old if not.
+    bool takesContents();
+    void requestContents();
 
     DashboardHeader *m_header;
     MemoryCard *m_memory;
@@ -63,7 +63,7 @@ private:
     AIWorkloadsCard *m_workloads;
     ProcessCard *m_processes;
     std::uint64_t m_totalMemory = 0;
-    Unseen m_unseen;
+    bool m_isOutdated = true; ///< Nothing was shown yet, or something was not taken.
 };
 
 } // namespace corvane

@@ -30,10 +30,9 @@ std::optional<QString> dominantGPUState(const std::vector<SystemMetrics> &sample
 
     std::vector<std::pair<QString, int>> counts;
     for (auto sample = samples.begin() + first; sample != samples.end(); ++sample) {
-        const QString state =
-            sample->chip ? sample->chip->gpuDominantState.value_or(QString()) : QString();
-        if (state.isEmpty())
+        if (!sample->chip || sample->chip->gpuDominantState.value_or(QString()).isEmpty())
             continue;
+        const QString &state = *sample->chip->gpuDominantState;
         const auto known = std::ranges::find(counts, state, &std::pair<QString, int>::first);
         if (known == counts.end())
             counts.emplace_back(state, 1);

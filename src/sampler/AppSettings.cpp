@@ -1,5 +1,7 @@
 #include "sampler/AppSettings.h"
 
+#include "platform/MainThread.h"
+
 namespace corvane {
 
 namespace {
@@ -12,6 +14,7 @@ constexpr auto historyWindowKey = "historyWindow"_L1;
 
 AppSettings::AppSettings(QObject *parent) : QObject(parent)
 {
+    assertMainThread();
     m_store.setFallbacksEnabled(false);
     m_historyWindow = corvane::historyWindow(m_store.value(historyWindowKey).toLongLong())
                           .value_or(HistoryWindow::oneMin);

@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// The user's choices, kept in the system's store of preferences. Owned by the application state;
-/// main thread. An unknown stored value counts as the one-minute window.
+/// The user's choices, kept in the system's store of preferences. Owned by the application state.
+/// Main thread. An unknown stored value counts as the one-minute window.
 class AppSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HistoryWindow historyWindow READ historyWindow WRITE setHistoryWindow NOTIFY
@@ -19,7 +19,7 @@ public:
 
     HistoryWindow historyWindow() const { return m_historyWindow; }
 
-    /// Tells observers, then stores. Writing the present value again is announced too.
+    /// Notifies observers, then stores; also if the value is the present one.
     void setHistoryWindow(HistoryWindow window);
 
 signals:

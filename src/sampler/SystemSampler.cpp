@@ -1,6 +1,7 @@
 #include "sampler/SystemSampler.h"
 
 #include "platform/BackgroundJob.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 #include <utility>
@@ -27,7 +28,8 @@ SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
       m_store(historyDirectory),
       m_history(loadHistory(seconds(settings.historyWindow())))
 {
-    // Queued: whoever writes the setting is done with it before the history changes.
+    assertMainThread();
+    // Queued, so that the history changes after the code that writes the setting has finished.
     connect(
         &m_settings, &AppSettings::historyWindowChanged, this,
         [this](HistoryWindow window) { applyWindowChange(seconds(window)); }, Qt::QueuedConnection);
@@ -46,8 +48,8 @@ void SystemSampler::start()
 void SystemSampler::tick()
 {
     const MemorySnapshot memory = m_sources.memory();
-    const auto chip = m_sources.chip ? m_sources.chip() : std::nullopt;
-    m_current = SystemMetrics{.timestamp = m_sources.now(), .memory = memory, .chip = chip};
+    auto chip = m_sources.chip ? m_sources.chip() : std::nullopt;
+    m_current = {.timestamp = m_sources.now(), .memory = memory, .chip = std::move(chip)};
     emit currentChanged();
 
     m_history.push_back(m_current);

@@ -16,21 +16,21 @@
 
 namespace corvane {
 
-/// Where the sampler gets its numbers and its time. The program passes none of them, a test passes
-/// all.
+/// Where the sampler gets its numbers and its time from: the program uses the defaults, tests
+/// replace them.
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
-    ChipSource chip = openChipSource();             ///< Empty: no chip sampler here.
-    std::function<Survey()> survey = takeSurvey;    ///< Runs in the background; empty: none here.
+    ChipSource chip = openChipSource();             ///< Empty: no reading of the chip.
+    std::function<Survey()> survey = takeSurvey;    ///< Runs in the background. Empty: no survey.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
 };
 
-/// The spine of the program: takes one whole-system sample a second, publishes it, keeps the last
-/// window of them and hands each to the history file. At slower beats it trims the file.
+/// The spine of the program: takes one whole-system sample a second, publishes it, keeps those of
+/// the history window and adds each to the history file. Every third second it surveys the
+/// processes, every minute it trims the file.
 ///
-/// Made once by the application state and kept for the life of the process; main thread, as is
-/// every change of what it publishes. A source that fails leaves its part of the sample absent or
-/// zero.
+/// Made once by the application state and kept for the life of the process. Main thread, and so are
+/// its signals. A source that fails leaves its part of the sample absent or zero.
 class SystemSampler : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::SystemMetrics current READ current NOTIFY currentChanged)
@@ -45,7 +45,7 @@ public:
     static constexpr qint64 trimEveryNTicks = 60;
     static constexpr qint64 trimKeepSeconds = 120;
 
-    /// Loads the newest records of the file, takes the first sample at once and starts the timer.
+    /// Loads the newest records of the file, takes the first sample and starts the timer.
     explicit SystemSampler(AppSettings &settings, SamplerSources sources = {},
                            const QString &historyDirectory = HistoryStore::defaultDirectory(),
                            QObject *parent = nullptr);
@@ -58,7 +58,7 @@ public:
     /// (Re)starts the timer; the next tick is one interval away.
     void start();
 
-    /// One sampling step. The timer calls it; a test may, to step time by hand.
+    /// One sampling step. The timer calls it; tests call it to step time by hand.
     void tick();
 
 signals:
@@ -75,7 +75,7 @@ private:
     AppSettings &m_settings;
     SamplerSources m_sources;
     HistoryStore m_store;
-    QTimer m_timer{this};   ///< A child, so that a test can find and stop it.
+    QTimer m_timer{this};   ///< A child, so that tests can find and stop it.
     qint64 m_tickCount = 0; ///< Completed ticks.
 
     SystemMetrics m_current = SystemMetrics::placeholder();
@@ -84,8 +84,8 @@ private:
     std::vector<AIWorkload> m_aiWorkloads;
 };
 
-/// The history that fits a new window length: its newest records when it is longer, else what
-/// `load` gives if that is more than there is.
+/// The history for a new window length: its newest samples if it is longer than the window, else
+/// what `load` returns if these are more samples.
 std::vector<SystemMetrics> historyAfterWindowChange(
     std::vector<SystemMetrics> history, qint64 windowSeconds,
     const std::function<std::vector<SystemMetrics>(qint64)> &load);

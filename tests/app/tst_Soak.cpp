@@ -249,12 +249,17 @@ void TestSoak::openWindow()
 {
     m_window = new MainWindow(nullptr, {.name = u"A restless machine"_s});
     m_window->setAttribute(Qt::WA_DeleteOnClose);
-    connect(m_sampler.get(), &SystemSampler::historyChanged, m_window,
-            [this] { m_window->show(m_sampler->current(), m_sampler->history()); });
-    connect(m_sampler.get(), &SystemSampler::processesChanged, m_window,
-            [this] { m_window->showProcesses(m_sampler->processes()); });
-    connect(m_sampler.get(), &SystemSampler::aiWorkloadsChanged, m_window,
-            [this] { m_window->showWorkloads(m_sampler->aiWorkloads()); });
+    const auto showSamples = [this] { m_window->show(m_sampler->current(), m_sampler->history()); };
+    const auto showProcesses = [this] { m_window->showProcesses(m_sampler->processes()); };
+    const auto showWorkloads = [this] { m_window->showWorkloads(m_sampler->aiWorkloads()); };
+    connect(m_sampler.get(), &SystemSampler::historyChanged, m_window, showSamples);
+    connect(m_sampler.get(), &SystemSampler::processesChanged, m_window, showProcesses);
+    connect(m_sampler.get(), &SystemSampler::aiWorkloadsChanged, m_window, showWorkloads);
+    connect(m_window, &MainWindow::contentsNeeded, this, [=] {
+        showSamples();
+        showProcesses();
+        showWorkloads();
+    });
     m_window->QWidget::show();
 }
 

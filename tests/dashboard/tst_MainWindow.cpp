@@ -114,9 +114,9 @@ private slots:
     void showsQuickNumbers();
     void showsZerosWithoutAReading();
     void reducesTheHistory();
-    void showsNothingUnseen();
-    void showsTheNewestWhenItComesBack();
-    void keepsTheScaleOfSpikesUnseen();
+    void takesNothingWhileHidden();
+    void asksForTheNewestWhenItComesBack();
+    void keepsTheScaleOfASpikeWhileHidden();
     void canBeReadThrough();
     void startsWithoutAFocusRing();
     void stepsThroughItsPartsByTab();
@@ -167,7 +167,7 @@ void TestMainWindow::reducesTheHistory()
     }
 }
 
-void TestMainWindow::showsNothingUnseen()
+void TestMainWindow::takesNothingWhileHidden()
 {
     Shown shown;
     shown.showAll();
@@ -183,29 +183,39 @@ void TestMainWindow::showsNothingUnseen()
     QCOMPARE(shown.part<AIWorkloadsCard>()->list()->rowCount(), 3);
 }
 
-void TestMainWindow::showsTheNewestWhenItComesBack()
+void TestMainWindow::asksForTheNewestWhenItComesBack()
 {
-    Shown shown;
-    shown.showAll();
+    MainWindow window(nullptr, chip);
+    int requests = 0;
+    connect(&window, &MainWindow::contentsNeeded, this, [&window, &requests] {
+        ++requests;
+        window.show(scriptedCurrent(), scriptedHistory());
+        window.showProcesses(scriptedProcesses());
+        window.showWorkloads(scriptedWorkloads());
+    });
+    window.show({}, {});
+    QCOMPARE(requests, 0);
+    window.QWidget::show();
+    QCOMPARE(requests, 1);
     for (const bool minimized : {false, true}) {
-        minimized ? shown.window.showMinimized() : shown.window.hide();
-        SystemMetrics other = scriptedCurrent();
-        for (const double share : {0.25, 0.5}) {
-            other.memory.used = static_cast<std::uint64_t>(gibibytes(64 * share));
-            shown.window.show(other, {other});
-            shown.window.showProcesses({{1, u"init"_s, 1}});
-            shown.window.showWorkloads({});
-        }
-        QCOMPARE(shown.quickNumbers().first(), u"71%"_s);
-        shown.window.showNormal();
-        QCOMPARE(shown.quickNumbers().first(), u"50%"_s);
-        QCOMPARE(shown.part<ProcessCard>()->list()->rowCount(), 1);
-        QCOMPARE(shown.part<AIWorkloadsCard>()->list()->rowCount(), 0);
-        shown.showAll();
+        minimized ? window.showMinimized() : window.hide();
+        window.showNormal(); // It came back before anything was new.
+        QCOMPARE(requests, 1);
+    }
+    for (const bool minimized : {false, true}) {
+        minimized ? window.showMinimized() : window.hide();
+        window.show({}, {});
+        window.showProcesses({});
+        window.showWorkloads({});
+        const int before = requests;
+        window.showNormal();
+        QCOMPARE(requests, before + 1);
+        QCOMPARE(window.findChild<ProcessCard *>()->list()->rowCount(), 20);
+        QCOMPARE(window.findChild<AIWorkloadsCard *>()->list()->rowCount(), 3);
     }
 }
 
-void TestMainWindow::keepsTheScaleOfSpikesUnseen()
+void TestMainWindow::keepsTheScaleOfASpikeWhileHidden()
 {
     Shown shown;
     shown.window.hide();
