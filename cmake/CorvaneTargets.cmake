@@ -36,13 +36,14 @@ function(corvane_library name)
   endif()
 endfunction()
 
-# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [ARGUMENTS …] [SOURCES …] [LINK …])
+# corvane_test(FOLDER/tst_Name [SYSTEM linux|mac|simulated-mac …] [THREADED] [ARGUMENTS …] [LONG …] [SOURCES …] [LINK …])
 #
 # Adds a Qt Test program from tests/FOLDER/tst_Name.cpp, run by ctest without a display and with home
-# and XDG folders of its own. It links the room FOLDER, where there is one, and what LINK names. SYSTEM names the systems it is for (default: all); THREADED marks it for
-# the ThreadSanitizer preset. Extra SOURCES are relative to the tests folder.
+# and XDG folders of its own. It links the room FOLDER, where there is one, and what LINK names. SYSTEM names the systems
+# it is for (default: all); THREADED marks it for the ThreadSanitizer preset. LONG names the arguments of a longer run of
+# the same program, FOLDER/NameLong, which only `ctest -C long` adds. Extra SOURCES are relative to the tests folder.
 function(corvane_test path)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;ARGUMENTS;SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADED" "TIMEOUT" "SYSTEM;ARGUMENTS;LONG;SOURCES;LINK")
   if(arg_SYSTEM AND NOT CORVANE_SYSTEM IN_LIST arg_SYSTEM)
     return()
   endif()
@@ -64,11 +65,16 @@ function(corvane_test path)
   file(CHMOD ${home}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   string(REPLACE "tst_" "" name ${path})
   add_test(NAME ${name} COMMAND ${target} ${arg_ARGUMENTS})
+  set(tests ${name})
+  if(arg_LONG)
+    add_test(NAME ${name}Long COMMAND ${target} ${arg_LONG} CONFIGURATIONS long)
+    list(APPEND tests ${name}Long)
+  endif()
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
   set_tests_properties(
-    ${name}
+    ${tests}
     PROPERTIES
       TIMEOUT ${arg_TIMEOUT}
       ENVIRONMENT

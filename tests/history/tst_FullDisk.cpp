@@ -16,7 +16,7 @@ using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
-/// The store on a small disk of its own, which only this process sees and which goes with it.
+/// The store on a small disk of its own, which only this process sees and which ends with it.
 class TestFullDisk : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,6 @@ private slots:
 private:
     void fill() const;
     void setReadOnly(bool readOnly) const;
-    QList<int> load() const;
 
     const bool m_mayMount;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -62,7 +61,7 @@ void TestFullDisk::cleanup()
     umount2(m_disk.constData(), MNT_DETACH);
 }
 
-/// Leaves no room but what is left of the last block of a file.
+/// Fills the disk; only what is left of a file's last block can be written then.
 void TestFullDisk::fill() const
 {
     QFile filler(m_folder->filePath(u"filler"_s));
@@ -77,42 +76,27 @@ void TestFullDisk::setReadOnly(bool readOnly) const
     QCOMPARE(mount("none", m_disk.constData(), "tmpfs", flags, "size=64k"), 0);
 }
 
-QList<int> TestFullDisk::load() const
-{
-    QList<int> found;
-    for (const PersistedMetric &metric : HistoryStore(m_folder->path()).loadLast(1000))
-        found.append(static_cast<int>(metric.t));
-    return found;
-}
-
 void TestFullDisk::losesWhatTheDiskRefused()
 {
     HistoryStore store(m_folder->path());
     store.append(record(0));
     store.loadLast(1);
     fill();
-    // The rest of the file's block takes some, one of them in part.
-    for (int number = 1; number < 100; ++number)
-        store.append(record(number));
+    // Some fit into the rest of the file's block, the last of them in part.
+    append(store, 1, 99);
     const auto written = static_cast<int>(store.loadLast(1000).size());
     QVERIFY(written > 1 && written < 100);
     QCOMPARE(QFile(m_folder->filePath(u"history.jsonl"_s)).size(), 4096);
 
     QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
-    for (int number = 100; number < 103; ++number)
-        store.append(record(number));
-    store.loadLast(1);
-    QList<int> expected;
-    for (int number = 0; number < written; ++number)
-        expected.append(number);
-    QCOMPARE(load(), expected + QList<int>({101, 102}));
+    append(store, 100, 102);
+    QCOMPARE(loaded(store), numbers(0, written - 1) + QList<int>({101, 102}));
 }
 
 void TestFullDisk::keepsTheFileWhenThereIsNoRoomToTrimIt()
 {
     HistoryStore store(m_folder->path());
-    for (int number = 0; number < 150; ++number)
-        store.append(record(number));
+    append(store, 0, 149);
     QCOMPARE(store.loadLast(1000).size(), 150U);
     fill();
     store.trim(120);
@@ -139,8 +123,7 @@ void TestFullDisk::startsOnAFullDisk()
 void TestFullDisk::readsFromAReadOnlyDisk()
 {
     HistoryStore store(m_folder->path());
-    for (int number = 0; number < 3; ++number)
-        store.append(record(number));
+    append(store, 0, 2);
     QCOMPARE(store.loadLast(60).size(), 3U);
     setReadOnly(true);
     store.append(record(3));
@@ -148,8 +131,7 @@ void TestFullDisk::readsFromAReadOnlyDisk()
     QCOMPARE(store.loadLast(60).size(), 3U);
     setReadOnly(false);
     store.append(record(4));
-    store.loadLast(1);
-    QCOMPARE(load(), QList<int>({0, 1, 2, 4}));
+    QCOMPARE(loaded(store), QList<int>({0, 1, 2, 4}));
 }
 
 void TestFullDisk::startsOnAReadOnlyDisk()

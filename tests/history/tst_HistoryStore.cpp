@@ -10,8 +10,6 @@
 #include <limits>
 #include <memory>
 
-#include <sys/stat.h>
-
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
@@ -20,15 +18,7 @@ namespace {
 
 QByteArray line(int number)
 {
-    return *record(number).toJson() + '\n';
-}
-
-QByteArray lines(int first, int last)
-{
-    QByteArray all;
-    for (int number = first; number <= last; ++number)
-        all += line(number);
-    return all;
+    return lines(number, number);
 }
 
 } // namespace
@@ -38,7 +28,7 @@ class TestHistoryStore : public QObject {
 
 private slots:
     void init();
-    void livesInTheFolderForApplicationData();
+    void isInTheFolderForApplicationData();
     void createsFolderAndFile();
     void leavesAnExistingFileAlone();
     void writesARecordALine();
@@ -48,17 +38,14 @@ private slots:
     void trims();
     void losesTheCutRecordAndTheOneBehindIt();
     void dropsARecordThatIsNotFinite();
-    void finishesItsWritesBeforeItIsGone();
+    void finishesItsWritesInItsDestructor();
     void seesEveryAppendBeforeALoad();
     void writesOnlyWhileNoOtherStoreDoes();
     void doesNotRecreateADeletedFile();
     void survivesTheLossOfItsFolder();
     void survivesAFileInPlaceOfItsFolder();
-    void survivesAFIFOInPlaceOfItsFile();
-    void survivesAFolderInPlaceOfItsFile();
 
 private:
-    QList<int> load(int count = 1000);
     void write(const QByteArray &contents) const;
     QByteArray contents() const;
 
@@ -72,15 +59,6 @@ void TestHistoryStore::init()
     m_folder = std::make_unique<QTemporaryDir>();
     m_directory = m_folder->filePath(u"Corvane"_s);
     m_path = m_directory + "/history.jsonl"_L1;
-}
-
-/// The records that a new start finds.
-QList<int> TestHistoryStore::load(int count)
-{
-    QList<int> found;
-    for (const PersistedMetric &metric : HistoryStore(m_directory).loadLast(count))
-        found.append(static_cast<int>(metric.t));
-    return found;
 }
 
 void TestHistoryStore::write(const QByteArray &contents) const
@@ -97,7 +75,7 @@ QByteArray TestHistoryStore::contents() const
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
-void TestHistoryStore::livesInTheFolderForApplicationData()
+void TestHistoryStore::isInTheFolderForApplicationData()
 {
     QStandardPaths::setTestModeEnabled(true);
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
@@ -121,7 +99,7 @@ void TestHistoryStore::createsFolderAndFile()
 void TestHistoryStore::leavesAnExistingFileAlone()
 {
     write("\nnot ours\n\n" + line(1));
-    QCOMPARE(load(), QList<int>{1});
+    QCOMPARE(loadedAnew(m_directory), QList<int>{1});
     QCOMPARE(contents(), "\nnot ours\n\n" + line(1));
 }
 
@@ -151,23 +129,25 @@ void TestHistoryStore::loads_data()
         QTest::newRow(name) << contents << count << expected;
     };
     const QByteArray cut = line(9).left(40);
-    row("none are wanted", lines(1, 10), 0, {});
-    row("fewer than none are wanted", lines(1, 10), -5, {});
-    row("the least number there is", lines(1, 10), std::numeric_limits<int>::min(), {});
-    row("the greatest number there is", lines(1, 10), std::numeric_limits<int>::max(),
+    row("none are requested", lines(1, 10), 0, {});
+    row("a negative number is requested", lines(1, 10), -5, {});
+    row("the smallest number is requested", lines(1, 10), std::numeric_limits<int>::min(), {});
+    row("the largest number is requested", lines(1, 10), std::numeric_limits<int>::max(),
         numbers(1, 10));
     row("an empty file", "", 60, {});
-    row("fewer than wanted come in the file's order", lines(1, 10), 60, numbers(1, 10));
-    row("of more the newest come", lines(1, 200), 60, numbers(141, 200));
+    row("fewer than requested come in the file's order", lines(1, 10), 60, numbers(1, 10));
+    row("more than requested: the newest come", lines(1, 200), 60, numbers(141, 200));
     row("the newest alone", lines(1, 10), 1, {10});
     row("the last one lacks its line feed", lines(1, 3).chopped(1), 60, numbers(1, 3));
     row("the last one is cut", lines(1, 3) + cut, 60, numbers(1, 3));
     row("the first one is cut", line(1).mid(20) + lines(2, 3), 60, numbers(2, 3));
-    row("a damaged line is not made up for by an older one", lines(1, 3) + "x\n" + line(4), 2, {4});
-    row("only damaged lines are wanted", lines(1, 3) + "x\n{}\n", 2, {});
-    row("blank lines do not count", "\n" + line(1) + "\n\n" + line(2) + "\n", 2, {1, 2});
-    row("lines of another system's editor", lines(1, 3).replace("\n", "\r\n"), 60, numbers(1, 3));
-    row("records out of order stay so", line(3) + line(1) + line(2), 60, {3, 1, 2});
+    row("an older line does not take the place of a damaged one", lines(1, 3) + "x\n" + line(4), 2,
+        {4});
+    row("only damaged lines are among the newest", lines(1, 3) + "x\n{}\n", 2, {});
+    row("empty lines do not count", "\n" + line(1) + "\n\n" + line(2) + "\n", 2, {1, 2});
+    row("lines that end as another system's editor ends them", lines(1, 3).replace("\n", "\r\n"),
+        60, numbers(1, 3));
+    row("records out of order keep their order", line(3) + line(1) + line(2), 60, {3, 1, 2});
     row("a field is missing", line(1) + line(2).replace("\"aneW\"", "\"x\"") + line(3), 60, {1, 3});
     row("a byte count is negative", line(1) + line(2).replace(":50,", ":-50,") + line(3), 60,
         {1, 3});
@@ -183,7 +163,7 @@ void TestHistoryStore::loads()
     QFETCH(QByteArray, contents);
     QFETCH(int, count);
     write(contents);
-    QTEST(load(count), "expected");
+    QTEST(loadedAnew(m_directory, count), "expected");
     QCOMPARE(this->contents(), contents);
 }
 
@@ -198,17 +178,17 @@ void TestHistoryStore::trims_data()
     };
     row("an empty file", "", 120, "");
     row("120 lines stay", lines(1, 120), 120, lines(1, 120));
-    row("of 121 the oldest goes", lines(1, 121), 120, lines(2, 121));
-    row("of 180 the oldest sixty go", lines(1, 180), 120, lines(61, 180));
-    row("120 lines and blank ones stay byte for byte", "\n\n" + lines(1, 120) + "\n", 120,
+    row("the oldest of 121 is dropped", lines(1, 121), 120, lines(2, 121));
+    row("the oldest sixty of 180 are dropped", lines(1, 180), 120, lines(61, 180));
+    row("120 lines and empty ones stay byte for byte", "\n\n" + lines(1, 120) + "\n", 120,
         "\n\n" + lines(1, 120) + "\n");
-    row("blank lines go with the others", line(1) + "\n" + line(2) + "\n\n" + line(3), 2,
+    row("empty lines are dropped with the others", line(1) + "\n" + line(2) + "\n\n" + line(3), 2,
         lines(2, 3));
     row("damaged lines among the newest stay", lines(1, 2) + "x\n" + line(3), 2, "x\n" + line(3));
-    row("a cut last line is ended", lines(1, 3) + "{\"t\":", 2, line(3) + "{\"t\":\n");
-    row("none are wanted", lines(1, 3), 0, "");
-    row("fewer than none are wanted", lines(1, 3), -5, "");
-    row("all there could be are wanted", lines(1, 3), std::numeric_limits<int>::max(), lines(1, 3));
+    row("a cut last line gets a line feed", lines(1, 3) + "{\"t\":", 2, line(3) + "{\"t\":\n");
+    row("none are kept", lines(1, 3), 0, "");
+    row("a negative number is kept", lines(1, 3), -5, "");
+    row("the largest number is kept", lines(1, 3), std::numeric_limits<int>::max(), lines(1, 3));
 }
 
 void TestHistoryStore::trims()
@@ -227,11 +207,10 @@ void TestHistoryStore::losesTheCutRecordAndTheOneBehindIt()
     write(lines(1, 3) + line(4).left(30));
     {
         HistoryStore store(m_directory);
-        for (int number = 5; number <= 7; ++number)
-            store.append(record(number));
+        append(store, 5, 7);
     }
-    QCOMPARE(load(), (QList<int>{1, 2, 3, 6, 7}));
-    QCOMPARE(load(3), (QList<int>{6, 7}));
+    QCOMPARE(loadedAnew(m_directory), (QList<int>{1, 2, 3, 6, 7}));
+    QCOMPARE(loadedAnew(m_directory, 3), (QList<int>{6, 7}));
     QCOMPARE(contents(), lines(1, 3) + line(4).left(30) + lines(5, 7));
 }
 
@@ -248,12 +227,11 @@ void TestHistoryStore::dropsARecordThatIsNotFinite()
     QCOMPARE(contents(), line(1) + line(3));
 }
 
-void TestHistoryStore::finishesItsWritesBeforeItIsGone()
+void TestHistoryStore::finishesItsWritesInItsDestructor()
 {
     {
         HistoryStore store(m_directory);
-        for (int number = 1; number <= 500; ++number)
-            store.append(record(number));
+        append(store, 1, 500);
         store.trim(120);
         store.append(record(501));
     }
@@ -284,7 +262,7 @@ void TestHistoryStore::writesOnlyWhileNoOtherStoreDoes()
 
         second.append(record(2));
         second.trim(0);
-        QCOMPARE(second.loadLast(10).size(), 1U); // It reads all the same.
+        QCOMPARE(second.loadLast(10).size(), 1U); // It can read.
         QCOMPARE(contents(), line(1));
 
         first.append(record(3));
@@ -310,7 +288,7 @@ void TestHistoryStore::doesNotRecreateADeletedFile()
         HistoryStore store(m_directory);
         store.append(record(3));
     }
-    QCOMPARE(load(), QList<int>{3});
+    QCOMPARE(loadedAnew(m_directory), QList<int>{3});
 }
 
 void TestHistoryStore::survivesTheLossOfItsFolder()
@@ -324,7 +302,7 @@ void TestHistoryStore::survivesTheLossOfItsFolder()
     QVERIFY(store.loadLast(60).empty());
     QVERIFY(!QFile::exists(m_directory));
 
-    // The file may come back by another's hand, for instance from a backup.
+    // Somebody may restore the file, for instance from a backup.
     write(lines(1, 3));
     store.append(record(4));
     QCOMPARE(store.loadLast(60).size(), 4U);
@@ -344,26 +322,6 @@ void TestHistoryStore::survivesAFileInPlaceOfItsFolder()
     }
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("someone's"));
-}
-
-void TestHistoryStore::survivesAFIFOInPlaceOfItsFile()
-{
-    QVERIFY(QDir().mkpath(m_directory));
-    QCOMPARE(mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
-    HistoryStore store(m_directory);
-    store.append(record(1));
-    store.trim(0);
-    QVERIFY(store.loadLast(60).empty());
-}
-
-void TestHistoryStore::survivesAFolderInPlaceOfItsFile()
-{
-    QVERIFY(QDir().mkpath(m_path));
-    HistoryStore store(m_directory);
-    store.append(record(1));
-    store.trim(0);
-    QVERIFY(store.loadLast(60).empty());
-    QVERIFY(QDir(m_path).exists());
 }
 
 QTEST_APPLESS_MAIN(TestHistoryStore)

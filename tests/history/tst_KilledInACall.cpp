@@ -24,19 +24,19 @@ namespace {
 
 constexpr auto name = "history.jsonl";
 constexpr auto newName = "history.jsonl.new";
-constexpr int old = 10; // Records that are there before.
+constexpr int old = 10; // Records in the file before.
 constexpr int kept = 4;
 
 enum class Work { append, trim };
 
-/// How a process dies that appends a record to those there are, or cuts them.
-struct Death {
+/// Where a process is killed that appends a record to the old ones, or cuts them.
+struct Kill {
     const char *name = nullptr;
     Work work = {};
     std::function<void()> plan = {};
     QList<int> left = numbers(1, old);  ///< What the next start finds.
-    QList<int> whole = numbers(1, old); ///< Of these what is still there when it has written.
-    bool losesNext = false;             ///< What it writes first.
+    QList<int> whole = numbers(1, old); ///< Those of them that remain after its first append.
+    bool losesNext = false;             ///< Whether its first append is lost.
 };
 
 std::function<void()> at(Call call, const char *file, Moment moment)
@@ -44,58 +44,61 @@ std::function<void()> at(Call call, const char *file, Moment moment)
     return [call, file, moment] { FaultyCalls::killAt(call, file, moment); };
 }
 
-std::function<void()> amidWrite(const char *file, std::size_t bytes)
+std::function<void()> duringWrite(const char *file, std::size_t bytes)
 {
     return [file, bytes] { FaultyCalls::killInNextWrite(file, bytes); };
 }
 
-const std::vector<Death> &deaths()
+const std::vector<Kill> &kills()
 {
     static const auto lineSize = static_cast<std::size_t>(record(old + 1).toJson()->size());
-    static const std::vector<Death> all{
+    static const std::vector<Kill> all{
         {"before the file is open", Work::append, at(Call::open, name, Moment::before)},
-        {"with the file open", Work::append, at(Call::open, name, Moment::after)},
+        {"after the file is open", Work::append, at(Call::open, name, Moment::after)},
         {"before a record is written", Work::append, at(Call::write, name, Moment::before)},
-        {.name = "amid a record",
+        {.name = "in the middle of a record",
          .work = Work::append,
-         .plan = amidWrite(name, lineSize / 2),
+         .plan = duringWrite(name, lineSize / 2),
          .losesNext = true},
         {.name = "before a record's line feed",
          .work = Work::append,
-         .plan = amidWrite(name, lineSize),
+         .plan = duringWrite(name, lineSize),
          .left = numbers(1, old + 1),
          .losesNext = true},
-        {"behind a record", Work::append, at(Call::write, name, Moment::after), numbers(1, old + 1),
+        {"after a record", Work::append, at(Call::write, name, Moment::after), numbers(1, old + 1),
          numbers(1, old + 1)},
 
         {"before the file to cut is open", Work::trim, at(Call::open, name, Moment::before)},
-        {"before it is read", Work::trim, at(Call::read, name, Moment::before)},
-        {"having read it", Work::trim, at(Call::read, name, Moment::after)},
-        {"before the new one is made", Work::trim, at(Call::open, newName, Moment::before)},
-        {"with the new one made", Work::trim, at(Call::open, newName, Moment::after)},
-        {"amid its first line", Work::trim, amidWrite(newName, lineSize / 2)},
-        {"behind its first line", Work::trim, at(Call::write, newName, Moment::after)},
-        {"amid its second line", Work::trim,
+        {"before the file to cut is read", Work::trim, at(Call::read, name, Moment::before)},
+        {"after the file to cut is read", Work::trim, at(Call::read, name, Moment::after)},
+        {"before the new file is created", Work::trim, at(Call::open, newName, Moment::before)},
+        {"after the new file is created", Work::trim, at(Call::open, newName, Moment::after)},
+        {"in the middle of the new file's first line", Work::trim,
+         duringWrite(newName, lineSize / 2)},
+        {"after the new file's first line", Work::trim, at(Call::write, newName, Moment::after)},
+        {"in the middle of the new file's second line", Work::trim,
          [] {
              FaultyCalls::killInNextWrite(newName, lineSize / 2);
              FaultyCalls::letPass(Call::write, newName, 1);
          }},
-        {"before it is on the disk", Work::trim, at(Call::sync, newName, Moment::before)},
-        {"with it on the disk", Work::trim, at(Call::sync, newName, Moment::after)},
-        {"before it takes its place", Work::trim, at(Call::rename, name, Moment::before)},
-        {"with it in its place", Work::trim, at(Call::rename, name, Moment::after),
-         numbers(old - kept + 1, old), numbers(old - kept + 1, old)},
+        {"before the new file is on the disk", Work::trim, at(Call::sync, newName, Moment::before)},
+        {"after the new file is on the disk", Work::trim, at(Call::sync, newName, Moment::after)},
+        {"before the new file takes the old one's place", Work::trim,
+         at(Call::rename, name, Moment::before)},
+        {"after the new file has taken the old one's place", Work::trim,
+         at(Call::rename, name, Moment::after), numbers(old - kept + 1, old),
+         numbers(old - kept + 1, old)},
     };
     return all;
 }
 
-/// Returns only if it did not.
-void die(const Death &death, const QString &folder)
+/// Returns only if the process was not killed.
+void runUntilKilled(const Kill &kill, const QString &folder)
 {
     HistoryStore store(folder);
     store.loadLast(1);
-    death.plan();
-    if (death.work == Work::append)
+    kill.plan();
+    if (kill.work == Work::append)
         store.append(record(old + 1));
     else
         store.trim(kept);
@@ -103,55 +106,53 @@ void die(const Death &death, const QString &folder)
 
 } // namespace
 
-/// A process is killed in one call after the other of those that an append and a trim make.
+/// Kills a process in each of the calls that an append and a trim make.
 class TestKilledInACall : public QObject {
     Q_OBJECT
 
 private slots:
-    void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut_data();
-    void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut();
+    void losesAtMostTheRecordAtHandAndTheNext_data();
+    void losesAtMostTheRecordAtHandAndTheNext();
 };
 
-void TestKilledInACall::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut_data()
+void TestKilledInACall::losesAtMostTheRecordAtHandAndTheNext_data()
 {
     QTest::addColumn<std::size_t>("index");
-    for (std::size_t index = 0; index < deaths().size(); ++index)
-        QTest::newRow(deaths()[index].name) << index;
+    for (std::size_t index = 0; index < kills().size(); ++index)
+        QTest::newRow(kills()[index].name) << index;
 }
 
-void TestKilledInACall::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
+void TestKilledInACall::losesAtMostTheRecordAtHandAndTheNext()
 {
     QFETCH(const std::size_t, index);
-    const Death &death = deaths()[index];
+    const Kill &kill = kills()[index];
     const QTemporaryDir folder;
     {
         HistoryStore store(folder.path());
-        for (int number = 1; number <= old; ++number)
-            store.append(record(number));
+        append(store, 1, old);
     }
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(),
-                  {u"--die"_s, QString::number(index), folder.path()});
+                  {u"--run-until-killed"_s, QString::number(index), folder.path()});
     QVERIFY(process.waitForFinished(60'000));
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGKILL);
 
     HistoryStore store(folder.path());
-    QCOMPARE(loaded(store), death.left);
-    for (int number = 21; number <= 23; ++number)
-        store.append(record(number));
-    QCOMPARE(loaded(store), death.whole + numbers(death.losesNext ? 22 : 21, 23));
-    store.trim(2); // Whatever the killed one left is used up.
+    QCOMPARE(loaded(store), kill.left);
+    append(store, 21, 23);
+    QCOMPARE(loaded(store), kill.whole + numbers(kill.losesNext ? 22 : 21, 23));
+    store.trim(2); // Replaces a file that the killed process left behind.
     QCOMPARE(loaded(store), numbers(22, 23));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
              QStringList{QLatin1StringView(name)});
 }
 
-/// With "--die INDEX FOLDER" it is the process that is killed.
+/// With "--run-until-killed INDEX FOLDER" it is the process that is killed.
 int main(int argc, char **argv)
 {
-    if (argc == 4 && std::strcmp(argv[1], "--die") == 0) {
-        die(deaths().at(std::stoul(argv[2])), QString::fromLocal8Bit(argv[3]));
+    if (argc == 4 && std::strcmp(argv[1], "--run-until-killed") == 0) {
+        runUntilKilled(kills().at(std::stoul(argv[2])), QString::fromLocal8Bit(argv[3]));
         return 0;
     }
     const QCoreApplication application(argc, argv);

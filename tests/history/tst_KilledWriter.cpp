@@ -1,11 +1,11 @@
 #include "history/HistoryStore.h"
+#include "support/NumberArgument.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <iterator>
@@ -15,36 +15,36 @@
 #include <thread>
 
 #include <csignal>
-#include <cstdlib>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int kept = 20;
 
-/// What goes through pipes.
-void tell(int pipeEnd, int number)
+void sendNumber(int pipeEnd, int number)
 {
     if (write(pipeEnd, &number, sizeof number) != sizeof number)
         _exit(1);
 }
 
-std::optional<int> told(int pipeEnd)
+/// Absent at the end of the pipe.
+std::optional<int> receiveNumber(int pipeEnd)
 {
     int number = 0;
     return read(pipeEnd, &number, sizeof number) == sizeof number ? std::optional(number)
                                                                   : std::nullopt;
 }
 
-/// What a writer does until it is killed: it tells its process, appends records with rising
-/// numbers, trims, and tells the number that it knows to be in the file.
-[[noreturn]] void appendForEver(const QString &directory, int first, int output)
+/// What a writer does until it is killed: it sends its process id, appends records with rising
+/// numbers, trims, and sends the last number that is certain to be in the file.
+[[noreturn]] void appendUntilKilled(const QString &directory, int first, int output)
 {
-    tell(output, getpid());
+    sendNumber(output, getpid());
     HistoryStore store(directory);
     for (int number = first;; ++number) {
         store.append({.t = static_cast<double>(number), .memTotal = 100, .memUsed = 50});
@@ -52,13 +52,14 @@ std::optional<int> told(int pipeEnd)
             store.trim(kept);
         if (number % 7 == 0) {
             store.loadLast(1);
-            tell(output, number);
+            sendNumber(output, number);
         }
     }
 }
 
-/// Processes that write the history, one after the other. They come from one that has a single
-/// thread, which is quicker than to load the program each time. To be made before the first thread.
+/// Processes that write the history, one after the other. They are forked from a process with a
+/// single thread, which is faster than a new start of the program. Construct it before the first
+/// thread.
 class Writers {
 public:
     explicit Writers(const QString &directory)
@@ -77,12 +78,12 @@ public:
         }
         close(m_requests);
         close(m_answers);
-        while (const auto first = told(requests[0])) {
+        while (const auto first = receiveNumber(requests[0])) {
             const pid_t writer = fork();
             if (writer == 0)
-                appendForEver(directory, *first, answers[1]);
+                appendUntilKilled(directory, *first, answers[1]);
             waitpid(writer, nullptr, 0);
-            tell(answers[1], hasEnded);
+            sendNumber(answers[1], hasEnded);
         }
         _exit(0);
     }
@@ -95,17 +96,17 @@ public:
     Writers(const Writers &) = delete;
     Writers &operator=(const Writers &) = delete;
 
-    /// The next one, which begins with this number.
+    /// Starts a writer that begins with this number.
     void start(int first)
     {
-        tell(m_requests, first);
-        m_writer = told(m_answers).value_or(0);
+        sendNumber(m_requests, first);
+        m_writer = receiveNumber(m_answers).value_or(0);
     }
 
-    /// The next number that is in the file; nothing when the writer is gone.
+    /// The next number that is certain to be in the file; absent when the writer has ended.
     std::optional<int> next() const
     {
-        const std::optional<int> number = told(m_answers);
+        const std::optional<int> number = receiveNumber(m_answers);
         return number == hasEnded ? std::nullopt : number;
     }
 
@@ -118,8 +119,8 @@ public:
 private:
     static constexpr int hasEnded = -1;
 
-    pid_t m_parent = 0; ///< Of the writers.
-    pid_t m_writer = 0;
+    pid_t m_parent = 0; ///< The process that forks the writers.
+    pid_t m_writer = 0; ///< The present one.
     int m_requests = -1;
     int m_answers = -1;
 };
@@ -133,7 +134,7 @@ public:
     explicit TestKilledWriter(int instants) : m_instants(instants) { }
 
 private slots:
-    void losesNoMoreThanTheRecordAtHandAndTheOneBehindACut();
+    void losesAtMostTheRecordAtHandAndTheNext();
 
 private:
     const QTemporaryDir m_folder;
@@ -141,11 +142,11 @@ private:
     const int m_instants;
 };
 
-void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
+void TestKilledWriter::losesAtMostTheRecordAtHandAndTheNext()
 {
     const QString newName = m_folder.filePath(u"history.jsonl.new"_s);
     std::mt19937 random(1234);
-    std::set<int> written; // All that was in the file, of this process and those before.
+    std::set<int> written; // All numbers that were in the file, from all writers.
     int first = 1;
     bool endsInPiece = false;
     qsizetype damagedBefore = 0;
@@ -179,31 +180,25 @@ void TestKilledWriter::losesNoMoreThanTheRecordAtHandAndTheOneBehindACut()
         QVERIFY2(damaged <= damagedBefore + 1, qPrintable(QString::number(damaged)));
         damagedBefore = damaged;
 
-        // The file runs ahead of what was told. A trim leaves the newest lines, whole or not.
+        // The file may hold more than was sent. A trim keeps the newest lines, damaged or not.
         written.insert(found.begin(), found.end());
         auto here = written.rbegin();
         for (qsizetype left = kept - damaged; left > 0 && here != written.rend(); --left, ++here)
             QVERIFY2(found.contains(*here), qPrintable(u"%1 in round %2"_s.arg(*here).arg(round)));
         first = *written.rbegin() + 1;
-        if (lacksOnlyItsFeed) // It goes with the next one.
+        if (lacksOnlyItsFeed) // The next append makes one damaged line of both.
             written.erase(std::prev(written.end()));
     }
     QVERIFY2(killedInTrims >= m_instants / 50, qPrintable(QString::number(killedInTrims)));
-    // Whatever the killed ones left is used up by the next one that trims.
+    // The next trim replaces a file that a killed writer left behind.
     HistoryStore(m_folder.path()).trim(1);
     QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files), QStringList{u"history.jsonl"_s});
 }
 
-/// "--instants N" kills as often.
+/// "--instants N" kills N writers instead of a few.
 int main(int argc, char **argv)
 {
-    int instants = 500;
-    if (argc >= 3 && qstrcmp(argv[1], "--instants") == 0) {
-        instants = std::atoi(argv[2]);
-        std::copy(argv + 3, argv + argc, argv + 1);
-        argc -= 2;
-    }
-    TestKilledWriter test(instants);
+    TestKilledWriter test(takeNumber("--instants", 50, argc, argv));
     return QTest::qExec(&test, argc, argv);
 }
 

@@ -19,7 +19,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// What the lines of a file are, told the plain way.
+/// The lines of a file, found by a plain split.
 QList<QByteArray> pieces(const QByteArray &contents)
 {
     QList<QByteArray> all = contents.split('\n');
@@ -46,7 +46,7 @@ QByteArray trimmedContents(const QByteArray &contents, qsizetype count)
     return kept;
 }
 
-/// Lines of all lengths around the size of what is read at once, blank ones and a cut one included.
+/// Lines of all lengths around the size of one read, with empty ones and a cut one.
 QByteArray randomContents(std::mt19937 &random)
 {
     QByteArray contents;
@@ -73,17 +73,17 @@ private slots:
     void appendsBehindACutLine();
     void readsAndCuts_data();
     void readsAndCuts();
-    void agreesWithThePlainWay();
-    void handsOutNoOverlongLine();
-    void livesWithALineOfAHundredMegabytes();
-    void looksAtTheEndOfAHugeFile();
+    void agreesWithAPlainSplit();
+    void leavesOutOverlongLines();
+    void copesWithALineOfAHundredMegabytes();
+    void readsTheEndOfAHugeFile();
     void leavesAShortFileUntouched();
     void keepsPermissions();
     void keepsALink();
-    void usesUpATemporaryFileLeftBehind();
+    void replacesATemporaryFileLeftBehind();
     void leavesNothingBehindWhenItCannotWrite();
-    void refusesWhatIsNoFile_data();
-    void refusesWhatIsNoFile();
+    void refusesWhatIsNotAFile_data();
+    void refusesWhatIsNotAFile();
     void isHarmlessWithoutAFile();
 
 private:
@@ -153,18 +153,18 @@ void TestLineFile::readsAndCuts_data()
         QTest::newRow(name) << QByteArray(before) << count << QByteArray(last) << QByteArray(after);
     };
     row("an empty file", "", 2, "", "");
-    row("fewer lines than asked for", "a\n", 2, "a", "a\n");
-    row("exactly as many", "a\nb\n", 2, "a,b", "a\nb\n");
-    row("one more", "a\nb\nc\n", 2, "b,c", "b\nc\n");
+    row("fewer lines than requested", "a\n", 2, "a", "a\n");
+    row("exactly as many lines as requested", "a\nb\n", 2, "a,b", "a\nb\n");
+    row("one line more than requested", "a\nb\nc\n", 2, "b,c", "b\nc\n");
     row("the last one is cut", "a\nb\nc", 2, "b,c", "b\nc\n");
     row("a file of one cut line", "a", 1, "a", "a");
-    row("blank lines do not count", "\n\na\n\n\nb\n\n", 2, "a,b", "\n\na\n\n\nb\n\n");
-    row("blank lines go where anything goes", "a\n\n\nb\n\nc\n\n", 2, "b,c", "b\nc\n");
-    row("nothing but blank lines", "\n\n\n", 1, "", "\n\n\n");
+    row("empty lines do not count", "\n\na\n\n\nb\n\n", 2, "a,b", "\n\na\n\n\nb\n\n");
+    row("empty lines are dropped with the others", "a\n\n\nb\n\nc\n\n", 2, "b,c", "b\nc\n");
+    row("only empty lines", "\n\n\n", 1, "", "\n\n\n");
     row("a carriage return is part of a line", "a\r\n\r\nb\r\n", 2, "\r,b\r", "\r\nb\r\n");
-    row("a blank is a line", "a\n \nb\n", 2, " ,b", " \nb\n");
-    row("none are wanted", "a\nb\n", 0, "", "");
-    row("none are wanted, none are there", "\n", 0, "", "\n");
+    row("a line of one space", "a\n \nb\n", 2, " ,b", " \nb\n");
+    row("none are requested", "a\nb\n", 0, "", "");
+    row("none are requested from a file without lines", "\n", 0, "", "\n");
 }
 
 void TestLineFile::readsAndCuts()
@@ -181,7 +181,7 @@ void TestLineFile::readsAndCuts()
     QTEST(contents(), "after");
 }
 
-void TestLineFile::agreesWithThePlainWay()
+void TestLineFile::agreesWithAPlainSplit()
 {
     std::mt19937 random(64'000);
     for (int i = 0; i < 50; ++i) {
@@ -194,12 +194,12 @@ void TestLineFile::agreesWithThePlainWay()
     }
 }
 
-void TestLineFile::handsOutNoOverlongLine()
+void TestLineFile::leavesOutOverlongLines()
 {
     const QByteArray fits(LineFile::longestLine, 'a');
     const QByteArray tooLong(LineFile::longestLine * 5 + 1, 'b');
     write("first\n" + fits + '\n' + tooLong + "\nlast\n");
-    // It counts as a line all the same.
+    // An overlong line counts as a line.
     QCOMPARE(m_file.last(2), Lines{"last"});
     QCOMPARE(m_file.last(3), (Lines{fits.toStdString(), "last"}));
     m_file.keepLast(2);
@@ -208,7 +208,7 @@ void TestLineFile::handsOutNoOverlongLine()
     QCOMPARE(m_file.last(2), Lines{"last"});
 }
 
-void TestLineFile::livesWithALineOfAHundredMegabytes()
+void TestLineFile::copesWithALineOfAHundredMegabytes()
 {
     {
         QFile file(m_path);
@@ -225,9 +225,9 @@ void TestLineFile::livesWithALineOfAHundredMegabytes()
     QCOMPARE(contents(), QByteArray("last\n"));
 }
 
-void TestLineFile::looksAtTheEndOfAHugeFile()
+void TestLineFile::readsTheEndOfAHugeFile()
 {
-    // Mostly a hole, so that it takes no room on the disk.
+    // Mostly a hole, which needs no room on the disk.
     write("first\n");
     {
         QFile file(m_path);
@@ -237,7 +237,7 @@ void TestLineFile::looksAtTheEndOfAHugeFile()
         file.write("\nsecond\nthird\n");
     }
     QCOMPARE(m_file.last(60), (Lines{"second", "third"}));
-    m_file.keepLast(2); // More lines than these are not seen, so none are cut.
+    m_file.keepLast(2); // Finds no more lines than these, so it cuts nothing.
     QVERIFY(QFile(m_path).size() > qint64(5) << 30);
     m_file.keepLast(1);
     QCOMPARE(contents(), QByteArray("third\n"));
@@ -281,7 +281,7 @@ void TestLineFile::keepsALink()
     QCOMPARE(contents(), QByteArray("b\nc\n"));
 }
 
-void TestLineFile::usesUpATemporaryFileLeftBehind()
+void TestLineFile::replacesATemporaryFileLeftBehind()
 {
     write("a\nb\nc\n");
     m_file.keepLast(2);
@@ -291,7 +291,7 @@ void TestLineFile::usesUpATemporaryFileLeftBehind()
 
     QFile left(m_path + ".new"_L1);
     QVERIFY(left.open(QIODevice::WriteOnly));
-    left.write("half of what a killed run had to wri");
+    left.write("half of what a killed process had to wri");
     left.close();
     QVERIFY(left.setPermissions(QFile::Permissions()));
     m_file.keepLast(1);
@@ -301,7 +301,7 @@ void TestLineFile::usesUpATemporaryFileLeftBehind()
 
 void TestLineFile::leavesNothingBehindWhenItCannotWrite()
 {
-    // A folder of the temporary file's name cannot be used up.
+    // A folder of the temporary file's name cannot be replaced.
     write("a\nb\n");
     QVERIFY(QDir(m_folder->path()).mkdir(u"lines.new"_s));
     m_file.keepLast(1);
@@ -310,18 +310,18 @@ void TestLineFile::leavesNothingBehindWhenItCannotWrite()
     QCOMPARE(m_file.last(1), Lines{"c"});
 }
 
-void TestLineFile::refusesWhatIsNoFile_data()
+void TestLineFile::refusesWhatIsNotAFile_data()
 {
     QTest::addColumn<QString>("kind");
-    QTest::newRow("a FIFO that nobody reads or writes") << u"fifo"_s;
+    QTest::newRow("a FIFO without a reader or writer") << u"fifo"_s;
     QTest::newRow("a folder") << u"folder"_s;
     QTest::newRow("a device that never ends") << u"/dev/zero"_s;
     QTest::newRow("a device that is always full") << u"/dev/full"_s;
-    QTest::newRow("a link to nothing") << u"/nowhere/at/all"_s;
+    QTest::newRow("a link to a missing file") << u"/nowhere/at/all"_s;
     QTest::newRow("a link to itself") << u"lines"_s;
 }
 
-void TestLineFile::refusesWhatIsNoFile()
+void TestLineFile::refusesWhatIsNotAFile()
 {
     QFETCH(QString, kind);
     if (kind == "fifo"_L1)

@@ -22,16 +22,16 @@ class TestAppSettings : public QObject {
 private slots:
     void initTestCase();
     void init();
-    void liesInTheUsersConfiguration();
+    void isInTheUsersConfiguration();
     void reads_data();
     void reads();
     void storesAnIntegerUnderItsKey();
-    void tellsObserversFirst();
-    void announcesEveryWrite();
+    void notifiesObserversBeforeItStores();
+    void notifiesObserversOfEveryWrite();
     void readsWhatItStored();
     void keepsOtherKeys();
-    void outlivesADiskThatTakesNothing_data();
-    void outlivesADiskThatTakesNothing();
+    void survivesADiskThatTakesNothing_data();
+    void survivesADiskThatTakesNothing();
 
 private:
     /// Writes the settings file as an editor would.
@@ -39,12 +39,12 @@ private:
     QByteArray fileContents() const;
 
     QTemporaryDir m_home;
-    QString m_path; ///< Of the settings file.
+    QString m_path; ///< The settings file.
 };
 
 void TestAppSettings::initTestCase()
 {
-    // A home without any override, before Qt looks for the first time.
+    // A home of its own, before Qt looks for the folders for the first time.
     qputenv("HOME", m_home.path().toLocal8Bit());
     qunsetenv("XDG_CONFIG_HOME");
     QCoreApplication::setOrganizationName(u"Corvane"_s);
@@ -55,7 +55,7 @@ void TestAppSettings::initTestCase()
 void TestAppSettings::init()
 {
     QFile::remove(m_path);
-    QSettings().sync(); // Qt keeps the contents for all settings objects of a file.
+    QSettings().sync(); // Qt caches the contents of a file for all its settings objects.
 }
 
 void TestAppSettings::writeFile(const QByteArray &contents) const
@@ -74,7 +74,7 @@ QByteArray TestAppSettings::fileContents() const
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void TestAppSettings::liesInTheUsersConfiguration()
+void TestAppSettings::isInTheUsersConfiguration()
 {
     AppSettings settings;
     QVERIFY(!QFile::exists(m_path)); // Reading writes nothing.
@@ -119,22 +119,22 @@ void TestAppSettings::storesAnIntegerUnderItsKey()
     QCOMPARE(fileContents(), QByteArray("[General]\nhistoryWindow=60\n"));
 }
 
-void TestAppSettings::tellsObserversFirst()
+void TestAppSettings::notifiesObserversBeforeItStores()
 {
     writeFile("[General]\nhistoryWindow=300\n");
     AppSettings settings;
-    QString storedWhenTold;
+    QString storedWhenNotified;
     connect(&settings, &AppSettings::historyWindowChanged, this,
-            [&storedWhenTold, &settings](HistoryWindow window) {
+            [&storedWhenNotified, &settings](HistoryWindow window) {
                 QVERIFY(settings.historyWindow() == window);
-                storedWhenTold = QSettings().value("historyWindow"_L1).toString();
+                storedWhenNotified = QSettings().value("historyWindow"_L1).toString();
             });
     settings.setHistoryWindow(HistoryWindow::oneMin);
-    QCOMPARE(storedWhenTold, u"300"_s);
+    QCOMPARE(storedWhenNotified, u"300"_s);
     QCOMPARE(QSettings().value("historyWindow"_L1).toString(), u"60"_s);
 }
 
-void TestAppSettings::announcesEveryWrite()
+void TestAppSettings::notifiesObserversOfEveryWrite()
 {
     AppSettings settings;
     const QSignalSpy spy(&settings, &AppSettings::historyWindowChanged);
@@ -165,7 +165,7 @@ void TestAppSettings::keepsOtherKeys()
     QCOMPARE(stored.value("historyWindow"_L1).toInt(), 60);
 }
 
-void TestAppSettings::outlivesADiskThatTakesNothing_data()
+void TestAppSettings::survivesADiskThatTakesNothing_data()
 {
     QTest::addColumn<bool>("isFull");
     QTest::addColumn<QByteArray>("before");
@@ -176,14 +176,15 @@ void TestAppSettings::outlivesADiskThatTakesNothing_data()
     }
 }
 
-/// What is chosen holds while the program runs; the file stays what it was until the disk takes it.
-void TestAppSettings::outlivesADiskThatTakesNothing()
+/// A new choice holds while the program runs; the file keeps the old one until it can be written.
+void TestAppSettings::survivesADiskThatTakesNothing()
 {
     QFETCH(const bool, isFull);
     QFETCH(const QByteArray, before);
     const QByteArray folder = QFile::encodeName(QFileInfo(m_path).path());
     QVERIFY(QDir().mkpath(QFile::decodeName(folder)));
-    QCOMPARE(chmod(QFile::encodeName(m_home.path()).constData(), 0755), 0); // To be reached.
+    QCOMPARE(chmod(QFile::encodeName(m_home.path()).constData(), 0755),
+             0); // So that others can enter it.
     if (!before.isEmpty())
         writeFile(before);
     const QStringList files = QDir(QFile::decodeName(folder)).entryList(QDir::Files | QDir::Hidden);
