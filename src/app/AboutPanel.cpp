@@ -1,5 +1,6 @@
 #include "app/AboutPanel.h"
 
+#include "platform/MainThread.h"
 #include "ui/ContextMenu.h"
 #include "ui/Logo.h"
 #include "ui/Theme.h"
@@ -19,7 +20,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int side = 300;
-constexpr QRectF sign{114, 26, 72, 72};
+constexpr QRectF logo{114, 26, 72, 72};
 constexpr TextLine nameLine{112.75, 18};
 constexpr TextLine versionLine{135, 14};
 constexpr TextLine firstCreditsLine{163.5, 15};
@@ -29,12 +30,13 @@ constexpr TextLine copyrightLine{267, 13};
 
 AboutPanel::AboutPanel(const AboutTexts &texts, QWidget *parent) : AccessibleWidget(parent)
 {
+    assertMainThread();
     setWindowFlag(Qt::Dialog);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"About %1"_s.arg(texts.name));
     setAccessibleName(windowTitle());
     setFixedSize(side, side);
-    closeOnUsualKey(*this);
+    closeOnControlW(*this);
     closeOnEscape(*this);
 
     auto *copyText = new QAction(u"Copy"_s, this);
@@ -91,7 +93,7 @@ void AboutPanel::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     paintWindowBackground(painter, *this, event->region());
-    paintLogo(painter, sign, LogoSize::large);
+    paintLogo(painter, logo, LogoSize::large);
     for (const CardText &line : m_lines)
         line.paint(painter);
 }

@@ -9,8 +9,8 @@ namespace corvane {
 /// `AboutPanel`. There is at most one. Main thread.
 void showAboutPanel();
 
-/// Who the program is: its sign, name and version, what it reads, whose it is. A window of its own;
-/// main thread. Escape closes it; its text can be copied.
+/// A window with the program's logo, name and version, what it reads and who made it. Main thread.
+/// Escape closes it; its text can be copied.
 class AboutPanel : public AccessibleWidget {
     Q_OBJECT
 

@@ -8,7 +8,7 @@ namespace corvane {
 
 void showAboutPanel()
 {
-    static QPointer<AboutPanel> panel; // Gone when it is closed.
+    static QPointer<AboutPanel> panel; // Null once it is closed.
     if (!isOpen(panel)) {
         panel = new AboutPanel;
         deleteOnClose(*panel);

@@ -1,5 +1,6 @@
 #include "app/AboutPanel.h"
 
+#include "platform/MainThread.h"
 #include "platform/NativeText_mac.h"
 
 #import <AppKit/AppKit.h>
@@ -8,6 +9,7 @@ namespace corvane {
 
 void showAboutPanel()
 {
+    assertMainThread();
     const AboutTexts texts = AboutTexts::current();
     NSAttributedString *credits = [[NSAttributedString alloc]
         initWithString:nativeText(texts.credits.toStdString())

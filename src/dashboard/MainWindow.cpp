@@ -50,7 +50,7 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
     setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
     resize(usualSize.boundedTo(screen()->availableSize()));
-    closeOnUsualKey(*this);
+    closeOnControlW(*this);
     new WindowAccessor(
         [](NativeWindow window) {
             hideTitleBar(window, Theme::windowGradient({1, 1}).stops().first().second);

@@ -18,9 +18,9 @@ GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent)
 {
     m_note->showMarkdown(loginNote());
     connect(m_launch, &QAbstractButton::clicked, &launch, &LaunchAtLoginManager::setEnabled);
-    const auto follow = [this, &launch] { showState(launch); };
-    connect(&launch, &LaunchAtLoginManager::isEnabledChanged, this, follow);
-    connect(&launch, &LaunchAtLoginManager::lastErrorChanged, this, follow);
+    const auto show = [this, &launch] { showState(launch); };
+    connect(&launch, &LaunchAtLoginManager::isEnabledChanged, this, show);
+    connect(&launch, &LaunchAtLoginManager::lastErrorChanged, this, show);
     showState(launch);
 }
 

@@ -7,7 +7,7 @@ namespace corvane {
 class LaunchAtLoginManager;
 class Switch;
 
-/// Whether the program starts at login. Owned by the settings window; main thread.
+/// The switch for the start at login. Owned by the settings window; main thread.
 class GeneralSettings : public SettingsPage {
     Q_OBJECT
 

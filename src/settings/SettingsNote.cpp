@@ -1,5 +1,6 @@
 #include "settings/SettingsNote.h"
 
+#include "platform/MainThread.h"
 #include "ui/Theme.h"
 
 #include <QPainter>
@@ -36,6 +37,7 @@ SettingsNote::SettingsNote(const MarkdownStyle &style, const QColor &color, QWid
       m_style(style),
       m_color(color)
 {
+    assertMainThread();
     hide();
 }
 

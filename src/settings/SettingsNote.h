@@ -7,23 +7,22 @@
 
 namespace corvane {
 
-/// A small text on a page of the settings, broken into as many lines as it needs. Empty, it is
-/// hidden. Main thread.
+/// A small wrapped text on a page of the settings, hidden while it is empty. Main thread.
 class SettingsNote : public AccessibleWidget {
     Q_OBJECT
 
 public:
-    /// What explains a setting.
+    /// Explains a setting.
     static SettingsNote *explanation(QWidget *parent);
-    /// What was said after an action.
+    /// Shows the outcome of an action.
     static SettingsNote *outcome(const QColor &color, QWidget *parent);
 
-    /// A text of our own, with inline marks.
+    /// Shows one of the program's texts, with inline Markdown.
     void showMarkdown(const QString &text);
-    /// Any text, as it is.
+    /// Shows any text, without markup and as a single line.
     void showPlain(const QString &text);
 
-    /// As high as it must be at its width.
+    /// Height of all lines at this width.
     int heightForWidth(int width) const override;
 
     std::vector<AccessibleText> accessibleTexts() const override;

@@ -1,5 +1,6 @@
 #include "settings/SettingsPage.h"
 
+#include "platform/MainThread.h"
 #include "settings/SettingsNote.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
@@ -33,6 +34,7 @@ SettingsPage::SettingsPage(const QString &heading, int rowCount, QWidget *parent
       m_heading(heading),
       m_rowCount(rowCount)
 {
+    assertMainThread();
     setAccessibleName(heading);
 }
 
@@ -41,7 +43,7 @@ std::vector<AccessibleText> SettingsPage::accessibleTexts() const
     return {{{}, m_heading, QRectF(padding, headingLine.top, row(0).width(), headingLine.height)}};
 }
 
-/// Every row but the first has a line along its top.
+/// All rows but the first have a line along their top.
 QRect SettingsPage::row(int index) const
 {
     const int line = index > 0 ? 1 : 0;

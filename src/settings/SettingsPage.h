@@ -6,8 +6,8 @@ namespace corvane {
 
 class SettingsNote;
 
-/// A page of the settings: a heading over a group of rows, and what stands below. Owned by the
-/// settings window; main thread.
+/// A page of the settings: a heading, a group of rows, and notes below them. Owned by the settings
+/// window; main thread.
 class SettingsPage : public AccessibleWidget {
     Q_OBJECT
 
@@ -17,11 +17,12 @@ public:
     std::vector<AccessibleText> accessibleTexts() const override;
 
 protected:
-    /// Of a row in the group, counted from 0.
+    /// Rectangle of a row in the group, counted from 0.
     QRect row(int index) const;
     int groupBottom() const;
 
-    /// Places a note of the group's width below `top`; its bottom, or `top` where it is hidden.
+    /// Places a note of the group's width below `top`. Returns its bottom, or `top` if it is
+    /// hidden.
     int placeNote(SettingsNote &note, int top) const;
 
     void paintEvent(QPaintEvent *event) override;

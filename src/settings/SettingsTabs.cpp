@@ -1,5 +1,6 @@
 #include "settings/SettingsTabs.h"
 
+#include "platform/MainThread.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"
@@ -22,6 +23,7 @@ constexpr TextLine nameLine{25.5, 13};
 
 SettingsTabs::SettingsTabs(QWidget *parent) : QTabBar(parent)
 {
+    assertMainThread();
     setDrawBase(false);
     setExpanding(false);
     setUsesScrollButtons(false);

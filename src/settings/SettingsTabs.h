@@ -4,13 +4,14 @@
 
 namespace corvane {
 
-/// The tabs over the settings' pages: an icon above its name each. Arrow keys go from one to the
-/// next. Main thread.
+/// The tabs above the settings' pages, each an icon above its name. Arrow keys select the next one.
+/// Main thread.
 class SettingsTabs : public QTabBar {
     Q_OBJECT
 
 public:
-    static constexpr int barHeight = 56; ///< With the line below, which its parent paints.
+    static constexpr int barHeight =
+        56; ///< Includes the line below the bar, which its parent paints.
 
     explicit SettingsTabs(QWidget *parent = nullptr);
 

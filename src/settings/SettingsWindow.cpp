@@ -1,6 +1,7 @@
 #include "settings/SettingsWindow.h"
 
 #include "login/LaunchAtLoginManager.h"
+#include "platform/MainThread.h"
 #include "settings/GeneralSettings.h"
 #include "settings/SettingsTabs.h"
 #include "settings/UpdateSettings.h"
@@ -33,10 +34,11 @@ SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &upd
       m_tabs(new SettingsTabs(this)),
       m_pages{new GeneralSettings(launch, this), new UpdateSettings(updater, this)}
 {
+    assertMainThread();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"Corvane Settings"_s);
     setFixedSize(windowSize);
-    closeOnUsualKey(*this);
+    closeOnControlW(*this);
     closeOnEscape(*this);
 
     m_tabs->addTab(u"gearshape"_s, u"General"_s);
@@ -48,7 +50,7 @@ SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &upd
     connect(m_tabs, &QTabBar::currentChanged, this, &SettingsWindow::showPage);
     showPage(m_tabs->currentIndex());
     setFocusPolicy(Qt::StrongFocus);
-    setFocus(); // So that no part starts with a focus ring.
+    setFocus(); // So that no control starts with a focus ring.
 }
 
 void SettingsWindow::showTab(SettingsTab tab)
@@ -82,7 +84,7 @@ void SettingsWindow::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
 }
 
-/// The user may come back from the desktop's own settings.
+/// The user may have changed the state in the desktop's own settings meanwhile.
 bool SettingsWindow::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate)

@@ -13,9 +13,9 @@ class UpdaterManager;
 
 enum class SettingsTab { general, updates };
 
-/// The settings: what starts the program and what updates it, a tab each. Made by the application
-/// when they are opened; main thread. They show what the system says each time they come to the
-/// front. Escape closes them.
+/// The settings window, with a tab for the start at login and one for updates. Created by the
+/// application when it is opened; main thread. It reads the system's state again each time that it
+/// comes to the front. Escape closes it.
 class SettingsWindow : public QWidget {
     Q_OBJECT
 

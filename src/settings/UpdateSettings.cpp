@@ -16,8 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int buttonGap = 14;  ///< Under the note.
-constexpr int findingGap = 12; ///< Between what was found and the button.
+constexpr int buttonGap = 14;  ///< Below the note.
+constexpr int findingGap = 12; ///< Between the finding and the button.
 
 } // namespace
 
@@ -62,7 +62,7 @@ void UpdateSettings::resizeEvent(QResizeEvent *)
     layOut();
 }
 
-/// What was found stands beside the button that asked for it.
+/// The finding stands beside the button.
 void UpdateSettings::layOut()
 {
     m_automatic->setGeometry(row(1));

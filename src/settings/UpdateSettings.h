@@ -8,8 +8,7 @@ class PanelButton;
 class Switch;
 class UpdaterManager;
 
-/// The program's version, and how updates are looked for. Owned by the settings window; main
-/// thread.
+/// The program's version and its checks for updates. Owned by the settings window; main thread.
 class UpdateSettings : public SettingsPage {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #include "windows/WindowAccessor.h"
 
+#include "platform/MainThread.h"
+
 #include <utility>
 
 namespace corvane {
@@ -10,16 +12,17 @@ WindowAccessor::WindowAccessor(std::function<void(NativeWindow)> configure, QWid
       m_configure(std::move(configure)),
       m_platform(std::move(platform))
 {
+    assertMainThread();
     hide();
-    // A queued call would not do: the loop takes calls that are queued meanwhile in the same turn.
+    // A timer rather than a queued call, which would run in the same turn if queued during it.
     m_nextTurn.start(0, this);
 }
 
 void WindowAccessor::timerEvent(QTimerEvent *)
 {
-    --m_looksLeft;
+    --m_attemptsLeft;
     const NativeWindow window = m_platform.hostingWindow(*this);
-    if (window || m_looksLeft == 0)
+    if (window || m_attemptsLeft == 0)
         m_nextTurn.stop();
     if (window)
         m_configure(window);

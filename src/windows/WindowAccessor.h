@@ -7,9 +7,9 @@
 
 namespace corvane {
 
-/// An invisible view that finds the window which hosts it and hands it to `configure`, once. A part
-/// of the window's tree, which owns it; main thread. It looks in nine successive turns of the main
-/// loop, then gives up silently.
+/// An invisible view that finds its hosting window and passes it to `configure`, once. Owned by its
+/// parent in that window; main thread. It looks in nine successive turns of the main loop, then
+/// stops without a call.
 class WindowAccessor : public QWidget {
     Q_OBJECT
 
@@ -23,8 +23,8 @@ protected:
 private:
     std::function<void(NativeWindow)> m_configure;
     WindowPlatform m_platform;
-    QBasicTimer m_nextTurn; ///< Goes with the view.
-    int m_looksLeft = 9;
+    QBasicTimer m_nextTurn;
+    int m_attemptsLeft = 9;
 };
 
 } // namespace corvane

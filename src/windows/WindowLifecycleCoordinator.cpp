@@ -1,5 +1,7 @@
 #include "windows/WindowLifecycleCoordinator.h"
 
+#include "platform/MainThread.h"
+
 #include <utility>
 
 namespace corvane {
@@ -7,6 +9,7 @@ namespace corvane {
 WindowLifecycleCoordinator::WindowLifecycleCoordinator(WindowPlatform platform)
     : m_platform(std::move(platform))
 {
+    assertMainThread();
 }
 
 WindowLifecycleCoordinator &WindowLifecycleCoordinator::shared()
@@ -17,10 +20,7 @@ WindowLifecycleCoordinator &WindowLifecycleCoordinator::shared()
 
 void WindowLifecycleCoordinator::attach(NativeWindow window)
 {
-    const std::uint64_t behavior = m_platform.collectionBehavior(window);
-    m_platform.setCollectionBehavior(window,
-                                     (behavior | CollectionBehavior::fullScreenPrimary)
-                                         & ~CollectionBehavior::fullScreenAuxiliary);
+    m_platform.allowFullScreen(window);
     m_platform.enableZoomButton(window);
     m_platform.setActivationPolicy(ActivationPolicy::regular);
     m_platform.activate(window);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -8,24 +7,15 @@ class QWidget;
 
 namespace corvane {
 
-/// How the system shows the program: with a label in the bar alone, or as one with windows, in the
-/// list of running programs.
+/// How the system shows the program: as a label in the bar alone, or as a program with windows in
+/// the list of running ones.
 enum class ActivationPolicy { accessory, regular };
 
-/// A window of the system's own: an NSWindow on a Mac, Qt's handle of it elsewhere. An identity
-/// that only the platform looks into.
-using NativeWindow = void *;
+/// The system's own object for a window, as an identity: only the platform's sources know its type.
+struct NativeWindowObject;
+using NativeWindow = NativeWindowObject *;
 
-/// How a window behaves towards full screen and spaces: the system's flags, with the values that a
-/// Mac gives them.
-namespace CollectionBehavior {
-
-inline constexpr std::uint64_t fullScreenPrimary = 1 << 7;
-inline constexpr std::uint64_t fullScreenAuxiliary = 1 << 8;
-
-} // namespace CollectionBehavior
-
-/// Tells of a window's end for as long as it lives.
+/// Reports the end of a window for as long as this lives.
 class CloseObserver {
 public:
     CloseObserver() = default;
@@ -34,24 +24,24 @@ public:
     CloseObserver &operator=(const CloseObserver &) = delete;
 };
 
-/// What the life of a window asks of the system. Main thread.
+/// What the dashboard's window needs from the system. Main thread.
 struct WindowPlatform {
     /// The window that hosts a view; null while there is none.
     std::function<NativeWindow(const QWidget &view)> hostingWindow;
 
-    std::function<std::uint64_t(NativeWindow)> collectionBehavior;
-    std::function<void(NativeWindow, std::uint64_t flags)> setCollectionBehavior;
+    /// Lets the window fill a screen of its own, rather than join another window's.
+    std::function<void(NativeWindow)> allowFullScreen;
     std::function<void(NativeWindow)> enableZoomButton; ///< If the window has one.
 
     std::function<ActivationPolicy()> activationPolicy;
     std::function<void(ActivationPolicy)> setActivationPolicy;
 
-    /// Brings the program to the front, whatever is there, and with it that window.
+    /// Brings the program and this window to the front.
     std::function<void(NativeWindow)> activate;
 
-    /// Calls `closing` on the main thread when that window is about to close. It may let go of the
-    /// observer.
-    std::function<std::unique_ptr<CloseObserver>(NativeWindow, std::function<void()> closing)>
+    /// Calls `onClose` on the main thread when that window is about to close. `onClose` may delete
+    /// the observer.
+    std::function<std::unique_ptr<CloseObserver>(NativeWindow, std::function<void()> onClose)>
         observeClose;
 };
 

@@ -1,5 +1,7 @@
 #include "windows/WindowPlatform.h"
 
+#include "platform/MainThread.h"
+
 #include <QWidget>
 #include <QWindow>
 
@@ -9,25 +11,25 @@ namespace {
 
 QWindow *asWindow(NativeWindow window)
 {
-    return static_cast<QWindow *>(window);
+    return reinterpret_cast<QWindow *>(window);
 }
 
-/// No desktop asks for it: a program is in the taskbar with the windows that it shows, and only
-/// with these. It is kept for the rest of the program to read.
+/// Kept for the rest of the program to read. It has no effect on Linux: a program is in the taskbar
+/// by the windows that it shows.
 ActivationPolicy &policy()
 {
     static ActivationPolicy current = ActivationPolicy::accessory;
     return current;
 }
 
-/// A window that is closed is hidden first, however that came about; a minimized one is not hidden.
+/// A closing window is hidden first, whatever closes it; a minimized one is not hidden.
 class HideObserver : public CloseObserver {
 public:
-    HideObserver(QWindow *window, const std::function<void()> &closing)
+    HideObserver(QWindow *window, const std::function<void()> &onClose)
         : m_connection(
-            QObject::connect(window, &QWindow::visibleChanged, window, [closing](bool visible) {
+            QObject::connect(window, &QWindow::visibleChanged, window, [onClose](bool visible) {
                 if (!visible)
-                    closing();
+                    onClose();
             }))
     {
     }
@@ -41,20 +43,20 @@ private:
 
 WindowPlatform systemWindowPlatform()
 {
+    assertMainThread();
     return {
         .hostingWindow = [](const QWidget &view) -> NativeWindow {
-            return view.window()->windowHandle();
+            return reinterpret_cast<NativeWindow>(view.window()->windowHandle());
         },
         // Every window can fill the screen and has its button for it.
-        .collectionBehavior = [](NativeWindow) { return CollectionBehavior::fullScreenPrimary; },
-        .setCollectionBehavior = [](NativeWindow, std::uint64_t) {},
+        .allowFullScreen = [](NativeWindow) {},
         .enableZoomButton = [](NativeWindow) {},
         .activationPolicy = [] { return policy(); },
         .setActivationPolicy = [](ActivationPolicy wanted) { policy() = wanted; },
         .activate = [](NativeWindow window) { asWindow(window)->requestActivate(); },
         .observeClose = [](NativeWindow window,
-                           const std::function<void()> &closing) -> std::unique_ptr<CloseObserver> {
-            return std::make_unique<HideObserver>(asWindow(window), closing);
+                           const std::function<void()> &onClose) -> std::unique_ptr<CloseObserver> {
+            return std::make_unique<HideObserver>(asWindow(window), onClose);
         },
     };
 }

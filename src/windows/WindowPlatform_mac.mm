@@ -1,5 +1,8 @@
 #include "windows/WindowPlatform.h"
 
+#include "platform/MainThread.h"
+#include "windows/CollectionBehavior_mac.h"
+
 #import <AppKit/AppKit.h>
 
 #include <QGuiApplication>
@@ -13,35 +16,39 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+static_assert(CollectionBehavior::fullScreenPrimary == NSWindowCollectionBehaviorFullScreenPrimary);
+static_assert(CollectionBehavior::fullScreenAuxiliary
+              == NSWindowCollectionBehaviorFullScreenAuxiliary);
+
 NSWindow *asWindow(NativeWindow window)
 {
-    return (__bridge NSWindow *)window;
+    return (__bridge NSWindow *)reinterpret_cast<void *>(window);
 }
 
 NativeWindow hostingWindow(const QWidget &view)
 {
-    // Asking a view that has no window yet would make one for it; and only the windows that are on
-    // the system's screen are the system's.
+    // winId() would create a window for a view that has none. Under other Qt platforms (offscreen)
+    // the number is no NSView.
     const QWidget *window = view.window();
     if (!window->internalWinId() || QGuiApplication::platformName() != "cocoa"_L1)
         return nullptr;
     NSView *native = (__bridge NSView *)reinterpret_cast<void *>(window->internalWinId());
-    return (__bridge NativeWindow)native.window;
+    return reinterpret_cast<NativeWindow>((__bridge void *)native.window);
 }
 
 class WillCloseObserver : public CloseObserver {
 public:
-    WillCloseObserver(NSWindow *window, std::function<void()> closing)
-        : m_closing(std::make_shared<std::function<void()>>(std::move(closing)))
+    WillCloseObserver(NSWindow *window, std::function<void()> onClose)
+        : m_onClose(std::make_shared<std::function<void()>>(std::move(onClose)))
     {
-        // The closing window may let go of this observer while its block runs.
-        const std::weak_ptr<std::function<void()>> weakClosing = m_closing;
+        // The callback may delete this observer while the block runs.
+        const std::weak_ptr<std::function<void()>> weakOnClose = m_onClose;
         m_observer = [NSNotificationCenter.defaultCenter
             addObserverForName:NSWindowWillCloseNotification
                         object:window
                          queue:NSOperationQueue.mainQueue
                     usingBlock:^(NSNotification *) {
-                        if (const auto alive = weakClosing.lock())
+                        if (const auto alive = weakOnClose.lock())
                             (*alive)();
                     }];
     }
@@ -51,7 +58,7 @@ public:
     }
 
 private:
-    std::shared_ptr<std::function<void()>> m_closing;
+    std::shared_ptr<std::function<void()>> m_onClose;
     id<NSObject> m_observer;
 };
 
@@ -59,14 +66,14 @@ private:
 
 WindowPlatform systemWindowPlatform()
 {
+    assertMainThread();
     return {
         .hostingWindow = hostingWindow,
-        .collectionBehavior = [](NativeWindow window) -> std::uint64_t {
-            return asWindow(window).collectionBehavior;
-        },
-        .setCollectionBehavior =
-            [](NativeWindow window, std::uint64_t flags) {
-                asWindow(window).collectionBehavior = flags;
+        .allowFullScreen =
+            [](NativeWindow window) {
+                NSWindow *native = asWindow(window);
+                native.collectionBehavior =
+                    CollectionBehavior::allowingFullScreen(native.collectionBehavior);
             },
         .enableZoomButton =
             [](NativeWindow window) {
@@ -90,8 +97,8 @@ WindowPlatform systemWindowPlatform()
                 [asWindow(window) makeKeyAndOrderFront:nil];
             },
         .observeClose = [](NativeWindow window,
-                           std::function<void()> closing) -> std::unique_ptr<CloseObserver> {
-            return std::make_unique<WillCloseObserver>(asWindow(window), std::move(closing));
+                           std::function<void()> onClose) -> std::unique_ptr<CloseObserver> {
+            return std::make_unique<WillCloseObserver>(asWindow(window), std::move(onClose));
         },
     };
 }

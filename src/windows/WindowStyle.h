@@ -6,8 +6,8 @@ class QColor;
 
 namespace corvane {
 
-/// Gives a window no title and a bar in its own colour, where windows of this system look like
-/// that: on a Mac. Elsewhere the bar is the desktop's. Main thread.
+/// On a Mac hides the window's title and gives its title bar the background's colour. Elsewhere the
+/// title bar is the desktop's and stays. Main thread.
 void hideTitleBar(NativeWindow window, const QColor &background);
 
 } // namespace corvane

@@ -1,15 +1,18 @@
 #include "windows/WindowStyle.h"
 
+#include "platform/MainThread.h"
+
 #import <AppKit/AppKit.h>
 
 #include <QColor>
 
 namespace corvane {
 
-/// The content stays below the bar: under it the window's buttons would stand on the content's.
+/// The content stays below the bar: behind it, the window's buttons would cover the content.
 void hideTitleBar(NativeWindow window, const QColor &background)
 {
-    NSWindow *native = (__bridge NSWindow *)window;
+    assertMainThread();
+    NSWindow *native = (__bridge NSWindow *)reinterpret_cast<void *>(window);
     native.titleVisibility = NSWindowTitleHidden;
     native.titlebarAppearsTransparent = YES;
     native.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];

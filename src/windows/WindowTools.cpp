@@ -2,6 +2,7 @@
 
 #include "platform/ActivationToken.h"
 #include "platform/Heap.h"
+#include "platform/MainThread.h"
 #include "ui/Logo.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-QIcon makeSignIcon()
+QIcon makeProgramIcon()
 {
     QIcon icon;
     for (const int pixels : {16, 32, 48, 64})
@@ -21,12 +22,12 @@ QIcon makeSignIcon()
     return icon;
 }
 
-/// The program's own sign, for desktops that take a window's picture from the window: most on X11
-/// do, and none finds another as long as the program is not installed. One for all windows: Qt's
-/// cache keeps what it has shown, so that each would cost its memory again.
-const QIcon &signIcon()
+/// The program's icon, for desktops that show the window's own: most on X11 do, and none finds
+/// another while the program is not installed. One for all windows: Qt caches each icon that it has
+/// shown.
+const QIcon &programIcon()
 {
-    static const QIcon icon = makeSignIcon();
+    static const QIcon icon = makeProgramIcon();
     return icon;
 }
 
@@ -34,14 +35,16 @@ const QIcon &signIcon()
 
 void deleteOnClose(QWidget &window)
 {
+    assertMainThread();
     window.setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(&window, &QObject::destroyed, qApp, returnFreeMemory, Qt::QueuedConnection);
 }
 
 void bringForward(QWidget &window)
 {
+    assertMainThread();
     if (!window.testAttribute(Qt::WA_SetWindowIcon))
-        window.setWindowIcon(signIcon());
+        window.setWindowIcon(programIcon());
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
@@ -50,12 +53,13 @@ void bringForward(QWidget &window)
 
 void useActivationToken(const QByteArray &token)
 {
-    // Qt hands it to the compositor with the next window that asks for the focus.
+    assertMainThread();
+    // Qt passes the variable to the compositor with the next window that requests the focus.
     if (isActivationToken({token.constData(), static_cast<std::size_t>(token.size())}))
         qputenv("XDG_ACTIVATION_TOKEN", token);
 }
 
-void closeOnUsualKey(QWidget &window)
+void closeOnControlW(QWidget &window)
 {
     new QShortcut(Qt::CTRL | Qt::Key_W, &window, &window, &QWidget::close);
 }

@@ -4,29 +4,29 @@
 
 namespace corvane {
 
-/// What all windows of the program have in common. Main thread.
+// What the program's windows have in common. Main thread.
 
-/// Whether a window that deletes itself when it is closed is open, minimized or not. One that was
-/// just closed may still be there: it is not.
+/// Whether a window that deletes itself when closed is open, minimized or not. One that was just
+/// closed and is not yet deleted is not open.
 inline bool isOpen(const QWidget *window)
 {
     return window && window->isVisible();
 }
 
-/// Has a window go when it is closed, and what it held with it.
+/// Deletes the window when it is closed and returns its memory to the system.
 void deleteOnClose(QWidget &window);
 
-/// Shows a window in front of the others, back from the taskbar too, with the program's sign.
+/// Shows a window in front of the others, restored if it was minimized, with the program's icon.
 void bringForward(QWidget &window);
 
-/// Takes the desktop's leave to come to the front for the next window that is brought there. What
-/// cannot be such a token is left.
+/// Uses the desktop's token for the next window that is brought to the front. Ignores text that is
+/// no activation token.
 void useActivationToken(const QByteArray &token);
 
-/// Has a window close on Control and W, on a Mac on Command and W.
-void closeOnUsualKey(QWidget &window);
+/// Closes the window on Control+W, on a Mac on Command+W.
+void closeOnControlW(QWidget &window);
 
-/// Has it close on Escape too, as small windows do.
+/// Closes the window on Escape.
 void closeOnEscape(QWidget &window);
 
 } // namespace corvane

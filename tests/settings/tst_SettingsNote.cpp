@@ -25,9 +25,9 @@ class TestSettingsNote : public QObject {
 
 private slots:
     void isAsHighAsItsLines();
-    void isHiddenWithoutAText();
-    void aForeignTextHasNoMarks_data();
-    void aForeignTextHasNoMarks();
+    void isHiddenWhileEmpty();
+    void showsPlainTextWithoutMarkup_data();
+    void showsPlainTextWithoutMarkup();
     void anOutcomeHasItsColor();
 };
 
@@ -47,7 +47,7 @@ void TestSettingsNote::isAsHighAsItsLines()
     QCOMPARE(outcome->heightForWidth(400), 15);
 }
 
-void TestSettingsNote::isHiddenWithoutAText()
+void TestSettingsNote::isHiddenWhileEmpty()
 {
     QWidget page;
     SettingsNote *note = SettingsNote::outcome(Theme::critical, &page);
@@ -60,15 +60,15 @@ void TestSettingsNote::isHiddenWithoutAText()
     QVERIFY(spoken(*note).isEmpty());
 }
 
-void TestSettingsNote::aForeignTextHasNoMarks_data()
+void TestSettingsNote::showsPlainTextWithoutMarkup_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("marks are text") << u"**a** `b` *c*"_s << u"**a** `b` *c*"_s;
-    QTest::newRow("a line break cannot break the page") << u"a\nb"_s << u"a\uFFFDb"_s;
+    QTest::newRow("markup is text") << u"**a** `b` *c*"_s << u"**a** `b` *c*"_s;
+    QTest::newRow("a line break is replaced") << u"a\nb"_s << u"a\uFFFDb"_s;
 }
 
-void TestSettingsNote::aForeignTextHasNoMarks()
+void TestSettingsNote::showsPlainTextWithoutMarkup()
 {
     QFETCH(QString, text);
     QFETCH(QString, shown);

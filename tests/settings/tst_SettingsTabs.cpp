@@ -30,22 +30,22 @@ class TestSettingsTabs : public QObject {
     Q_OBJECT
 
 private slots:
-    void areAsLargeAsDrawn();
-    void arrowKeysGoFromOneToTheNext();
-    void areTabsForReaders();
-    void theChosenOneHasAPlate_data();
-    void theChosenOneHasAPlate();
-    void theChosenOneShowsTheFocus();
+    void haveTheirSize();
+    void areSelectedByArrowKeysAndClicks();
+    void areTabsForScreenReaders();
+    void theSelectedOneHasABackground_data();
+    void theSelectedOneHasABackground();
+    void theSelectedOneShowsTheFocus();
 };
 
-void TestSettingsTabs::areAsLargeAsDrawn()
+void TestSettingsTabs::haveTheirSize()
 {
     const Shown shown;
     QCOMPARE(shown.tabs.size(), QSize(176, 55));
     QCOMPARE(shown.tabs.tabRect(1), QRect(88, 0, 88, 55));
 }
 
-void TestSettingsTabs::arrowKeysGoFromOneToTheNext()
+void TestSettingsTabs::areSelectedByArrowKeysAndClicks()
 {
     Shown shown;
     QCOMPARE(shown.tabs.currentIndex(), 0);
@@ -57,7 +57,7 @@ void TestSettingsTabs::arrowKeysGoFromOneToTheNext()
     QCOMPARE(shown.tabs.currentIndex(), 1);
 }
 
-void TestSettingsTabs::areTabsForReaders()
+void TestSettingsTabs::areTabsForScreenReaders()
 {
     Shown shown;
     QAccessibleInterface *list = QAccessible::queryAccessibleInterface(&shown.tabs);
@@ -67,14 +67,14 @@ void TestSettingsTabs::areTabsForReaders()
     QCOMPARE(list->child(1)->text(QAccessible::Name), u"Updates"_s);
 }
 
-void TestSettingsTabs::theChosenOneHasAPlate_data()
+void TestSettingsTabs::theSelectedOneHasABackground_data()
 {
     QTest::addColumn<double>("scale");
     QTest::newRow("at scale 1") << 1.0;
     QTest::newRow("at scale 2") << 2.0;
 }
 
-void TestSettingsTabs::theChosenOneHasAPlate()
+void TestSettingsTabs::theSelectedOneHasABackground()
 {
     QFETCH(double, scale);
     Shown shown;
@@ -90,7 +90,7 @@ void TestSettingsTabs::theChosenOneHasAPlate()
     }
 }
 
-void TestSettingsTabs::theChosenOneShowsTheFocus()
+void TestSettingsTabs::theSelectedOneShowsTheFocus()
 {
     QWidget window;
     QWidget other(&window);

@@ -19,21 +19,21 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The settings of a program, in sight.
+/// The settings window, shown.
 struct Shown {
     explicit Shown(ScriptedUpdater *system = new ScriptedUpdater) : updates(system)
     {
         window.show();
     }
 
-    /// The switch of the page in sight.
-    Switch &theSwitch() const
+    /// The switch of the visible page.
+    Switch &visibleSwitch() const
     {
         const auto switches = window.findChildren<Switch *>();
         return *(switches[0]->isVisible() ? switches[0] : switches[1]);
     }
 
-    /// The texts in sight, headings and rows first, then the notes from top to bottom.
+    /// The visible texts: headings and rows first, then the notes from top to bottom.
     QStringList texts() const
     {
         QStringList all;
@@ -63,15 +63,14 @@ private slots:
     void hasATabForEachPage();
     void beginsWithTheGeneralTab();
     void toggleLaunchAtLogin();
-    void aFailureSpringsBackAndSaysWhy();
-    void aSwitchThatWaitsForApprovalStaysOff();
+    void aFailureIsUndoneAndExplained();
     void readsTheRealStateWhenItIsShown();
     void readsTheRealStateWhenTheUserComesBack();
-    void tellsVersionAndUpdates();
+    void showsVersionAndUpdates();
     void togglesAutomaticChecks();
-    void promisesNothingWhereNoUpdatesCanCome();
+    void disablesItsControlsIfNoUpdatesCanCome();
     void checksOnceAtATime();
-    void saysWhatACheckFound();
+    void showsTheFindingBesideTheButton();
     void aLongFindingKeepsAwayFromTheButton();
     void worksByKeyboardAlone();
     void closesOnAKey_data();
@@ -106,45 +105,37 @@ void TestSettingsWindow::beginsWithTheGeneralTab()
     QCOMPARE(texts.size(), 2);
     QCOMPARE(texts[0], u"Startup"_s);
     QVERIFY(texts[1].startsWith(u"Launch at login uses "_s));
-    QCOMPARE(shown.theSwitch().text(), u"Launch Corvane at login"_s);
+    QCOMPARE(shown.visibleSwitch().text(), u"Launch Corvane at login"_s);
 }
 
 void TestSettingsWindow::toggleLaunchAtLogin()
 {
     Shown shown;
-    QVERIFY(!shown.theSwitch().isChecked());
-    shown.theSwitch().click();
+    QVERIFY(!shown.visibleSwitch().isChecked());
+    shown.visibleSwitch().click();
     QVERIFY(shown.login.isEnabled);
-    QVERIFY(shown.theSwitch().isChecked());
-    shown.theSwitch().click();
+    QVERIFY(shown.visibleSwitch().isChecked());
+    shown.visibleSwitch().click();
     QVERIFY(!shown.login.isEnabled);
-    QVERIFY(!shown.theSwitch().isChecked());
+    QVERIFY(!shown.visibleSwitch().isChecked());
 }
 
-void TestSettingsWindow::aFailureSpringsBackAndSaysWhy()
+void TestSettingsWindow::aFailureIsUndoneAndExplained()
 {
     Shown shown;
     const SettingsNote *note = shown.window.findChildren<SettingsNote *>()[1];
     const int place = note->y();
     shown.login.refusal = u"Operation not permitted"_s;
-    shown.theSwitch().click();
-    QVERIFY(!shown.theSwitch().isChecked());
+    shown.visibleSwitch().click();
+    QVERIFY(!shown.visibleSwitch().isChecked());
     QCOMPARE(shown.texts().value(1), u"Operation not permitted"_s);
     QCOMPARE(note->y(), place + 8 + 15);
 
     shown.login.refusal = {};
-    shown.theSwitch().click();
-    QVERIFY(shown.theSwitch().isChecked());
+    shown.visibleSwitch().click();
+    QVERIFY(shown.visibleSwitch().isChecked());
     QCOMPARE(shown.texts().size(), 2);
     QCOMPARE(note->y(), place);
-}
-
-void TestSettingsWindow::aSwitchThatWaitsForApprovalStaysOff()
-{
-    Shown shown;
-    shown.login.needsApproval = true;
-    shown.theSwitch().click();
-    QVERIFY(!shown.theSwitch().isChecked());
 }
 
 void TestSettingsWindow::readsTheRealStateWhenItIsShown()
@@ -157,7 +148,7 @@ void TestSettingsWindow::readsTheRealStateWhenItIsShown()
     shown.window.show();
     QVERIFY(shown.login.reads > reads);
     QVERIFY(shown.updates->refreshes > refreshes);
-    QVERIFY(shown.theSwitch().isChecked());
+    QVERIFY(shown.visibleSwitch().isChecked());
 }
 
 void TestSettingsWindow::readsTheRealStateWhenTheUserComesBack()
@@ -166,10 +157,10 @@ void TestSettingsWindow::readsTheRealStateWhenTheUserComesBack()
     shown.login.isEnabled = true;
     QEvent activation(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&shown.window, &activation);
-    QVERIFY(shown.theSwitch().isChecked());
+    QVERIFY(shown.visibleSwitch().isChecked());
 }
 
-void TestSettingsWindow::tellsVersionAndUpdates()
+void TestSettingsWindow::showsVersionAndUpdates()
 {
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
@@ -178,21 +169,21 @@ void TestSettingsWindow::tellsVersionAndUpdates()
     QCOMPARE(texts[0], u"Auto-update"_s);
     QCOMPARE(texts[1], u"Current version: "_s + shown.updater.currentVersion());
     QVERIFY(texts[2].startsWith(u"Updates "_s));
-    QCOMPARE(shown.theSwitch().text(), u"Check for updates automatically"_s);
-    QVERIFY(shown.theSwitch().isEnabled());
+    QCOMPARE(shown.visibleSwitch().text(), u"Check for updates automatically"_s);
+    QVERIFY(shown.visibleSwitch().isEnabled());
 }
 
 void TestSettingsWindow::togglesAutomaticChecks()
 {
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
-    shown.theSwitch().click();
+    shown.visibleSwitch().click();
     QVERIFY(!shown.updates->automatic);
     shown.updater.setAutomaticallyChecks(true);
-    QVERIFY(shown.theSwitch().isChecked());
+    QVERIFY(shown.visibleSwitch().isChecked());
 }
 
-void TestSettingsWindow::promisesNothingWhereNoUpdatesCanCome()
+void TestSettingsWindow::disablesItsControlsIfNoUpdatesCanCome()
 {
     auto *none = new ScriptedUpdater;
     none->offered = false;
@@ -200,9 +191,9 @@ void TestSettingsWindow::promisesNothingWhereNoUpdatesCanCome()
     none->isChecking = true;
     Shown shown(none);
     shown.window.showTab(SettingsTab::updates);
-    QVERIFY(!shown.theSwitch().isEnabled());
-    shown.theSwitch().click();
-    QVERIFY(!shown.theSwitch().isChecked());
+    QVERIFY(!shown.visibleSwitch().isEnabled());
+    shown.visibleSwitch().click();
+    QVERIFY(!shown.visibleSwitch().isChecked());
     QVERIFY(!none->automatic);
     QVERIFY(!shown.window.findChild<PanelButton *>()->isEnabled());
     QCOMPARE(shown.texts().value(2), updatesNote(false));
@@ -224,7 +215,7 @@ void TestSettingsWindow::checksOnceAtATime()
     QVERIFY(checkNow->isEnabled());
 }
 
-void TestSettingsWindow::saysWhatACheckFound()
+void TestSettingsWindow::showsTheFindingBesideTheButton()
 {
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
@@ -234,7 +225,7 @@ void TestSettingsWindow::saysWhatACheckFound()
         shown.window.findChild<UpdateSettings *>()->findChildren<SettingsNote *>().last();
     const QRect button = shown.window.findChild<PanelButton *>()->geometry();
     QVERIFY2(std::abs(finding->geometry().center().y() - button.center().y()) <= 1,
-             "one line stands on the button's middle");
+             "one line is vertically centred on the button");
     QVERIFY(finding->geometry().right() < button.left());
 }
 
@@ -261,7 +252,7 @@ void TestSettingsWindow::worksByKeyboardAlone()
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Right);
     QVERIFY(shown.window.findChild<UpdateSettings *>()->isVisible());
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);
-    QCOMPARE(shown.window.focusWidget(), &shown.theSwitch());
+    QCOMPARE(shown.window.focusWidget(), &shown.visibleSwitch());
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Space);
     QVERIFY(!shown.updates->automatic);
     QTest::keyClick(shown.window.focusWidget(), Qt::Key_Tab);

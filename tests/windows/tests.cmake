@@ -1,3 +1,4 @@
 corvane_test(windows/tst_WindowLifecycleCoordinator)
 corvane_test(windows/tst_WindowAccessor)
 corvane_test(windows/tst_WindowTools)
+corvane_test(windows/tst_CollectionBehavior)

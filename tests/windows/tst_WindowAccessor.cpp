@@ -6,22 +6,25 @@ using namespace corvane;
 
 namespace {
 
-/// A desktop that gives a view its window at a certain look, or never.
+/// A platform whose view gets its window at a certain attempt, or never.
 struct LateWindow {
     WindowPlatform platform()
     {
         WindowPlatform late;
         late.hostingWindow = [this](const QWidget &) -> NativeWindow {
-            return ++looks == foundAt ? this : nullptr;
+            return ++attempts == foundAt ? window() : nullptr;
         };
         return late;
     }
 
+    /// An address that serves as the window's identity.
+    NativeWindow window() { return reinterpret_cast<NativeWindow>(this); }
+
     int foundAt = 0; ///< 0: never.
-    int looks = 0;
+    int attempts = 0;
 };
 
-/// More turns of the main loop than any view looks.
+/// More turns of the main loop than a view's attempts.
 constexpr int manyTurns = 30;
 
 } // namespace
@@ -32,20 +35,20 @@ class TestWindowAccessor : public QObject {
 private slots:
     void looksInSuccessiveTurns_data();
     void looksInSuccessiveTurns();
-    void aViewThatIsGoneLooksNoMore();
-    void mayBeDeletedByWhatItCalls();
-    void findsTheWindowAroundIt();
-    void findsNoneWhereNoneIs();
+    void aDeletedViewStopsLooking();
+    void canBeDeletedByItsCallback();
+    void findsItsHostingWindow();
+    void findsNoWindowBeforeOneIsShown();
 };
 
 void TestWindowAccessor::looksInSuccessiveTurns_data()
 {
     QTest::addColumn<int>("foundAt");
-    QTest::addColumn<int>("looks");
+    QTest::addColumn<int>("attempts");
     QTest::addColumn<int>("configured");
     QTest::newRow("a window at once") << 1 << 1 << 1;
     QTest::newRow("a window later") << 4 << 4 << 1;
-    QTest::newRow("a window at the ninth look") << 9 << 9 << 1;
+    QTest::newRow("a window at the ninth attempt") << 9 << 9 << 1;
     QTest::newRow("a window too late") << 10 << 9 << 0;
     QTest::newRow("never a window") << 0 << 9 << 0;
 }
@@ -53,39 +56,39 @@ void TestWindowAccessor::looksInSuccessiveTurns_data()
 void TestWindowAccessor::looksInSuccessiveTurns()
 {
     QFETCH(int, foundAt);
-    QFETCH(int, looks);
+    QFETCH(int, attempts);
     LateWindow desktop{.foundAt = foundAt};
     int configured = 0;
     const WindowAccessor view(
         [&](NativeWindow window) {
             ++configured;
-            QCOMPARE(window, static_cast<NativeWindow>(&desktop));
+            QCOMPARE(window, desktop.window());
         },
         nullptr, desktop.platform());
-    QCOMPARE(desktop.looks, 0);
+    QCOMPARE(desktop.attempts, 0);
     for (int turn = 0; turn < manyTurns; ++turn) {
-        const int before = desktop.looks;
+        const int before = desktop.attempts;
         QCoreApplication::processEvents();
-        QVERIFY2(desktop.looks <= before + 1, "once a turn");
+        QVERIFY2(desktop.attempts <= before + 1, "one attempt a turn");
     }
-    QCOMPARE(desktop.looks, looks);
+    QCOMPARE(desktop.attempts, attempts);
     QTEST(configured, "configured");
 }
 
-void TestWindowAccessor::aViewThatIsGoneLooksNoMore()
+void TestWindowAccessor::aDeletedViewStopsLooking()
 {
     LateWindow desktop;
     auto view = std::make_unique<WindowAccessor>([](NativeWindow) { QFAIL("no window"); }, nullptr,
                                                  desktop.platform());
-    QTRY_VERIFY(desktop.looks > 0);
+    QTRY_VERIFY(desktop.attempts > 0);
     view.reset();
-    const int looks = desktop.looks;
+    const int attempts = desktop.attempts;
     for (int turn = 0; turn < manyTurns; ++turn)
         QCoreApplication::processEvents();
-    QCOMPARE(desktop.looks, looks);
+    QCOMPARE(desktop.attempts, attempts);
 }
 
-void TestWindowAccessor::mayBeDeletedByWhatItCalls()
+void TestWindowAccessor::canBeDeletedByItsCallback()
 {
     LateWindow desktop{.foundAt = 1};
     QPointer<WindowAccessor> view;
@@ -94,7 +97,7 @@ void TestWindowAccessor::mayBeDeletedByWhatItCalls()
     QTRY_VERIFY(!view);
 }
 
-void TestWindowAccessor::findsTheWindowAroundIt()
+void TestWindowAccessor::findsItsHostingWindow()
 {
     QWidget window;
     NativeWindow found = nullptr;
@@ -109,7 +112,7 @@ void TestWindowAccessor::findsTheWindowAroundIt()
     window.show();
     QTRY_VERIFY(found);
     QCOMPARE(found, systemWindowPlatform().hostingWindow(window));
-    QVERIFY2(!view->isVisible(), "there is nothing to see of it");
+    QVERIFY2(!view->isVisible(), "the view is invisible");
     window.close();
     window.show();
     for (int turn = 0; turn < manyTurns; ++turn)
@@ -117,7 +120,7 @@ void TestWindowAccessor::findsTheWindowAroundIt()
     QCOMPARE(configured, 1);
 }
 
-void TestWindowAccessor::findsNoneWhereNoneIs()
+void TestWindowAccessor::findsNoWindowBeforeOneIsShown()
 {
     QWidget neverShown;
     new WindowAccessor([](NativeWindow) { QFAIL("no window"); }, &neverShown);

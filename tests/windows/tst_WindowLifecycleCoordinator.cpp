@@ -9,17 +9,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A desktop that writes down what is asked of it.
+/// A platform that records the calls.
 class RecordedPlatform {
 public:
     WindowPlatform platform()
     {
         WindowPlatform recorded;
-        recorded.collectionBehavior = [this](NativeWindow) { return behavior; };
-        recorded.setCollectionBehavior = [this](NativeWindow, std::uint64_t flags) {
-            note(u"behavior"_s);
-            behavior = flags;
-        };
+        recorded.allowFullScreen = [this](NativeWindow) { note(u"full screen"_s); };
         recorded.enableZoomButton = [this](NativeWindow) { note(u"zoom"_s); };
         recorded.activationPolicy = [this] { return policy; };
         recorded.setActivationPolicy = [this](ActivationPolicy wanted) {
@@ -27,14 +23,14 @@ public:
             policy = wanted;
         };
         recorded.activate = [this](NativeWindow) { note(u"activate"_s); };
-        recorded.observeClose = [this](NativeWindow window, const std::function<void()> &closing) {
-            return std::make_unique<Observer>(*this, window, closing);
+        recorded.observeClose = [this](NativeWindow window, const std::function<void()> &onClose) {
+            return std::make_unique<Observer>(*this, window, onClose);
         };
         return recorded;
     }
 
-    /// What was asked since the last call, in order.
-    QStringList asked() { return std::exchange(m_asked, {}); }
+    /// The calls since this was last called, in order.
+    QStringList calls() { return std::exchange(m_calls, {}); }
 
     void close(NativeWindow window)
     {
@@ -43,18 +39,17 @@ public:
             std::function<void()>(found->second)();
     }
 
-    std::uint64_t behavior = 0;
     ActivationPolicy policy = ActivationPolicy::accessory;
 
 private:
     struct Observer : CloseObserver {
         Observer(RecordedPlatform &owner, NativeWindow observed,
-                 const std::function<void()> &closing)
+                 const std::function<void()> &onClose)
             : recorder(owner),
               window(observed)
         {
             recorder.note(u"observe"_s);
-            recorder.m_observers.emplace(window, closing);
+            recorder.m_observers.emplace(window, onClose);
         }
         ~Observer() override
         {
@@ -65,17 +60,17 @@ private:
         NativeWindow window;
     };
 
-    void note(const QString &call) { m_asked.append(call); }
+    void note(const QString &call) { m_calls.append(call); }
 
-    QStringList m_asked;
+    QStringList m_calls;
     std::map<NativeWindow, std::function<void()>> m_observers;
 };
 
-/// Two windows' identities; nobody looks into them.
+/// Two windows' identities: addresses that are never read.
 int firstPlace = 0;
 int secondPlace = 0;
-const NativeWindow first = &firstPlace;
-const NativeWindow second = &secondPlace;
+const auto first = reinterpret_cast<NativeWindow>(&firstPlace);
+const auto second = reinterpret_cast<NativeWindow>(&secondPlace);
 
 } // namespace
 
@@ -84,17 +79,15 @@ class TestWindowLifecycleCoordinator : public QObject {
 
 private slots:
     void attachesInOrder();
-    void changesTheFlagsOfFullScreenAlone_data();
-    void changesTheFlagsOfFullScreenAlone();
     void isAnAccessoryAgainWhenTheWindowCloses();
     void attachingAgainReplacesTheObserver();
-    void isAnAccessoryThoughAnotherWindowIsOpen();
-    void staysTheSameWhenAWindowClosesThatIsNotAttached();
-    void forgetsItsObserversWithItself();
-    void followsWindowsOfThisDesktop();
-    void followsAWindowThatIsDeletedWhileOpen();
-    void aMinimizedWindowIsOpen();
-    void thereIsOneForTheProgram();
+    void isAnAccessoryEvenIfAnotherWindowIsOpen();
+    void ignoresTheEndOfAWindowThatIsNotAttached();
+    void deletesItsObservers();
+    void observesWindowsOfThisDesktop();
+    void observesAWindowThatIsDeletedWhileOpen();
+    void countsAMinimizedWindowAsOpen();
+    void isSharedByTheProgram();
 };
 
 void TestWindowLifecycleCoordinator::attachesInOrder()
@@ -102,30 +95,9 @@ void TestWindowLifecycleCoordinator::attachesInOrder()
     RecordedPlatform desktop;
     WindowLifecycleCoordinator coordinator(desktop.platform());
     coordinator.attach(first);
-    QCOMPARE(desktop.asked(),
-             QStringList({u"behavior"_s, u"zoom"_s, u"regular"_s, u"activate"_s, u"observe"_s}));
+    QCOMPARE(desktop.calls(),
+             QStringList({u"full screen"_s, u"zoom"_s, u"regular"_s, u"activate"_s, u"observe"_s}));
     QCOMPARE(coordinator.observerCount(), 1);
-}
-
-void TestWindowLifecycleCoordinator::changesTheFlagsOfFullScreenAlone_data()
-{
-    QTest::addColumn<quint64>("before");
-    QTest::addColumn<quint64>("after");
-    QTest::newRow("no flags") << quint64(0) << quint64(1 << 7);
-    QTest::newRow("an auxiliary window") << quint64(1 << 8) << quint64(1 << 7);
-    QTest::newRow("a primary window") << quint64(1 << 7) << quint64(1 << 7);
-    QTest::newRow("other flags are kept")
-        << quint64(1 << 0 | 1 << 8 | 1 << 11) << quint64(1 << 0 | 1 << 7 | 1 << 11);
-}
-
-void TestWindowLifecycleCoordinator::changesTheFlagsOfFullScreenAlone()
-{
-    QFETCH(quint64, before);
-    QFETCH(quint64, after);
-    RecordedPlatform desktop;
-    desktop.behavior = before;
-    WindowLifecycleCoordinator(desktop.platform()).attach(first);
-    QCOMPARE(desktop.behavior, after);
 }
 
 void TestWindowLifecycleCoordinator::isAnAccessoryAgainWhenTheWindowCloses()
@@ -136,9 +108,9 @@ void TestWindowLifecycleCoordinator::isAnAccessoryAgainWhenTheWindowCloses()
         coordinator.attach(first);
         QCOMPARE(coordinator.observerCount(), 1);
         QCOMPARE(desktop.policy, ActivationPolicy::regular);
-        desktop.asked();
+        desktop.calls();
         desktop.close(first);
-        QCOMPARE(desktop.asked(), QStringList({u"accessory"_s, u"forget"_s}));
+        QCOMPARE(desktop.calls(), QStringList({u"accessory"_s, u"forget"_s}));
         QCOMPARE(coordinator.observerCount(), 0);
         QCOMPARE(desktop.policy, ActivationPolicy::accessory);
     }
@@ -149,15 +121,15 @@ void TestWindowLifecycleCoordinator::attachingAgainReplacesTheObserver()
     RecordedPlatform desktop;
     WindowLifecycleCoordinator coordinator(desktop.platform());
     coordinator.attach(first);
-    desktop.asked();
+    desktop.calls();
     coordinator.attach(first);
-    QCOMPARE(desktop.asked().sliced(4), QStringList({u"forget"_s, u"observe"_s}));
+    QCOMPARE(desktop.calls().sliced(4), QStringList({u"forget"_s, u"observe"_s}));
     QCOMPARE(coordinator.observerCount(), 1);
     desktop.close(first);
     QCOMPARE(coordinator.observerCount(), 0);
 }
 
-void TestWindowLifecycleCoordinator::isAnAccessoryThoughAnotherWindowIsOpen()
+void TestWindowLifecycleCoordinator::isAnAccessoryEvenIfAnotherWindowIsOpen()
 {
     RecordedPlatform desktop;
     WindowLifecycleCoordinator coordinator(desktop.platform());
@@ -171,30 +143,30 @@ void TestWindowLifecycleCoordinator::isAnAccessoryThoughAnotherWindowIsOpen()
     QCOMPARE(coordinator.observerCount(), 0);
 }
 
-void TestWindowLifecycleCoordinator::staysTheSameWhenAWindowClosesThatIsNotAttached()
+void TestWindowLifecycleCoordinator::ignoresTheEndOfAWindowThatIsNotAttached()
 {
     RecordedPlatform desktop;
     WindowLifecycleCoordinator coordinator(desktop.platform());
     coordinator.attach(first);
-    desktop.asked();
+    desktop.calls();
     desktop.close(second);
-    QVERIFY(desktop.asked().isEmpty());
+    QVERIFY(desktop.calls().isEmpty());
     QCOMPARE(desktop.policy, ActivationPolicy::regular);
     QCOMPARE(coordinator.observerCount(), 1);
 }
 
-void TestWindowLifecycleCoordinator::forgetsItsObserversWithItself()
+void TestWindowLifecycleCoordinator::deletesItsObservers()
 {
     RecordedPlatform desktop;
     {
         WindowLifecycleCoordinator coordinator(desktop.platform());
         coordinator.attach(first);
-        desktop.asked();
+        desktop.calls();
     }
-    QCOMPARE(desktop.asked(), QStringList({u"forget"_s}));
+    QCOMPARE(desktop.calls(), QStringList({u"forget"_s}));
 }
 
-void TestWindowLifecycleCoordinator::followsWindowsOfThisDesktop()
+void TestWindowLifecycleCoordinator::observesWindowsOfThisDesktop()
 {
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
@@ -210,7 +182,7 @@ void TestWindowLifecycleCoordinator::followsWindowsOfThisDesktop()
     }
 }
 
-void TestWindowLifecycleCoordinator::followsAWindowThatIsDeletedWhileOpen()
+void TestWindowLifecycleCoordinator::observesAWindowThatIsDeletedWhileOpen()
 {
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
@@ -222,7 +194,7 @@ void TestWindowLifecycleCoordinator::followsAWindowThatIsDeletedWhileOpen()
     QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
 }
 
-void TestWindowLifecycleCoordinator::aMinimizedWindowIsOpen()
+void TestWindowLifecycleCoordinator::countsAMinimizedWindowAsOpen()
 {
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
@@ -237,7 +209,7 @@ void TestWindowLifecycleCoordinator::aMinimizedWindowIsOpen()
     QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
 }
 
-void TestWindowLifecycleCoordinator::thereIsOneForTheProgram()
+void TestWindowLifecycleCoordinator::isSharedByTheProgram()
 {
     QCOMPARE(&WindowLifecycleCoordinator::shared(), &WindowLifecycleCoordinator::shared());
     QCOMPARE(WindowLifecycleCoordinator::shared().observerCount(), 0);

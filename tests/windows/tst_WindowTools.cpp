@@ -13,12 +13,12 @@ class TestWindowTools : public QObject {
 
 private slots:
     void aWindowThatWasClosedIsNotOpen();
-    void comesBackAsItWas();
-    void takesATokenOfTheDesktop_data();
-    void takesATokenOfTheDesktop();
-    void hasTheSignInTheTaskbar();
-    void closesOnItsKeys_data();
-    void closesOnItsKeys();
+    void restoresAMinimizedWindowAsItWas();
+    void usesAValidToken_data();
+    void usesAValidToken();
+    void hasTheProgramsIcon();
+    void closesOnItsShortcuts_data();
+    void closesOnItsShortcuts();
 };
 
 void TestWindowTools::aWindowThatWasClosedIsNotOpen()
@@ -34,7 +34,7 @@ void TestWindowTools::aWindowThatWasClosedIsNotOpen()
     QVERIFY(!isOpen(&window));
 }
 
-void TestWindowTools::comesBackAsItWas()
+void TestWindowTools::restoresAMinimizedWindowAsItWas()
 {
     QWidget window;
     window.showMaximized();
@@ -45,19 +45,19 @@ void TestWindowTools::comesBackAsItWas()
     QVERIFY(QTest::qWaitForWindowActive(&window));
 }
 
-void TestWindowTools::takesATokenOfTheDesktop_data()
+void TestWindowTools::usesAValidToken_data()
 {
     QTest::addColumn<QByteArray>("token");
     QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("as desktops make them") << "panel-1_TIME2"_ba
-                                           << "panel-1_TIME2"_ba;
-    QTest::newRow("none") << QByteArray() << "earlier"_ba;
+    QTest::newRow("a desktop's token") << "panel-1_TIME2"_ba
+                                       << "panel-1_TIME2"_ba;
+    QTest::newRow("no token") << QByteArray() << "earlier"_ba;
     QTest::newRow("two lines") << "a\nb"_ba
                                << "earlier"_ba;
     QTest::newRow("too long") << QByteArray(10'000, 'x') << "earlier"_ba;
 }
 
-void TestWindowTools::takesATokenOfTheDesktop()
+void TestWindowTools::usesAValidToken()
 {
     QFETCH(QByteArray, token);
     qputenv("XDG_ACTIVATION_TOKEN", "earlier");
@@ -66,7 +66,7 @@ void TestWindowTools::takesATokenOfTheDesktop()
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
-void TestWindowTools::hasTheSignInTheTaskbar()
+void TestWindowTools::hasTheProgramsIcon()
 {
     QWidget window;
     bringForward(window);
@@ -74,13 +74,13 @@ void TestWindowTools::hasTheSignInTheTaskbar()
     for (const int pixels : {16, 32, 48, 64})
         QCOMPARE(icon.pixmap(pixels).toImage().convertToFormat(signPicture(pixels).format()),
                  signPicture(pixels));
-    // Windows come and go, and Qt keeps each picture that it has shown for a while.
+    // Qt caches each icon, so all windows share one.
     QWidget other;
     bringForward(other);
     QCOMPARE(other.windowIcon().cacheKey(), window.windowIcon().cacheKey());
 }
 
-void TestWindowTools::closesOnItsKeys_data()
+void TestWindowTools::closesOnItsShortcuts_data()
 {
     QTest::addColumn<bool>("isSmall");
     QTest::addColumn<int>("key");
@@ -94,14 +94,14 @@ void TestWindowTools::closesOnItsKeys_data()
     QTest::newRow("Escape in a small window") << true << int(Qt::Key_Escape) << none << true;
 }
 
-void TestWindowTools::closesOnItsKeys()
+void TestWindowTools::closesOnItsShortcuts()
 {
     QFETCH(bool, isSmall);
     QFETCH(int, key);
     QFETCH(Qt::KeyboardModifiers, modifiers);
     QFETCH(bool, closes);
     QWidget window;
-    closeOnUsualKey(window);
+    closeOnControlW(window);
     if (isSmall)
         closeOnEscape(window);
     bringForward(window);
