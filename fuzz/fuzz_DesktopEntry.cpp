@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QString path = u'/' + QString::fromUtf8(bytes);
     if (path.contains(QChar(u'\0')) || path.contains(u'='))
         return 0; // No path, or one that is refused.
-    const auto written = desktopEntry(autostartFile(path));
+    const auto written = desktopEntry(autostartEntry(path));
     if (!written || written->program != path || written->tryExec != path)
         __builtin_trap();
     return 0;

@@ -1,6 +1,5 @@
 #include "login/DesktopEntry.h"
 
-#include <QStandardPaths>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -17,13 +16,13 @@ using namespace Qt::StringLiterals;
 
 constexpr auto groupName = "[Desktop Entry]"_L1;
 
-/// Characters for which a word needs quotes.
+/// A word with one of these needs quotes.
 constexpr auto reserved = " \t\n\r\"'\\><~|&;$*?#()`"_L1;
 
-/// Those that keep a meaning between quotes.
+/// These keep their meaning between quotes.
 constexpr auto quotedReserved = "\"`$\\"_L1;
 
-/// Other white space may be part of a name.
+/// Other white space may be part of a file's name.
 bool isBlank(QChar letter)
 {
     return " \t\n\r"_L1.contains(letter);
@@ -38,7 +37,7 @@ QStringView withoutBlanks(QStringView text)
     return text;
 }
 
-/// Runs its first argument that is no assignment.
+/// Runs its first argument that is not an assignment.
 constexpr auto envProgram = "/usr/bin/env"_L1;
 
 QString unescaped(QStringView value)
@@ -76,7 +75,7 @@ QStringList listOf(const QString &value)
     return value.split(u';', Qt::SkipEmptyParts);
 }
 
-/// The part of a word up to the closing quote, which is dropped too; absent without one.
+/// Takes the quoted part of a word and its quotes; absent if the closing quote is missing.
 std::optional<QString> takeQuoted(QStringView &rest)
 {
     const QChar quote = rest.front();
@@ -95,7 +94,7 @@ std::optional<QString> takeQuoted(QStringView &rest)
     return std::nullopt;
 }
 
-/// Next word of a command; empty at its end, absent if a quote is left open.
+/// Takes the next word of a command; empty at its end, absent if a quote is not closed.
 std::optional<QString> takeWord(QStringView &rest)
 {
     rest = withoutBlanks(rest);
@@ -116,7 +115,7 @@ std::optional<QString> takeWord(QStringView &rest)
     return word.replace("%%"_L1, "%"_L1);
 }
 
-/// The program that a command ends up running; empty if there is none.
+/// The program that a command runs, directly or through `env`; empty if there is none.
 QString programOf(const QString &command)
 {
     QStringView rest = command;
@@ -134,16 +133,16 @@ QString commandOf(const QString &program)
     const auto isReserved = [](QChar letter) { return reserved.contains(letter); };
     QString word = program;
     if (std::any_of(word.cbegin(), word.cend(), isReserved)) {
-        for (const QChar letter : u"\\\"`$"_s) // The backslash first, since the others bring more.
+        for (const QChar letter : u"\\\"`$"_s) // The backslash first: the others add more.
             word.replace(letter, u'\\' + QString(letter));
         word = u'"' + word + u'"';
     }
-    // Desktops look for the program before they undo the doubling; arguments they take as meant.
+    // Desktops look for the program before they decode "%%", and decode it in arguments.
     const QString wrapper = word.contains(u'%') ? envProgram + u' ' : QString();
     return wrapper + word.replace(u'%', u"%%"_s);
 }
 
-void take(DesktopEntry &entry, QStringView key, const QString &value)
+void setValue(DesktopEntry &entry, QStringView key, const QString &value)
 {
     if (key == "Type"_L1)
         entry.isApplication = value == "Application"_L1;
@@ -183,8 +182,8 @@ std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes)
         const auto equals = content.indexOf(u'=');
         if (!isInGroup || equals < 0 || content.startsWith(u'#'))
             continue;
-        take(*entry, withoutBlanks(content.first(equals)),
-             unescaped(withoutBlanks(content.mid(equals + 1))));
+        setValue(*entry, withoutBlanks(content.first(equals)),
+                 unescaped(withoutBlanks(content.mid(equals + 1))));
     }
     return entry;
 }
@@ -193,7 +192,7 @@ bool isStarted(const DesktopEntry &entry, const QStringList &desktops)
 {
     if (!entry.isApplication || entry.isHidden || entry.isSwitchedOff || entry.program.isEmpty())
         return false;
-    // The first desktop that the entry speaks of decides.
+    // The first desktop that the entry names decides.
     for (const QString &desktop : desktops) {
         if (entry.onlyShowIn && entry.onlyShowIn->contains(desktop))
             return true;
@@ -208,15 +207,7 @@ QStringList currentDesktops()
     return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts);
 }
 
-QStringList autostartPlaces()
-{
-    QStringList places = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
-    for (QString &place : places)
-        place += "/autostart/"_L1 + QStringLiteral(CORVANE_IDENTIFIER) + ".desktop"_L1;
-    return places;
-}
-
-QByteArray autostartFile(const QString &program)
+QByteArray autostartEntry(const QString &program)
 {
     const QString text = u"[Desktop Entry]\n"
                          "Type=Application\n"

@@ -8,32 +8,29 @@
 
 namespace corvane {
 
-/// What an autostart entry says about whether, where and what it starts. Values are decoded.
+/// Whether an autostart entry is started, by which desktops, and which program. Values are decoded.
 struct DesktopEntry {
-    bool isApplication = true;  ///< Rather than a link or a folder.
-    bool isHidden = false;      ///< Counts as deleted.
-    bool isSwitchedOff = false; ///< By the settings of a desktop, with a key of its own.
+    bool isApplication = true;  ///< False for a link or a folder.
+    bool isHidden = false;      ///< The entry counts as deleted.
+    bool isSwitchedOff = false; ///< By a desktop's settings: GNOME's own key.
     std::optional<QStringList> onlyShowIn = {};
     QStringList notShowIn = {};
-    QString tryExec = {}; ///< A program that has to be there; empty: none.
-    QString program = {}; ///< What it runs, `env` aside; empty: nothing.
+    QString tryExec = {}; ///< A program that must exist; empty if none is named.
+    QString program = {}; ///< The program that it runs, without `env`; empty if there is none.
 };
 
-/// The entry in a file of these bytes; absent if they are none.
+/// Parses a file's bytes; absent if they hold no entry.
 std::optional<DesktopEntry> desktopEntry(const QByteArray &bytes);
 
-/// Whether a session of these desktops, as XDG_CURRENT_DESKTOP lists them, starts the entry.
-/// Whether the programs are there is left to the caller.
+/// Whether a session of these desktops, as XDG_CURRENT_DESKTOP lists them, starts the entry. Does
+/// not check that the programs exist.
 bool isStarted(const DesktopEntry &entry, const QStringList &desktops);
 
-/// Those of this session.
+/// The desktops of this session.
 QStringList currentDesktops();
 
-/// Where the entry that starts this program with a session may lie, the user's place first.
-QStringList autostartPlaces();
-
-/// A file that starts the program, given by an absolute path without an equals sign, with every
-/// session.
-QByteArray autostartFile(const QString &program);
+/// The bytes of an entry that starts a program with every session. The program is given by an
+/// absolute path without an equals sign.
+QByteArray autostartEntry(const QString &program);
 
 } // namespace corvane

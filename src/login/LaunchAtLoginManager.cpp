@@ -1,5 +1,7 @@
 #include "login/LaunchAtLoginManager.h"
 
+#include "platform/MainThread.h"
+
 #include <utility>
 
 namespace corvane {
@@ -14,6 +16,7 @@ LaunchAtLoginManager::LaunchAtLoginManager(LoginItem item, QObject *parent)
       m_item(std::move(item)),
       m_isEnabled(m_item.isEnabled())
 {
+    assertMainThread();
 }
 
 void LaunchAtLoginManager::setEnabled(bool on)

@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// Whether the program starts at login, and the switch for it. Owned by the application state; main
-/// thread. The switch always shows what the system says, so a change that failed springs back.
+/// Whether the program starts at login. Owned by the application state; main thread. The state is
+/// always the one read from the system, so a change that failed is undone in every switch.
 class LaunchAtLoginManager : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isEnabled READ isEnabled WRITE setEnabled NOTIFY isEnabledChanged)
@@ -24,10 +24,10 @@ public:
     /// Why the last change failed; absent after a success.
     const std::optional<QString> &lastError() const { return m_lastError; }
 
-    /// isEnabledChanged follows in any case, so that a switch shows the real state again.
+    /// Emits isEnabledChanged in any case, so that a switch shows the real state again.
     void setEnabled(bool on);
 
-    /// Reads the state again; others change it too.
+    /// Reads the state again: the user may have changed it elsewhere.
     void refresh();
 
 signals:

@@ -7,9 +7,9 @@
 
 namespace corvane {
 
-/// The system's list of what starts with the user's session, as far as this program stands in it.
-/// Main thread. Each change tells what went wrong, in words for the user; absent after a success.
-/// What the list then says is another matter: the user may still have to agree.
+/// This program's entry in the system's list of what starts at login. Main thread. A change returns
+/// why it failed, as a text for the user; absent after a success. After a success the item may
+/// still be disabled: a Mac's user may have to approve it.
 struct LoginItem {
     std::function<bool()> isEnabled;
     std::function<std::optional<QString>()> enable;
@@ -18,5 +18,8 @@ struct LoginItem {
 
 /// This program's own login item.
 LoginItem mainLoginItem();
+
+/// The file in which the user's login item is kept; empty where the system has no such file.
+QString loginItemFile();
 
 } // namespace corvane

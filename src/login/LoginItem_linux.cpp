@@ -1,6 +1,7 @@
 #include "login/LoginItem.h"
 
-#include "login/Autostart.h"
+#include "login/Autostart_linux.h"
+#include "platform/MainThread.h"
 
 #include <QCoreApplication>
 
@@ -10,9 +11,9 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// What starts this program again. A disk image that mounts itself names its own file, since the
-/// program's place in it is gone with the mount; the name is inherited by whatever such a program
-/// starts, so it counts for what lies in the image alone.
+/// The file that starts this program again. An AppImage names its own file in APPIMAGE: the path of
+/// the program inside is gone when the image is unmounted. Programs that it starts inherit the
+/// variable, so it counts only for a program inside the image.
 QString programFile()
 {
     const QString program = QCoreApplication::applicationFilePath();
@@ -27,7 +28,13 @@ QString programFile()
 
 LoginItem mainLoginItem()
 {
+    assertMainThread();
     return autostartItem(programFile());
+}
+
+QString loginItemFile()
+{
+    return autostartFiles().constFirst();
 }
 
 } // namespace corvane

@@ -1,12 +1,14 @@
 #include "login/LoginItem.h"
 
+#include "platform/MainThread.h"
+
 #import <ServiceManagement/ServiceManagement.h>
 
 namespace corvane {
 
 namespace {
 
-/// What went wrong, in the user's language; absent after a success.
+/// Why a change failed, in the user's language; absent after a success.
 std::optional<QString> failure(BOOL succeeded, NSError *error)
 {
     if (succeeded)
@@ -18,6 +20,7 @@ std::optional<QString> failure(BOOL succeeded, NSError *error)
 
 LoginItem mainLoginItem()
 {
+    assertMainThread();
     return {
         .isEnabled = [] { return SMAppService.mainAppService.status == SMAppServiceStatusEnabled; },
         .enable =
@@ -34,6 +37,11 @@ LoginItem mainLoginItem()
                 return failure(succeeded, error);
             },
     };
+}
+
+QString loginItemFile()
+{
+    return {};
 }
 
 } // namespace corvane

@@ -1,6 +1,7 @@
 #include "settings/SettingsTexts.h"
 
 #include "login/DesktopEntry.h"
+#include "login/LoginItem.h"
 
 #include <QDir>
 
@@ -10,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Where a desktop shows what it starts at login.
+/// The settings page on which a desktop lists what it starts at login.
 struct StartupPage {
     QLatin1StringView desktop;
     QStringView page;
@@ -18,7 +19,7 @@ struct StartupPage {
 
 constexpr StartupPage startupPages[] = {
     {"KDE"_L1, u"System Settings → Autostart"},
-    {"ubuntu"_L1, u"Startup Applications"}, // Before the desktop that it is made of.
+    {"ubuntu"_L1, u"Startup Applications"}, // Also names itself GNOME, so it comes first.
     {"GNOME"_L1, u"Tweaks → Startup Applications"},
     {"XFCE"_L1, u"Session and Startup → Application Autostart"},
     {"X-Cinnamon"_L1, u"System Settings → Startup Applications"},
@@ -35,7 +36,7 @@ QString startupPage(const QStringList &desktops)
     return u"your desktop's startup settings"_s;
 }
 
-/// With the user's home as shells write it.
+/// The path with "~" for the user's home.
 QString shortened(const QString &file)
 {
     const QString home = QDir::homePath() + u'/';
@@ -55,7 +56,7 @@ QString loginNote(HostSystem system, const QStringList &desktops, const QString 
 
 QString loginNote()
 {
-    return loginNote(hostSystem(), currentDesktops(), autostartPlaces().constFirst());
+    return loginNote(hostSystem(), currentDesktops(), loginItemFile());
 }
 
 QString updatesNote(bool isOffered, HostSystem system)

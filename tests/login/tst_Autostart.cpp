@@ -1,4 +1,4 @@
-#include "login/Autostart.h"
+#include "login/Autostart_linux.h"
 
 #include "login/DesktopEntry.h"
 #include "login/LaunchAtLoginManager.h"
@@ -37,7 +37,7 @@ QByteArray readFile(const QString &path)
 
 } // namespace
 
-/// The switch over an autostart folder of the test's own, with this test as the program.
+/// The login item in the test's own autostart folders, with this test as the program.
 class TestAutostart : public QObject {
     Q_OBJECT
 
@@ -45,29 +45,29 @@ private slots:
     void init();
     void cleanup();
 
-    void isOffWithoutAnEntry();
-    void switchesOnAndOff();
-    void makesTheFolderForTheUserAlone();
+    void isDisabledWithoutAnEntry();
+    void isEnabledAndDisabled();
+    void createsTheFolderForTheUserAlone();
     void entryNamesThisProgram();
-    void isOnOrOffByTheEntry_data();
-    void isOnOrOffByTheEntry();
+    void followsTheEntry_data();
+    void followsTheEntry();
     void needsTheProgramOfTryExec();
-    void isOffForAnotherBuild();
-    void isOnForALinkToThisProgram();
-    void isOnForANameInThePath();
-    void takesTheEntryOver();
-    void systemWideEntryCountsWithoutAnOwn();
-    void hidesASystemWideEntry();
-    void ownEntryShadowsTheSystemWideOne();
-    void strangeFileIsOff_data();
-    void strangeFileIsOff();
+    void isDisabledForAnotherBuild();
+    void isEnabledForALinkToThisProgram();
+    void isEnabledForANameInThePath();
+    void replacesTheEntryOfAnotherBuild();
+    void systemWideEntryCountsWithoutTheUsers();
+    void overridesASystemWideEntryToDisableIt();
+    void invalidUserEntryOverridesTheSystemWideOne();
+    void unusableFileIsDisabled_data();
+    void unusableFileIsDisabled();
     void folderInPlaceOfTheEntry();
     void fileInPlaceOfTheFolder();
     void readOnlyFolder();
     void fullDisk();
-    void programIsGone();
-    void equalsSignInThePath();
-    void imageThatMountsItselfIsNamed();
+    void refusesAProgramThatIsGone();
+    void refusesAnEqualsSignInThePath();
+    void entryNamesTheAppImage();
 
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
@@ -75,7 +75,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_entry;      ///< The user's.
-    QString m_systemWide; ///< Not made.
+    QString m_systemWide; ///< Does not exist at first.
 };
 
 void TestAutostart::init()
@@ -95,13 +95,13 @@ void TestAutostart::cleanup()
     qunsetenv("APPIMAGE");
 }
 
-void TestAutostart::isOffWithoutAnEntry()
+void TestAutostart::isDisabledWithoutAnEntry()
 {
     QVERIFY(!LaunchAtLoginManager().isEnabled());
     QVERIFY(!QFileInfo::exists(path(u"config"_s)));
 }
 
-void TestAutostart::switchesOnAndOff()
+void TestAutostart::isEnabledAndDisabled()
 {
     LaunchAtLoginManager manager;
     manager.setEnabled(true);
@@ -119,7 +119,7 @@ void TestAutostart::switchesOnAndOff()
     QVERIFY(!manager.lastError());
 }
 
-void TestAutostart::makesTheFolderForTheUserAlone()
+void TestAutostart::createsTheFolderForTheUserAlone()
 {
     QVERIFY(!autostartItem(program()).enable());
     for (const QString &folder : {path(u"config"_s), path(u"config/autostart"_s)})
@@ -127,7 +127,7 @@ void TestAutostart::makesTheFolderForTheUserAlone()
                      & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
                         | QFile::WriteOther | QFile::ExeOther),
                  QFile::Permissions());
-    // Nothing else is left of the writing.
+    // No temporary file is left.
     QCOMPARE(QDir(path(u"config/autostart"_s)).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
@@ -141,7 +141,7 @@ void TestAutostart::entryNamesThisProgram()
     QVERIFY(!autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::isOnOrOffByTheEntry_data()
+void TestAutostart::followsTheEntry_data()
 {
     QTest::addColumn<QByteArray>("lines");
     QTest::addColumn<bool>("isOn");
@@ -153,7 +153,7 @@ void TestAutostart::isOnOrOffByTheEntry_data()
     QTest::newRow("not for this desktop") << QByteArray("NotShowIn=GNOME;\n") << false;
 }
 
-void TestAutostart::isOnOrOffByTheEntry()
+void TestAutostart::followsTheEntry()
 {
     QFETCH(const QByteArray, lines);
     LaunchAtLoginManager manager;
@@ -161,7 +161,7 @@ void TestAutostart::isOnOrOffByTheEntry()
     writeFile(m_entry, readFile(m_entry) + lines);
     manager.refresh();
     QTEST(manager.isEnabled(), "isOn");
-    // Whatever switched it off, the switch brings it back.
+    // Enabling overrides whatever disabled it.
     manager.setEnabled(true);
     QVERIFY(manager.isEnabled());
 }
@@ -175,7 +175,7 @@ void TestAutostart::needsTheProgramOfTryExec()
     QVERIFY(autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::isOffForAnotherBuild()
+void TestAutostart::isDisabledForAnotherBuild()
 {
     const QString other = path(u"corvane"_s);
     QVERIFY(QFile::copy(program(), other));
@@ -183,7 +183,7 @@ void TestAutostart::isOffForAnotherBuild()
     QVERIFY(!autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::isOnForALinkToThisProgram()
+void TestAutostart::isEnabledForALinkToThisProgram()
 {
     const QString link = path(u"link"_s);
     QVERIFY(QFile::link(program(), link));
@@ -191,7 +191,7 @@ void TestAutostart::isOnForALinkToThisProgram()
     QVERIFY(autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::isOnForANameInThePath()
+void TestAutostart::isEnabledForANameInThePath()
 {
     const QByteArray before = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(QFileInfo(program()).path()));
@@ -202,7 +202,7 @@ void TestAutostart::isOnForANameInThePath()
     QVERIFY(isOn);
 }
 
-void TestAutostart::takesTheEntryOver()
+void TestAutostart::replacesTheEntryOfAnotherBuild()
 {
     writeFile(m_entry, "[Desktop Entry]\nType=Application\nExec=/opt/old/corvane\nHidden=true\n");
     LaunchAtLoginManager manager;
@@ -212,7 +212,7 @@ void TestAutostart::takesTheEntryOver()
     QVERIFY(!readFile(m_entry).contains("/opt/old"));
 }
 
-void TestAutostart::systemWideEntryCountsWithoutAnOwn()
+void TestAutostart::systemWideEntryCountsWithoutTheUsers()
 {
     QVERIFY(!autostartItem(program()).enable());
     QVERIFY(QDir().mkpath(QFileInfo(m_systemWide).path()));
@@ -220,7 +220,7 @@ void TestAutostart::systemWideEntryCountsWithoutAnOwn()
     QVERIFY(autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::hidesASystemWideEntry()
+void TestAutostart::overridesASystemWideEntryToDisableIt()
 {
     QVERIFY(!autostartItem(program()).enable());
     QVERIFY(QDir().mkpath(QFileInfo(m_systemWide).path()));
@@ -236,7 +236,7 @@ void TestAutostart::hidesASystemWideEntry()
     QVERIFY(manager.isEnabled());
 }
 
-void TestAutostart::ownEntryShadowsTheSystemWideOne()
+void TestAutostart::invalidUserEntryOverridesTheSystemWideOne()
 {
     QVERIFY(!autostartItem(program()).enable());
     QVERIFY(QDir().mkpath(QFileInfo(m_systemWide).path()));
@@ -248,10 +248,10 @@ void TestAutostart::ownEntryShadowsTheSystemWideOne()
     QVERIFY(!autostartItem(program()).isEnabled());
 }
 
-void TestAutostart::strangeFileIsOff_data()
+void TestAutostart::unusableFileIsDisabled_data()
 {
     QTest::addColumn<QByteArray>("content");
-    const QByteArray entry = autostartFile(QCoreApplication::applicationFilePath());
+    const QByteArray entry = autostartEntry(QCoreApplication::applicationFilePath());
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("not UTF-8") << entry + "Name=\xc3\x28\n";
     QTest::newRow("bytes") << QByteArray("\x7f"
@@ -262,7 +262,7 @@ void TestAutostart::strangeFileIsOff_data()
     QTest::newRow("a loop of links") << QByteArray("loop");
 }
 
-void TestAutostart::strangeFileIsOff()
+void TestAutostart::unusableFileIsDisabled()
 {
     QFETCH(const QByteArray, content);
     QVERIFY(QDir().mkpath(QFileInfo(m_entry).path()));
@@ -275,7 +275,7 @@ void TestAutostart::strangeFileIsOff()
 
     LaunchAtLoginManager manager;
     QVERIFY(!manager.isEnabled());
-    // It is ours to replace, unless the system itself cannot.
+    // Enabling replaces it, unless the system cannot.
     manager.setEnabled(true);
     QCOMPARE(manager.isEnabled(), !manager.lastError());
     manager.setEnabled(false);
@@ -313,7 +313,7 @@ void TestAutostart::fileInPlaceOfTheFolder()
 
 void TestAutostart::readOnlyFolder()
 {
-    const QString readable = path(u"corvane"_s); // For the one who tries, too.
+    const QString readable = path(u"corvane"_s); // For the ordinary user, too.
     QVERIFY(QFile::copy(program(), readable));
     const LoginItem item = autostartItem(readable);
     QVERIFY(!item.enable());
@@ -349,7 +349,7 @@ void TestAutostart::fullDisk()
     QCOMPARE(QDir(QFileInfo(m_entry).path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-void TestAutostart::programIsGone()
+void TestAutostart::refusesAProgramThatIsGone()
 {
     const QString gone = path(u"corvane"_s);
     QVERIFY(QFile::copy(program(), gone));
@@ -363,7 +363,7 @@ void TestAutostart::programIsGone()
     QVERIFY(!item.disable());
 }
 
-void TestAutostart::equalsSignInThePath()
+void TestAutostart::refusesAnEqualsSignInThePath()
 {
     const QString strange = path(u"a=b"_s);
     QVERIFY(QFile::copy(program(), strange));
@@ -372,13 +372,13 @@ void TestAutostart::equalsSignInThePath()
     QVERIFY(!QFileInfo::exists(m_entry));
 }
 
-void TestAutostart::imageThatMountsItselfIsNamed()
+void TestAutostart::entryNamesTheAppImage()
 {
     const QString image = path(u"Corvane.AppImage"_s);
     QVERIFY(QFile::copy(program(), image));
     qputenv("APPIMAGE", QFile::encodeName(image));
 
-    // Started by such a program, but not lying in its image.
+    // Started by an AppImage, but not inside it.
     qputenv("APPDIR", QFile::encodeName(path(u"mount"_s)));
     QVERIFY(!mainLoginItem().enable());
     QVERIFY(autostartItem(program()).isEnabled());

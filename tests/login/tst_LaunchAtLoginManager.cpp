@@ -13,12 +13,11 @@ class TestLaunchAtLoginManager : public QObject {
 
 private slots:
     void startsWithTheStateOfTheSystem();
-    void switchesOnAndOff();
-    void springsBackWhenRefused();
-    void staysOffUntilTheUserAgrees();
-    void forgetsTheErrorWithTheNextSuccess();
-    void readsTheStateAfterEachChange();
-    void seesWhatOthersChanged();
+    void changesTheStateOfTheSystem();
+    void staysAsItWasAfterAFailure();
+    void staysDisabledUntilTheUserApproves();
+    void clearsTheErrorAfterTheNextSuccess();
+    void refreshFindsAChangeMadeElsewhere();
 };
 
 void TestLaunchAtLoginManager::startsWithTheStateOfTheSystem()
@@ -30,7 +29,7 @@ void TestLaunchAtLoginManager::startsWithTheStateOfTheSystem()
     QVERIFY(!LaunchAtLoginManager(off.item()).lastError());
 }
 
-void TestLaunchAtLoginManager::switchesOnAndOff()
+void TestLaunchAtLoginManager::changesTheStateOfTheSystem()
 {
     ScriptedLoginItem system;
     LaunchAtLoginManager manager(system.item());
@@ -43,7 +42,7 @@ void TestLaunchAtLoginManager::switchesOnAndOff()
     QVERIFY(!manager.lastError());
 }
 
-void TestLaunchAtLoginManager::springsBackWhenRefused()
+void TestLaunchAtLoginManager::staysAsItWasAfterAFailure()
 {
     ScriptedLoginItem system{.refusal = u"The disk is full."_s};
     LaunchAtLoginManager manager(system.item());
@@ -53,12 +52,12 @@ void TestLaunchAtLoginManager::springsBackWhenRefused()
     manager.setEnabled(true);
     QVERIFY(!manager.isEnabled());
     QCOMPARE(manager.lastError(), u"The disk is full."_s);
-    // Though the state is the same, a switch that was moved has to hear of it.
+    // The state is the same, but a switch that was moved must show it again.
     QCOMPARE(states, QList<QVariantList>{{false}});
     QCOMPARE(errors.count(), 1);
 }
 
-void TestLaunchAtLoginManager::staysOffUntilTheUserAgrees()
+void TestLaunchAtLoginManager::staysDisabledUntilTheUserApproves()
 {
     ScriptedLoginItem system{.needsApproval = true};
     LaunchAtLoginManager manager(system.item());
@@ -67,7 +66,7 @@ void TestLaunchAtLoginManager::staysOffUntilTheUserAgrees()
     QVERIFY(!manager.lastError());
 }
 
-void TestLaunchAtLoginManager::forgetsTheErrorWithTheNextSuccess()
+void TestLaunchAtLoginManager::clearsTheErrorAfterTheNextSuccess()
 {
     ScriptedLoginItem system{.refusal = u"Not now."_s};
     LaunchAtLoginManager manager(system.item());
@@ -81,21 +80,7 @@ void TestLaunchAtLoginManager::forgetsTheErrorWithTheNextSuccess()
     QCOMPARE(errors.count(), 1);
 }
 
-void TestLaunchAtLoginManager::readsTheStateAfterEachChange()
-{
-    ScriptedLoginItem system{.isEnabled = true, .refusal = u"No."_s};
-    LaunchAtLoginManager manager(system.item());
-    QCOMPARE(system.reads, 1);
-    manager.setEnabled(false);
-    QCOMPARE(system.reads, 2);
-    QVERIFY(manager.isEnabled());
-    system.refusal.reset();
-    manager.setEnabled(false);
-    QCOMPARE(system.reads, 3);
-    QVERIFY(!manager.isEnabled());
-}
-
-void TestLaunchAtLoginManager::seesWhatOthersChanged()
+void TestLaunchAtLoginManager::refreshFindsAChangeMadeElsewhere()
 {
     ScriptedLoginItem system;
     LaunchAtLoginManager manager(system.item());

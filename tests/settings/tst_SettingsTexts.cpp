@@ -10,15 +10,15 @@ class TestSettingsTexts : public QObject {
     Q_OBJECT
 
 private slots:
-    void sayWhatAMacDoes();
+    void describeAMac();
     void nameTheStartupPageOfTheDesktop_data();
     void nameTheStartupPageOfTheDesktop();
-    void writeTheEntryAsShellsDo_data();
-    void writeTheEntryAsShellsDo();
-    void sayWhereUpdatesComeFrom();
+    void shortenTheHomeFolderInTheEntry_data();
+    void shortenTheHomeFolderInTheEntry();
+    void nameTheSourceOfUpdates();
 };
 
-void TestSettingsTexts::sayWhatAMacDoes()
+void TestSettingsTexts::describeAMac()
 {
     QCOMPARE(loginNote(HostSystem::mac, {u"KDE"_s}, u"/home/me/entry.desktop"_s),
              u"Launch at login uses Apple's `SMAppService`. If toggling fails, enable it manually "
@@ -54,7 +54,7 @@ void TestSettingsTexts::nameTheStartupPageOfTheDesktop()
              "under %1."_s.arg(page));
 }
 
-void TestSettingsTexts::writeTheEntryAsShellsDo_data()
+void TestSettingsTexts::shortenTheHomeFolderInTheEntry_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("shown");
@@ -64,14 +64,14 @@ void TestSettingsTexts::writeTheEntryAsShellsDo_data()
     QTest::newRow("beside the home folder") << home + u"s/a"_s << u'`' + home + u"s/a`"_s;
 }
 
-void TestSettingsTexts::writeTheEntryAsShellsDo()
+void TestSettingsTexts::shortenTheHomeFolderInTheEntry()
 {
     QFETCH(QString, file);
     QFETCH(QString, shown);
     QVERIFY(loginNote(HostSystem::linuxDesktop, {}, file).contains(shown));
 }
 
-void TestSettingsTexts::sayWhereUpdatesComeFrom()
+void TestSettingsTexts::nameTheSourceOfUpdates()
 {
     for (const bool isOffered : {true, false}) {
         QCOMPARE(updatesNote(isOffered, HostSystem::linuxDesktop),

@@ -1,4 +1,4 @@
-#include "login/Autostart.h"
+#include "login/Autostart_linux.h"
 
 #include "login/DesktopEntry.h"
 #include "platform/FileDescriptor.h"
@@ -15,11 +15,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// No entry of use is longer.
+/// Bytes of an entry file; a longer one counts as unreadable.
 constexpr qint64 longestEntry = qint64(64) * 1024;
 
-/// A broken link is there too: it keeps the system's entry from counting.
-bool isThere(const QString &file)
+/// Whether the path is taken, be it by a broken link, which overrides a system-wide entry too.
+bool exists(const QString &file)
 {
     const QFileInfo info(file);
     return info.exists() || info.isSymLink();
@@ -38,17 +38,17 @@ std::optional<DesktopEntry> readEntry(const QString &file)
 
 QString systemWideEntry()
 {
-    for (const QString &file : autostartPlaces().mid(1)) {
-        if (isThere(file))
+    for (const QString &file : autostartFiles().mid(1)) {
+        if (exists(file))
             return file;
     }
     return {};
 }
 
-bool isOn(const QString &program)
+bool isEnabled(const QString &program)
 {
-    const QString own = autostartPlaces().constFirst();
-    const auto entry = readEntry(isThere(own) ? own : systemWideEntry());
+    const QString own = autostartFiles().constFirst();
+    const auto entry = readEntry(exists(own) ? own : systemWideEntry());
     if (!entry || !isStarted(*entry, currentDesktops()))
         return false;
     if (!entry->tryExec.isEmpty() && QStandardPaths::findExecutable(entry->tryExec).isEmpty())
@@ -58,7 +58,8 @@ bool isOn(const QString &program)
         && QFileInfo(started).canonicalFilePath() == QFileInfo(program).canonicalFilePath();
 }
 
-/// The folder and those above it, for the user alone, as the desktop's rules want them.
+/// Creates a folder and those above it, for the user alone, as the XDG base directory specification
+/// requires.
 bool makeFolder(const QString &path)
 {
     if (QFileInfo(path).isDir())
@@ -70,11 +71,11 @@ bool makeFolder(const QString &path)
 
 std::optional<QString> writeEntry(const QByteArray &content)
 {
-    const QString file = autostartPlaces().constFirst();
+    const QString file = autostartFiles().constFirst();
     const QString folder = QFileInfo(file).path();
     if (!makeFolder(folder))
         return u"The folder \"%1\" cannot be made."_s.arg(folder);
-    // Flushed first: what the disk refuses only during the commit, the commit overlooks.
+    // Flushed first: a full disk is not noticed by the commit.
     QSaveFile target(file);
     if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size()
         && target.flush() && target.commit())
@@ -82,34 +83,42 @@ std::optional<QString> writeEntry(const QByteArray &content)
     return u"\"%1\" cannot be written: %2."_s.arg(file, target.errorString());
 }
 
-std::optional<QString> turnOn(const QString &program)
+std::optional<QString> enable(const QString &program)
 {
     if (!QFileInfo(program).isFile())
         return u"Corvane's own program file is no longer in its place. Start Corvane again."_s;
-    // The rules for entries do not allow it, and some desktops take it for a variable.
+    // Desktop entries do not allow it, and some desktops take it for a variable.
     if (program.contains(u'='))
         return u"A program whose path has an equals sign cannot be started at login: \"%1\"."_s.arg(
             program);
-    return writeEntry(autostartFile(program));
+    return writeEntry(autostartEntry(program));
 }
 
-std::optional<QString> turnOff()
+std::optional<QString> disable()
 {
     if (!systemWideEntry().isEmpty())
         return writeEntry("[Desktop Entry]\nType=Application\nName=Corvane\nHidden=true\n");
-    QFile own(autostartPlaces().constFirst());
-    if (!isThere(own.fileName()) || own.remove())
+    QFile own(autostartFiles().constFirst());
+    if (!exists(own.fileName()) || own.remove())
         return std::nullopt;
     return u"\"%1\" cannot be removed: %2."_s.arg(own.fileName(), own.errorString());
 }
 
 } // namespace
 
+QStringList autostartFiles()
+{
+    QStringList files = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
+    for (QString &file : files)
+        file += "/autostart/"_L1 + QStringLiteral(CORVANE_IDENTIFIER) + ".desktop"_L1;
+    return files;
+}
+
 LoginItem autostartItem(const QString &program)
 {
-    return {.isEnabled = [program] { return isOn(program); },
-            .enable = [program] { return turnOn(program); },
-            .disable = turnOff};
+    return {.isEnabled = [program] { return isEnabled(program); },
+            .enable = [program] { return enable(program); },
+            .disable = disable};
 }
 
 } // namespace corvane
