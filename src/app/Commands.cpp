@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include "platform/MainThread.h"
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
@@ -12,18 +13,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A newer version that was found is told where everybody passes by: in the menus.
+/// The command names a newer version that was found, since every user sees the menus.
 QString updatesText(const std::optional<QString> &availableVersion)
 {
     return availableVersion ? u"Corvane %1 Is Available…"_s.arg(*availableVersion)
                             : u"Check for Updates…"_s;
 }
 
-QAction *makeLine(QObject *parent)
+QAction *makeSeparator(QObject *parent)
 {
-    auto *line = new QAction(parent);
-    line->setSeparator(true);
-    return line;
+    auto *separator = new QAction(parent);
+    separator->setSeparator(true);
+    return separator;
 }
 
 } // namespace
@@ -35,8 +36,9 @@ Commands::Commands(QObject *parent, HostSystem system)
       m_checkForUpdates(new QAction(updatesText({}), this)),
       m_settings(new QAction(u"Settings…"_s, this)),
       m_quit(new QAction(u"Quit"_s, this)),
-      m_lines{makeLine(this), makeLine(this)}
+      m_separators{makeSeparator(this), makeSeparator(this)}
 {
+    assertMainThread();
     m_openWindow->setMenuRole(QAction::NoRole);
     m_about->setMenuRole(QAction::AboutRole);
     m_checkForUpdates->setMenuRole(QAction::ApplicationSpecificRole);
@@ -49,7 +51,7 @@ Commands::Commands(QObject *parent, HostSystem system)
         m_about->setShortcut(Qt::Key_F1);
 }
 
-void Commands::follow(const UpdaterManager &updater)
+void Commands::connectUpdater(const UpdaterManager &updater)
 {
     m_checkForUpdates->setEnabled(updater.canCheck());
     connect(&updater, &UpdaterManager::canCheckChanged, m_checkForUpdates, &QAction::setEnabled);
@@ -62,7 +64,8 @@ void Commands::follow(const UpdaterManager &updater)
 
 QList<QAction *> Commands::inMenuOrder() const
 {
-    return {m_openWindow, m_lines[0], m_about, m_checkForUpdates, m_settings, m_lines[1], m_quit};
+    return {m_openWindow, m_separators[0], m_about, m_checkForUpdates,
+            m_settings,   m_separators[1], m_quit};
 }
 
 std::unique_ptr<QMenuBar> Commands::makeMenuBar() const

@@ -14,8 +14,8 @@ namespace corvane {
 
 class UpdaterManager;
 
-/// What the user can have the program do: the same actions in the label's menus, the panel, the
-/// windows and a Mac's menu bar. Owned by the application, which carries them out; main thread.
+/// The user's commands: the same actions in the label's menus, the panel, the windows and a Mac's
+/// menu bar. Owned by the application, which carries them out; main thread.
 class Commands : public QObject {
     Q_OBJECT
 
@@ -28,14 +28,15 @@ public:
     QAction *settings() const { return m_settings; }
     QAction *quit() const { return m_quit; }
 
-    /// Has updates be checked for only while they can be, and the command for it tell of one.
-    void follow(const UpdaterManager &updater);
+    /// Enables the command for updates while a check is possible, and names an available version in
+    /// its text.
+    void connectUpdater(const UpdaterManager &updater);
 
-    /// In the order of a menu, with lines between the groups.
+    /// All actions in the order of a menu, with separators between the groups.
     QList<QAction *> inMenuOrder() const;
 
-    /// For the top of the screen, where a Mac puts each into its place. It has nothing to make a
-    /// new window with: there is one dashboard.
+    /// A Mac's menu bar, in which the system moves each action to its usual menu. There is no
+    /// command for a new window: there is only one dashboard.
     std::unique_ptr<QMenuBar> makeMenuBar() const;
 
 private:
@@ -44,7 +45,7 @@ private:
     QAction *m_checkForUpdates;
     QAction *m_settings;
     QAction *m_quit;
-    QList<QAction *> m_lines;
+    QList<QAction *> m_separators;
 };
 
 } // namespace corvane

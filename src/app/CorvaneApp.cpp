@@ -1,14 +1,15 @@
 #include "app/CorvaneApp.h"
 
 #include "app/AboutPanel.h"
+#include "app/DesktopSession.h"
 #include "app/DisplayGuard.h"
 #include "app/QuitSignals.h"
-#include "bus/SessionBus.h"
 #include "dashboard/MainWindow.h"
 #include "instance/ApplicationService.h"
 #include "instance/InstanceSocket.h"
 #include "instance/SingleInstance.h"
 #include "platform/Heap.h"
+#include "platform/MainThread.h"
 #include "settings/SettingsWindow.h"
 #include "windows/WindowTools.h"
 
@@ -16,7 +17,6 @@
 #include <QApplication>
 #include <QMenuBar>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -27,12 +27,8 @@ namespace corvane {
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
-/// For the session bus to answer a start; a running one takes a fraction of a millisecond.
-constexpr auto busPatience = 3s;
-
-/// What the system's stores of preferences, windows and buses know the program by.
+/// Sets the names under which preferences are stored and the desktop knows the windows.
 void nameProgram()
 {
     QCoreApplication::setOrganizationName(u"Corvane"_s);
@@ -42,7 +38,7 @@ void nameProgram()
     QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
 }
 
-/// The exit status of a start that is not the first; nothing for the first.
+/// The exit status of a start that is not the first; absent for the first.
 std::optional<int> statusOfLaterStart(const SingleInstance &instance)
 {
     switch (instance.standing()) {
@@ -57,7 +53,7 @@ std::optional<int> statusOfLaterStart(const SingleInstance &instance)
     return EXIT_FAILURE;
 }
 
-/// The application; without a display the process ends here.
+/// Without a display the process exits here.
 std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
 {
     const DisplayGuard guard;
@@ -68,6 +64,7 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
 
 CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
 {
+    assertMainThread();
     connectCommands();
     connectLabel();
     connectPanel();
@@ -96,12 +93,12 @@ void CorvaneApp::openSettings()
     if (!isOpen(m_settings)) {
         m_settings = new SettingsWindow(m_state.launch, m_state.updater);
         deleteOnClose(*m_settings);
-        m_settings->addActions(m_commands.inMenuOrder()); // For their keys.
+        m_settings->addActions(m_commands.inMenuOrder()); // For their shortcuts.
     }
     bringForward(*m_settings);
 }
 
-/// Where the system's updater has no windows of its own, the settings say what it finds.
+/// On Linux the updater has no windows of its own, so the settings show what it finds.
 void CorvaneApp::checkForUpdates()
 {
     if (hostSystem() == HostSystem::linuxDesktop) {
@@ -117,11 +114,11 @@ void CorvaneApp::connectCommands()
     connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
     connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
-    m_commands.follow(m_state.updater);
+    m_commands.connectUpdater(m_state.updater);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
-void CorvaneApp::obey(const InstanceSocket &socket, const ApplicationService &service)
+void CorvaneApp::connectRequests(const InstanceSocket &socket, const ApplicationService &service)
 {
     const auto open = [this](const QByteArray &activationToken) {
         useActivationToken(activationToken);
@@ -180,20 +177,19 @@ int run(int argc, char **argv)
     shareOneHeap();
     nameProgram();
     ignoreBrokenPipes();
-    startNoSessionBus();
     const InstanceMessage message = messageOfThisStart();
     const SingleInstance instance(message);
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
-    hideHangingBus(busPatience);
+    prepareDesktopSession();
     const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const QuitSignals quitSignals;
     CorvaneApp corvane;
     const InstanceSocket socket(instance.socketPath());
-    const ApplicationService service(message.activationToken);
-    corvane.obey(socket, service);
+    const auto service = makeApplicationService(message.activationToken);
+    corvane.connectRequests(socket, *service);
     return QApplication::exec();
 }
 

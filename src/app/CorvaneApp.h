@@ -15,8 +15,8 @@ class InstanceSocket;
 class MainWindow;
 class SettingsWindow;
 
-/// The program: owns the state and shows it in the label, the panel and the dashboard. Made once,
-/// after the QApplication; main thread.
+/// The program: owns the state and shows it in the label, the panel and the dashboard. Created
+/// once, after the QApplication; main thread.
 class CorvaneApp : public QObject {
     Q_OBJECT
 
@@ -24,14 +24,14 @@ public:
     explicit CorvaneApp(QObject *parent = nullptr);
     ~CorvaneApp() override;
 
-    /// Opens the dashboard, or brings it to the front, back from the taskbar too.
+    /// Opens the dashboard, or brings it to the front, restored if it was minimized.
     void openMainWindow();
 
-    /// The same of the settings.
+    /// Opens the settings, or brings them to the front in the same way.
     void openSettings();
 
-    /// Does what later starts of the program and the desktop ask for.
-    void obey(const InstanceSocket &socket, const ApplicationService &service);
+    /// Carries out the requests of later starts and of the desktop.
+    void connectRequests(const InstanceSocket &socket, const ApplicationService &service);
 
 private:
     void checkForUpdates();
@@ -44,12 +44,12 @@ private:
     Commands m_commands;
     TrayLabel m_label{m_commands.inMenuOrder()};
     MenuBarContent m_panel;
-    std::unique_ptr<QMenuBar> m_menuBar; ///< At the top of a Mac's screen; null elsewhere.
-    QPointer<MainWindow> m_mainWindow;   ///< It deletes itself when it is closed.
-    QPointer<SettingsWindow> m_settings; ///< So does this.
+    std::unique_ptr<QMenuBar> m_menuBar; ///< A Mac's; null elsewhere.
+    QPointer<MainWindow> m_mainWindow;   ///< Deletes itself when it is closed.
+    QPointer<SettingsWindow> m_settings; ///< Deletes itself when it is closed.
 };
 
-/// Runs the program until the user quits; the exit status of the process.
+/// Runs the program until the user quits. Returns the exit status of the process.
 int run(int argc, char **argv);
 
 } // namespace corvane

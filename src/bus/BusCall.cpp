@@ -1,5 +1,7 @@
 #include "bus/BusCall.h"
 
+#include "platform/MainThread.h"
+
 #include <QDBusPendingCallWatcher>
 
 namespace corvane {
@@ -11,14 +13,15 @@ bool BusCall::isReply(const QDBusMessage &message)
     return message.type() == QDBusMessage::ReplyMessage;
 }
 
-void BusCall::ask(const QDBusConnection &bus, const QDBusMessage &call, QObject *receiver,
-                  const Use &use, std::optional<std::chrono::milliseconds> patience)
+void BusCall::send(const QDBusConnection &bus, const QDBusMessage &call, QObject *receiver,
+                   const ReplyHandler &onReply, std::optional<std::chrono::milliseconds> timeout)
 {
-    const int timeout = patience ? static_cast<int>(patience->count()) : -1;
-    auto *answer = new QDBusPendingCallWatcher(bus.asyncCall(call, timeout), receiver);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, receiver, [answer, use] {
-        answer->deleteLater();
-        use(answer->isError() ? QDBusMessage() : answer->reply());
+    assertMainThread();
+    const int milliseconds = timeout ? static_cast<int>(timeout->count()) : -1;
+    auto *pending = new QDBusPendingCallWatcher(bus.asyncCall(call, milliseconds), receiver);
+    QObject::connect(pending, &QDBusPendingCallWatcher::finished, receiver, [pending, onReply] {
+        pending->deleteLater();
+        onReply(pending->isError() ? QDBusMessage() : pending->reply());
     });
 }
 

@@ -9,21 +9,21 @@
 
 namespace corvane {
 
-/// Questions over a message bus that nobody waits for. Main thread.
+/// Asynchronous method calls over a message bus. Main thread, which never waits for a reply.
 namespace BusCall {
 
-using Use = std::function<void(const QDBusMessage &reply)>;
+using ReplyHandler = std::function<void(const QDBusMessage &reply)>;
 
-/// Whether it is an answer, rather than an error or silence.
+/// Whether a message is a reply, rather than an error or the invalid message of a time-out.
 bool isReply(const QDBusMessage &message);
 
-/// Hands the reply to `use`, unless the receiver is gone by then; for an error, or after this time
-/// (absent: as long as is usual) without an answer, an invalid message without arguments. Over a
-/// bus that is not connected nothing is asked and nothing comes.
-void ask(const QDBusConnection &bus, const QDBusMessage &call, QObject *receiver, const Use &use,
-         std::optional<std::chrono::milliseconds> patience = {});
+/// Sends the call and hands its reply to `onReply`, unless the receiver is gone by then. An error,
+/// or no reply within the time-out (absent: the bus library's own), is an invalid message without
+/// arguments. Over a bus that is not connected nothing is sent and `onReply` is never called.
+void send(const QDBusConnection &bus, const QDBusMessage &call, QObject *receiver,
+          const ReplyHandler &onReply, std::optional<std::chrono::milliseconds> timeout = {});
 
-/// A call of the bus itself.
+/// A call to the bus itself, org.freedesktop.DBus.
 QDBusMessage toBus(const QString &method, const QVariantList &arguments = {});
 
 } // namespace BusCall

@@ -1,30 +1,22 @@
 #include "bus/BusConnection.h"
 
 #include "bus/SessionBus.h"
-
-#include <chrono>
+#include "platform/MainThread.h"
 
 namespace corvane {
 
-namespace {
-
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
-constexpr auto retryInterval = 3s;
-
-} // namespace
-
-BusConnection::BusConnection(const QString &name, QObject *parent)
-    : QObject(parent),
-      m_name(name),
+BusConnection::BusConnection(const QString &name, std::chrono::milliseconds retryInterval)
+    : m_name(name),
       m_bus(QString())
 {
+    assertMainThread();
     m_retry.setSingleShot(true);
     m_retry.setInterval(retryInterval);
     m_retry.setTimerType(Qt::VeryCoarseTimer);
-    connect(&m_retry, &QTimer::timeout, this, &BusConnection::knock);
-    QMetaObject::invokeMethod(this, &BusConnection::knock, Qt::QueuedConnection);
+    connect(&m_retry, &QTimer::timeout, this, &BusConnection::probe);
+    QMetaObject::invokeMethod(this, &BusConnection::probe, Qt::QueuedConnection);
 }
 
 BusConnection::~BusConnection()
@@ -32,35 +24,35 @@ BusConnection::~BusConnection()
     QDBusConnection::disconnectFromBus(m_name);
 }
 
-void BusConnection::knock()
+void BusConnection::probe()
 {
     m_address = sessionBusAddress();
     if (m_address.isEmpty()) {
-        lose();
+        close();
         return;
     }
-    m_knock = std::make_unique<BusProbe>(m_address);
-    // Queued: both do away with it.
-    connect(m_knock.get(), &BusProbe::answered, this, &BusConnection::open, Qt::QueuedConnection);
-    connect(m_knock.get(), &BusProbe::refused, this, &BusConnection::lose, Qt::QueuedConnection);
+    m_probe = std::make_unique<BusProbe>(m_address);
+    // Queued: both slots delete the probe.
+    connect(m_probe.get(), &BusProbe::answered, this, &BusConnection::open, Qt::QueuedConnection);
+    connect(m_probe.get(), &BusProbe::refused, this, &BusConnection::close, Qt::QueuedConnection);
 }
 
 void BusConnection::open()
 {
-    m_knock.reset();
+    m_probe.reset();
     m_bus = QDBusConnection::connectToBus(m_address, m_name);
     if (!m_bus.isConnected()) {
-        lose();
+        close();
         return;
     }
     m_bus.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
-                  u"Disconnected"_s, this, SLOT(lose()));
+                  u"Disconnected"_s, this, SLOT(close()));
     emit connected();
 }
 
-void BusConnection::lose()
+void BusConnection::close()
 {
-    m_knock.reset();
+    m_probe.reset();
     QDBusConnection::disconnectFromBus(m_name);
     m_bus = QDBusConnection(QString());
     m_retry.start();

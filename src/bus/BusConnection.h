@@ -6,40 +6,42 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace corvane {
 
-/// A connection of its owner's own to the user's session bus. Main thread, which never waits for a
-/// bus that hangs. It is made as soon as the event loop runs and the bus answers, and again after
-/// the bus went or was not there; none is ever started for it.
+/// A private connection to the user's session bus. Main thread, which never waits for a bus that
+/// hangs. It is opened once the event loop runs and the bus answers, and opened again after the bus
+/// ended or while none was there. It never starts a bus.
 class BusConnection : public QObject {
     Q_OBJECT
 
 public:
-    /// The name tells it from the process's other connections.
-    explicit BusConnection(const QString &name, QObject *parent = nullptr);
+    /// The name distinguishes it from the process's other connections.
+    explicit BusConnection(const QString &name,
+                           std::chrono::milliseconds retryInterval = std::chrono::seconds(3));
     ~BusConnection() override;
 
-    /// While there is none, one that is not connected.
+    /// Not connected before `connected` and after `lost`.
     QDBusConnection &bus() { return m_bus; }
 
     const QString &address() const { return m_address; }
 
 signals:
     void connected();
-    void lost(); ///< Also after each attempt in vain.
+    void lost(); ///< Also after each failed attempt.
 
 private slots:
-    void lose();
+    void close();
 
 private:
-    void knock();
+    void probe();
     void open();
 
     const QString m_name;
     QString m_address;
-    std::unique_ptr<BusProbe> m_knock; ///< Until it is answered.
+    std::unique_ptr<BusProbe> m_probe; ///< Null unless an answer is awaited.
     QDBusConnection m_bus;
     QTimer m_retry;
 };

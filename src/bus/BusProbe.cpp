@@ -1,5 +1,6 @@
 #include "bus/BusProbe.h"
 
+#include "platform/MainThread.h"
 #include "platform/UnixSocket.h"
 
 #include <QSocketNotifier>
@@ -17,40 +18,41 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::string_view_literals;
 
-/// Asks which ways there are to say who one is, as clients may begin.
-constexpr auto question = "\0AUTH\r\n"sv;
+/// Asks for the authentication mechanisms: a client's first request, which every bus answers.
+constexpr auto request = "\0AUTH\r\n"sv;
 
-/// A socket at which the answer will come; empty where nobody listens.
-FileDescriptor knockAt(const std::string &place)
+/// The socket on which the answer will arrive; empty if nothing listens at the path.
+FileDescriptor sendRequest(const std::string &path)
 {
     FileDescriptor socket = openUnixSocket();
-    const bool isHeard = connectTo(socket, place)
-        && send(socket.get(), question.data(), question.size(), MSG_NOSIGNAL) > 0;
-    return isHeard ? std::move(socket) : FileDescriptor();
+    const bool isSent = connectTo(socket, path)
+        && send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) > 0;
+    return isSent ? std::move(socket) : FileDescriptor();
 }
 
 } // namespace
 
 BusProbe::BusProbe(const QString &address, QObject *parent) : QObject(parent)
 {
-    const auto place = busSocket(address);
-    if (!place) {
+    assertMainThread();
+    const auto path = busSocket(address);
+    if (!path) {
         QMetaObject::invokeMethod(this, &BusProbe::answered, Qt::QueuedConnection);
         return;
     }
-    m_socket = knockAt(*place);
+    m_socket = sendRequest(*path);
     if (!m_socket) {
         QMetaObject::invokeMethod(this, &BusProbe::refused, Qt::QueuedConnection);
         return;
     }
     m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &BusProbe::listen);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &BusProbe::readAnswer);
 }
 
 BusProbe::~BusProbe() = default;
 
-/// Any answer will do.
-void BusProbe::listen()
+/// Whether a byte arrives is all that counts.
+void BusProbe::readAnswer()
 {
     m_notifier->setEnabled(false);
     char first = 0;
@@ -60,12 +62,12 @@ void BusProbe::listen()
         emit refused();
 }
 
-bool busHangs(const QString &address, std::chrono::milliseconds patience)
+bool busHangs(const QString &address, std::chrono::milliseconds timeout)
 {
-    const auto place = busSocket(address);
-    const FileDescriptor socket = place ? knockAt(*place) : FileDescriptor();
+    const auto path = busSocket(address);
+    const FileDescriptor socket = path ? sendRequest(*path) : FileDescriptor();
     pollfd answer = {.fd = socket.get(), .events = POLLIN, .revents = 0};
-    return socket && poll(&answer, 1, static_cast<int>(patience.count())) == 0;
+    return socket && poll(&answer, 1, static_cast<int>(timeout.count())) == 0;
 }
 
 std::optional<std::string> busSocket(const QString &address)

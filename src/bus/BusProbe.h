@@ -14,9 +14,9 @@ class QSocketNotifier;
 
 namespace corvane {
 
-/// Finds out whether a bus answers, without waiting for it: the bus library makes a connection in
-/// one go and holds its caller up, for ever where the bus hangs. Main thread. Tells one of
-/// the two, once and from the event loop; neither while the bus hangs.
+/// Finds out whether a bus answers, without blocking: the bus library connects synchronously and
+/// would block its caller for as long as the bus hangs. Main thread. Emits exactly one of the two
+/// signals, once and from the event loop; neither while the bus hangs.
 class BusProbe : public QObject {
     Q_OBJECT
 
@@ -25,23 +25,23 @@ public:
     ~BusProbe() override;
 
 signals:
-    /// Somebody is there. Also for an address of a kind at which one cannot knock.
+    /// The bus answered, or its address is of a kind that cannot be probed.
     void answered();
+    /// Nothing listens at the address, or the connection was closed without an answer.
     void refused();
 
 private:
-    void listen();
+    void readAnswer();
 
     FileDescriptor m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
-/// Whether somebody listens there and does not answer for that long, which is waited for. False for
-/// an address of a kind at which one cannot knock.
-bool busHangs(const QString &address, std::chrono::milliseconds patience);
+/// Whether something listens at the address and gives no answer within the time-out; blocks until
+/// it is known. False for an address of a kind that cannot be probed.
+bool busHangs(const QString &address, std::chrono::milliseconds timeout);
 
-/// The socket of an address that names one of this machine's, as connectTo takes it; nothing for
-/// other addresses.
+/// The Unix socket that an address names, as connectTo takes it; absent for other addresses.
 std::optional<std::string> busSocket(const QString &address);
 
 } // namespace corvane

@@ -6,17 +6,18 @@
 
 namespace corvane {
 
-/// Address of the user's session bus; empty where none runs. To be given to
-/// QDBusConnection::connectToBus: left to itself the bus library may start a bus of its own.
+/// Address of the user's session bus, for QDBusConnection::connectToBus; empty if none runs. Asked
+/// for the session bus without an address, the bus library may start one.
 QString sessionBusAddress();
 
-/// Names the place of the bus to the libraries that look for it by themselves, so that they find it
-/// where it turns up later and have none started where none runs. Before the QApplication.
-void startNoSessionBus();
+/// Sets DBUS_SESSION_BUS_ADDRESS where it is missing, so that libraries which use the session bus
+/// on their own find one that appears later and start none. Before the QApplication.
+void preventBusStart();
 
-/// Keeps the libraries that connect by themselves, at their first use and for ever if need be, from
-/// a bus that does not answer for so long, which is waited for. Their share of it (accessibility,
-/// for one) is lost until the next start; ours is not. Before the QApplication.
-void hideHangingBus(std::chrono::milliseconds patience);
+/// Disables the session bus for libraries which use it on their own if it gives no answer within
+/// the time-out, for which this blocks: their first use of a bus that hangs would block forever.
+/// What they offer over the bus (accessibility, for one) is missing until the next start;
+/// `sessionBusAddress` still returns the address. Before the QApplication.
+void disableHangingBus(std::chrono::milliseconds timeout);
 
 } // namespace corvane

@@ -1,14 +1,16 @@
 #include "instance/ApplicationService.h"
 
+#include "platform/MainThread.h"
+
 #import <AppKit/AppKit.h>
 
 #include <functional>
 #include <utility>
 
-// The system starts a bundle once. Later starts, and a click on the program's symbol in the Dock,
-// it sends to the running program as an event.
+// The system starts a bundle once. A later start, or a click on the program's icon in the Dock, is
+// sent to the running process as a "reopen" event, which carries no token.
 
-/// Calls `open` for each of these events until it is stopped. Main thread.
+/// Calls `open` for each reopen event until it is stopped. Main thread.
 @interface CorvaneReopenHandler : NSObject
 - (instancetype)initWithAction:(std::function<void()>)open;
 - (void)stop;
@@ -23,19 +25,19 @@
     self = [super init];
     if (self) {
         _open = std::move(open);
-        [self takeEvents];
-        // The application puts handlers of its own in place on its way into the event loop.
+        [self installHandler];
+        // The application installs its own handlers while it enters the event loop.
         [NSNotificationCenter.defaultCenter addObserver:self
-                                               selector:@selector(takeEvents)
+                                               selector:@selector(installHandler)
                                                    name:NSApplicationWillFinishLaunchingNotification
                                                  object:nil];
     }
     return self;
 }
 
-/// What this replaces brings a minimized window back and has Qt repeat that the program is active;
-/// whoever opens the dashboard does as much.
-- (void)takeEvents
+/// The handler that this replaces restores a minimized window and makes Qt report again that the
+/// program is active. Opening the dashboard does both.
+- (void)installHandler
 {
     [NSAppleEventManager.sharedAppleEventManager setEventHandler:self
                                                      andSelector:@selector(reopen:withReply:)
@@ -62,20 +64,27 @@
 
 namespace corvane {
 
-struct ApplicationService::Bus {
-    CorvaneReopenHandler *handler;
+namespace {
+
+class ReopenService : public ApplicationService {
+public:
+    ReopenService()
+        : m_handler(
+            [[CorvaneReopenHandler alloc] initWithAction:[this] { emit openRequested({}); }])
+    {
+        assertMainThread();
+    }
+    ~ReopenService() override { [m_handler stop]; }
+
+private:
+    CorvaneReopenHandler *m_handler;
 };
 
-ApplicationService::ApplicationService(std::string, QObject *parent)
-    : QObject(parent),
-      m_bus(
-          new Bus{[[CorvaneReopenHandler alloc] initWithAction:[this] { emit openRequested({}); }]})
-{
-}
+} // namespace
 
-ApplicationService::~ApplicationService()
+std::unique_ptr<ApplicationService> makeApplicationService(const std::string &)
 {
-    [m_bus->handler stop];
+    return std::make_unique<ReopenService>();
 }
 
 } // namespace corvane

@@ -15,8 +15,8 @@ namespace {
 
 constexpr mode_t ownersOnly = 0700;
 
-/// The folder's status; nothing for what is not there, not a folder or another user's. A link to a
-/// folder is no folder: anybody may lay one.
+/// The folder's status; absent if it is missing, not a folder, a link (which anybody could have
+/// made) or another user's.
 std::optional<struct stat> ownFolder(const std::string &path)
 {
     struct stat status = {};
@@ -25,8 +25,9 @@ std::optional<struct stat> ownFolder(const std::string &path)
     return std::nullopt;
 }
 
-/// Whether the folder is there, made if need be, and closed to all others.
-bool canHave(const std::string &folder)
+/// Creates the folder if it is missing. Whether it is this user's alone and short enough for a
+/// socket's path.
+bool makePrivateFolder(const std::string &folder)
 {
     mkdir(folder.c_str(), ownersOnly);
     const auto status = ownFolder(folder);
@@ -38,14 +39,14 @@ bool canHave(const std::string &folder)
 
 std::string instanceFolder()
 {
-    // Where root acts for a user, the session's folder is that user's.
+    // Another user's when root runs the program in that user's session.
     const std::string runtime = qgetenv("XDG_RUNTIME_DIR").toStdString();
     const std::string inSession = runtime + "/" CORVANE_IDENTIFIER;
-    if (runtime.starts_with('/') && ownFolder(runtime) && canHave(inSession))
+    if (runtime.starts_with('/') && ownFolder(runtime) && makePrivateFolder(inSession))
         return inSession;
     const std::string inTemporary = QFile::encodeName(QDir::tempPath()).toStdString()
         + "/" CORVANE_IDENTIFIER "-" + std::to_string(geteuid());
-    return canHave(inTemporary) ? inTemporary : std::string();
+    return makePrivateFolder(inTemporary) ? inTemporary : std::string();
 }
 
 std::string instanceSocket(const std::string &folder)

@@ -4,12 +4,12 @@
 
 namespace corvane {
 
-/// The folder by which the starts of the program by one user find each other: of that user alone,
-/// made where it is missing, in the session's folder for such things or, without one, in that for
-/// temporary files. Empty where no such folder can be had. Any thread.
+/// The folder through which one user's starts of the program find each other. Only that user can
+/// enter it. It is created if it is missing, in the session's runtime folder or, without one, in
+/// the folder for temporary files. Empty if neither is possible. Any thread.
 std::string instanceFolder();
 
-/// The socket in that folder on which the program that runs is asked.
+/// Path of the running program's socket in that folder.
 std::string instanceSocket(const std::string &folder);
 
 } // namespace corvane

@@ -7,24 +7,24 @@
 
 namespace corvane {
 
-/// What a second start asks of the program that runs: to open its dashboard.
+/// A second start's request to the running program to open its dashboard.
 struct InstanceMessage {
-    /// The desktop's leave for the window to come to the front; empty: none.
+    /// The desktop's permission for the window to come to the front; empty if there is none.
     std::string activationToken = {};
 
     friend bool operator==(const InstanceMessage &, const InstanceMessage &) = default;
 };
 
-/// Of its bytes; what is longer is no message.
+/// Bytes of the longest message that is accepted.
 inline constexpr std::size_t longestInstanceMessage = 2048;
 
-/// What the program that runs answers.
+/// The running program's answer.
 inline constexpr std::string_view instanceAnswer = "Corvane/1 opened\n";
 
-/// The message as bytes. A token that is not fit to travel stays behind.
+/// The message as bytes, without its token if that is not valid.
 std::string instanceMessageBytes(const InstanceMessage &message);
 
-/// The message of which these are all bytes; nothing for any other bytes, or for a part of one.
+/// The message that consists of exactly these bytes; absent for any others, and for part of one.
 std::optional<InstanceMessage> parseInstanceMessage(std::string_view bytes);
 
 } // namespace corvane

@@ -1,6 +1,7 @@
 #include "instance/InstanceSocket.h"
 
 #include "instance/InstanceMessage.h"
+#include "platform/MainThread.h"
 #include "platform/PeerUser.h"
 #include "platform/UnixSocket.h"
 
@@ -8,7 +9,6 @@
 #include <QTimer>
 
 #include <array>
-#include <chrono>
 #include <utility>
 
 #include <cerrno>
@@ -17,87 +17,78 @@
 
 namespace corvane {
 
-namespace {
-
-using namespace std::chrono_literals;
-
-/// For a guest to say its message, which it has ready when it comes.
-constexpr auto patience = 2s;
-
-/// After which to look again when no connection could be taken: no descriptors may be left, and
-/// whoever waits keeps the socket readable.
-constexpr auto recovery = 1s;
-
-} // namespace
-
-/// One connection. It deletes itself when it is done with, in whichever way.
-class InstanceSocket::Guest : public QObject {
+/// A client's connection. It deletes itself once it is closed.
+class InstanceSocket::Connection : public QObject {
 public:
-    Guest(FileDescriptor socket, InstanceSocket &host);
+    Connection(FileDescriptor socket, InstanceSocket &owner);
 
 private:
-    void listen();
+    void readMessage();
     void answer(const InstanceMessage &message);
-    void leave();
+    void close();
 
-    InstanceSocket &m_host;
+    InstanceSocket &m_owner;
     FileDescriptor m_socket;
     QSocketNotifier m_notifier;
     std::string m_bytes;
 };
 
-InstanceSocket::Guest::Guest(FileDescriptor socket, InstanceSocket &host)
-    : QObject(&host),
-      m_host(host),
+InstanceSocket::Connection::Connection(FileDescriptor socket, InstanceSocket &owner)
+    : QObject(&owner),
+      m_owner(owner),
       m_socket(std::move(socket)),
       m_notifier(m_socket.get(), QSocketNotifier::Read)
 {
-    connect(&m_notifier, &QSocketNotifier::activated, this, [this] { listen(); });
-    QTimer::singleShot(patience, this, [this] { leave(); });
+    connect(&m_notifier, &QSocketNotifier::activated, this, [this] { readMessage(); });
+    QTimer::singleShot(owner.m_times.message, this, [this] { close(); });
 }
 
-void InstanceSocket::Guest::listen()
+void InstanceSocket::Connection::readMessage()
 {
     std::array<char, longestInstanceMessage> piece = {};
     const ssize_t count = read(m_socket.get(), piece.data(), piece.size());
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (count <= 0) {
-        leave();
+        close();
         return;
     }
     m_bytes.append(piece.data(), static_cast<std::size_t>(count));
     if (const auto message = parseInstanceMessage(m_bytes))
         answer(*message);
     else if (m_bytes.size() > longestInstanceMessage)
-        leave();
+        close();
 }
 
-void InstanceSocket::Guest::answer(const InstanceMessage &message)
+void InstanceSocket::Connection::answer(const InstanceMessage &message)
 {
-    leave();
-    // It fits into an empty buffer; one who has gone meanwhile does not matter.
+    close();
+    // The answer fits into the empty buffer; a client that is gone needs none.
     [[maybe_unused]] const ssize_t sent =
         write(m_socket.get(), instanceAnswer.data(), instanceAnswer.size());
-    emit m_host.openRequested(QByteArray::fromStdString(message.activationToken));
+    emit m_owner.openRequested(QByteArray::fromStdString(message.activationToken));
 }
 
-void InstanceSocket::Guest::leave()
+/// The descriptor is closed with this, in the next turn of the event loop.
+void InstanceSocket::Connection::close()
 {
     m_notifier.setEnabled(false);
     deleteLater();
 }
 
-InstanceSocket::InstanceSocket(std::string path, QObject *parent)
-    : QObject(parent),
-      m_path(std::move(path))
+InstanceSocket::InstanceSocket(std::string path) : InstanceSocket(std::move(path), Times{}) { }
+
+InstanceSocket::InstanceSocket(std::string path, Times times)
+    : m_path(std::move(path)),
+      m_times(times)
 {
+    assertMainThread();
     FileDescriptor socket = openUnixSocket();
     if (m_path.empty() || !socket || !listenAt(socket, m_path))
         return;
     m_socket = std::move(socket);
     m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &InstanceSocket::welcome);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &InstanceSocket::acceptConnection);
 }
 
 InstanceSocket::~InstanceSocket()
@@ -106,19 +97,19 @@ InstanceSocket::~InstanceSocket()
         unlink(m_path.c_str());
 }
 
-void InstanceSocket::welcome()
+void InstanceSocket::acceptConnection()
 {
     FileDescriptor socket(accept(m_socket.get(), nullptr, nullptr));
     if (!socket && errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
         m_notifier->setEnabled(false);
-        QTimer::singleShot(recovery, this, [this] { m_notifier->setEnabled(true); });
+        QTimer::singleShot(m_times.retry, this, [this] { m_notifier->setEnabled(true); });
     }
     if (!socket || !makeNonBlocking(socket) || !isPeerOfSameUser(socket.get()))
         return;
-    m_guests.removeAll(nullptr);
-    if (m_guests.size() >= mostGuests)
-        delete m_guests.takeFirst().data();
-    m_guests.append(new Guest(std::move(socket), *this));
+    m_connections.removeAll(nullptr);
+    if (m_connections.size() >= mostConnections)
+        delete m_connections.takeFirst().data();
+    m_connections.append(new Connection(std::move(socket), *this));
 }
 
 } // namespace corvane

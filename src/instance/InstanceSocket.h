@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -13,32 +14,46 @@ class QSocketNotifier;
 
 namespace corvane {
 
-/// Where later starts of the program ask the one that runs to open its dashboard. Main thread.
+/// The socket on which later starts of the program ask the running one to open its dashboard. Main
+/// thread.
 ///
-/// Whoever says anything else, or nothing, is hung up on after a while, and nothing else happens.
-/// Where it cannot listen it stays silent.
+/// A connection that sends anything else, or no whole message in time, is closed without an answer.
+/// If the socket cannot listen, nothing is emitted.
 class InstanceSocket : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr qsizetype mostGuests = 16; ///< At a time; one more and the oldest has to go.
+    /// Open connections; for one more, the oldest is closed.
+    static constexpr qsizetype mostConnections = 16;
 
-    /// Listens at the path, which an earlier process may have left; an empty one is no place.
-    explicit InstanceSocket(std::string path, QObject *parent = nullptr);
+    struct Times {
+        /// For a client to send its message, which it has ready when it connects.
+        std::chrono::milliseconds message = std::chrono::seconds(2);
+        /// Until connections are accepted again after no descriptor was left for one: a client that
+        /// waits keeps the socket readable.
+        std::chrono::milliseconds retry = std::chrono::seconds(1);
+    };
+
+    /// Listens at the path and replaces a socket that an earlier process left there; an empty path
+    /// does not listen.
+    explicit InstanceSocket(std::string path);
+    InstanceSocket(std::string path, Times times);
     ~InstanceSocket() override;
 
 signals:
-    /// The dashboard is to open, with the desktop's token for its window; empty: none.
+    /// The dashboard is to be opened, with the desktop's activation token for its window; empty if
+    /// there is none.
     void openRequested(const QByteArray &activationToken);
 
 private:
-    class Guest;
-    void welcome();
+    class Connection;
+    void acceptConnection();
 
-    std::string m_path;
-    FileDescriptor m_socket; ///< Empty: does not listen.
+    const std::string m_path;
+    const Times m_times;
+    FileDescriptor m_socket; ///< Empty if it does not listen.
     std::unique_ptr<QSocketNotifier> m_notifier;
-    QList<QPointer<QObject>> m_guests; ///< Oldest first; children of this.
+    QList<QPointer<QObject>> m_connections; ///< Oldest first; children of this.
 };
 
 } // namespace corvane

@@ -25,7 +25,7 @@ int millisecondsUntil(Clock::time_point deadline)
     return static_cast<int>(std::max(left, 0ms).count());
 }
 
-/// Whether the other sent all of its answer before it hung up.
+/// Whether the whole answer arrived before the deadline or the end of the connection.
 bool awaitAnswer(const FileDescriptor &socket, Clock::time_point deadline)
 {
     std::string answer;
@@ -42,7 +42,8 @@ bool awaitAnswer(const FileDescriptor &socket, Clock::time_point deadline)
     return answer == instanceAnswer;
 }
 
-bool ask(const std::string &path, const InstanceMessage &message, Clock::time_point deadline)
+bool requestOpen(const std::string &path, const InstanceMessage &message,
+                 Clock::time_point deadline)
 {
     const FileDescriptor socket = openUnixSocket();
     const std::string bytes = instanceMessageBytes(message);
@@ -53,16 +54,16 @@ bool ask(const std::string &path, const InstanceMessage &message, Clock::time_po
 
 } // namespace
 
-SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::milliseconds patience,
+SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::milliseconds timeout,
                                const std::string &folder)
     : m_lock(folder)
 {
     if (folder.empty())
         return;
     m_socketPath = instanceSocket(folder);
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Clock::time_point deadline = Clock::now() + timeout;
     for (auto holder = m_lock.take(); holder != FolderLock::Holder::self; holder = m_lock.take()) {
-        if (ask(m_socketPath, message, deadline)) {
+        if (requestOpen(m_socketPath, message, deadline)) {
             m_standing = Standing::second;
             return;
         }
@@ -72,7 +73,7 @@ SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::mill
             m_standing = Standing::unanswered;
             return;
         }
-        // It starts and does not listen yet, or ends and holds the lock for a moment more.
+        // The other is starting and does not listen yet, or is ending and still holds the lock.
         std::this_thread::sleep_for(20ms);
     }
 }

@@ -9,9 +9,10 @@
 
 namespace corvane {
 
-/// Makes this process the user's one Corvane; where there is one, asks that to open its dashboard.
-/// Made first of all and kept until the process ends, since the lock goes with it. Without a folder
-/// that can be locked, this process takes itself for the first unless another answers right away.
+/// Makes this process the user's only Corvane or, if one runs already, asks that one to open its
+/// dashboard. Created before everything else and kept until the process ends, because it holds the
+/// lock. Without a folder that can be locked, this process counts as the first unless another one
+/// answers at once. One thread.
 class SingleInstance {
 public:
     enum class Standing {
@@ -20,15 +21,15 @@ public:
         unanswered, ///< Another runs but does not answer.
     };
 
-    /// Returns when the standing is known, within the patience: the other may be about to start, or
-    /// to end.
+    /// Blocks until the standing is known, at most for the time-out: the other process may be
+    /// starting or ending.
     explicit SingleInstance(const InstanceMessage &message,
-                            std::chrono::milliseconds patience = std::chrono::seconds(10),
+                            std::chrono::milliseconds timeout = std::chrono::seconds(10),
                             const std::string &folder = instanceFolder());
 
     Standing standing() const { return m_standing; }
 
-    /// Where the first is to be asked; empty: nowhere.
+    /// Where the first instance listens; empty without a folder.
     const std::string &socketPath() const { return m_socketPath; }
 
 private:
@@ -37,7 +38,7 @@ private:
     Standing m_standing = Standing::first;
 };
 
-/// The message of this start, with the token that the desktop gave it.
+/// The message of this start, with the activation token that the desktop gave it.
 InstanceMessage messageOfThisStart();
 
 } // namespace corvane

@@ -71,7 +71,7 @@ void StatusNotifierItem::registerAtWatcher()
 {
     QDBusMessage call = StatusNotifierWatcher::methodCall(u"RegisterStatusNotifierItem"_s);
     call << m_bus.baseService();
-    BusCall::ask(m_bus, call, this, [this](const QDBusMessage &answer) {
+    BusCall::send(m_bus, call, this, [this](const QDBusMessage &answer) {
         if (!BusCall::isReply(answer) && m_settling.isActive())
             m_settling.start(0ms);
     });

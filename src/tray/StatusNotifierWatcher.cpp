@@ -113,9 +113,9 @@ void StatusNotifierWatcher::askForProperty(const QString &name,
     });
 }
 
-void StatusNotifierWatcher::ask(const QDBusMessage &call, const BusCall::Use &use)
+void StatusNotifierWatcher::ask(const QDBusMessage &call, const BusCall::ReplyHandler &onReply)
 {
-    BusCall::ask(m_connection.bus(), call, this, use);
+    BusCall::send(m_connection.bus(), call, this, onReply);
 }
 
 void StatusNotifierWatcher::publish(const std::optional<TrayHost> &host)

@@ -52,7 +52,7 @@ private slots:
 private:
     void watchBus();
     void loseBus();
-    void ask(const QDBusMessage &call, const BusCall::Use &use);
+    void ask(const QDBusMessage &call, const BusCall::ReplyHandler &onReply);
     void askForProperty(const QString &name, const std::function<void(const QVariant &)> &use);
     void lookUp(const QString &owner);
     void publish(const std::optional<TrayHost> &host);

@@ -6,13 +6,13 @@
 
 namespace corvane {
 
-/// What the program's bundle says of its version. A key that is not there or not text is absent.
+/// The version in the program's bundle. A value that is missing or not text is absent.
 struct BundleVersion {
     std::optional<QString> version = {}; ///< "0.1.0".
     std::optional<QString> build = {};   ///< "1".
 };
 
-/// This program's: the bundle's keys on a Mac, elsewhere what it was built as.
+/// This program's: from the bundle's keys on a Mac, elsewhere from the build.
 BundleVersion bundleVersion();
 
 } // namespace corvane

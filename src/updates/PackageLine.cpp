@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 constexpr qsizetype longestWord = 128;
 
-/// Names and versions of all package managers; what is shown to the user holds nothing else.
+/// Whether a name or version has only characters that package managers use, so that it is safe to
+/// show.
 bool isPlainWord(QStringView word)
 {
     const auto isPlain = [](QChar letter) {
@@ -21,7 +22,7 @@ bool isPlainWord(QStringView word)
         && std::all_of(word.cbegin(), word.cend(), isPlain);
 }
 
-bool isOther(const PackageLine &line, const QString &installed)
+bool isOtherVersion(const PackageLine &line, const QString &installed)
 {
     return line.info == PackageInfo::available && line.version != installed;
 }
@@ -52,7 +53,7 @@ bool hasOtherVersion(const QList<PackageLine> &resolved)
     const auto installed = installedVersion(resolved);
     return installed
         && std::any_of(resolved.cbegin(), resolved.cend(),
-                       [&](const PackageLine &line) { return isOther(line, *installed); });
+                       [&](const PackageLine &line) { return isOtherVersion(line, *installed); });
 }
 
 std::optional<QString> updateVersion(const QList<PackageLine> &resolved,
@@ -63,10 +64,10 @@ std::optional<QString> updateVersion(const QList<PackageLine> &resolved,
         return std::nullopt;
     for (const PackageLine &update : updates) {
         const auto isThisOne = [&](const PackageLine &line) {
-            return isOther(line, *installed) && line.name == update.name
+            return isOtherVersion(line, *installed) && line.name == update.name
                 && line.version == update.version;
         };
-        // A package that is held back is listed too, but not installed.
+        // A package that is held back is listed too, but the updater does not install it.
         if (update.info != PackageInfo::blocked
             && std::any_of(resolved.cbegin(), resolved.cend(), isThisOne))
             return update.version;

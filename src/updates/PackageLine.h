@@ -7,11 +7,11 @@
 
 namespace corvane {
 
-/// What PackageKit says of a package: it is installed, can be had, or is one of the kinds of update
-/// that lie between these and `blocked`.
+/// PackageKit's state of a package: installed, available, or one of the kinds of update, whose
+/// numbers lie between `available` and `blocked`.
 enum class PackageInfo { installed = 1, available = 2, blocked = 9 };
 
-/// One package that PackageKit lists.
+/// One line of PackageKit's lists.
 struct PackageLine {
     PackageInfo info = PackageInfo::available;
     QString name = {};
@@ -20,19 +20,19 @@ struct PackageLine {
     bool operator==(const PackageLine &) const = default;
 };
 
-/// The line of an info word (severity in its upper half) and an id "name;version;arch;data". Absent
-/// for what is no id, or names what no package manager would.
+/// The line for an info word (severity in its upper half) and an id "name;version;arch;data".
+/// Absent if the id is malformed, or its name or version has characters that no package manager
+/// uses.
 std::optional<PackageLine> packageLine(unsigned int info, const QString &id);
 
-/// Version of the package that is installed; absent if none is.
+/// Version of the installed package; absent if none is installed.
 std::optional<QString> installedVersion(const QList<PackageLine> &resolved);
 
-/// Whether some version other than the installed one can be had. Not yet an update: it may be
-/// older.
+/// Whether a version other than the installed one is available, newer or older.
 bool hasOtherVersion(const QList<PackageLine> &resolved);
 
-/// The version to which the system's updater would bring the package: one that can be had, is not
-/// the installed one, and is among the updates. What is newer is left to the package manager.
+/// The version to which the system's updater would bring the package: one that is available, is not
+/// the installed one and is among the updates. The package manager decides which version is newer.
 std::optional<QString> updateVersion(const QList<PackageLine> &resolved,
                                      const QList<PackageLine> &updates);
 

@@ -8,16 +8,16 @@
 
 namespace corvane {
 
-/// What brings updates on this system. Owned by the UpdaterManager; main thread.
+/// This system's way to check for updates. Owned by the UpdaterManager; main thread.
 class SystemUpdater : public QObject {
     Q_OBJECT
 
 public:
-    /// Whether updates can ever come to this build. Where none can, `canCheck` stays false, nothing
-    /// is checked automatically and no choice is kept. It never changes.
+    /// Whether this build can ever get updates; constant. If not, `canCheck` stays false, there are
+    /// no automatic checks and no choice is stored.
     virtual bool isOffered() const { return true; }
 
-    /// The user's choice, which the updater keeps.
+    /// The user's choice, which the updater stores.
     virtual bool automaticallyChecks() const = 0;
     virtual void setAutomaticallyChecks(bool on) = 0;
 
@@ -26,14 +26,14 @@ public:
 
     virtual void check() = 0;
 
-    /// Looks anew whether updates can come at all, where that may change.
+    /// Finds out again whether updates can come at all, where that may change.
     virtual void refresh() { }
 
-    /// What the last check found, as one sentence; absent where the updater has windows of its own.
+    /// Result of the last check as one sentence; absent if the updater has its own windows.
     virtual std::optional<QString> finding() const { return std::nullopt; }
 
-    /// The newer version that the last answer told of, a failed check aside; absent where there is
-    /// none, and where the updater has windows of its own. Changes with the finding.
+    /// The newer version of the last check that did not fail; absent if there is none, or if the
+    /// updater has its own windows. Changes with the finding.
     virtual std::optional<QString> availableVersion() const { return std::nullopt; }
 
 signals:
@@ -41,7 +41,7 @@ signals:
     void findingChanged();
 };
 
-/// This system's.
+/// This build's updater.
 std::unique_ptr<SystemUpdater> makeSystemUpdater();
 
 } // namespace corvane

@@ -1,6 +1,6 @@
 #include "updates/SystemUpdater.h"
 
-#include "updates/PackageUpdater.h"
+#include "updates/PackageUpdater_linux.h"
 
 #include <QCoreApplication>
 

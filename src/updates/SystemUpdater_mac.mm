@@ -1,14 +1,16 @@
 #include "updates/SystemUpdater.h"
 
+#include "platform/MainThread.h"
+
 #import <Sparkle/Sparkle.h>
 
 #include <functional>
 #include <utility>
 
-/// Tells each value of the updater's `canCheckForUpdates` on the main queue, the present one first,
-/// as long as it lives.
+/// Reports each value of the updater's `canCheckForUpdates` on the main queue, the present one
+/// first, until it is stopped.
 @interface CorvaneCheckObserver : NSObject
-- (instancetype)initWithUpdater:(SPUUpdater *)updater tell:(std::function<void(bool)>)tell;
+- (instancetype)initWithUpdater:(SPUUpdater *)updater onChange:(std::function<void(bool)>)onChange;
 - (void)stop;
 @end
 
@@ -20,15 +22,15 @@ NSString *const canCheckKey = @"canCheckForUpdates";
 
 @implementation CorvaneCheckObserver {
     SPUUpdater *_updater;
-    std::function<void(bool)> _tell;
+    std::function<void(bool)> _onChange;
 }
 
-- (instancetype)initWithUpdater:(SPUUpdater *)updater tell:(std::function<void(bool)>)tell
+- (instancetype)initWithUpdater:(SPUUpdater *)updater onChange:(std::function<void(bool)>)onChange
 {
     self = [super init];
     if (self) {
         _updater = updater;
-        _tell = std::move(tell);
+        _onChange = std::move(onChange);
         [_updater addObserver:self
                    forKeyPath:canCheckKey
                       options:NSKeyValueObservingOptionInitial
@@ -44,19 +46,19 @@ NSString *const canCheckKey = @"canCheckForUpdates";
 {
     const bool canCheck = _updater.canCheckForUpdates;
     __weak CorvaneCheckObserver *weakSelf = self;
-    [NSOperationQueue.mainQueue addOperationWithBlock:^{ [weakSelf tellWhether:canCheck]; }];
+    [NSOperationQueue.mainQueue addOperationWithBlock:^{ [weakSelf report:canCheck]; }];
 }
 
-- (void)tellWhether:(bool)canCheck
+- (void)report:(bool)canCheck
 {
-    if (_tell)
-        _tell(canCheck);
+    if (_onChange)
+        _onChange(canCheck);
 }
 
 - (void)stop
 {
     [_updater removeObserver:self forKeyPath:canCheckKey];
-    _tell = nullptr;
+    _onChange = nullptr;
 }
 
 @end
@@ -65,7 +67,7 @@ namespace corvane {
 
 namespace {
 
-/// Sparkle's standard updater, which shows windows of its own.
+/// Sparkle's standard updater, which has its own windows.
 class SparkleUpdater : public SystemUpdater {
 public:
     SparkleUpdater()
@@ -73,9 +75,10 @@ public:
                                                                      updaterDelegate:nil
                                                                   userDriverDelegate:nil])
     {
+        assertMainThread();
         m_observer = [[CorvaneCheckObserver alloc]
             initWithUpdater:m_controller.updater
-                       tell:[this](bool canCheck) { showWhether(canCheck); }];
+                   onChange:[this](bool canCheck) { setCanCheck(canCheck); }];
     }
     ~SparkleUpdater() override { [m_observer stop]; }
 
@@ -91,7 +94,7 @@ public:
     void check() override { [m_controller checkForUpdates:nil]; }
 
 private:
-    void showWhether(bool canCheck)
+    void setCanCheck(bool canCheck)
     {
         m_canCheck = canCheck;
         emit canCheckChanged();
@@ -99,7 +102,7 @@ private:
 
     SPUStandardUpdaterController *m_controller;
     CorvaneCheckObserver *m_observer;
-    bool m_canCheck = false; ///< As last told.
+    bool m_canCheck = false; ///< As last reported.
 };
 
 } // namespace

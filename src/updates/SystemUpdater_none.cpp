@@ -4,7 +4,7 @@ namespace corvane {
 
 namespace {
 
-/// A program that was built without an updater offers no updates.
+/// For a program that was built without an updater.
 class NoUpdater : public SystemUpdater {
 public:
     bool isOffered() const override { return false; }

@@ -27,7 +27,7 @@ QString ageText(const std::optional<unsigned int> &seconds)
     return countText(*seconds / day, u"day"_s);
 }
 
-/// Where the answer comes from, if not from lists that were brought up to date.
+/// Names the age of package lists that were not refreshed; else empty.
 QString sourceText(const UpdateReport &report)
 {
     return report.isCurrent ? QString()

@@ -6,21 +6,21 @@
 
 namespace corvane {
 
-/// What a check for updates came to.
+/// Result of a check for updates.
 struct UpdateReport {
     enum class Outcome {
-        noService,   ///< Nothing here answers for packages.
-        notAPackage, ///< Updates come another way.
-        failed,      ///< No answer, or an error.
-        unverified,  ///< A signature was wrong.
+        noService,   ///< The system has no package service.
+        notAPackage, ///< This program is not an installed package.
+        failed,      ///< The service gave no answer, or an error.
+        unverified,  ///< A signature of the package lists was wrong.
         upToDate,
         available,
     };
 
     Outcome outcome = Outcome::failed;
-    QString version = {};   ///< Of the update that is available.
-    bool isCurrent = false; ///< Whether the package lists were brought up to date for it.
-    std::optional<unsigned int> listAge = {}; ///< Seconds, of lists that were not; absent: unknown.
+    QString version = {};   ///< The available update's; else empty.
+    bool isCurrent = false; ///< Whether the package lists were refreshed for this check.
+    std::optional<unsigned int> listAge = {}; ///< Seconds since the last refresh; absent: unknown.
 };
 
 /// The report as one sentence for the user.

@@ -6,8 +6,9 @@ namespace corvane {
 
 inline constexpr double updateCheckInterval = 24 * 60 * 60; ///< Seconds.
 
-/// Seconds from `now` to the next check, by the wall clock's date of the last one. A date in the
-/// future was written while the clock was wrong and counts as none: then a check is due.
+/// Seconds until the next check, from the dates of now and of the last check (absent: none) by the
+/// wall clock. A date in the future was written while the clock was wrong and counts as none. 0:
+/// the check is due.
 double secondsUntilUpdateCheck(double now, std::optional<double> last);
 
 } // namespace corvane

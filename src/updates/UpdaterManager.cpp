@@ -1,5 +1,7 @@
 #include "updates/UpdaterManager.h"
 
+#include "platform/MainThread.h"
+
 #include <utility>
 
 namespace corvane {
@@ -20,6 +22,7 @@ UpdaterManager::UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *
       m_canCheck(m_updater->canCheck()),
       m_availableVersion(m_updater->availableVersion())
 {
+    assertMainThread();
     connect(m_updater.get(), &SystemUpdater::canCheckChanged, this, [this] {
         if (m_canCheck == m_updater->canCheck())
             return;
@@ -27,9 +30,9 @@ UpdaterManager::UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *
         emit canCheckChanged(m_canCheck);
     });
     connect(m_updater.get(), &SystemUpdater::findingChanged, this, [this] {
-        const bool isOther = m_availableVersion != m_updater->availableVersion();
+        const bool isChanged = m_availableVersion != m_updater->availableVersion();
         m_availableVersion = m_updater->availableVersion();
-        if (isOther)
+        if (isChanged)
             emit availableVersionChanged();
         emit findingChanged();
     });

@@ -27,30 +27,30 @@ public:
     explicit UpdaterManager(QObject *parent = nullptr);
     explicit UpdaterManager(std::unique_ptr<SystemUpdater> updater, QObject *parent = nullptr);
 
-    /// Whether updates can ever come to this build; it never changes.
+    /// Whether this build can ever get updates; constant.
     bool isOffered() const { return m_updater->isOffered(); }
 
     bool automaticallyChecks() const { return m_automaticallyChecks; }
 
-    /// Tells observers, then the updater.
+    /// Emits the change, then passes it to the updater.
     void setAutomaticallyChecks(bool on);
 
-    /// False while a check runs, and where no updates can come, once that is known: `refresh` asks.
+    /// False while a check runs, and once `refresh` has found that no updates can come.
     bool canCheck() const { return m_canCheck; }
 
     QString currentVersion() const { return versionText(bundleVersion()); }
 
-    /// What the last check found, as one sentence. Absent before the first one, and where the
-    /// system's updater shows it itself.
+    /// Result of the last check as one sentence. Absent before the first one, and if the system's
+    /// updater has its own windows.
     std::optional<QString> finding() const { return m_updater->finding(); }
 
-    /// The newer version that is there to be installed, as far as is known. Absent where the
-    /// system's updater shows it itself.
+    /// The newer version that can be installed. Absent if none is known, and if the system's
+    /// updater has its own windows.
     std::optional<QString> availableVersion() const { return m_availableVersion; }
 
     void checkForUpdates();
 
-    /// To be called when the settings are shown: looks anew whether updates can come at all.
+    /// Finds out again whether updates can come at all. Called when the settings are shown.
     void refresh();
 
 signals:

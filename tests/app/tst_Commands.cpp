@@ -1,17 +1,11 @@
 #include "app/Commands.h"
 
-#include "settings/UpdateSettings.h"
 #include "support/ScriptedUpdater.h"
-#include "ui/ContextMenu.h"
-#include "ui/PanelButton.h"
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPointer>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
@@ -34,18 +28,16 @@ class TestCommands : public QObject {
     Q_OBJECT
 
 private slots:
-    void standInOneOrder();
-    void haveTheirUsualKeys_data();
-    void haveTheirUsualKeys();
-    void takeTheirPlacesInAMacsMenus();
-    void nothingMakesANewWindow();
-    void updatesAreCheckedForOnceAtATime();
-    void tellOfANewerVersion();
-    void aMenuOfThemClosesByItself();
-    void aWidgetWithoutActionsHasNoMenu();
+    void haveTheOrderOfAMenu();
+    void haveTheirUsualShortcuts_data();
+    void haveTheirUsualShortcuts();
+    void haveTheirRolesInAMacsMenus();
+    void theMenuBarHasNoNewWindow();
+    void updatesAreDisabledDuringACheck();
+    void nameANewerVersion();
 };
 
-void TestCommands::standInOneOrder()
+void TestCommands::haveTheOrderOfAMenu()
 {
     const Commands commands;
     QCOMPARE(texts(commands.inMenuOrder()),
@@ -53,7 +45,7 @@ void TestCommands::standInOneOrder()
                           u"Settings…"_s, u"-"_s, u"Quit"_s}));
 }
 
-void TestCommands::haveTheirUsualKeys_data()
+void TestCommands::haveTheirUsualShortcuts_data()
 {
     QTest::addColumn<HostSystem>("system");
     QTest::addColumn<QStringList>("keys");
@@ -65,7 +57,7 @@ void TestCommands::haveTheirUsualKeys_data()
         << QStringList{u""_s, u""_s, u""_s, u""_s, u"Ctrl+,"_s, u""_s, u"Ctrl+Q"_s};
 }
 
-void TestCommands::haveTheirUsualKeys()
+void TestCommands::haveTheirUsualShortcuts()
 {
     QFETCH(HostSystem, system);
     const Commands commands(nullptr, system);
@@ -75,7 +67,7 @@ void TestCommands::haveTheirUsualKeys()
     QTEST(keys, "keys");
 }
 
-void TestCommands::takeTheirPlacesInAMacsMenus()
+void TestCommands::haveTheirRolesInAMacsMenus()
 {
     const Commands commands;
     QCOMPARE(commands.about()->menuRole(), QAction::AboutRole);
@@ -85,7 +77,7 @@ void TestCommands::takeTheirPlacesInAMacsMenus()
     QCOMPARE(commands.openWindow()->menuRole(), QAction::NoRole);
 }
 
-void TestCommands::nothingMakesANewWindow()
+void TestCommands::theMenuBarHasNoNewWindow()
 {
     const Commands commands;
     const auto bar = commands.makeMenuBar();
@@ -97,28 +89,25 @@ void TestCommands::nothingMakesANewWindow()
                           u"Open Window"_s}));
 }
 
-void TestCommands::updatesAreCheckedForOnceAtATime()
+void TestCommands::updatesAreDisabledDuringACheck()
 {
     auto *updates = new ScriptedUpdater;
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     Commands commands;
-    commands.follow(updater);
-    UpdateSettings settings(updater);
-    const auto *checkNow = settings.findChild<PanelButton *>();
+    commands.connectUpdater(updater);
     for (const bool isChecking : {false, true, false}) {
         updates->setChecking(isChecking);
         QCOMPARE(commands.checkForUpdates()->isEnabled(), !isChecking);
-        QCOMPARE(checkNow->isEnabled(), !isChecking);
     }
 }
 
-void TestCommands::tellOfANewerVersion()
+void TestCommands::nameANewerVersion()
 {
     auto *updates = new ScriptedUpdater;
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
     updates->find({}, u"0.2.0"_s);
     Commands commands;
-    commands.follow(updater);
+    commands.connectUpdater(updater);
     const QAction *command = commands.checkForUpdates();
     QCOMPARE(command->text(), u"Corvane 0.2.0 Is Available…"_s);
     QVERIFY(command->isEnabled());
@@ -126,30 +115,6 @@ void TestCommands::tellOfANewerVersion()
     QCOMPARE(command->text(), u"Corvane 1:0.3.0~rc1 Is Available…"_s);
     updates->find({});
     QCOMPARE(command->text(), u"Check for Updates…"_s);
-}
-
-void TestCommands::aMenuOfThemClosesByItself()
-{
-    const Commands commands;
-    QWidget widget;
-    widget.addActions(commands.inMenuOrder());
-    widget.show();
-    const QPointer<QMenu> menu = popUpActions(widget, {20, 30});
-    QVERIFY(menu);
-    QCOMPARE(menu->pos(), QPoint(20, 30));
-    QCOMPARE(menu->actions(), commands.inMenuOrder());
-
-    const QSignalSpy settings(commands.settings(), &QAction::triggered);
-    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(commands.settings()).center());
-    QCOMPARE(settings.count(), 1);
-    QTRY_VERIFY(!menu);
-}
-
-void TestCommands::aWidgetWithoutActionsHasNoMenu()
-{
-    QWidget widget;
-    QCOMPARE(popUpActions(widget, {}), nullptr);
-    QCOMPARE(QApplication::activePopupWidget(), nullptr);
 }
 
 QTEST_MAIN(TestCommands)

@@ -10,12 +10,14 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
+constexpr int longWait = 60'000; ///< Milliseconds; for a machine under load.
+constexpr auto retryInterval = 20ms;
 
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ample)
+#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, longWait)
 
 } // namespace
 
@@ -25,24 +27,24 @@ class TestBusConnection : public QObject {
 private slots:
     void init();
     void cleanup();
-    void comesWithTheEventLoop();
-    void comesAgainAfterTheBusWent();
+    void connectsInTheEventLoop();
+    void connectsAgainAfterTheBusEnded();
     void waitsForABusThatHangs();
-    void livesThroughTheEndOfABusThatHangs();
-    void mayGoWhileTheBusHangs_data();
-    void mayGoWhileTheBusHangs();
+    void survivesTheEndOfABusThatHangs();
+    void canBeDeletedWhileTheBusHangs_data();
+    void canBeDeletedWhileTheBusHangs();
 
 private:
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<BusConnection> m_connection;
-    QStringList m_signals; ///< In the order in which they came.
+    QStringList m_signals; ///< In the order of emission.
 };
 
 void TestBusConnection::init()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
-    m_connection = std::make_unique<BusConnection>(u"connection"_s);
+    m_connection = std::make_unique<BusConnection>(u"connection"_s, retryInterval);
     m_signals.clear();
     connect(m_connection.get(), &BusConnection::connected, this, [this] {
         m_signals.append(m_connection->bus().isConnected() ? u"connected"_s : u"not yet"_s);
@@ -58,7 +60,7 @@ void TestBusConnection::cleanup()
     m_bus.reset();
 }
 
-void TestBusConnection::comesWithTheEventLoop()
+void TestBusConnection::connectsInTheEventLoop()
 {
     QVERIFY(!m_connection->bus().isConnected());
     TRY_COMPARE(m_signals, QStringList{u"connected"_s});
@@ -66,29 +68,28 @@ void TestBusConnection::comesWithTheEventLoop()
     QVERIFY(!m_connection->bus().baseService().isEmpty());
 }
 
-void TestBusConnection::comesAgainAfterTheBusWent()
+void TestBusConnection::connectsAgainAfterTheBusEnded()
 {
     TRY_COMPARE(m_signals, QStringList{u"connected"_s});
     m_bus->kill();
     TRY_COMPARE(m_signals.value(1), u"lost"_s);
-    TRY_COMPARE(m_signals.value(2), u"lost"_s); // The first attempt in vain.
+    TRY_COMPARE(m_signals.value(2), u"lost"_s); // The first failed attempt.
     QVERIFY(m_bus->start());
     TRY_COMPARE(m_signals.last(), u"connected"_s);
     QCOMPARE(m_signals.count(u"connected"_s), 2);
 }
 
-/// The event loop goes on all the while: nothing here would come back otherwise, since nobody but
-/// this thread lets the bus go on.
+/// If the connection blocked, the test would never end: this thread lets the bus go on.
 void TestBusConnection::waitsForABusThatHangs()
 {
     m_bus->hang();
-    QTest::qWait(4000); // Past the time for another attempt.
+    QTest::qWait(static_cast<int>(5 * retryInterval.count()));
     QCOMPARE(m_signals, QStringList());
     m_bus->goOn();
     TRY_COMPARE(m_signals, QStringList{u"connected"_s});
 }
 
-void TestBusConnection::livesThroughTheEndOfABusThatHangs()
+void TestBusConnection::survivesTheEndOfABusThatHangs()
 {
     m_bus->hang();
     QTest::qWait(0);
@@ -98,14 +99,14 @@ void TestBusConnection::livesThroughTheEndOfABusThatHangs()
     TRY_COMPARE(m_signals.last(), u"connected"_s);
 }
 
-void TestBusConnection::mayGoWhileTheBusHangs_data()
+void TestBusConnection::canBeDeletedWhileTheBusHangs_data()
 {
     QTest::addColumn<bool>("isConnected");
     QTest::newRow("before it is connected") << false;
     QTest::newRow("once it is connected") << true;
 }
 
-void TestBusConnection::mayGoWhileTheBusHangs()
+void TestBusConnection::canBeDeletedWhileTheBusHangs()
 {
     QFETCH(const bool, isConnected);
     if (isConnected)
@@ -113,13 +114,13 @@ void TestBusConnection::mayGoWhileTheBusHangs()
     m_bus->hang();
     QTest::qWait(50);
     m_connection.reset();
-    // Another of the same name has no more trouble for it.
-    m_connection = std::make_unique<BusConnection>(u"connection"_s);
+    // A new connection of the same name works as well.
+    m_connection = std::make_unique<BusConnection>(u"connection"_s, retryInterval);
     QSignalSpy connected(m_connection.get(), &BusConnection::connected);
     QTest::qWait(50);
     QCOMPARE(connected.count(), 0);
     m_bus->goOn();
-    QVERIFY(connected.wait(ample));
+    QVERIFY(connected.wait(longWait));
 }
 
 QTEST_GUILESS_MAIN(TestBusConnection)

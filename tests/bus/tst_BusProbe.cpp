@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
+constexpr int longWait = 60'000; ///< Milliseconds; for a machine under load.
 
 } // namespace
 
@@ -25,14 +25,14 @@ class TestBusProbe : public QObject {
 private slots:
     void namesTheSocketOfAnAddress_data();
     void namesTheSocketOfAnAddress();
-    void hearsARunningBus();
-    void takesOtherAddressesForAnswered();
-    void isRefusedWhereNobodyListens_data();
-    void isRefusedWhereNobodyListens();
-    void hearsNothingOfABusThatHangs();
-    void isRefusedByABusThatDies();
-    void mayGoBeforeTheAnswer();
-    void tellsABusThatHangs();
+    void reportsARunningBus();
+    void countsOtherAddressesAsAnswered();
+    void isRefusedWhereNothingListens_data();
+    void isRefusedWhereNothingListens();
+    void waitsForABusThatHangs();
+    void isRefusedByABusThatEnds();
+    void canBeDeletedBeforeTheAnswer();
+    void detectsABusThatHangs();
 };
 
 void TestBusProbe::namesTheSocketOfAnAddress_data()
@@ -44,17 +44,17 @@ void TestBusProbe::namesTheSocketOfAnAddress_data()
         QTest::newRow(name) << address << expected;
     };
     row("a path", u"unix:path=/run/user/1000/bus"_s, "/run/user/1000/bus");
-    row("behind other things", u"unix:guid=0a1b,path=/run/bus"_s, "/run/bus");
-    row("before other things", u"unix:path=/run/bus,guid=0a1b"_s, "/run/bus");
+    row("after other keys", u"unix:guid=0a1b,path=/run/bus"_s, "/run/bus");
+    row("before other keys", u"unix:path=/run/bus,guid=0a1b"_s, "/run/bus");
     row("with escapes", u"unix:path=/tmp/a%2cb%20c%3d"_s, "/tmp/a,b c=");
     row("an abstract name", u"unix:abstract=/tmp/dbus-x,guid=0a1b"_s,
         std::string(1, '\0') + "/tmp/dbus-x");
-    row("several to choose from", u"unix:path=/a;unix:path=/b"_s, std::nullopt);
+    row("several addresses", u"unix:path=/a;unix:path=/b"_s, std::nullopt);
     row("another machine", u"tcp:host=localhost,port=1"_s, std::nullopt);
     row("a program to start", u"unixexec:path=/bin/cat"_s, std::nullopt);
     row("a socket without a name", u"unix:runtime=yes"_s, std::nullopt);
-    row("no address", u"path=/run/bus"_s, std::nullopt);
-    row("nothing", QString(), std::nullopt);
+    row("no transport", u"path=/run/bus"_s, std::nullopt);
+    row("empty", QString(), std::nullopt);
 }
 
 void TestBusProbe::namesTheSocketOfAnAddress()
@@ -63,92 +63,92 @@ void TestBusProbe::namesTheSocketOfAnAddress()
     QTEST(busSocket(address), "expected");
 }
 
-void TestBusProbe::hearsARunningBus()
+void TestBusProbe::reportsARunningBus()
 {
     PrivateBus bus;
     QVERIFY(bus.start());
-    const BusProbe knock(bus.address());
-    QSignalSpy answers(&knock, &BusProbe::answered);
-    QVERIFY(answers.wait(ample));
+    const BusProbe probe(bus.address());
+    QSignalSpy answers(&probe, &BusProbe::answered);
+    QVERIFY(answers.wait(longWait));
 }
 
-void TestBusProbe::takesOtherAddressesForAnswered()
+void TestBusProbe::countsOtherAddressesAsAnswered()
 {
-    const BusProbe knock(u"tcp:host=localhost,port=1"_s);
-    QSignalSpy answers(&knock, &BusProbe::answered);
+    const BusProbe probe(u"tcp:host=localhost,port=1"_s);
+    QSignalSpy answers(&probe, &BusProbe::answered);
     QCOMPARE(answers.count(), 0);
-    QVERIFY(answers.wait(ample));
+    QVERIFY(answers.wait(longWait));
 }
 
-void TestBusProbe::isRefusedWhereNobodyListens_data()
+void TestBusProbe::isRefusedWhereNothingListens_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("no such file") << u"unix:path=/nowhere/bus"_s;
     QTest::newRow("a file") << u"unix:path=/etc/passwd"_s;
     QTest::newRow("no name") << u"unix:path="_s;
     QTest::newRow("a name that is too long") << u"unix:path=/"_s + QString(1000, u'x');
-    QTest::newRow("an abstract name") << u"unix:abstract=corvane/nobody"_s;
+    QTest::newRow("an abstract name") << u"unix:abstract=corvane/missing"_s;
 }
 
-void TestBusProbe::isRefusedWhereNobodyListens()
+void TestBusProbe::isRefusedWhereNothingListens()
 {
     QFETCH(const QString, address);
-    const BusProbe knock(address);
-    QSignalSpy refusals(&knock, &BusProbe::refused);
+    const BusProbe probe(address);
+    QSignalSpy refusals(&probe, &BusProbe::refused);
     QCOMPARE(refusals.count(), 0);
-    QVERIFY(refusals.wait(ample));
+    QVERIFY(refusals.wait(longWait));
 }
 
-void TestBusProbe::hearsNothingOfABusThatHangs()
+void TestBusProbe::waitsForABusThatHangs()
 {
     PrivateBus bus;
     QVERIFY(bus.start());
     bus.hang();
-    const BusProbe knock(bus.address());
-    QSignalSpy answers(&knock, &BusProbe::answered);
-    const QSignalSpy refusals(&knock, &BusProbe::refused);
-    QVERIFY(!answers.wait(500));
+    const BusProbe probe(bus.address());
+    QSignalSpy answers(&probe, &BusProbe::answered);
+    const QSignalSpy refusals(&probe, &BusProbe::refused);
+    QVERIFY(!answers.wait(100));
     bus.goOn();
-    QVERIFY(answers.wait(ample));
+    QVERIFY(answers.wait(longWait));
     QTest::qWait(0);
     QCOMPARE(answers.count(), 1);
     QCOMPARE(refusals.count(), 0);
 }
 
-void TestBusProbe::isRefusedByABusThatDies()
+void TestBusProbe::isRefusedByABusThatEnds()
 {
     PrivateBus bus;
     QVERIFY(bus.start());
     bus.hang();
-    const BusProbe knock(bus.address());
-    QSignalSpy refusals(&knock, &BusProbe::refused);
+    const BusProbe probe(bus.address());
+    QSignalSpy refusals(&probe, &BusProbe::refused);
     bus.kill();
-    QVERIFY(refusals.count() == 1 || refusals.wait(ample));
+    QVERIFY(refusals.count() == 1 || refusals.wait(longWait));
 }
 
-void TestBusProbe::mayGoBeforeTheAnswer()
+void TestBusProbe::canBeDeletedBeforeTheAnswer()
 {
     PrivateBus bus;
     QVERIFY(bus.start());
     for (const QString &address : {bus.address(), u"unix:path=/nowhere/bus"_s, u"tcp:x=y"_s}) {
-        auto knock = std::make_unique<BusProbe>(address);
-        const QSignalSpy answers(knock.get(), &BusProbe::answered);
-        const QSignalSpy refusals(knock.get(), &BusProbe::refused);
-        knock.reset();
+        auto probe = std::make_unique<BusProbe>(address);
+        const QSignalSpy answers(probe.get(), &BusProbe::answered);
+        const QSignalSpy refusals(probe.get(), &BusProbe::refused);
+        probe.reset();
         QTest::qWait(50);
         QCOMPARE(answers.count() + refusals.count(), 0);
     }
 }
 
-void TestBusProbe::tellsABusThatHangs()
+void TestBusProbe::detectsABusThatHangs()
 {
-    constexpr auto ever = std::chrono::milliseconds(ample);
-    QVERIFY(!busHangs(u"unix:path=/nowhere/bus"_s, ever));
-    QVERIFY(!busHangs(u"tcp:host=localhost,port=1"_s, ever));
-    QVERIFY(!busHangs(QString(), ever));
+    constexpr auto longest = std::chrono::milliseconds(longWait);
+    QVERIFY(!busHangs(u"unix:path=/nowhere/bus"_s, longest));
+    QVERIFY(!busHangs(u"tcp:host=localhost,port=1"_s, longest));
+    QVERIFY(!busHangs(QString(), longest));
     PrivateBus bus;
     QVERIFY(bus.start());
-    QVERIFY(!busHangs(bus.address(), ever));
+    QVERIFY(!busHangs(bus.address(), longest));
     bus.hang();
     QVERIFY(busHangs(bus.address(), std::chrono::milliseconds(100)));
 }

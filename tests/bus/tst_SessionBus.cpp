@@ -16,15 +16,15 @@ class TestSessionBus : public QObject {
 
 private slots:
     void init();
-    void takesTheAddressOfTheSession();
+    void usesTheAddressOfTheSession();
     void findsTheUsersBus();
-    void isNoneWithoutASocket();
-    void neverHasOneStarted();
-    void takesNoForNone();
-    void keepsOthersFromStartingOne_data();
-    void keepsOthersFromStartingOne();
-    void findsABusThatTurnsUpLater();
-    void hidesABusThatHangsFromOthers();
+    void isEmptyWithoutASocket();
+    void isEmptyWhereABusWouldBeStarted();
+    void isEmptyWhereTheBusIsDisabled();
+    void preventsThatLibrariesStartABus_data();
+    void preventsThatLibrariesStartABus();
+    void findsABusThatAppearsLater();
+    void disablesABusThatHangsForLibraries();
 
 private:
     QTemporaryDir m_runtime;
@@ -37,7 +37,7 @@ void TestSessionBus::init()
     QFile::remove(m_runtime.filePath(u"bus"_s));
 }
 
-void TestSessionBus::takesTheAddressOfTheSession()
+void TestSessionBus::usesTheAddressOfTheSession()
 {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:abstract=/tmp/dbus-1,guid=0");
     QCOMPARE(sessionBusAddress(), u"unix:abstract=/tmp/dbus-1,guid=0"_s);
@@ -50,72 +50,73 @@ void TestSessionBus::findsTheUsersBus()
     QCOMPARE(sessionBusAddress(), u"unix:path="_s + socket.fileName());
 }
 
-void TestSessionBus::isNoneWithoutASocket()
+void TestSessionBus::isEmptyWithoutASocket()
 {
     QCOMPARE(sessionBusAddress(), QString());
     qunsetenv("XDG_RUNTIME_DIR");
     QCOMPARE(sessionBusAddress(), QString());
 }
 
-void TestSessionBus::neverHasOneStarted()
+void TestSessionBus::isEmptyWhereABusWouldBeStarted()
 {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "autolaunch:");
     QCOMPARE(sessionBusAddress(), QString());
 }
 
-void TestSessionBus::takesNoForNone()
+void TestSessionBus::isEmptyWhereTheBusIsDisabled()
 {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     QCOMPARE(sessionBusAddress(), QString());
 }
 
-void TestSessionBus::keepsOthersFromStartingOne_data()
+void TestSessionBus::preventsThatLibrariesStartABus_data()
 {
     const QByteArray runtime = QFile::encodeName(m_runtime.path());
     QTest::addColumn<QByteArray>("given");
     QTest::addColumn<QByteArray>("runtime");
     QTest::addColumn<QByteArray>("address");
-    QTest::newRow("nothing known") << QByteArray() << QByteArray() << QByteArray("disabled:");
-    QTest::newRow("an order to start one")
+    QTest::newRow("no address, no runtime folder")
+        << QByteArray() << QByteArray() << QByteArray("disabled:");
+    QTest::newRow("an address that starts a bus")
         << QByteArray("autolaunch:") << QByteArray() << QByteArray("disabled:");
-    QTest::newRow("only its usual place known")
+    QTest::newRow("only a runtime folder")
         << QByteArray() << runtime << QByteArray("unix:path=" + runtime + "/bus");
-    QTest::newRow("a place of a strange name")
+    QTest::newRow("a runtime folder with special characters")
         << QByteArray() << QByteArray("/run/a b,c") << QByteArray("unix:path=/run/a%20b%2Cc/bus");
     QTest::newRow("an address") << QByteArray("unix:path=/bus") << runtime
                                 << QByteArray("unix:path=/bus");
 }
 
-void TestSessionBus::keepsOthersFromStartingOne()
+void TestSessionBus::preventsThatLibrariesStartABus()
 {
     QFETCH(const QByteArray, given);
     QFETCH(const QByteArray, runtime);
     QFETCH(const QByteArray, address);
     qputenv("DBUS_SESSION_BUS_ADDRESS", given);
     qputenv("XDG_RUNTIME_DIR", runtime);
-    startNoSessionBus();
+    preventBusStart();
     QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), address);
 }
 
-void TestSessionBus::findsABusThatTurnsUpLater()
+void TestSessionBus::findsABusThatAppearsLater()
 {
-    startNoSessionBus();
+    preventBusStart();
     QCOMPARE(sessionBusAddress(), QString());
     QFile socket(m_runtime.filePath(u"bus"_s));
     QVERIFY(socket.open(QFile::WriteOnly));
     QCOMPARE(sessionBusAddress(), u"unix:path="_s + socket.fileName());
 }
 
-/// The last of all: hidden is hidden.
-void TestSessionBus::hidesABusThatHangsFromOthers()
+/// The last test: what is disabled stays disabled.
+void TestSessionBus::disablesABusThatHangsForLibraries()
 {
     PrivateBus bus;
     const QByteArray address = bus.address().toUtf8();
     QVERIFY(bus.start());
-    hideHangingBus(60s);
+    disableHangingBus(60s);
     QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), address);
     bus.hang();
-    hideHangingBus(100ms);
+    disableHangingBus(100ms);
     QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), QByteArray("disabled:"));
     QCOMPARE(sessionBusAddress(), bus.address());
 }

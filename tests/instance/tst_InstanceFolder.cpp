@@ -18,14 +18,13 @@ class TestInstanceFolder : public QObject {
 
 private slots:
     void init();
-    void liesInTheSessionsFolder();
-    void isTheSameEachTime();
-    void liesAmongTemporaryFilesWithoutASession_data();
-    void liesAmongTemporaryFilesWithoutASession();
-    void liesAmongTemporaryFilesWhereThePathIsTooLongForASocket();
-    void isNotTakenWhereOthersMayReach_data();
-    void isNotTakenWhereOthersMayReach();
-    void isNotOfAnotherUser();
+    void isInTheRuntimeFolder();
+    void isATemporaryFolderWithoutARuntimeFolder_data();
+    void isATemporaryFolderWithoutARuntimeFolder();
+    void isATemporaryFolderIfThePathIsTooLongForASocket();
+    void refusesAFolderThatOthersCanReach_data();
+    void refusesAFolderThatOthersCanReach();
+    void refusesAFolderOfAnotherUser();
 
 private:
     QString inSession() const { return m_runtime->filePath(u"io.github.corvane.Corvane"_s); }
@@ -40,44 +39,38 @@ private:
 
 void TestInstanceFolder::init()
 {
-    // The paths of sockets are short.
+    // A socket's path is limited to some 100 bytes.
     m_runtime = std::make_unique<QTemporaryDir>(u"/tmp/corvane-XXXXXX"_s);
     m_temporary = std::make_unique<QTemporaryDir>(u"/tmp/corvane-XXXXXX"_s);
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_runtime->path()));
     qputenv("TMPDIR", QFile::encodeName(m_temporary->path()));
 }
 
-void TestInstanceFolder::liesInTheSessionsFolder()
+void TestInstanceFolder::isInTheRuntimeFolder()
 {
-    QCOMPARE(QString::fromStdString(instanceFolder()), inSession());
+    for (int start = 0; start < 2; ++start)
+        QCOMPARE(QString::fromStdString(instanceFolder()), inSession());
     QCOMPARE(QFile::permissions(inSession()) & ~QFile::Permissions(0x7000),
              QFile::ReadUser | QFile::WriteUser | QFile::ExeUser);
     QCOMPARE(instanceSocket("/folder"), std::string("/folder/socket"));
 }
 
-void TestInstanceFolder::isTheSameEachTime()
-{
-    const std::string first = instanceFolder();
-    QVERIFY(!first.empty());
-    QCOMPARE(instanceFolder(), first);
-}
-
-void TestInstanceFolder::liesAmongTemporaryFilesWithoutASession_data()
+void TestInstanceFolder::isATemporaryFolderWithoutARuntimeFolder_data()
 {
     QTest::addColumn<QByteArray>("runtime");
-    QTest::newRow("none") << QByteArray();
-    QTest::newRow("one that is not there") << QByteArray("/nonexistent/folder");
-    QTest::newRow("one that depends on where one is") << QByteArray(".");
+    QTest::newRow("not set") << QByteArray();
+    QTest::newRow("missing") << QByteArray("/nonexistent/folder");
+    QTest::newRow("a relative path") << QByteArray(".");
 }
 
-void TestInstanceFolder::liesAmongTemporaryFilesWithoutASession()
+void TestInstanceFolder::isATemporaryFolderWithoutARuntimeFolder()
 {
     QFETCH(const QByteArray, runtime);
     qputenv("XDG_RUNTIME_DIR", runtime);
     QCOMPARE(QString::fromStdString(instanceFolder()), inTemporary());
 }
 
-void TestInstanceFolder::liesAmongTemporaryFilesWhereThePathIsTooLongForASocket()
+void TestInstanceFolder::isATemporaryFolderIfThePathIsTooLongForASocket()
 {
     const QString longName(80, u'x');
     QVERIFY(QDir(m_runtime->path()).mkdir(longName));
@@ -85,7 +78,7 @@ void TestInstanceFolder::liesAmongTemporaryFilesWhereThePathIsTooLongForASocket(
     QCOMPARE(QString::fromStdString(instanceFolder()), inTemporary());
 }
 
-void TestInstanceFolder::isNotTakenWhereOthersMayReach_data()
+void TestInstanceFolder::refusesAFolderThatOthersCanReach_data()
 {
     QTest::addColumn<bool>("isLink");
     QTest::addColumn<int>("mode");
@@ -94,7 +87,7 @@ void TestInstanceFolder::isNotTakenWhereOthersMayReach_data()
     QTest::newRow("a link") << true << 0700;
 }
 
-void TestInstanceFolder::isNotTakenWhereOthersMayReach()
+void TestInstanceFolder::refusesAFolderThatOthersCanReach()
 {
     QFETCH(const bool, isLink);
     QFETCH(const int, mode);
@@ -107,7 +100,7 @@ void TestInstanceFolder::isNotTakenWhereOthersMayReach()
     QCOMPARE(QString::fromStdString(instanceFolder()), QString());
 }
 
-void TestInstanceFolder::isNotOfAnotherUser()
+void TestInstanceFolder::refusesAFolderOfAnotherUser()
 {
     if (geteuid() != 0)
         QSKIP("only root can give a folder to another user");

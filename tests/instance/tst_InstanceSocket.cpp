@@ -23,10 +23,11 @@
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
-/// A client, as clumsy or hostile as a test wants it.
+/// A client that sends what a test wants.
 class Client {
 public:
     explicit Client(const std::string &path) : m_socket(openUnixSocket())
@@ -34,31 +35,34 @@ public:
         isConnected = connectTo(m_socket, path);
     }
 
-    /// What the other takes of it now.
+    /// Returns how many bytes were sent.
     ssize_t send(const std::string &bytes) const
     {
         return write(m_socket.get(), bytes.data(), bytes.size());
     }
 
-    /// All that came, when the other has hung up.
-    std::optional<std::string> everything()
+    /// All bytes that came; absent while the connection is open.
+    std::optional<std::string> received()
     {
         std::array<char, 256> piece = {};
         ssize_t count = 0;
         while ((count = read(m_socket.get(), piece.data(), piece.size())) > 0)
-            m_received.append(piece.data(), static_cast<std::size_t>(count));
+            m_bytes.append(piece.data(), static_cast<std::size_t>(count));
         const bool isOpen = count < 0 && errno == EAGAIN;
-        return isOpen ? std::nullopt : std::optional(m_received);
+        return isOpen ? std::nullopt : std::optional(m_bytes);
     }
 
     bool isConnected = false;
 
 private:
     FileDescriptor m_socket;
-    std::string m_received;
+    std::string m_bytes;
 };
 
 const std::string answer(instanceAnswer);
+
+constexpr InstanceSocket::Times impatient{.message = 50ms};
+constexpr InstanceSocket::Times soonRetrying{.retry = 20ms};
 
 } // namespace
 
@@ -68,19 +72,19 @@ class TestInstanceSocket : public QObject {
 private slots:
     void initTestCase();
     void opensForAMessage();
-    void takesAMessageInPieces();
-    void replacesWhatAKilledProcessLeft();
+    void acceptsAMessageInPieces();
+    void replacesTheSocketOfAKilledProcess();
     void leavesNoSocketBehind();
-    void staysSilentWhereItCannotListen_data();
-    void staysSilentWhereItCannotListen();
-    void hangsUpOnStrangers_data();
-    void hangsUpOnStrangers();
-    void hangsUpOnTheSilent();
-    void hangsUpOnWhoSaysAMessageForEver();
-    void answersBesideACrowdThatSaysNothing();
+    void emitsNothingIfItCannotListen_data();
+    void emitsNothingIfItCannotListen();
+    void closesAConnectionWithOtherBytes_data();
+    void closesAConnectionWithOtherBytes();
+    void closesAConnectionWithoutAMessageInTime();
+    void closesAConnectionThatSendsWithoutEnd();
+    void answersBesideManySilentConnections();
     void survivesThousandsOfConnections();
-    void survivesOneWhoDoesNotWaitForTheAnswer();
-    void waitsWhereNoDescriptorIsLeft();
+    void survivesAClientThatDoesNotWaitForTheAnswer();
+    void triesAgainAfterNoDescriptorWasLeft();
 
 private:
     QTemporaryDir m_folder{u"/tmp/corvane-XXXXXX"_s};
@@ -98,12 +102,12 @@ void TestInstanceSocket::opensForAMessage()
     QSignalSpy requests(&socket, &InstanceSocket::openRequested);
     Client client(m_path);
     client.send(instanceMessageBytes({.activationToken = "token"}));
-    QTRY_COMPARE(client.everything(), answer);
+    QTRY_COMPARE(client.received(), answer);
     QCOMPARE(requests.count(), 1);
     QCOMPARE(requests.first().first().toByteArray(), QByteArray("token"));
 }
 
-void TestInstanceSocket::takesAMessageInPieces()
+void TestInstanceSocket::acceptsAMessageInPieces()
 {
     const InstanceSocket socket(m_path);
     QSignalSpy requests(&socket, &InstanceSocket::openRequested);
@@ -113,11 +117,11 @@ void TestInstanceSocket::takesAMessageInPieces()
         client.send(std::string(1, byte));
         QCoreApplication::processEvents();
     }
-    QTRY_COMPARE(client.everything(), answer);
+    QTRY_COMPARE(client.received(), answer);
     QCOMPARE(requests.count(), 1);
 }
 
-void TestInstanceSocket::replacesWhatAKilledProcessLeft()
+void TestInstanceSocket::replacesTheSocketOfAKilledProcess()
 {
     {
         const FileDescriptor killed = openUnixSocket();
@@ -137,23 +141,23 @@ void TestInstanceSocket::leavesNoSocketBehind()
     QVERIFY(!QFile::exists(QString::fromStdString(m_path)));
 }
 
-void TestInstanceSocket::staysSilentWhereItCannotListen_data()
+void TestInstanceSocket::emitsNothingIfItCannotListen_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::newRow("nowhere") << QString();
-    QTest::newRow("in a folder that is not there") << m_folder.filePath(u"missing/socket"_s);
-    QTest::newRow("in place of a folder") << m_folder.path();
-    QTest::newRow("at a path that is too long") << m_folder.filePath(QString(200, u'x'));
+    QTest::newRow("an empty path") << QString();
+    QTest::newRow("in a missing folder") << m_folder.filePath(u"missing/socket"_s);
+    QTest::newRow("the path of a folder") << m_folder.path();
+    QTest::newRow("a path that is too long") << m_folder.filePath(QString(200, u'x'));
 }
 
-void TestInstanceSocket::staysSilentWhereItCannotListen()
+void TestInstanceSocket::emitsNothingIfItCannotListen()
 {
     QFETCH(const QString, path);
     const InstanceSocket socket(path.toStdString());
     QVERIFY(!Client(path.toStdString()).isConnected);
 }
 
-void TestInstanceSocket::hangsUpOnStrangers_data()
+void TestInstanceSocket::closesAConnectionWithOtherBytes_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     std::mt19937 random(1234);
@@ -167,48 +171,48 @@ void TestInstanceSocket::hangsUpOnStrangers_data()
         << QByteArray("Corvane/1 open\n" + QByteArray(4096, 'x'));
 }
 
-void TestInstanceSocket::hangsUpOnStrangers()
+void TestInstanceSocket::closesAConnectionWithOtherBytes()
 {
     QFETCH(const QByteArray, bytes);
     const InstanceSocket socket(m_path);
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
     Client client(m_path);
     client.send(bytes.toStdString());
-    QTRY_COMPARE(client.everything(), std::string());
+    QTRY_COMPARE(client.received(), std::string());
     QCOMPARE(requests.count(), 0);
 }
 
-void TestInstanceSocket::hangsUpOnTheSilent()
+void TestInstanceSocket::closesAConnectionWithoutAMessageInTime()
 {
-    const InstanceSocket socket(m_path);
+    const InstanceSocket socket(m_path, impatient);
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
     Client silent(m_path);
     Client half(m_path);
     half.send("Corvane/1 op");
-    QTRY_COMPARE_WITH_TIMEOUT(silent.everything(), std::string(), 60'000);
-    QTRY_COMPARE_WITH_TIMEOUT(half.everything(), std::string(), 60'000);
+    QTRY_COMPARE_WITH_TIMEOUT(silent.received(), std::string(), 60'000);
+    QTRY_COMPARE_WITH_TIMEOUT(half.received(), std::string(), 60'000);
     QCOMPARE(requests.count(), 0);
 }
 
-void TestInstanceSocket::hangsUpOnWhoSaysAMessageForEver()
+void TestInstanceSocket::closesAConnectionThatSendsWithoutEnd()
 {
-    const InstanceSocket socket(m_path);
+    const InstanceSocket socket(m_path, impatient);
     Client client(m_path);
     QTRY_VERIFY_WITH_TIMEOUT(client.send("x") < 0 && errno == EPIPE, 60'000);
 }
 
-void TestInstanceSocket::answersBesideACrowdThatSaysNothing()
+void TestInstanceSocket::answersBesideManySilentConnections()
 {
     const InstanceSocket socket(m_path);
-    std::vector<std::unique_ptr<Client>> crowd;
-    for (qsizetype number = 0; number < InstanceSocket::mostGuests; ++number) {
-        crowd.push_back(std::make_unique<Client>(m_path));
-        QVERIFY(crowd.back()->isConnected);
+    std::vector<std::unique_ptr<Client>> silent;
+    for (qsizetype number = 0; number < InstanceSocket::mostConnections; ++number) {
+        silent.push_back(std::make_unique<Client>(m_path));
+        QVERIFY(silent.back()->isConnected);
         QCoreApplication::processEvents();
     }
     Client client(m_path);
     client.send(instanceMessageBytes({}));
-    QTRY_COMPARE(client.everything(), answer);
+    QTRY_COMPARE(client.received(), answer);
 }
 
 void TestInstanceSocket::survivesThousandsOfConnections()
@@ -225,10 +229,10 @@ void TestInstanceSocket::survivesThousandsOfConnections()
     QTRY_COMPARE(test::openDescriptors(), descriptors);
     Client client(m_path);
     client.send(instanceMessageBytes({}));
-    QTRY_COMPARE(client.everything(), answer);
+    QTRY_COMPARE(client.received(), answer);
 }
 
-void TestInstanceSocket::survivesOneWhoDoesNotWaitForTheAnswer()
+void TestInstanceSocket::survivesAClientThatDoesNotWaitForTheAnswer()
 {
     const InstanceSocket socket(m_path);
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
@@ -236,10 +240,10 @@ void TestInstanceSocket::survivesOneWhoDoesNotWaitForTheAnswer()
     QTRY_COMPARE(requests.count(), 1);
 }
 
-/// The connection stays in the queue meanwhile, and the loop must not spin over it.
-void TestInstanceSocket::waitsWhereNoDescriptorIsLeft()
+/// Meanwhile the connection stays queued, and the event loop must not spin over it.
+void TestInstanceSocket::triesAgainAfterNoDescriptorWasLeft()
 {
-    const InstanceSocket socket(m_path);
+    const InstanceSocket socket(m_path, soonRetrying);
     Client client(m_path);
     client.send(instanceMessageBytes({}));
     rlimit before = {};
@@ -250,10 +254,10 @@ void TestInstanceSocket::waitsWhereNoDescriptorIsLeft()
     while (all.empty() || all.back())
         all.emplace_back(dup(STDOUT_FILENO));
     QCoreApplication::processEvents();
-    QVERIFY(!client.everything());
+    QVERIFY(!client.received());
     all.clear();
     QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(client.everything(), answer, 60'000);
+    QTRY_COMPARE_WITH_TIMEOUT(client.received(), answer, 60'000);
 }
 
 QTEST_GUILESS_MAIN(TestInstanceSocket)

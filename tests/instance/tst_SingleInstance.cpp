@@ -25,17 +25,17 @@ class TestSingleInstance : public QObject {
 
 private slots:
     void initTestCase();
-    void isTheFirstWhereNoneRuns();
+    void isTheFirstIfNoneRuns();
     void isTheFirstWithoutAFolder();
-    void asksTheFirst();
+    void asksTheFirstToOpen();
     void waitsUntilTheFirstListens();
-    void takesOverFromOneThatEnds();
+    void succeedsOneThatEnds();
     void givesUpOnOneThatDoesNotListen();
     void givesUpOnOneThatDoesNotAnswer();
-    void givesUpOnOneThatHangsUp();
-    void isNotTakenInByAnotherAnswer();
-    void doesNotMeetOneOfAnotherFolder();
-    void takesTheTokenOfThisStart();
+    void givesUpOnOneThatClosesTheConnection();
+    void rejectsAnotherAnswer();
+    void ignoresOneOfAnotherFolder();
+    void passesTheTokenOfThisStartOn();
 };
 
 void TestSingleInstance::initTestCase()
@@ -43,7 +43,7 @@ void TestSingleInstance::initTestCase()
     std::signal(SIGPIPE, SIG_IGN); // As in the program.
 }
 
-void TestSingleInstance::isTheFirstWhereNoneRuns()
+void TestSingleInstance::isTheFirstIfNoneRuns()
 {
     const InstanceStarts starts;
     const SingleInstance first({}, 0ms, starts.path());
@@ -59,7 +59,7 @@ void TestSingleInstance::isTheFirstWithoutAFolder()
     QCOMPARE(second.socketPath(), std::string());
 }
 
-void TestSingleInstance::asksTheFirst()
+void TestSingleInstance::asksTheFirstToOpen()
 {
     const InstanceStarts starts;
     const SingleInstance first({}, 0ms, starts.path());
@@ -81,7 +81,7 @@ void TestSingleInstance::waitsUntilTheFirstListens()
     TRY_COMPARE_STANDING(second, Standing::second);
 }
 
-void TestSingleInstance::takesOverFromOneThatEnds()
+void TestSingleInstance::succeedsOneThatEnds()
 {
     const InstanceStarts starts;
     auto first = std::make_unique<SingleInstance>(InstanceMessage{}, 0ms, starts.path());
@@ -99,7 +99,7 @@ void TestSingleInstance::givesUpOnOneThatDoesNotListen()
     TRY_COMPARE_STANDING(second, Standing::unanswered);
 }
 
-/// As one does that was stopped: the system takes connections for it.
+/// Such as a stopped process, for which the system still accepts connections.
 void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
 {
     const InstanceStarts starts;
@@ -110,41 +110,41 @@ void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
     TRY_COMPARE_STANDING(second, Standing::unanswered);
 }
 
-void TestSingleInstance::givesUpOnOneThatHangsUp()
+void TestSingleInstance::givesUpOnOneThatClosesTheConnection()
 {
     const InstanceStarts starts;
     const SingleInstance first({}, 0ms, starts.path());
-    const FileDescriptor stranger = openUnixSocket();
-    QVERIFY(listenAt(stranger, first.socketPath()));
+    const FileDescriptor listener = openUnixSocket();
+    QVERIFY(listenAt(listener, first.socketPath()));
     auto second = starts.second(200ms);
-    int guests = 0;
+    int connections = 0;
     while (second.wait_for(1ms) != std::future_status::ready)
-        guests += FileDescriptor(accept(stranger.get(), nullptr, nullptr)) ? 1 : 0;
-    QVERIFY(guests > 0);
+        connections += FileDescriptor(accept(listener.get(), nullptr, nullptr)) ? 1 : 0;
+    QVERIFY(connections > 0);
     QCOMPARE(second.get(), Standing::unanswered);
 }
 
-void TestSingleInstance::isNotTakenInByAnotherAnswer()
+void TestSingleInstance::rejectsAnotherAnswer()
 {
     const InstanceStarts starts;
     const SingleInstance first({}, 0ms, starts.path());
-    const FileDescriptor stranger = openUnixSocket();
-    QVERIFY(listenAt(stranger, first.socketPath()));
+    const FileDescriptor listener = openUnixSocket();
+    QVERIFY(listenAt(listener, first.socketPath()));
     auto second = starts.second(200ms);
-    std::vector<FileDescriptor> guests;
+    std::vector<FileDescriptor> connections;
     while (second.wait_for(1ms) != std::future_status::ready) {
-        FileDescriptor guest(accept(stranger.get(), nullptr, nullptr));
-        if (guest) {
+        FileDescriptor connection(accept(listener.get(), nullptr, nullptr));
+        if (connection) {
             [[maybe_unused]] const ssize_t sent =
-                write(guest.get(), "Corvane/2 opened\n", instanceAnswer.size());
-            guests.push_back(std::move(guest));
+                write(connection.get(), "Corvane/2 opened\n", instanceAnswer.size());
+            connections.push_back(std::move(connection));
         }
     }
-    QVERIFY(!guests.empty());
+    QVERIFY(!connections.empty());
     QCOMPARE(second.get(), Standing::unanswered);
 }
 
-void TestSingleInstance::doesNotMeetOneOfAnotherFolder()
+void TestSingleInstance::ignoresOneOfAnotherFolder()
 {
     const InstanceStarts starts;
     const InstanceStarts others;
@@ -153,7 +153,7 @@ void TestSingleInstance::doesNotMeetOneOfAnotherFolder()
     QCOMPARE(second.standing(), Standing::first);
 }
 
-void TestSingleInstance::takesTheTokenOfThisStart()
+void TestSingleInstance::passesTheTokenOfThisStartOn()
 {
     qunsetenv("XDG_ACTIVATION_TOKEN");
     qunsetenv("DESKTOP_STARTUP_ID");

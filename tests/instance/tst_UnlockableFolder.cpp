@@ -15,8 +15,8 @@ using Standing = SingleInstance::Standing;
 
 namespace {
 
-/// Nobody waits that long for a lock that cannot be had; for an answer one may.
-constexpr auto patience = 10min;
+/// Longer than the test may run: neither test waits for it.
+constexpr auto timeout = 10min;
 
 } // namespace
 
@@ -26,9 +26,9 @@ class TestUnlockableFolder : public QObject {
 
 private slots:
     void cleanup();
-    void isTheFirstWhereNoneAnswers_data();
-    void isTheFirstWhereNoneAnswers();
-    void asksTheFirstAllTheSame();
+    void isTheFirstIfNoneAnswers_data();
+    void isTheFirstIfNoneAnswers();
+    void asksTheFirstNonetheless();
 };
 
 void TestUnlockableFolder::cleanup()
@@ -36,32 +36,32 @@ void TestUnlockableFolder::cleanup()
     FaultyCalls::clear();
 }
 
-void TestUnlockableFolder::isTheFirstWhereNoneAnswers_data()
+void TestUnlockableFolder::isTheFirstIfNoneAnswers_data()
 {
     QTest::addColumn<int>("error");
-    QTest::newRow("the server keeps no locks") << ENOLCK;
+    QTest::newRow("the server has no locks") << ENOLCK;
     QTest::newRow("the file system has none") << EOPNOTSUPP;
     QTest::newRow("the system has none") << ENOSYS;
 }
 
-void TestUnlockableFolder::isTheFirstWhereNoneAnswers()
+void TestUnlockableFolder::isTheFirstIfNoneAnswers()
 {
     QFETCH(const int, error);
     const InstanceStarts starts;
     FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), error);
-    const SingleInstance first({}, patience, starts.path());
+    const SingleInstance first({}, timeout, starts.path());
     QCOMPARE(first.standing(), Standing::first);
     QCOMPARE(first.socketPath(), starts.path() + "/socket");
 }
 
-void TestUnlockableFolder::asksTheFirstAllTheSame()
+void TestUnlockableFolder::asksTheFirstNonetheless()
 {
     const InstanceStarts starts;
     FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), ENOLCK);
-    const SingleInstance first({}, patience, starts.path());
+    const SingleInstance first({}, timeout, starts.path());
     const InstanceSocket socket(first.socketPath());
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
-    auto second = starts.second(patience);
+    auto second = starts.second(timeout);
     TRY_COMPARE_STANDING(second, Standing::second);
     QCOMPARE(requests.count(), 1);
 }

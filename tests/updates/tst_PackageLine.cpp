@@ -38,12 +38,12 @@ void TestPackageLine::readsIds_data()
         return std::optional(PackageLine{.info = available, .name = name, .version = version});
     };
     const std::optional<PackageLine> none;
-    QTest::newRow("of an archive")
+    QTest::newRow("an id of an archive")
         << u"corvane;0.2.0;amd64;probe-stable-"_s << is(u"corvane"_s, u"0.2.0"_s);
     QTest::newRow("epoch, revision and more")
         << u"corvane;1:0.2~rc1+b2-3^x;all;x"_s << is(u"corvane"_s, u"1:0.2~rc1+b2-3^x"_s);
     QTest::newRow("no architecture and no data") << u"corvane;1;;"_s << is(u"corvane"_s, u"1"_s);
-    QTest::newRow("nothing") << QString() << none;
+    QTest::newRow("empty") << QString() << none;
     QTest::newRow("too few parts") << u"corvane;1;all"_s << none;
     QTest::newRow("too many parts") << u"corvane;1;all;x;y"_s << none;
     QTest::newRow("no name") << u";1;all;x"_s << none;
@@ -80,18 +80,18 @@ void TestPackageLine::findsTheUpdate_data()
                                   << std::optional(u"1.1"_s);
     QTest::newRow("in another order")
         << QList{newer, old} << QList{line(normal, u"1.1"_s)} << std::optional(u"1.1"_s);
-    QTest::newRow("an older version can be had")
+    QTest::newRow("an older version is available")
         << QList{old, line(available, u"0.9"_s)} << QList<PackageLine>() << none;
-    QTest::newRow("the installed version can be had")
+    QTest::newRow("the installed version is available")
         << QList{old, line(available, u"1.0"_s)} << QList{line(normal, u"1.0"_s)} << none;
     QTest::newRow("held back") << QList{old, newer} << QList{line(PackageInfo::blocked, u"1.1"_s)}
                                << none;
-    QTest::newRow("an update that nobody resolved")
+    QTest::newRow("an update that was not resolved")
         << QList{old, newer} << QList{line(normal, u"1.2"_s)} << none;
     QTest::newRow("two newer versions") << QList{old, newer, line(available, u"1.2"_s)}
                                         << QList{line(normal, u"1.2"_s)} << std::optional(u"1.2"_s);
     QTest::newRow("not installed") << QList{newer} << QList{line(normal, u"1.1"_s)} << none;
-    QTest::newRow("nothing") << QList<PackageLine>() << QList<PackageLine>() << none;
+    QTest::newRow("empty") << QList<PackageLine>() << QList<PackageLine>() << none;
 }
 
 void TestPackageLine::findsTheUpdate()

@@ -10,11 +10,11 @@ class TestUpdateReport : public QObject {
     Q_OBJECT
 
 private slots:
-    void saysWhatWasFound_data();
-    void saysWhatWasFound();
+    void describesTheOutcome_data();
+    void describesTheOutcome();
 };
 
-void TestUpdateReport::saysWhatWasFound_data()
+void TestUpdateReport::describesTheOutcome_data()
 {
     QTest::addColumn<UpdateReport>("report");
     QTest::addColumn<QString>("text");
@@ -30,17 +30,17 @@ void TestUpdateReport::saysWhatWasFound_data()
     const auto aged = [](std::optional<unsigned int> age) {
         return UpdateReport{.outcome = upToDate, .listAge = age};
     };
-    const auto says = [](const QString &age) {
+    const auto withAge = [](const QString &age) {
         return u"Corvane is up to date according to package lists "_s + age + u'.';
     };
-    QTest::newRow("age unknown") << aged({}) << says(u"of unknown age"_s);
-    QTest::newRow("age of seconds") << aged(59) << says(u"less than a minute old"_s);
-    QTest::newRow("age of a minute") << aged(60) << says(u"1 minute old"_s);
-    QTest::newRow("age of minutes") << aged(3599) << says(u"59 minutes old"_s);
-    QTest::newRow("age of an hour") << aged(3600) << says(u"1 hour old"_s);
-    QTest::newRow("age of a day") << aged(86'400) << says(u"24 hours old"_s);
-    QTest::newRow("age of two days") << aged(172'800) << says(u"2 days old"_s);
-    QTest::newRow("the longest age") << aged(4'294'967'294U) << says(u"49710 days old"_s);
+    QTest::newRow("age unknown") << aged({}) << withAge(u"of unknown age"_s);
+    QTest::newRow("age of seconds") << aged(59) << withAge(u"less than a minute old"_s);
+    QTest::newRow("age of a minute") << aged(60) << withAge(u"1 minute old"_s);
+    QTest::newRow("age of minutes") << aged(3599) << withAge(u"59 minutes old"_s);
+    QTest::newRow("age of an hour") << aged(3600) << withAge(u"1 hour old"_s);
+    QTest::newRow("age of a day") << aged(86'400) << withAge(u"24 hours old"_s);
+    QTest::newRow("age of two days") << aged(172'800) << withAge(u"2 days old"_s);
+    QTest::newRow("the longest age") << aged(4'294'967'294U) << withAge(u"49710 days old"_s);
     QTest::newRow("no service") << UpdateReport{
         .outcome =
             noService} << u"This system has no PackageKit service, which could tell of updates."_s;
@@ -55,7 +55,7 @@ void TestUpdateReport::saysWhatWasFound_data()
         << u"The signature of the package lists is wrong, so no update is offered."_s;
 }
 
-void TestUpdateReport::saysWhatWasFound()
+void TestUpdateReport::describesTheOutcome()
 {
     QFETCH(const UpdateReport, report);
     QTEST(updateFinding(report), "text");

@@ -29,7 +29,7 @@ void TestUpdateSchedule::waitsForTheRestOfTheDay_data()
     QTest::newRow("in the future") << now << std::optional(now + 1) << 0.0;
     QTest::newRow("not a number") << now << std::optional(std::numeric_limits<double>::quiet_NaN())
                                   << 0.0;
-    QTest::newRow("the clock tells nothing")
+    QTest::newRow("the clock is not a number")
         << std::numeric_limits<double>::quiet_NaN() << std::optional(now) << 0.0;
     QTest::newRow("before 2001") << -5.0 << std::optional(-10.0) << day - 5;
 }

@@ -25,11 +25,11 @@ private slots:
     void namesTheVersion();
     void namesThisVersion();
     void startsWithTheStateOfTheUpdater();
-    void tellsObserversBeforeTheUpdater();
+    void emitsTheChangeBeforeTheUpdaterHasIt();
     void cannotCheckWhileACheckRuns();
     void passesTheFindingOn();
-    void tellsOfANewerVersion();
-    void looksAnewWhenAsked();
+    void reportsEachNewerVersionOnce();
+    void passesARefreshOn();
 };
 
 void TestUpdaterManager::namesTheVersion_data()
@@ -70,7 +70,7 @@ void TestUpdaterManager::startsWithTheStateOfTheUpdater()
     QVERIFY(!scripted.manager.availableVersion());
 }
 
-void TestUpdaterManager::tellsObserversBeforeTheUpdater()
+void TestUpdaterManager::emitsTheChangeBeforeTheUpdaterHasIt()
 {
     Scripted scripted;
     int announcements = 0;
@@ -106,21 +106,21 @@ void TestUpdaterManager::passesTheFindingOn()
     QCOMPARE(changes.count(), 1);
 }
 
-void TestUpdaterManager::tellsOfANewerVersion()
+void TestUpdaterManager::reportsEachNewerVersionOnce()
 {
     Scripted scripted;
-    QList<QString> told;
+    QList<QString> reported;
     connect(&scripted.manager, &UpdaterManager::availableVersionChanged, this,
-            [&] { told.append(scripted.manager.availableVersion().value_or(u"none"_s)); });
+            [&] { reported.append(scripted.manager.availableVersion().value_or(u"none"_s)); });
     scripted.updater->find(u"Corvane is up to date."_s);
     scripted.updater->find(u"Corvane 0.2.0 is available."_s, u"0.2.0"_s);
     scripted.updater->find(u"The check failed."_s, u"0.2.0"_s);
     scripted.updater->find(u"Corvane 0.3.0 is available."_s, u"0.3.0"_s);
     scripted.updater->find(u"Corvane is up to date."_s);
-    QCOMPARE(told, (QList<QString>{u"0.2.0"_s, u"0.3.0"_s, u"none"_s}));
+    QCOMPARE(reported, (QList<QString>{u"0.2.0"_s, u"0.3.0"_s, u"none"_s}));
 }
 
-void TestUpdaterManager::looksAnewWhenAsked()
+void TestUpdaterManager::passesARefreshOn()
 {
     Scripted scripted;
     scripted.manager.refresh();

@@ -25,8 +25,8 @@ void print(const char *step, const UpdaterManager &updates)
 
 } // namespace
 
-/// Opens the settings, so to say, and presses "Check Now" if it can be pressed. Prints what stands
-/// there after each.
+/// Does what opening the settings does, then what "Check Now" does if it is enabled. Prints the
+/// finding after each.
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);

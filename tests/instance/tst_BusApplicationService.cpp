@@ -1,4 +1,4 @@
-#include "instance/ApplicationService.h"
+#include "instance/BusApplicationService_linux.h"
 
 #include "support/PrivateBus.h"
 
@@ -16,6 +16,7 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -25,7 +26,7 @@ const QString interface = u"org.freedesktop.Application"_s;
 
 } // namespace
 
-/// Another Corvane that has the name.
+/// Another Corvane that owns the name.
 class OtherCorvane : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -44,21 +45,21 @@ public slots:
     }
 };
 
-/// The program's object on a bus of the test's own, and a desktop that calls it.
-class TestApplicationService : public QObject {
+/// The service on a private bus, and a desktop that calls it.
+class TestBusApplicationService : public QObject {
     Q_OBJECT
 
 private slots:
     void init();
     void cleanup();
-    void opensWithTheTokenOfTheDesktop_data();
-    void opensWithTheTokenOfTheDesktop();
-    void opensForFilesToo();
-    void actsOnItsActions();
+    void opensWithTheDesktopsToken_data();
+    void opensWithTheDesktopsToken();
+    void opensTheDashboardForFiles();
+    void carriesOutItsActions();
     void refusesOtherCalls();
-    void comesWithTheBusAndAgain();
-    void asksAnotherThatHasTheName_data();
-    void asksAnotherThatHasTheName();
+    void ownsItsNameAgainAfterTheBusEnded();
+    void asksTheOwnerOfTheName_data();
+    void asksTheOwnerOfTheName();
 
 private:
     QDBusConnection desktop() const
@@ -71,26 +72,26 @@ private:
     std::unique_ptr<PrivateBus> m_bus;
 };
 
-void TestApplicationService::init()
+void TestBusApplicationService::init()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
 }
 
-void TestApplicationService::cleanup()
+void TestBusApplicationService::cleanup()
 {
     QDBusConnection::disconnectFromBus(u"desktop"_s);
     m_bus.reset();
 }
 
-bool TestApplicationService::isOwned() const
+bool TestBusApplicationService::isOwned() const
 {
     return desktop().interface() && desktop().interface()->isServiceRegistered(name).value();
 }
 
-/// The reply, waited for while the event loop runs, since the callee is in this process.
-QDBusMessage TestApplicationService::call(const QString &method,
-                                          const QVariantList &arguments) const
+/// Waits for the reply in the event loop, since the callee is in this process.
+QDBusMessage TestBusApplicationService::call(const QString &method,
+                                             const QVariantList &arguments) const
 {
     QDBusMessage message = QDBusMessage::createMethodCall(name, path, interface, method);
     message.setArguments(arguments);
@@ -100,28 +101,27 @@ QDBusMessage TestApplicationService::call(const QString &method,
     return answer.reply();
 }
 
-void TestApplicationService::opensWithTheTokenOfTheDesktop_data()
+void TestBusApplicationService::opensWithTheDesktopsToken_data()
 {
     QTest::addColumn<QVariantMap>("platformData");
     QTest::addColumn<QByteArray>("token");
     QTest::newRow("no token") << QVariantMap() << QByteArray();
-    QTest::newRow("of Wayland") << QVariantMap{{u"activation-token"_s, u"uuid"_s}}
-                                << QByteArray("uuid");
-    QTest::newRow("of X11") << QVariantMap{{u"desktop-startup-id"_s, u"panel_TIME1"_s}}
-                            << QByteArray("panel_TIME1");
-    QTest::newRow("of no text") << QVariantMap{{u"activation-token"_s, QVariantList{1, 2}}}
+    QTest::newRow("a token of Wayland")
+        << QVariantMap{{u"activation-token"_s, u"uuid"_s}} << QByteArray("uuid");
+    QTest::newRow("a token of X11")
+        << QVariantMap{{u"desktop-startup-id"_s, u"panel_TIME1"_s}} << QByteArray("panel_TIME1");
+    QTest::newRow("not a text") << QVariantMap{{u"activation-token"_s, QVariantList{1, 2}}}
                                 << QByteArray();
-    QTest::newRow("of two lines") << QVariantMap{{u"activation-token"_s, u"a\nb"_s}}
-                                  << QByteArray();
+    QTest::newRow("two lines") << QVariantMap{{u"activation-token"_s, u"a\nb"_s}} << QByteArray();
     QTest::newRow("too long") << QVariantMap{{u"activation-token"_s, QString(10'000, u'x')}}
                               << QByteArray();
 }
 
-void TestApplicationService::opensWithTheTokenOfTheDesktop()
+void TestBusApplicationService::opensWithTheDesktopsToken()
 {
     QFETCH(const QVariantMap, platformData);
     QFETCH(const QByteArray, token);
-    const ApplicationService service("");
+    const BusApplicationService service("");
     QSignalSpy requests(&service, &ApplicationService::openRequested);
     QTRY_VERIFY(isOwned());
     QCOMPARE(call(u"Activate"_s, {platformData}).type(), QDBusMessage::ReplyMessage);
@@ -129,9 +129,9 @@ void TestApplicationService::opensWithTheTokenOfTheDesktop()
     QCOMPARE(requests.first().first().toByteArray(), token);
 }
 
-void TestApplicationService::opensForFilesToo()
+void TestBusApplicationService::opensTheDashboardForFiles()
 {
-    const ApplicationService service("");
+    const BusApplicationService service("");
     const QSignalSpy requests(&service, &ApplicationService::openRequested);
     QTRY_VERIFY(isOwned());
     const QStringList files{u"file:///etc/passwd"_s};
@@ -139,9 +139,9 @@ void TestApplicationService::opensForFilesToo()
     QCOMPARE(requests.count(), 1);
 }
 
-void TestApplicationService::actsOnItsActions()
+void TestBusApplicationService::carriesOutItsActions()
 {
-    const ApplicationService service("");
+    const BusApplicationService service("");
     const QSignalSpy opens(&service, &ApplicationService::openRequested);
     const QSignalSpy quits(&service, &ApplicationService::quitRequested);
     QTRY_VERIFY(isOwned());
@@ -156,9 +156,9 @@ void TestApplicationService::actsOnItsActions()
     QCOMPARE(quits.count(), 1);
 }
 
-void TestApplicationService::refusesOtherCalls()
+void TestBusApplicationService::refusesOtherCalls()
 {
-    const ApplicationService service("");
+    const BusApplicationService service("");
     const QSignalSpy requests(&service, &ApplicationService::openRequested);
     QTRY_VERIFY(isOwned());
     QCOMPARE(call(u"Activate"_s, {42}).type(), QDBusMessage::ErrorMessage);
@@ -167,10 +167,10 @@ void TestApplicationService::refusesOtherCalls()
     QCOMPARE(requests.count(), 0);
 }
 
-void TestApplicationService::comesWithTheBusAndAgain()
+void TestBusApplicationService::ownsItsNameAgainAfterTheBusEnded()
 {
     m_bus->kill();
-    const ApplicationService service("");
+    const BusApplicationService service("", 20ms);
     QTest::qWait(0);
     for (int round = 0; round < 2; ++round) {
         QDBusConnection::disconnectFromBus(u"desktop"_s);
@@ -180,21 +180,21 @@ void TestApplicationService::comesWithTheBusAndAgain()
     }
 }
 
-void TestApplicationService::asksAnotherThatHasTheName_data()
+void TestBusApplicationService::asksTheOwnerOfTheName_data()
 {
     QTest::addColumn<bool>("hangs");
-    QTest::newRow("it opens its dashboard") << false;
-    QTest::newRow("it does not answer") << true;
+    QTest::newRow("the owner opens its dashboard") << false;
+    QTest::newRow("the owner does not answer") << true;
 }
 
-void TestApplicationService::asksAnotherThatHasTheName()
+void TestBusApplicationService::asksTheOwnerOfTheName()
 {
     QFETCH(const bool, hangs);
     OtherCorvane other;
     other.hangs = hangs;
     desktop().registerObject(path, &other, QDBusConnection::ExportScriptableSlots);
     QVERIFY(desktop().registerService(name));
-    const ApplicationService service("token");
+    const BusApplicationService service("token");
     const QSignalSpy answers(&service, &ApplicationService::anotherAnswered);
     QTRY_VERIFY(other.wasAsked);
     QCOMPARE(other.platformData.value(u"activation-token"_s).toString(), u"token"_s);
@@ -203,5 +203,5 @@ void TestApplicationService::asksAnotherThatHasTheName()
     QCOMPARE(answers.count(), hangs ? 0 : 1);
 }
 
-QTEST_GUILESS_MAIN(TestApplicationService)
-#include "tst_ApplicationService.moc"
+QTEST_GUILESS_MAIN(TestBusApplicationService)
+#include "tst_BusApplicationService.moc"

@@ -1,6 +1,7 @@
-#include "updates/PackageTransaction.h"
+#include "updates/PackageTransaction_linux.h"
 
 #include "bus/BusCall.h"
+#include "platform/MainThread.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
@@ -19,7 +20,7 @@ constexpr auto transactionInterface = "org.freedesktop.PackageKit.Transaction"_L
 
 constexpr unsigned int exitSuccess = 1;
 
-/// Nothing may be asked of the user, and lists of today are good enough.
+/// No dialogs for the user, and lists up to a day old.
 QStringList hints()
 {
     return {u"locale=%1.UTF-8"_s.arg(QLocale::system().name()), u"background=true"_s,
@@ -35,20 +36,21 @@ QDBusMessage PackageTransaction::serviceCall(const QString &method)
 
 PackageTransaction::PackageTransaction(const QDBusConnection &bus, const QString &action,
                                        const QVariantList &arguments, const QString &package,
-                                       std::chrono::milliseconds patience)
+                                       std::chrono::milliseconds timeout)
     : m_bus(bus),
       m_action(action),
       m_arguments(arguments),
       m_package(package)
 {
-    m_silence.setSingleShot(true);
-    m_silence.setInterval(patience);
-    connect(&m_silence, &QTimer::timeout, this, &PackageTransaction::finish);
-    m_silence.start();
+    assertMainThread();
+    m_timeout.setSingleShot(true);
+    m_timeout.setInterval(timeout);
+    connect(&m_timeout, &QTimer::timeout, this, &PackageTransaction::finish);
+    m_timeout.start();
 
-    BusCall::ask(
+    BusCall::send(
         m_bus, serviceCall(u"CreateTransaction"_s), this,
-        [this](const QDBusMessage &created) { begin(created); }, patience);
+        [this](const QDBusMessage &created) { begin(created); }, timeout);
 }
 
 PackageTransaction::~PackageTransaction()
@@ -58,7 +60,7 @@ PackageTransaction::~PackageTransaction()
 
 void PackageTransaction::begin(const QDBusMessage &created)
 {
-    if (m_isOver)
+    if (m_isFinished)
         return;
     m_path = created.arguments().value(0).value<QDBusObjectPath>().path();
     m_service = created.service();
@@ -66,23 +68,23 @@ void PackageTransaction::begin(const QDBusMessage &created)
         finish();
         return;
     }
-    // By path and before the action, so that not even the first signal is missed.
+    // By path and before the action, so that no signal is missed.
     for (const QString &interface :
          {QString(transactionInterface), u"org.freedesktop.DBus.Properties"_s})
-        m_bus.connect(QString(), m_path, interface, QString(), this, SLOT(take(QDBusMessage)));
+        m_bus.connect(QString(), m_path, interface, QString(), this, SLOT(receive(QDBusMessage)));
     m_serviceWatcher = std::make_unique<QDBusServiceWatcher>(
         m_service, m_bus, QDBusServiceWatcher::WatchForUnregistration);
     connect(m_serviceWatcher.get(), &QDBusServiceWatcher::serviceUnregistered, this,
             &PackageTransaction::finish);
-    m_silence.start();
+    m_timeout.start();
     m_bus.send(transactionCall(u"SetHints"_s, {hints()}));
-    BusCall::ask(
+    BusCall::send(
         m_bus, transactionCall(m_action, m_arguments), this,
         [this](const QDBusMessage &started) {
             if (!BusCall::isReply(started))
                 finish();
         },
-        m_silence.intervalAsDuration());
+        m_timeout.intervalAsDuration());
 }
 
 QDBusMessage PackageTransaction::transactionCall(const QString &method,
@@ -101,38 +103,38 @@ void PackageTransaction::cancel()
     m_path.clear();
 }
 
-void PackageTransaction::take(const QDBusMessage &message)
+void PackageTransaction::receive(const QDBusMessage &message)
 {
-    // Anybody on the bus may send a signal; only the maker of the transaction knows its state.
-    if (m_isOver || message.service() != m_service)
+    // Any client of the bus may send signals; only the service's own count.
+    if (m_isFinished || message.service() != m_service)
         return;
-    m_silence.start();
+    m_timeout.start();
     const QString member =
         message.interface() == transactionInterface ? message.member() : QString();
     const QString signature = message.signature();
     const QVariantList arguments = message.arguments();
     if (member == "Package"_L1 && signature == "uss"_L1) {
-        takePackage(arguments[0].toUInt(), arguments[1].toString());
+        addPackage(arguments[0].toUInt(), arguments[1].toString());
     } else if (member == "Packages"_L1 && signature == "a(uss)"_L1) {
-        takePackages(message);
+        addPackages(message);
     } else if (member == "ErrorCode"_L1 && signature == "us"_L1) {
         m_answer.error = arguments[0].toUInt();
     } else if (member == "Finished"_L1 && signature == "uu"_L1) {
         m_answer.isFinished = arguments[0].toUInt() == exitSuccess && !m_answer.error;
-        m_path.clear(); // Nothing is left to be cancelled.
+        m_path.clear(); // It cannot be cancelled any more.
         finish();
     }
 }
 
-void PackageTransaction::takePackage(unsigned int info, const QString &id)
+void PackageTransaction::addPackage(unsigned int info, const QString &id)
 {
     const auto line = packageLine(info, id);
-    // Versions are often listed twice.
+    // PackageKit often lists a version twice.
     if (line && line->name == m_package && !m_answer.lines.contains(*line))
         m_answer.lines += *line;
 }
 
-void PackageTransaction::takePackages(const QDBusMessage &message)
+void PackageTransaction::addPackages(const QDBusMessage &message)
 {
     const auto list = message.arguments().constFirst().value<QDBusArgument>();
     list.beginArray();
@@ -143,18 +145,18 @@ void PackageTransaction::takePackages(const QDBusMessage &message)
         list.beginStructure();
         list >> info >> id >> summary;
         list.endStructure();
-        takePackage(info, id);
+        addPackage(info, id);
     }
     list.endArray();
 }
 
 void PackageTransaction::finish()
 {
-    if (m_isOver)
+    if (m_isFinished)
         return;
     cancel();
-    m_isOver = true;
-    m_silence.stop();
+    m_isFinished = true;
+    m_timeout.stop();
     emit finished(m_answer);
 }
 

@@ -1,5 +1,6 @@
-#include "updates/PackageUpdater.h"
+#include "updates/PackageUpdater_linux.h"
 
+#include "platform/MainThread.h"
 #include "updates/UpdateSchedule.h"
 
 #include <utility>
@@ -14,8 +15,8 @@ using namespace std::chrono_literals;
 constexpr auto automaticKey = "automaticallyChecksForUpdates"_L1;
 constexpr auto lastCheckKey = "lastUpdateCheck"_L1;
 
-/// The first look comes soon after the start, though not amid a login; the others find the day over
-/// early enough.
+/// The first tick is soon after the start, but not during a login. The interval bounds how late a
+/// daily check can be.
 constexpr auto firstTick = 2min;
 constexpr auto tickInterval = 30min;
 
@@ -38,8 +39,9 @@ PackageUpdater::PackageUpdater(PackageUpdaterSources sources)
       m_isInPackageFolder(isInPackageFolder(m_sources.program)),
       m_isPossible(m_isInPackageFolder)
 {
+    assertMainThread();
     m_store.setFallbacksEnabled(false);
-    // Compared as text, since anything at all would count as true.
+    // Compared as text: toBool() is true for nearly any text.
     m_automaticallyChecks =
         m_isInPackageFolder && m_store.value(automaticKey).toString() == "true"_L1;
     m_timer.setTimerType(Qt::VeryCoarseTimer);
@@ -93,9 +95,9 @@ void PackageUpdater::check()
 void PackageUpdater::refresh()
 {
     if (!m_isInPackageFolder)
-        take({.outcome = UpdateReport::Outcome::notAPackage});
+        receive({.outcome = UpdateReport::Outcome::notAPackage});
     else if (!m_check)
-        start(PackageCheck::Lists::asTheyAre);
+        start(PackageCheck::Lists::cached);
 }
 
 std::optional<QString> PackageUpdater::finding() const
@@ -103,36 +105,36 @@ std::optional<QString> PackageUpdater::finding() const
     return m_report ? std::optional(updateFinding(*m_report)) : std::nullopt;
 }
 
-/// A look that finds no update tells nothing new, but may tell that an older finding no longer
-/// holds: the update is installed by now, or what was in the way is gone.
-void PackageUpdater::takeLook(const UpdateReport &look)
+/// A cached check without an update only withdraws a finding that no longer holds: the update is
+/// installed by now, or the obstacle is gone.
+void PackageUpdater::receiveCached(const UpdateReport &report)
 {
     using enum UpdateReport::Outcome;
-    if (look.outcome != upToDate)
-        m_report = look;
+    if (report.outcome != upToDate)
+        m_report = report;
     else if (m_report && m_report->outcome != failed && m_report->outcome != unverified
              && m_report->outcome != upToDate)
         m_report.reset();
 }
 
-/// A look that runs gives way to a check.
+/// Replaces a cached check that still runs.
 void PackageUpdater::start(PackageCheck::Lists lists)
 {
-    m_check = std::make_unique<PackageCheck>(lists, m_sources.patience);
-    connect(m_check.get(), &PackageCheck::finished, this, &PackageUpdater::take);
-    if (lists == PackageCheck::Lists::asTheyAre)
+    m_check = std::make_unique<PackageCheck>(lists, m_sources.timeout);
+    connect(m_check.get(), &PackageCheck::finished, this, &PackageUpdater::receive);
+    if (lists == PackageCheck::Lists::cached)
         return;
-    // The date is that of the attempt: one that fails is not repeated all day.
+    // The date of the attempt: a failed check is not repeated until the next day.
     m_store.setValue(lastCheckKey, m_sources.now());
     m_nextCheck = m_sources.sinceBoot() + updateCheckInterval;
     emit canCheckChanged();
 }
 
-void PackageUpdater::take(const UpdateReport &report)
+void PackageUpdater::receive(const UpdateReport &report)
 {
-    const bool wasLook = !isChecking();
+    const bool wasCached = !isChecking();
     if (m_check)
-        m_check.release()->deleteLater(); // It is the one that tells.
+        m_check.release()->deleteLater(); // It emitted the signal.
 
     using enum UpdateReport::Outcome;
     if (report.outcome != failed) {
@@ -140,10 +142,10 @@ void PackageUpdater::take(const UpdateReport &report)
         m_availableVersion =
             report.outcome == available ? std::optional(report.version) : std::nullopt;
     }
-    if (!wasLook)
+    if (!wasCached)
         m_report = report;
     else if (report.outcome != failed)
-        takeLook(report);
+        receiveCached(report);
     emit canCheckChanged();
     emit findingChanged();
 }

@@ -1,6 +1,6 @@
-#include "instance/ApplicationService.h"
+#include "instance/ApplicationAdaptor_linux.h"
 
-#include "instance/InstanceMessage.h"
+#include "instance/ApplicationService.h"
 #include "platform/ActivationToken.h"
 
 namespace corvane {
@@ -9,7 +9,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The newer name first; only one of them is usual.
+/// Desktops send one of the two; the newer name comes first.
 QByteArray activationToken(const QVariantMap &platformData)
 {
     for (const auto key : {"activation-token"_L1, "desktop-startup-id"_L1}) {
@@ -22,24 +22,30 @@ QByteArray activationToken(const QVariantMap &platformData)
 
 } // namespace
 
-void ApplicationService::Activate(const QVariantMap &platformData)
+ApplicationAdaptor::ApplicationAdaptor(ApplicationService &service)
+    : QDBusAbstractAdaptor(&service),
+      m_service(service)
 {
-    emit openRequested(activationToken(platformData));
 }
 
-/// There is nothing to open but the dashboard.
-void ApplicationService::Open(const QStringList &, const QVariantMap &platformData)
+void ApplicationAdaptor::Activate(const QVariantMap &platformData)
+{
+    emit m_service.openRequested(activationToken(platformData));
+}
+
+/// Corvane opens no files: this opens the dashboard.
+void ApplicationAdaptor::Open(const QStringList &, const QVariantMap &platformData)
 {
     Activate(platformData);
 }
 
-void ApplicationService::ActivateAction(const QString &action, const QVariantList &,
+void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList &,
                                         const QVariantMap &platformData)
 {
     if (action == "open-window"_L1)
         Activate(platformData);
     else if (action == "quit"_L1)
-        emit quitRequested();
+        emit m_service.quitRequested();
 }
 
 } // namespace corvane

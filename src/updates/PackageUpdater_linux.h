@@ -2,7 +2,7 @@
 
 #include "platform/BootClock.h"
 #include "records/ReferenceDate.h"
-#include "updates/PackageCheck.h"
+#include "updates/PackageCheck_linux.h"
 #include "updates/SystemUpdater.h"
 
 #include <QSettings>
@@ -15,20 +15,19 @@
 
 namespace corvane {
 
-/// What stands around the updater; a test brings its own.
+/// The updater's environment; a test passes its own.
 struct PackageUpdaterSources {
     QString program; ///< This program's file.
     std::function<double()> now = secondsSince2001;
     std::function<double()> sinceBoot = secondsSinceBoot;
-    std::chrono::milliseconds patience =
-        std::chrono::minutes(1); ///< With a service that is silent.
+    std::chrono::milliseconds timeout = std::chrono::minutes(1); ///< For a service that is silent.
 };
 
-/// Updates through the packages of the system: looks for them when told and, if the user wants it,
-/// once a day. Main thread. It has no timer and no connection unless automatic checks are on or a
-/// check runs. A program outside the folders of packages (one that was built by hand, say, even
-/// beside an installed package) never asks: an update of the package would not be one of it. What
-/// the user chose for the package it leaves alone.
+/// Updates through the system's packages: checks for them on request and, if the user wants it,
+/// once a day. Main thread. It has a timer only while automatic checks are on, and a connection
+/// only while a check runs. A program outside the folders of packages (built by hand, for example,
+/// even beside an installed package) never checks, because an update of the package would not
+/// update it; it leaves the stored choice of the packaged program alone.
 class PackageUpdater : public SystemUpdater {
     Q_OBJECT
 
@@ -41,31 +40,31 @@ public:
     bool canCheck() const override { return m_isPossible && !isChecking(); }
     void check() override;
 
-    /// Asks the service by what it knows, without bringing the lists up to date.
+    /// Checks with the package lists that the service has, without refreshing them.
     void refresh() override;
 
     std::optional<QString> finding() const override;
     std::optional<QString> availableVersion() const override { return m_availableVersion; }
 
-    /// Starts the daily check if its time has come; called now and then by a timer.
+    /// Starts the daily check if it is due; called by a timer.
     void tick();
 
 private:
     bool isChecking() const;
     void planNextCheck();
     void start(PackageCheck::Lists lists);
-    void take(const UpdateReport &report);
-    void takeLook(const UpdateReport &look);
+    void receive(const UpdateReport &report);
+    void receiveCached(const UpdateReport &report);
 
     const PackageUpdaterSources m_sources;
     const bool m_isInPackageFolder;
     QSettings m_store;
     bool m_automaticallyChecks;
-    bool m_isPossible; ///< As far as is known; the first look tells.
+    bool m_isPossible; ///< Whether updates can come; assumed until the first report.
     QTimer m_timer;
-    double m_nextCheck = 0; ///< In seconds since boot, so that no jump of the clock matters.
-    std::unique_ptr<PackageCheck> m_check; ///< The one that runs.
-    std::optional<UpdateReport> m_report;  ///< Of the last one that is worth telling.
+    double m_nextCheck = 0; ///< Seconds since boot, which no jump of the clock changes.
+    std::unique_ptr<PackageCheck> m_check; ///< The running one; null if none runs.
+    std::optional<UpdateReport> m_report;  ///< The one to show; absent if there is none.
     std::optional<QString> m_availableVersion;
 };
 

@@ -1,4 +1,4 @@
-#include "bus/SystemBusLink.h"
+#include "bus/SystemBusConnection.h"
 
 #include <atomic>
 
@@ -16,19 +16,19 @@ QString nextName()
 
 } // namespace
 
-SystemBusLink::SystemBusLink()
+SystemBusConnection::SystemBusConnection()
     : m_name(nextName()),
       m_bus(QDBusConnection::connectToBus(QDBusConnection::SystemBus, m_name))
 {
 }
 
-QString SystemBusLink::address()
+QString SystemBusConnection::address()
 {
     const QString given = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
     return given.isEmpty() ? u"unix:path=/var/run/dbus/system_bus_socket"_s : given;
 }
 
-SystemBusLink::~SystemBusLink()
+SystemBusConnection::~SystemBusConnection()
 {
     QDBusConnection::disconnectFromBus(m_name);
 }

@@ -1,0 +1,20 @@
+#include "app/DesktopSession.h"
+
+#include "bus/SessionBus.h"
+
+namespace corvane {
+
+namespace {
+
+/// For the session bus to answer; a healthy one takes a fraction of a millisecond.
+constexpr auto busTimeout = std::chrono::seconds(3);
+
+} // namespace
+
+void prepareDesktopSession()
+{
+    preventBusStart();
+    disableHangingBus(busTimeout);
+}
+
+} // namespace corvane

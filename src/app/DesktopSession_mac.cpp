@@ -1,0 +1,7 @@
+#include "app/DesktopSession.h"
+
+namespace corvane {
+
+void prepareDesktopSession() { }
+
+} // namespace corvane

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "bus/BusCall.h"
+#include "bus/BusProbe.h"
+#include "updates/PackageTransaction_linux.h"
+#include "updates/UpdateReport.h"
+
+#include <QObject>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace corvane {
+
+class SystemBusConnection;
+
+/// One check for updates of this program's package: queries PackageKit over the system bus and
+/// installs nothing. One object for each check; main thread, which it never blocks. It has its own
+/// connection, so that none remains between two checks. Emits `finished` once.
+class PackageCheck : public QObject {
+    Q_OBJECT
+
+public:
+    /// Whether the service first refreshes the package lists, or uses those that it has.
+    enum class Lists { refreshed, cached };
+
+    /// The time-out holds for each silence of the service.
+    PackageCheck(Lists lists, std::chrono::milliseconds timeout);
+    ~PackageCheck() override;
+
+    Lists lists() const { return m_lists; }
+
+signals:
+    void finished(const corvane::UpdateReport &report);
+
+private:
+    using AnswerHandler = std::function<void(const PackageAnswer &)>;
+
+    void openConnection();
+    void findService();
+    void refreshLists();
+    void readListAge();
+    void resolve();
+    void listUpdates(const QList<PackageLine> &resolved);
+    void finish(UpdateReport::Outcome outcome);
+
+    void call(const QDBusMessage &message, const BusCall::ReplyHandler &onReply);
+    void transact(const QString &action, const QVariantList &arguments,
+                  const AnswerHandler &onAnswer);
+
+    const Lists m_lists;
+    const std::chrono::milliseconds m_timeout;
+    const BusProbe m_probe;
+    std::shared_ptr<SystemBusConnection> m_connection; ///< Null until it is open.
+    std::unique_ptr<PackageTransaction> m_transaction;
+    UpdateReport m_report;
+    bool m_isFinished = false;
+};
+
+} // namespace corvane
