@@ -7,15 +7,15 @@
 
 namespace corvane {
 
-/// What the about panel says.
+/// Texts of the about panel.
 struct AboutTexts {
     QString name = {};
     QString version = {};   ///< "0.1.0".
     QString build = {};     ///< "1".
-    QString credits = {};   ///< Lines, as they are true on the system.
+    QString credits = {};   ///< Several lines, in the wording for the system.
     QString copyright = {}; ///< One line.
 
-    /// A bundle without versions is 0.1.0, build 1.
+    /// A missing version is 0.1.0, a missing build 1.
     static AboutTexts current(const BundleVersion &bundle = bundleVersion(),
                               HostSystem system = hostSystem());
 };

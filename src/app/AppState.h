@@ -7,11 +7,11 @@
 
 namespace corvane {
 
-/// What lives as long as the program, in the order in which it is made. Made once by the
+/// The state that lives as long as the program, in the order of construction. Created once by the
 /// application before anything is shown; main thread.
 struct AppState {
     AppSettings settings;            ///< From the stored preferences.
-    SystemSampler sampler{settings}; ///< Samples from here on.
+    SystemSampler sampler{settings}; ///< Samples from its construction on.
     LaunchAtLoginManager launch;
     UpdaterManager updater;
 };

@@ -1,8 +1,10 @@
 #include "app/DisplayGuard.h"
 
+#include "platform/MainThread.h"
+#include "platform/Mutex.h"
+
 #include <QStringList>
 
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -20,23 +22,23 @@ struct Message {
     QString text;
 };
 
-/// What was said meanwhile, by any thread.
+/// Messages of any thread while a guard lives.
 class HeldMessages {
 public:
     void add(Message message)
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_messages.push_back(std::move(message));
     }
     std::vector<Message> take()
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         return std::exchange(m_messages, {});
     }
 
 private:
-    std::mutex m_mutex;
-    std::vector<Message> m_messages; ///< Guarded by m_mutex.
+    Mutex m_mutex;
+    std::vector<Message> m_messages GUARDED_BY(m_mutex);
 };
 
 HeldMessages &heldMessages()
@@ -51,14 +53,17 @@ void holdBack(QtMsgType type, const QMessageLogContext &context, const QString &
         heldMessages().add({type, context.category, text});
         return;
     }
-    const QByteArray line = withoutDisplayLine(text).toLocal8Bit() + '\n';
+    const QByteArray line = startFailureText(text).toLocal8Bit() + '\n';
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.constData(), line.size());
     _exit(1);
 }
 
 } // namespace
 
-DisplayGuard::DisplayGuard() : m_previous(qInstallMessageHandler(holdBack)) { }
+DisplayGuard::DisplayGuard() : m_previous(qInstallMessageHandler(holdBack))
+{
+    assertMainThread();
+}
 
 DisplayGuard::~DisplayGuard()
 {
@@ -69,18 +74,18 @@ DisplayGuard::~DisplayGuard()
                           message.text);
 }
 
-QString withoutDisplayLine(const QString &fatalMessage)
+QString startFailureText(const QString &fatalMessage)
 {
     if (!fatalMessage.contains("platform plugin"_L1))
         return u"Corvane cannot start: "_s + fatalMessage.simplified();
-    QStringList asked;
+    QStringList displays;
     for (const char *name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
         const QString value = qEnvironmentVariable(name).simplified();
         if (!value.isEmpty())
-            asked.append(QLatin1StringView(name) + u'=' + value);
+            displays.append(QLatin1StringView(name) + u'=' + value);
     }
     const QString line = u"Corvane cannot start: there is no display that it can reach"_s;
-    return asked.isEmpty() ? line + u'.' : line + " ("_L1 + asked.join(", "_L1) + ")."_L1;
+    return displays.isEmpty() ? line + u'.' : line + " ("_L1 + displays.join(", "_L1) + ")."_L1;
 }
 
 } // namespace corvane

@@ -6,9 +6,9 @@
 
 namespace corvane {
 
-/// Stands before the making of the QApplication, which aborts where no display can be reached: with
-/// this around it, the process says so in one line on standard error and ends with status 1. What
-/// Qt has to say meanwhile is held back, and said when the application is there. Main thread.
+/// Guards the construction of the QApplication, which aborts if it reaches no display: while this
+/// lives, the process prints one line on standard error instead and exits with status 1. Qt's other
+/// messages are held back, and printed when this is destroyed. Main thread.
 class DisplayGuard {
 public:
     DisplayGuard();
@@ -20,7 +20,8 @@ private:
     QtMessageHandler m_previous;
 };
 
-/// The line for what Qt gives up with: that there is no display, and which one was asked for.
-QString withoutDisplayLine(const QString &fatalMessage);
+/// The line to print for Qt's fatal message; for one about a missing display, with the displays
+/// that the environment names.
+QString startFailureText(const QString &fatalMessage);
 
 } // namespace corvane

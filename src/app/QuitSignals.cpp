@@ -1,5 +1,7 @@
 #include "app/QuitSignals.h"
 
+#include "platform/MainThread.h"
+
 #include <QGuiApplication>
 #include <QSessionManager>
 #include <QSocketNotifier>
@@ -16,25 +18,26 @@ namespace corvane {
 
 namespace {
 
-constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
+constexpr std::array quitSignalNumbers{SIGTERM, SIGINT, SIGHUP};
 
-/// What the signal handler writes to: hardly anything else may be done in one. -1: nothing.
+/// The pipe to which the signal handler writes, one of the few calls allowed in a handler; -1:
+/// none.
 std::atomic<int> writingEnd = -1;
 static_assert(std::atomic<int>::is_always_lock_free);
 
-void noteSignal(int)
+void reportSignal(int)
 {
     const int before = errno;
-    const char note = 0;
-    // A full pipe has notes enough.
-    [[maybe_unused]] const ssize_t written = write(writingEnd, &note, sizeof note);
+    const char byte = 0;
+    // One byte is enough, so a full pipe does not matter.
+    [[maybe_unused]] const ssize_t written = write(writingEnd, &byte, sizeof byte);
     errno = before;
 }
 
-/// Leaves alone what is ignored.
-void handleEndingSignals(void (*handler)(int))
+/// Signals that are ignored stay so.
+void setSignalHandler(void (*handler)(int))
 {
-    for (const int number : endingSignals) {
+    for (const int number : quitSignalNumbers) {
         struct sigaction present = {};
         sigaction(number, nullptr, &present);
         if (present.sa_handler == SIG_IGN)
@@ -46,9 +49,9 @@ void handleEndingSignals(void (*handler)(int))
     }
 }
 
-/// Whether the program comes back with the next session is the login item's matter alone: started
-/// by both, it would open its dashboard.
-void forgoRestart(QSessionManager &manager)
+/// Only the login item starts the program with the next session: if the session manager started it
+/// too, that second start would open the dashboard.
+void disableRestart(QSessionManager &manager)
 {
     manager.setRestartHint(QSessionManager::RestartNever);
 }
@@ -57,8 +60,11 @@ void forgoRestart(QSessionManager &manager)
 
 QuitSignals::QuitSignals(QObject *parent) : QObject(parent)
 {
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, forgoRestart, Qt::DirectConnection);
-    connect(qGuiApp, &QGuiApplication::saveStateRequest, this, forgoRestart, Qt::DirectConnection);
+    assertMainThread();
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, disableRestart,
+            Qt::DirectConnection);
+    connect(qGuiApp, &QGuiApplication::saveStateRequest, this, disableRestart,
+            Qt::DirectConnection);
 
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0)
@@ -72,16 +78,16 @@ QuitSignals::QuitSignals(QObject *parent) : QObject(parent)
     connect(notifier, &QSocketNotifier::activated, this, [notifier] {
         notifier->setEnabled(false);
         QCoreApplication::quit();
-        QCoreApplication::exit(); // Even if a window would rather stay.
+        QCoreApplication::exit(); // quit() does nothing if a window refuses to close.
     });
     writingEnd = m_writingEnd.get();
-    handleEndingSignals(noteSignal);
+    setSignalHandler(reportSignal);
 }
 
 QuitSignals::~QuitSignals()
 {
     if (m_writingEnd)
-        handleEndingSignals(SIG_DFL);
+        setSignalHandler(SIG_DFL);
     writingEnd = -1;
 }
 

@@ -6,11 +6,11 @@
 
 namespace corvane {
 
-/// Ends the program as its "Quit" does when the system asks for it: SIGTERM, SIGINT or SIGHUP, or
-/// the end of the session, which it neither delays nor survives. Made once, after the QApplication
-/// and before what has to be finished at the end; main thread.
+/// Quits the program, as its "Quit" command does, on SIGTERM, SIGINT or SIGHUP. At the end of the
+/// session the program ends too, and asks not to be restarted with the next one. Created once,
+/// after the QApplication and before what has work to finish at the end; main thread.
 ///
-/// A signal that whoever started the program had ignored (nohup) stays ignored.
+/// A signal that was ignored when the program started (nohup) stays ignored.
 class QuitSignals : public QObject {
     Q_OBJECT
 
@@ -19,11 +19,11 @@ public:
     ~QuitSignals() override;
 
 private:
-    FileDescriptor m_readingEnd; ///< Of a pipe into which the signal handler writes.
+    FileDescriptor m_readingEnd; ///< Of a pipe to which the signal handler writes.
     FileDescriptor m_writingEnd;
 };
 
-/// Lets a write to a closed pipe or socket fail instead of ending the process.
+/// Makes a write to a closed pipe or socket fail instead of ending the process.
 void ignoreBrokenPipes();
 
 } // namespace corvane

@@ -40,18 +40,18 @@ class TestAboutPanel : public QObject {
     Q_OBJECT
 
 private slots:
-    void tellsItsTexts();
+    void hasItsTextsForScreenReaders();
     void isFixedInSize();
-    void everyLineIsInTheMiddle_data();
-    void everyLineIsInTheMiddle();
+    void everyLineIsCentred_data();
+    void everyLineIsCentred();
     void closesOnAKey_data();
     void closesOnAKey();
-    void isCopied();
-    void hasAMenuForIt();
+    void copiesItsText();
+    void hasAMenuToCopyItsText();
     void isShownOnce();
 };
 
-void TestAboutPanel::tellsItsTexts()
+void TestAboutPanel::hasItsTextsForScreenReaders()
 {
     AboutPanel panel(someTexts());
     QCOMPARE(panel.windowTitle(), u"About Corvane"_s);
@@ -71,13 +71,13 @@ void TestAboutPanel::isFixedInSize()
     QCOMPARE(panel.maximumSize(), QSize(300, 300));
 }
 
-void TestAboutPanel::everyLineIsInTheMiddle_data()
+void TestAboutPanel::everyLineIsCentred_data()
 {
     QTest::addColumn<double>("scale");
     QTest::addColumn<int>("top");
     QTest::addColumn<int>("bottom");
     for (const double scale : {1.0, 2.0}) {
-        QTest::addRow("the sign at scale %g", scale) << scale << 26 << 98;
+        QTest::addRow("the logo at scale %g", scale) << scale << 26 << 98;
         QTest::addRow("the name at scale %g", scale) << scale << 115 << 129;
         QTest::addRow("the version at scale %g", scale) << scale << 137 << 150;
         QTest::addRow("the credits at scale %g", scale) << scale << 166 << 179;
@@ -85,7 +85,7 @@ void TestAboutPanel::everyLineIsInTheMiddle_data()
     }
 }
 
-void TestAboutPanel::everyLineIsInTheMiddle()
+void TestAboutPanel::everyLineIsCentred()
 {
     QFETCH(double, scale);
     QFETCH(int, top);
@@ -126,7 +126,7 @@ void TestAboutPanel::closesOnAKey()
     QTRY_VERIFY(!panel);
 }
 
-void TestAboutPanel::isCopied()
+void TestAboutPanel::copiesItsText()
 {
     AboutPanel panel(someTexts());
     panel.show();
@@ -136,7 +136,7 @@ void TestAboutPanel::isCopied()
              u"Corvane\nVersion 2.3 (45)\nOne line.\n\nAnother.\n© Somebody"_s);
 }
 
-void TestAboutPanel::hasAMenuForIt()
+void TestAboutPanel::hasAMenuToCopyItsText()
 {
     AboutPanel panel(someTexts());
     panel.show();

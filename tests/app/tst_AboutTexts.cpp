@@ -9,13 +9,13 @@ class TestAboutTexts : public QObject {
     Q_OBJECT
 
 private slots:
-    void tellsTheVersionOfTheBundle_data();
-    void tellsTheVersionOfTheBundle();
-    void tellsWhatIsReadOnEachSystem();
+    void containTheVersionOfTheBundle_data();
+    void containTheVersionOfTheBundle();
+    void nameWhatIsReadOnEachSystem();
     void thisProgramHasAVersion();
 };
 
-void TestAboutTexts::tellsTheVersionOfTheBundle_data()
+void TestAboutTexts::containTheVersionOfTheBundle_data()
 {
     QTest::addColumn<std::optional<QString>>("bundleVersion");
     QTest::addColumn<std::optional<QString>>("bundleBuild");
@@ -29,7 +29,7 @@ void TestAboutTexts::tellsTheVersionOfTheBundle_data()
     QTest::newRow("no build") << std::optional(u"2.0"_s) << none << u"2.0"_s << u"1"_s;
 }
 
-void TestAboutTexts::tellsTheVersionOfTheBundle()
+void TestAboutTexts::containTheVersionOfTheBundle()
 {
     QFETCH(std::optional<QString>, bundleVersion);
     QFETCH(std::optional<QString>, bundleBuild);
@@ -40,7 +40,7 @@ void TestAboutTexts::tellsTheVersionOfTheBundle()
     QCOMPARE(texts.copyright, u"© 2026 The Corvane contributors"_s);
 }
 
-void TestAboutTexts::tellsWhatIsReadOnEachSystem()
+void TestAboutTexts::nameWhatIsReadOnEachSystem()
 {
     QCOMPARE(AboutTexts::current({}, HostSystem::mac).credits,
              u"Apple Silicon system monitor.\n"

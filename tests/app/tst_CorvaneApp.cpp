@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The windows of a type that there are, shown or not.
+/// All windows of a type, shown or not.
 template <typename Window>
 QList<Window *> windows()
 {
@@ -32,7 +32,7 @@ QList<Window *> windows()
     return found;
 }
 
-/// The command of that name, as the panel has it.
+/// The panel's command with this text.
 QAction *command(const QString &text)
 {
     for (QAction *action : windows<MenuBarContent>().first()->actions()) {
@@ -44,15 +44,14 @@ QAction *command(const QString &text)
 
 } // namespace
 
-/// The whole program, on this machine's numbers, in a home of its own and on a desktop without a
+/// The whole program, with this machine's readings, its own home folder and a desktop without a
 /// tray.
 class TestCorvaneApp : public QObject {
     Q_OBJECT
 
 private slots:
     void opensOneDashboard();
-    void bringsAMinimizedDashboardBack();
-    void aClosedDashboardIsGoneAndCanBeOpenedAgain();
+    void aClosedDashboardIsDeletedAndCanBeOpenedAgain();
     void aDashboardThatWasJustClosedOpensAgain();
     void thePanelOpensTheDashboard();
     void thePanelQuits();
@@ -61,37 +60,24 @@ private slots:
     void everyViewOffersTheCommands();
     void opensTheSettingsOnce();
     void updatesAreFoundInTheSettings();
-    void theSettingsLeaveThePolicyAlone();
+    void theSettingsDoNotChangeTheActivationPolicy();
     void keysOpenTheSettingsAndTheAboutPanel();
-    void openWindowsGoWithTheProgram();
-    void onlyTheLabelAndThePanelAreMadeAtStart();
+    void openWindowsAreDeletedWithTheProgram();
+    void onlyTheLabelAndThePanelExistAtStart();
 };
 
 void TestCorvaneApp::opensOneDashboard()
 {
     CorvaneApp corvane;
     corvane.openMainWindow();
+    windows<MainWindow>().first()->showMinimized();
     corvane.openMainWindow();
     QCOMPARE(windows<MainWindow>().size(), 1);
     QVERIFY(windows<MainWindow>().first()->isVisible());
-    delete windows<MainWindow>().first();
+    QVERIFY(!windows<MainWindow>().first()->isMinimized());
 }
 
-void TestCorvaneApp::bringsAMinimizedDashboardBack()
-{
-    CorvaneApp corvane;
-    corvane.openMainWindow();
-    const QPointer<MainWindow> window = windows<MainWindow>().first();
-    window->setWindowState(Qt::WindowMaximized);
-    window->setWindowState(window->windowState() | Qt::WindowMinimized);
-    QVERIFY(window->isMinimized());
-    corvane.openMainWindow();
-    QVERIFY(!window->isMinimized());
-    QVERIFY2(window->isMaximized(), "it comes back as it was");
-    delete window;
-}
-
-void TestCorvaneApp::aClosedDashboardIsGoneAndCanBeOpenedAgain()
+void TestCorvaneApp::aClosedDashboardIsDeletedAndCanBeOpenedAgain()
 {
     CorvaneApp corvane;
     corvane.openMainWindow();
@@ -100,7 +86,6 @@ void TestCorvaneApp::aClosedDashboardIsGoneAndCanBeOpenedAgain()
     QTRY_VERIFY(!window);
     corvane.openMainWindow();
     QCOMPARE(windows<MainWindow>().size(), 1);
-    delete windows<MainWindow>().first();
 }
 
 void TestCorvaneApp::aDashboardThatWasJustClosedOpensAgain()
@@ -113,7 +98,6 @@ void TestCorvaneApp::aDashboardThatWasJustClosedOpensAgain()
     QTRY_VERIFY(!closed);
     QCOMPARE(windows<MainWindow>().size(), 1);
     QVERIFY(windows<MainWindow>().first()->isVisible());
-    delete windows<MainWindow>().first();
 }
 
 void TestCorvaneApp::thePanelOpensTheDashboard()
@@ -123,7 +107,6 @@ void TestCorvaneApp::thePanelOpensTheDashboard()
     QCOMPARE(windows<MenuBarContent>().size(), 1);
     emit windows<MenuBarContent>().first()->openWindowRequested();
     QCOMPARE(windows<MainWindow>().size(), 1);
-    delete windows<MainWindow>().first();
 }
 
 void TestCorvaneApp::thePanelQuits()
@@ -134,7 +117,6 @@ void TestCorvaneApp::thePanelQuits()
     QMetaObject::invokeMethod(panel, &MenuBarContent::quitRequested, Qt::QueuedConnection);
     QApplication::exec(); // Until it quits.
     QCOMPARE(ended.count(), 1);
-    qDeleteAll(windows<MainWindow>());
 }
 
 void TestCorvaneApp::theProgramIsRegularWhileTheDashboardIsOpen()
@@ -182,7 +164,6 @@ void TestCorvaneApp::everyViewOffersTheCommands()
     QVERIFY(menu);
     QCOMPARE(menu->actions(), commands);
     menu->close();
-    delete windows<MainWindow>().first();
 }
 
 void TestCorvaneApp::opensTheSettingsOnce()
@@ -200,7 +181,7 @@ void TestCorvaneApp::opensTheSettingsOnce()
     QCOMPARE(windows<SettingsWindow>().size(), 1);
 }
 
-/// Where the system's updater has windows of its own, it shows these instead.
+/// On a Mac the updater shows its own windows instead.
 void TestCorvaneApp::updatesAreFoundInTheSettings()
 {
     const CorvaneApp corvane;
@@ -213,7 +194,7 @@ void TestCorvaneApp::updatesAreFoundInTheSettings()
         QVERIFY(windows<SettingsWindow>().first()->findChild<UpdateSettings *>()->isVisible());
 }
 
-void TestCorvaneApp::theSettingsLeaveThePolicyAlone()
+void TestCorvaneApp::theSettingsDoNotChangeTheActivationPolicy()
 {
     const WindowPlatform desktop = systemWindowPlatform();
     CorvaneApp corvane;
@@ -242,7 +223,7 @@ void TestCorvaneApp::keysOpenTheSettingsAndTheAboutPanel()
     qDeleteAll(windows<AboutPanel>());
 }
 
-void TestCorvaneApp::openWindowsGoWithTheProgram()
+void TestCorvaneApp::openWindowsAreDeletedWithTheProgram()
 {
     {
         CorvaneApp corvane;
@@ -255,8 +236,8 @@ void TestCorvaneApp::openWindowsGoWithTheProgram()
     QCOMPARE(WindowLifecycleCoordinator::shared().observerCount(), 0);
 }
 
-/// What is not open costs nothing.
-void TestCorvaneApp::onlyTheLabelAndThePanelAreMadeAtStart()
+/// A window that is not open costs nothing.
+void TestCorvaneApp::onlyTheLabelAndThePanelExistAtStart()
 {
     QTRY_VERIFY(windows<QWidget>().isEmpty()); // Of earlier tests.
     const CorvaneApp corvane;

@@ -14,16 +14,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// As Qt says it.
+/// Qt's own text.
 const QString noPlugin =
     u"This application failed to start because no Qt platform plugin could be initialized. "
     "Reinstalling the application may fix this problem.\n\nAvailable platform plugins are: xcb.\n"_s;
 
-QStringList heard;
+QStringList received;
 
-void hear(QtMsgType, const QMessageLogContext &context, const QString &text)
+void receive(QtMsgType, const QMessageLogContext &context, const QString &text)
 {
-    heard.append(QString::fromLatin1(context.category) + u'|' + text);
+    received.append(QString::fromLatin1(context.category) + u'|' + text);
 }
 
 } // namespace
@@ -33,11 +33,11 @@ class TestDisplayGuard : public QObject {
 
 private slots:
     void init();
-    void namesTheDisplayThatWasAskedFor_data();
-    void namesTheDisplayThatWasAskedFor();
-    void keepsTheTextOfAnotherEnd();
-    void saysLaterWhatWasSaidMeanwhile();
-    void endsTheProcessInOneLine();
+    void namesTheDisplaysOfTheEnvironment_data();
+    void namesTheDisplaysOfTheEnvironment();
+    void keepsTheTextOfAnotherFailure();
+    void printsHeldMessagesAtTheEnd();
+    void exitsWithOneLine();
 };
 
 void TestDisplayGuard::init()
@@ -46,7 +46,7 @@ void TestDisplayGuard::init()
         qunsetenv(name);
 }
 
-void TestDisplayGuard::namesTheDisplayThatWasAskedFor_data()
+void TestDisplayGuard::namesTheDisplaysOfTheEnvironment_data()
 {
     QTest::addColumn<QByteArray>("platform");
     QTest::addColumn<QByteArray>("wayland");
@@ -64,7 +64,7 @@ void TestDisplayGuard::namesTheDisplayThatWasAskedFor_data()
         << none << none << QByteArray(":1\n:2") << u"it can reach (DISPLAY=:1 :2)."_s;
 }
 
-void TestDisplayGuard::namesTheDisplayThatWasAskedFor()
+void TestDisplayGuard::namesTheDisplaysOfTheEnvironment()
 {
     QFETCH(const QByteArray, platform);
     QFETCH(const QByteArray, wayland);
@@ -73,32 +73,32 @@ void TestDisplayGuard::namesTheDisplayThatWasAskedFor()
     qputenv("QT_QPA_PLATFORM", platform);
     qputenv("WAYLAND_DISPLAY", wayland);
     qputenv("DISPLAY", display);
-    QCOMPARE(withoutDisplayLine(noPlugin),
+    QCOMPARE(startFailureText(noPlugin),
              u"Corvane cannot start: there is no display that "_s + end);
 }
 
-void TestDisplayGuard::keepsTheTextOfAnotherEnd()
+void TestDisplayGuard::keepsTheTextOfAnotherFailure()
 {
-    QCOMPARE(withoutDisplayLine(u"Something else\nbroke"_s),
+    QCOMPARE(startFailureText(u"Something else\nbroke"_s),
              u"Corvane cannot start: Something else broke"_s);
 }
 
-void TestDisplayGuard::saysLaterWhatWasSaidMeanwhile()
+void TestDisplayGuard::printsHeldMessagesAtTheEnd()
 {
-    heard.clear();
-    const QtMessageHandler ofTheTest = qInstallMessageHandler(hear);
+    received.clear();
+    const QtMessageHandler ofTheTest = qInstallMessageHandler(receive);
     {
         const DisplayGuard guard;
         qWarning("first");
         qInfo("second");
-        QVERIFY(heard.isEmpty());
+        QVERIFY(received.isEmpty());
     }
     qWarning("third");
     qInstallMessageHandler(ofTheTest);
-    QCOMPARE(heard, QStringList({u"default|first"_s, u"default|second"_s, u"default|third"_s}));
+    QCOMPARE(received, QStringList({u"default|first"_s, u"default|second"_s, u"default|third"_s}));
 }
 
-void TestDisplayGuard::endsTheProcessInOneLine()
+void TestDisplayGuard::exitsWithOneLine()
 {
     std::array<int, 2> ends = {};
     QCOMPARE(pipe(ends.data()), 0);
@@ -110,15 +110,15 @@ void TestDisplayGuard::endsTheProcessInOneLine()
         qFatal("%s", qPrintable(noPlugin));
     }
     close(ends[1]);
-    std::string said;
+    std::string printed;
     for (char byte = 0; read(ends[0], &byte, 1) == 1;)
-        said += byte;
+        printed += byte;
     close(ends[0]);
     int status = 0;
     waitpid(process, &status, 0);
     QVERIFY(WIFEXITED(status));
     QCOMPARE(WEXITSTATUS(status), 1);
-    QCOMPARE(said, withoutDisplayLine(noPlugin).toStdString() + '\n');
+    QCOMPARE(printed, startFailureText(noPlugin).toStdString() + '\n');
 }
 
 QTEST_APPLESS_MAIN(TestDisplayGuard)
