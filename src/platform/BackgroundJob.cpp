@@ -1,12 +1,13 @@
 #include "platform/BackgroundJob.h"
 
+#include "platform/Mutex.h"
 #include "platform/ThreadPriority.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QThread>
 
 #include <atomic>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -15,13 +16,13 @@ namespace corvane {
 namespace {
 
 /// Where a finished job reports. The lock makes the job's writes visible to the receiver's thread
-/// and keeps the receiver alive while it is told.
+/// and keeps the receiver alive while an event is posted to it.
 struct ReturnPath {
-    std::mutex mutex;
-    QObject *receiver = nullptr; ///< Guarded by mutex; null once nobody waits any more.
+    Mutex mutex;
+    QObject *receiver GUARDED_BY(mutex) = nullptr; ///< Null once the receiver is gone.
 };
 
-/// Waits for one job on its owner's thread and dies with the delivery or with the owner.
+/// Waits for one job on its owner's thread; deleted by the delivery or with the owner.
 class JobReceiver : public QObject {
 public:
     JobReceiver(QObject *owner, std::shared_ptr<ReturnPath> path, std::function<void()> deliver)
@@ -29,13 +30,13 @@ public:
           m_path(std::move(path)),
           m_deliver(std::move(deliver))
     {
-        const std::lock_guard lock(m_path->mutex);
+        const MutexLock lock(m_path->mutex);
         m_path->receiver = this;
     }
 
     ~JobReceiver() override
     {
-        const std::lock_guard lock(m_path->mutex);
+        const MutexLock lock(m_path->mutex);
         m_path->receiver = nullptr;
     }
 
@@ -43,7 +44,7 @@ public:
     {
         if (event->type() != QEvent::User)
             return QObject::event(event);
-        // The owner may die of the delivery, so nothing here may be needed after it.
+        // The delivery may delete the owner and with it this object.
         const auto deliver = std::move(m_deliver);
         delete this;
         deliver();
@@ -55,7 +56,7 @@ private:
     std::function<void()> m_deliver;
 };
 
-/// Jobs that run now. Still counted in when `main` has returned, thus never destroyed.
+/// Jobs that run now. They still count when `main` has returned, so this is never destroyed.
 constinit std::atomic<int> runningJobs = 0;
 
 void runJob(std::function<void()> job, const std::shared_ptr<ReturnPath> &path)
@@ -64,7 +65,7 @@ void runJob(std::function<void()> job, const std::shared_ptr<ReturnPath> &path)
     job();
     job = nullptr;
     --runningJobs;
-    const std::lock_guard lock(path->mutex);
+    const MutexLock lock(path->mutex);
     if (path->receiver)
         QCoreApplication::postEvent(path->receiver, new QEvent(QEvent::User));
 }
@@ -73,6 +74,7 @@ void runJob(std::function<void()> job, const std::shared_ptr<ReturnPath> &path)
 
 void runThenCall(QObject *owner, std::function<void()> job, std::function<void()> deliver)
 {
+    Q_ASSERT(owner->thread() == QThread::currentThread());
     if (++runningJobs > mostBackgroundJobs) {
         --runningJobs;
         return;
@@ -82,7 +84,7 @@ void runThenCall(QObject *owner, std::function<void()> job, std::function<void()
     try {
         std::thread(runJob, std::move(job), path).detach();
     } catch (const std::system_error &) {
-        // No thread to be had: as if the job had been one too many.
+        // No thread could be started: the job counts as one too many.
         --runningJobs;
         delete receiver;
     }

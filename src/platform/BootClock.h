@@ -2,8 +2,8 @@
 
 namespace corvane {
 
-/// Seconds since the machine was started, sleep included, so that what a counter gathered while the
-/// machine slept is divided by all of that time. Never runs backwards. Any thread.
+/// Seconds since the machine was started, sleep included, so that what a counter gained during
+/// sleep is divided by the whole time. Never runs backwards. Any thread.
 double secondsSinceBoot();
 
 } // namespace corvane

@@ -7,7 +7,7 @@ namespace corvane {
 double secondsSinceBoot()
 {
     timespec time = {};
-    // Runs on in sleep here, and unlike CLOCK_MONOTONIC is not moved when the wall clock is set.
+    // Runs on during sleep, and unlike CLOCK_MONOTONIC does not change when the wall clock is set.
     clock_gettime(CLOCK_MONOTONIC_RAW, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }

@@ -9,7 +9,7 @@
 namespace corvane {
 
 /// A string's text as UTF-8: in place where the string is stored that way, otherwise copied to
-/// `storage`. Holds as long as both. Nothing for null. Any thread; Apple sources only.
+/// `storage`. Valid as long as both. Absent for null. Any thread; Apple sources only.
 std::optional<std::string_view> utf8View(CFStringRef string, std::string &storage);
 
 } // namespace corvane

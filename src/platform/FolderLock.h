@@ -6,20 +6,20 @@
 
 namespace corvane {
 
-/// A lock on a folder that one process of this machine can hold. It goes with its owner or with the
-/// process, however that ends, and leaves nothing behind in the folder. One thread at a time.
+/// A lock on a folder that one process of this machine can hold. It ends with its owner or with the
+/// process, however that ends, and leaves no file in the folder. Used on one thread.
 class FolderLock {
 public:
     enum class Holder {
         self,
         other,
-        nobody, ///< The folder is not there, or cannot be locked: not all file systems can.
+        nobody, ///< The folder is missing, or its file system has no locks.
     };
 
     explicit FolderLock(std::string folder);
 
-    /// Who holds it from now on: it is taken if it is free, which it may be later than sooner.
-    /// Never waits.
+    /// Takes the lock if it is free, and returns who holds it now. Never waits; may be called
+    /// again.
     Holder take();
 
 private:

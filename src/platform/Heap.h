@@ -2,11 +2,11 @@
 
 namespace corvane {
 
-/// Makes all threads share one heap, since few of this program's allocate anything. To be called
-/// before the first of them starts.
+/// Makes all threads share one heap, since few threads of this program allocate memory. Call it
+/// before the first thread starts.
 void shareOneHeap();
 
-/// Gives what lies free in the heap back to the system, as after a window was closed.
+/// Returns free memory of the heap to the system, for example after a window was closed.
 void returnFreeMemory();
 
 } // namespace corvane

@@ -2,7 +2,7 @@
 
 namespace corvane {
 
-/// Its zones are shared already.
+/// All threads share the zones already.
 void shareOneHeap() { }
 
 /// The system takes back what it needs when memory gets short.

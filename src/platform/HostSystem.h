@@ -2,8 +2,8 @@
 
 namespace corvane {
 
-/// The system that the program was built for. Texts that would be false on the other one stand side
-/// by side, chosen by this; everything else is the same on both.
+/// The system that the program was built for. A text that would be false on the other system has
+/// two wordings, chosen by this; everything else is the same on both.
 enum class HostSystem { mac, linuxDesktop };
 
 HostSystem hostSystem();

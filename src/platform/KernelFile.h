@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
+#include "platform/OneThread.h"
 
 #include <cstddef>
 #include <optional>
@@ -9,17 +10,17 @@
 
 namespace corvane {
 
-/// How the kernel hands a file out.
+/// How the kernel returns the contents of a file.
 enum class KernelFileKind {
-    oneRecord, ///< At once: a read with room to spare had it all. So does sysfs, and most of /proc.
-    records,   ///< In pieces of a page or less; only a read of nothing tells the end.
+    oneRecord, ///< In one piece, as in sysfs and most of /proc: a read that leaves room has it all.
+    records,   ///< In pieces of a page or less: only a read of 0 bytes marks the end.
 };
 
 /// A small text file of the kernel that is read again and again: opened once, then read from its
 /// start with `pread`. Owned by one reader, used on one thread.
 ///
-/// A file that is missing, refused, not regular or empty reads as nothing; it is looked for again
-/// at the next read. Opening never blocks, so a FIFO in the file's place cannot hold the caller up.
+/// A file that is missing, refused, not regular or empty is absent; the next read looks for it
+/// again. Opening never blocks, so a FIFO in the file's place cannot hold the caller up.
 class KernelFile {
 public:
     explicit KernelFile(std::string path, KernelFileKind kind = KernelFileKind::oneRecord);
@@ -29,16 +30,17 @@ public:
 
     const std::string &path() const { return m_path; }
 
-    static constexpr std::size_t wholeFile = 1 << 20; ///< No kernel file of use is longer.
+    static constexpr std::size_t wholeFile = 1 << 20; ///< No kernel file that is used is longer.
 
 private:
     std::string m_path;
     KernelFileKind m_kind;
     std::string m_buffer; ///< Kept, so that a steady tick allocates nothing.
     FileDescriptor m_file;
+    OneThread m_thread;
 };
 
-/// Contents of a file of either kind that is read once, by the rules above.
+/// The contents of a file of either kind that is read once, by the same rules.
 std::optional<std::string> readKernelFile(const std::string &path,
                                           std::size_t limit = KernelFile::wholeFile);
 

@@ -31,6 +31,7 @@ KernelFile::KernelFile(std::string path, KernelFileKind kind)
 std::optional<std::string_view> KernelFile::read(std::size_t limit)
 {
     constexpr std::size_t firstSize = 4096;
+    m_thread.check();
     if (!m_file)
         m_file = openRegular(m_path, FileAccess::read);
     if (!m_file)

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A folder of the kernel (Linux), open from construction to destruction. Used on one thread.
+/// A folder of the kernel (Linux), open from construction to destruction.
 class KernelFolder {
 public:
     explicit KernelFolder(const std::string &path);
@@ -17,7 +17,7 @@ public:
     explicit operator bool() const { return m_folder != nullptr; }
 
     /// The next name in the kernel's order, without "." and ".."; valid until the next call. Null
-    /// at the end. One that comes or goes meanwhile may appear twice or not at all.
+    /// at the end. A name that comes or goes meanwhile may appear twice or not at all.
     const char *nextName();
 
     /// For `openat`.

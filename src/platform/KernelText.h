@@ -9,14 +9,14 @@
 
 namespace corvane {
 
-/// Pure functions over the text of kernel files. Nothing here allocates: every result is a view
-/// into the text. A number that does not parse is nothing.
+// Pure functions over the text of kernel files. Results are views into the text, so that a tick
+// allocates nothing. A number that does not parse is absent.
 
-/// Cuts the first line off `text` and returns it without its line feed; nothing when `text` is
+/// Cuts the first line off `text` and returns it without its line feed; absent when `text` is
 /// empty.
 std::optional<std::string_view> takeLine(std::string_view &text);
 
-/// Cuts the first word off `text` (blanks and tabs separate); nothing when there is none.
+/// Cuts the first word off `text` (blanks and tabs separate); absent when there is none.
 std::optional<std::string_view> takeWord(std::string_view &text);
 
 /// Without blanks, tabs, line ends and NULs on both sides.
@@ -44,7 +44,7 @@ std::optional<double> parseDecimal(std::string_view text);
 /// `count` units of `unit` bytes; absent above `largestByteCount`.
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit);
 
-/// The count of a text such as "  24684096 kB", in KiB; nothing when no machine has as many bytes.
+/// The count of a text such as "  24684096 kB", in KiB; absent above `largestByteCount`.
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 
 /// Whether `text` is well-formed UTF-8: no stray, overlong or missing bytes, no surrogates.

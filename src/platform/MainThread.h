@@ -5,8 +5,8 @@
 
 namespace corvane {
 
-/// Stops a debug build when the caller is not on the main thread. To be called by what is for the
-/// main thread alone: in constructors and in functions without an object.
+/// Stops a debug build when the caller is not on the main thread. For constructors, and for
+/// functions without an object, that belong to the main thread.
 inline void assertMainThread()
 {
     Q_ASSERT_X(!QCoreApplication::instance()

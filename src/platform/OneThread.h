@@ -5,9 +5,8 @@
 
 namespace corvane {
 
-/// A member of objects that one thread uses at a time, whichever it is: the first that calls
-/// `check`. Stops a debug build when another one calls it. A moved object belongs to the thread
-/// that uses it next.
+/// A member of objects that belong to one thread: the first that calls `check`. Stops a debug build
+/// when another thread calls it. After a move the object belongs to the thread that uses it next.
 class OneThread {
 public:
     OneThread() = default;

@@ -2,7 +2,7 @@
 
 namespace corvane {
 
-/// Makes the calling thread one that yields to everything the user waits for.
+/// Lowers the priority of the calling thread, so that it yields to what the user waits for.
 void lowerThreadPriority();
 
 } // namespace corvane

@@ -7,7 +7,7 @@ namespace corvane {
 
 void lowerThreadPriority()
 {
-    // To Linux a thread is a process of its own here: the others keep their priority.
+    // Linux keeps a priority for each thread: the others keep theirs.
     constexpr int niceness = 10;
     const auto thread = static_cast<id_t>(gettid());
     if (getpriority(PRIO_PROCESS, thread) < niceness)

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int longestQueue = 16;
 
-/// Nothing for a path that is too long.
+/// Absent for a path that is too long.
 std::optional<sockaddr_un> address(const std::string &path)
 {
     sockaddr_un address = {};
@@ -52,7 +52,7 @@ bool listenAt(const FileDescriptor &socket, const std::string &path)
 bool connectTo(const FileDescriptor &socket, const std::string &path)
 {
     const auto place = address(path);
-    // No more than the name: the zeros behind it would count in one that is no path.
+    // Only the bytes of the name: zeros behind it would belong to an abstract name.
     const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size());
     return place && connect(socket.get(), reinterpret_cast<const sockaddr *>(&*place), length) == 0;
 }

@@ -6,18 +6,19 @@
 
 namespace corvane {
 
-/// A new Unix stream socket that never blocks and is not handed to other programs; empty if none
-/// can be had.
+/// A new Unix stream socket, non-blocking and closed in programs that this one starts; empty on
+/// failure.
 FileDescriptor openUnixSocket();
 
-/// Makes an accepted connection so too.
+/// Does the same for an accepted connection; false on failure.
 bool makeNonBlocking(const FileDescriptor &socket);
 
-/// Binds to a path and listens; what a killed process left there is replaced.
+/// Binds to a path and listens; a socket that a killed process left there is replaced. False on
+/// failure, as with a path that is too long.
 bool listenAt(const FileDescriptor &socket, const std::string &path);
 
-/// Whether the connection was made at once, as it is where somebody listens. What begins with a
-/// zero is no path but one of Linux's abstract names.
+/// Connects; false unless that succeeded at once, as it does where a process listens. A path that
+/// begins with a NUL is one of Linux's abstract names.
 bool connectTo(const FileDescriptor &socket, const std::string &path);
 
 } // namespace corvane

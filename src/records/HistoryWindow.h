@@ -18,7 +18,7 @@ constexpr qint64 seconds(HistoryWindow window)
     return static_cast<qint64>(window);
 }
 
-/// The window of that many seconds; nothing when there is none.
+/// The window of that many seconds; absent when there is none.
 constexpr std::optional<HistoryWindow> historyWindow(qint64 rawSeconds)
 {
     for (const HistoryWindow window : allHistoryWindows) {

@@ -19,7 +19,7 @@ double secondsSince2001()
 
 QDateTime localDateTime(double secondsSince2001)
 {
-    // What a history file says may be any number; no such date is shown, and none is cast.
+    // A history file may hold any number; a cast of one beyond 64 bits would be undefined.
     constexpr double latest = 1e13;
     if (!(std::abs(secondsSince2001) <= latest))
         return {};

@@ -14,7 +14,7 @@ struct SystemMetrics {
     QUuid id = QUuid::createUuid(); ///< Identity in lists and charts, fresh for every record.
     double timestamp = 0;           ///< Wall clock, seconds since 2001-01-01 00:00 UTC.
     MemorySnapshot memory = {};
-    std::optional<ChipReading> chip = {}; ///< Absent: no chip sampler here, or it had nothing.
+    std::optional<ChipReading> chip = {}; ///< Absent: no chip sampler here, or no reading.
 
     /// The sample that stands in before the first tick: no memory, no chip, stamped with its first
     /// use. Shared by all.

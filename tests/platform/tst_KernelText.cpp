@@ -143,7 +143,13 @@ void TestKernelText::parsesKibibytes_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<Expected>("expected");
     QTest::newRow("aligned") << QByteArray("  24684096 kB") << Expected(24684096);
-    QTest::newRow("after a tab") << QByteArray("\t 0 kB") << Expected(0);
+    QTest::newRow("between tabs") << QByteArray("\t0\tkB") << Expected(0);
+    QTest::newRow("2^50 bytes") << QByteArray("1099511627776 kB") << Expected(1ULL << 40);
+    QTest::newRow("more than 64 bits of bytes")
+        << QByteArray("18446744073709551615 kB") << Expected();
+    QTest::newRow("negative") << QByteArray("-5 kB") << Expected();
+    QTest::newRow("a fraction") << QByteArray("5.5 kB") << Expected();
+    QTest::newRow("no number") << QByteArray("kB") << Expected();
     QTest::newRow("no unit") << QByteArray(" 12") << Expected();
     QTest::newRow("another unit") << QByteArray(" 12 MB") << Expected();
     QTest::newRow("no machine has so many") << QByteArray("1099511627777 kB") << Expected();

@@ -15,9 +15,6 @@ class TestSystemMetrics : public QObject {
 private slots:
     void placeholderStandsInForNothing();
     void everyRecordHasAnIdOfItsOwn();
-    void aCopyIsTheSameRecord();
-    void aMachineWithoutChipSamplerStillHasMemory();
-    void aReadingFromHistoryHasNoMoreThanItsNumbers();
     void wattsAreSummed();
     void usedPercentOf_data();
     void usedPercentOf();
@@ -48,37 +45,6 @@ void TestSystemMetrics::everyRecordHasAnIdOfItsOwn()
     QVERIFY(first.id != second.id);
     QVERIFY(first.id != SystemMetrics::placeholder().id);
     QCOMPARE(first.id.version(), QUuid::Random);
-}
-
-void TestSystemMetrics::aCopyIsTheSameRecord()
-{
-    const SystemMetrics original{.timestamp = 5, .memory = {.total = 7}};
-    const SystemMetrics copy = original;
-    QCOMPARE(copy.id, original.id);
-    QCOMPARE(copy.timestamp, 5.0);
-    QCOMPARE(copy.memory.total, std::uint64_t(7));
-}
-
-void TestSystemMetrics::aMachineWithoutChipSamplerStillHasMemory()
-{
-    const SystemMetrics sample{.timestamp = 1, .memory = {.total = 16, .used = 4}};
-    QVERIFY(!sample.chip);
-    QCOMPARE(usedPercent(sample.memory), 25.0);
-    QCOMPARE(totalWatts(sample.chip), 0.0);
-}
-
-void TestSystemMetrics::aReadingFromHistoryHasNoMoreThanItsNumbers()
-{
-    const ChipReading reading{.cpuWatts = 3, .cpuActiveFraction = 0.375};
-    QCOMPARE(reading.cpuActiveFraction, 0.375);
-    QCOMPARE(reading.cpuActiveMHz, 0.0);
-    QVERIFY(!reading.gpuDominantState);
-    QVERIFY(reading.cpuCoreUtilizations.empty());
-    QVERIFY(reading.gpuStateResidency.empty());
-    QVERIFY(!reading.cpuTempC);
-    QVERIFY(!reading.gpuTempC);
-    QVERIFY(!reading.aneTempC);
-    QVERIFY(!reading.packageTempC);
 }
 
 void TestSystemMetrics::wattsAreSummed()
