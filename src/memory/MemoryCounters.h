@@ -1,9 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <string>
 
 namespace corvane {
 
@@ -31,18 +29,7 @@ struct MemoryCounters {
     std::optional<std::int32_t> pressureLevel = {}; ///< 1 normal, 2 warning, 4 critical.
 };
 
-/// Reads them, again and again. Owned by one sampler, used on one thread; keeps the kernel's files
-/// open between reads. `root` is the folder below which they lie (Linux).
-class MemoryCountersReader {
-public:
-    explicit MemoryCountersReader(const std::string &root = "/");
-    ~MemoryCountersReader();
-
-    MemoryCounters read();
-
-private:
-    struct Sources;
-    std::unique_ptr<Sources> m_sources;
-};
+/// The counters of this machine now. Main thread. A statistic that cannot be read is absent.
+MemoryCounters readMemoryCounters();
 
 } // namespace corvane

@@ -21,7 +21,7 @@ std::optional<Value> systemControl(const char *name)
     return value;
 }
 
-/// The host port, asked for once: each call would add a right to it.
+/// The host port, requested once: each call would add a right to it.
 mach_port_t host()
 {
     static const mach_port_t port = mach_host_self();
@@ -39,8 +39,8 @@ std::uint64_t pageSize()
 
 std::optional<MemoryCounters::Pages> readPages()
 {
-    // A buffer of our own: the kernel's record has grown with the system, and a newer kernel fills
-    // as many words as it is told there are, whatever the header at build time said.
+    // The kernel's record has grown with the system, and a newer kernel fills as many words as the
+    // caller has room for, whatever the header at build time declared: hence a buffer of words.
     constexpr mach_msg_type_number_t words = 40;
     alignas(8) std::array<integer_t, words> buffer = {};
     mach_msg_type_number_t count = words;
@@ -76,13 +76,7 @@ std::optional<MemoryCounters::Swap> readSwap()
 
 } // namespace
 
-struct MemoryCountersReader::Sources { };
-
-MemoryCountersReader::MemoryCountersReader(const std::string &) { }
-
-MemoryCountersReader::~MemoryCountersReader() = default;
-
-MemoryCounters MemoryCountersReader::read()
+MemoryCounters readMemoryCounters()
 {
     return {.totalBytes = systemControl<std::uint64_t>("hw.memsize"),
             .pageSize = pageSize(),

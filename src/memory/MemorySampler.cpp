@@ -1,5 +1,7 @@
 #include "memory/MemorySampler.h"
 
+#include "platform/MainThread.h"
+
 #include <QtGlobal>
 
 #include <algorithm>
@@ -37,8 +39,8 @@ MemoryPressure pressure(std::optional<std::int32_t> level)
 
 MemorySnapshot MemorySampler::sample()
 {
-    static MemoryCountersReader reader;
-    return snapshot(reader.read());
+    assertMainThread();
+    return snapshot(readMemoryCounters());
 }
 
 MemorySnapshot MemorySampler::snapshot(const MemoryCounters &counters)
@@ -57,7 +59,7 @@ MemorySnapshot MemorySampler::snapshot(const MemoryCounters &counters)
     memory.cached = std::min(
         sum(product(pages.purgeable, pageSize), product(pages.external, pageSize)), inactive);
     memory.appMemory = sum(sum(memory.wired, memory.active), memory.compressed);
-    // Inactive memory that is not cache belongs to somebody: it counts as used.
+    // Inactive memory that is not cache belongs to processes: it counts as used.
     memory.used = std::min(memory.total, sum(memory.appMemory, inactive - memory.cached));
 
     if (counters.swap) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t kibibyte = 1024;
 
-/// Lines of /proc/meminfo that matter here, in KiB. Which of them exist differs by kernel.
+/// The lines of /proc/meminfo that are used, in KiB. Which of them exist depends on the kernel.
 struct MemInfo {
     std::optional<std::uint64_t> total, free, available, activeAnon, inactiveAnon, activeFile,
         inactiveFile, reclaimable, slabReclaimable, zswap, swapTotal, swapFree;
@@ -63,7 +63,7 @@ std::optional<double> pressureAverage(std::string_view text, std::string_view ki
     return std::nullopt;
 }
 
-/// Level in the numbers that the shared arithmetic knows: 1 normal, 2 warning, 4 critical.
+/// Level in the numbers of the shared arithmetic: 1 normal, 2 warning, 4 critical.
 std::int32_t level(bool critical, bool warning)
 {
     return critical ? 4 : warning ? 2 : 1;
@@ -71,8 +71,8 @@ std::int32_t level(bool critical, bool warning)
 
 std::optional<std::int32_t> pressureLevel(const ProcMemoryTexts &texts, const MemInfo &info)
 {
-    // A tenth of the last ten seconds spent waiting for memory is felt; every task waiting that
-    // long at once is a stall.
+    // Users notice when some task waited for memory during a tenth of the last ten seconds; when
+    // all tasks waited for as long at once, the machine stalls.
     constexpr double stalledPercent = 10;
     const std::string_view text = texts.pressure.value_or(std::string_view());
     if (const auto some = pressureAverage(text, "some")) {
@@ -84,7 +84,7 @@ std::optional<std::int32_t> pressureLevel(const ProcMemoryTexts &texts, const Me
     return level(*info.available * 20 < *info.total, *info.available * 10 < *info.total);
 }
 
-/// What the ZFS cache could give back, in bytes.
+/// Bytes that the ZFS cache could release.
 std::uint64_t shrinkableCache(std::string_view arcStats)
 {
     std::uint64_t size = 0;

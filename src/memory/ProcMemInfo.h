@@ -12,15 +12,15 @@ struct ProcMemoryTexts {
     std::optional<std::string_view> memInfo = {};  ///< /proc/meminfo
     std::optional<std::string_view> pressure = {}; ///< /proc/pressure/memory
     std::optional<std::string_view> arcStats = {}; ///< /proc/spl/kstat/zfs/arcstats
-    std::uint64_t zramBytes = 0;                   ///< What compressed RAM disks cost.
+    std::uint64_t zramBytes = 0;                   ///< Memory used by compressed RAM disks.
 };
 
-/// The counts that the shared arithmetic takes, in KiB (a page size of 1024). Wired is all of the
-/// machine's memory that no other count explains, so that GPU buffers, kernel and driver pages,
-/// huge pages and locked memory count as used. Pure.
+/// The counts for the shared arithmetic, in KiB (a page size of 1024). Wired is all of the
+/// machine's memory that no other count covers, so that GPU buffers, kernel and driver pages, huge
+/// pages and locked memory count as used. Pure.
 MemoryCounters memoryCounters(const ProcMemoryTexts &texts);
 
-/// Memory cost in bytes of one compressed RAM disk, from its `mm_stat`; 0 when that is unreadable.
+/// Memory used by one compressed RAM disk in bytes, from its `mm_stat`; 0 when that is unreadable.
 std::uint64_t zramMemory(std::string_view mmStat);
 
 } // namespace corvane

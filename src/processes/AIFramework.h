@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// The families of local inference programs that are told apart. Colours belong to the views.
+/// The kinds of local inference program that are distinguished. Colours belong to the views.
 enum class AIFramework {
     ollama,
     mlx,
@@ -31,7 +31,7 @@ inline constexpr std::array allAIFrameworks{
 /// The case's own name, such as "llamaCpp".
 QString rawValue(AIFramework framework);
 
-/// The case of that name; nothing for any other text.
+/// The case of that name; absent for any other text.
 std::optional<AIFramework> aiFramework(const QString &rawValue);
 
 /// What users call it, such as "llama.cpp".

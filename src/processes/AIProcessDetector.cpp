@@ -72,8 +72,8 @@ std::optional<QString> modelFromAmbiguousFlag(const QStringList &argv)
 
 using Match = AIProcessDetector::Match;
 
-/// What an interpreter runs. Several rules name a fragment that a shorter one covers in the end
-/// ("/comfyui/" in "comfyui"); the shorter one stands here.
+/// What an interpreter runs. A fragment that contains another one of its rule ("/comfyui/" and
+/// "comfyui") is left out.
 std::optional<Match> classifyInterpreter(const QStringList &argv)
 {
     const auto flagsModel = [&argv] { return AIProcessDetector::modelFromFlags(argv); };
@@ -93,7 +93,7 @@ std::optional<Match> classifyInterpreter(const QStringList &argv)
         return Match{AIFramework::sdWebUI, checkpointModel()};
     if (containsAny(all, std::array{"transformers"_L1, "huggingface"_L1}))
         return Match{AIFramework::transformers, flagsModel()};
-    // The blank behind ".pt" keeps other words that begin so out; a last argument is the price.
+    // The blank behind ".pt" excludes longer words such as ".pth", and with them a last argument.
     constexpr std::array modelFileMarks{".gguf"_L1, ".safetensors"_L1, ".ckpt"_L1, ".pt "_L1,
                                         ".pth"_L1};
     if (containsAny(all, modelFileMarks))
@@ -110,9 +110,8 @@ QStringList decoded(const std::vector<std::string> &arguments)
     return list;
 }
 
-/// Read without holding the cache's lock: two callers may both read, and the later one wins.
-QStringList argumentsOf(std::int32_t pid, const AIProcessDetector::ArgumentReader &read,
-                        ArgumentCache &cache)
+/// Reads without holding the cache's lock: two callers may both read, and the later one wins.
+QStringList argumentsOf(std::int32_t pid, const ArgumentReader &read, ArgumentCache &cache)
 {
     if (auto cached = cache.find(pid))
         return *std::move(cached);
@@ -126,27 +125,18 @@ QStringList argumentsOf(std::int32_t pid, const AIProcessDetector::ArgumentReade
 
 ArgumentCache &AIProcessDetector::processWideCache()
 {
-    // Never destroyed: a job may still use it while the program ends.
+    // Never destroyed: a background job may still use it while the program ends.
     static auto *const cache = new ArgumentCache;
     return *cache;
 }
 
-std::vector<AIWorkload> AIProcessDetector::detectAll(const std::string &root)
-{
-    const auto heaviest = ProcessBridge::topProcessesByMemory(
-        processesLooked, root, {.first = 0, .fromMemory = leastMemory});
-    return detect(heaviest, [&root](std::int32_t pid) {
-        return ProcessBridge::processArgsForPID(pid, root);
-    });
-}
-
-std::vector<AIWorkload> AIProcessDetector::detect(std::span<const ProcessRecord> heaviest,
-                                                  const ArgumentReader &readArguments,
-                                                  ArgumentCache &cache)
+std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranking,
+                                                     const ArgumentReader &readArguments,
+                                                     ArgumentCache &cache)
 {
     std::vector<AIWorkload> workloads;
     std::unordered_set<std::int64_t> seen;
-    for (const auto &[pid, name, memory] : heaviest) {
+    for (const auto &[pid, name, memory] : ranking(processesExamined)) {
         if (!pid || !memory || (!name && *memory >= leastMemory))
             continue;
         seen.insert(*pid);
@@ -241,7 +231,7 @@ QString AIProcessDetector::basename(const QString &path)
     const QStringList pieces = whole.split(u'/', Qt::SkipEmptyParts);
     if (!whole.contains(u'/') || pieces.isEmpty())
         return whole;
-    // A relative owner/name pair is a model's identifier and stays whole.
+    // A relative "owner/name" is the identifier of a model and stays whole.
     const bool identifier = pieces.size() == 2 && !whole.startsWith(u'/');
     return identifier && !isModelFile(pieces.last()) ? whole : pieces.last();
 }

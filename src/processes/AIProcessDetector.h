@@ -5,17 +5,15 @@
 
 #include <QStringList>
 
-#include <span>
-
 namespace corvane {
 
 class ArgumentCache;
 
 /// Finds local AI inference among the heaviest processes, by their names and arguments alone. Safe
-/// from any thread. A process whose arguments cannot be read is judged by its name.
+/// from any thread. A process whose arguments cannot be read is classified by its name.
 class AIProcessDetector {
 public:
-    /// What a name and arguments amount to.
+    /// The classification of a process.
     struct Match {
         AIFramework framework = AIFramework::generic;
         std::optional<QString> model = {};
@@ -23,19 +21,16 @@ public:
         friend bool operator==(const Match &, const Match &) = default;
     };
 
-    static constexpr std::int32_t processesLooked = 80;
-    static constexpr std::uint64_t leastMemory = 200 << 20; ///< In bytes; lighter ones are not AI.
+    static constexpr std::int32_t processesExamined = 80;
+    static constexpr std::uint64_t leastMemory = 200 << 20; ///< In bytes; lighter ones are skipped.
 
-    using ArgumentReader = std::function<std::optional<ArgumentRecord>(std::int32_t pid)>;
-
-    /// The workloads of this machine, largest first. Arguments are read once for a process and kept
-    /// for the life of the program while it stays among those looked at.
-    static std::vector<AIWorkload> detectAll(const std::string &root = "/");
-
-    /// The same over a ranking that was made before. Records below `leastMemory` need no name.
-    static std::vector<AIWorkload> detect(std::span<const ProcessRecord> heaviest,
-                                          const ArgumentReader &readArguments,
-                                          ArgumentCache &cache = processWideCache());
+    /// The workloads among the first `processesExamined` of a ranking, largest first. A record
+    /// below `leastMemory` needs no name. The arguments of a process are read once and kept while
+    /// the process stays in the ranking.
+    static std::vector<AIWorkload> detectAll(
+        const ProcessRanking &ranking = ProcessBridge::ranking(),
+        const ArgumentReader &readArguments = ProcessBridge::argumentReader(),
+        ArgumentCache &cache = processWideCache());
 
     static std::optional<Match> classify(const QString &name, const QStringList &argv);
 
@@ -49,6 +44,7 @@ public:
     static QString basename(const QString &path);
 
 private:
+    /// Kept for the life of the program.
     static ArgumentCache &processWideCache();
 };
 

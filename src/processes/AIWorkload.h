@@ -14,7 +14,7 @@ struct AIWorkload {
     std::int64_t pid = 0; ///< The same value.
     QString processName = {};
     AIFramework framework = AIFramework::generic;
-    std::optional<QString> model = {}; ///< Absent when the command line tells none.
+    std::optional<QString> model = {}; ///< Absent when the command line names none.
     std::uint64_t memory = 0;          ///< Physical footprint in bytes.
 
     friend bool operator==(const AIWorkload &, const AIWorkload &) = default;

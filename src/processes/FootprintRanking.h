@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
+#include "processes/ProcessRecord.h"
+
 #include <functional>
-#include <optional>
 #include <vector>
 
 namespace corvane {
 
-/// What one cheap look tells of a process's footprint, in bytes: it lies between these.
+/// What one cheap read shows of a process's footprint, in bytes: it lies between these.
 struct FootprintBounds {
     std::int32_t pid = 0;
     std::uint64_t least = 0;
@@ -16,24 +16,18 @@ struct FootprintBounds {
     friend bool operator==(const FootprintBounds &, const FootprintBounds &) = default;
 };
 
-/// A process and its footprint in bytes.
-struct ProcessFootprint {
-    std::int32_t pid = 0;
-    std::uint64_t memory = 0;
-
-    friend bool operator==(const ProcessFootprint &, const ProcessFootprint &) = default;
-};
-
-/// The footprint of a process whose bounds differ, by a dearer look; nothing when it has ended.
+/// The footprint in bytes of a process whose bounds differ, by a second, more expensive read.
+/// Absent when the process has ended.
 using FootprintReader = std::function<std::optional<std::uint64_t>(const FootprintBounds &)>;
 
-/// The footprint within `bounds`, read where it must be; nothing for a process that holds nothing.
-std::optional<ProcessFootprint> exactFootprint(const FootprintBounds &bounds,
-                                               const FootprintReader &read);
+/// The footprint within `bounds`, read only where they differ; absent for a process that has ended
+/// or holds nothing.
+std::optional<std::uint64_t> exactFootprint(const FootprintBounds &bounds,
+                                            const FootprintReader &read);
 
-/// At most `limit` processes, largest first, equal ones by their number: the very ranking of all
-/// exact footprints, reading only those that may belong to it. Pure.
-std::vector<ProcessFootprint> heaviestFootprints(std::vector<FootprintBounds> processes,
-                                                 std::size_t limit, const FootprintReader &read);
+/// At most `limit` processes, largest first, equal ones by their number; without names. The same as
+/// the ranking of all exact footprints, but reads only those that can belong to it. Pure.
+std::vector<ProcessRecord> heaviestProcesses(std::vector<FootprintBounds> processes,
+                                             std::size_t limit, const FootprintReader &read);
 
 } // namespace corvane

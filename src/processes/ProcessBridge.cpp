@@ -4,48 +4,60 @@
 
 namespace corvane {
 
-std::string ProcessBridge::name(std::int32_t pid, const std::string &root)
+namespace {
+
+std::string nameOf(std::int32_t pid, const ProcessSource &source)
 {
-    auto read = readName(pid, root);
-    if (!read || read->empty() || !isUtf8(*read))
+    auto name = source.name(pid);
+    if (!name || name->empty() || !isUtf8(*name))
         return "pid " + std::to_string(pid);
-    return std::move(*read);
+    return std::move(*name);
 }
 
-FootprintReader ProcessBridge::footprintReader(const std::string &root)
-{
-    return [&root](const FootprintBounds &bounds) { return readFootprint(bounds, root); };
-}
+} // namespace
 
-std::vector<ProcessRecord> ProcessBridge::allProcesses(const std::string &root)
+std::vector<ProcessRecord> ProcessBridge::allProcesses(const ProcessSource &source)
 {
-    const auto processes = listFootprints(root);
-    const auto read = footprintReader(root);
+    const auto processes = source.footprints();
     std::vector<ProcessRecord> records;
     records.reserve(processes.size());
     for (const FootprintBounds &bounds : processes) {
-        if (const auto process = exactFootprint(bounds, read))
-            records.push_back({process->pid, name(process->pid, root), process->memory});
+        if (const auto memory = exactFootprint(bounds, source.footprint))
+            records.push_back({bounds.pid, nameOf(bounds.pid, source), memory});
     }
     return records;
 }
 
 std::vector<ProcessRecord> ProcessBridge::topProcessesByMemory(std::int32_t limit,
-                                                               const std::string &root,
-                                                               const NamesWanted &names)
+                                                               const NamesWanted &names,
+                                                               const ProcessSource &source)
 {
     if (limit < 1)
         return {};
-    const auto heaviest = heaviestFootprints(listFootprints(root), static_cast<std::size_t>(limit),
-                                             footprintReader(root));
-    std::vector<ProcessRecord> records;
-    records.reserve(heaviest.size());
-    for (const auto &[pid, memory] : heaviest) {
-        ProcessRecord &record = records.emplace_back(ProcessRecord{.pid = pid, .memory = memory});
-        if (records.size() <= names.first || memory >= names.fromMemory)
-            record.name = name(pid, root);
+    auto records =
+        heaviestProcesses(source.footprints(), static_cast<std::size_t>(limit), source.footprint);
+    for (std::size_t place = 0; place < records.size(); ++place) {
+        ProcessRecord &record = records[place];
+        if (place < names.first || record.memory >= names.fromMemory)
+            record.name = nameOf(*record.pid, source);
     }
     return records;
+}
+
+std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
+                                                               const ProcessSource &source)
+{
+    return pid > 0 ? source.arguments(pid) : std::nullopt;
+}
+
+ProcessRanking ProcessBridge::ranking(const ProcessSource &source)
+{
+    return [source](std::int32_t limit) { return topProcessesByMemory(limit, {}, source); };
+}
+
+ArgumentReader ProcessBridge::argumentReader(const ProcessSource &source)
+{
+    return [source](std::int32_t pid) { return processArgsForPID(pid, source); };
 }
 
 } // namespace corvane

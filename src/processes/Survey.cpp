@@ -9,20 +9,23 @@ namespace corvane {
 
 Survey takeSurvey()
 {
-    return surveyBelow("/");
+    return surveyOf(ProcessSource::system());
 }
 
-Survey surveyBelow(const std::string &root)
+Survey surveyOf(const ProcessSource &source)
 {
-    constexpr std::size_t rowsShown = 20;
+    constexpr std::int32_t rowsShown = 20;
+    // The listing is the expensive part: both share one, with no more names than they need.
     const auto heaviest = ProcessBridge::topProcessesByMemory(
-        AIProcessDetector::processesLooked, root,
-        {.first = rowsShown, .fromMemory = AIProcessDetector::leastMemory});
-    const std::span shown(heaviest.data(), std::min(heaviest.size(), rowsShown));
-    return {.processes = ProcessSampler::rows(shown),
-            .workloads = AIProcessDetector::detect(heaviest, [&root](std::int32_t pid) {
-                return ProcessBridge::processArgsForPID(pid, root);
-            })};
+        AIProcessDetector::processesExamined,
+        {.first = rowsShown, .fromMemory = AIProcessDetector::leastMemory}, source);
+    const ProcessRanking ranking = [&heaviest](std::int32_t limit) {
+        const auto count = std::min(std::ssize(heaviest), std::ptrdiff_t(limit));
+        return std::vector(heaviest.begin(), heaviest.begin() + count);
+    };
+    return {.processes = ProcessSampler::topByRAM(rowsShown, ranking),
+            .workloads =
+                AIProcessDetector::detectAll(ranking, ProcessBridge::argumentReader(source))};
 }
 
 } // namespace corvane

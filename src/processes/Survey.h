@@ -3,12 +3,13 @@
 #include "processes/AIWorkload.h"
 #include "processes/ProcessRow.h"
 
-#include <string>
 #include <vector>
 
 namespace corvane {
 
-/// One look at the machine's processes.
+struct ProcessSource;
+
+/// The processes of a machine at one time.
 struct Survey {
     std::vector<ProcessRow> processes = {}; ///< The 20 heaviest, largest first.
     std::vector<AIWorkload> workloads = {}; ///< Largest first.
@@ -16,12 +17,11 @@ struct Survey {
     friend bool operator==(const Survey &, const Survey &) = default;
 };
 
-/// Ranks the processes, then looks for AI workloads among them: the outcome of
-/// `ProcessSampler::topByRAM(20)` and `AIProcessDetector::detectAll()`, from a single listing. Safe
-/// from any thread; meant for one in the background.
+/// Ranks this machine's processes and looks for AI workloads among them. Safe from any thread;
+/// meant for a background one.
 Survey takeSurvey();
 
-/// The same of the machine whose kernel files lie below `root` (Linux).
-Survey surveyBelow(const std::string &root);
+/// The same for any source.
+Survey surveyOf(const ProcessSource &source);
 
 } // namespace corvane

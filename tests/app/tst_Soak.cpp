@@ -5,8 +5,9 @@
 #include "charts/Sparkline.h"
 #include "dashboard/MainWindow.h"
 #include "login/LaunchAtLoginManager.h"
-#include "memory/MemoryCounters.h"
+#include "memory/MemoryFiles_linux.h"
 #include "panel/MenuBarContent.h"
+#include "processes/ProcessSource_linux.h"
 #include "sampler/SystemSampler.h"
 #include "settings/SettingsWindow.h"
 #include "support/FakeTray.h"
@@ -223,12 +224,13 @@ void TestSoak::initTestCase()
     QCoreApplication::setApplicationName(u"Corvane"_s);
     m_machine = std::make_unique<SoakMachine>(m_random());
     m_settings = std::make_unique<AppSettings>();
-    const auto memory = std::make_shared<MemoryCountersReader>(m_machine->root());
+    const auto memory = std::make_shared<MemoryFiles>(m_machine->root());
     m_sampler = std::make_unique<SystemSampler>(
         *m_settings,
         SamplerSources{.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
                        .chip = openChipSource(m_machine->root()),
-                       .survey = [root = m_machine->root()] { return surveyBelow(root); },
+                       .survey = [processes = linuxProcesses(
+                                      m_machine->root())] { return surveyOf(processes); },
                        .now = [this] { return m_machine->now(); }},
         m_folder.path());
     m_sampler->findChild<QTimer *>()->stop();

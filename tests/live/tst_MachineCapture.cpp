@@ -2,7 +2,7 @@
 #include "chip/ChipSource.h"
 #include "cpu/CoreTicks.h"
 #include "gpu/GPUDevices.h"
-#include "memory/MemoryCounters.h"
+#include "memory/MemoryFiles_linux.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"
 
@@ -26,7 +26,7 @@ QStringList readings(const std::string &root)
         ((lines.last() += u' ' + QString::number(values, 'g', 17)), ...);
     };
     lines += QString::fromStdString(readChipName(root).value_or("no name"));
-    const MemoryCounters memory = MemoryCountersReader(root).read();
+    const MemoryCounters memory = MemoryFiles(root).read();
     if (const auto &pages = memory.pages)
         add("pages", double(pages->free), double(pages->active), double(pages->inactive),
             double(pages->wired), double(pages->compressor), double(pages->purgeable),
@@ -129,9 +129,8 @@ void TestMachineCapture::takesThisMachine()
 {
     QVERIFY(capture("/"));
     const std::string root = copy().toStdString();
-    QCOMPARE(MemoryCountersReader(root).read().totalBytes,
-             MemoryCountersReader().read().totalBytes);
-    QVERIFY(MemoryCountersReader(root).read().pages);
+    QCOMPARE(MemoryFiles(root).read().totalBytes, readMemoryCounters().totalBytes);
+    QVERIFY(MemoryFiles(root).read().pages);
     QCOMPARE(CoreTicksReader(root).read()->size(), CoreTicksReader().read()->size());
     QCOMPARE(readChipName(root), readChipName());
     QCOMPARE(readFrequencyTables(root).performance, readFrequencyTables().performance);

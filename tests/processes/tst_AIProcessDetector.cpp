@@ -27,7 +27,7 @@ struct CommandLines {
     std::map<std::int32_t, std::vector<std::string>> byPid = {};
     std::vector<std::int32_t> reads = {};
 
-    AIProcessDetector::ArgumentReader reader()
+    ArgumentReader reader()
     {
         return [this](std::int32_t pid) -> std::optional<ArgumentRecord> {
             reads.push_back(pid);
@@ -38,6 +38,13 @@ struct CommandLines {
         };
     }
 };
+
+/// The workloads of a machine with these processes.
+std::vector<AIWorkload> detect(const Records &records, const ArgumentReader &read,
+                               ArgumentCache &cache)
+{
+    return AIProcessDetector::detectAll([&records](std::int32_t) { return records; }, read, cache);
+}
 
 QList<qint64> pids(const std::vector<AIWorkload> &workloads)
 {
@@ -68,6 +75,7 @@ private slots:
     void makesBasenames_data();
     void makesBasenames();
     void describesWorkloads();
+    void examinesEightyProcesses();
     void reports_data();
     void reports();
     void sortsByMemoryAndKeepsTheOrderOfEqualOnes();
@@ -373,8 +381,7 @@ void TestAIProcessDetector::describesWorkloads()
 {
     CommandLines lines{.byPid = {{7, {"Ollama", "run", "llama3"}}}};
     ArgumentCache cache;
-    const auto workloads =
-        AIProcessDetector::detect(Records{{7, "Ollama", 300 * MiB}}, lines.reader(), cache);
+    const auto workloads = detect(Records{{7, "Ollama", 300 * MiB}}, lines.reader(), cache);
     const std::vector<AIWorkload> expected{{.id = 7,
                                             .pid = 7,
                                             .processName = u"Ollama"_s,
@@ -382,6 +389,18 @@ void TestAIProcessDetector::describesWorkloads()
                                             .model = u"llama3"_s,
                                             .memory = 300 * MiB}};
     QCOMPARE(workloads, expected);
+}
+
+void TestAIProcessDetector::examinesEightyProcesses()
+{
+    ArgumentCache cache;
+    std::int32_t asked = 0;
+    const auto ranking = [&asked](std::int32_t limit) {
+        asked = limit;
+        return Records();
+    };
+    AIProcessDetector::detectAll(ranking, CommandLines().reader(), cache);
+    QCOMPARE(asked, 80);
 }
 
 void TestAIProcessDetector::reports_data()
@@ -413,7 +432,7 @@ void TestAIProcessDetector::reports()
     QFETCH(int, reads);
     CommandLines lines{.byPid = {{1, {"python3", "-m", "mlx_lm.server"}}}};
     ArgumentCache cache;
-    QTEST(pids(AIProcessDetector::detect(records, lines.reader(), cache)), "expected");
+    QTEST(pids(detect(records, lines.reader(), cache)), "expected");
     QCOMPARE(lines.reads.size(), static_cast<std::size_t>(reads));
 }
 
@@ -424,8 +443,7 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
     const Records records{{5, "ollama", enough},       {2, "lms", enough},
                           {9, "whisper", 900 * MiB},   {1, "koboldcpp", enough},
                           {3, "llama-cli", 901 * MiB}, {4, "firefox", 950 * MiB}};
-    QCOMPARE(pids(AIProcessDetector::detect(records, lines.reader(), cache)),
-             (QList<qint64>{3, 9, 5, 2, 1}));
+    QCOMPARE(pids(detect(records, lines.reader(), cache)), (QList<qint64>{3, 9, 5, 2, 1}));
 
     // So many that a sort that is not stable would show, in an order of no kind.
     Records equal;
@@ -434,7 +452,7 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
         equal.push_back({i * 7 % 41, "ollama", enough});
         order.append(i * 7 % 41);
     }
-    QCOMPARE(pids(AIProcessDetector::detect(equal, lines.reader(), cache)), order);
+    QCOMPARE(pids(detect(equal, lines.reader(), cache)), order);
 }
 
 void TestAIProcessDetector::readsArgumentsOnce()
@@ -443,8 +461,7 @@ void TestAIProcessDetector::readsArgumentsOnce()
     ArgumentCache cache;
     const Records records{{7, "ollama", enough}};
     for (int pass = 0; pass < 3; ++pass)
-        QCOMPARE(AIProcessDetector::detect(records, lines.reader(), cache).at(0).model,
-                 Model(u"a"_s));
+        QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model(u"a"_s));
     QCOMPARE(lines.reads, std::vector<std::int32_t>{7});
 }
 
@@ -453,10 +470,9 @@ void TestAIProcessDetector::keepsTheArgumentsOfTheFirstSighting()
     // Even for another process that got the same number in the meantime.
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
     ArgumentCache cache;
-    AIProcessDetector::detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
+    detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
     lines.byPid[7] = {"llama-server", "-m", "/m/b.gguf"};
-    const auto workloads =
-        AIProcessDetector::detect(Records{{7, "llama-server", enough}}, lines.reader(), cache);
+    const auto workloads = detect(Records{{7, "llama-server", enough}}, lines.reader(), cache);
     QCOMPARE(workloads.at(0).framework, AIFramework::llamaCpp);
     QCOMPARE(workloads.at(0).model, Model());
     QCOMPARE(lines.reads.size(), std::size_t(1));
@@ -467,9 +483,9 @@ void TestAIProcessDetector::doesNotRetryAFailedRead()
     CommandLines lines;
     ArgumentCache cache;
     const Records records{{7, "ollama", enough}};
-    AIProcessDetector::detect(records, lines.reader(), cache);
+    detect(records, lines.reader(), cache);
     lines.byPid[7] = {"ollama", "run", "a"};
-    QCOMPARE(AIProcessDetector::detect(records, lines.reader(), cache).at(0).model, Model());
+    QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model());
     QCOMPARE(lines.reads.size(), std::size_t(1));
 }
 
@@ -481,7 +497,7 @@ void TestAIProcessDetector::readsWithoutHoldingTheCacheUp()
         cache.remember(pid, {u"ollama"_s, u"run"_s, u"other"_s});
         return std::optional(ArgumentRecord{.argv = {"ollama", "run", "own"}});
     };
-    const auto workloads = AIProcessDetector::detect(Records{{7, "ollama", enough}}, read, cache);
+    const auto workloads = detect(Records{{7, "ollama", enough}}, read, cache);
     QCOMPARE(workloads.at(0).model, Model(u"own"_s));
     QCOMPARE(cache.find(7), std::optional(QStringList{u"ollama"_s, u"run"_s, u"own"_s}));
 }
@@ -491,14 +507,14 @@ void TestAIProcessDetector::forgetsWhatLeftTheList()
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
     ArgumentCache cache;
     const Records records{{7, "ollama", enough}};
-    AIProcessDetector::detect(records, lines.reader(), cache);
-    AIProcessDetector::detect(Records{{8, "firefox", enough}}, lines.reader(), cache);
+    detect(records, lines.reader(), cache);
+    detect(Records{{8, "firefox", enough}}, lines.reader(), cache);
     QVERIFY(!cache.find(7));
     lines.byPid[7] = {"ollama", "run", "b"};
-    QCOMPARE(AIProcessDetector::detect(records, lines.reader(), cache).at(0).model, Model(u"b"_s));
+    QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model(u"b"_s));
 
     // A record that cannot be read does not count as seen.
-    AIProcessDetector::detect(Records{{7, {}, enough}}, lines.reader(), cache);
+    detect(Records{{7, {}, enough}}, lines.reader(), cache);
     QVERIFY(!cache.find(7));
 }
 
@@ -506,11 +522,11 @@ void TestAIProcessDetector::keepsWhatShrankButStayed()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
     ArgumentCache cache;
-    AIProcessDetector::detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
-    AIProcessDetector::detect(Records{{7, "ollama", MiB}}, lines.reader(), cache);
+    detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
+    detect(Records{{7, "ollama", MiB}}, lines.reader(), cache);
     QVERIFY(cache.find(7));
-    AIProcessDetector::detect(Records{{7, {}, MiB}}, lines.reader(),
-                              cache); // Not named, too light.
+    detect(Records{{7, {}, MiB}}, lines.reader(),
+           cache); // Not named, too light.
     QVERIFY(cache.find(7));
 }
 

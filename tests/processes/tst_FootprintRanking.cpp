@@ -10,12 +10,24 @@
 using namespace corvane;
 
 using Bounds = std::vector<FootprintBounds>;
-using Ranking = std::vector<ProcessFootprint>;
+using Ranking = std::vector<std::pair<std::int32_t, std::uint64_t>>; ///< Number and bytes.
 using Exact = std::map<std::int32_t, std::uint64_t>;
 
 Q_DECLARE_METATYPE(Bounds)
 Q_DECLARE_METATYPE(Ranking)
 Q_DECLARE_METATYPE(Exact)
+
+namespace {
+
+Ranking ranking(const Bounds &processes, std::size_t limit, const FootprintReader &read)
+{
+    Ranking ranking;
+    for (const ProcessRecord &process : heaviestProcesses(processes, limit, read))
+        ranking.emplace_back(process.pid.value(), process.memory.value());
+    return ranking;
+}
+
+} // namespace
 
 class TestFootprintRanking : public QObject {
     Q_OBJECT
@@ -23,7 +35,7 @@ class TestFootprintRanking : public QObject {
 private slots:
     void ranks_data();
     void ranks();
-    void readsNoMoreThanItMust();
+    void readsOnlyWhatCanBelongToTheRanking();
     void equalsTheRankingOfAllExactFootprints();
 };
 
@@ -64,22 +76,21 @@ void TestFootprintRanking::ranks()
         const auto found = exact.find(bounds.pid);
         return found == exact.end() ? std::nullopt : std::optional(found->second);
     };
-    QTEST(heaviestFootprints(processes, static_cast<std::size_t>(limit), read), "expected");
+    QTEST(ranking(processes, static_cast<std::size_t>(limit), read), "expected");
 }
 
-void TestFootprintRanking::readsNoMoreThanItMust()
+void TestFootprintRanking::readsOnlyWhatCanBelongToTheRanking()
 {
     std::set<std::int32_t> read;
     const auto reader = [&read](const FootprintBounds &bounds) {
         read.insert(bounds.pid);
         return std::optional(bounds.least);
     };
-    heaviestFootprints({{1, 90, 100}, {2, 80, 95}, {3, 10, 85}, {4, 79, 79}, {5, 1, 79}}, 2,
-                       reader);
+    heaviestProcesses({{1, 90, 100}, {2, 80, 95}, {3, 10, 85}, {4, 79, 79}, {5, 1, 79}}, 2, reader);
     QCOMPARE(read, (std::set<std::int32_t>{1, 2, 3}));
 
     read.clear();
-    heaviestFootprints({{1, 9, 9}, {2, 8, 8}, {3, 7, 7}}, 1, reader);
+    heaviestProcesses({{1, 9, 9}, {2, 8, 8}, {3, 7, 7}}, 1, reader);
     QVERIFY(read.empty());
 }
 
@@ -100,14 +111,13 @@ void TestFootprintRanking::equalsTheRankingOfAllExactFootprints()
             if (memory > 0)
                 all.push_back({pid, memory});
         }
-        std::ranges::stable_sort(all, std::greater(), &ProcessFootprint::memory);
+        std::ranges::stable_sort(all, std::greater(), &Ranking::value_type::second);
         const auto limit = static_cast<std::size_t>(below(70));
         all.resize(std::min(all.size(), limit));
-        const auto ranking =
-            heaviestFootprints(processes, limit, [&exact](const FootprintBounds &bounds) {
-                return std::optional(exact[bounds.pid]);
-            });
-        QCOMPARE(ranking, all);
+        const auto read = [&exact](const FootprintBounds &bounds) {
+            return std::optional(exact[bounds.pid]);
+        };
+        QCOMPARE(ranking(processes, limit, read), all);
     }
 }
 

@@ -1,4 +1,3 @@
-#include "platform/BackgroundJob.h"
 #include "processes/AIProcessDetector.h"
 #include "processes/ProcTree.h"
 #include "processes/ProcessSampler.h"
@@ -30,6 +29,18 @@ void addCrowd(ProcTree &tree, int first, int count, std::uint64_t heaviest)
                   .cmdline = QByteArray("node\0app.js\0", 12)});
 }
 
+/// The ranking and the workloads, each from a listing of its own.
+std::vector<ProcessRow> rows(const ProcTree &tree)
+{
+    return ProcessSampler::topByRAM(20, ProcessBridge::ranking(tree.source()));
+}
+
+std::vector<AIWorkload> workloads(const ProcTree &tree)
+{
+    return AIProcessDetector::detectAll(ProcessBridge::ranking(tree.source()),
+                                        ProcessBridge::argumentReader(tree.source()));
+}
+
 } // namespace
 
 class TestSurvey : public QObject {
@@ -40,10 +51,8 @@ private slots:
     void equalsThemOnAnyMachine();
     void looksAtTheEightyHeaviest();
     void findsNothingWhereNothingIs();
-    void findsItself();
+    void findsProcessesOfThisMachine();
     void isSafeFromManyThreads();
-    void isDeliveredInTheBackground();
-    void isDroppedWithItsOwner();
 };
 
 void TestSurvey::equalsRankingAndDetection()
@@ -56,7 +65,7 @@ void TestSurvey::equalsRankingAndDetection()
              {.own = 2000 * MiB,
               .comm = "python3\n",
               .cmdline = QByteArray("python3\0-m\0vllm\0--model\0b\0", 26)});
-    const Survey survey = surveyBelow(tree.root());
+    const Survey survey = surveyOf(tree.source());
     QCOMPARE(survey.processes.size(), std::size_t(20));
     QCOMPARE(survey.processes.at(0), (ProcessRow{2, u"python3"_s, 2000 * MiB}));
     QCOMPARE(survey.processes.at(19), (ProcessRow{1018, u"node"_s, 882 * MiB}));
@@ -64,8 +73,8 @@ void TestSurvey::equalsRankingAndDetection()
         survey.workloads,
         (std::vector<AIWorkload>{{2, 2, u"python3"_s, AIFramework::vllm, u"b"_s, 2000 * MiB},
                                  {1, 1, u"ollama"_s, AIFramework::ollama, u"a"_s, 300 * MiB}}));
-    QCOMPARE(survey.processes, ProcessSampler::topByRAM(20, tree.root()));
-    QCOMPARE(survey.workloads, AIProcessDetector::detectAll(tree.root()));
+    QCOMPARE(survey.processes, rows(tree));
+    QCOMPARE(survey.workloads, workloads(tree));
 }
 
 void TestSurvey::equalsThemOnAnyMachine()
@@ -86,11 +95,11 @@ void TestSurvey::equalsThemOnAnyMachine()
                       .swapped = oneOf(std::array{0 * MiB, 1 * MiB, 100 * MiB}),
                       .comm = oneOf(names),
                       .cmdline = QByteArray("x\0-m\0mlx\0", 9)});
-        const Survey survey = surveyBelow(tree.root());
+        const Survey survey = surveyOf(tree.source());
         QCOMPARE(survey.processes.size(), std::size_t(20));
         QVERIFY(!survey.workloads.empty());
-        QCOMPARE(survey.processes, ProcessSampler::topByRAM(20, tree.root()));
-        QCOMPARE(survey.workloads, AIProcessDetector::detectAll(tree.root()));
+        QCOMPARE(survey.processes, rows(tree));
+        QCOMPARE(survey.workloads, workloads(tree));
     }
 }
 
@@ -99,20 +108,20 @@ void TestSurvey::looksAtTheEightyHeaviest()
     ProcTree tree;
     addCrowd(tree, 1000, 79, 900 * MiB);
     tree.add(1, {.own = 300 * MiB, .comm = "ollama\n"});
-    QCOMPARE(surveyBelow(tree.root()).workloads.size(), std::size_t(1));
+    QCOMPARE(surveyOf(tree.source()).workloads.size(), std::size_t(1));
     addCrowd(tree, 2000, 1, 301 * MiB); // Now it is the 81st.
-    QCOMPARE(surveyBelow(tree.root()).workloads.size(), std::size_t(0));
-    QCOMPARE(AIProcessDetector::detectAll(tree.root()).size(), std::size_t(0));
+    QCOMPARE(surveyOf(tree.source()).workloads.size(), std::size_t(0));
+    QCOMPARE(workloads(tree).size(), std::size_t(0));
 }
 
 void TestSurvey::findsNothingWhereNothingIs()
 {
-    const Survey survey = surveyBelow("/nowhere");
+    const Survey survey = surveyOf(linuxProcesses("/nowhere"));
     QVERIFY(survey.processes.empty());
     QVERIFY(survey.workloads.empty());
 }
 
-void TestSurvey::findsItself()
+void TestSurvey::findsProcessesOfThisMachine()
 {
     const Survey survey = takeSurvey();
     QVERIFY(!survey.processes.empty());
@@ -126,13 +135,13 @@ void TestSurvey::isSafeFromManyThreads()
     addCrowd(tree, 1000, 5, 900 * MiB);
     tree.add(1,
              {.own = 300 * MiB, .comm = "ollama\n", .cmdline = QByteArray("ollama\0run\0a\0", 13)});
-    const Survey expected = surveyBelow(tree.root());
+    const Survey expected = surveyOf(tree.source());
     std::atomic<int> differing = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int pass = 0; pass < 20; ++pass)
-                differing += surveyBelow(tree.root()) != expected;
+                differing += surveyOf(tree.source()) != expected;
         });
     }
     for (std::thread &thread : threads)
@@ -140,34 +149,5 @@ void TestSurvey::isSafeFromManyThreads()
     QCOMPARE(differing.load(), 0);
 }
 
-void TestSurvey::isDeliveredInTheBackground()
-{
-    QObject owner;
-    std::vector<Survey> received;
-    for (int i = 0; i < 5; ++i)
-        runThenDeliver(&owner, takeSurvey,
-                       [&received](Survey survey) { received.push_back(std::move(survey)); });
-    QTRY_COMPARE(received.size(), std::size_t(5));
-    for (const Survey &survey : received)
-        QVERIFY(!survey.processes.empty());
-}
-
-void TestSurvey::isDroppedWithItsOwner()
-{
-    bool delivered = false;
-    for (int i = 0; i < 20; ++i) {
-        QObject owner;
-        runThenDeliver(&owner, takeSurvey, [&delivered](const Survey &) { delivered = true; });
-    }
-    QObject other;
-    bool later = false;
-    while (!later) {
-        runThenDeliver(
-            &other, [] { return true; }, [&later](bool value) { later = value; });
-        QTest::qWait(1);
-    }
-    QVERIFY(!delivered);
-}
-
-QTEST_GUILESS_MAIN(TestSurvey)
+QTEST_APPLESS_MAIN(TestSurvey)
 #include "tst_Survey.moc"

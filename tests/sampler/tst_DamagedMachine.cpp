@@ -1,4 +1,5 @@
-#include "memory/MemoryCounters.h"
+#include "memory/MemoryFiles_linux.h"
+#include "processes/ProcessSource_linux.h"
 #include "processes/Survey.h"
 #include "sampler/SystemSampler.h"
 #include "support/FaultyCalls.h"
@@ -124,7 +125,7 @@ public:
 
     SamplerSources sources() const
     {
-        const auto memory = std::make_shared<MemoryCountersReader>(root());
+        const auto memory = std::make_shared<MemoryFiles>(root());
         return {.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
                 .chip = openChipSource(root()),
                 .survey = {},
@@ -219,7 +220,7 @@ QString TestDamagedMachine::ticks(SystemSampler &sampler, const std::string &roo
     SteppedClock::pass(1);
     const double before = sampler.current().timestamp;
     sampler.tick();
-    const Survey survey = surveyBelow(root);
+    const Survey survey = surveyOf(linuxProcesses(root));
     const bool goesOn = sampler.current().timestamp > before;
     if (!wasPlausible || !goesOn || !isPlausible(sampler.current()) || survey.processes.size() > 3)
         return {};
@@ -302,7 +303,7 @@ void TestDamagedMachine::survivesDamage()
             restore(path, kept / path.lexically_relative(whole.root()), damage.inPlace);
     }
     QCOMPARE(ticks(sampler, whole.root()), before);
-    QCOMPARE(surveyBelow(whole.root()).processes.size(), std::size_t(3));
+    QCOMPARE(surveyOf(linuxProcesses(whole.root())).processes.size(), std::size_t(3));
 }
 
 void TestDamagedMachine::survivesFailingCalls_data()
@@ -339,7 +340,7 @@ void TestDamagedMachine::survivesFailingCalls()
         FaultyCalls::clear();
     }
     QCOMPARE(ticks(sampler, whole.root()), before);
-    QCOMPARE(surveyBelow(whole.root()).processes.size(), std::size_t(3));
+    QCOMPARE(surveyOf(linuxProcesses(whole.root())).processes.size(), std::size_t(3));
 }
 
 void TestDamagedMachine::noTickWaitsForADiskThatStalls()

@@ -18,7 +18,7 @@ int main()
 {
     lowerThreadPriority();
     const bool known = hostSystem() == HostSystem::mac && secondsSinceBoot() > 0
-        && MemoryCountersReader().read().pages && CoreTicksReader().read() && readChipName()
+        && readMemoryCounters().pages && CoreTicksReader().read() && readChipName()
         && !frequencyTables().performance.empty() && !ThermalBridge().readAllTemperatures().empty()
         && !ProcessBridge::allProcesses().empty() && ProcessBridge::processArgsForPID(1);
     const auto bridge = IOReportBridge::withChannelGroups({{.group = "Energy Model"}});

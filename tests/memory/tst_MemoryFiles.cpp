@@ -1,12 +1,10 @@
-#include "memory/MemoryCounters.h"
+#include "memory/MemoryFiles_linux.h"
 
 #include "memory/MemorySampler.h"
+#include "support/MachineTree.h"
 #include "support/Machines.h"
 #include "support/Snapshots.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace corvane;
@@ -17,17 +15,9 @@ namespace {
 
 constexpr std::uint64_t kib = 1024;
 
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(contents), contents.size());
-}
-
 } // namespace
 
-class TestMemoryCounters : public QObject {
+class TestMemoryFiles : public QObject {
     Q_OBJECT
 
 private slots:
@@ -44,7 +34,7 @@ private slots:
 ///   wired = MemTotal - MemFree - Active(anon) - compressed - Inactive(anon) - cached
 ///   appMemory = wired + Active(anon) + compressed
 ///   used = appMemory + Inactive(anon), which is MemTotal - MemFree - cached
-void TestMemoryCounters::readsMachines_data()
+void TestMemoryFiles::readsMachines_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<MemorySnapshot>("expected");
@@ -118,39 +108,38 @@ void TestMemoryCounters::readsMachines_data()
                                                                  .appMemory = 138'228 * kib};
 }
 
-void TestMemoryCounters::readsMachines()
+void TestMemoryFiles::readsMachines()
 {
     QFETCH(QString, name);
     QFETCH(MemorySnapshot, expected);
-    MemoryCountersReader reader(machine(name.toStdString()));
+    MemoryFiles reader(machine(name.toStdString()));
     QCOMPARE(described(MemorySampler::snapshot(reader.read())), described(expected));
     QCOMPARE(described(MemorySampler::snapshot(reader.read())), described(expected));
 }
 
-void TestMemoryCounters::readsAgain()
+void TestMemoryFiles::readsAgain()
 {
-    const QTemporaryDir root;
-    writeFile(root.filePath(u"proc/meminfo"_s), "MemTotal: 100 kB\nMemFree: 60 kB\n");
-    MemoryCountersReader reader(root.path().toStdString());
+    const MachineTree tree;
+    tree.write("proc/meminfo", "MemTotal: 100 kB\nMemFree: 60 kB\n");
+    MemoryFiles reader(tree.root());
     QCOMPARE(reader.read().pages->free, std::uint64_t(60));
-    writeFile(root.filePath(u"proc/meminfo"_s), "MemTotal: 100 kB\nMemFree: 5 kB\n");
+    tree.write("proc/meminfo", "MemTotal: 100 kB\nMemFree: 5 kB\n");
     QCOMPARE(reader.read().pages->free, std::uint64_t(5));
-    writeFile(root.filePath(u"proc/meminfo"_s), {});
+    tree.write("proc/meminfo", "");
     QVERIFY(!reader.read().pages);
-    writeFile(root.filePath(u"proc/meminfo"_s), "MemTotal: 100 kB\nMemFree: 7 kB\n");
+    tree.write("proc/meminfo", "MemTotal: 100 kB\nMemFree: 7 kB\n");
     QCOMPARE(reader.read().pages->free, std::uint64_t(7));
     QVERIFY(!reader.read().pressureLevel);
-    writeFile(root.filePath(u"proc/pressure/memory"_s),
-              "some avg10=50.00 avg60=0.00 avg300=0.00 total=0\n");
+    tree.write("proc/pressure/memory", "some avg10=50.00 avg60=0.00 avg300=0.00 total=0\n");
     QCOMPARE(reader.read().pressureLevel, std::optional<std::int32_t>(2));
 }
 
-void TestMemoryCounters::noticesWhatComesAndGoes()
+void TestMemoryFiles::noticesWhatComesAndGoes()
 {
-    const QTemporaryDir root;
-    writeFile(root.filePath(u"proc/meminfo"_s), "MemTotal: 1000 kB\nMemFree: 100 kB\n");
-    writeFile(root.filePath(u"sys/block/sda/mm_stat"_s), "9 9 999424 9 9 9 9 9 9\n");
-    MemoryCountersReader reader(root.path().toStdString());
+    const MachineTree tree;
+    tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemFree: 100 kB\n");
+    tree.write("sys/block/sda/mm_stat", "9 9 999424 9 9 9 9 9 9\n");
+    MemoryFiles reader(tree.root());
     QCOMPARE(reader.read().pages->compressor, std::uint64_t(0));
     QCOMPARE(reader.read().pages->purgeable, std::uint64_t(0));
 
@@ -165,28 +154,28 @@ void TestMemoryCounters::noticesWhatComesAndGoes()
     };
     constexpr auto compressor = &MemoryCounters::Pages::compressor;
     constexpr auto purgeable = &MemoryCounters::Pages::purgeable;
-    writeFile(root.filePath(u"sys/block/zram0/mm_stat"_s), "9 9 4096 9 9 9 9 9 9\n");
+    tree.write("sys/block/zram0/mm_stat", "9 9 4096 9 9 9 9 9 9\n");
     QVERIFY(withinAMinute(compressor, 4));
-    writeFile(root.filePath(u"sys/block/zram1/mm_stat"_s), "9 9 8192 9 9 9 9 9 9\n");
+    tree.write("sys/block/zram1/mm_stat", "9 9 8192 9 9 9 9 9 9\n");
     QVERIFY(withinAMinute(compressor, 12));
-    writeFile(root.filePath(u"proc/spl/kstat/zfs/arcstats"_s), "size 4 5120\nc_min 4 1024\n");
+    tree.write("proc/spl/kstat/zfs/arcstats", "size 4 5120\nc_min 4 1024\n");
     QVERIFY(withinAMinute(purgeable, 4));
 
     // What is known is read every time.
-    writeFile(root.filePath(u"sys/block/zram0/mm_stat"_s), "9 9 1024 9 9 9 9 9 9\n");
-    writeFile(root.filePath(u"proc/spl/kstat/zfs/arcstats"_s), "size 4 7168\nc_min 4 1024\n");
+    tree.write("sys/block/zram0/mm_stat", "9 9 1024 9 9 9 9 9 9\n");
+    tree.write("proc/spl/kstat/zfs/arcstats", "size 4 7168\nc_min 4 1024\n");
     const auto pages = reader.read().pages;
     QCOMPARE(pages->compressor, std::uint64_t(9));
     QCOMPARE(pages->purgeable, std::uint64_t(6));
 
-    QVERIFY(QDir(root.filePath(u"sys/block/zram1"_s)).removeRecursively());
+    tree.remove("sys/block/zram1");
     QVERIFY(withinAMinute(compressor, 1));
 }
 
-void TestMemoryCounters::aMachineWithoutFilesHasNothing()
+void TestMemoryFiles::aMachineWithoutFilesHasNothing()
 {
-    const QTemporaryDir root;
-    MemoryCountersReader reader(root.path().toStdString());
+    const MachineTree tree;
+    MemoryFiles reader(tree.root());
     const MemoryCounters counters = reader.read();
     QVERIFY(!counters.totalBytes);
     QVERIFY(!counters.pages);
@@ -195,5 +184,5 @@ void TestMemoryCounters::aMachineWithoutFilesHasNothing()
     QCOMPARE(described(MemorySampler::snapshot(counters)), described(MemorySnapshot()));
 }
 
-QTEST_APPLESS_MAIN(TestMemoryCounters)
-#include "tst_MemoryCounters.moc"
+QTEST_APPLESS_MAIN(TestMemoryFiles)
+#include "tst_MemoryFiles.moc"

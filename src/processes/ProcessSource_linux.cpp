@@ -1,4 +1,4 @@
-#include "processes/ProcessBridge.h"
+#include "processes/ProcessSource_linux.h"
 
 #include "platform/KernelFile.h"
 #include "platform/KernelFolder.h"
@@ -22,8 +22,8 @@ std::string processFile(std::int32_t pid, const char *name, const std::string &r
     return root + "/proc/" + std::to_string(pid) + '/' + name;
 }
 
-/// The processes in the order of their numbers, which is the kernel's. A walk that meets one twice
-/// (processes come and go under it) counts it once.
+/// The processes in the order of their numbers, which is the kernel's. One that the folder shows
+/// twice, since processes come and go meanwhile, counts once.
 std::vector<std::int32_t> listProcesses(KernelFolder &proc)
 {
     std::vector<std::int32_t> pids;
@@ -37,8 +37,8 @@ std::vector<std::int32_t> listProcesses(KernelFolder &proc)
     return pids;
 }
 
-/// Reads one small file of process after process. This is nearly all that a pass costs, so it is
-/// done with three bare system calls and no allocation.
+/// Reads one small file of process after process. That is nearly the whole cost of a pass, so it
+/// takes three bare system calls and no allocation.
 class StatmReader {
 public:
     explicit StatmReader(const KernelFolder &proc) : m_proc(proc.descriptor()) { }
@@ -49,7 +49,7 @@ public:
         constexpr std::string_view name = "/statm";
         char *end = std::to_chars(m_path.data(), m_path.data() + 12, pid).ptr;
         *std::ranges::copy(name, end).out = '\0';
-        // Never waiting, so that no other kind of file in its place can hold the pass up.
+        // Non-blocking, so that a FIFO in the file's place cannot hold the pass up.
         const int file =
             openat(m_proc, m_path.data(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
         if (file < 0)
@@ -62,7 +62,7 @@ public:
 private:
     int m_proc;
     std::array<char, 32> m_path = {};
-    std::array<char, 256> m_text = {}; ///< Seven counts fit in.
+    std::array<char, 256> m_text = {}; ///< Seven counts fit.
 };
 
 SwapLimits swapLimits(const std::string &root)
@@ -78,7 +78,7 @@ SwapLimits swapLimits(const std::string &root)
     return swap;
 }
 
-/// Where the link leads; empty when it may not be read.
+/// The target of a link; empty when it may not be read.
 std::string linkTarget(const std::string &path)
 {
     std::array<char, PATH_MAX> target = {};
@@ -86,9 +86,7 @@ std::string linkTarget(const std::string &path)
     return {target.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
 }
 
-} // namespace
-
-std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &root)
+std::vector<FootprintBounds> listFootprints(const std::string &root)
 {
     KernelFolder proc(root + "/proc");
     if (!proc)
@@ -106,8 +104,7 @@ std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &ro
     return processes;
 }
 
-std::optional<std::uint64_t> ProcessBridge::readFootprint(const FootprintBounds &bounds,
-                                                          const std::string &root)
+std::optional<std::uint64_t> readFootprint(const FootprintBounds &bounds, const std::string &root)
 {
     const auto status = readKernelFile(processFile(bounds.pid, "status", root));
     const auto swapped = status ? parseSwapped(*status) : std::nullopt;
@@ -116,7 +113,7 @@ std::optional<std::uint64_t> ProcessBridge::readFootprint(const FootprintBounds 
     return bounds.least + *swapped;
 }
 
-std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::string &root)
+std::optional<std::string> readName(std::int32_t pid, const std::string &root)
 {
     const auto comm = readKernelFile(processFile(pid, "comm", root));
     if (!comm)
@@ -127,12 +124,9 @@ std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::
     return std::string(completedName(name, linkTarget(processFile(pid, "exe", root))));
 }
 
-std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
-                                                               const std::string &root)
+std::optional<ArgumentRecord> readArguments(std::int32_t pid, const std::string &root)
 {
     constexpr std::size_t longest = 8 << 20; // The kernel starts nothing with more than 6 MiB.
-    if (pid <= 0)
-        return std::nullopt;
     const std::string link = linkTarget(processFile(pid, "exe", root));
     const auto commandLine = readKernelFile(processFile(pid, "cmdline", root), longest);
     if (link.empty() && !commandLine)
@@ -143,6 +137,23 @@ std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
     const std::string_view path = executablePath(link);
     return ArgumentRecord{.path = std::string(isUtf8(path) ? path : std::string_view()),
                           .argv = std::move(*argv)};
+}
+
+} // namespace
+
+ProcessSource linuxProcesses(const std::string &root)
+{
+    return {
+        .footprints = [root] { return listFootprints(root); },
+        .footprint = [root](const FootprintBounds &bounds) { return readFootprint(bounds, root); },
+        .name = [root](std::int32_t pid) { return readName(pid, root); },
+        .arguments = [root](std::int32_t pid) { return readArguments(pid, root); },
+    };
+}
+
+ProcessSource ProcessSource::system()
+{
+    return linuxProcesses("/");
 }
 
 } // namespace corvane

@@ -1,4 +1,4 @@
-#include "processes/ProcessBridge.h"
+#include "processes/ProcessSource.h"
 
 #include <libproc.h>
 #include <sys/resource.h>
@@ -15,7 +15,7 @@ namespace corvane {
 
 namespace {
 
-/// Memory that the kernel fills; null when there is none to be had.
+/// Memory for the kernel to fill; null when the allocation failed.
 template <typename Item>
 std::unique_ptr<Item[]> zeroedBuffer(std::size_t count)
 {
@@ -31,9 +31,7 @@ std::uint64_t footprint(pid_t pid)
     return usage.ri_phys_footprint;
 }
 
-} // namespace
-
-std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &)
+std::vector<FootprintBounds> listFootprints()
 {
     const int size = proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
     const std::size_t places = size > 0 ? static_cast<std::size_t>(size) / sizeof(pid_t) : 0;
@@ -57,13 +55,7 @@ std::vector<FootprintBounds> ProcessBridge::listFootprints(const std::string &)
     return processes;
 }
 
-std::optional<std::uint64_t> ProcessBridge::readFootprint(const FootprintBounds &bounds,
-                                                          const std::string &)
-{
-    return bounds.least; // The kernel counts compressed and swapped memory in already.
-}
-
-std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::string &)
+std::optional<std::string> readName(std::int32_t pid)
 {
     std::array<char, 256> name = {};
     if (proc_name(pid, name.data(), static_cast<std::uint32_t>(name.size())) <= 0)
@@ -71,11 +63,8 @@ std::optional<std::string> ProcessBridge::readName(std::int32_t pid, const std::
     return std::string(name.data(), strnlen(name.data(), name.size()));
 }
 
-std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
-                                                               const std::string &)
+std::optional<ArgumentRecord> readArguments(std::int32_t pid)
 {
-    if (pid <= 0)
-        return std::nullopt;
     std::array<int, 3> query = {CTL_KERN, KERN_PROCARGS2, pid};
     const auto queryLength = static_cast<unsigned>(query.size());
     std::size_t room = 0;
@@ -86,6 +75,19 @@ std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
     if (!block || sysctl(query.data(), queryLength, block.get(), &size, nullptr, 0) != 0)
         return std::nullopt;
     return parseArgumentBlock({block.get(), std::min(size, room)});
+}
+
+} // namespace
+
+ProcessSource ProcessSource::system()
+{
+    return {
+        .footprints = listFootprints,
+        // The kernel has counted compressed and swapped memory already.
+        .footprint = [](const FootprintBounds &bounds) { return std::optional(bounds.least); },
+        .name = readName,
+        .arguments = readArguments,
+    };
 }
 
 } // namespace corvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "processes/ArgumentBlock.h"
+#include "processes/FootprintRanking.h"
+
+namespace corvane {
+
+/// Reads processes from one system. The functions keep no state and are safe from any thread.
+struct ProcessSource {
+    /// The processes in the kernel's order, each once. Those that hold no memory or may not be
+    /// inspected are left out.
+    std::function<std::vector<FootprintBounds>()> footprints;
+
+    /// The footprint of a process whose bounds differ.
+    FootprintReader footprint;
+
+    /// The system's short name for a process, as bytes; absent when it has none.
+    std::function<std::optional<std::string>(std::int32_t pid)> name;
+
+    /// Executable and arguments of a process with a positive number; absent when they cannot be
+    /// read.
+    ArgumentReader arguments;
+
+    /// The system that the program runs on.
+    static ProcessSource system();
+};
+
+} // namespace corvane
