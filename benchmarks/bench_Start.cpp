@@ -1,7 +1,6 @@
-// What a start costs in CPU time, from the loading of the program to its first painting, against a
-// Qt program that paints one empty window of that size. Each start is a process of its own. On a
-// display where there is one, to have the real one's costs: tests/desktop/virtual-desktop
-// bench_Start
+// CPU time of a start, from loading the program to its first painting, compared with a Qt program
+// that paints one empty window of that size. Each start is a separate process. It uses a real
+// display if there is one; on a virtual desktop: tests/desktop/virtual-desktop bench_Start
 
 #include "Ratio.h"
 #include "app/CorvaneApp.h"
@@ -31,7 +30,7 @@ protected:
     {
         const auto *widget = qobject_cast<QWidget *>(watched);
         if (event->type() == QEvent::Paint && widget && widget->width() >= leastWidth)
-            QTimer::singleShot(0, [] { _exit(0); }); // When all of it is on the screen.
+            QTimer::singleShot(0, [] { _exit(0); }); // After the whole window is painted.
         return false;
     }
 
@@ -41,7 +40,7 @@ private:
 
 [[noreturn]] void start(int argc, char **argv, const std::string &what)
 {
-    constexpr int settled = 1200; // Milliseconds, in which the label comes to stand in the tray.
+    constexpr int settled = 1200; // Milliseconds until the label is in the tray.
     QApplication application(argc, argv);
     EndAfterPainting end;
     application.installEventFilter(&end);

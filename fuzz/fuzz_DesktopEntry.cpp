@@ -6,7 +6,8 @@
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
-/// The bytes are an entry, and they are the path of a program that an entry has to name.
+/// Parses the bytes as an entry, then writes an entry for a program with that path and reads it
+/// back.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
@@ -15,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     const QString path = u'/' + QString::fromUtf8(bytes);
     if (path.contains(QChar(u'\0')) || path.contains(u'='))
-        return 0; // No path, or one that is refused.
+        return 0; // Not a path, or one that is refused.
     const auto written = desktopEntry(autostartEntry(path));
     if (!written || written->program != path || written->tryExec != path)
         __builtin_trap();

@@ -16,7 +16,7 @@ void expect(bool isSound)
 
 } // namespace
 
-/// Any bytes as what comes in on the socket, and as a token that a desktop gave.
+/// Parses the bytes as a message from the socket, then sends them as a desktop's token.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string text(reinterpret_cast<const char *>(data), size);

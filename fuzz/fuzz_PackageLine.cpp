@@ -5,7 +5,7 @@
 
 using namespace corvane;
 
-/// Package ids, one a line, as installed, available and update in turn.
+/// Parses each line as a package's id, with the states of a package in turn.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
@@ -17,6 +17,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     const auto version = updateVersion(lines, lines);
     if (version && (version == installedVersion(lines) || !hasOtherVersion(lines)))
-        __builtin_trap(); // What is installed is no update.
+        __builtin_trap(); // The installed version is not an update.
     return 0;
 }

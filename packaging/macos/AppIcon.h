@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// The program's icon in a square of so many pixels: the logo on its dark ground, with the margin
-/// that icons have on a Mac.
+/// The program's icon in a square of that many pixels: the logo on its dark background, with the
+/// margin of a Mac's icons.
 QImage appIcon(int pixels);
 
 } // namespace corvane

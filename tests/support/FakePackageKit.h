@@ -9,8 +9,8 @@
 
 namespace corvane::test {
 
-/// PackageKit on a private bus, as far as a check can tell: each action is answered by the signals
-/// that the test lays down for it.
+/// A PackageKit service on a private bus, with the methods that a check uses. It answers each
+/// action with the signals that the test sets for it.
 class FakePackageKit : public QDBusVirtualObject {
 public:
     struct Signal {
@@ -22,19 +22,19 @@ public:
     explicit FakePackageKit(const QString &address);
     ~FakePackageKit() override;
 
-    QHash<QString, Signals> answers;   ///< By action; one without stays silent.
-    QStringList refused;               ///< Methods that are answered with an error.
-    QStringList hanging;               ///< Methods that are not answered.
-    QVariant secondsSinceRefresh = 0U; ///< Answer of GetTimeSinceAction.
-    QVariant transaction;              ///< Answer of CreateTransaction, if not a path.
+    QHash<QString, Signals> answers;   ///< By action; for others it sends no signal.
+    QStringList refused;               ///< Methods that return an error.
+    QStringList hanging;               ///< Methods without a reply.
+    QVariant secondsSinceRefresh = 0U; ///< Reply to GetTimeSinceAction.
+    QVariant transaction;              ///< Reply to CreateTransaction; invalid: a path.
 
-    /// The methods called so far, those of transactions with the number of theirs: "1 Resolve".
+    /// The methods called so far; those of transactions with its number, "1 Resolve".
     const QStringList &calls() const { return m_calls; }
 
     /// Arguments of the last call of that method.
     QVariantList arguments(const QString &method) const { return m_arguments.value(method); }
 
-    /// From the newest transaction.
+    /// Sends signals of the newest transaction.
     void send(const Signals &sent);
 
     /// Leaves the bus.

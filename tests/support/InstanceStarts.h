@@ -11,18 +11,18 @@
 
 namespace corvane::test {
 
-/// Starts of the program within this process. Each has a lock of its own on their common folder,
+/// Starts of the program, simulated in this process. Each has its own lock on their common folder,
 /// whose path is short enough for a socket.
 class InstanceStarts {
 public:
     const std::string &path() const { return m_path; }
 
-    /// Another start's standing. It blocks, so it has a thread of its own; this outlives it.
+    /// The standing of another start, which blocks and so runs on a thread. This must outlive it.
     std::future<SingleInstance::Standing> second(
-        std::chrono::milliseconds patience = std::chrono::minutes(1)) const
+        std::chrono::milliseconds timeout = std::chrono::minutes(1)) const
     {
-        return std::async(std::launch::async, [this, patience] {
-            return SingleInstance({.activationToken = "token"}, patience, m_path).standing();
+        return std::async(std::launch::async, [this, timeout] {
+            return SingleInstance({.activationToken = "token"}, timeout, m_path).standing();
         });
     }
 
@@ -33,7 +33,7 @@ private:
 
 } // namespace corvane::test
 
-/// Compares with what another start comes to, once it has.
+/// Waits for another start's standing and compares it.
 #define TRY_COMPARE_STANDING(future, expected)                                                     \
     QTRY_COMPARE_WITH_TIMEOUT((future).wait_for(std::chrono::seconds(0)),                          \
                               std::future_status::ready, 60'000);                                  \

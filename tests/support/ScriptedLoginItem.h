@@ -4,11 +4,12 @@
 
 namespace corvane::test {
 
-/// A list of login items that does what it is told, or refuses. It outlives its `item()`.
+/// A login item whose state a test sets, and which refuses changes if the test wants it. It must
+/// outlive its `item()`.
 struct ScriptedLoginItem {
     bool isEnabled = false;
-    bool needsApproval = false;          ///< By the user: switched on, it stays off.
-    std::optional<QString> refusal = {}; ///< Of each change.
+    bool needsApproval = false;          ///< Enabled, it stays off until the user approves.
+    std::optional<QString> refusal = {}; ///< Error of each change; absent if changes succeed.
     int reads = 0;
 
     std::optional<QString> change(bool on)

@@ -4,7 +4,7 @@
 
 namespace corvane::test {
 
-/// An updater that does what a test says: a check that was begun goes on until the test ends it.
+/// An updater whose state a test sets: a check runs until the test ends it.
 class ScriptedUpdater : public SystemUpdater {
 public:
     bool isOffered() const override { return offered; }
