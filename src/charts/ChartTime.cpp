@@ -16,8 +16,8 @@ struct ClockStyle {
     QString separator = u":"_s;
 };
 
-/// Read from the locale's own short pattern, such as "h:mm AP" or "HH 'h' mm": an hour counts to
-/// twelve where there is a marker; what is quoted is text.
+/// From the locale's short pattern, such as "h:mm AP" or "HH 'h' mm": hours go to twelve if there
+/// is an AM or PM marker, and quoted letters are text.
 ClockStyle clockStyle(const QLocale &locale)
 {
     const QString pattern = locale.timeFormat(QLocale::ShortFormat);

@@ -10,11 +10,11 @@
 
 namespace corvane {
 
-/// The local date of an instant in seconds since 2001; invalid for one that no calendar holds.
+/// The local date of an instant in seconds since 2001; invalid if no calendar has such a date.
 QDateTime chartTime(double secondsSince2001);
 
 /// Hour and minutes in the hour cycle of the locale: a two-digit hour without an AM or PM marker,
-/// such as "14:05" or "02:05". Empty for an instant that no calendar holds.
+/// such as "14:05" or "02:05". Empty if no calendar has such a date.
 QString timeLabel(double secondsSince2001, const QLocale &locale);
 
 /// Labels of the first, the middle and the last instant.

@@ -77,7 +77,7 @@ QRectF barFill(const QRectF &bar, double value)
     return {bar.x(), bar.bottom() - height, bar.width(), height};
 }
 
-CoreBars::CoreBars(QWidget *parent) : QWidget(parent)
+CoreBars::CoreBars(QWidget *parent) : AccessibleWidget(parent, QAccessible::Chart)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -92,7 +92,7 @@ void CoreBars::show(CoreBarsData bars)
     if (!sameSize)
         updateGeometry();
     update();
-    announceChange(this);
+    announceValue();
 }
 
 QSize CoreBars::sizeHint() const

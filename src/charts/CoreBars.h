@@ -1,43 +1,42 @@
 #pragma once
 
-#include "ui/AccessibleValue.h"
+#include "ui/AccessibleWidget.h"
 
 #include <QColor>
 #include <QRectF>
 #include <QStringList>
-#include <QWidget>
 
 #include <optional>
 #include <vector>
 
 namespace corvane {
 
-/// What a strip of core bars shows and how it is set.
+/// The content and the measures of a strip of core bars.
 struct CoreBarsData {
-    std::vector<double> values = {};        ///< One load a core, 0…1.
-    std::optional<QStringList> labels = {}; ///< One caption a bar; absent: no caption row.
+    std::vector<double> values = {};        ///< Load of each core, 0…1.
+    std::optional<QStringList> labels = {}; ///< Caption of each bar; absent: no row of captions.
     QColor color = {};
-    double height = 52; ///< Of the bars alone, in points.
+    double height = 52; ///< Height of the bars without the captions, in points.
     double barCornerRadius = 2;
-    double spacing = 3; ///< Between bars and between captions.
+    double spacing = 3; ///< Between bars and between captions, in points.
 
     bool operator==(const CoreBarsData &) const = default;
 };
 
-/// The strip as it suits a width: bars closer together the more there are, and core numbers as
-/// captions where they fit; 52 points high with or without them.
+/// A strip that fits a width: the more bars, the closer together; core numbers as captions if they
+/// fit. It is 52 points high with or without captions.
 CoreBarsData fittedCoreBars(std::vector<double> values, const QColor &color, double width);
 
-/// Places of `count` equal items that split a row of that width.
+/// Places of `count` items of equal width that fill the row.
 std::vector<QRectF> evenRow(std::size_t count, const QRectF &row, double spacing);
 
-/// The filled part of a bar, at its foot: at least 2 points, so that an idle core can be seen. A
-/// load that is not a number fills the bar.
+/// The filled part of a bar, from its bottom: at least 2 points high, so that an idle core is
+/// visible. A load that is not a number fills the bar.
 QRectF barFill(const QRectF &bar, double value);
 
-/// One small bar for every core, filled from its foot by the core's load. It is told its data; an
-/// empty list draws nothing. Main thread.
-class CoreBars : public QWidget, public AccessibleValue {
+/// One small bar for every core, filled from the bottom by its load. An empty list draws nothing.
+/// Main thread.
+class CoreBars : public AccessibleWidget {
     Q_OBJECT
 
 public:
@@ -51,7 +50,7 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
-    /// The loads in percent by core, such as "0: 12%, 1: 40%".
+    /// The loads by core number, such as "0: 12%, 1: 40%".
     QString accessibleValue() const override;
 
 protected:

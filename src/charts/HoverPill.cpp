@@ -21,7 +21,7 @@ constexpr double dotSize = 5;
 constexpr double dotGap = 5;
 constexpr double valueGap = 8;
 constexpr double leastComponentGap = 14;
-constexpr double shadowReach = 12; ///< Beyond the box; the blur has faded out there.
+constexpr double shadowReach = 12; ///< The shadow has faded out this far from the box.
 constexpr double shadowDrop = 2;
 
 const QFont &timeFont()
@@ -113,7 +113,7 @@ void paintRow(QPainter &painter, const PillRow &row, const QRectF &place)
     }
 }
 
-/// How far a point lies outside a rounded box around the origin; negative inside.
+/// Distance of a point from the edge of a rounded box around the origin; negative inside the box.
 double distanceOutside(double x, double y, const QSizeF &box)
 {
     const double dx = std::abs(x) - box.width() / 2 + radius;
@@ -122,7 +122,7 @@ double distanceOutside(double x, double y, const QSizeF &box)
         - radius;
 }
 
-/// The blurred shadow of a box. Blurring an edge gives the integral of a Gauss curve across it.
+/// The blurred shadow of a box. Across a blurred edge the opacity is the integral of a Gaussian.
 QImage shadowOf(const QSizeF &box, double scale)
 {
     constexpr double opacity = 0.4;

@@ -12,7 +12,7 @@ class QPainter;
 
 namespace corvane {
 
-/// One row below the time of a pill.
+/// One row of a pill, below the time.
 struct PillRow {
     enum class Style {
         total,    ///< One large value.
@@ -22,7 +22,7 @@ struct PillRow {
 
     Style style = Style::values;
     QColor color = {};
-    QString label = {}; ///< Of a component only.
+    QString label = {}; ///< Only in rows of the style `component`.
     QStringList values = {};
 
     bool operator==(const PillRow &) const = default;
@@ -32,22 +32,21 @@ PillRow totalRow(const QString &value, const QColor &color);
 PillRow valuesRow(const QStringList &values, const QColor &color);
 PillRow componentRow(const QString &label, const QString &value, const QColor &color);
 
-/// What a pill says about one sample.
+/// What a pill shows of one sample.
 struct PillContent {
-    QString time = {}; ///< From `HoverTime`.
+    QString time = {}; ///< As `HoverTime` formats it.
     std::vector<PillRow> rows = {};
 
     bool operator==(const PillContent &) const = default;
 };
 
-/// The same as one line for a screen reader, such as "14:05:15, 39.60 W, CPU 9.30".
+/// The content as one line for screen readers, such as "14:05:15, 39.60 W, CPU 9.30".
 QString accessibleText(const PillContent &content);
 
-/// The rounded box with the values of the hovered sample. It is told its content and draws itself
-/// where it is asked to; its chart owns it. Main thread.
+/// The rounded box with the values of the hovered sample. Its chart owns it. Main thread.
 class HoverPill {
 public:
-    /// Returns whether this changes anything.
+    /// Returns whether the content differs from that before.
     bool show(const PillContent &content);
 
     const PillContent &content() const { return m_content; }
@@ -63,7 +62,7 @@ private:
 
     PillContent m_content;
     QSizeF m_size;
-    mutable QImage m_shadow; ///< Made for the present size and the scale that it was last drawn at.
+    mutable QImage m_shadow; ///< For the size of the box and the scale of the last painting.
 };
 
 } // namespace corvane

@@ -4,8 +4,8 @@
 
 namespace corvane::HoverTime {
 
-/// The time of a hovered sample on the 24-hour clock, such as "14:05:09", in every locale; empty
-/// for a date that no clock shows. Argument: seconds since 2001.
+/// The time of a hovered sample, given in seconds since 2001, on the 24-hour clock in every locale,
+/// such as "14:05:09"; empty if no calendar has such a date.
 QString string(double date);
 
 } // namespace corvane::HoverTime

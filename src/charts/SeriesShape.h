@@ -8,14 +8,15 @@
 
 namespace corvane {
 
-/// Outline of one series: its line, and the area between the line and what the series stands on.
+/// Outline of one series: its line, and the area between the line and its baseline, which is the
+/// bottom of the chart or, stacked, the sum of the series before it.
 struct SeriesShape {
     QPolygonF line = {};
-    QPolygonF fill = {}; ///< Up from the baseline, along the line, back along the baseline.
+    QPolygonF fill = {}; ///< From the baseline up, along the line, back along the baseline.
 };
 
-/// The shapes of all series on a chart of that size, in the order of the series; none where the
-/// scale is unusable. Samples without a point are left out of line and fill alike.
+/// The shapes of all series on a chart of that size, in the order of the series; none if the scale
+/// is unusable. Line and fill leave out the samples that have no place.
 std::vector<SeriesShape> seriesShapes(const SparklineData &data, const QSizeF &size);
 
 } // namespace corvane

@@ -25,9 +25,8 @@ const QFont &labelFont()
     return font;
 }
 
-/// A single colour is flat; several run evenly from the top edge to the bottom edge. The flat one
-/// is a gradient too: Qt blends spans of a gradient more than twice as fast as those of a
-/// translucent colour.
+/// A gradient from the top edge to the bottom edge, also for a single colour: Qt blends spans of a
+/// gradient more than twice as fast as those of a translucent colour.
 QBrush fillBrush(const std::vector<QColor> &colors, double height)
 {
     if (colors.empty())
@@ -40,8 +39,8 @@ QBrush fillBrush(const std::vector<QColor> &colors, double height)
     return gradient;
 }
 
-/// Round ends and joins. A join between nearly straight segments is the same as a mitred one to a
-/// fraction of a pixel, and Qt's stroker draws its round one twice, as a dot; a sharp one is cut.
+/// A pen with round ends and mitred joins. Between nearly straight segments a mitre looks like a
+/// round join, which Qt's stroker draws twice, as a dot; sharp mitres are cut.
 QPen linePen(const QColor &color, double width)
 {
     constexpr double sharp = 1.5; ///< Length of the mitre, in line widths.
@@ -50,9 +49,9 @@ QPen linePen(const QColor &color, double width)
     return pen;
 }
 
-/// Paints an area and its line in strips, each clipped to whole device pixels and drawn a little
-/// beyond them, so that no seam shows. Measured with Qt's rasteriser and stroker, whose time grows
-/// faster than the length of an outline.
+/// Paints an area and its line in strips, since the time of Qt's rasteriser and stroker grows
+/// faster than the length of an outline. A strip is clipped to whole device pixels and drawn a
+/// little beyond them, so that no seam shows.
 void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill, const QPen &pen)
 {
     constexpr double stripWidth = 120;
@@ -91,8 +90,8 @@ void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill
     painter.setClipping(false);
 }
 
-/// The stop beside the one nearest to `x`, passing over others at the same place; the nearest
-/// itself at the end of the row. Stops ascend.
+/// The next stop in that direction from the one nearest to `x`, past others at the same place; the
+/// nearest stop itself if there is none. Stops ascend.
 double neighbour(const std::vector<double> &stops, double x, int direction)
 {
     const double here =
@@ -107,7 +106,7 @@ double neighbour(const std::vector<double> &stops, double x, int direction)
 
 } // namespace
 
-Sparkline::Sparkline(QWidget *parent) : QWidget(parent)
+Sparkline::Sparkline(QWidget *parent) : AccessibleWidget(parent, QAccessible::Chart)
 {
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
@@ -212,7 +211,7 @@ void Sparkline::setCursorX(std::optional<double> x)
     update();
 }
 
-/// Moves the cursor by the key; says whether the key was for it.
+/// Moves the cursor; returns whether the key is one for the cursor.
 bool Sparkline::stepCursor(int key)
 {
     if (key == Qt::Key_Escape && m_cursorX) {
@@ -248,7 +247,7 @@ void Sparkline::updatePill()
     if (changed || shows != m_showsPill)
         update();
     m_showsPill = shows;
-    announceChange(this);
+    announceValue();
 }
 
 void Sparkline::prepare()
@@ -310,7 +309,7 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
                                          width() - inset - widths[2]};
     for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
         if (m_timeLabels[i].isEmpty() || (i == 1 && free < 4 * tagMargin))
-            continue; // The middle one gives way where it would touch the others.
+            continue; // The middle label is left out if it would touch the others.
         fillRounded(painter,
                     QRectF(lefts[i] - tagMargin, tag.top, widths[i] + 2 * tagMargin, tag.height), 3,
                     Theme::timeLabelTag);

@@ -3,11 +3,10 @@
 #include "charts/HoverPill.h"
 #include "charts/SeriesShape.h"
 #include "charts/SparklineData.h"
-#include "ui/AccessibleValue.h"
+#include "ui/AccessibleWidget.h"
 
 #include <QBrush>
 #include <QPen>
-#include <QWidget>
 
 #include <array>
 #include <functional>
@@ -15,14 +14,14 @@
 
 namespace corvane {
 
-/// The time-series chart of every card. It is handed its data whole, once a tick; the pointer or
-/// the arrow keys move a cursor over it, which stays where it is when new data arrive. Degenerate
-/// data draw less. Main thread.
-class Sparkline : public QWidget, public AccessibleValue {
+/// The time-series chart of every card. It gets all its data at once, on each tick; the pointer or
+/// the arrow keys move a cursor over it, which keeps its place when new data arrive. Without a
+/// usable range or samples there are no series. Main thread.
+class Sparkline : public AccessibleWidget {
     Q_OBJECT
 
 public:
-    /// Builds the content of the pill for the sample of that index, which may lie beyond the end of
+    /// Returns the content of the pill for the sample of that index, which may be beyond the end of
     /// a shorter series.
     using PillBuilder = std::function<PillContent(std::size_t index)>;
 
@@ -33,17 +32,17 @@ public:
 
     const SparklineData &shown() const { return m_data; }
 
-    /// Without a builder there is a cursor line but no pill. The builder is asked anew at every
+    /// Without a builder there is a cursor but no pill. The builder is called again at every
     /// `show`, since the sample under a resting cursor is then another one.
     void setHoverPill(PillBuilder builder);
 
-    /// Horizontal place of the cursor in points; absent while nothing hovers.
+    /// The x of the cursor in points; absent while there is no cursor.
     std::optional<double> cursorX() const { return m_cursorX; }
 
-    /// The sample that the cursor speaks of.
+    /// Index of the sample nearest to the cursor; absent without a cursor or samples.
     std::optional<std::size_t> hoveredIndex() const;
 
-    /// What the pill says at the cursor, or of the newest sample when there is no cursor.
+    /// The content of the pill at the cursor, or for the newest sample if there is no cursor.
     QString accessibleValue() const override;
 
 protected:
@@ -59,7 +58,7 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    /// One series as it is painted, made when the data or the size change.
+    /// One series ready to paint, made after the data or the size changed.
     struct Layer {
         SeriesShape shape;
         QBrush fill;
@@ -80,9 +79,9 @@ private:
     SparklineData m_data;
     PillBuilder m_buildPill;
     HoverPill m_pill;
-    bool m_showsPill = false; ///< There is a sample under the cursor, and a builder.
+    bool m_showsPill = false; ///< There are a hovered sample and a builder.
     std::optional<double> m_cursorX;
-    bool m_prepared = false; ///< The two below fit the data, the size and the locale.
+    bool m_prepared = false; ///< Layers and labels are those of the data, the size and the locale.
     std::vector<Layer> m_layers;
     std::array<QString, 3> m_timeLabels;
 };

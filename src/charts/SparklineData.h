@@ -16,26 +16,25 @@ struct ChartRange {
     bool operator==(const ChartRange &) const = default;
 };
 
-/// Whether every series is measured from the bottom of the chart or stands on the sum of those
-/// before it.
+/// Whether every series starts at the bottom of the chart or on the sum of those before it.
 enum class Stacking { overlay, stacked };
 
 /// One line of a chart. A value belongs to the timestamp of the same index.
 struct SparklineSeries {
-    std::vector<double> values = {}; ///< In the caller's unit.
+    std::vector<double> values = {}; ///< In the unit of `yDomain`.
     QColor lineColor = {};
     double lineWidth = 1;                ///< Points.
-    std::vector<QColor> fillColors = {}; ///< From the chart's top edge to its bottom; one is flat.
+    std::vector<QColor> fillColors = {}; ///< From the top edge of the chart to its bottom.
 
     bool operator==(const SparklineSeries &) const = default;
 };
 
-/// What a chart shows. Series are drawn in their order; stacked, the first is the lowest.
+/// What a chart shows. Series are drawn in order; the first of stacked series is the lowest.
 struct SparklineData {
     std::vector<double> timestamps = {}; ///< Seconds since 2001, ascending, shared by all series.
     std::vector<SparklineSeries> series = {};
-    ChartRange xDomain = {}; ///< Left to right edge, in seconds since 2001.
-    ChartRange yDomain = {}; ///< Bottom to top edge.
+    ChartRange xDomain = {}; ///< From the left to the right edge, in seconds since 2001.
+    ChartRange yDomain = {}; ///< From the bottom to the top edge.
     Stacking stacking = Stacking::overlay;
     bool showsGrid = true;
     bool showsTimeLabels = true;

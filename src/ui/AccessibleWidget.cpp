@@ -1,6 +1,7 @@
 #include "ui/AccessibleWidget.h"
 
-#include <QAccessible>
+#include "platform/MainThread.h"
+
 #include <QAccessibleWidget>
 #include <QPointer>
 
@@ -10,7 +11,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// One text. Lives as long as its widget does; without a text of its place it is not valid.
+/// One text of a widget, which owns it. Invalid once the widget has fewer texts.
 class AccessibleTextInterface : public QAccessibleInterface {
 public:
     AccessibleTextInterface(AccessibleWidget *widget, int index) : m_widget(widget), m_index(index)
@@ -45,12 +46,12 @@ public:
     {
         if (!isValid())
             return {};
-        const AccessibleText text = spoken();
+        const AccessibleText text = shown();
         if (kind == QAccessible::Value)
             return text.value;
         if (kind != QAccessible::Name)
             return {};
-        // Readers say a static text's name alone, so it carries the value too.
+        // Screen readers read only the name of a static text, so it contains the value too.
         return text.name.isEmpty() ? text.value : text.name + u": "_s + text.value;
     }
 
@@ -58,12 +59,12 @@ public:
     {
         if (!isValid())
             return {};
-        const QRect place = spoken().place.toAlignedRect();
+        const QRect place = shown().place.toAlignedRect();
         return {m_widget->mapToGlobal(place.topLeft()), place.size()};
     }
 
 private:
-    AccessibleText spoken() const
+    AccessibleText shown() const
     {
         return m_widget->accessibleTexts()[static_cast<std::size_t>(m_index)];
     }
@@ -76,7 +77,7 @@ private:
 class AccessibleWidgetInterface : public QAccessibleWidget {
 public:
     explicit AccessibleWidgetInterface(AccessibleWidget *widget)
-        : QAccessibleWidget(widget, QAccessible::Grouping),
+        : QAccessibleWidget(widget, widget->accessibleRole()),
           m_widget(widget)
     {
     }
@@ -85,6 +86,14 @@ public:
     {
         for (const QAccessible::Id id : m_texts)
             QAccessible::deleteAccessibleInterface(id);
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        // Linux's accessibility bus has descriptions where a Mac has values.
+        const bool isValue = kind == QAccessible::Value || kind == QAccessible::Description;
+        const QString value = isValue ? m_widget->accessibleValue() : QString();
+        return value.isEmpty() ? QAccessibleWidget::text(kind) : value;
     }
 
     int childCount() const override { return textCount() + QAccessibleWidget::childCount(); }
@@ -117,7 +126,24 @@ private:
     int textCount() const { return static_cast<int>(m_widget->accessibleTexts().size()); }
 
     AccessibleWidget *m_widget;
-    mutable std::vector<QAccessible::Id> m_texts = {}; ///< Made when first asked for.
+    mutable std::vector<QAccessible::Id> m_texts = {}; ///< Created on first access.
+};
+
+/// Whether a screen reader or another assistive program is active.
+class AssistiveTechnology : public QAccessible::ActivationObserver {
+public:
+    static bool isActive()
+    {
+        static AssistiveTechnology technology;
+        return technology.m_active;
+    }
+
+private:
+    AssistiveTechnology() { QAccessible::installActivationObserver(this); }
+    ~AssistiveTechnology() override { QAccessible::removeActivationObserver(this); }
+    void accessibilityActiveChanged(bool active) override { m_active = active; }
+
+    bool m_active = QAccessible::isActive();
 };
 
 QAccessibleInterface *accessibleWidgetInterface(const QString &className, QObject *object)
@@ -129,20 +155,37 @@ QAccessibleInterface *accessibleWidgetInterface(const QString &className, QObjec
 
 } // namespace
 
-AccessibleWidget::AccessibleWidget(QWidget *parent) : QWidget(parent)
+AccessibleWidget::AccessibleWidget(QWidget *parent, QAccessible::Role role)
+    : QWidget(parent),
+      m_role(role)
 {
-    // Qt keeps a list of factories and takes the same one once.
-    QAccessible::installFactory(accessibleWidgetInterface);
+    assertMainThread();
+    QAccessible::installFactory(accessibleWidgetInterface); // Qt ignores repetitions.
 }
 
 void AccessibleWidget::announceText(int index)
 {
-    // A text that went has no object that could be named in an event.
-    if (!QAccessible::isActive() || static_cast<std::size_t>(index) >= accessibleTexts().size())
+    // There is no child to name in an event for a text that is gone.
+    if (!AssistiveTechnology::isActive()
+        || static_cast<std::size_t>(index) >= accessibleTexts().size())
         return;
     QAccessibleEvent event(this, QAccessible::NameChanged);
     event.setChild(index);
     QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleWidget::announceValue()
+{
+    if (!AssistiveTechnology::isActive())
+        return;
+    QString value = accessibleValue();
+    if (value == m_announcedValue)
+        return;
+    m_announcedValue = std::move(value);
+    QAccessibleValueChangeEvent changedValue(this, m_announcedValue);
+    QAccessible::updateAccessibility(&changedValue);
+    QAccessibleEvent changedDescription(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&changedDescription);
 }
 
 } // namespace corvane

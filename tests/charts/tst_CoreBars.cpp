@@ -14,24 +14,24 @@ class TestCoreBars : public QObject {
     Q_OBJECT
 
 private slots:
-    void fillsFromTheFoot_data();
-    void fillsFromTheFoot();
+    void fillsFromTheBottom_data();
+    void fillsFromTheBottom();
     void splitsTheRowEvenly();
-    void setsItselfToTheWidth_data();
-    void setsItselfToTheWidth();
-    void rowsTakeTheirHeight();
+    void fitsTheWidth_data();
+    void fitsTheWidth();
+    void isAsHighAsBarsAndCaptions();
     void paintsTrackAndFill_data();
     void paintsTrackAndFill();
-    void captionsStandUnderTheirBars();
+    void captionsAreCentredBelowTheirBars();
     void fewerCaptionsAreWider();
-    void repaintsAllThatMoved();
-    void equalLoadsPaintNothing();
+    void repaintsEverythingThatChanged();
+    void equalLoadsRepaintNothing();
     void emptyPaintsNothing();
-    void speaks();
-    void manyCoresAndHostileNumbers();
+    void itsAccessibleValueIsTheLoads();
+    void paintsManyCoresAndHostileNumbers();
 };
 
-void TestCoreBars::fillsFromTheFoot_data()
+void TestCoreBars::fillsFromTheBottom_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<double>("expected");
@@ -40,13 +40,13 @@ void TestCoreBars::fillsFromTheFoot_data()
     QTest::newRow("nearly idle is a sliver too") << 0.01 << 2.0;
     QTest::newRow("just above the sliver") << 0.1 << 3.0;
     QTest::newRow("full") << 1.0 << 30.0;
-    QTest::newRow("above full") << 1.4 << 30.0;
-    QTest::newRow("negative") << -0.5 << 2.0;
-    QTest::newRow("no number is full") << std::numeric_limits<double>::quiet_NaN() << 30.0;
-    QTest::newRow("endless is full") << std::numeric_limits<double>::infinity() << 30.0;
+    QTest::newRow("above full is full") << 1.4 << 30.0;
+    QTest::newRow("negative is a sliver") << -0.5 << 2.0;
+    QTest::newRow("not a number is full") << std::numeric_limits<double>::quiet_NaN() << 30.0;
+    QTest::newRow("infinite is full") << std::numeric_limits<double>::infinity() << 30.0;
 }
 
-void TestCoreBars::fillsFromTheFoot()
+void TestCoreBars::fillsFromTheBottom()
 {
     QFETCH(double, value);
     QFETCH(double, expected);
@@ -65,7 +65,7 @@ void TestCoreBars::splitsTheRowEvenly()
     QCOMPARE(evenRow(100, QRectF(0, 0, 50, 30), 3)[5].width(), 0.0);
 }
 
-void TestCoreBars::setsItselfToTheWidth_data()
+void TestCoreBars::fitsTheWidth_data()
 {
     QTest::addColumn<std::size_t>("cores");
     QTest::addColumn<double>("spacing");
@@ -84,7 +84,7 @@ void TestCoreBars::setsItselfToTheWidth_data()
     QTest::newRow("more cores than points") << std::size_t(400) << 0.0 << 52.0 << false << 0.325;
 }
 
-void TestCoreBars::setsItselfToTheWidth()
+void TestCoreBars::fitsTheWidth()
 {
     QFETCH(std::size_t, cores);
     QFETCH(double, radius);
@@ -101,7 +101,7 @@ void TestCoreBars::setsItselfToTheWidth()
     }
 }
 
-void TestCoreBars::rowsTakeTheirHeight()
+void TestCoreBars::isAsHighAsBarsAndCaptions()
 {
     CoreBars bars;
     bars.show({.values = {0.5}, .color = Theme::cpu, .height = 30});
@@ -140,12 +140,12 @@ void TestCoreBars::paintsTrackAndFill()
     // The idle core's sliver is 2 points high.
     QVERIFY(std::abs(pixelAt(image, 33, 27.5).alpha() - track) <= 1);
     QVERIFY(pixelAt(image, 33, 28).alpha() > 200);
-    // Nothing between the bars, and round corners.
+    // Clear between the bars and at their round corners.
     QCOMPARE(pixelAt(image, 21.5, 29).alpha(), 0);
     QVERIFY(pixelAt(image, 0, 0).alpha() < track);
 }
 
-void TestCoreBars::captionsStandUnderTheirBars()
+void TestCoreBars::captionsAreCentredBelowTheirBars()
 {
     CoreBars bars;
     bars.resize(260, 52);
@@ -184,8 +184,8 @@ void TestCoreBars::fewerCaptionsAreWider()
     QVERIFY(inTheMiddle);
 }
 
-/// What is on the screen after each change is what a fresh painting shows.
-void TestCoreBars::repaintsAllThatMoved()
+/// After each change the screen is the same as a complete repaint.
+void TestCoreBars::repaintsEverythingThatChanged()
 {
     CoreBars bars;
     bars.resize(180, 52);
@@ -201,7 +201,7 @@ void TestCoreBars::repaintsAllThatMoved()
     }
 }
 
-void TestCoreBars::equalLoadsPaintNothing()
+void TestCoreBars::equalLoadsRepaintNothing()
 {
     CoreBars bars;
     bars.resize(180, 52);
@@ -228,16 +228,19 @@ void TestCoreBars::emptyPaintsNothing()
     QCOMPARE(image, blank);
 }
 
-void TestCoreBars::speaks()
+void TestCoreBars::itsAccessibleValueIsTheLoads()
 {
     CoreBars bars;
     bars.show({.values = {0.123, 1.4, -1}, .color = Theme::cpu});
     QCOMPARE(bars.accessibleValue(), u"0: 12%, 1: 100%, 2: 0%"_s);
+    const QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(&bars);
+    QCOMPARE(seen->role(), QAccessible::Chart);
+    QCOMPARE(seen->text(QAccessible::Value), u"0: 12%, 1: 100%, 2: 0%"_s);
     bars.show({.color = Theme::cpu});
     QCOMPARE(bars.accessibleValue(), QString());
 }
 
-void TestCoreBars::manyCoresAndHostileNumbers()
+void TestCoreBars::paintsManyCoresAndHostileNumbers()
 {
     CoreBars bars;
     bars.resize(180, 52);

@@ -18,21 +18,39 @@ public:
                                          {{}, u"P12"_s, QRectF(10, 40, 30, 10)}};
 };
 
+/// A widget with a value that counts how often the value is read.
+class Gauge : public AccessibleWidget {
+public:
+    Gauge() : AccessibleWidget(nullptr, QAccessible::Chart) { }
+
+    QString accessibleValue() const override
+    {
+        ++reads;
+        return u"42 W"_s;
+    }
+    void announce() { announceValue(); }
+
+    mutable int reads = 0;
+};
+
 } // namespace
 
 class TestAccessibleWidget : public QObject {
     Q_OBJECT
 
 private slots:
-    void tellsItsTexts();
-    void keepsChildrenBesideItsTexts();
-    void followsItsTexts();
+    void hasItsTextsAsChildren();
+    void hasItsChildWidgetsAfterItsTexts();
+    void childrenFollowTheTexts();
     void findsTextsByPlace();
-    void itsTextsAreLeaves();
-    void outlivesNothing();
+    void textsHaveNoChildren();
+    void textsEndWithTheWidget();
+    void hasAValue();
+    void readsNoValueWithoutAScreenReader();
+    void leavesOtherWidgetsAlone();
 };
 
-void TestAccessibleWidget::tellsItsTexts()
+void TestAccessibleWidget::hasItsTextsAsChildren()
 {
     Numbers numbers;
     numbers.setAccessibleName(u"CPU"_s);
@@ -51,7 +69,7 @@ void TestAccessibleWidget::tellsItsTexts()
     QCOMPARE(whole->child(-1), nullptr);
 }
 
-void TestAccessibleWidget::keepsChildrenBesideItsTexts()
+void TestAccessibleWidget::hasItsChildWidgetsAfterItsTexts()
 {
     Numbers numbers;
     QPushButton button(u"Info"_s, &numbers);
@@ -62,7 +80,7 @@ void TestAccessibleWidget::keepsChildrenBesideItsTexts()
     QCOMPARE(whole->indexOfChild(whole->child(2)), 2);
 }
 
-void TestAccessibleWidget::followsItsTexts()
+void TestAccessibleWidget::childrenFollowTheTexts()
 {
     Numbers numbers;
     QAccessibleInterface *whole = QAccessible::queryAccessibleInterface(&numbers);
@@ -89,7 +107,7 @@ void TestAccessibleWidget::findsTextsByPlace()
     QCOMPARE(whole->child(0)->rect(), QRect(origin + QPoint(10, 20), QSize(30, 10)));
 }
 
-void TestAccessibleWidget::itsTextsAreLeaves()
+void TestAccessibleWidget::textsHaveNoChildren()
 {
     Numbers numbers;
     numbers.show();
@@ -108,7 +126,7 @@ void TestAccessibleWidget::itsTextsAreLeaves()
     QVERIFY(load->state().invisible);
 }
 
-void TestAccessibleWidget::outlivesNothing()
+void TestAccessibleWidget::textsEndWithTheWidget()
 {
     QAccessible::Id id = 0;
     {
@@ -118,6 +136,41 @@ void TestAccessibleWidget::outlivesNothing()
         QVERIFY(QAccessible::accessibleInterface(id));
     }
     QVERIFY(!QAccessible::accessibleInterface(id));
+}
+
+void TestAccessibleWidget::hasAValue()
+{
+    Gauge gauge;
+    gauge.setAccessibleName(u"Power"_s);
+    const QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(&gauge);
+    QCOMPARE(seen->role(), QAccessible::Chart);
+    QCOMPARE(seen->text(QAccessible::Name), u"Power"_s);
+    QCOMPARE(seen->text(QAccessible::Value), u"42 W"_s);
+    QCOMPARE(seen->text(QAccessible::Description), u"42 W"_s);
+    QCOMPARE(seen->childCount(), 0);
+}
+
+void TestAccessibleWidget::readsNoValueWithoutAScreenReader()
+{
+    Gauge gauge;
+    gauge.announce();
+    QCOMPARE(gauge.reads, 0);
+    QAccessible::setActive(true);
+    gauge.announce();
+    gauge.announce();
+    QCOMPARE(gauge.reads, 2);
+    QAccessible::setActive(false);
+    gauge.announce();
+    QCOMPARE(gauge.reads, 2);
+}
+
+void TestAccessibleWidget::leavesOtherWidgetsAlone()
+{
+    QWidget plain;
+    const QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(&plain);
+    QVERIFY(seen);
+    QVERIFY(seen->role() != QAccessible::Grouping);
+    QCOMPARE(seen->text(QAccessible::Value), QString());
 }
 
 QTEST_MAIN(TestAccessibleWidget)
