@@ -10,9 +10,9 @@ namespace {
 using namespace Qt::StringLiterals;
 
 struct Unit {
-    int shift;          ///< Bytes in the unit, as a power of two.
-    int fractionDigits; ///< At most so many are shown.
-    quint64 steps;      ///< Steps of the last of them in one unit.
+    int shift;          ///< The unit has 2^shift bytes.
+    int fractionDigits; ///< Largest number of digits that are shown.
+    quint64 steps;      ///< Steps of the last digit in one unit.
     QLatin1StringView name;
 };
 
@@ -45,8 +45,8 @@ QString ByteFormatter::string(quint64 bytes) const
     bytes = std::min<quint64>(bytes, std::numeric_limits<qint64>::max());
     const Unit &unit = bytes >> gigabytes.shift == 0 ? megabytes : gigabytes;
 
-    // Whole units and the rest apart, so that no product leaves 64 bits. A unit has an even number
-    // of steps, so rounding the rest to even rounds the sum to even.
+    // Whole units and the rest are multiplied separately, so that no product exceeds 64 bits. A
+    // unit has an even number of steps, so rounding the rest to even rounds the sum to even.
     const quint64 rest = bytes & ((quint64(1) << unit.shift) - 1);
     const quint64 steps =
         (bytes >> unit.shift) * unit.steps + dividedHalfEven(rest * unit.steps, unit.shift);

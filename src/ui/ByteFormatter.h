@@ -5,17 +5,17 @@
 
 namespace corvane {
 
-/// Turns byte counts into the text that every memory figure of the interface shows: megabytes below
-/// one GiB, gigabytes from there on, in powers of 1024.
+/// Formats byte counts as every memory figure of the interface shows them: megabytes below one GiB,
+/// gigabytes from there on, in powers of 1024.
 class ByteFormatter {
 public:
-    /// The shared formatter, in the user's locale.
+    /// The shared formatter in the locale of the user.
     static const ByteFormatter &f();
 
     explicit ByteFormatter(const QLocale &locale);
 
-    /// "188.5 MB", "12.35 GB". At most one fraction digit for MB and two for GB, trailing zeros
-    /// dropped, ties to even. The unit is chosen before rounding.
+    /// "188.5 MB", "12.35 GB". At most one fraction digit for MB and two for GB, without
+    /// trailing zeros; ties are rounded to even. The unit is chosen before rounding.
     QString string(quint64 bytes) const;
 
 private:

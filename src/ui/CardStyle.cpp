@@ -35,10 +35,10 @@ QPainterPath continuousCorners(const QRectF &rect, double radius)
 
 namespace {
 
-/// Qt hands what has more lines than this to threads, which cost more than they save here.
+/// Qt fills shapes of more lines than this on several threads, which costs more than it saves here.
 constexpr double fewLines = 32;
 
-/// Fills what is away from the edges: in bands, without antialiasing, so that no seam shows.
+/// Fills a part that no edge crosses: in bands, without antialiasing, so that no seam shows.
 void fillInside(QPainter &painter, const QRectF &card, const QRect &dirty)
 {
     painter.save();
@@ -54,7 +54,7 @@ void fillInside(QPainter &painter, const QRectF &card, const QRect &dirty)
 
 void paint(QPainter &painter, const QRectF &card, const QRect &dirty)
 {
-    constexpr double edge = 8; // More than the corners take of it.
+    constexpr double edge = 8; // A rectangle this far inside the card touches no corner.
     if (card.adjusted(edge, edge, -edge, -edge).contains(dirty)) {
         fillInside(painter, card, dirty);
         return;

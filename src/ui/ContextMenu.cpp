@@ -1,5 +1,6 @@
 #include "ui/ContextMenu.h"
 
+#include "platform/MainThread.h"
 #include "ui/Theme.h"
 
 #include <QMenu>
@@ -8,11 +9,11 @@ namespace corvane {
 
 namespace {
 
-/// The menu stands on dark views, whatever the desktop's own colours are.
+/// The menu opens over dark views, whatever the colours of the desktop are.
 QPalette menuPalette()
 {
     QPalette palette;
-    // Light is the shadow that some styles give to text that is disabled.
+    // Some styles draw a shadow in the role Light under disabled text.
     for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light})
         palette.setColor(role, Theme::popoverFill);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
@@ -28,6 +29,7 @@ QPalette menuPalette()
 
 QMenu *popUpActions(QWidget &widget, const QPoint &globalPosition)
 {
+    assertMainThread();
     if (widget.actions().isEmpty())
         return nullptr;
     auto *menu = new QMenu(&widget);

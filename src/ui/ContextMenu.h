@@ -6,8 +6,8 @@ class QWidget;
 
 namespace corvane {
 
-/// Opens the menu of a widget's actions there, without waiting for it; null where there are none.
-/// It deletes itself when it closes.
+/// Opens a menu of the widget's actions and returns at once; null if the widget has no actions. The
+/// menu deletes itself when it closes. Main thread.
 QMenu *popUpActions(QWidget &widget, const QPoint &globalPosition);
 
 } // namespace corvane

@@ -1,5 +1,6 @@
 #include "ui/Icon.h"
 
+#include "platform/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/SystemSymbol.h"
 
@@ -8,7 +9,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-/// The drawings lie in a static library, whose resources must be asked for by name.
+/// Resources of a static library must be registered by name.
 static void registerDrawings()
 {
     Q_INIT_RESOURCE(resources);
@@ -22,7 +23,7 @@ using namespace Qt::StringLiterals;
 
 enum class Origin { system, drawing };
 
-/// One icon as it was asked for; the size is in device pixels.
+/// A requested icon; the size is in device pixels.
 struct Rendering {
     Origin origin;
     QString symbol;
@@ -38,7 +39,7 @@ size_t qHash(const Rendering &rendering, size_t seed)
                       rendering.pixels.height());
 }
 
-/// The drawing as it lies in the resources, tinted; empty for an unknown symbol.
+/// The drawing from the resources, tinted; empty for an unknown symbol.
 QByteArray drawing(const QString &symbol, const QColor &color)
 {
     registerDrawings();
@@ -87,10 +88,11 @@ QImage render(const Rendering &wanted)
     return symbol.isNull() ? renderDrawing(wanted) : symbol;
 }
 
-/// Parsing and filling a drawing costs a hundred times what copying its picture does, and the few
-/// icons of a view come back at every repaint.
+/// Parsing and filling a drawing costs a hundred times as much as copying its picture, and a view
+/// paints the same few icons at every repaint.
 const QImage &picture(const Rendering &wanted)
 {
+    assertMainThread();
     constexpr int mostPictures = 200;
     static QCache<Rendering, QImage> pictures(mostPictures);
     if (const QImage *found = pictures.object(wanted))
@@ -105,7 +107,7 @@ void paint(QPainter &painter, Origin origin, const QString &symbol, const QRectF
 {
     if (!(target.width() > 0 && target.height() > 0))
         return;
-    // The device's scale; no icon is drawn rotated.
+    // The scale of the device is enough: no icon is drawn rotated.
     const QTransform toDevice = painter.deviceTransform();
     const QSizeF pixels(target.width() * toDevice.m11(), target.height() * toDevice.m22());
     const QImage &image = picture({origin, symbol, color.rgba(), pixels});

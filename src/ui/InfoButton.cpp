@@ -1,5 +1,6 @@
 #include "ui/InfoButton.h"
 
+#include "platform/MainThread.h"
 #include "ui/Icon.h"
 #include "ui/InfoPopover.h"
 #include "ui/RoundedBox.h"
@@ -16,6 +17,7 @@ InfoButton::InfoButton(const InfoText &info, QWidget *parent)
     : QAbstractButton(parent),
       m_info(info)
 {
+    assertMainThread();
     setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
     setFixedSize(side, side);
     setToolTip(info.title.toHtmlEscaped());
@@ -48,7 +50,7 @@ void InfoButton::close()
 {
     if (!m_popover)
         return;
-    // It may be in the middle of an event that it filters.
+    // It is deleted later, since it may be filtering an event right now.
     m_popover->hide();
     m_popover->deleteLater();
     m_popover.clear();

@@ -11,22 +11,22 @@ class InfoPopover;
 /// What an info button explains.
 struct InfoText {
     QString title = {};
-    QString text = {}; ///< With inline marks: bold, italics, code.
+    QString text = {}; ///< Inline Markdown: bold, italics, code.
 };
 
-/// The small "info.circle" in a card's header; a click opens and closes a popover that explains the
-/// card. Its whole square takes clicks. Main thread.
+/// The small "info.circle" in the header of a card; a click opens or closes a popover that explains
+/// the card. The whole square of the button takes clicks. Main thread.
 class InfoButton : public QAbstractButton {
     Q_OBJECT
 
 public:
-    static constexpr int side = 20; ///< Of the square that takes clicks.
+    static constexpr int side = 20; ///< Width and height of the square that takes clicks.
 
-    /// Of the icon. Its right edge and its middle lie where a header wants them; the square lies
-    /// around it, on whole points.
+    /// Place of the icon in the button, as the header aligns it; the button itself lies on whole
+    /// points.
     static constexpr QRectF glyph() { return {4, 3.5, 13, 13}; }
 
-    /// The square as it would lie exactly around the glyph; the popover points at it.
+    /// The square centred on the glyph, to which the popover points.
     static constexpr QRectF clickArea() { return {0.5, 0, side, side}; }
 
     explicit InfoButton(const InfoText &info, QWidget *parent = nullptr);
@@ -35,7 +35,7 @@ public:
     const InfoText &info() const { return m_info; }
     bool isShowing() const { return !m_popover.isNull(); }
 
-    /// Nothing while it is closed.
+    /// Null while the popover is closed.
     InfoPopover *popover() const;
 
 protected:
@@ -50,7 +50,7 @@ private:
     void close();
 
     InfoText m_info;
-    QPointer<InfoPopover> m_popover; ///< A child of the window, which may go first.
+    QPointer<InfoPopover> m_popover; ///< A child of the window, which may delete it first.
 };
 
 } // namespace corvane

@@ -19,8 +19,8 @@ namespace {
 
 constexpr double windowMargin = 8;
 constexpr double arrowHeight = 8;
-constexpr double arrowGap = 2;        ///< Between the anchor and the arrow's tip.
-constexpr double cornerDistance = 20; ///< Of the arrow's middle from the body's sides, at least.
+constexpr double arrowGap = 2;        ///< Between the anchor and the tip of the arrow.
+constexpr double cornerDistance = 20; ///< Least distance of the arrow's middle from the sides.
 constexpr double cornerRadius = 10;
 constexpr double padding = 14;
 constexpr TextLine titleLine{-0.75, 17};
@@ -36,8 +36,7 @@ MarkdownStyle bodyStyle()
     return style;
 }
 
-/// The shadow of a popover: offset downwards, blurred, in a widget of its own so that the pointer
-/// passes through it.
+/// The blurred shadow below a popover. It is a widget of its own, so that clicks pass through it.
 class PopoverShadow : public QWidget {
 public:
     explicit PopoverShadow(QWidget *parent) : QWidget(parent)
@@ -177,7 +176,7 @@ bool InfoPopover::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-/// The button closes its popover by itself, and a press in the body is no reason to.
+/// Whether a press is outside both the popover and its button, which toggles the popover itself.
 bool InfoPopover::pressedElsewhere(const QObject *watched, const QPoint &globalPosition) const
 {
     if (!watched->isWidgetType() || watched == m_anchor)
@@ -200,7 +199,7 @@ void InfoPopover::placeAtAnchor()
     update();
 }
 
-/// In the popover's own coordinates: the rounded body with the arrow growing out of its edge.
+/// The rounded body with its arrow, in coordinates of the popover.
 QPainterPath InfoPopover::outline(double inset) const
 {
     const QPointF origin = pos();
@@ -212,7 +211,7 @@ QPainterPath InfoPopover::outline(double inset) const
         return QPointF(tip.x() + x, foot - up * height);
     };
 
-    // Sides that leave the edge in a small curve and meet in a tip of radius 1.5.
+    // The sides leave the edge in a small curve and meet in a tip of radius 1.5.
     QPainterPath arrow(at(-11, -0.5));
     arrow.lineTo(at(-11, 0));
     arrow.cubicTo(at(-8.4, 0), at(-7.2, 0.9), at(-5.8, 2.4));

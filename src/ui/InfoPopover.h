@@ -8,34 +8,34 @@
 
 namespace corvane {
 
-/// Where a popover lies in its window. Coordinates are the window's.
+/// The place of a popover, in coordinates of its window.
 struct PopoverPlacement {
     QRectF body = {};  ///< Without the arrow.
-    QPointF tip = {};  ///< Of the arrow.
-    bool below = true; ///< Under its anchor, the arrow on the top edge.
+    QPointF tip = {};  ///< The point of the arrow.
+    bool below = true; ///< The body is below the anchor, the arrow on its top edge.
 
     friend bool operator==(const PopoverPlacement &, const PopoverPlacement &) = default;
 };
 
-/// Centred under `anchor` and pushed until it keeps 8 from the window's edges; the tip stays under
-/// the anchor's middle as far as the body's corners allow. Over the anchor when it has no room
-/// below and more above. Pure.
+/// Centres the body below `anchor` and moves it until it is 8 points from the edges of the window;
+/// the tip stays below the middle of the anchor as far as the corners of the body allow. Above the
+/// anchor if there is too little room below it and more above. Pure.
 PopoverPlacement placePopover(const QRectF &anchor, const QSizeF &body, const QSizeF &window);
 
-/// A box over a window's content with a heading and a text with inline marks. Made open by its info
-/// button, which owns it; asks to be closed on a press outside it, on Escape and when its window is
-/// left. Main thread.
+/// A box over the content of a window, with a heading and a text in inline Markdown. It is open
+/// from its construction on. Its info button owns it and closes it on `dismissed`, which follows a
+/// press outside it, Escape, and the deactivation of its window. Main thread.
 class InfoPopover : public AccessibleWidget {
     Q_OBJECT
 
 public:
     static constexpr int width = 340;
 
-    /// `place` is the anchor's part, in its coordinates, that the arrow points at.
+    /// The arrow points to `place`, a part of the anchor in the coordinates of the anchor.
     InfoPopover(const QString &title, const QString &text, QWidget *anchor, const QRectF &place);
     ~InfoPopover() override;
 
-    /// Width and height of the body.
+    /// Size of the body without the arrow.
     QSize bodySize() const;
 
     std::vector<AccessibleText> accessibleTexts() const override;
@@ -56,7 +56,7 @@ private:
     QString m_text;
     QWidget *m_anchor;
     QRectF m_anchorPlace;
-    QPointer<QWidget> m_shadow; ///< Beneath it; the window may delete it first.
+    QPointer<QWidget> m_shadow; ///< Lies beneath this; the window may delete it first.
     MarkdownStyle m_style;
     MarkdownLayout m_layout;
     PopoverPlacement m_placement;

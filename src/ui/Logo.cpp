@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A drawing of the sign, on a grid of its own.
+/// Measures of a logo that is `side` wide.
 struct Drawing {
     double side;
     double plateRadius;

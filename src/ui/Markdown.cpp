@@ -22,9 +22,9 @@ struct Mark {
 constexpr Mark marks[] = {
     {"`"_L1, Emphasis::code}, {"**"_L1, Emphasis::bold}, {"*"_L1, Emphasis::italic}};
 
-/// A word, a stretch of blanks or a line break: what a line is made of.
+/// A word, a run of spaces or a line break.
 struct Token {
-    enum class Kind { word, blanks, lineBreak };
+    enum class Kind { word, spaces, lineBreak };
     Kind kind = Kind::word;
     MarkdownRun run = {};
 };
@@ -33,7 +33,7 @@ Token::Kind kindOf(QChar character)
 {
     if (character == u'\n')
         return Token::Kind::lineBreak;
-    return character == u' ' ? Token::Kind::blanks : Token::Kind::word;
+    return character == u' ' ? Token::Kind::spaces : Token::Kind::word;
 }
 
 QList<Token> tokens(const QList<MarkdownRun> &runs)
@@ -71,8 +71,8 @@ public:
             if (token.kind == Token::Kind::lineBreak) {
                 newLine();
                 ++index;
-            } else if (token.kind == Token::Kind::blanks) {
-                m_blanks = token.run;
+            } else if (token.kind == Token::Kind::spaces) {
+                m_spaces = token.run;
                 ++index;
             } else {
                 index = placeUnit(list, index);
@@ -83,7 +83,7 @@ public:
     }
 
 private:
-    /// Words without a blank between them stay together, whatever their emphasis.
+    /// Words without a space between them stay together, whatever their emphasis.
     qsizetype placeUnit(const QList<Token> &list, qsizetype first)
     {
         qsizetype end = first;
@@ -91,12 +91,12 @@ private:
         while (end < list.size() && list[end].kind == Token::Kind::word)
             unitWidth += width(list[end++].run);
 
-        const double blanksWidth = m_x > 0 ? width(m_blanks) : 0;
-        if (m_x > 0 && m_x + blanksWidth + unitWidth > m_width)
+        const double spacesWidth = m_x > 0 ? width(m_spaces) : 0;
+        if (m_x > 0 && m_x + spacesWidth + unitWidth > m_width)
             newLine();
-        else if (m_x > 0 && !m_blanks.text.isEmpty())
-            append(m_blanks, blanksWidth);
-        m_blanks = {};
+        else if (m_x > 0 && !m_spaces.text.isEmpty())
+            append(m_spaces, spacesWidth);
+        m_spaces = {};
         for (qsizetype i = first; i < end; ++i)
             place(list[i].run);
         return end;
@@ -136,7 +136,7 @@ private:
     {
         ++m_line;
         m_x = 0;
-        m_blanks = {};
+        m_spaces = {};
     }
 
     double width(const MarkdownRun &run) const
@@ -149,7 +149,7 @@ private:
     double m_width;
     double m_x = 0;
     int m_line = 0;
-    MarkdownRun m_blanks = {}; ///< Seen, but dropped if the line ends here.
+    MarkdownRun m_spaces = {}; ///< Spaces before the next word; dropped at the end of a line.
     MarkdownLayout m_layout = {};
 };
 
@@ -222,8 +222,8 @@ MarkdownStyle markdownStyle(double pixelSize)
     style.bold = Theme::systemFont(pixelSize, QFont::DemiBold);
     style.italic = Theme::systemFont(pixelSize);
     style.italic.setItalic(true);
-    // Monospaced letters look larger. The size is a whole one: many such fonts are hinted at whole
-    // sizes only, and would come out wider at scale 2 than they were measured.
+    // Monospaced letters look larger. The size is a whole number: many such fonts are hinted at
+    // whole sizes only and would be wider at scale 2 than they were measured.
     style.code = Theme::monospacedFont(std::floor(pixelSize * 0.95));
     style.codePadding = 2;
     return style;

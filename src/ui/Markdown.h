@@ -10,10 +10,10 @@ class QColor;
 
 namespace corvane {
 
-/// How a piece of an explanatory text is emphasised.
+/// Emphasis of a piece of an explanatory text.
 enum class Emphasis { none, bold, italic, code };
 
-/// A piece of text of one emphasis, its marks taken off.
+/// A piece of text of one emphasis, without its marks.
 struct MarkdownRun {
     QString text = {};
     Emphasis emphasis = Emphasis::none;
@@ -21,15 +21,15 @@ struct MarkdownRun {
     friend bool operator==(const MarkdownRun &, const MarkdownRun &) = default;
 };
 
-/// The inline marks `**bold**`, `*italic*` and `` `code` ``; blanks and line breaks are kept as
-/// they are. A mark without its closing partner is plain text, and nothing inside code is a mark.
-/// For the program's own texts only.
+/// Splits a text at the inline marks `**bold**`, `*italic*` and `` `code` ``; spaces and line
+/// breaks are kept. A mark without its closing partner is plain text, and nothing inside code is a
+/// mark. Meant for the program's own texts.
 QList<MarkdownRun> markdownRuns(const QString &text);
 
-/// The text without its marks, as a screen reader says it.
+/// The text without its marks, for screen readers.
 QString plainText(const QString &markdown);
 
-/// A piece that lies on one line. `x` is from the left edge of the text.
+/// A piece on one line. `x` is measured from the left edge of the text.
 struct MarkdownPiece {
     MarkdownRun run = {};
     int line = 0;
@@ -51,20 +51,20 @@ struct MarkdownStyle {
     QFont code = {};
     double codePadding = 0; ///< Left and right of a piece of code.
     double lineHeight = 0;  ///< From one line to the next.
-    TextLine codeBox = {};  ///< What lies behind code, in its line.
+    TextLine codeBox = {};  ///< Background of code, from the top of a line.
     double baseline = 0;    ///< From the top of a line.
 
     const QFont &font(Emphasis emphasis) const;
 };
 
-/// The system's font at that size, with code in a monospaced one; lines are for the caller to set.
+/// The system's font at that size, and a monospaced one for code. The caller sets the lines.
 MarkdownStyle markdownStyle(double pixelSize);
 
-/// Breaks at blanks and at line breaks so that lines are at most `width` wide. A piece of code is
-/// never broken at its blanks; what is wider than a whole line is broken anywhere. Pure.
+/// Breaks a text at spaces and line breaks so that lines are at most `width` wide. Code is not
+/// broken at its spaces; a word that is wider than a line is broken anywhere. Pure.
 MarkdownLayout layOut(const QList<MarkdownRun> &runs, const MarkdownStyle &style, double width);
 
-/// Paints a text; what has an emphasis of its own has its own colour too.
+/// Paints a text. `color` is that of plain and italic text; bold text and code have their own.
 void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayout &layout,
                    const MarkdownStyle &style, const QColor &color);
 

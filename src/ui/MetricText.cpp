@@ -18,8 +18,8 @@ QString byteText(quint64 bytes)
     return ByteFormatter::f().string(bytes);
 }
 
-/// A percentage cut to a whole number. Sane samples lie in 0…100; whatever else comes is kept
-/// within what an integer holds.
+/// A percentage rounded towards zero. Plausible samples lie in 0…100; any other is limited to what
+/// an integer holds.
 qint64 wholePercent(double percent)
 {
     constexpr double most = 1e15;

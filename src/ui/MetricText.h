@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// One metric in words: the rows of the panel and of the label's menus.
+/// One metric as text: a row of the panel and of the label's menus.
 struct MetricRow {
     QString title = {};
     QColor color = {};
@@ -25,8 +25,7 @@ std::array<MetricRow, 5> metricRows(const SystemMetrics &current);
 /// The row as one line of text: "Memory: 45.74 GB / 64 GB, 71 %".
 QString inOneLine(const MetricRow &row);
 
-/// One of the label's three numbers: its text as it stands in the menu bar, its colour, and what it
-/// says in words.
+/// One of the label's three numbers: its text in the menu bar, its colour, and the same in words.
 struct LabelNumber {
     QString text = {};
     QColor color = {};
@@ -37,14 +36,14 @@ struct LabelNumber {
 
 using LabelNumbers = std::array<LabelNumber, 3>;
 
-/// Memory load, GPU load and total power, in this order: "63", "41", "12W". Loads are cut to whole
-/// per cents, not rounded.
+/// Memory load, GPU load and total power, in this order: "63", "41", "12W". Loads are whole per
+/// cents, rounded down. An absent chip reading shows as 0.
 LabelNumbers labelNumbers(const SystemMetrics &current);
 
-/// All three in one line: "63 41 12W".
+/// The numbers in one line: "63 41 12W".
 QString inOneLine(const LabelNumbers &numbers);
 
-/// All three in words, for tool tips: "Memory 63 %, GPU 41 %, Power 12 W".
+/// The numbers in words, for tool tips: "Memory 63 %, GPU 41 %, Power 12 W".
 QString inWords(const LabelNumbers &numbers);
 
 } // namespace corvane

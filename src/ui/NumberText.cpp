@@ -8,8 +8,8 @@ using namespace Qt::StringLiterals;
 
 QString fixedText(double number, int fractionDigits)
 {
-    // Qt rounds ties away from zero, the patterns of printf to even. A tie is one only if nothing
-    // was lost in the product.
+    // Qt rounds ties away from zero. It is a tie only if the product is exact, which the fused
+    // multiplication shows.
     const double scale = std::pow(10.0, fractionDigits);
     const double steps = number * scale;
     const bool isTie =

@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// The one home of how quantities become text. The point is the decimal mark in every locale, and
-/// rounding is to the nearest, of a number between two to the even one.
+/// How quantities become text. The decimal mark is a point in every locale; numbers are rounded to
+/// the nearest, ties to even.
 
 QString percentText(double percent);                      ///< "71%"
 QString spacedPercentText(double percent);                ///< "71 %"
@@ -13,7 +13,7 @@ QString wattsText(double watts, int fractionDigits);      ///< "16.69 W"
 QString tightWattsText(double watts, int fractionDigits); ///< "49.7W"
 QString celsiusText(double celsius);                      ///< "74°C"
 
-/// `number` with so many fraction digits.
+/// `number` with that many fraction digits.
 QString fixedText(double number, int fractionDigits);
 
 } // namespace corvane

@@ -1,5 +1,6 @@
 #include "ui/PanelButton.h"
 
+#include "platform/MainThread.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"
@@ -41,6 +42,7 @@ PanelButton::PanelButton(const QString &text, const QString &symbol, QWidget *pa
     : QAbstractButton(parent),
       m_symbol(symbol)
 {
+    assertMainThread();
     setText(text);
     setAccessibleName(text);
     setFocusPolicy(Qt::StrongFocus);

@@ -4,12 +4,12 @@
 
 namespace corvane {
 
-/// A push button with an optional icon, as the panel and the settings show it. Main thread.
+/// The push button of the panel and the settings, with an optional icon. Main thread.
 class PanelButton : public QAbstractButton {
     Q_OBJECT
 
 public:
-    /// `symbol` names the icon; empty: none.
+    /// `symbol` is the name of the icon; empty: none.
     explicit PanelButton(const QString &text, const QString &symbol = {},
                          QWidget *parent = nullptr);
 

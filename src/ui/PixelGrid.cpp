@@ -12,7 +12,7 @@ QRectF snappedToPixels(const QPainter &painter, const QRectF &rect)
 {
     const QTransform toDevice = painter.deviceTransform();
     const QRectF device = toDevice.mapRect(rect);
-    // The size is rounded by itself, so that equal lines come out equally thick everywhere.
+    // The size is rounded separately, so that equal lines are equally thick everywhere.
     const QRectF snapped(std::round(device.x()), std::round(device.y()),
                          std::max(1.0, std::round(device.width())),
                          std::max(1.0, std::round(device.height())));
@@ -28,7 +28,7 @@ QPointF snappedToPixels(const QPainter &painter, const QPointF &point)
 
 void fillHairline(QPainter &painter, const QRectF &line, const QColor &color)
 {
-    // Without antialiasing, which would smear an edge that arithmetic leaves a hair off its pixel.
+    // Without antialiasing, which would blur an edge that a rounding error moves off its pixel.
     const bool antialiased = painter.testRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillRect(snappedToPixels(painter, line), color);

@@ -7,16 +7,16 @@ class QPainter;
 
 namespace corvane {
 
-/// Boxes with round corners, as controls, tags and bars are. They leave the painter with another
-/// pen and brush.
+/// Boxes with round corners: controls, tags, bars. These functions change pen and brush of the
+/// painter.
 
 void fillRounded(QPainter &painter, const QRectF &box, double radius, const QBrush &brush);
 
-/// Along the inside of the edge.
+/// Strokes along the inside of the edge.
 void strokeRounded(QPainter &painter, const QRectF &box, double radius, const QColor &color,
                    double width = 1);
 
-/// The ring of a control that has the focus, along the inside of its edge.
+/// The ring of a focused control, along the inside of its edge.
 void paintFocusRing(QPainter &painter, const QRectF &box, double radius);
 
 } // namespace corvane

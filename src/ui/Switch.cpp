@@ -1,5 +1,6 @@
 #include "ui/Switch.h"
 
+#include "platform/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"
@@ -15,12 +16,13 @@ constexpr double trackWidth = 36;
 constexpr double trackHeight = 20;
 constexpr double knobSide = 16;
 constexpr double knobGap = 2;    ///< Around the knob.
-constexpr double ringOutset = 4; ///< A gap and the ring.
+constexpr double ringOutset = 4; ///< Width of the focus ring and of the gap inside it.
 
 } // namespace
 
 Switch::Switch(const QString &text, QWidget *parent) : QCheckBox(text, parent)
 {
+    assertMainThread();
     setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
 }
 
@@ -32,7 +34,7 @@ const QFont &Switch::textFont()
 
 double Switch::textBaseline(const QRectF &row)
 {
-    constexpr double lift = 0.5; // Few descenders: a little above the middle looks like it.
+    constexpr double lift = 0.5; // With few descenders this looks like the middle.
     return TextLine{row.top() - lift, row.height()}.baseline(textFont());
 }
 

@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-/// Draws the shape of the system's own symbol of that name into an empty picture, as large as fits
-/// and centred. A pixel is four bytes, the last one its opacity; rows go from the top. False, with
-/// nothing drawn, where the system has no such symbol. Main thread.
+/// Draws the system's symbol of that name into an empty picture, centred and as large as fits. A
+/// pixel is four bytes, the last of which is its opacity; the top row comes first. Returns false
+/// and draws nothing if the system has no such symbol. Main thread.
 bool drawSystemSymbol(const std::string &name, unsigned char *pixels, int width, int height);
 
 } // namespace corvane

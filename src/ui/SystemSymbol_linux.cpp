@@ -2,7 +2,7 @@
 
 namespace corvane {
 
-/// Desktops have icon themes, none of which has these symbols.
+/// No icon theme has symbols of these names.
 bool drawSystemSymbol(const std::string &, unsigned char *, int, int)
 {
     return false;

@@ -1,5 +1,7 @@
 #include "ui/TextLayout.h"
 
+#include "platform/MainThread.h"
+
 #include <QFontMetricsF>
 #include <QHash>
 #include <QPainter>
@@ -12,8 +14,8 @@ namespace corvane {
 
 namespace {
 
-/// Advances in one font. To shape a text costs a hundred times what finding its width here does,
-/// and the few words of a view come back at every change of its numbers.
+/// Remembers advances in one font. Shaping a text costs a hundred times as much as finding its
+/// width here, and a view measures the same few words at every change of its numbers.
 class FontAdvances {
 public:
     explicit FontAdvances(const QFont &font) : m_metrics(font)
@@ -38,7 +40,7 @@ public:
 
     std::array<double, 10> digits = {};
     double widest = 0;
-    bool alike = true; ///< The font's own digits are of one width.
+    bool alike = true; ///< All digits of the font have the same width.
 
 private:
     QFontMetricsF m_metrics;
@@ -47,6 +49,7 @@ private:
 
 FontAdvances &advancesOf(const QFont &font)
 {
+    assertMainThread();
     static QHash<QFont, FontAdvances> known;
     const auto found = known.find(font);
     return found != known.end() ? *found : *known.insert(font, FontAdvances(font));
@@ -78,8 +81,8 @@ void forEachPiece(const QString &text, FontAdvances &font, Visitor visit)
     }
 }
 
-/// Sets text at the size that it has on the device. A font that the painter enlarges is hinted at
-/// its small size first, which thickens every stem.
+/// Draws text at its size on the device. A font that the painter enlarges is hinted at its small
+/// size, which thickens every stem.
 class DeviceText {
 public:
     DeviceText(QPainter &painter, const QFont &font)
@@ -114,7 +117,8 @@ public:
     }
 
 private:
-    /// The device's pixels a point, where they are a whole number; fonts have whole pixel sizes.
+    /// Device pixels in a point, if they are a whole number; else 1, as font sizes are whole
+    /// pixels.
     static int wholeRatio(const QPainter &painter)
     {
         const double ratio = painter.device()->devicePixelRatioF();

@@ -1,5 +1,7 @@
 #include "ui/Theme.h"
 
+#include "platform/MainThread.h"
+
 #include <QFontDatabase>
 #include <QSizeF>
 
@@ -9,7 +11,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The first family of the list that is installed; `fallback` otherwise.
+/// The first installed family of the list; else that of `fallback`.
 QString installedFamily(const QStringList &families, const QFont &fallback)
 {
     for (const QString &family : families) {
@@ -46,6 +48,7 @@ QLinearGradient windowGradient(const QSizeF &size)
 
 QFont systemFont(double pixelSize, QFont::Weight weight)
 {
+    assertMainThread();
     static const QString family = installedFamily(
         {u"Inter"_s, u"Noto Sans"_s}, QFontDatabase::systemFont(QFontDatabase::GeneralFont));
     return sized(family, pixelSize, weight);
@@ -53,6 +56,7 @@ QFont systemFont(double pixelSize, QFont::Weight weight)
 
 QFont monospacedFont(double pixelSize)
 {
+    assertMainThread();
     static const QString family =
         installedFamily({u"Noto Sans Mono"_s, u"DejaVu Sans Mono"_s},
                         QFontDatabase::systemFont(QFontDatabase::FixedFont));

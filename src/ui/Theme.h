@@ -16,7 +16,7 @@ constexpr QColor srgb(float red, float green, float blue, float opacity = 1)
     return QColor(QColor::Rgb, wide(opacity), wide(red), wide(green), wide(blue));
 }
 
-/// The same of components from 0 to 255.
+/// The same with components from 0 to 255.
 constexpr QColor srgb8(int red, int green, int blue, float opacity = 1)
 {
     constexpr float full = 255;
@@ -96,8 +96,8 @@ QColor withOpacity(const QColor &color, double opacity);
 /// Background of the dashboard and of the other windows, corner to corner.
 QLinearGradient windowGradient(const QSizeF &size);
 
-/// The system's interface font; Inter where it is installed. Sizes are pixels at scale 1.
-/// Main thread, as is the other.
+/// Inter where it is installed, else the system's interface font. Sizes are pixels at scale 1. Both
+/// fonts are for the main thread.
 QFont systemFont(double pixelSize, QFont::Weight weight = QFont::Normal);
 
 QFont monospacedFont(double pixelSize);

@@ -15,10 +15,10 @@ namespace corvane {
 
 namespace {
 
-constexpr int shift = 20; ///< Channels are fixed-point numbers with so many binary places.
-constexpr int lanes = 8;  ///< Pixels that are worked out together.
+constexpr int shift = 20; ///< Binary places of a channel, a fixed-point number.
+constexpr int lanes = 8;  ///< Pixels that are computed together.
 
-/// Thresholds of an ordered dither, each as often as any other, as such numbers.
+/// Thresholds of an ordered dither, as such fixed-point numbers; each occurs equally often.
 constexpr std::array<std::array<int, 8>, 8> thresholds()
 {
     std::array<std::array<int, 8>, 8> table = {};
@@ -38,7 +38,7 @@ constexpr std::array<std::array<int, 8>, 8> thresholds()
 
 constexpr std::array<std::array<int, 8>, 8> dither = thresholds();
 
-/// One colour channel: its value in the upper left corner and what each pixel adds.
+/// One colour channel: its value in the upper left corner and its change from pixel to pixel.
 struct Channel {
     int origin = 0;
     int right = 0;
@@ -60,7 +60,7 @@ Channel channel(double first, double last, const QSize &window)
             .down = fixed((last - first) * height / length)};
 }
 
-/// A window's background. A pixel is the same whichever part it is painted with.
+/// The background of a whole window.
 class Background {
 public:
     explicit Background(const QSize &window)
@@ -107,7 +107,7 @@ private:
     Channel m_blue;
 };
 
-/// So many rows of the background, as a view of `pixels`.
+/// A part of the background as an image that refers to `pixels`.
 QImage rowsOf(const Background &background, const QRect &part, std::vector<QRgb> &pixels)
 {
     const int stride = (part.width() + lanes - 1) / lanes * lanes;
@@ -129,7 +129,7 @@ QImage windowBackground(const QSize &window, const QRect &part)
 
 void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegion &region)
 {
-    constexpr int mostPixels = 1 << 14; // At once: what stays in the processor's cache.
+    constexpr int mostPixels = 1 << 14; // Computed at once: they stay in the processor's cache.
     const double scale = painter.deviceTransform().m11();
     const QWidget *window = widget.window();
     const QPoint origin = widget.mapTo(window, QPoint(0, 0));
@@ -141,8 +141,8 @@ void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegi
         const QRect part = QRectF(inWindow.topLeft() * scale, inWindow.size() * scale)
                                .toAlignedRect()
                                .intersected({{}, size});
-        // Qt copies pictures through a rectangle, but hands them line by line to its threads
-        // through any other shape, such as the region that is painted anew.
+        // Qt copies a picture at once through a rectangular clip, but line by line on its threads
+        // through any other clip, such as the region to repaint.
         painter.setClipRect(rect);
         const int most = std::max(mostPixels / std::max(part.width(), 1), 1);
         for (int top = part.top(); top <= part.bottom(); top += most) {

@@ -8,13 +8,13 @@ class QWidget;
 
 namespace corvane {
 
-/// A part of the background of a window, in device pixels of the whole. It runs between two colours
-/// so close to each other that plain rounding would show as bands: it is dithered, by a pattern
-/// that lies still when a part is drawn anew.
+/// A part of a window's background; window and part are in device pixels. The two colours of the
+/// gradient are so close to each other that plain rounding would show as bands, so it is dithered.
+/// A pixel is the same whichever part it is drawn with.
 QImage windowBackground(const QSize &window, const QRect &part);
 
-/// Paints what lies under that region of a widget, which is given in the widget's coordinates. It
-/// is worked out anew each time, which costs about as much as to copy it from a picture.
+/// Paints the background of the widget's window below that region of the widget. It is computed
+/// each time, which costs about as much as copying it from a picture.
 void paintWindowBackground(QPainter &painter, const QWidget &widget, const QRegion &region);
 
 } // namespace corvane
