@@ -28,11 +28,10 @@ class TestChartScale : public QObject {
 private slots:
     void mapsSamples_data();
     void mapsSamples();
-    void knowsUsableRanges_data();
-    void knowsUsableRanges();
-    void middleTimeIsHalfway();
-    void columnsSkipSamplesBehindAClockJump_data();
-    void columnsSkipSamplesBehindAClockJump();
+    void refusesUnusableRanges_data();
+    void refusesUnusableRanges();
+    void skipsSamplesBeforeAClockJump_data();
+    void skipsSamplesBeforeAClockJump();
     void findsTheNearestSample_data();
     void findsTheNearestSample();
     void placesThePill();
@@ -53,8 +52,8 @@ void TestChartScale::mapsSamples_data()
     QTest::newRow("below the values is pinned") << 130.0 << -3.0 << Point({150, 50});
     QTest::newRow("an infinite value is pinned") << 130.0 << infinity << Point({150, 0});
     QTest::newRow("a minus infinite value is pinned") << 130.0 << -infinity << Point({150, 50});
-    QTest::newRow("no number comes out at the top") << 130.0 << notANumber << Point({150, 0});
-    QTest::newRow("no number as time has no point") << notANumber << 5.0 << Point();
+    QTest::newRow("not a number maps to the top") << 130.0 << notANumber << Point({150, 0});
+    QTest::newRow("a time that is not a number has no point") << notANumber << 5.0 << Point();
     QTest::newRow("an infinite time has no point") << infinity << 5.0 << Point();
 }
 
@@ -67,7 +66,7 @@ void TestChartScale::mapsSamples()
     QTEST(x ? Point({*x, scale.yFor(amount)}) : Point(), "expected");
 }
 
-void TestChartScale::knowsUsableRanges_data()
+void TestChartScale::refusesUnusableRanges_data()
 {
     QTest::addColumn<ChartRange>("time");
     QTest::addColumn<ChartRange>("value");
@@ -75,13 +74,13 @@ void TestChartScale::knowsUsableRanges_data()
     QTest::newRow("both in order") << ChartRange{0, 1} << ChartRange{0, 1} << true;
     QTest::newRow("a single instant") << ChartRange{5, 5} << ChartRange{0, 1} << false;
     QTest::newRow("time backwards") << ChartRange{5, 4} << ChartRange{0, 1} << false;
-    QTest::newRow("no height of values") << ChartRange{0, 1} << ChartRange{3, 3} << false;
+    QTest::newRow("no range of values") << ChartRange{0, 1} << ChartRange{3, 3} << false;
     QTest::newRow("values backwards") << ChartRange{0, 1} << ChartRange{3, 2} << false;
-    QTest::newRow("no number") << ChartRange{0, notANumber} << ChartRange{0, 1} << false;
-    QTest::newRow("endless") << ChartRange{0, 1} << ChartRange{0, infinity} << false;
+    QTest::newRow("not a number") << ChartRange{0, notANumber} << ChartRange{0, 1} << false;
+    QTest::newRow("infinite") << ChartRange{0, 1} << ChartRange{0, infinity} << false;
 }
 
-void TestChartScale::knowsUsableRanges()
+void TestChartScale::refusesUnusableRanges()
 {
     QFETCH(ChartRange, time);
     QFETCH(ChartRange, value);
@@ -89,29 +88,23 @@ void TestChartScale::knowsUsableRanges()
     QTEST(scale.isUsable(), "expected");
 }
 
-void TestChartScale::middleTimeIsHalfway()
-{
-    const ChartRange time{100, 161};
-    QCOMPARE(time.middle(), 130.5);
-}
-
-void TestChartScale::columnsSkipSamplesBehindAClockJump_data()
+void TestChartScale::skipsSamplesBeforeAClockJump_data()
 {
     QTest::addColumn<std::vector<double>>("timestamps");
     QTest::addColumn<QList<double>>("expected"); // -1: no point.
     QTest::newRow("ascending") << std::vector<double>{0, 5, 10} << QList<double>{0, 50, 100};
     QTest::newRow("equal ones stay") << std::vector<double>{0, 5, 5} << QList<double>{0, 50, 50};
-    QTest::newRow("a jump back hides what it passed")
+    QTest::newRow("a jump back hides the samples that it passed")
         << std::vector<double>{0, 4, 8, 2, 6} << QList<double>{0, -1, -1, 20, 60};
     QTest::newRow("descending leaves the last")
         << std::vector<double>{9, 6, 3} << QList<double>{-1, -1, 30};
-    QTest::newRow("no number hides only itself")
+    QTest::newRow("not a number hides only itself")
         << std::vector<double>{0, notANumber, 4} << QList<double>{0, -1, 40};
     QTest::newRow("outside on both sides")
         << std::vector<double>{-1, 5, 11} << QList<double>{-1, 50, -1};
 }
 
-void TestChartScale::columnsSkipSamplesBehindAClockJump()
+void TestChartScale::skipsSamplesBeforeAClockJump()
 {
     QFETCH(std::vector<double>, timestamps);
     QList<double> columns;
@@ -144,9 +137,9 @@ void TestChartScale::findsTheNearestSample_data()
     QTest::newRow("no samples") << std::vector<double>{} << range << 1.0 << 300.0 << Index();
     QTest::newRow("no time") << row << ChartRange{5, 5} << 1.0 << 300.0 << Index();
     QTest::newRow("time backwards") << row << ChartRange{5, 0} << 1.0 << 300.0 << Index();
-    QTest::newRow("a sample behind a clock jump is passed over")
+    QTest::newRow("a sample before a clock jump is left out")
         << std::vector<double>{0, 10, 20, 11, 30} << range << 190.0 << 300.0 << Index(3);
-    QTest::newRow("no number is passed over")
+    QTest::newRow("not a number is left out")
         << std::vector<double>{notANumber, 10} << range << 0.0 << 300.0 << Index(1);
     QTest::newRow("no cursor at all") << row << range << notANumber << 300.0 << Index(0);
 }

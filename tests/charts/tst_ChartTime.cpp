@@ -14,8 +14,8 @@ private slots:
     void initTestCase() { qputenv("TZ", "UTC"); }
     void labelsFollowTheLocale_data();
     void labelsFollowTheLocale();
-    void labelsOfARange();
-    void noLabelForWhatNoCalendarHolds();
+    void labelsStartMiddleAndEndOfARange();
+    void noLabelForATimeThatNoCalendarHas();
 };
 
 void TestChartTime::labelsFollowTheLocale_data()
@@ -52,13 +52,13 @@ void TestChartTime::labelsFollowTheLocale()
     QTEST(timeLabel(date, QLocale(locale)), "expected");
 }
 
-void TestChartTime::labelsOfARange()
+void TestChartTime::labelsStartMiddleAndEndOfARange()
 {
     const std::array<QString, 3> expected{u"14:04"_s, u"14:05"_s, u"14:07"_s};
     QVERIFY(timeLabels({50'640, 50'820}, QLocale(u"de_DE"_s)) == expected);
 }
 
-void TestChartTime::noLabelForWhatNoCalendarHolds()
+void TestChartTime::noLabelForATimeThatNoCalendarHas()
 {
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
     QCOMPARE(timeLabel(notANumber, QLocale::c()), QString());

@@ -57,12 +57,12 @@ class TestHoverPill : public QObject {
 private slots:
     void isAsLargeAsItsContentAndPadding();
     void aComponentRowKeepsLabelAndValueApart();
-    void tellsWhetherItChanged();
+    void returnsWhetherTheContentChanged();
     void paintsBoxAndShadow_data();
     void paintsBoxAndShadow();
     void paintsEachComponentInItsColor();
-    void speaks();
-    void emptyContentIsStillABox();
+    void contentIsOneAccessibleLine();
+    void hasABoxWithoutRows();
 };
 
 void TestHoverPill::isAsLargeAsItsContentAndPadding()
@@ -88,7 +88,7 @@ void TestHoverPill::aComponentRowKeepsLabelAndValueApart()
     QCOMPARE(pill.size().width(), least + 16);
 }
 
-void TestHoverPill::tellsWhetherItChanged()
+void TestHoverPill::returnsWhetherTheContentChanged()
 {
     HoverPill pill;
     QVERIFY(pill.show(powerPill()));
@@ -117,9 +117,9 @@ void TestHoverPill::paintsBoxAndShadow()
     QVERIFY(isClose(QColor(inside.rgb()), QColor(33, 36, 46), 4));
     QVERIFY(inside.alpha() >= 245);
     QVERIFY(pixelAt(image, 60, 20.5).lightness() > inside.lightness() + 10); // The border.
-    // The corners are round: there is nothing but shadow.
+    // Outside the round corners there is only the shadow.
     QVERIFY(pixelAt(image, 20.5, 20.5).alpha() < 120);
-    // The shadow falls down: more below than above, and none far away.
+    // The shadow is darker below the box than above it, and ends nearby.
     const int below = pixelAt(image, 60, bottom + 2).alpha();
     const int above = pixelAt(image, 60, 17).alpha();
     QVERIFY(below > above);
@@ -145,14 +145,14 @@ void TestHoverPill::paintsEachComponentInItsColor()
     }
 }
 
-void TestHoverPill::speaks()
+void TestHoverPill::contentIsOneAccessibleLine()
 {
     QCOMPARE(accessibleText(powerPill()), u"14:05:15, 39.60 W, CPU 9.30, GPU 29.92, ANE 0.38"_s);
     QCOMPARE(accessibleText(utilizationPill()), u"14:05:03, 39%, 13.89W, 3.08GHz"_s);
     QCOMPARE(accessibleText({}), QString());
 }
 
-void TestHoverPill::emptyContentIsStillABox()
+void TestHoverPill::hasABoxWithoutRows()
 {
     HoverPill pill;
     pill.show({u" "_s, {}});

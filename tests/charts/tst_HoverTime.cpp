@@ -3,8 +3,6 @@
 #include <QLocale>
 #include <QTest>
 
-#include <limits>
-
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
@@ -13,12 +11,12 @@ class TestHoverTime : public QObject {
 
 private slots:
     void initTestCase() { qputenv("TZ", "UTC"); }
-    void shows_data();
-    void shows();
+    void formats_data();
+    void formats();
     void ignoresTheLocale();
 };
 
-void TestHoverTime::shows_data()
+void TestHoverTime::formats_data()
 {
     QTest::addColumn<double>("date");
     QTest::addColumn<QString>("expected");
@@ -27,12 +25,10 @@ void TestHoverTime::shows_data()
     QTest::newRow("fractions are cut") << 50'709.999 << u"14:05:09"_s;
     QTest::newRow("the last second of a day") << 86'399.0 << u"23:59:59"_s;
     QTest::newRow("before the reference date") << -1.0 << u"23:59:59"_s;
-    QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << QString();
-    QTest::newRow("endless") << std::numeric_limits<double>::infinity() << QString();
-    QTest::newRow("no calendar holds it") << 1e300 << QString();
+    QTest::newRow("a time that no calendar has") << 1e300 << QString();
 }
 
-void TestHoverTime::shows()
+void TestHoverTime::formats()
 {
     QFETCH(double, date);
     QTEST(HoverTime::string(date), "expected");

@@ -33,21 +33,21 @@ class TestSeriesShape : public QObject {
     Q_OBJECT
 
 private slots:
-    void lineAndFillOfOneSeries();
+    void hasLineAndFill();
     void stackedSeriesStandOnEachOther();
     void overlaidSeriesReachTheBottom();
-    void clampsTheSumNotTheParts();
+    void clampsTheSumAndNotItsParts();
     void valuesAreMeasuredFromTheBottomOfTheDomain();
-    void shorterAndLongerSeries();
-    void oneSampleCollapses();
+    void seriesMayBeShorterOrLonger();
+    void oneSampleHasNoArea();
     void gapsAreStraight();
-    void skipsWhatHasNoPoint();
-    void noNumbersStayOnTheChart();
+    void leavesOutSamplesWithoutAPlace();
+    void hostileNumbersStayOnTheChart();
     void degenerateInputHasNoShapes_data();
     void degenerateInputHasNoShapes();
 };
 
-void TestSeriesShape::lineAndFillOfOneSeries()
+void TestSeriesShape::hasLineAndFill()
 {
     const std::vector<SeriesShape> shapes = seriesShapes(chart({series({2, 5, 10})}), size);
     QCOMPARE(shapes.size(), std::size_t(1));
@@ -75,7 +75,7 @@ void TestSeriesShape::overlaidSeriesReachTheBottom()
     QCOMPARE(shapes[1].fill.first(), QPointF(0, 100));
 }
 
-void TestSeriesShape::clampsTheSumNotTheParts()
+void TestSeriesShape::clampsTheSumAndNotItsParts()
 {
     const std::vector<SeriesShape> shapes =
         seriesShapes(chart({series({8, -4, 8}), series({6, 6, -20})}, Stacking::stacked), size);
@@ -90,7 +90,7 @@ void TestSeriesShape::valuesAreMeasuredFromTheBottomOfTheDomain()
     QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {100, 60}, {200, 100}}));
 }
 
-void TestSeriesShape::shorterAndLongerSeries()
+void TestSeriesShape::seriesMayBeShorterOrLonger()
 {
     const std::vector<SeriesShape> shapes = seriesShapes(
         chart({series({1, 1}), series({2, 2, 2, 2, 2}), series({})}, Stacking::stacked), size);
@@ -100,7 +100,7 @@ void TestSeriesShape::shorterAndLongerSeries()
     QVERIFY(shapes[2].fill.isEmpty());
 }
 
-void TestSeriesShape::oneSampleCollapses()
+void TestSeriesShape::oneSampleHasNoArea()
 {
     SparklineData data = chart({series({5})});
     data.timestamps = {10};
@@ -116,17 +116,17 @@ void TestSeriesShape::gapsAreStraight()
     QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {10, 80}, {200, 20}}));
 }
 
-void TestSeriesShape::skipsWhatHasNoPoint()
+void TestSeriesShape::leavesOutSamplesWithoutAPlace()
 {
     SparklineData data = chart({series({1, 2, 3, 4, 5})});
     data.timestamps = {-1, 0, 15, 10,
-                       20.001}; // Too early, drawn, passed by a jump, drawn, too late.
+                       20.001}; // Too early, drawn, hidden by a clock jump, drawn, too late.
     const std::vector<SeriesShape> shapes = seriesShapes(data, size);
     QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 80}, {100, 60}}));
     QCOMPARE(shapes[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
 }
 
-void TestSeriesShape::noNumbersStayOnTheChart()
+void TestSeriesShape::hostileNumbersStayOnTheChart()
 {
     const double infinity = std::numeric_limits<double>::infinity();
     const std::vector<SeriesShape> shapes = seriesShapes(
@@ -145,11 +145,8 @@ void TestSeriesShape::degenerateInputHasNoShapes_data()
     QTest::addColumn<double>("highest");
     QTest::addColumn<bool>("hasSamples");
     QTest::newRow("a last instant that is the first") << 0.0 << 10.0 << true;
-    QTest::newRow("a last instant before the first") << -5.0 << 10.0 << true;
     QTest::newRow("no range of values") << 20.0 << 0.0 << true;
-    QTest::newRow("values backwards") << 20.0 << -1.0 << true;
     QTest::newRow("no samples") << 20.0 << 10.0 << false;
-    QTest::newRow("no numbers") << notANumber << notANumber << true;
 }
 
 void TestSeriesShape::degenerateInputHasNoShapes()

@@ -22,7 +22,7 @@ const QColor red(200, 0, 0);
 const QColor green(0, 200, 0);
 const QColor blue(0, 0, 200);
 
-/// A series without a line of its own, to see where fills end.
+/// A series with a transparent line, to see where fills end.
 SparklineSeries area(std::vector<double> values, const QColor &color)
 {
     return {.values = std::move(values), .lineColor = Qt::transparent, .fillColors = {color}};
@@ -83,8 +83,6 @@ private slots:
     void stackedBandsEndAtTheirSums_data() { addScales(); }
     void stackedBandsEndAtTheirSums();
     void overlaidSeriesPaintOverEarlierOnes();
-    void valuesOutsideArePinned();
-    void samplesOutsideAreLeftOut();
     void gradientRunsFromEdgeToEdge();
     void fillsHaveNoSeams_data() { addScales(); }
     void fillsHaveNoSeams();
@@ -96,26 +94,26 @@ private slots:
     void cursorIsOnePoint();
     void cursorShowsOnDegenerateCharts();
     void cursorFollowsThePointer();
-    void cursorSurvivesNewData();
-    void repaintsAllThatMoved();
-    void cursorVanishesWithTheChart();
+    void cursorStaysWithNewData();
+    void repaintsEverythingThatChanged();
+    void cursorGoesWithTheChart();
     void pillKeepsInsideTheChart_data() { addScales(); }
     void pillKeepsInsideTheChart();
-    void pillNeedsBuilderAndSamples();
-    void pillAsksBeyondAShorterSeries();
-    void labelsStandOnTags_data() { addScales(); }
-    void labelsStandOnTags();
+    void pillNeedsABuilderAndSamples();
+    void hoversBeyondTheEndOfAShorterSeries();
+    void labelsHaveTags_data() { addScales(); }
+    void labelsHaveTags();
     void labelsFollowTheLocale();
     void labelsNeedRoom();
     void keysMoveTheCursor();
-    void keysSkipWhatHasNoPoint();
-    void keysLeaveOthersAlone();
-    void focusIsSeen();
+    void keysSkipSamplesWithoutAPlace();
+    void ignoresOtherKeys();
+    void focusIsVisible();
     void losingTheFocusClearsTheCursor();
-    void speaksOfTheCursorOrTheNewest();
+    void accessibleValueIsThePillOfTheCursorOrTheNewestSample();
     void repaintsOnlyChanges();
-    void hostileData_data();
-    void hostileData();
+    void drawsHostileData_data();
+    void drawsHostileData();
 
 private:
     static void addScales()
@@ -162,38 +160,6 @@ void TestSparkline::overlaidSeriesPaintOverEarlierOnes()
     QCOMPARE(pixelAt(image, 100, 99), green);
 }
 
-void TestSparkline::valuesOutsideArePinned()
-{
-    Sparkline chart;
-    chart.resize(300, 100);
-    chart.show(plain({area({20, 20, -5, -5}, red)}));
-    const QImage image = rendered(chart, 1);
-    QCOMPARE(pixelAt(image, 50, 0), red);
-    QCOMPARE(pixelAt(image, 150, 60), red); // On the way down, from (100, 0) to (200, 100).
-    QCOMPARE(pixelAt(image, 150, 40).alpha(), 0);
-    QCOMPARE(pixelAt(image, 250, 99).alpha(), 0);
-}
-
-void TestSparkline::samplesOutsideAreLeftOut()
-{
-    Sparkline chart;
-    chart.resize(300, 100);
-    SparklineData data = plain({area({5, 5, 5, 5}, red)});
-    data.timestamps = {-0.001, 10, 20, 30.001};
-    chart.show(data);
-    QImage image = rendered(chart, 1);
-    QCOMPARE(pixelAt(image, 98, 80).alpha(), 0);
-    QCOMPARE(pixelAt(image, 102, 80), red);
-    QCOMPARE(pixelAt(image, 198, 80), red);
-    QCOMPARE(pixelAt(image, 202, 80).alpha(), 0);
-
-    data.timestamps = {0, 10, 20, 30};
-    chart.show(data);
-    image = rendered(chart, 1);
-    QCOMPARE(pixelAt(image, 0, 80), red);
-    QCOMPARE(pixelAt(image, 299, 80), red);
-}
-
 void TestSparkline::gradientRunsFromEdgeToEdge()
 {
     Sparkline chart;
@@ -202,7 +168,7 @@ void TestSparkline::gradientRunsFromEdgeToEdge()
     fading.fillColors = {QColor(255, 255, 255, 200), QColor(255, 255, 255, 0)};
     chart.show(plain({fading}));
     const QImage image = rendered(chart, 1);
-    // Half of it is over where the fill starts: the first colour is at the chart's own top.
+    // The fill starts half way down: the first colour is at the top of the chart.
     QVERIFY(std::abs(pixelAt(image, 50, 51).alpha() - 97) <= 3);
     QVERIFY(std::abs(pixelAt(image, 50, 75).alpha() - 49) <= 3);
     QVERIFY(pixelAt(image, 50, 99).alpha() <= 3);
@@ -259,7 +225,7 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 53), red);
 }
 
-/// Opacities of a column or row of device pixels that are not 0, with the place of the first.
+/// The opacities above 0 in a column or row of device pixels, and the index of the first.
 struct Ink {
     int first = -1;
     QList<int> alphas;
@@ -340,7 +306,7 @@ void TestSparkline::cursorFollowsThePointer()
     QApplication::sendEvent(&chart, &enter);
     QCOMPARE(chart.cursorX(), std::optional(120.0));
     QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(1));
-    hover(chart, 150); // Halfway: the earlier.
+    hover(chart, 150); // Half way: the earlier one.
     QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(1));
     hover(chart, 150.5);
     QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(2));
@@ -359,7 +325,7 @@ void TestSparkline::cursorFollowsThePointer()
     QVERIFY(!chart.hoveredIndex());
 }
 
-void TestSparkline::cursorSurvivesNewData()
+void TestSparkline::cursorStaysWithNewData()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -378,14 +344,14 @@ void TestSparkline::cursorSurvivesNewData()
     QCOMPARE(chart.cursorX(), std::optional(100.0));
     QCOMPARE(asked.back(), std::size_t(3));
 
-    // The same data under another meaning of their samples: the pill is asked for anew.
+    // The pill is built again even if the data are equal, since its builder may know more.
     const std::size_t before = asked.size();
     chart.show(later);
     QVERIFY(asked.size() > before);
 }
 
-/// What is on the screen after each change is what a fresh painting shows.
-void TestSparkline::repaintsAllThatMoved()
+/// After each change the screen is the same as a complete repaint.
+void TestSparkline::repaintsEverythingThatChanged()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -415,7 +381,7 @@ void TestSparkline::repaintsAllThatMoved()
     }
 }
 
-void TestSparkline::cursorVanishesWithTheChart()
+void TestSparkline::cursorGoesWithTheChart()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -463,7 +429,7 @@ void TestSparkline::pillKeepsInsideTheChart()
     QVERIFY(!isBox(pixelAt(image, 150 - width / 2 - 2, 12)));
 }
 
-void TestSparkline::pillNeedsBuilderAndSamples()
+void TestSparkline::pillNeedsABuilderAndSamples()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -479,7 +445,7 @@ void TestSparkline::pillNeedsBuilderAndSamples()
     QVERIFY(pixelAt(rendered(chart, 1), 150, 12).alpha() > 0); // The cursor stays.
 }
 
-void TestSparkline::pillAsksBeyondAShorterSeries()
+void TestSparkline::hoversBeyondTheEndOfAShorterSeries()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -488,7 +454,7 @@ void TestSparkline::pillAsksBeyondAShorterSeries()
     QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(3));
 }
 
-void TestSparkline::labelsStandOnTags()
+void TestSparkline::labelsHaveTags()
 {
     QFETCH(double, scale);
     Sparkline chart;
@@ -505,7 +471,7 @@ void TestSparkline::labelsStandOnTags()
         QCOMPARE(pixelAt(image, x, 45).alpha(), 0);
     }
     QCOMPARE(pixelAt(image, 80, 53).alpha(), 0);
-    // Ink of the texts, and nothing of it on the last point above the edge.
+    // The labels have ink, but not in the last point above the edge.
     int brightest = 0;
     for (double x = 4; x < 28; x += 1 / scale) {
         for (double y = 48; y < 58; y += 1 / scale)
@@ -560,7 +526,7 @@ void TestSparkline::keysMoveTheCursor()
         QTest::keyClick(&chart, key);
         return chart.cursorX().value_or(-1);
     };
-    QCOMPARE(press(Qt::Key_Left), 300.0); // The first step is onto the newest.
+    QCOMPARE(press(Qt::Key_Left), 300.0); // The first step goes to the newest.
     QCOMPARE(press(Qt::Key_Left), 200.0);
     QCOMPARE(press(Qt::Key_Right), 300.0);
     QCOMPARE(press(Qt::Key_Right), 300.0);
@@ -570,16 +536,17 @@ void TestSparkline::keysMoveTheCursor()
     QCOMPARE(press(Qt::Key_End), 300.0);
     QCOMPARE(press(Qt::Key_Escape), -1.0);
     QCOMPARE(press(Qt::Key_Home), 0.0);
-    hover(chart, 130); // From where the pointer was: the sample beside the nearest.
+    hover(chart, 130); // From the pointer: to the sample beside the nearest.
     QCOMPARE(press(Qt::Key_Right), 200.0);
 }
 
-void TestSparkline::keysSkipWhatHasNoPoint()
+void TestSparkline::keysSkipSamplesWithoutAPlace()
 {
     Sparkline chart;
     chart.resize(300, 100);
     SparklineData data = plain({});
-    data.timestamps = {-5, 0, 20, 10, 10, 10, 30, 40}; // Outside, passed by a jump, three alike.
+    data.timestamps = {-5, 0,  20, 10,
+                       10, 10, 30, 40}; // Outside, hidden by a clock jump, three equal.
     chart.show(data);
     QList<double> stops;
     QTest::keyClick(&chart, Qt::Key_Home);
@@ -595,7 +562,7 @@ void TestSparkline::keysSkipWhatHasNoPoint()
     QCOMPARE(chart.cursorX(), std::optional(300.0));
 }
 
-void TestSparkline::keysLeaveOthersAlone()
+void TestSparkline::ignoresOtherKeys()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -608,7 +575,7 @@ void TestSparkline::keysLeaveOthersAlone()
     }
 }
 
-void TestSparkline::focusIsSeen()
+void TestSparkline::focusIsVisible()
 {
     QWidget window;
     Sparkline chart(&window);
@@ -637,7 +604,7 @@ void TestSparkline::losingTheFocusClearsTheCursor()
     QVERIFY(!chart.cursorX());
 }
 
-void TestSparkline::speaksOfTheCursorOrTheNewest()
+void TestSparkline::accessibleValueIsThePillOfTheCursorOrTheNewestSample()
 {
     Sparkline chart;
     chart.resize(300, 100);
@@ -683,7 +650,7 @@ void TestSparkline::repaintsOnlyChanges()
     QCOMPARE(paints.count, shown + 2);
 }
 
-void TestSparkline::hostileData_data()
+void TestSparkline::drawsHostileData_data()
 {
     constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
     constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -698,17 +665,17 @@ void TestSparkline::hostileData_data()
     QTest::newRow("10,000 samples") << many << wild;
     std::ranges::reverse(many);
     QTest::newRow("10,000 samples backwards") << many << wild;
-    QTest::newRow("no numbers") << std::vector<double>{notANumber, notANumber, 5}
-                                << std::vector<double>{notANumber, 1, notANumber};
-    QTest::newRow("endless") << std::vector<double>{-infinity, 3, infinity}
-                             << std::vector<double>{infinity, -infinity, infinity};
+    QTest::newRow("values that are not numbers") << std::vector<double>{notANumber, notANumber, 5}
+                                                 << std::vector<double>{notANumber, 1, notANumber};
+    QTest::newRow("infinite values") << std::vector<double>{-infinity, 3, infinity}
+                                     << std::vector<double>{infinity, -infinity, infinity};
     QTest::newRow("largest numbers")
         << std::vector<double>{0, 15, 30} << std::vector<double>{1e308, -1e308, 1e308};
     QTest::newRow("more values than samples") << std::vector<double>{1} << wild;
     QTest::newRow("more samples than values") << many << std::vector<double>{1};
 }
 
-void TestSparkline::hostileData()
+void TestSparkline::drawsHostileData()
 {
     QFETCH(std::vector<double>, timestamps);
     QFETCH(std::vector<double>, values);
@@ -729,7 +696,7 @@ void TestSparkline::hostileData()
         for (const double scale : {1.0, 2.0})
             QCOMPARE(rendered(chart, scale).size(), (QSizeF(300, 100) * scale).toSize());
     }
-    // The clock of the chart itself may be wild too.
+    // The time range of the chart may be unusable too.
     SparklineData data = plain({series});
     data.timestamps = timestamps;
     data.xDomain = {-std::numeric_limits<double>::infinity(), 1e308};

@@ -30,10 +30,10 @@ void TestByteFormatter::formats_data()
 {
     QTest::addColumn<quint64>("bytes");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("nothing") << quint64(0) << u"0 MB"_s;
+    QTest::newRow("zero") << quint64(0) << u"0 MB"_s;
     QTest::newRow("one byte") << quint64(1) << u"0 MB"_s;
-    QTest::newRow("the last that rounds to nothing") << quint64(52428) << u"0 MB"_s;
-    QTest::newRow("the first that shows") << quint64(52429) << u"0.1 MB"_s;
+    QTest::newRow("the largest count that rounds to zero") << quint64(52428) << u"0 MB"_s;
+    QTest::newRow("the smallest count that shows") << quint64(52429) << u"0.1 MB"_s;
     QTest::newRow("a fraction digit") << mib * 377 / 2 << u"188.5 MB"_s;
     QTest::newRow("no trailing zero") << 512 * mib << u"512 MB"_s;
     QTest::newRow("whole tens keep their zero") << 100 * mib << u"100 MB"_s;
@@ -49,7 +49,7 @@ void TestByteFormatter::formats_data()
     QTest::newRow("one byte above that tie") << 256 * kib + 1 << u"0.3 MB"_s;
     QTest::newRow("a tie up to even, MB") << 768 * kib << u"0.8 MB"_s;
     QTest::newRow("one byte below that tie") << 768 * kib - 1 << u"0.7 MB"_s;
-    QTest::newRow("a tie behind an odd number of MB") << mib + 256 * kib << u"1.2 MB"_s;
+    QTest::newRow("a tie after an odd number of MB") << mib + 256 * kib << u"1.2 MB"_s;
     QTest::newRow("a tie at 1.125 GiB") << gib / 8 * 9 << u"1.12 GB"_s;
     QTest::newRow("a tie at 1.375 GiB") << gib / 8 * 11 << u"1.38 GB"_s;
     QTest::newRow("a tie at 1.625 GiB") << gib / 8 * 13 << u"1.62 GB"_s;
@@ -59,7 +59,7 @@ void TestByteFormatter::formats_data()
     QTest::newRow("no larger unit") << 2048 * gib << u"2,048 GB"_s;
     QTest::newRow("the largest signed count")
         << quint64(std::numeric_limits<qint64>::max()) << u"8,589,934,592 GB"_s;
-    QTest::newRow("more than the largest signed count counts as that")
+    QTest::newRow("larger counts show as that")
         << std::numeric_limits<quint64>::max() << u"8,589,934,592 GB"_s;
 }
 
@@ -77,7 +77,7 @@ void TestByteFormatter::followsTheLocale_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("German: comma") << u"de_DE"_s << quint64(12.349 * double(gib)) << u"12,35 GB"_s;
     QTest::newRow("German: grouped by points") << u"de_DE"_s << 2048 * gib << u"2.048 GB"_s;
-    QTest::newRow("German: nothing") << u"de_DE"_s << quint64(0) << u"0 MB"_s;
+    QTest::newRow("German: zero") << u"de_DE"_s << quint64(0) << u"0 MB"_s;
     QTest::newRow("French: comma") << u"fr_FR"_s << mib * 377 / 2 << u"188,5 MB"_s;
     QTest::newRow("French: grouped by narrow no-break spaces")
         << u"fr_FR"_s << 2048 * gib << u"2\u202f048 GB"_s;

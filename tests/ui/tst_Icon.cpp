@@ -65,12 +65,12 @@ class TestIcon : public QObject {
 private slots:
     void everySymbolPaintsInsideItsBox_data();
     void everySymbolPaintsInsideItsBox();
-    void noTwoSymbolsLookAlike();
+    void noTwoSymbolsLookTheSame();
     void filledDrawingsKeepTheirCutOuts();
-    void tints();
-    void fades();
+    void hasTheGivenColor();
+    void hasTheGivenOpacity();
     void anUnknownNamePaintsNothing();
-    void paintsTheSameAgain();
+    void paintsTheSameTwice();
     void anEmptyTargetPaintsNothing();
 };
 
@@ -98,7 +98,7 @@ void TestIcon::everySymbolPaintsInsideItsBox()
     }
 }
 
-void TestIcon::noTwoSymbolsLookAlike()
+void TestIcon::noTwoSymbolsLookTheSame()
 {
     const QStringList names = symbols();
     for (qsizetype i = 0; i < names.size(); ++i) {
@@ -120,14 +120,14 @@ void TestIcon::filledDrawingsKeepTheirCutOuts()
     QCOMPARE(processor.pixelColor(centre + 8, centre).alpha(), 255);
 }
 
-void TestIcon::tints()
+void TestIcon::hasTheGivenColor()
 {
     const QColor orange(255, 148, 41);
     const QImage image = painted(u"bolt.fill"_s, 24, 2, orange);
     QCOMPARE(image.pixelColor(image.rect().center()), orange);
 }
 
-void TestIcon::fades()
+void TestIcon::hasTheGivenOpacity()
 {
     const QImage image = painted(u"bolt.fill"_s, 24, 2, QColor(255, 255, 255, 102));
     QVERIFY(std::abs(image.pixelColor(image.rect().center()).alpha() - 102) <= 1);
@@ -140,7 +140,7 @@ void TestIcon::anUnknownNamePaintsNothing()
     QVERIFY(inkOf(painted(u"../resources"_s, 16, 1)).isNull());
 }
 
-void TestIcon::paintsTheSameAgain()
+void TestIcon::paintsTheSameTwice()
 {
     const QImage first = painted(u"cpu"_s, 16, 1.25, Qt::green);
     painted(u"cpu"_s, 16, 1.25, Qt::red);

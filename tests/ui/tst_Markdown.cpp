@@ -37,19 +37,19 @@ class TestMarkdown : public QObject {
     Q_OBJECT
 
 private slots:
-    void takesMarksOff_data();
-    void takesMarksOff();
-    void speaksPlainly();
-    void breaksAtBlanks();
-    void keepsWhatTheTextSpaces();
+    void splitsAtMarks_data();
+    void splitsAtMarks();
+    void plainTextHasNoMarks();
+    void breaksAtSpaces();
+    void keepsSpacesWithinALine();
     void keepsCodeOnOneLine();
-    void breaksWhatIsWiderThanALine();
+    void breaksWordsWiderThanALine();
     void staysWithinTheWidth();
-    void standsInTheFontsOfTheTheme();
-    void paintsCodeOnAPlate();
+    void usesTheFontsOfTheTheme();
+    void paintsCodeOnABackground();
 };
 
-void TestMarkdown::takesMarksOff_data()
+void TestMarkdown::splitsAtMarks_data()
 {
     using Runs = QList<MarkdownRun>;
     QTest::addColumn<QString>("text");
@@ -73,37 +73,35 @@ void TestMarkdown::takesMarksOff_data()
         << u"`voltage-states*-sram*`"_s << Runs{{u"voltage-states*-sram*"_s, Emphasis::code}};
     QTest::newRow("an open mark is plain") << u"2 ** 3"_s << Runs{{u"2 ** 3"_s, Emphasis::none}};
     QTest::newRow("an open backquote is plain") << u"a ` b"_s << Runs{{u"a ` b"_s, Emphasis::none}};
-    QTest::newRow("marks around nothing are plain") << u"``"_s << Runs{{u"``"_s, Emphasis::none}};
+    QTest::newRow("marks without a text are plain") << u"``"_s << Runs{{u"``"_s, Emphasis::none}};
     QTest::newRow("line breaks stay")
         << u"a\n\n**b**"_s << Runs{{u"a\n\n"_s, Emphasis::none}, {u"b"_s, Emphasis::bold}};
-    QTest::newRow("other markup means nothing")
+    QTest::newRow("other markup is plain")
         << u"<b>x</b> [y](z)"_s << Runs{{u"<b>x</b> [y](z)"_s, Emphasis::none}};
 }
 
-void TestMarkdown::takesMarksOff()
+void TestMarkdown::splitsAtMarks()
 {
     QFETCH(QString, text);
-    using Runs = QList<MarkdownRun>;
     QTEST(markdownRuns(text), "expected");
-    static_assert(std::is_same_v<Runs, decltype(markdownRuns(text))>);
 }
 
-void TestMarkdown::speaksPlainly()
+void TestMarkdown::plainTextHasNoMarks()
 {
     QCOMPARE(plainText(u"**CPU** and `ANE`, *not* idle"_s), u"CPU and ANE, not idle"_s);
 }
 
-void TestMarkdown::breaksAtBlanks()
+void TestMarkdown::breaksAtSpaces()
 {
     QCOMPARE(lines(u"one two three"_s, width(u"one two"_s) + 1),
              QStringList({u"one two"_s, u"three"_s}));
     QCOMPARE(lines(u"one\n\ntwo"_s, 300), QStringList({u"one"_s, QString(), u"two"_s}));
 }
 
-void TestMarkdown::keepsWhatTheTextSpaces()
+void TestMarkdown::keepsSpacesWithinALine()
 {
     QCOMPARE(lines(u"one.  **two**"_s, 300), QStringList({u"one.  two"_s}));
-    // Blanks at the end of a line take no place on the next.
+    // Spaces at the end of a line are dropped.
     QCOMPARE(lines(u"one.  two"_s, width(u"one."_s) + 1), QStringList({u"one."_s, u"two"_s}));
 }
 
@@ -114,13 +112,13 @@ void TestMarkdown::keepsCodeOnOneLine()
     QCOMPARE(broken, QStringList({u"see the file"_s, u"a b c d (e)."_s}));
 }
 
-void TestMarkdown::breaksWhatIsWiderThanALine()
+void TestMarkdown::breaksWordsWiderThanALine()
 {
     const QString word(100, u'm');
     const QStringList broken = lines(u"a "_s + word, 200);
     QVERIFY(broken.size() > 2);
     QCOMPARE(broken.join(QString()).count(u'm'), 100);
-    // What hangs on to such a word without a blank too.
+    // So is a word of several emphases.
     const QStringList mixed = lines(u"a"_s + u"**"_s + word + u"**"_s, 200);
     QCOMPARE(mixed.first(), u"a"_s);
     QCOMPARE(mixed.join(QString()), u'a' + word);
@@ -136,7 +134,7 @@ void TestMarkdown::staysWithinTheWidth()
         QVERIFY2(piece.x + piece.width <= 120, qPrintable(piece.run.text));
 }
 
-void TestMarkdown::standsInTheFontsOfTheTheme()
+void TestMarkdown::usesTheFontsOfTheTheme()
 {
     QCOMPARE(style().font(Emphasis::none), Theme::systemFont(11));
     QCOMPARE(style().font(Emphasis::bold).weight(), QFont::DemiBold);
@@ -145,7 +143,7 @@ void TestMarkdown::standsInTheFontsOfTheTheme()
     QCOMPARE(style().font(Emphasis::code).pixelSize(), 10);
 }
 
-void TestMarkdown::paintsCodeOnAPlate()
+void TestMarkdown::paintsCodeOnABackground()
 {
     MarkdownStyle lines = style();
     lines.lineHeight = 16;
@@ -161,7 +159,7 @@ void TestMarkdown::paintsCodeOnAPlate()
 
     const auto alpha = [&](int x, int y) { return picture.pixelColor(x, y).alpha(); };
     QCOMPARE(alpha(14, 5), 0);
-    QVERIFY2(alpha(14, 6) > 0, "the plate begins two points below the line's top");
+    QVERIFY2(alpha(14, 6) > 0, "the background begins two points below the top of the line");
     QVERIFY(alpha(14, 17) > 0);
     QCOMPARE(alpha(14, 18), 0);
     bool isRed = false;
@@ -169,7 +167,7 @@ void TestMarkdown::paintsCodeOnAPlate()
         const QColor color = picture.pixelColor(x, 29);
         isRed = isRed || (color.red() > 200 && color.green() < 20 && color.alpha() > 100);
     }
-    QVERIFY2(isRed, "plain text has the colour that was asked for");
+    QVERIFY2(isRed, "plain text has the given colour");
 }
 
 QTEST_MAIN(TestMarkdown)

@@ -37,12 +37,12 @@ private slots:
     void labelShowsThreeNumbers_data();
     void labelShowsThreeNumbers();
     void labelNumbersHaveTheirUnitColours();
-    void labelSaysItInWords();
-    void labelReadsAsOneLine();
+    void labelIsInWords();
+    void labelIsOneLine();
     void rowsShowValuesAndDetails_data();
     void rowsShowValuesAndDetails();
     void rowsHaveTheirUnitColours();
-    void aRowReadsAsOneLine();
+    void aRowIsOneLine();
 };
 
 void TestMetricText::labelShowsThreeNumbers_data()
@@ -54,7 +54,7 @@ void TestMetricText::labelShowsThreeNumbers_data()
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("24 GiB of 32 are 75 per cent")
         << sample(24 * gibibyte, 32 * gibibyte) << QStringList{u"75"_s, u"0"_s, u"0W"_s};
-    QTest::newRow("memory is cut, not rounded")
+    QTest::newRow("memory is rounded down")
         << sample(639, 1000) << QStringList{u"63"_s, u"0"_s, u"0W"_s};
     QTest::newRow("a total of zero shows zero")
         << sample(5, 0) << QStringList{u"0"_s, u"0"_s, u"0W"_s};
@@ -68,9 +68,9 @@ void TestMetricText::labelShowsThreeNumbers_data()
         << sample(0, 1, watts(8, 3, 0.6)) << QStringList{u"0"_s, u"0"_s, u"12W"_s};
     QTest::newRow("no chip reading shows zeros")
         << sample(1, 2, Chip()) << QStringList{u"50"_s, u"0"_s, u"0W"_s};
-    QTest::newRow("what is not a number shows zero")
+    QTest::newRow("not a number shows zero")
         << sample(0, 1, gpuFraction(nan)) << QStringList{u"0"_s, u"0"_s, u"0W"_s};
-    QTest::newRow("what is beyond all bounds ends nothing")
+    QTest::newRow("an infinite load is limited")
         << sample(0, 1, gpuFraction(infinity))
         << QStringList{u"0"_s, u"1000000000000000"_s, u"0W"_s};
 }
@@ -92,14 +92,14 @@ void TestMetricText::labelNumbersHaveTheirUnitColours()
     QCOMPARE(numbers[2].color, Theme::power);
 }
 
-void TestMetricText::labelSaysItInWords()
+void TestMetricText::labelIsInWords()
 {
     ChipReading chip = watts(10, 30, 9.7);
     chip.gpuActiveFraction = 0.9;
     QCOMPARE(inWords(labelNumbers(sample(71, 100, chip))), u"Memory 71 %, GPU 90 %, Power 50 W"_s);
 }
 
-void TestMetricText::labelReadsAsOneLine()
+void TestMetricText::labelIsOneLine()
 {
     const SystemMetrics current = sample(639, 1000, watts(8, 3, 0.6));
     QCOMPARE(inOneLine(labelNumbers(current)), u"63 0 12W"_s);
@@ -148,7 +148,7 @@ void TestMetricText::rowsHaveTheirUnitColours()
     QCOMPARE(rows[4].color, Theme::withOpacity(Theme::memory, 0.7));
 }
 
-void TestMetricText::aRowReadsAsOneLine()
+void TestMetricText::aRowIsOneLine()
 {
     QCOMPARE(inOneLine({.title = u"%1"_s, .value = u"%2"_s, .detail = u"%3"_s}), u"%1: %2, %3"_s);
 }

@@ -14,8 +14,8 @@ class TestNumberText : public QObject {
 private slots:
     void rounds_data();
     void rounds();
-    void hasItsUnit();
-    void hasAPointInEveryLocale();
+    void appendsTheUnit();
+    void usesAPointInEveryLocale();
 };
 
 void TestNumberText::rounds_data()
@@ -31,13 +31,13 @@ void TestNumberText::rounds_data()
     QTest::newRow("a tie of hundredths") << 0.375 << 2 << u"0.38"_s;
     QTest::newRow("another tie of hundredths") << 1.125 << 2 << u"1.12"_s;
     QTest::newRow("a tie of negative numbers") << -2.5 << 0 << u"-2"_s;
-    // The double next to 0.15 lies below it, the one next to 0.35 as well, that of 1.005 too.
+    // The doubles nearest to 0.15, 0.35 and 1.005 lie below these.
     QTest::newRow("just below what looks like a tie") << 0.15 << 1 << u"0.1"_s;
     QTest::newRow("the same with another digit") << 0.35 << 1 << u"0.3"_s;
     QTest::newRow("the same with hundredths") << 1.005 << 2 << u"1.00"_s;
     QTest::newRow("just above what looks like a tie") << 0.45 << 1 << u"0.5"_s;
     QTest::newRow("zeros are kept") << 3.0 << 2 << u"3.00"_s;
-    QTest::newRow("nothing") << 0.0 << 1 << u"0.0"_s;
+    QTest::newRow("zero") << 0.0 << 1 << u"0.0"_s;
     QTest::newRow("beyond 64 bits") << 1e20 << 0 << u"100000000000000000000"_s;
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 1 << u"nan"_s;
     QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << 1 << u"inf"_s;
@@ -50,7 +50,7 @@ void TestNumberText::rounds()
     QTEST(fixedText(number, fractionDigits), "expected");
 }
 
-void TestNumberText::hasItsUnit()
+void TestNumberText::appendsTheUnit()
 {
     QCOMPARE(percentText(70.6), u"71%"_s);
     QCOMPARE(spacedPercentText(70.6), u"71 %"_s);
@@ -59,7 +59,7 @@ void TestNumberText::hasItsUnit()
     QCOMPARE(celsiusText(73.8), u"74°C"_s);
 }
 
-void TestNumberText::hasAPointInEveryLocale()
+void TestNumberText::usesAPointInEveryLocale()
 {
     QLocale::setDefault(QLocale(QLocale::German));
     QCOMPARE(wattsText(1234.5, 1), u"1234.5 W"_s);

@@ -17,8 +17,8 @@ private slots:
     void isClickedByKeyAndPointer();
     void hasRoomForIconAndText();
     void showsItsFocus();
-    void answersThePointer();
-    void fadesWhenDisabled();
+    void changesUnderThePointer();
+    void isFaintWhenDisabled();
 };
 
 void TestPanelButton::isClickedByKeyAndPointer_data()
@@ -70,7 +70,7 @@ void TestPanelButton::showsItsFocus()
     QVERIFY(with.blue() > without.blue() + 40 || with.red() < without.red() - 40);
 }
 
-void TestPanelButton::answersThePointer()
+void TestPanelButton::changesUnderThePointer()
 {
     QWidget window;
     window.setStyleSheet(u"background: black"_s);
@@ -90,7 +90,7 @@ void TestPanelButton::answersThePointer()
     QCOMPARE(fill(), alone);
 }
 
-void TestPanelButton::fadesWhenDisabled()
+void TestPanelButton::isFaintWhenDisabled()
 {
     PanelButton button(u"MMMM"_s);
     button.resize(80, 28);

@@ -12,7 +12,7 @@ class TestPixelGrid : public QObject {
 private slots:
     void aHairlineCoversWholePixels_data();
     void aHairlineCoversWholePixels();
-    void snapsWhereThePainterWasMoved();
+    void snapsThroughTheTransformation();
     void keepsAtLeastOnePixel();
 };
 
@@ -51,7 +51,7 @@ void TestPixelGrid::aHairlineCoversWholePixels()
     QTEST(rows, "rows");
 }
 
-void TestPixelGrid::snapsWhereThePainterWasMoved()
+void TestPixelGrid::snapsThroughTheTransformation()
 {
     QImage image(20, 20, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);

@@ -36,10 +36,10 @@ class TestSwitch : public QObject {
 
 private slots:
     void isToggledByKeyAndPointer();
-    void isACheckBoxForReaders();
+    void isACheckBoxToScreenReaders();
     void itsKnobShowsItsState_data();
     void itsKnobShowsItsState();
-    void isFaintWhileItCannotBeUsed();
+    void isFaintWhenDisabled();
     void showsItsFocusByKeyboardOnly();
 };
 
@@ -58,16 +58,16 @@ void TestSwitch::isToggledByKeyAndPointer()
     QCOMPARE(clicked.count(), 3);
 }
 
-void TestSwitch::isACheckBoxForReaders()
+void TestSwitch::isACheckBoxToScreenReaders()
 {
     Shown shown;
-    QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(&shown.row);
-    QCOMPARE(spoken->text(QAccessible::Name), u"Launch"_s);
-    QCOMPARE(spoken->role(), QAccessible::CheckBox);
-    QVERIFY(!spoken->state().checked);
-    spoken->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(&shown.row);
+    QCOMPARE(seen->text(QAccessible::Name), u"Launch"_s);
+    QCOMPARE(seen->role(), QAccessible::CheckBox);
+    QVERIFY(!seen->state().checked);
+    seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     QTRY_VERIFY(shown.row.isChecked());
-    QVERIFY(spoken->state().checked);
+    QVERIFY(seen->state().checked);
 }
 
 void TestSwitch::itsKnobShowsItsState_data()
@@ -100,7 +100,7 @@ void TestSwitch::itsKnobShowsItsState()
     QVERIFY(pixelAt(picture, 450, 10).alpha() > 0);
 }
 
-void TestSwitch::isFaintWhileItCannotBeUsed()
+void TestSwitch::isFaintWhenDisabled()
 {
     Shown shown;
     shown.row.setEnabled(false);

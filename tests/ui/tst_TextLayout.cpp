@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The box around all ink of a text, in points.
+/// The smallest box around the ink of a text, in points.
 QRectF ink(const QString &text, const QFont &font, double scale)
 {
     QImage image(QSize(300, 60) * scale, QImage::Format_ARGB32_Premultiplied);
@@ -37,17 +37,17 @@ class TestTextLayout : public QObject {
     Q_OBJECT
 
 private slots:
-    void isOfOneSizeAtEveryScale_data();
-    void isOfOneSizeAtEveryScale();
-    void setsDigitsOnOneWidth();
-    void measuresAnyNumberOfTexts();
-    void centresLines();
-    void elidesAtTheRightEnd();
+    void textHasOneSizeAtEveryScale_data();
+    void textHasOneSizeAtEveryScale();
+    void digitsHaveOneWidth();
+    void measuresMoreTextsThanItRemembers();
+    void centresTextInItsLine();
+    void elidesAtTheEnd();
     void makesOneLine_data();
     void makesOneLine();
 };
 
-void TestTextLayout::isOfOneSizeAtEveryScale_data()
+void TestTextLayout::textHasOneSizeAtEveryScale_data()
 {
     QFont spaced = Theme::systemFont(20);
     spaced.setLetterSpacing(QFont::AbsoluteSpacing, 8);
@@ -57,7 +57,7 @@ void TestTextLayout::isOfOneSizeAtEveryScale_data()
     QTest::newRow("spaced letters") << spaced;
 }
 
-void TestTextLayout::isOfOneSizeAtEveryScale()
+void TestTextLayout::textHasOneSizeAtEveryScale()
 {
     QFETCH(QFont, font);
     const QRectF once = ink(u"HxH"_s, font, 1);
@@ -70,7 +70,7 @@ void TestTextLayout::isOfOneSizeAtEveryScale()
     }
 }
 
-void TestTextLayout::setsDigitsOnOneWidth()
+void TestTextLayout::digitsHaveOneWidth()
 {
     const QFont font = Theme::systemFont(13, QFont::DemiBold);
     for (const QString &digits : {u"00"_s, u"11"_s, u"17"_s, u"99"_s})
@@ -78,8 +78,7 @@ void TestTextLayout::setsDigitsOnOneWidth()
     QCOMPARE(textWidth(u"GPU"_s, font), textWidth(u"GPU"_s, font, Digits::proportional));
 }
 
-/// More than are remembered.
-void TestTextLayout::measuresAnyNumberOfTexts()
+void TestTextLayout::measuresMoreTextsThanItRemembers()
 {
     const QFont font = Theme::systemFont(11);
     QHash<QString, double> widths;
@@ -94,7 +93,7 @@ void TestTextLayout::measuresAnyNumberOfTexts()
     }
 }
 
-void TestTextLayout::centresLines()
+void TestTextLayout::centresTextInItsLine()
 {
     const QFont font = Theme::systemFont(20);
     const QFontMetricsF metrics(font);
@@ -104,7 +103,7 @@ void TestTextLayout::centresLines()
     QCOMPARE(baseline - metrics.ascent() - line.top, line.bottom() - baseline - metrics.descent());
 }
 
-void TestTextLayout::elidesAtTheRightEnd()
+void TestTextLayout::elidesAtTheEnd()
 {
     const QFont font = Theme::systemFont(11);
     const QString cut = elided(QString(100, u'x'), font, 130);
@@ -125,7 +124,7 @@ void TestTextLayout::makesOneLine_data()
     QTest::newRow("overrides and isolates")
         << u"a\u202Eb\u2066c\u200F"_s << u"a\uFFFDb\uFFFDc\uFFFD"_s;
     QTest::newRow("4,000 characters are cut") << QString(4000, u'x') << QString(512, u'x');
-    QTest::newRow("nothing") << QString() << QString();
+    QTest::newRow("an empty text") << QString() << QString();
 }
 
 void TestTextLayout::makesOneLine()
