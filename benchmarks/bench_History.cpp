@@ -41,7 +41,7 @@ std::size_t bareRead(const std::string &path)
     return static_cast<std::size_t>(count);
 }
 
-/// The file as it is, cut to its last `length` bytes.
+/// Cuts the file to its last `length` bytes.
 void bareCut(const std::string &path, std::size_t length)
 {
     static char buffer[1 << 16];
@@ -58,7 +58,7 @@ void bareCut(const std::string &path, std::size_t length)
         std::abort();
 }
 
-/// Two empty files, for the store's way and for the bare calls.
+/// Two empty files, one for the store's code and one for the bare calls.
 struct Files {
     Files()
     {
@@ -73,7 +73,7 @@ struct Files {
     std::string line = record.toJson()->toStdString() + '\n';
 };
 
-/// One record: written as text and added to the file, as the store's queue does it.
+/// Writes a record as text and adds it to the file, as the store's queue does.
 void append(benchmark::State &state)
 {
     const Files files;
@@ -82,7 +82,7 @@ void append(benchmark::State &state)
         [&files] { bareAppend(files.barePath, files.line); });
 }
 
-/// The newest 60 records of a file of 180, as at every start.
+/// Loads the newest 60 records of a file of 180, as each start does.
 void load(benchmark::State &state)
 {
     const QTemporaryDir folder;
@@ -97,7 +97,7 @@ void load(benchmark::State &state)
         [&path] { benchmark::DoNotOptimize(bareRead(path)); }, processSeconds);
 }
 
-/// A file of 180 records cut to its newest 120, as every minute.
+/// Cuts a file of 180 records to its newest 120, as each minute.
 void trim(benchmark::State &state)
 {
     const Files files;
@@ -117,7 +117,7 @@ void trim(benchmark::State &state)
         std::abort();
 }
 
-/// What a tick pays on the main thread: the hand-over to the queue.
+/// The part of an append that runs on the main thread: the hand-over to the queue.
 void handOver(benchmark::State &state)
 {
     const QTemporaryDir folder;

@@ -11,7 +11,7 @@ using namespace corvane;
 
 namespace {
 
-/// The kernel files that a tick needs of the memory, read with nothing around them, and others.
+/// Bare reads of the kernel files that a tick reads about the memory, and of `files`.
 BareReads bareTick(std::vector<std::string> files)
 {
     files.insert(files.end(), {"/proc/meminfo", "/proc/pressure/memory"});
@@ -22,7 +22,7 @@ BareReads bareTick(std::vector<std::string> files)
     return BareReads(files);
 }
 
-/// What one tick costs the main thread: memory, chip, publication and the hand-over to the file.
+/// The cost of one tick on the main thread: memory, chip, publication, hand-over to the file.
 void tick(benchmark::State &state)
 {
     const QTemporaryDir folder;

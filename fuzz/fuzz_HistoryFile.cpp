@@ -15,7 +15,7 @@ using namespace corvane;
 
 namespace {
 
-/// A file of this process's own, in memory where there is such a folder.
+/// The path of a file of this process, in memory where there is such a folder.
 const std::string &path()
 {
     static const std::string chosen = (access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp")
@@ -58,8 +58,8 @@ std::vector<std::string> pieces(std::string_view contents)
 
 } // namespace
 
-/// The first byte says how many lines are wanted, the others are the file. Reading it backwards has
-/// to find what a plain split finds, but for lines that are too long, and a cut leaves just that.
+/// The first byte is the number of lines to read, the others are the file. Reading it backwards
+/// must find the lines that a plain split finds, except overlong ones, and a cut must keep them.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size == 0)

@@ -15,7 +15,7 @@ bool same(const PersistedMetric &a, const PersistedMetric &b)
 
 } // namespace
 
-/// What was read can be written, and reads as the same again.
+/// Any line is either refused or read as a record that can be written and read back unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray line(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));

@@ -21,7 +21,7 @@ class UtilizationCard;
 
 /// The dashboard window: a header over seven cards. Its actions are in its context menu. Made by
 /// the application when it is opened, destroyed when it is closed. Main thread. While it is hidden
-/// or minimised it takes nothing of what it is given to show, and asks for it when it can be seen
+/// or minimised it ignores what it is given to show, and requests the newest when it can be seen
 /// again.
 class MainWindow : public QWidget {
     Q_OBJECT
@@ -52,7 +52,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    /// Whether what is given has to be shown; remembers that the contents are old if not.
+    /// Whether new contents have to be shown; if not, remembers that the shown ones are outdated.
     bool takesContents();
     void requestContents();
 

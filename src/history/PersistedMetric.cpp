@@ -5,8 +5,8 @@
 #include <QByteArrayView>
 #include <QLocale>
 
-// Its assertions are about the C library's reading of numbers, which is not used here and which
-// fails where the language's decimal point has several bytes.
+// Its assertions check doubles that the C library converts. They fail where the language's decimal
+// point has several bytes, and these doubles are not used here.
 #define JSON_ASSERT(condition)
 #include <nlohmann/json.hpp>
 
@@ -42,8 +42,8 @@ constexpr std::array fields{
     Field{"aneW", &PersistedMetric::aneW},
 };
 
-/// The exact value of a JSON number that a double can hold, beyond the double's digits; absent if
-/// it is negative, has a fraction or needs more than 64 bits.
+/// The exact value of a JSON number in the range of a double, also of one with more digits; absent
+/// if it is negative, has a fraction or needs more than 64 bits.
 std::optional<quint64> wholeNumber(std::string_view number)
 {
     const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
@@ -75,11 +75,11 @@ std::optional<quint64> wholeNumber(std::string_view number)
     return parseUnsigned(digits);
 }
 
-/// Receives a line from the parser, value by value, which needs no tree and does not recurse.
-/// A value that cannot be kept ends the parse.
+/// Receives the values of a line one by one as the parser reads them, which needs no tree and no
+/// recursion. A function that returns false ends the parse.
 class LineReader : public nlohmann::json_sax<nlohmann::json> {
 public:
-    /// Absent unless each field had a number of its kind.
+    /// Absent unless every field had a number of its kind.
     std::optional<PersistedMetric> metric() const
     {
         return m_found.all() ? std::optional(m_metric) : std::nullopt;
@@ -105,12 +105,12 @@ public:
 
     bool number_float(number_float_t, const string_t &text) override
     {
-        // The parser writes the decimal point of the user's language into it.
+        // The parser has replaced the decimal point by that of the user's language.
         std::string number = text;
         const std::size_t point = number.find_first_not_of("0123456789+-eE");
         if (point != std::string::npos)
             number[point] = '.';
-        bool isDouble = false; // Neither beyond all doubles nor closer to zero than any.
+        bool isDouble = false; // False for 1e400 and 1e-400.
         const double measure = QByteArrayView(number).toDouble(&isDouble);
         if (isDouble)
             setNumber(measure, wholeNumber(number));
@@ -129,7 +129,7 @@ public:
         m_field =
             static_cast<std::size_t>(std::ranges::find(fields, name, &Field::key) - fields.begin());
         if (m_field < fields.size())
-            m_found.reset(m_field); // Of a key that stands twice the last one counts.
+            m_found.reset(m_field); // If a key stands twice the last one counts.
         return true;
     }
 
@@ -151,8 +151,8 @@ private:
         return true;
     }
 
-    /// The value of the present key, if it is one of the record's: as a measure and, if it is one,
-    /// as a count.
+    /// Sets the field of the present key, if it has one. The count is absent for a number that is
+    /// not one.
     void setNumber(double measure, std::optional<quint64> count)
     {
         if (m_depth != 1 || m_field >= fields.size())
@@ -169,11 +169,11 @@ private:
 
     PersistedMetric m_metric;
     std::bitset<fields.size()> m_found;
-    std::size_t m_field = fields.size(); ///< The present key; past the end for one of no field.
-    int m_depth = 0;                     ///< Objects and lists that are open.
+    std::size_t m_field = fields.size(); ///< Field of the present key; past the end: none.
+    int m_depth = 0;                     ///< Number of open objects and lists.
 };
 
-/// The shortest digits that read back as the very same number; absent if JSON cannot hold it.
+/// The fewest digits that give the same double again; absent if it is not finite.
 std::optional<QByteArray> numberText(double number)
 {
     if (!std::isfinite(number))
@@ -232,7 +232,7 @@ std::optional<QByteArray> PersistedMetric::toJson() const
 
 std::optional<PersistedMetric> PersistedMetric::fromJson(const QByteArray &line)
 {
-    // The parser takes a NUL for the end of its input.
+    // The parser takes a NUL as the end of its input.
     if (line.contains('\0'))
         return std::nullopt;
     LineReader reader;
