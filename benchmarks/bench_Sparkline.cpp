@@ -10,8 +10,8 @@
 
 #include <cmath>
 
-// What one tick costs a chart of the dashboard. `fillsItsArea` is the yardstick: the pixels of the
-// power chart blended once, as plain rectangles.
+// The cost of one tick for a chart of the dashboard. `fillsItsArea` is the reference: the pixels of
+// the power chart blended once, as plain rectangles.
 
 namespace {
 

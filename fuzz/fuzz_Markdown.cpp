@@ -14,7 +14,7 @@ void expect(bool isSound)
         __builtin_trap();
 }
 
-QString withoutBlanks(QString text)
+QString withoutSpaces(QString text)
 {
     return text.remove(u' ').remove(u'\n');
 }
@@ -26,7 +26,7 @@ const MarkdownStyle &style()
     return made;
 }
 
-/// Nothing but blanks is lost, and lines follow each other, filled from the left.
+/// Only spaces and line breaks may be lost, and lines follow each other, filled from the left.
 void check(const MarkdownLayout &layout, const QString &text)
 {
     QString laidOut;
@@ -39,7 +39,7 @@ void check(const MarkdownLayout &layout, const QString &text)
         end = piece.x + piece.width;
         laidOut += piece.run.text;
     }
-    expect(withoutBlanks(laidOut) == withoutBlanks(text));
+    expect(withoutSpaces(laidOut) == withoutSpaces(text));
 }
 
 } // namespace

@@ -22,7 +22,7 @@ bool breaksOrReorders(QChar character)
 
 } // namespace
 
-/// Any bytes as the name of a process, as a row cuts and paints it. The first byte is the width.
+/// Any bytes as the name of a process, which a row cuts and paints. The first byte is the width.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size == 0)

@@ -9,7 +9,7 @@ namespace corvane {
 
 QImage appIcon(int pixels)
 {
-    // Of 1024: the system's icons have a body of 824. Whole pixels keep small sizes sharp.
+    // The body of the system's icons is 824 of 1024. Whole pixels keep small sizes sharp.
     const int margin = 100 * pixels / 1024;
     const QRectF body = QRectF(0, 0, pixels, pixels).adjusted(margin, margin, -margin, -margin);
 

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QSaveFile>
 
-/// Writes the program's icon to the file that it is given.
+/// Writes the program's icon to the file named by its argument.
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");

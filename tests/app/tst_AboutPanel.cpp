@@ -55,10 +55,10 @@ void TestAboutPanel::hasItsTextsForScreenReaders()
 {
     AboutPanel panel(someTexts());
     QCOMPARE(panel.windowTitle(), u"About Corvane"_s);
-    QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(&panel);
+    QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(&panel);
     QStringList names;
-    for (int i = 0; i < spoken->childCount(); ++i)
-        names.append(spoken->child(i)->text(QAccessible::Name));
+    for (int i = 0; i < seen->childCount(); ++i)
+        names.append(seen->child(i)->text(QAccessible::Name));
     QCOMPARE(names,
              QStringList({u"Corvane"_s, u"Version 2.3 (45)"_s, u"One line."_s, u"Another."_s,
                           u"© Somebody"_s}));

@@ -183,9 +183,9 @@ void TestUtilizationCard::showsHoveredValues()
                 .gpuActiveFraction = 0.9,
                 .cpuActiveMHz = megahertz});
     hover(*shown.card.chart(), 5);
-    const QString spoken = shown.card.chart()->accessibleValue();
-    QTEST(spoken.section(u", "_s, 1), "values");
-    QCOMPARE(spoken.section(u", "_s, 0, 0).size(), 8); // The time of the sample.
+    const QString value = shown.card.chart()->accessibleValue();
+    QTEST(value.section(u", "_s, 1), "values");
+    QCOMPARE(value.section(u", "_s, 0, 0).size(), 8); // The time of the sample.
     // A sample without a reading shows 0.
     shown.card.show({.timestamp = 60}, {{.timestamp = 0}, {.timestamp = 60}});
     QVERIFY(shown.card.chart()->accessibleValue().contains(u"0%, 0.00W"_s));

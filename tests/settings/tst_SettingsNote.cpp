@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QStringList spoken(const SettingsNote &note)
+QStringList accessibleValues(const SettingsNote &note)
 {
     QStringList values;
     for (const AccessibleText &text : note.accessibleTexts())
@@ -40,7 +40,7 @@ void TestSettingsNote::isAsHighAsItsLines()
     note->showMarkdown(u"One line\nand `another`"_s);
     QCOMPARE(note->heightForWidth(400), 28);
     QVERIFY(note->heightForWidth(40) > 28);
-    QCOMPARE(spoken(*note), QStringList{u"One line\nand another"_s});
+    QCOMPARE(accessibleValues(*note), QStringList{u"One line\nand another"_s});
 
     SettingsNote *outcome = SettingsNote::outcome(Theme::critical, &page);
     outcome->showPlain(u"One line"_s);
@@ -57,7 +57,7 @@ void TestSettingsNote::isHiddenWhileEmpty()
     QVERIFY(note->isVisible());
     note->showPlain({});
     QVERIFY(!note->isVisible());
-    QVERIFY(spoken(*note).isEmpty());
+    QVERIFY(accessibleValues(*note).isEmpty());
 }
 
 void TestSettingsNote::showsPlainTextWithoutMarkup_data()
@@ -75,7 +75,7 @@ void TestSettingsNote::showsPlainTextWithoutMarkup()
     QWidget page;
     SettingsNote *note = SettingsNote::outcome(Theme::critical, &page);
     note->showPlain(text);
-    QCOMPARE(spoken(*note), QStringList{shown});
+    QCOMPARE(accessibleValues(*note), QStringList{shown});
 }
 
 void TestSettingsNote::anOutcomeHasItsColor()

@@ -6,7 +6,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QEnterEvent>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
@@ -43,8 +42,7 @@ class TestInfoButton : public QObject {
     Q_OBJECT
 
 private slots:
-    void togglesByClick();
-    void takesClicksInItsWholeSquare();
+    void togglesByAClickAnywhereInItsSquare();
     void togglesByKeys_data();
     void togglesByKeys();
     void closesOnAPressElsewhere();
@@ -57,23 +55,14 @@ private slots:
     void isAccessible();
 };
 
-void TestInfoButton::togglesByClick()
+void TestInfoButton::togglesByAClickAnywhereInItsSquare()
 {
     Window window;
     QVERIFY(!window.first.isShowing());
-    QTest::mouseClick(&window.first, Qt::LeftButton);
-    QVERIFY(window.first.isShowing());
-    QVERIFY(window.first.popover()->isVisible());
-    QTest::mouseClick(&window.first, Qt::LeftButton);
-    QVERIFY(!window.first.isShowing());
-}
-
-void TestInfoButton::takesClicksInItsWholeSquare()
-{
-    Window window;
     for (const QPoint &corner : {QPoint(0, 0), QPoint(19, 0), QPoint(0, 19), QPoint(19, 19)}) {
         QTest::mouseClick(&window.first, Qt::LeftButton, {}, corner);
         QVERIFY(window.first.isShowing());
+        QVERIFY(window.first.popover()->isVisible());
         QTest::mouseClick(&window.first, Qt::LeftButton, {}, corner);
         QVERIFY(!window.first.isShowing());
     }
