@@ -29,7 +29,7 @@ constexpr double tileIconSide = 16;
 constexpr double tileGap = 10;
 constexpr double nameGap = 6;
 constexpr double minColumnGap = 12;    ///< Between the texts at the left and at the right.
-constexpr TextLine firstLine{0.5, 16}; ///< In a row, as the second.
+constexpr TextLine firstLine{0.5, 16}; ///< Top and height in a row.
 constexpr TextLine secondLine{18, 14};
 
 constexpr double tagGap = 8;

@@ -158,7 +158,7 @@ void Card::resizeEvent(QResizeEvent *)
 
 void Card::moveEvent(QMoveEvent *)
 {
-    update(); // Another piece of the background lies beneath it.
+    update(); // The piece of the background below it is another one.
 }
 
 void Card::placeHeader()

@@ -1,6 +1,6 @@
 #include "cards/InfoTexts.h"
 
-#include <QFile>
+#include <QResource>
 
 /// The texts lie in a static library, whose resources are registered by name.
 static void registerTexts()
@@ -33,10 +33,8 @@ InfoText infoText(InfoTopic topic, HostSystem system)
     registerTexts();
     const auto topicName = fileNames[static_cast<std::size_t>(topic)];
     const auto systemName = system == HostSystem::mac ? "mac"_L1 : "linux"_L1;
-    QFile file(u":/texts/%1.%2.md"_s.arg(topicName, systemName));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return parsed(QString::fromUtf8(file.readAll()));
+    const QResource file(u":/texts/%1.%2.md"_s.arg(topicName, systemName));
+    return parsed(QString::fromUtf8(file.uncompressedData()));
 }
 
 } // namespace corvane

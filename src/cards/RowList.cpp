@@ -17,8 +17,7 @@ namespace {
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
-constexpr double ringInset =
-    3; ///< From the left and right edges: the ring covers no row and no thumb.
+constexpr double ringInset = 3;  ///< From the left and right edges, beside rows and thumb.
 constexpr double minThumbHeight = 24;
 constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
 
