@@ -3,6 +3,8 @@
 #include "chip/ChipIdentity.h"
 #include "records/SystemMetrics.h"
 
+#include <QStringList>
+
 #include <optional>
 #include <vector>
 

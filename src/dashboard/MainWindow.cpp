@@ -7,6 +7,7 @@
 #include "cards/UtilizationCard.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/DashboardLayout.h"
+#include "platform/MainThread.h"
 #include "records/SeriesReduction.h"
 #include "ui/ContextMenu.h"
 #include "ui/Theme.h"
@@ -28,8 +29,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int mostChartPoints = 180;
-constexpr QSize usualSize{1280, 900};
+constexpr int maxChartPoints = 180;
+constexpr QSize defaultSize{1280, 900};
 
 } // namespace
 
@@ -44,12 +45,13 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
       m_workloads(new AIWorkloadsCard(this)),
       m_processes(new ProcessCard(this))
 {
+    assertMainThread();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"Corvane"_s);
     setFocusPolicy(Qt::StrongFocus);
     setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
-    resize(usualSize.boundedTo(screen()->availableSize()));
+    resize(defaultSize.boundedTo(screen()->availableSize()));
     closeOnControlW(*this);
     new WindowAccessor(
         [](NativeWindow window) {
@@ -63,13 +65,13 @@ void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetr
 {
     m_totalMemory = current.memory.total;
     if (!takesContents()) {
-        m_power->recomputeYMax(history); // A spike that nobody sees counts too.
+        m_power->recomputeYMax(history); // The scale covers spikes while the window is hidden too.
         return;
     }
-    // Without a copy of a history that is short enough.
+    // A history that is short enough is not copied.
     std::vector<SystemMetrics> reduced;
-    if (std::ssize(history) > mostChartPoints)
-        reduced = chartDownsampled(history, mostChartPoints);
+    if (std::ssize(history) > maxChartPoints)
+        reduced = chartDownsampled(history, maxChartPoints);
     const std::vector<SystemMetrics> &shown = reduced.empty() ? history : reduced;
     m_header->show(current);
     m_memory->show(current, shown);
@@ -90,16 +92,20 @@ void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads)
         m_workloads->show(workloads);
 }
 
+bool MainWindow::canBeSeen() const
+{
+    return isVisible() && !isMinimized();
+}
+
 bool MainWindow::takesContents()
 {
-    const bool canBeSeen = isVisible() && !isMinimized();
-    m_isOutdated = m_isOutdated || !canBeSeen;
-    return canBeSeen;
+    m_isOutdated = m_isOutdated || !canBeSeen();
+    return canBeSeen();
 }
 
 void MainWindow::requestContents()
 {
-    if (!m_isOutdated || !isVisible() || isMinimized())
+    if (!m_isOutdated || !canBeSeen())
         return;
     m_isOutdated = false;
     emit contentsNeeded();

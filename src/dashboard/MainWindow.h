@@ -19,10 +19,10 @@ class PowerCard;
 class ProcessCard;
 class UtilizationCard;
 
-/// The dashboard window: a header over seven cards. Its actions are in its context menu. Made by
-/// the application when it is opened, destroyed when it is closed. Main thread. While it is hidden
-/// or minimised it ignores what it is given to show, and requests the newest when it can be seen
-/// again.
+/// The dashboard window: a header above seven cards. Its actions are in its context menu. The
+/// application creates it when it is opened and destroys it when it is closed. While it is hidden
+/// or minimised it ignores what it is given to show, and requests the newest when it is visible
+/// again. Main thread.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -39,8 +39,8 @@ public:
     void showWorkloads(const std::vector<AIWorkload> &workloads);
 
 signals:
-    /// Emitted when the window can be seen and does not show the newest samples, processes and
-    /// workloads: when it is opened, and when it comes back. The receiver calls the functions
+    /// Emitted when the window is visible and does not show the newest samples, processes and
+    /// workloads: when it is opened, and when it is shown again. The receiver calls the functions
     /// above.
     void contentsNeeded();
 
@@ -52,7 +52,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    /// Whether new contents have to be shown; if not, remembers that the shown ones are outdated.
+    bool canBeSeen() const;
+
+    /// Whether new contents are to be shown; if not, the window is outdated from now on.
     bool takesContents();
     void requestContents();
 
@@ -63,7 +65,7 @@ private:
     AIWorkloadsCard *m_workloads;
     ProcessCard *m_processes;
     std::uint64_t m_totalMemory = 0;
-    bool m_isOutdated = true; ///< Nothing was shown yet, or something was not taken.
+    bool m_isOutdated = true; ///< Nothing was shown yet, or something was ignored.
 };
 
 } // namespace corvane

@@ -4,6 +4,7 @@
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 
+#include <QImage>
 #include <QPainter>
 
 namespace corvane {

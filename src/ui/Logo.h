@@ -1,5 +1,6 @@
 #pragma once
 
+class QImage;
 class QPainter;
 class QRectF;
 

@@ -22,7 +22,7 @@ namespace {
 
 const ChipInfo chip{.name = u"Apple M3 Max"_s, .aneMaxW = 8};
 
-/// The dashboard, in sight.
+/// The dashboard on the screen.
 struct Shown {
     explicit Shown(const QSize &size = {1280, 900}, const ChipInfo &info = chip)
         : window(nullptr, info)
@@ -64,7 +64,7 @@ void collectNames(QAccessibleInterface *object, QStringList &names)
         collectNames(object->child(i), names);
 }
 
-/// The most that records can hold, or that a hostile process can pretend.
+/// Shows the largest values of the records and the longest texts of a hostile process.
 void showExtremes(MainWindow &window)
 {
     constexpr std::uint64_t tebibytes = std::uint64_t(2) << 40;
@@ -110,25 +110,25 @@ class TestMainWindow : public QObject {
     Q_OBJECT
 
 private slots:
-    void cannotBeMadeSmaller();
+    void hasAMinimumSize();
     void showsQuickNumbers();
     void showsZerosWithoutAReading();
     void reducesTheHistory();
     void takesNothingWhileHidden();
-    void asksForTheNewestWhenItComesBack();
+    void asksForTheNewestWhenShownAgain();
     void keepsTheScaleOfASpikeWhileHidden();
-    void canBeReadThrough();
+    void everythingIsAccessible();
     void startsWithoutAFocusRing();
     void stepsThroughItsPartsByTab();
     void repaintsOnlyWhatChanged();
-    void repaintsAllThatMoved();
-    void bearsExtremes_data();
-    void bearsExtremes();
-    void bearsNothing_data();
-    void bearsNothing();
+    void leavesNoStalePixels();
+    void fitsExtremeValues_data();
+    void fitsExtremeValues();
+    void showsEmptyRecords_data();
+    void showsEmptyRecords();
 };
 
-void TestMainWindow::cannotBeMadeSmaller()
+void TestMainWindow::hasAMinimumSize()
 {
     Shown shown({100, 100});
     QCOMPARE(shown.window.size(), QSize(920, 760));
@@ -183,7 +183,7 @@ void TestMainWindow::takesNothingWhileHidden()
     QCOMPARE(shown.part<AIWorkloadsCard>()->list()->rowCount(), 3);
 }
 
-void TestMainWindow::asksForTheNewestWhenItComesBack()
+void TestMainWindow::asksForTheNewestWhenShownAgain()
 {
     MainWindow window(nullptr, chip);
     int requests = 0;
@@ -199,7 +199,7 @@ void TestMainWindow::asksForTheNewestWhenItComesBack()
     QCOMPARE(requests, 1);
     for (const bool minimized : {false, true}) {
         minimized ? window.showMinimized() : window.hide();
-        window.showNormal(); // It came back before anything was new.
+        window.showNormal(); // There was nothing new in between.
         QCOMPARE(requests, 1);
     }
     for (const bool minimized : {false, true}) {
@@ -227,7 +227,7 @@ void TestMainWindow::keepsTheScaleOfASpikeWhileHidden()
     QVERIFY(shown.part<PowerCard>()->stableYMax() >= 423);
 }
 
-void TestMainWindow::canBeReadThrough()
+void TestMainWindow::everythingIsAccessible()
 {
     Shown shown;
     shown.showAll();
@@ -291,14 +291,13 @@ void TestMainWindow::repaintsOnlyWhatChanged()
     other.chip->gpuActiveFraction = 0.5;
     shown.window.show(other, scriptedHistory());
     QCoreApplication::processEvents();
-    QCOMPARE(window.region(), QRegion()); // Nothing beneath the opaque cards.
+    QCOMPARE(window.region(), QRegion()); // Nothing below the opaque cards.
     QVERIFY(!header.region().isEmpty());
     QVERIFY(header.region().boundingRect().width() < 60);
 }
 
-/// What is on the screen after every change in parts is what a fresh painting shows: through a
-/// minute whose numbers all move, and with no reading of the chip.
-void TestMainWindow::repaintsAllThatMoved()
+/// Over a minute in which all numbers change, and without a chip reading.
+void TestMainWindow::leavesNoStalePixels()
 {
     Shown shown;
     const std::vector<SystemMetrics> minute = scriptedHistory();
@@ -322,14 +321,14 @@ void TestMainWindow::repaintsAllThatMoved()
     QCOMPARE(stalePixels(shown.window), QRect());
 }
 
-void TestMainWindow::bearsExtremes_data()
+void TestMainWindow::fitsExtremeValues_data()
 {
     QTest::addColumn<QSize>("size");
-    QTest::newRow("in the least window") << QSize(920, 760);
+    QTest::newRow("in the smallest window") << QSize(920, 760);
     QTest::newRow("in a large window") << QSize(2560, 1440);
 }
 
-void TestMainWindow::bearsExtremes()
+void TestMainWindow::fitsExtremeValues()
 {
     QFETCH(QSize, size);
     Shown shown(size, {.name = QString(4000, u'W') + u"\u202E"_s, .aneMaxW = 8});
@@ -351,12 +350,12 @@ void TestMainWindow::bearsExtremes()
     }
 }
 
-void TestMainWindow::bearsNothing_data()
+void TestMainWindow::showsEmptyRecords_data()
 {
-    bearsExtremes_data();
+    fitsExtremeValues_data();
 }
 
-void TestMainWindow::bearsNothing()
+void TestMainWindow::showsEmptyRecords()
 {
     QFETCH(QSize, size);
     Shown shown(size, {});
