@@ -1,5 +1,7 @@
 #include "tray/DBusMenu.h"
 
+#include "platform/MainThread.h"
+
 #include <QActionEvent>
 #include <QMenu>
 
@@ -15,15 +17,16 @@ constexpr int rootId = 0;
 
 DBusMenu::DBusMenu(QMenu &menu, QObject *parent) : QObject(parent), m_menu(menu)
 {
+    assertMainThread();
     registerDBusMenuTypes();
     for (QAction *action : menu.actions())
-        adopt(action);
+        addAction(action);
     menu.installEventFilter(this);
 }
 
 DBusMenu::~DBusMenu()
 {
-    setOpen(false); // A desktop that went away did not say that its menu is closed.
+    setOpen(false); // A desktop that crashed has not sent the closing event.
 }
 
 uint DBusMenu::GetLayout(int parentId, int depth, const QStringList &names,
@@ -72,7 +75,7 @@ void DBusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
         setOpen(false);
     } else if (type == "clicked"_L1) {
         QAction *action = m_actions.value(id);
-        // Later, so that the desktop has its answer whatever the command does.
+        // Queued, so that the desktop gets its answer before the command runs.
         if (action && action->isEnabled())
             QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
     }
@@ -115,7 +118,7 @@ bool DBusMenu::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::ActionAdded || event->type() == QEvent::ActionRemoved) {
         QAction *action = static_cast<QActionEvent *>(event)->action();
         if (event->type() == QEvent::ActionAdded)
-            adopt(action);
+            addAction(action);
         else
             m_actions.remove(m_actions.key(action));
         emit LayoutUpdated(++m_revision, rootId);
@@ -123,12 +126,12 @@ bool DBusMenu::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
-void DBusMenu::adopt(QAction *action)
+void DBusMenu::addAction(QAction *action)
 {
     const int id = ++m_lastId;
     m_actions.insert(id, action);
     connect(action, &QAction::changed, this, [this, id] {
-        // Several rows that change together make one message.
+        // Rows that change together are sent in one message.
         if (m_isOpen && m_changed.empty())
             QMetaObject::invokeMethod(this, &DBusMenu::sendChanges, Qt::QueuedConnection);
         m_changed.insert(id);
@@ -148,7 +151,7 @@ void DBusMenu::setOpen(bool open)
     m_isOpen = open;
 }
 
-/// Brings a closed menu's texts up to date.
+/// Updates the texts of a closed menu.
 void DBusMenu::refresh()
 {
     if (m_isOpen || m_menu.isVisible())
@@ -157,7 +160,7 @@ void DBusMenu::refresh()
     emit m_menu.aboutToHide();
 }
 
-/// Whether there was anything to send.
+/// Whether there were changes to send.
 bool DBusMenu::sendChanges()
 {
     QList<DBusMenuProperties> updated;
@@ -176,7 +179,7 @@ bool DBusMenu::isKnown(int id) const
     return id == rootId || m_actions.contains(id);
 }
 
-/// Those that are named, or all.
+/// The named properties; all of them if `names` is empty.
 QVariantMap DBusMenu::properties(int id, const QStringList &names) const
 {
     QVariantMap all;

@@ -12,12 +12,13 @@ class QMenu;
 
 namespace corvane {
 
-/// A menu without submenus for the desktop to draw, over the bus (com.canonical.dbusmenu). Owned by
-/// the item whose menu it is, which exports it; the menu outlives it. Main thread.
+/// Exports a menu without submenus over the bus, for the desktop to draw (com.canonical.dbusmenu).
+/// Owned by the item that exports it; several items may export the same menu, which outlives them.
+/// Main thread.
 ///
-/// The menu's aboutToShow and aboutToHide tell it when the desktop opens and closes it. Changes of
-/// its actions are sent while it is open; what changed meanwhile is sent when it opens. Unknown ids
-/// answer with nothing.
+/// Emits the menu's aboutToShow and aboutToHide when the desktop opens and closes it. Changes of
+/// the actions are sent while it is open here; changes made before are sent when it opens. Requests
+/// for unknown ids get empty answers.
 class DBusMenu : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -31,7 +32,7 @@ public:
     ~DBusMenu() override;
 
 public slots:
-    // Names and types of the interface; QtDBus needs the types in full.
+    // The interface's own names and types; QtDBus needs the types fully qualified.
     Q_SCRIPTABLE uint GetLayout(int parentId, int depth, const QStringList &names,
                                 corvane::DBusMenuLayout &layout);
     Q_SCRIPTABLE QList<corvane::DBusMenuProperties> GetGroupProperties(const QList<int> &ids,
@@ -52,7 +53,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void adopt(QAction *action);
+    void addAction(QAction *action);
     void setOpen(bool open);
     void refresh();
     bool sendChanges();
@@ -65,15 +66,15 @@ private:
     QStringList m_iconThemePath = {};
 
     QMenu &m_menu;
-    QHash<int, QAction *> m_actions; ///< By id; 0 is the menu itself. Ids are never used again.
+    QHash<int, QAction *> m_actions; ///< By id; 0 is the menu itself. Ids are not reused.
     int m_lastId = 0;
     uint m_revision = 1;
-    std::set<int> m_changed; ///< Not told yet.
-    bool m_isOpen = false;
+    std::set<int> m_changed; ///< Ids whose changes have not been sent.
+    bool m_isOpen = false;   ///< At this item.
 };
 
-/// An action's text as this interface writes it: an access key is marked by an underscore, not by
-/// an ampersand.
+/// An action's text in this interface's notation, which marks an access key by an underscore
+/// instead of an ampersand.
 QString dbusMenuLabel(const QString &actionText);
 
 } // namespace corvane

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A menu item with those below it, (ia{sv}av).
+/// A menu item with its children, (ia{sv}av).
 struct DBusMenuLayout {
     int id = 0;
     QVariantMap properties = {};
@@ -27,7 +27,7 @@ struct DBusMenuRemoved {
     QStringList names = {};
 };
 
-/// What happened to one item, (isvu).
+/// An event at one item, such as a click, (isvu).
 struct DBusMenuEvent {
     int id = 0;
     QString type = {};
@@ -44,7 +44,7 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuRemoved &
 QDBusArgument &operator<<(QDBusArgument &argument, const DBusMenuEvent &event);
 const QDBusArgument &operator>>(const QDBusArgument &argument, DBusMenuEvent &event);
 
-/// Makes these types known to the bus; once or more often.
+/// Registers these types with QtDBus. May be called repeatedly.
 void registerDBusMenuTypes();
 
 } // namespace corvane

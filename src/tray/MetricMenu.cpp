@@ -1,11 +1,16 @@
 #include "tray/MetricMenu.h"
 
+#include "platform/MainThread.h"
+
+#include <algorithm>
+
 namespace corvane {
 
 using namespace Qt::StringLiterals;
 
 MetricMenu::MetricMenu(const QList<QAction *> &commands, QWidget *parent) : QMenu(parent)
 {
+    assertMainThread();
     for (QAction *&row : m_rows) {
         row = addAction(QString());
         row->setEnabled(false);
@@ -14,17 +19,17 @@ MetricMenu::MetricMenu(const QList<QAction *> &commands, QWidget *parent) : QMen
     addActions(commands);
 
     connect(this, &QMenu::aboutToShow, this, [this] {
-        m_isOpen = true;
+        ++m_openings;
         updateRows();
     });
-    connect(this, &QMenu::aboutToHide, this, [this] { m_isOpen = false; });
+    connect(this, &QMenu::aboutToHide, this, [this] { m_openings = std::max(m_openings - 1, 0); });
     updateRows();
 }
 
 void MetricMenu::show(const SystemMetrics &current)
 {
     m_current = current;
-    if (m_isOpen)
+    if (m_openings > 0)
         updateRows();
 }
 
@@ -32,7 +37,7 @@ void MetricMenu::updateRows()
 {
     const auto rows = metricRows(m_current);
     for (std::size_t row = 0; row < rows.size(); ++row) {
-        // An ampersand in a menu marks a key; here it would be part of the text.
+        // An ampersand in a menu marks an access key; doubled, it is part of the text.
         const QString text = inOneLine(rows[row]).replace("&"_L1, "&&"_L1);
         if (m_rows[row]->text() != text)
             m_rows[row]->setText(text);

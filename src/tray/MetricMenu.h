@@ -6,13 +6,13 @@
 
 namespace corvane {
 
-/// The menu of a label item: live read-outs, then the commands. For the desktops that show nothing
-/// but a menu. Its rows change only while it is open.
+/// The label's menu: live values, then the commands, for desktops that show nothing else of an
+/// item. All items of the label share it, so it may be open at several of them at once. The rows
+/// are updated only while it is open. Owned by the label; main thread.
 class MetricMenu : public QMenu {
     Q_OBJECT
 
 public:
-    /// The commands belong to the label and stand in all of its menus.
     explicit MetricMenu(const QList<QAction *> &commands, QWidget *parent = nullptr);
 
     void show(const SystemMetrics &current);
@@ -22,7 +22,7 @@ private:
 
     SystemMetrics m_current = SystemMetrics::placeholder();
     std::array<QAction *, 5> m_rows = {};
-    bool m_isOpen = false;
+    int m_openings = 0; ///< Each aboutToShow opens the menu once more, each aboutToHide once less.
 };
 
 } // namespace corvane

@@ -1,26 +1,22 @@
 #include "tray/NotifierItems.h"
 
-#include "tray/MetricMenu.h"
+#include "platform/MainThread.h"
 #include "tray/StatusNotifierItem.h"
 #include "tray/TrayPicture.h"
 #include "ui/Logo.h"
 
 #include <QGuiApplication>
+#include <QMenu>
 
 #include <algorithm>
-#include <chrono>
 
 namespace corvane {
 
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
-/// A tray that loses an item does so within its start.
-constexpr auto settlingTime = 2s;
-
-/// No label is wider than this.
+/// The widest label that has to fit.
 const LabelNumbers &widestNumbers()
 {
     static const LabelNumbers widest{{{.text = u"100"_s}, {.text = u"100"_s}, {.text = u"999W"_s}}};
@@ -38,23 +34,26 @@ QList<QImage> inAllSizes(Paint paint)
 
 } // namespace
 
-NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host,
-                             const QList<QAction *> &commands, QObject *parent)
+NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host, QMenu &menu,
+                             const TrayWaits &waits, QObject *parent)
     : QObject(parent),
       m_busAddress(busAddress),
-      m_host(host)
+      m_host(host),
+      m_menu(menu),
+      m_waits(waits)
 {
+    assertMainThread();
     m_settling.setSingleShot(true);
-    m_settling.setInterval(settlingTime);
+    m_settling.setInterval(waits.check);
     connect(&m_settling, &QTimer::timeout, this, &NotifierItems::settled);
     if (host.form != LabelForm::squares) {
-        addItem(u"corvane"_s, u"Corvane"_s, commands);
+        addItem(u"corvane"_s, u"Corvane"_s);
         return;
     }
-    // Some desktops sort by title.
-    addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s, commands);
-    addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s, commands);
-    addItem(u"corvane-power"_s, u"Corvane 3 Power"_s, commands);
+    // Some desktops sort the items by title.
+    addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s);
+    addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s);
+    addItem(u"corvane-power"_s, u"Corvane 3 Power"_s);
 }
 
 NotifierItems::~NotifierItems() = default;
@@ -63,45 +62,46 @@ void NotifierItems::show(const SystemMetrics &current)
 {
     const LabelNumbers numbers = labelNumbers(current);
     for (Item &item : m_items) {
-        item.menu->show(current);
         item.notifier->showToolTip(inWords(numbers));
-        showFace(item, numbers);
+        updatePicture(item, numbers);
     }
     m_numbers = numbers;
     if (m_registered == 0)
         registerNext();
 }
 
-bool NotifierItems::areTaken(const QStringList &taken) const
+bool NotifierItems::areInTray(const QStringList &listed) const
 {
     return std::ranges::all_of(
-        m_items, [&taken](const Item &item) { return item.notifier->isTaken(taken); });
+        m_items, [&listed](const Item &item) { return item.notifier->isInTray(listed); });
 }
 
-void NotifierItems::addItem(const QString &id, const QString &title,
-                            const QList<QAction *> &commands)
+void NotifierItems::addItem(const QString &id, const QString &title)
 {
     Item item;
     item.number = m_items.size();
-    item.menu = std::make_unique<MetricMenu>(commands);
-    item.notifier = std::make_unique<StatusNotifierItem>(m_busAddress, id, title, *item.menu);
+    item.notifier = std::make_unique<StatusNotifierItem>(m_busAddress, id, title, m_menu, m_waits);
     const StatusNotifierItem *notifier = item.notifier.get();
     connect(notifier, &StatusNotifierItem::activated, this, &NotifierItems::activated);
     connect(notifier, &StatusNotifierItem::secondaryActivated, this,
             &NotifierItems::secondaryActivated);
-    connect(notifier, &StatusNotifierItem::contextMenuRequested, this,
-            [this, menu = item.menu.get()](const QPoint &position) {
-                // A Wayland compositor shows a menu without a window of its own as a window.
-                if (QGuiApplication::platformName() == "wayland"_L1)
-                    emit activated(position);
-                else
-                    menu->popup(position);
-            });
+    connect(notifier, &StatusNotifierItem::contextMenuRequested, this, &NotifierItems::popUpMenu);
     connect(notifier, &StatusNotifierItem::settled, this, &NotifierItems::registerNext);
     m_items.push_back(std::move(item));
 }
 
-void NotifierItems::showFace(Item &item, const LabelNumbers &numbers)
+void NotifierItems::popUpMenu(const QPoint &position)
+{
+    // A Wayland compositor shows a menu that has no parent window as an ordinary window.
+    if (QGuiApplication::platformName() == "wayland"_L1) {
+        emit activated(position);
+        return;
+    }
+    m_menu.hide(); // It may be open at another item.
+    m_menu.popup(position);
+}
+
+void NotifierItems::updatePicture(Item &item, const LabelNumbers &numbers)
 {
     const bool isFirst = m_registered == 0;
     switch (m_host.form) {
@@ -129,7 +129,8 @@ void NotifierItems::showFace(Item &item, const LabelNumbers &numbers)
     }
 }
 
-/// Each waits until the desktop has taken the one before: several at once come out in any order.
+/// Registers an item once the desktop has read the one before: several at once would appear in any
+/// order.
 void NotifierItems::registerNext()
 {
     if (m_registered == m_items.size()) {

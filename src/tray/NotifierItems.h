@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tray/TrayHost.h"
+#include "tray/TrayWaits.h"
 #include "ui/MetricText.h"
 
 #include <QObject>
@@ -10,48 +11,49 @@
 #include <memory>
 #include <vector>
 
-class QAction;
+class QMenu;
 
 namespace corvane {
 
-class MetricMenu;
 class StatusNotifierItem;
 
-/// The label as items on the bus, in the form that this host can show. Made by the label when the
-/// host appears, gone with it; main thread. Nothing is sent while the label's text stays the same.
+/// The label as items on the bus, in the form that this host can show. Owned by the label, which
+/// creates it when the host appears and deletes it with the host. All items export the label's one
+/// menu, which outlives them. Nothing is sent while the label's text stays the same. Main thread.
 class NotifierItems : public QObject {
     Q_OBJECT
 
 public:
-    NotifierItems(const QString &busAddress, const TrayHost &host, const QList<QAction *> &commands,
-                  QObject *parent = nullptr);
+    NotifierItems(const QString &busAddress, const TrayHost &host, QMenu &menu,
+                  const TrayWaits &waits, QObject *parent = nullptr);
     ~NotifierItems() override;
 
-    /// The first call puts the items into the tray, one after the other.
+    /// The first call registers the items at the tray, one after the other.
     void show(const SystemMetrics &current);
 
-    /// Whether all of them are among what the watcher says to have, and were looked at.
-    bool areTaken(const QStringList &taken) const;
+    /// Whether the desktop has read every item and the watcher's list contains them all.
+    bool areInTray(const QStringList &listed) const;
 
 signals:
-    /// Once, some time after the last item was put into the tray: time to look whether they are
-    /// there.
+    /// Emitted once, some time after the last registration, when the watcher's list can be checked.
     void settled();
-    void activated(const QPoint &position); ///< (0, 0) where the desktop does not tell.
+    void activated(const QPoint &position); ///< (0, 0) where the desktop sends no position.
     void secondaryActivated();
 
 private:
     struct Item {
-        std::size_t number = 0; ///< The one that it shows; of no meaning where it shows all.
-        std::unique_ptr<MetricMenu> menu;
-        std::unique_ptr<StatusNotifierItem> notifier; ///< Shows the menu, so it goes first.
+        std::size_t number = 0; ///< Index of the number that it shows; unused where it shows all.
+        std::unique_ptr<StatusNotifierItem> notifier;
     };
-    void addItem(const QString &id, const QString &title, const QList<QAction *> &commands);
-    void showFace(Item &item, const LabelNumbers &numbers);
+    void addItem(const QString &id, const QString &title);
+    void popUpMenu(const QPoint &position);
+    void updatePicture(Item &item, const LabelNumbers &numbers);
     void registerNext();
 
     const QString m_busAddress;
     const TrayHost m_host;
+    QMenu &m_menu;
+    const TrayWaits m_waits;
     std::vector<Item> m_items; ///< From left to right.
     std::size_t m_registered = 0;
     LabelNumbers m_numbers = {};

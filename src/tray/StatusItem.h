@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A colour in sRGB; every part 0…1.
+/// A colour in sRGB; each component 0…1.
 struct StatusColor {
     double red = 0;
     double green = 0;
@@ -17,38 +17,40 @@ struct StatusColor {
     friend bool operator==(const StatusColor &, const StatusColor &) = default;
 };
 
-/// A piece of the label in one colour.
+/// A part of the label in one colour.
 struct StatusRun {
     std::string text = {}; ///< UTF-8.
     StatusColor color = {};
-    double gapAfter = 0; ///< Points between it and the next one.
+    double gapAfter = 0; ///< Points between this run and the next.
 
     friend bool operator==(const StatusRun &, const StatusRun &) = default;
 };
 
-/// Where the item stands, as the system counts: upwards from the lower edge of the primary screen.
+/// The item's position in points, in the system's coordinates: y grows upwards from the lower edge
+/// of the primary screen.
 struct StatusPlace {
-    double middle = 0; ///< Of its width.
-    double bottom = 0;
+    double middle = 0; ///< X of the item's centre.
+    double bottom = 0; ///< Y of its lower edge.
     double primaryScreenHeight = 0;
 };
 
-/// What is done when the item is clicked.
+/// Handlers of clicks on the item.
 struct StatusActions {
-    std::function<void(const StatusPlace &)> open; ///< A click, or a press by assistive means.
-    std::function<void(const StatusPlace &)>
-        menu; ///< A click with the right button or with Control.
+    /// A click, or a press through the accessibility interface.
+    std::function<void(const StatusPlace &)> open;
+    /// A click with the right button or with Control held.
+    std::function<void(const StatusPlace &)> menu;
 };
 
-/// An item of its own in a Mac's menu bar, as wide as its text. Owned by the label, which shows it
-/// each changed text; main thread. It stands there as long as it lives.
+/// An item in a Mac's menu bar, as wide as its text. Owned by the label, which passes it each
+/// changed text. It is visible as long as the object exists. Main thread.
 class StatusItem {
 public:
-    /// `plate` is drawn behind the text where the bar is light.
+    /// `plate` is the background behind the text while the bar is light.
     StatusItem(StatusActions actions, const StatusColor &plate);
     ~StatusItem();
 
-    /// `words` say the same without colours: the accessible value and the tool tip.
+    /// `words` are the same values without colours: the accessible value and the tool tip.
     void show(const std::vector<StatusRun> &runs, const std::string &words);
 
 private:

@@ -4,12 +4,13 @@
 
 #import <AppKit/AppKit.h>
 
+#include <cassert>
 #include <utility>
 
-// The button tells its clicks to an object of the system's kind, which hands them on. That object
-// also watches how light the bar is: it changes with the desktop picture behind it.
+// A button sends its clicks to an Objective-C object, which calls the handlers. The same object
+// observes whether the bar is light, which changes with the desktop picture behind it.
 
-/// What the item's button calls; owned by the item.
+/// The target of the item's button; owned by the item.
 @interface CorvaneStatusTarget : NSObject
 - (instancetype)initWithButton:(NSStatusBarButton *)button
                        actions:(corvane::StatusActions)actions
@@ -41,7 +42,7 @@ NSFont *labelFont()
     return font ? font : plain;
 }
 
-/// A gap is room after the run's last character.
+/// The gap is extra advance after the run's last character.
 NSAttributedString *nativeRun(const StatusRun &run, NSFont *font)
 {
     NSMutableAttributedString *text = [[NSMutableAttributedString alloc]
@@ -145,7 +146,8 @@ struct StatusItem::Native {
 
 StatusItem::StatusItem(StatusActions actions, const StatusColor &plate)
 {
-    [NSApplication sharedApplication]; // Without one there is no bar to stand in.
+    assert(NSThread.isMainThread);
+    [NSApplication sharedApplication]; // The status bar does not exist without one.
     NSStatusItem *item =
         [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
     item.button.accessibilityTitle = @"Corvane";

@@ -1,36 +1,28 @@
 #include "tray/StatusNotifierItem.h"
 
 #include "bus/BusCall.h"
+#include "platform/MainThread.h"
 #include "tray/StatusNotifierWatcher.h"
 #include "windows/WindowTools.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace corvane {
-
-namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-/// For a desktop that does not look.
-constexpr auto longestWait = 5s;
-
-/// Xfce's panel looks three times, then writes a new item into its settings; a second item that is
-/// new before these come back to it never shows.
-constexpr auto quietTime = 600ms;
-
-} // namespace
-
 StatusNotifierItem::StatusNotifierItem(const QString &busAddress, const QString &id,
-                                       const QString &title, QMenu &menu, QObject *parent)
+                                       const QString &title, QMenu &menu, const TrayWaits &waits,
+                                       QObject *parent)
     : QObject(parent),
       m_id(id),
       m_title(title),
       m_bus(QDBusConnection::connectToBus(busAddress, id)),
-      m_menu(menu)
+      m_menu(menu),
+      m_waits(waits)
 {
+    assertMainThread();
     registerStatusNotifierTypes();
     m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
     m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
@@ -75,14 +67,14 @@ void StatusNotifierItem::registerAtWatcher()
         if (!BusCall::isReply(answer) && m_settling.isActive())
             m_settling.start(0ms);
     });
-    m_settling.start(longestWait);
+    m_settling.start(m_waits.read);
 }
 
-bool StatusNotifierItem::isTaken(const QStringList &taken) const
+bool StatusNotifierItem::isInTray(const QStringList &listed) const
 {
     // One known watcher writes an @ between the name and the path.
     const QString name = m_bus.baseService();
-    return m_wasRead && std::ranges::any_of(taken, [&name](const QString &item) {
+    return m_wasRead && std::ranges::any_of(listed, [&name](const QString &item) {
                return item == name || item.startsWith(name + u'/') || item.startsWith(name + u'@');
            });
 }
@@ -122,11 +114,11 @@ StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
     }
     m_wasRead = true;
     if (m_settling.isActive())
-        m_settling.start(quietTime);
+        m_settling.start(m_waits.quiet);
     return m_pixmaps;
 }
 
-/// The text stands in the title: some desktops show nothing else of it.
+/// The text is the title because some desktops show only that.
 StatusNotifierToolTip StatusNotifierItem::toolTip() const
 {
     return {.title = m_toolTip};

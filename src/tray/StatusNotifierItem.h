@@ -2,6 +2,7 @@
 
 #include "tray/DBusMenu.h"
 #include "tray/StatusNotifierTypes.h"
+#include "tray/TrayWaits.h"
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
@@ -12,12 +13,12 @@
 
 namespace corvane {
 
-/// One item in a desktop's tray, over the bus (org.kde.StatusNotifierItem), on a connection of its
-/// own, so that it has a name, an id and a title of its own. Owned by the label; the menu outlives
-/// it. Main thread; nothing here waits for an answer. Gone from the tray with this object.
+/// One item in a desktop's tray, exported over the bus (org.kde.StatusNotifierItem). It has its own
+/// connection, so that it can have its own bus name, id and title. Owned by the label; the menu
+/// outlives it. The item leaves the tray when this object is deleted. Main thread; no call blocks.
 ///
-/// A change is announced once; the desktop then asks for what it wants to show. Without a bus it
-/// does nothing.
+/// A change is announced once; the desktop then requests what it wants to show. Without a bus the
+/// item does nothing.
 class StatusNotifierItem : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
@@ -44,25 +45,26 @@ class StatusNotifierItem : public QObject {
 public:
     using Pictures = std::function<QList<QImage>()>;
 
-    /// `id` never changes from run to run: desktops remember an item's place by it.
+    /// `id` has to be the same in every run: desktops remember an item's place by it.
     StatusNotifierItem(const QString &busAddress, const QString &id, const QString &title,
-                       QMenu &menu, QObject *parent = nullptr);
+                       QMenu &menu, const TrayWaits &waits, QObject *parent = nullptr);
     ~StatusNotifierItem() override;
 
-    /// `pictures` paints them in all sizes; called when the desktop first asks.
+    /// `pictures` paints the icon in all sizes; called at the desktop's first request.
     void showPictures(Pictures pictures);
     void showToolTip(const QString &text);
-    /// A text beside the picture, where the desktop shows one; `widest` is what to keep room for.
+    /// A text beside the icon, where the desktop shows one; `widest` is the text to reserve room
+    /// for.
     void showLabel(const QString &text, const QString &widest);
 
-    /// Asks the desktop to show the item.
+    /// Requests that the desktop shows the item.
     void registerAtWatcher();
 
-    /// Whether the desktop has looked at it and it is among what the watcher says to have.
-    bool isTaken(const QStringList &taken) const;
+    /// Whether the desktop has read the item and the watcher's list contains it.
+    bool isInTray(const QStringList &listed) const;
 
 public slots:
-    // Names of the interface.
+    // The interface's own names.
     Q_SCRIPTABLE void Activate(int x, int y);
     Q_SCRIPTABLE void SecondaryActivate(int x, int y);
     Q_SCRIPTABLE void XAyatanaSecondaryActivate(uint time);
@@ -79,11 +81,11 @@ signals:
     Q_SCRIPTABLE void NewStatus(const QString &status);
     Q_SCRIPTABLE void XAyatanaNewLabel(const QString &label, const QString &guide);
 
-    void activated(const QPoint &position); ///< (0, 0) where the desktop does not tell.
+    void activated(const QPoint &position); ///< (0, 0) where the desktop sends no position.
     void secondaryActivated();
     void contextMenuRequested(const QPoint &position);
-    /// The desktop took the item and is done looking at it, or is not going to: the next one may
-    /// follow.
+    /// The desktop has finished reading the item, or has not begun in time: the next one may be
+    /// registered.
     void settled();
 
 private:
@@ -104,12 +106,13 @@ private:
     QString m_label;
     QString m_widestLabel;
     Pictures m_paint;
-    StatusNotifierPixmaps m_pixmaps; ///< Empty until asked for.
+    StatusNotifierPixmaps m_pixmaps; ///< Empty until requested.
 
     QDBusConnection m_bus;
     DBusMenu m_menu;
-    bool m_wasRead = false;
-    QTimer m_settling; ///< Runs from the registration until it is settled.
+    const TrayWaits m_waits;
+    bool m_wasRead = false; ///< By the desktop.
+    QTimer m_settling;      ///< Runs from the registration until `settled`.
 };
 
 } // namespace corvane

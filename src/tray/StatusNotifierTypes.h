@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A picture as trays receive it, (iiay): rows from top to bottom without padding, four bytes a
+/// A picture in the trays' format, (iiay): rows from top to bottom without padding, four bytes a
 /// pixel in the order alpha, red, green, blue, not premultiplied.
 struct StatusNotifierPixmap {
     int width = 0;
@@ -22,7 +22,7 @@ struct StatusNotifierPixmap {
 
 using StatusNotifierPixmaps = QList<StatusNotifierPixmap>;
 
-/// A tool tip as trays receive it, (sa(iiay)ss). Some show nothing but the title.
+/// A tool tip in the trays' format, (sa(iiay)ss). Some trays show only the title.
 struct StatusNotifierToolTip {
     QString iconName = {};
     StatusNotifierPixmaps pixmaps = {};
@@ -35,7 +35,7 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, StatusNotifierPix
 QDBusArgument &operator<<(QDBusArgument &argument, const StatusNotifierToolTip &toolTip);
 const QDBusArgument &operator>>(const QDBusArgument &argument, StatusNotifierToolTip &toolTip);
 
-/// Makes these types known to the bus; once or more often.
+/// Registers these types with QtDBus. May be called repeatedly.
 void registerStatusNotifierTypes();
 
 } // namespace corvane

@@ -1,5 +1,6 @@
 #include "tray/StatusNotifierWatcher.h"
 
+#include "platform/MainThread.h"
 #include "tray/TrayProgram.h"
 
 #include <QDBusServiceWatcher>
@@ -25,8 +26,9 @@ StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent)
     : QObject(parent),
       m_connection(u"corvane-tray"_s)
 {
-    connect(&m_connection, &BusConnection::connected, this, &StatusNotifierWatcher::watchBus);
-    connect(&m_connection, &BusConnection::lost, this, &StatusNotifierWatcher::loseBus);
+    assertMainThread();
+    connect(&m_connection, &BusConnection::connected, this, &StatusNotifierWatcher::onConnected);
+    connect(&m_connection, &BusConnection::lost, this, &StatusNotifierWatcher::onLost);
 }
 
 StatusNotifierWatcher::~StatusNotifierWatcher() = default;
@@ -39,27 +41,27 @@ QDBusMessage StatusNotifierWatcher::methodCall(const QString &method)
     return call;
 }
 
-void StatusNotifierWatcher::watchBus()
+void StatusNotifierWatcher::onConnected()
 {
     QDBusConnection &bus = m_connection.bus();
     for (const QString &signal :
          {u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s})
-        bus.connect(QString(), watcherPath, watcherName, signal, this, SLOT(askForHost()));
+        bus.connect(QString(), watcherPath, watcherName, signal, this, SLOT(requestHost()));
 
     m_nameWatcher = std::make_unique<QDBusServiceWatcher>(watcherName, bus);
     connect(m_nameWatcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString &, const QString &, const QString &owner) { lookUp(owner); });
+            [this](const QString &, const QString &, const QString &owner) { setOwner(owner); });
     ask(busCall(u"GetNameOwner"_s),
-        [this](const QDBusMessage &reply) { lookUp(reply.arguments().value(0).toString()); });
+        [this](const QDBusMessage &reply) { setOwner(reply.arguments().value(0).toString()); });
 }
 
-void StatusNotifierWatcher::loseBus()
+void StatusNotifierWatcher::onLost()
 {
     m_nameWatcher.reset();
-    lookUp(QString());
+    setOwner(QString());
 }
 
-void StatusNotifierWatcher::lookUp(const QString &owner)
+void StatusNotifierWatcher::setOwner(const QString &owner)
 {
     if (owner.isEmpty()) {
         m_owner.clear();
@@ -68,7 +70,7 @@ void StatusNotifierWatcher::lookUp(const QString &owner)
     }
     if (owner == m_owner)
         return;
-    // A new owner knows none of the items, even if it is the same program.
+    // A new owner has none of the items, even if it is the same program.
     const bool hadHost = m_host.has_value();
     m_owner = owner;
     m_host.reset();
@@ -79,37 +81,38 @@ void StatusNotifierWatcher::lookUp(const QString &owner)
         if (owner != m_owner)
             return;
         m_kind = trayHost(trayProgram(reply.arguments().value(0).toUInt()));
-        askForHost();
+        requestHost();
     });
 }
 
-/// A watcher without a host shows nothing.
-void StatusNotifierWatcher::askForHost()
+/// A watcher without a registered host shows no items.
+void StatusNotifierWatcher::requestHost()
 {
-    askForProperty(u"IsStatusNotifierHostRegistered"_s, [this](const QVariant &isThere) {
+    requestProperty(u"IsStatusNotifierHostRegistered"_s, [this](const QVariant &isThere) {
         publish(isThere.toBool() ? std::optional(m_kind) : std::nullopt);
     });
 }
 
-void StatusNotifierWatcher::askForItems()
+void StatusNotifierWatcher::requestItems()
 {
-    askForProperty(u"RegisteredStatusNotifierItems"_s, [this](const QVariant &items) {
+    requestProperty(u"RegisteredStatusNotifierItems"_s, [this](const QVariant &items) {
         if (items.isValid())
             emit itemsListed(items.toStringList());
     });
 }
 
-/// Calls `use` with an invalid value for an error; not at all for an answer of another owner.
-void StatusNotifierWatcher::askForProperty(const QString &name,
-                                           const std::function<void(const QVariant &)> &use)
+/// Calls `onValue` with the value, or with an invalid one after an error. A reply that arrives
+/// after the owner changed is dropped.
+void StatusNotifierWatcher::requestProperty(const QString &name,
+                                            const std::function<void(const QVariant &)> &onValue)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
         watcherName, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setAutoStartService(false);
     call << QString(watcherName) << name;
-    ask(call, [this, use, owner = m_owner](const QDBusMessage &reply) {
+    ask(call, [this, onValue, owner = m_owner](const QDBusMessage &reply) {
         if (owner == m_owner)
-            use(reply.arguments().value(0).value<QDBusVariant>().variant());
+            onValue(reply.arguments().value(0).value<QDBusVariant>().variant());
     });
 }
 

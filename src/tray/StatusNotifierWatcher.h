@@ -14,9 +14,9 @@ class QDBusServiceWatcher;
 
 namespace corvane {
 
-/// Looks whether the desktop has a tray that takes items over the bus, and what kind it is. Owned
-/// by the label; main thread. It only asks and listens, and waits for nobody: a bus or a tray that
-/// comes late, goes or comes again is told by hostChanged.
+/// Finds out whether the desktop has a tray that accepts items over the bus, and which kind it is.
+/// Owned by the label; main thread. No call blocks: when a bus or a tray starts late, ends or
+/// restarts, hostChanged is emitted.
 class StatusNotifierWatcher : public QObject {
     Q_OBJECT
 
@@ -24,43 +24,43 @@ public:
     explicit StatusNotifierWatcher(QObject *parent = nullptr);
     ~StatusNotifierWatcher() override;
 
-    /// Whether the question is answered; a tray that hangs leaves it open.
+    /// Whether it is known if there is a tray; never while a tray hangs.
     bool isKnown() const { return m_isKnown; }
 
-    /// Absent: no tray now, as far as it is known.
+    /// Absent while there is no tray, or none is known.
     const std::optional<TrayHost> &host() const { return m_host; }
 
-    /// The bus on which the tray is.
+    /// The address of the bus that the tray is on.
     const QString &busAddress() const { return m_connection.address(); }
 
-    /// Asks once which items the tray has; itemsListed is the answer, if there is one.
-    void askForItems();
+    /// Requests the tray's list of items once; a reply is emitted as itemsListed.
+    void requestItems();
 
-    /// A call of the tray's own object, which starts no program.
+    /// A call of the tray's watcher object. It starts no program where there is no tray.
     static QDBusMessage methodCall(const QString &method);
 
 signals:
-    /// Another host, the same one started anew, or none.
+    /// The host is another one now, has restarted or is gone.
     void hostChanged();
 
-    /// Each as its bus name and, in one form or another, its path.
+    /// Each item by its bus name, followed by its path in a form that differs between watchers.
     void itemsListed(const QStringList &items);
 
 private slots:
-    void askForHost();
+    void requestHost();
 
 private:
-    void watchBus();
-    void loseBus();
+    void onConnected();
+    void onLost();
     void ask(const QDBusMessage &call, const BusCall::ReplyHandler &onReply);
-    void askForProperty(const QString &name, const std::function<void(const QVariant &)> &use);
-    void lookUp(const QString &owner);
+    void requestProperty(const QString &name, const std::function<void(const QVariant &)> &onValue);
+    void setOwner(const QString &owner);
     void publish(const std::optional<TrayHost> &host);
 
     BusConnection m_connection;
     std::unique_ptr<QDBusServiceWatcher> m_nameWatcher;
-    QString m_owner; ///< Of the tray's name; empty: nobody.
-    TrayHost m_kind; ///< What the owner is.
+    QString m_owner; ///< Unique bus name of the watcher's owner; empty if there is none.
+    TrayHost m_kind; ///< The kind of bar that the owner is.
     std::optional<TrayHost> m_host;
     bool m_isKnown = false;
 };

@@ -4,17 +4,17 @@
 
 namespace corvane {
 
-/// How the label stands in a bar.
+/// How a bar shows the label.
 enum class LabelForm {
-    text,        ///< One item with a text beside it.
-    widePicture, ///< One item with one picture of all three numbers.
-    squares,     ///< Three items, one number each.
+    text,        ///< One item with a text beside its icon.
+    widePicture, ///< One item with one picture of all numbers.
+    squares,     ///< One square item for each number.
 };
 
-/// In which order a bar shows the items that are new to it.
+/// On which side a bar adds new items.
 enum class ItemOrder { oldestLeft, newestLeft };
 
-/// What a kind of bar can show.
+/// What a bar can show.
 struct TrayHost {
     LabelForm form = LabelForm::squares;
     ItemOrder order = ItemOrder::oldestLeft;
@@ -22,8 +22,8 @@ struct TrayHost {
     friend bool operator==(const TrayHost &, const TrayHost &) = default;
 };
 
-/// The bar behind the tray's bus name, told by the program that owns the name. One that is not in
-/// the table is taken for a bar that squeezes everything into squares, as most do.
+/// The kind of bar that this program is, being the owner of the tray's bus name. A program that is
+/// not in the table is treated as a bar that scales every icon to a square, as most do.
 TrayHost trayHost(const TrayProgram &program);
 
 } // namespace corvane

@@ -1,15 +1,16 @@
 #include "tray/TrayIcons.h"
 
-#include "tray/MetricMenu.h"
+#include "platform/MainThread.h"
 
 #include <QSystemTrayIcon>
 
 namespace corvane {
 
-TrayIcons::TrayIcons(const QList<QAction *> &commands, QObject *parent) : QObject(parent)
+TrayIcons::TrayIcons(QMenu &menu, QObject *parent) : QObject(parent)
 {
+    assertMainThread();
     for (const auto position : {LabelPosition::left, LabelPosition::middle, LabelPosition::right})
-        addItem(position, commands);
+        addItem(position, menu);
     show(SystemMetrics::placeholder());
     for (const Item &item : m_items)
         item.icon->show();
@@ -23,7 +24,6 @@ void TrayIcons::show(const SystemMetrics &current)
     const QString toolTip = inWords(numbers);
     for (std::size_t index = 0; index < numbers.size(); ++index) {
         Item &item = m_items[index];
-        item.menu->show(current);
         if (toolTip != m_toolTip)
             item.icon->setToolTip(toolTip);
         if (item.number == numbers[index])
@@ -34,12 +34,10 @@ void TrayIcons::show(const SystemMetrics &current)
     m_toolTip = toolTip;
 }
 
-void TrayIcons::addItem(LabelPosition position, const QList<QAction *> &commands)
+void TrayIcons::addItem(LabelPosition position, QMenu &menu)
 {
-    Item item{.position = position,
-              .menu = std::make_unique<MetricMenu>(commands),
-              .icon = std::make_unique<QSystemTrayIcon>()};
-    item.icon->setContextMenu(item.menu.get());
+    Item item{.position = position, .icon = std::make_unique<QSystemTrayIcon>()};
+    item.icon->setContextMenu(&menu);
     connect(item.icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::MiddleClick)

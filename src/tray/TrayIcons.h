@@ -8,21 +8,20 @@
 #include <memory>
 #include <vector>
 
-class QAction;
+class QMenu;
 class QSystemTrayIcon;
 
 namespace corvane {
 
-class MetricMenu;
-
-/// The label as three square icons of the system's own kind, one number each: for X11's old tray
-/// protocol, which knows nothing else. Owned by the label; main thread. An icon is drawn anew only
-/// when its text changed; they stand wherever a tray is or turns up.
+/// The label as three square icons, one number each, for X11's older tray protocol (XEmbed), which
+/// shows only square icons. Owned by the label, whose menu all icons share and which outlives them;
+/// main thread. An icon is drawn again only when its text changed. The icons appear as soon as such
+/// a tray exists.
 class TrayIcons : public QObject {
     Q_OBJECT
 
 public:
-    explicit TrayIcons(const QList<QAction *> &commands, QObject *parent = nullptr);
+    explicit TrayIcons(QMenu &menu, QObject *parent = nullptr);
     ~TrayIcons() override;
 
     void show(const SystemMetrics &current);
@@ -35,10 +34,9 @@ private:
     struct Item {
         LabelPosition position;
         LabelNumber number = {};
-        std::unique_ptr<MetricMenu> menu;
-        std::unique_ptr<QSystemTrayIcon> icon; ///< Shows the menu, so it goes first.
+        std::unique_ptr<QSystemTrayIcon> icon;
     };
-    void addItem(LabelPosition position, const QList<QAction *> &commands);
+    void addItem(LabelPosition position, QMenu &menu);
 
     std::vector<Item> m_items; ///< Memory, GPU, power.
     QString m_toolTip;

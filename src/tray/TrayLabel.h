@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/SystemMetrics.h"
+#include "tray/TrayWaits.h"
 
 #include <QList>
 #include <QObject>
@@ -12,30 +13,30 @@ class QPoint;
 
 namespace corvane {
 
-/// The label in the desktop's bar. Owned by the application, which shows it each new sample; main
-/// thread. It takes the form that this desktop can show and comes by itself where a tray turns up
-/// late or again. Without a tray nothing is shown.
+/// The label in the desktop's bar. Owned by the application, which passes it each new sample. It
+/// takes a form that this desktop can show, and appears by itself when a tray starts late or
+/// restarts; without a tray nothing is shown. All items of the label share one menu. Main thread.
 class TrayLabel : public QObject {
     Q_OBJECT
 
 public:
-    /// The commands stand in its menus, where it has any; they outlive it.
-    explicit TrayLabel(const QList<QAction *> &commands, QObject *parent = nullptr);
+    /// The commands are part of its menu; they outlive it.
+    explicit TrayLabel(const QList<QAction *> &commands, QObject *parent = nullptr,
+                       const TrayWaits &waits = {});
     ~TrayLabel() override;
 
-    /// Whether the label can be seen now.
+    /// Whether the label is visible now.
     bool isAvailable() const;
 
     void show(const SystemMetrics &current);
 
 signals:
-    void activated(const QPoint &anchor); ///< A click there: the panel is wanted.
+    void activated(const QPoint &anchor); ///< A click at this point, to open the panel.
     void openWindowRequested();           ///< A click with the middle button.
-    /// Once, soon after the start: this desktop has no tray, at least not yet.
-    void trayIsMissing();
+    void trayIsMissing(); ///< Emitted at most once, soon after the start: there is no tray so far.
 
 private:
-    struct Bar; ///< What stands in this system's bar.
+    struct Bar; ///< The parts of the label on this system.
     std::unique_ptr<Bar> m_bar;
 };
 

@@ -1,3 +1,5 @@
+#include "platform/MainThread.h"
+#include "tray/MetricMenu.h"
 #include "tray/NotifierItems.h"
 #include "tray/StatusNotifierWatcher.h"
 #include "tray/TrayIcons.h"
@@ -9,63 +11,66 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
-#include <chrono>
-
 namespace corvane {
 
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
+/// How often the items are created again for a tray that has lost some.
+constexpr int maxRenewals = 2;
 
-/// A session starts its programs in any order, and a panel that is started anew is gone for a
-/// moment. So much later it is taken for missing.
-constexpr auto patience = 1500ms;
-
-/// So often a tray that has lost items gets them anew.
-constexpr int mostRenewals = 2;
-
-/// Where the click was. Desktops tell it in pixels of the screen, or not at all.
-QPoint panelAnchor(const QPoint &told)
+/// The point of the click in Qt's coordinates. Desktops send it in device pixels, or not at all.
+QPoint panelAnchor(const QPoint &position)
 {
-    const bool isKnown = !told.isNull() && QGuiApplication::screenAt(told)
+    const bool isUsable = !position.isNull() && QGuiApplication::screenAt(position)
         && QGuiApplication::primaryScreen()->devicePixelRatio() == 1;
-    return isKnown ? told : QCursor::pos();
+    return isUsable ? position : QCursor::pos();
 }
 
 } // namespace
 
 struct TrayLabel::Bar {
-    Bar(TrayLabel &owner, const QList<QAction *> &ofMenus) : label(owner), commands(ofMenus) { }
+    Bar(TrayLabel &owner, const QList<QAction *> &ofMenu, const TrayWaits &ofDesktop)
+        : label(owner),
+          commands(ofMenu),
+          waits(ofDesktop)
+    {
+    }
 
     void followHost();
-    void putItemsUp();
-    void checkItems(const QStringList &taken);
-    void useOldProtocol();
+    void createItems();
+    void checkItems(const QStringList &listed);
+    void useXEmbed();
+
+    QMenu &sharedMenu();
 
     TrayLabel &label;
+    const QList<QAction *> commands;
+    const TrayWaits waits;
     SystemMetrics current = SystemMetrics::placeholder();
-    const QList<QAction *> commands; ///< Of every menu.
+    /// Shared by all items and icons, which are deleted before it; null until one exists.
+    std::unique_ptr<MetricMenu> menu;
     StatusNotifierWatcher watcher;
-    QTimer missing;                       ///< Runs after the host went.
-    std::unique_ptr<NotifierItems> items; ///< While there is a host.
-    int renewals = 0;                     ///< Of the items, for this host.
-    std::unique_ptr<TrayIcons> icons;     ///< On X11 while there is none.
+    QTimer missing;                       ///< Runs after the host went away.
+    std::unique_ptr<NotifierItems> items; ///< Exist while there is a host.
+    int renewals = 0;                     ///< How often the items were created again for this host.
+    std::unique_ptr<TrayIcons> icons;     ///< Exist on X11 while there is no host.
 };
 
-TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent, const TrayWaits &waits)
     : QObject(parent),
-      m_bar(std::make_unique<Bar>(*this, commands))
+      m_bar(std::make_unique<Bar>(*this, commands, waits))
 {
+    assertMainThread();
     Bar *bar = m_bar.get();
     bar->missing.setSingleShot(true);
-    bar->missing.setInterval(patience);
-    connect(&bar->missing, &QTimer::timeout, this, [bar] { bar->useOldProtocol(); });
+    bar->missing.setInterval(waits.tray);
+    connect(&bar->missing, &QTimer::timeout, this, [bar] { bar->useXEmbed(); });
     connect(&bar->watcher, &StatusNotifierWatcher::hostChanged, this, [bar] { bar->followHost(); });
     connect(&bar->watcher, &StatusNotifierWatcher::itemsListed, this,
-            [bar](const QStringList &taken) { bar->checkItems(taken); });
-    QTimer::singleShot(patience, this, [this, bar] {
-        bar->useOldProtocol();
+            [bar](const QStringList &listed) { bar->checkItems(listed); });
+    QTimer::singleShot(waits.tray, this, [this, bar] {
+        bar->useXEmbed();
         if (!isAvailable())
             emit trayIsMissing();
     });
@@ -81,6 +86,8 @@ bool TrayLabel::isAvailable() const
 void TrayLabel::show(const SystemMetrics &current)
 {
     m_bar->current = current;
+    if (m_bar->menu)
+        m_bar->menu->show(current);
     if (m_bar->items)
         m_bar->items->show(current);
     if (m_bar->icons)
@@ -97,38 +104,48 @@ void TrayLabel::Bar::followHost()
     missing.stop();
     icons.reset();
     renewals = 0;
-    putItemsUp();
+    createItems();
 }
 
-void TrayLabel::Bar::putItemsUp()
+QMenu &TrayLabel::Bar::sharedMenu()
 {
-    items.reset(); // Its connections have names that are used again.
-    items = std::make_unique<NotifierItems>(watcher.busAddress(), *watcher.host(), commands);
+    if (!menu) {
+        menu = std::make_unique<MetricMenu>(commands);
+        menu->show(current);
+    }
+    return *menu;
+}
+
+void TrayLabel::Bar::createItems()
+{
+    items.reset(); // The new connections have the same names.
+    items =
+        std::make_unique<NotifierItems>(watcher.busAddress(), *watcher.host(), sharedMenu(), waits);
     connect(items.get(), &NotifierItems::activated, &label,
             [this](const QPoint &position) { emit label.activated(panelAnchor(position)); });
     connect(items.get(), &NotifierItems::secondaryActivated, &label,
             &TrayLabel::openWindowRequested);
-    connect(items.get(), &NotifierItems::settled, &watcher, &StatusNotifierWatcher::askForItems);
+    connect(items.get(), &NotifierItems::settled, &watcher, &StatusNotifierWatcher::requestItems);
     items->show(current);
 }
 
-/// Puts all of them up anew where one is missing: it alone would get a place at the end.
-void TrayLabel::Bar::checkItems(const QStringList &taken)
+/// Creates all items again where the tray lost one: a single item would be added at the end.
+void TrayLabel::Bar::checkItems(const QStringList &listed)
 {
-    if (!items || items->areTaken(taken) || renewals == mostRenewals)
+    if (!items || items->areInTray(listed) || renewals == maxRenewals)
         return;
     ++renewals;
-    putItemsUp();
+    createItems();
 }
 
-/// Qt's icons look for a tray on the bus too, and wait for its answer: not before it is known that
-/// there is none.
-void TrayLabel::Bar::useOldProtocol()
+/// Qt's icons call the tray on the bus too and block until it answers, so they are created only
+/// once it is known that there is none.
+void TrayLabel::Bar::useXEmbed()
 {
     if (icons || watcher.host() || !watcher.isKnown()
         || QGuiApplication::platformName() != "xcb"_L1)
         return;
-    icons = std::make_unique<TrayIcons>(commands);
+    icons = std::make_unique<TrayIcons>(sharedMenu());
     connect(icons.get(), &TrayIcons::activated, &label,
             [this] { emit label.activated(QCursor::pos()); });
     connect(icons.get(), &TrayIcons::secondaryActivated, &label, &TrayLabel::openWindowRequested);

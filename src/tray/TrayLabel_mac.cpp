@@ -1,3 +1,4 @@
+#include "platform/MainThread.h"
 #include "tray/MetricMenu.h"
 #include "tray/StatusLabel.h"
 #include "tray/TrayLabel.h"
@@ -9,7 +10,7 @@ struct TrayLabel::Bar {
     Bar(TrayLabel &label, const QList<QAction *> &commands);
 
     MetricMenu menu;
-    LabelNumbers numbers = {}; ///< As they stand there.
+    LabelNumbers numbers = {}; ///< Shown now.
     StatusItem item;
 };
 
@@ -22,10 +23,11 @@ TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
 {
 }
 
-TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent)
+TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent, const TrayWaits &)
     : QObject(parent),
       m_bar(std::make_unique<Bar>(*this, commands))
 {
+    assertMainThread();
 }
 
 TrayLabel::~TrayLabel() = default;

@@ -18,11 +18,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The square's own grid; every length below is in its units.
+/// The square is designed on a grid of 22 units a side; the lengths below are in these units.
 constexpr double side = 22;
 constexpr double plateRadius = 5;
 constexpr double borderWidth = 1;
-constexpr double numberSize = 13; ///< Or less, as the number needs.
+constexpr double numberSize = 13; ///< Smaller where the number would be too wide.
 constexpr double numberRoom = 20;
 constexpr double numberMiddle = 9.6;
 constexpr QSizeF markSize(4, 2);
@@ -48,7 +48,7 @@ void paintPlate(QPainter &painter, double width, double height)
     strokeRounded(painter, plate, plateRadius, Theme::plateStroke, borderWidth);
 }
 
-/// Set at the pixel size that it is shown in, so that the font's own hinting applies.
+/// Set in the font's pixel size rather than scaled, so that the font's hinting applies.
 void paintNumber(QPainter &painter, const LabelNumber &number, double scale)
 {
     QFont font = Theme::systemFont(1, QFont::Bold);
@@ -75,7 +75,7 @@ QImage emptyPicture(int width, int height)
     return picture;
 }
 
-/// A square with all but its number, which never changes: plate and mark are painted once.
+/// A square without its number. Plate and mark never change, so each is painted once and cached.
 QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
 {
     static std::map<std::tuple<LabelPosition, QRgb, int>, QImage> squares;
@@ -91,7 +91,7 @@ QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
     return square;
 }
 
-/// The wide picture's grid: the label of a menu bar on its plate.
+/// Lengths of the wide picture, in units of an 18th of its height.
 constexpr double wideHeight = 18;
 constexpr double widePadding = 5;
 constexpr double wideGap = 5;

@@ -9,22 +9,22 @@
 
 namespace corvane {
 
-/// Where a square item stands among the label's three; shown by a mark below its number, so that
-/// the items can be told apart without colour.
+/// The place of a square item among the label's three. A mark below the number shows it, so that
+/// the items can be distinguished without colour.
 enum class LabelPosition { left, middle, right };
 
-/// One number of the label in a square of so many pixels: on a dark plate of its own, readable on
-/// light and dark bars alike.
+/// One number of the label as a square of `pixels` a side, on a dark plate that makes it readable
+/// on light and dark bars.
 QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels);
 
-/// The same in every size from 16 to 64 pixels that trays ask for.
+/// The same picture in all sizes of `trayPictureSizes`.
 QIcon trayIcon(const LabelNumber &number, LabelPosition position);
 
-/// All three numbers side by side on one plate so many pixels high. As wide as two digits each
-/// need, so that it changes its width only where a number has three.
+/// All three numbers side by side on one plate, `pixels` high. Each number has room for two digits,
+/// so that the width changes only when a number has three.
 QImage widePicture(const LabelNumbers &numbers, int pixels);
 
-/// Heights of the pictures that are offered to trays.
+/// Heights in pixels of the pictures that are offered to trays.
 inline constexpr std::array trayPictureSizes{16, 22, 24, 32, 44, 48, 64};
 
 } // namespace corvane

@@ -5,13 +5,13 @@
 
 namespace corvane {
 
-/// A program as the system knows it.
+/// The names by which the system knows a program.
 struct TrayProgram {
-    std::string name = {};       ///< The kernel's short name, cut at 15 bytes; empty: not known.
-    std::string executable = {}; ///< File name without its folder; empty: not known.
+    std::string name = {};       ///< The kernel's short name, cut at 15 bytes; empty if unknown.
+    std::string executable = {}; ///< File name without its folder; empty if unknown.
 };
 
-/// The program of that process; what cannot be read of it is empty. Any thread.
+/// The program that this process runs; names that cannot be read are empty. Any thread.
 TrayProgram trayProgram(std::uint32_t process, const std::string &root = "/");
 
 } // namespace corvane

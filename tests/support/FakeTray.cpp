@@ -5,6 +5,8 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
+
 #include <sys/prctl.h>
 
 namespace corvane::test {
@@ -13,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int ample = 60'000; ///< Milliseconds; for a machine under load.
+constexpr int patience = 60'000; ///< Milliseconds; enough for a machine under load.
 
 QDBusMessage propertyCall(const QString &item, const QString &name)
 {
@@ -61,7 +63,7 @@ void FakeTray::loseRegistrations(int number, int count)
 QVariant FakeTray::property(const QString &item, const QString &name)
 {
     const QDBusPendingCall answer = m_bus.asyncCall(propertyCall(item, name));
-    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, ample))
+    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, patience))
         return {};
     return answer.reply().arguments().value(0).value<QDBusVariant>().variant();
 }
@@ -72,7 +74,7 @@ QVariantList FakeTray::call(const QString &item, const QString &path, const QStr
     QDBusMessage message = QDBusMessage::createMethodCall(item, path, interface, method);
     message.setArguments(arguments);
     const QDBusPendingCall answer = m_bus.asyncCall(message);
-    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, ample) || answer.isError())
+    if (!QTest::qWaitFor([&answer] { return answer.isFinished(); }, patience) || answer.isError())
         return {};
     return answer.reply().arguments();
 }
@@ -87,7 +89,9 @@ void FakeTray::RegisterStatusNotifierItem(const QString &item)
         return;
     }
     setDelayedReply(true);
+    m_mostPending = std::max(m_mostPending, ++m_pending);
     QTimer::singleShot(m_delay, this, [this, item, number, call = message()] {
+        --m_pending;
         m_bus.send(call.createReply());
         take(item, number);
     });

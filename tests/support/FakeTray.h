@@ -11,9 +11,8 @@
 
 namespace corvane::test {
 
-/// A desktop's tray on a private bus, as far as items can tell: the watcher and a host that reads
-/// each new item's picture. It passes for the program whose name it is given, since that is where
-/// the watcher's owner is told from.
+/// A desktop's tray on a private bus: a watcher, and a host that reads each new item's icon. It
+/// sets this process's short name to `program`, by which items recognise the kind of tray.
 class FakeTray : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -27,17 +26,16 @@ public:
 
     void setHost(bool present);
 
-    /// Answers registrations so much later, and looks at the items only then.
+    /// Delays the reply to each registration, and the read of the item after it.
     void setDelay(std::chrono::milliseconds delay) { m_delay = delay; }
 
-    /// Takes the registration with this number (from 1) and the next `count - 1`, and has lost them
-    /// at once.
+    /// Accepts and at once loses `count` items from the registration with this number (from 1) on.
     void loseRegistrations(int number, int count = 1);
 
-    /// Answers registrations with an error, though it looks at the items.
+    /// Answers registrations with an error, but reads the items.
     void refuseRegistrations() { m_refuses = true; }
 
-    /// What stands between name and path where it lists its items.
+    /// The text between name and path in the list of items.
     void setSeparator(const QString &separator) { m_separator = separator; }
 
     /// Bus names in the order of their registration.
@@ -45,10 +43,13 @@ public:
 
     int registrations() const { return m_registrations; }
 
-    /// How often it was asked which items it has.
+    /// The highest number of registrations that waited for a reply at the same time.
+    int mostPending() const { return m_mostPending; }
+
+    /// How often the list of items was requested.
     int listings() const { return m_listings; }
 
-    /// Answers of one item, waited for; nothing for an error.
+    /// Replies of one item, for which they wait; invalid or empty after an error.
     QVariant property(const QString &item, const QString &name);
     QVariantList call(const QString &item, const QString &path, const QString &interface,
                       const QString &method, const QVariantList &arguments = {});
@@ -72,6 +73,8 @@ private:
     QStringList m_items;
     QString m_separator;
     std::chrono::milliseconds m_delay{0};
+    int m_pending = 0;
+    int m_mostPending = 0;
     bool m_refuses = false;
     int m_firstLost = 0;
     int m_lost = 0;

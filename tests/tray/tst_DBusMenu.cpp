@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What a desktop sends, with the data that nobody reads.
+/// Sends an event as a desktop does, with data that is not used.
 void send(DBusMenu &menu, int id, const QString &type)
 {
     menu.Event(id, type, QDBusVariant(0), 0);
@@ -44,17 +44,17 @@ private slots:
     void marksAccessKeysByUnderscores();
     void showsTheActionsOfTheMenu();
     void showsNoChildrenAtDepthZero();
-    void givesTheNamedPropertiesOnly();
-    void answersUnknownIdsWithNothing();
+    void returnsOnlyTheNamedProperties();
+    void answersUnknownIdsWithEmptyReplies();
     void aClickTriggersTheAction();
     void aClickOnADisabledActionDoesNothing();
-    void tellsTheMenuWhenItOpensAndCloses();
-    void bringsTextsUpToDateWhenTheDesktopLooks();
+    void emitsTheMenusSignalsWhenTheDesktopOpensAndClosesIt();
+    void updatesTextsWhenTheDesktopReadsThem();
     void sendsNothingWhileClosed();
-    void sendsWhatChangedMeanwhileWhenItOpens();
+    void sendsEarlierChangesWhenItOpens();
     void sendsChangesTogetherWhileOpen();
-    void announcesActionsThatComeAndGo();
-    void closesWithItself();
+    void announcesAddedAndRemovedActions();
+    void closesTheMenuWhenDeleted();
 
 private:
     std::unique_ptr<QMenu> m_menu;
@@ -85,10 +85,10 @@ void TestDBusMenu::marksAccessKeysByUnderscores_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("plain text") << u"Open Window"_s << u"Open Window"_s;
     QTest::newRow("an access key") << u"&Quit"_s << u"_Quit"_s;
-    QTest::newRow("a doubled ampersand is a real one") << u"a && b"_s << u"a & b"_s;
-    QTest::newRow("a real underscore is doubled") << u"a_b"_s << u"a__b"_s;
+    QTest::newRow("a doubled ampersand is an ordinary one") << u"a && b"_s << u"a & b"_s;
+    QTest::newRow("an underscore is doubled") << u"a_b"_s << u"a__b"_s;
     QTest::newRow("an ampersand at the end") << u"a&"_s << u"a_"_s;
-    QTest::newRow("nothing") << QString() << QString();
+    QTest::newRow("an empty text") << QString() << QString();
 }
 
 void TestDBusMenu::marksAccessKeysByUnderscores()
@@ -116,7 +116,7 @@ void TestDBusMenu::showsNoChildrenAtDepthZero()
     QVERIFY(layout.children.isEmpty());
 }
 
-void TestDBusMenu::givesTheNamedPropertiesOnly()
+void TestDBusMenu::returnsOnlyTheNamedProperties()
 {
     DBusMenuLayout layout;
     m_dbusMenu->GetLayout(3, -1, {u"label"_s}, layout);
@@ -126,7 +126,7 @@ void TestDBusMenu::givesTheNamedPropertiesOnly()
     QCOMPARE(labels(m_dbusMenu->GetGroupProperties({3}, {u"label"_s})), QStringList{u"Quit"_s});
 }
 
-void TestDBusMenu::answersUnknownIdsWithNothing()
+void TestDBusMenu::answersUnknownIdsWithEmptyReplies()
 {
     DBusMenuLayout layout;
     m_dbusMenu->GetLayout(99, -1, {}, layout);
@@ -158,7 +158,7 @@ void TestDBusMenu::aClickOnADisabledActionDoesNothing()
     QCOMPARE(triggered.count(), 0);
 }
 
-void TestDBusMenu::tellsTheMenuWhenItOpensAndCloses()
+void TestDBusMenu::emitsTheMenusSignalsWhenTheDesktopOpensAndClosesIt()
 {
     QSignalSpy opened(m_menu.get(), &QMenu::aboutToShow);
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
@@ -172,7 +172,7 @@ void TestDBusMenu::tellsTheMenuWhenItOpensAndCloses()
     QCOMPARE(closed.count(), 1);
 }
 
-void TestDBusMenu::bringsTextsUpToDateWhenTheDesktopLooks()
+void TestDBusMenu::updatesTextsWhenTheDesktopReadsThem()
 {
     connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { m_row->setText(u"GPU: 90 %"_s); });
     DBusMenuLayout layout;
@@ -188,7 +188,7 @@ void TestDBusMenu::sendsNothingWhileClosed()
     QCOMPARE(updated.count(), 0);
 }
 
-void TestDBusMenu::sendsWhatChangedMeanwhileWhenItOpens()
+void TestDBusMenu::sendsEarlierChangesWhenItOpens()
 {
     QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
     QVERIFY(!m_dbusMenu->AboutToShow(0));
@@ -219,7 +219,7 @@ void TestDBusMenu::sendsChangesTogetherWhileOpen()
              (QStringList{u"GPU: 42 %"_s, u"Leave"_s}));
 }
 
-void TestDBusMenu::announcesActionsThatComeAndGo()
+void TestDBusMenu::announcesAddedAndRemovedActions()
 {
     QSignalSpy changed(m_dbusMenu.get(), &DBusMenu::LayoutUpdated);
     QAction *about = m_menu->addAction(u"About Corvane"_s);
@@ -235,7 +235,7 @@ void TestDBusMenu::announcesActionsThatComeAndGo()
     QCOMPARE(labels(layout), (QStringList{u"-"_s, u"Quit"_s}));
 }
 
-void TestDBusMenu::closesWithItself()
+void TestDBusMenu::closesTheMenuWhenDeleted()
 {
     send(*m_dbusMenu, 0, u"opened"_s);
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);

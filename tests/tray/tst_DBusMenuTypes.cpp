@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A place on the bus that sends back what it is sent.
+/// A bus object that returns the arguments of each call.
 class Echo : public QDBusVirtualObject {
 public:
     QString introspect(const QString &) const override { return {}; }
@@ -33,13 +33,13 @@ private slots:
     void cleanupTestCase();
     void haveTheProtocolsSignatures_data();
     void haveTheProtocolsSignatures();
-    void layoutsTravelWithAllBelowThem();
-    void propertiesTravel();
-    void namesOfLostPropertiesTravel();
-    void eventsTravel();
+    void layoutsArriveWithAllTheirChildren();
+    void propertiesArrive();
+    void namesOfLostPropertiesArrive();
+    void eventsArrive();
 
 private:
-    /// What arrives of it over the bus.
+    /// The value as it arrives over the bus.
     template <typename Type>
     Type sent(const Type &value) const;
 
@@ -93,7 +93,7 @@ void TestDBusMenuTypes::haveTheProtocolsSignatures()
     QCOMPARE(QString::fromLatin1(QDBusMetaType::typeToSignature(type)), signature);
 }
 
-void TestDBusMenuTypes::layoutsTravelWithAllBelowThem()
+void TestDBusMenuTypes::layoutsArriveWithAllTheirChildren()
 {
     const DBusMenuLayout leaf{.id = 7, .properties = {{u"label"_s, u"Quit"_s}}};
     const DBusMenuLayout layout =
@@ -106,7 +106,7 @@ void TestDBusMenuTypes::layoutsTravelWithAllBelowThem()
     QCOMPARE(layout.children[0].children[0].properties, leaf.properties);
 }
 
-void TestDBusMenuTypes::propertiesTravel()
+void TestDBusMenuTypes::propertiesArrive()
 {
     const QVariantMap properties{{u"enabled"_s, false}, {u"label"_s, u"GPU: 41 %"_s}};
     const auto items = sent(QList<DBusMenuProperties>{{.id = 4, .properties = properties}, {}});
@@ -115,7 +115,7 @@ void TestDBusMenuTypes::propertiesTravel()
     QCOMPARE(items[0].properties, properties);
 }
 
-void TestDBusMenuTypes::namesOfLostPropertiesTravel()
+void TestDBusMenuTypes::namesOfLostPropertiesArrive()
 {
     const auto items = sent(QList<DBusMenuRemoved>{{.id = 5, .names = {u"icon-name"_s}}});
     QCOMPARE(items.size(), 1);
@@ -123,7 +123,7 @@ void TestDBusMenuTypes::namesOfLostPropertiesTravel()
     QCOMPARE(items[0].names, QStringList{u"icon-name"_s});
 }
 
-void TestDBusMenuTypes::eventsTravel()
+void TestDBusMenuTypes::eventsArrive()
 {
     const auto events = sent(QList<DBusMenuEvent>{
         {.id = 6, .type = u"clicked"_s, .data = QDBusVariant(0), .time = 4'000'000'000}});

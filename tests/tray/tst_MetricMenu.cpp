@@ -20,8 +20,9 @@ class TestMetricMenu : public QObject {
 
 private slots:
     void showsFiveRowsAndTheCommands();
-    void rowsStandStillWhileItIsClosed();
+    void rowsDoNotChangeWhileItIsClosed();
     void rowsFollowWhileItIsOpen();
+    void rowsFollowUntilItIsClosedEverywhere();
 };
 
 void TestMetricMenu::showsFiveRowsAndTheCommands()
@@ -37,7 +38,7 @@ void TestMetricMenu::showsFiveRowsAndTheCommands()
                           u"Open Window"_s, u"Quit"_s}));
 }
 
-void TestMetricMenu::rowsStandStillWhileItIsClosed()
+void TestMetricMenu::rowsDoNotChangeWhileItIsClosed()
 {
     MetricMenu menu({});
     QSignalSpy changed(menu.actions().at(1), &QAction::changed);
@@ -62,6 +63,20 @@ void TestMetricMenu::rowsFollowWhileItIsOpen()
     emit menu.aboutToHide();
     menu.show(withGPU(0.75));
     QCOMPARE(changed.count(), 0);
+}
+
+void TestMetricMenu::rowsFollowUntilItIsClosedEverywhere()
+{
+    MetricMenu menu({});
+    emit menu.aboutToShow();
+    emit menu.aboutToShow();
+    emit menu.aboutToHide();
+    menu.show(withGPU(0.25));
+    QCOMPARE(menu.actions().at(1)->text(), u"GPU: 25 %, 0.00 W"_s);
+
+    emit menu.aboutToHide();
+    menu.show(withGPU(0.75));
+    QCOMPARE(menu.actions().at(1)->text(), u"GPU: 25 %, 0.00 W"_s);
 }
 
 QTEST_MAIN(TestMetricMenu)

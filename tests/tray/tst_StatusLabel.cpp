@@ -13,9 +13,9 @@ class TestStatusLabel : public QObject {
 private slots:
     void showsEachNumberInItsOwnColour();
     void keepsTheNumbersFivePointsApart();
-    void carriesAColourOver();
-    void countsFromTheTopOfThePrimaryScreen_data();
-    void countsFromTheTopOfThePrimaryScreen();
+    void convertsAColour();
+    void measuresFromTheTopOfThePrimaryScreen_data();
+    void measuresFromTheTopOfThePrimaryScreen();
 };
 
 namespace {
@@ -48,7 +48,7 @@ void TestStatusLabel::keepsTheNumbersFivePointsApart()
     QCOMPARE(runs[2].gapAfter, 0.0);
 }
 
-void TestStatusLabel::carriesAColourOver()
+void TestStatusLabel::convertsAColour()
 {
     const StatusColor color = statusColor(QColor(255, 0, 51, 102));
     QCOMPARE(color.red, 1.0);
@@ -57,7 +57,7 @@ void TestStatusLabel::carriesAColourOver()
     QVERIFY(qAbs(color.opacity - 0.4) < 1e-4);
 }
 
-void TestStatusLabel::countsFromTheTopOfThePrimaryScreen_data()
+void TestStatusLabel::measuresFromTheTopOfThePrimaryScreen_data()
 {
     QTest::addColumn<double>("middle");
     QTest::addColumn<double>("bottom");
@@ -71,7 +71,7 @@ void TestStatusLabel::countsFromTheTopOfThePrimaryScreen_data()
     QTest::newRow("no screen") << 0.0 << 0.0 << 0.0 << QPoint(0, 0);
 }
 
-void TestStatusLabel::countsFromTheTopOfThePrimaryScreen()
+void TestStatusLabel::measuresFromTheTopOfThePrimaryScreen()
 {
     QFETCH(double, middle);
     QFETCH(double, bottom);

@@ -11,8 +11,8 @@ class TestStatusNotifierTypes : public QObject {
 private slots:
     void pixelsAreAlphaRedGreenBlueInThisOrder();
     void coloursAreNotPremultiplied();
-    void rowsFollowEachOtherWithoutPadding();
-    void noPictureIsNoBytes();
+    void rowsHaveNoPadding();
+    void anEmptyPictureHasNoBytes();
 };
 
 void TestStatusNotifierTypes::pixelsAreAlphaRedGreenBlueInThisOrder()
@@ -30,7 +30,7 @@ void TestStatusNotifierTypes::coloursAreNotPremultiplied()
     QCOMPARE(StatusNotifierPixmap::from(picture).bytes.toHex(), "33ff00ff"_ba);
 }
 
-void TestStatusNotifierTypes::rowsFollowEachOtherWithoutPadding()
+void TestStatusNotifierTypes::rowsHaveNoPadding()
 {
     QImage picture(3, 2, QImage::Format_ARGB32);
     picture.fill(Qt::black);
@@ -41,7 +41,7 @@ void TestStatusNotifierTypes::rowsFollowEachOtherWithoutPadding()
     QCOMPARE(pixmap.bytes.toHex(), QByteArray("ff000000ff000000ff000000ffffffffff000000ff000000"));
 }
 
-void TestStatusNotifierTypes::noPictureIsNoBytes()
+void TestStatusNotifierTypes::anEmptyPictureHasNoBytes()
 {
     QCOMPARE(StatusNotifierPixmap::from(QImage()), StatusNotifierPixmap());
 }

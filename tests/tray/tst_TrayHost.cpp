@@ -8,11 +8,11 @@ class TestTrayHost : public QObject {
     Q_OBJECT
 
 private slots:
-    void isToldByTheProgram_data();
-    void isToldByTheProgram();
+    void dependsOnTheProgram_data();
+    void dependsOnTheProgram();
 };
 
-void TestTrayHost::isToldByTheProgram_data()
+void TestTrayHost::dependsOnTheProgram_data()
 {
     constexpr TrayHost text{.form = LabelForm::text};
     constexpr TrayHost wide{.form = LabelForm::widePicture};
@@ -23,11 +23,11 @@ void TestTrayHost::isToldByTheProgram_data()
     QTest::addColumn<TrayHost>("expected");
     QTest::newRow("GNOME's shell shows a text")
         << TrayProgram{"gnome-shell", "gnome-shell"} << text;
-    QTest::newRow("a shell whose file may not be looked up")
+    QTest::newRow("a shell whose file cannot be read")
         << TrayProgram{.name = "gnome-shell"} << text;
     QTest::newRow("a service whose name the kernel cut")
         << TrayProgram{.name = "ayatana-indicat"} << text;
-    QTest::newRow("the older service, told by its file")
+    QTest::newRow("the older service, known by its file")
         << TrayProgram{"main", "indicator-application-service"} << text;
     QTest::newRow("waybar keeps proportions") << TrayProgram{"waybar", "waybar"} << wide;
     QTest::newRow("a wrapped waybar") << TrayProgram{".waybar-wrapped", "waybar"} << wide;
@@ -43,10 +43,10 @@ void TestTrayHost::isToldByTheProgram_data()
     QTest::newRow("Plasma") << TrayProgram{"kded6", "kded6"} << squares;
     QTest::newRow("a program that only begins like a known one")
         << TrayProgram{"waybar-helper", "waybar-helper"} << squares;
-    QTest::newRow("nothing known") << TrayProgram{} << squares;
+    QTest::newRow("an unknown program") << TrayProgram{} << squares;
 }
 
-void TestTrayHost::isToldByTheProgram()
+void TestTrayHost::dependsOnTheProgram()
 {
     QFETCH(TrayProgram, program);
     QTEST(trayHost(program), "expected");

@@ -15,7 +15,8 @@ LabelNumber number(const QString &text)
     return {.text = text, .color = Theme::memory};
 }
 
-/// Columns, in units of a 22nd of the side, in which the number's colour shows between two rows.
+/// The first and last column between two rows that contain the number's colour, all in units of a
+/// 22nd of the side.
 QPair<double, double> inkBetween(const QImage &picture, double top, double bottom)
 {
     const double scale = picture.width() / 22.0;
@@ -62,16 +63,16 @@ class TestTrayPicture : public QObject {
 private slots:
     void hasTheSizeAskedFor_data();
     void hasTheSizeAskedFor();
-    void standsOnADarkPlateWithRoundCorners();
-    void marksItsPlace_data();
-    void marksItsPlace();
+    void hasADarkPlateWithRoundCorners();
+    void marksItsPosition_data();
+    void marksItsPosition();
     void keepsEveryNumberInside_data();
     void keepsEveryNumberInside();
     void iconHasAllSizes();
     void widePictureShowsAllThreeInOrder_data();
     void widePictureShowsAllThreeInOrder();
     void widePictureKeepsItsWidthUpToTwoDigits();
-    void signFillsItsSquare();
+    void signPictureFillsItsSquare();
 };
 
 void TestTrayPicture::hasTheSizeAskedFor_data()
@@ -90,7 +91,7 @@ void TestTrayPicture::hasTheSizeAskedFor()
     QVERIFY2(last - first > 8, "the number is too small to read");
 }
 
-void TestTrayPicture::standsOnADarkPlateWithRoundCorners()
+void TestTrayPicture::hasADarkPlateWithRoundCorners()
 {
     const QImage picture = trayPicture(number(QString()), LabelPosition::left, 44);
     QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
@@ -100,7 +101,7 @@ void TestTrayPicture::standsOnADarkPlateWithRoundCorners()
     QVERIFY(middle.lightness() < 40);
 }
 
-void TestTrayPicture::marksItsPlace_data()
+void TestTrayPicture::marksItsPosition_data()
 {
     QTest::addColumn<LabelPosition>("position");
     QTest::addColumn<double>("left");
@@ -109,7 +110,7 @@ void TestTrayPicture::marksItsPlace_data()
     QTest::newRow("power on the right") << LabelPosition::right << 14.0;
 }
 
-void TestTrayPicture::marksItsPlace()
+void TestTrayPicture::marksItsPosition()
 {
     QFETCH(LabelPosition, position);
     QFETCH(double, left);
@@ -125,7 +126,7 @@ void TestTrayPicture::keepsEveryNumberInside_data()
     QTest::newRow("a full hundred") << u"100"_s;
     QTest::newRow("fifty watts") << u"50W"_s;
     QTest::newRow("four hundred watts") << u"400W"_s;
-    QTest::newRow("a text that no machine has") << u"1000000000000000"_s;
+    QTest::newRow("a text longer than any machine's") << u"1000000000000000"_s;
 }
 
 void TestTrayPicture::keepsEveryNumberInside()
@@ -149,9 +150,9 @@ void TestTrayPicture::iconHasAllSizes()
 void TestTrayPicture::widePictureShowsAllThreeInOrder_data()
 {
     QTest::addColumn<LabelNumbers>("shown");
-    QTest::newRow("usual values") << numbers(u"63"_s, u"41"_s, u"12W"_s);
-    QTest::newRow("the least") << numbers(u"0"_s, u"0"_s, u"0W"_s);
-    QTest::newRow("the most") << numbers(u"100"_s, u"100"_s, u"999W"_s);
+    QTest::newRow("typical values") << numbers(u"63"_s, u"41"_s, u"12W"_s);
+    QTest::newRow("the lowest values") << numbers(u"0"_s, u"0"_s, u"0W"_s);
+    QTest::newRow("the highest values") << numbers(u"100"_s, u"100"_s, u"999W"_s);
 }
 
 void TestTrayPicture::widePictureShowsAllThreeInOrder()
@@ -179,7 +180,7 @@ void TestTrayPicture::widePictureKeepsItsWidthUpToTwoDigits()
     QVERIFY(widePicture(numbers(u"100"_s, u"41"_s, u"12W"_s), 22).width() > width);
 }
 
-void TestTrayPicture::signFillsItsSquare()
+void TestTrayPicture::signPictureFillsItsSquare()
 {
     const QImage picture = signPicture(44);
     QCOMPARE(picture.size(), QSize(44, 44));
