@@ -309,7 +309,7 @@ void TestTracedProgram::checkTrace(const QString &furtherPlace)
     if (!furtherPlace.isEmpty())
         places += u'|' + furtherPlace;
     const QList<QByteArray> found =
-        offences(systemCalls(contents(path(u"trace"_s))), QRegularExpression(places));
+        forbiddenCalls(systemCalls(contents(path(u"trace"_s))), QRegularExpression(places));
     QVERIFY2(found.isEmpty(), found.join('\n').constData());
 }
 

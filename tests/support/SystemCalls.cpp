@@ -13,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Those that look at files, wait, end, or use sockets that are there; and those that make
-/// processes and threads, which is another question.
+/// True for calls that read files, wait, end, or use existing sockets, and for calls that create
+/// processes and threads, which `startsProcess` reports.
 bool leavesFilesAlone(const QByteArray &name)
 {
     static const QSet<QByteArray> names{
@@ -25,14 +25,14 @@ bool leavesFilesAlone(const QByteArray &name)
         // Processes.
         "clone", "clone3", "fork", "vfork", "execve", "execveat", "exit", "exit_group", "wait4",
         "waitid",
-        // Sockets; to bind one makes a file.
+        // Sockets, without bind, which creates a file.
         "socket", "socketpair", "connect", "listen", "accept", "accept4", "shutdown", "getsockname",
         "getpeername", "getsockopt", "setsockopt", "sendto", "sendmsg", "sendmmsg", "recvfrom",
         "recvmsg", "recvmmsg"};
     return names.contains(name);
 }
 
-/// A file that was made without a name is given one by the path of its descriptor.
+/// The path of a descriptor, by which linkat gives a name to a file that was created without one.
 bool isUnnamedFile(const QString &path)
 {
     static const QRegularExpression descriptor(u"\\A/proc/self/fd/\\d+\\z"_s);
@@ -48,7 +48,7 @@ bool leadsUpwards(const QString &path)
 
 QStringList SystemCall::paths() const
 {
-    // AT_FDCWD</home>, "file"; behind an @ a socket's name that is no file's.
+    // AT_FDCWD</home>, "file"; an @ precedes the name of a socket that is not a file.
     static const QRegularExpression named(uR"re((?:<([^>]*)>, )?(@?)"((?:[^"\\]|\\.)*)")re"_s);
     static const QRegularExpression opened(u"^\\d+<(/[^>]*)>"_s);
     const QString text = QString::fromUtf8(arguments);
@@ -96,7 +96,7 @@ QList<SystemCall> systemCalls(const QByteArray &trace)
 {
     static const QRegularExpression begin(uR"(^(\d+) +(\w+)\((.*)$)"_s);
     static const QRegularExpression rest(uR"(^(\d+) +<\.\.\. \w+ resumed>(.*)$)"_s);
-    // The end of a process, or that it ended amid a call; signals.
+    // The end of a process, also in the middle of a call; signals.
     static const QRegularExpression noCall(uR"(^\d+ +(\+\+\+|---|\?+\())"_s);
     static const QByteArray cut = " <unfinished ...>";
     QList<SystemCall> calls;
@@ -120,9 +120,9 @@ QList<SystemCall> systemCalls(const QByteArray &trace)
     return calls;
 }
 
-QList<QByteArray> offences(const QList<SystemCall> &calls, const QRegularExpression &mayChange)
+QList<QByteArray> forbiddenCalls(const QList<SystemCall> &calls, const QRegularExpression &writable)
 {
-    const QRegularExpression allowed(QRegularExpression::anchoredPattern(mayChange.pattern()));
+    const QRegularExpression allowed(QRegularExpression::anchoredPattern(writable.pattern()));
     const auto isAllowed = [&allowed](const SystemCall &call) {
         const QStringList paths = call.paths();
         return !paths.isEmpty() && std::ranges::all_of(paths, [&](const QString &path) {
@@ -146,7 +146,7 @@ QString obstacleToTracing()
     strace.start(u"strace"_s, {u"-o"_s, u"/dev/null"_s, u"true"_s});
     if (strace.waitForFinished() && strace.exitCode() == 0)
         return {};
-    return u"Nothing can be traced here: %1 %2"_s.arg(
+    return u"Programs cannot be traced here: %1 %2"_s.arg(
         strace.errorString(), QString::fromLocal8Bit(strace.readAllStandardError()));
 }
 

@@ -8,38 +8,39 @@ class QRegularExpression;
 
 namespace corvane::test {
 
-/// A call of the system as strace wrote it down, with -f and -y.
+/// A system call as traced by strace with -f and -y.
 struct SystemCall {
     QByteArray name = {};      ///< Empty for a line that cannot be read.
-    QByteArray arguments = {}; ///< As written, with the result behind them.
+    QByteArray arguments = {}; ///< As strace writes them, followed by the result.
 
-    /// Those among the arguments, or else of the descriptor that is the first one. Absolute, unless
-    /// it cannot be told from where one starts.
+    /// The paths among the arguments; without any, that of a descriptor in the first argument. They
+    /// are absolute, unless the folder that a relative one starts from is unknown.
     QStringList paths() const;
 
-    /// Whether it makes, changes or takes away what is in a file system, or tries to. A call that
-    /// is not known not to does.
+    /// Whether the call creates, changes or removes anything in a file system, or tries to. True
+    /// for any call that is not in the list of harmless ones.
     bool changesFiles() const;
 
-    /// Whether it makes another process, or turns into one.
+    /// Whether the call creates a process or executes a program.
     bool startsProcess() const;
 
-    /// Whether it speaks through a socket that is no Unix one, or makes such a socket.
+    /// Whether the call creates or uses a socket that is not a Unix one.
     bool usesNetwork() const;
 };
 
-/// What strace has to trace (-e) for `offences` to be all there are.
+/// The option of strace (-e) that traces every call which `forbiddenCalls` may report.
 inline constexpr auto tracedCalls =
     "trace=%file,%process,%network,fchmod,fchown,fsetxattr,fremovexattr,io_uring_setup";
 
-/// In the order in which they began.
+/// The calls of a trace, in the order in which they began.
 QList<SystemCall> systemCalls(const QByteArray &trace);
 
-/// The calls of a traced program that start another one, use the network, or change files whose
-/// paths do not match from end to end. The first call of all is the program's own start.
-QList<QByteArray> offences(const QList<SystemCall> &calls, const QRegularExpression &mayChange);
+/// The calls of a traced program that start another program, use the network, or change files whose
+/// whole paths do not match `writable`. The first call of all is the program's own start.
+QList<QByteArray> forbiddenCalls(const QList<SystemCall> &calls,
+                                 const QRegularExpression &writable);
 
-/// Why nothing can be traced here; empty if it can.
+/// The reason why programs cannot be traced here; empty if they can.
 QString obstacleToTracing();
 
 } // namespace corvane::test
