@@ -1,22 +1,19 @@
 #include "history/PersistedMetric.h"
 #include "settings/SettingsTabs.h"
-#include "support/FakeTray.h"
 #include "support/OwnMounts.h"
-#include "support/PrivateBus.h"
+#include "support/ProgramRun.h"
+#include "support/ProgramSession.h"
 #include "support/SystemCalls.h"
-#include "support/VirtualDisplay.h"
 #include "tray/DBusMenuTypes.h"
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
-#include <memory>
+#include <optional>
 
 #include <cerrno>
 #include <csignal>
@@ -32,12 +29,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 120'000; // Milliseconds; the machine may be busy, and strace is slow.
+constexpr int patience = 120'000; ///< Milliseconds; strace is slow on a machine under load.
 
 constexpr auto installedProgram = "/usr/src/corvane";
 
-/// Puts the program where a package would, for this process and those that it starts; false where
-/// that cannot be done. Has to come before the first thread.
+/// Installs the program where a package would, visible only to this process and its children; false
+/// where this is not possible. Has to be called before the first thread starts.
 bool install(const QByteArray &program)
 {
     if (!takeMountsOfItsOwn() || mount("none", "/usr/src", "tmpfs", 0, "mode=755") != 0)
@@ -48,7 +45,7 @@ bool install(const QByteArray &program)
                                | QFile::ExeOther);
 }
 
-/// Root may write anywhere, which would prove little.
+/// Root could write anywhere, so that the test would prove little.
 void becomeOrdinaryUser()
 {
     constexpr uid_t nobody = 65534;
@@ -56,7 +53,7 @@ void becomeOrdinaryUser()
         return;
     if (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0)
         qFatal("still root");
-    prctl(PR_SET_DUMPABLE, 1); // The tray's bar is told by this process's name.
+    prctl(PR_SET_DUMPABLE, 1); // The kind of tray is read from this process's name.
 }
 
 QByteArray contents(const QString &path)
@@ -67,8 +64,8 @@ QByteArray contents(const QString &path)
 
 } // namespace
 
-/// The program itself, with its label in a tray, as strace sees it from outside. It is run by an
-/// ordinary user with a home of its own.
+/// The real program with its label in a tray, traced by strace. An ordinary user runs it in a
+/// session of its own.
 class TestTracedProgram : public QObject {
     Q_OBJECT
 
@@ -84,20 +81,20 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void touchesNothingButItsOwn_data();
-    void touchesNothingButItsOwn();
-    void cutsItsHistoryInItsOwnPlace();
-    void keepsItsSettingsInTheirPlace();
-    void startsAtLoginByOneEntry();
-    void goesOnWhereItsDiskDoesNot_data();
-    void goesOnWhereItsDiskDoesNot();
-    void goesOnWithoutDescriptors_data();
-    void goesOnWithoutDescriptors();
-    void writesItsLastSampleBeforeItEnds_data();
-    void writesItsLastSampleBeforeItEnds();
+    void changesOnlyItsOwnFiles_data();
+    void changesOnlyItsOwnFiles();
+    void trimsItsHistoryInItsOwnFolder();
+    void writesItsSettingsToTheirFile();
+    void startsAtLoginThroughOneFile();
+    void runsOnADiskThatFails_data();
+    void runsOnADiskThatFails();
+    void runsWithoutDescriptors_data();
+    void runsWithoutDescriptors();
+    void writesItsLastSampleBeforeItQuits_data();
+    void writesItsLastSampleBeforeItQuits();
 
 private:
-    QString path(const QString &name) const { return m_home->filePath(name); }
+    QString path(const QString &name) const { return m_session->path(name); }
     void launch(const QString &platform, const QStringList &options, const QString &program = {});
     void start(const QString &platform, const QStringList &options, const QString &program = {});
     int openingsBeforeItsOwn();
@@ -108,18 +105,15 @@ private:
     qint64 processId() const;
     QStringList foreignOpenFiles() const;
     QRegularExpression ownPlaces() const;
-    void checkTrace(const QString &furtherPlace = {});
+    void checkTrace(const QString &additionalPath = {});
     bool hasChanged(const QString &file) const;
     qsizetype count(const QByteArray &text) const { return contents(path(u"trace"_s)).count(text); }
 
-    const QByteArray m_program; ///< Its file, which this user may not be able to reach.
+    const QByteArray m_program; ///< The bytes of its file, which this user may not be able to read.
     const QByteArray m_quickClock;
     const bool m_isInstalled;
-    std::unique_ptr<QTemporaryDir> m_home;
-    std::unique_ptr<PrivateBus> m_bus;
-    std::unique_ptr<FakeTray> m_tray;
-    std::unique_ptr<VirtualDisplay> m_display;
-    QProcess m_process;
+    std::optional<ProgramSession> m_session;
+    std::optional<ProgramRun> m_strace;
 };
 
 void TestTracedProgram::initTestCase()
@@ -131,7 +125,7 @@ void TestTracedProgram::initTestCase()
 
 void TestTracedProgram::init()
 {
-    m_home = std::make_unique<QTemporaryDir>();
+    m_session.emplace();
     for (const auto &[name, bytes] :
          {std::pair(u"corvane"_s, m_program), std::pair(u"quick_clock"_s, m_quickClock)}) {
         QFile file(path(name));
@@ -139,57 +133,29 @@ void TestTracedProgram::init()
         QCOMPARE(file.write(bytes), bytes.size());
         QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
     }
-    for (const QString &folder : {u"config"_s, u"data"_s, u"cache"_s, u"run"_s})
-        QVERIFY(QDir(m_home->path()).mkdir(folder));
-    QVERIFY(QFile::setPermissions(path(u"run"_s),
-                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    m_bus = std::make_unique<PrivateBus>();
-    QVERIFY(m_bus->start());
-    m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
+    QVERIFY(m_session->startBus("gnome-shell"));
+    QProcessEnvironment &environment = m_session->environment;
+    environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_session->bus->address());
+    // Leaks cannot be found under strace, and the quick clock is loaded before the sanitizer.
+    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0:verify_asan_link_order=0"_s);
 }
 
 void TestTracedProgram::cleanup()
 {
-    m_process.kill();
-    m_process.waitForFinished();
-    m_display.reset();
-    m_tray.reset();
-    m_bus.reset();
+    m_strace.reset();
 }
 
 void TestTracedProgram::launch(const QString &platform, const QStringList &options,
                                const QString &program)
 {
-    QProcessEnvironment environment;
-    environment.insert(u"PATH"_s, qEnvironmentVariable("PATH"));
-    environment.insert(u"HOME"_s, m_home->path());
-    environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
-    environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
-    environment.insert(u"XDG_CACHE_HOME"_s, path(u"cache"_s));
-    environment.insert(u"XDG_RUNTIME_DIR"_s, path(u"run"_s));
-    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus->address());
-    environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_bus->address());
-    // Leaks are not found under strace, and the quick clock comes before the sanitizer's library.
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0:verify_asan_link_order=0"_s);
     if (platform == "xcb"_L1) {
         if (QStandardPaths::findExecutable(u"Xvfb"_s).isEmpty())
             QSKIP("There is no Xvfb here.");
-        m_display = std::make_unique<VirtualDisplay>();
-        QVERIFY(m_display->start());
-        environment.insert(u"DISPLAY"_s, m_display->name());
-    } else {
-        environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+        QVERIFY(m_session->startDisplay());
     }
-    m_process.setProcessEnvironment(environment);
-    m_process.setChildProcessModifier([] {
-        // As a session starts its programs, whoever runs the tests.
-        for (const int number : {SIGTERM, SIGINT, SIGHUP})
-            std::signal(number, SIG_DFL);
-    });
-    m_process.start(u"strace"_s,
-                    QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
-                        + QStringList{program.isEmpty() ? path(u"corvane"_s) : program});
+    m_strace.emplace(m_session->environment, u"strace"_s,
+                     QStringList{u"-f"_s, u"-y"_s, u"-o"_s, path(u"trace"_s)} + options
+                         + QStringList{program.isEmpty() ? path(u"corvane"_s) : program});
 }
 
 /// Returns once the label is in the tray.
@@ -197,15 +163,15 @@ void TestTracedProgram::start(const QString &platform, const QStringList &option
                               const QString &program)
 {
     launch(platform, options, program);
-    QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 1, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_session->tray->items().size(), 1, patience);
 }
 
-/// How many files the main thread opens until the program is loaded and opens one by itself.
+/// The number of files that are opened while the program is loaded, before it opens its own first.
 int TestTracedProgram::openingsBeforeItsOwn()
 {
     start(u"offscreen"_s, {u"-e"_s, u"trace=openat"_s});
     click(u"Quit"_s);
-    m_process.waitForFinished(patience);
+    m_strace->exitStatus(); // Waits for the end of the program.
     const QList<SystemCall> calls = systemCalls(contents(path(u"trace"_s)));
     const auto own = std::ranges::find_if(
         calls, [](const SystemCall &call) { return call.arguments.contains(CORVANE_IDENTIFIER); });
@@ -214,13 +180,13 @@ int TestTracedProgram::openingsBeforeItsOwn()
 
 QVariantList TestTracedProgram::callMenu(const QString &method, const QVariantList &arguments)
 {
-    const QString item = m_tray->items().value(0);
-    const auto menu = m_tray->property(item, u"Menu"_s).value<QDBusObjectPath>();
-    return m_tray->call(item, menu.path(), QString::fromLatin1(FakeTray::menuInterface), method,
-                        arguments);
+    const QString item = m_session->tray->items().value(0);
+    const auto menu = m_session->tray->property(item, u"Menu"_s).value<QDBusObjectPath>();
+    return m_session->tray->call(item, menu.path(), QString::fromLatin1(FakeTray::menuInterface),
+                                 method, arguments);
 }
 
-/// A command of the label's menu.
+/// Clicks a command of the label's menu.
 void TestTracedProgram::click(const QString &label)
 {
     const QVariantList answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
@@ -242,37 +208,35 @@ void TestTracedProgram::quit()
 
 void TestTracedProgram::checkEnd()
 {
-    QTRY_COMPARE_WITH_TIMEOUT(m_process.state(), QProcess::NotRunning, patience);
-    QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_process.exitCode(), 0);
-    QList<QByteArray> said = m_process.readAllStandardError().split('\n');
-    said.removeIf([](const QByteArray &line) {
+    QCOMPARE(m_strace->exitStatus(), 0);
+    QList<QByteArray> errors = m_strace->errors().split('\n');
+    errors.removeIf([](const QByteArray &line) {
         return line.isEmpty() || line.startsWith("This plugin does not support ");
     });
-    QCOMPARE(said, QList<QByteArray>());
+    QCOMPARE(errors, QList<QByteArray>());
 }
 
-/// Of the program, which strace has as its only child.
+/// The id of the program, the only child of strace.
 qint64 TestTracedProgram::processId() const
 {
-    const QByteArray children = contents(u"/proc/%1/task/%1/children"_s.arg(m_process.processId()));
+    const QByteArray children = contents(u"/proc/%1/task/%1/children"_s.arg(m_strace->id()));
     return children.split(' ').value(0).toLongLong();
 }
 
-/// Of the files that the program has open at this moment those that belong neither to its user nor
-/// to the system, which lets all read them.
+/// The files that the program has open now, without those that belong to its user and those of the
+/// system that everybody may read.
 QStringList TestTracedProgram::foreignOpenFiles() const
 {
     const QString descriptors = u"/proc/%1/fd/"_s.arg(processId());
     const QStringList names =
         QDir(descriptors).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
     if (names.isEmpty())
-        return {u"They cannot be seen."_s};
+        return {u"The descriptors cannot be listed."_s};
     QStringList foreign;
     for (const QString &name : names) {
         struct stat status = {};
         if (stat(QFile::encodeName(descriptors + name).constData(), &status) != 0) {
-            if (errno != ENOENT) // Else it was closed meanwhile.
+            if (errno != ENOENT) // ENOENT: it has been closed since.
                 foreign.append(qt_error_string());
             continue;
         }
@@ -285,35 +249,35 @@ QStringList TestTracedProgram::foreignOpenFiles() const
     return foreign;
 }
 
-/// What the program may make, change or take away.
+/// The paths that the program may create, change or remove.
 QRegularExpression TestTracedProgram::ownPlaces() const
 {
-    const QString home = QRegularExpression::escape(m_home->path());
+    const QString home = QRegularExpression::escape(m_session->homePath());
     const QStringList places{
         home + u"/(config|data)(/Corvane)?"_s, // Folders.
         home + u"/data/Corvane/history\\.jsonl(\\.new)?"_s,
-        // The preferences, with Qt's lock and the new file that takes their place.
+        // The preferences, Qt's lock file and the new file that replaces them.
         home + u"/config/Corvane/Corvane\\.conf(\\.lock|\\.[A-Za-z0-9]{6})?"_s,
-        home + u"/run/" CORVANE_IDENTIFIER "(/socket)?"_s,
-        home + u"/cache/fontconfig(/.*)?"_s,             // What the font library found out.
-        home + u"/cache/mesa_shader_cache[^/]*(/.*)?"_s, // And that for pictures.
-        u"/proc/self/task/[0-9]+/comm"_s,                // Names of its own threads.
+        home + u"/runtime/" CORVANE_IDENTIFIER "(/socket)?"_s,
+        home + u"/cache/fontconfig(/.*)?"_s,             // The cache of the font library.
+        home + u"/cache/mesa_shader_cache[^/]*(/.*)?"_s, // That of the graphics driver.
+        u"/proc/self/task/[0-9]+/comm"_s,                // The names of its threads.
         u"/dev/null"_s,
     };
     return QRegularExpression(places.join(u'|'));
 }
 
-void TestTracedProgram::checkTrace(const QString &furtherPlace)
+void TestTracedProgram::checkTrace(const QString &additionalPath)
 {
     QString places = ownPlaces().pattern();
-    if (!furtherPlace.isEmpty())
-        places += u'|' + furtherPlace;
+    if (!additionalPath.isEmpty())
+        places += u'|' + additionalPath;
     const QList<QByteArray> found =
         forbiddenCalls(systemCalls(contents(path(u"trace"_s))), QRegularExpression(places));
     QVERIFY2(found.isEmpty(), found.join('\n').constData());
 }
 
-/// Or tried to.
+/// Whether the program changed the file or tried to.
 bool TestTracedProgram::hasChanged(const QString &file) const
 {
     return std::ranges::any_of(systemCalls(contents(path(u"trace"_s))),
@@ -322,41 +286,41 @@ bool TestTracedProgram::hasChanged(const QString &file) const
                                });
 }
 
-void TestTracedProgram::touchesNothingButItsOwn_data()
+void TestTracedProgram::changesOnlyItsOwnFiles_data()
 {
     QTest::addColumn<QString>("platform");
     QTest::newRow("without a display") << u"offscreen"_s;
     QTest::newRow("on X11") << u"xcb"_s;
 }
 
-void TestTracedProgram::touchesNothingButItsOwn()
+void TestTracedProgram::changesOnlyItsOwnFiles()
 {
     QFETCH(const QString, platform);
     start(platform, {u"-e"_s, QLatin1StringView(tracedCalls)});
-    m_tray->call(m_tray->items().value(0), u"/StatusNotifierItem"_s,
-                 QString::fromLatin1(FakeTray::itemInterface), u"Activate"_s, {600, 20});
+    m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
+                          QString::fromLatin1(FakeTray::itemInterface), u"Activate"_s, {600, 20});
     for (const QString &command : {u"Open Window"_s, u"Settings…"_s, u"About Corvane"_s})
         click(command);
-    // By the fourth line the processes were looked at.
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
+    // By the fourth line the processes have been read.
+    const QString history = m_session->historyFile();
     QStringList foreign;
-    int looks = 0;
-    const auto look = [&] {
+    int checks = 0;
+    const auto check = [&] {
         foreign += foreignOpenFiles();
-        return ++looks >= 20 && contents(history).count('\n') > 3;
+        return ++checks >= 20 && contents(history).count('\n') > 3;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(look(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(check(), patience);
     QCOMPARE(foreign, QStringList());
     quit();
     checkTrace();
     QVERIFY(hasChanged(history));
 }
 
-/// It does so at every sixtieth sample, which is three seconds by a clock that is quick.
-void TestTracedProgram::cutsItsHistoryInItsOwnPlace()
+/// The history is trimmed at every sixtieth sample: every three seconds by the quick clock.
+void TestTracedProgram::trimsItsHistoryInItsOwnFolder()
 {
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
-    QVERIFY(QDir(path(u"data"_s)).mkdir(u"Corvane"_s));
+    const QString history = m_session->historyFile();
+    QVERIFY(m_session->makeFolder(u"data/Corvane"_s));
     QFile file(history);
     QVERIFY(file.open(QIODevice::WriteOnly));
     for (int number = 0; number < 130; ++number)
@@ -374,12 +338,12 @@ void TestTracedProgram::cutsItsHistoryInItsOwnPlace()
     QVERIFY(!QFile::exists(history + u".new"_s));
 }
 
-/// The one setting that there is to write is when updates were looked for, and that only where the
-/// program is a package's.
-void TestTracedProgram::keepsItsSettingsInTheirPlace()
+/// The only setting that is written is the time of the last update check, and only where the
+/// program belongs to a package.
+void TestTracedProgram::writesItsSettingsToTheirFile()
 {
     if (!m_isInstalled)
-        QSKIP("This user cannot have mounts of its own here.");
+        QSKIP("This user cannot unshare the mounts here.");
     const QString settings = path(u"config/Corvane/Corvane.conf"_s);
     start(u"offscreen"_s, {u"-e"_s, QLatin1StringView(tracedCalls)},
           QString::fromLatin1(installedProgram));
@@ -390,8 +354,8 @@ void TestTracedProgram::keepsItsSettingsInTheirPlace()
     QVERIFY(hasChanged(settings + u".lock"_s));
 }
 
-/// And by the user's will alone: no other test allows the entry.
-void TestTracedProgram::startsAtLoginByOneEntry()
+/// Only the switch creates the file: no other test allows its path.
+void TestTracedProgram::startsAtLoginThroughOneFile()
 {
     const QString folder = path(u"config/autostart"_s);
     const QString entry = folder + u"/" CORVANE_IDENTIFIER ".desktop"_s;
@@ -399,18 +363,18 @@ void TestTracedProgram::startsAtLoginByOneEntry()
     constexpr QPoint loginSwitch(260, SettingsTabs::barHeight + 64); // In the first row.
     start(u"xcb"_s, {u"-e"_s, QLatin1StringView(tracedCalls)});
     click(u"Settings…"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(m_display->visibleWindows(window), 1, patience);
-    m_display->click(window, loginSwitch);
+    QTRY_COMPARE_WITH_TIMEOUT(m_session->display->visibleWindows(window), 1, patience);
+    m_session->display->click(window, loginSwitch);
     QTRY_VERIFY_WITH_TIMEOUT(contents(entry).contains(QFile::encodeName(path(u"corvane"_s))),
                              patience);
-    m_display->click(window, loginSwitch);
+    m_session->display->click(window, loginSwitch);
     QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(entry), patience);
     quit();
     checkTrace(QRegularExpression::escape(folder) + u"(/" CORVANE_IDENTIFIER "\\.desktop.*)?"_s);
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
-void TestTracedProgram::goesOnWhereItsDiskDoesNot_data()
+void TestTracedProgram::runsOnADiskThatFails_data()
 {
     QTest::addColumn<QString>("fault");
     QTest::newRow("full") << u"write:error=ENOSPC"_s;
@@ -420,10 +384,10 @@ void TestTracedProgram::goesOnWhereItsDiskDoesNot_data()
     QTest::newRow("no descriptors left") << u"openat:error=EMFILE:when=3+"_s;
 }
 
-void TestTracedProgram::goesOnWhereItsDiskDoesNot()
+void TestTracedProgram::runsOnADiskThatFails()
 {
     QFETCH(const QString, fault);
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
+    const QString history = m_session->historyFile();
     start(u"offscreen"_s,
           {u"-P"_s, history, u"-P"_s, u"/proc/meminfo"_s, u"-e"_s, u"inject="_s + fault});
     click(u"Open Window"_s);
@@ -434,9 +398,9 @@ void TestTracedProgram::goesOnWhereItsDiskDoesNot()
     QVERIFY(contents(history).count('\n') <= 2);
 }
 
-void TestTracedProgram::goesOnWithoutDescriptors_data()
+void TestTracedProgram::runsWithoutDescriptors_data()
 {
-    QTest::addColumn<int>("later"); // Than the first file that the program itself opens.
+    QTest::addColumn<int>("later"); // Counted from the first file that the program itself opens.
     QTest::addColumn<bool>("forGood");
     for (const int later : {0, 16, 32, 48, 64, 128, 192, 256})
         QTest::addRow("none left from opening %d on", later) << later << true;
@@ -444,8 +408,8 @@ void TestTracedProgram::goesOnWithoutDescriptors_data()
         QTest::addRow("none left for a while at opening %d", later) << later << false;
 }
 
-/// No file can be opened by any thread, whoever wants it. At the worst there is no display.
-void TestTracedProgram::goesOnWithoutDescriptors()
+/// No thread can open a file. The program may at worst report that there is no display.
+void TestTracedProgram::runsWithoutDescriptors()
 {
     QFETCH(const int, later);
     QFETCH(const bool, forGood);
@@ -456,20 +420,18 @@ void TestTracedProgram::goesOnWithoutDescriptors()
     launch(u"offscreen"_s,
            {u"-E"_s, u"LD_PRELOAD="_s + path(u"quick_clock"_s), u"-e"_s, u"trace=openat,pread64"_s,
             u"-e"_s, u"inject=openat:error=EMFILE:when=%1%2"_s.arg(first).arg(last)});
-    const auto hasEnded = [this] { return m_process.state() == QProcess::NotRunning; };
     // It reads the memory at every sample, or tries to.
-    QTRY_VERIFY_WITH_TIMEOUT(hasEnded() || count("/proc/meminfo") > 6, patience);
-    if (!hasEnded())
+    QTRY_VERIFY_WITH_TIMEOUT(!m_strace->isRunning() || count("/proc/meminfo") > 6, patience);
+    if (m_strace->isRunning())
         QCOMPARE(kill(static_cast<pid_t>(processId()), SIGTERM), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(hasEnded(), patience);
-    QCOMPARE(m_process.exitStatus(), QProcess::NormalExit);
-    const QByteArray said = m_process.readAllStandardError();
-    const bool hadNoDisplay = said.contains("Corvane cannot start: there is no display");
-    QVERIFY2(m_process.exitCode() == (hadNoDisplay ? 1 : 0), said.constData());
+    const int status = m_strace->exitStatus();
+    const QByteArray errors = m_strace->errors();
+    const bool hadNoDisplay = errors.contains("Corvane cannot start: there is no display");
+    QVERIFY2(status == (hadNoDisplay ? 1 : 0), errors.constData());
     QVERIFY(count("(INJECTED)") > 0);
 }
 
-void TestTracedProgram::writesItsLastSampleBeforeItEnds_data()
+void TestTracedProgram::writesItsLastSampleBeforeItQuits_data()
 {
     QTest::addColumn<int>("signal");
     QTest::newRow("SIGTERM") << SIGTERM;
@@ -478,12 +440,12 @@ void TestTracedProgram::writesItsLastSampleBeforeItEnds_data()
     QTest::newRow("the command to quit") << 0;
 }
 
-/// Its main thread reads the memory once a sample; another writes a line for each.
-void TestTracedProgram::writesItsLastSampleBeforeItEnds()
+/// The main thread reads the memory once a sample; another thread writes a line for each.
+void TestTracedProgram::writesItsLastSampleBeforeItQuits()
 {
     QFETCH(const int, signal);
-    const QString history = path(u"data/Corvane/history.jsonl"_s);
-    // The disk takes six seconds for the second line, and for every eighth behind it.
+    const QString history = m_session->historyFile();
+    // The disk takes six seconds for the second line and for every eighth after it.
     start(u"offscreen"_s,
           {u"-P"_s, history, u"-P"_s, u"/proc/meminfo"_s, u"-e"_s,
            u"inject=write:delay_enter=6000000:when=2+8"_s});
@@ -505,7 +467,7 @@ void TestTracedProgram::writesItsLastSampleBeforeItEnds()
 
 int main(int argc, char **argv)
 {
-    const QByteArray program = contents(QStringLiteral(CORVANE_PROGRAM));
+    const QByteArray program = contents(programFile());
     const QByteArray quickClock = contents(QStringLiteral(QUICK_CLOCK));
     const bool isInstalled = install(program);
     becomeOrdinaryUser();

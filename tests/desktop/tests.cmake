@@ -1,12 +1,10 @@
-# These run on a display, a bus and a home of their own. Under AddressSanitizer whole stacks are kept of what
-# is allocated: libraries without frame pointers would cut them off before a function that lsan.supp can name.
+# These run on a display, a bus and in a home of their own. AddressSanitizer keeps whole stacks of allocations for
+# them: libraries without frame pointers would end a stack before the function that lsan.supp names.
 foreach(name Desktop WaylandSession)
   corvane_test(desktop/tst_${name} SYSTEM linux LINK corvane::app)
   if(TARGET tst_${name})
     target_compile_definitions(
-      tst_${name} PRIVATE CORVANE_PROGRAM="$<TARGET_FILE:corvane>"
-                          CORVANE_DESKTOP_ENTRY="${PROJECT_SOURCE_DIR}/packaging/linux/corvane.desktop.in")
-    add_dependencies(tst_${name} corvane)
+      tst_${name} PRIVATE CORVANE_DESKTOP_ENTRY="${PROJECT_SOURCE_DIR}/packaging/linux/corvane.desktop.in")
     set_target_properties(
       tst_${name} PROPERTIES CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_SOURCE_DIR}/desktop/virtual-desktop)
     set_tests_properties(
@@ -17,3 +15,4 @@ foreach(name Desktop WaylandSession)
     )
   endif()
 endforeach()
+corvane_program_tests(tst_Desktop tst_WaylandSession)

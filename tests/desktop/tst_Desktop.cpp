@@ -33,8 +33,8 @@ bool differs(QRgb one, QRgb other)
         || std::abs(qBlue(one) - qBlue(other)) > least;
 }
 
-/// The columns from `first` on where something stands on the ground, as far as they touch.
-std::pair<int, int> nextThing(const QImage &picture, QRgb ground, int first)
+/// The next range of adjacent columns, from `first` on, that are not only background.
+std::pair<int, int> nextShape(const QImage &picture, QRgb ground, int first)
 {
     const auto isEmpty = [&](int x) {
         for (int y = 2; y < picture.height() - 2; ++y) {
@@ -52,18 +52,18 @@ std::pair<int, int> nextThing(const QImage &picture, QRgb ground, int first)
     return {left, right};
 }
 
-/// The square things on a bar, from left to right, all in the same size: trays scale what they are
-/// given.
+/// The square shapes on a bar, from left to right, scaled to one size because trays scale the
+/// pictures.
 QList<QImage> itemsOn(const QImage &bar)
 {
     const QRgb ground = bar.pixel(1, bar.height() / 2);
     const QTransform turned = QTransform().rotate(90);
     QList<QImage> items;
-    for (auto [left, right] = nextThing(bar, ground, 0); left < bar.width();
-         std::tie(left, right) = nextThing(bar, ground, right)) {
+    for (auto [left, right] = nextShape(bar, ground, 0); left < bar.width();
+         std::tie(left, right) = nextShape(bar, ground, right)) {
         const QImage strip = bar.copy(left, 0, right - left, bar.height());
-        // Turned, its lowest row is the first column.
-        const auto [bottom, top] = nextThing(strip.transformed(turned), ground, 2);
+        // After the rotation its lowest row is the first column.
+        const auto [bottom, top] = nextShape(strip.transformed(turned), ground, 2);
         const int height = top - bottom;
         if (strip.width() >= 16 && std::abs(strip.width() - height) <= 1) {
             items.append(
@@ -74,7 +74,7 @@ QList<QImage> itemsOn(const QImage &bar)
     return items;
 }
 
-/// The item as the program paints it, on a bar of that colour.
+/// The item as it looks on a bar of this colour.
 QImage itemOn(QRgb ground, const QImage &picture)
 {
     QImage bar(4 * itemSize, barHeight, QImage::Format_RGB32);
@@ -83,7 +83,7 @@ QImage itemOn(QRgb ground, const QImage &picture)
     return itemsOn(bar).value(0);
 }
 
-/// Mean over all channels, of 255.
+/// Mean difference over all channels, 0…255.
 double difference(const QImage &one, const QImage &other)
 {
     int sum = 0;
@@ -98,10 +98,11 @@ double difference(const QImage &one, const QImage &other)
     return sum / (3.0 * itemSize * itemSize);
 }
 
-/// What the label's three numbers may be; more than one where the text that tells it is too coarse.
+/// The possible values of the label's three numbers; several where the panel's text is too coarse
+/// to decide.
 using Numbers = std::array<std::set<int>, 3>;
 
-/// The program's own rendering of one of the label's numbers.
+/// The picture that the program paints for one of the label's numbers.
 QImage rendered(std::size_t index, int value)
 {
     const LabelNumbers numbers =
@@ -111,11 +112,11 @@ QImage rendered(std::size_t index, int value)
     return trayPicture(numbers[index], static_cast<LabelPosition>(index), itemSize);
 }
 
-/// The number up to `highest` whose rendering is most like what stands on the screen; nothing if
-/// none is like it.
+/// The number up to `highest` whose picture is most similar to the item on the screen; absent if
+/// none is similar.
 std::optional<int> readNumber(const QImage &item, std::size_t index, int highest, QRgb ground)
 {
-    constexpr double most = 8; // What scaling explains; another digit makes more.
+    constexpr double most = 8; // Scaling explains this much; another digit differs more.
     std::optional<int> best;
     double least = most;
     for (int value = 0; value <= highest; ++value) {
@@ -134,14 +135,14 @@ double number(const QRegularExpressionMatch &match, int group)
     return match.captured(group).toDouble() * unit;
 }
 
-/// A load that is shown rounded stands in the label cut off.
-std::set<int> cutOff(double rounded)
+/// The label truncates a load that the panel rounds.
+std::set<int> truncated(double rounded)
 {
     const int shown = qRound(rounded);
     return shown == 0 ? std::set{0} : std::set{shown - 1, shown};
 }
 
-/// Windows that a taskbar lists, of that process.
+/// The windows of this process that a taskbar lists.
 QStringList taskbarEntries(qint64 process)
 {
     QStringList entries;
@@ -155,7 +156,7 @@ QStringList taskbarEntries(qint64 process)
     return entries;
 }
 
-/// The class by which desktops know an installed program's windows.
+/// The window class by which desktops match windows to the installed program.
 QString classOfTheDesktopEntry()
 {
     QFile entry(QStringLiteral(CORVANE_DESKTOP_ENTRY));
@@ -168,8 +169,8 @@ QString classOfTheDesktopEntry()
 
 } // namespace
 
-/// The program itself on a desktop with a panel, driven by pointer and keyboard and read as a
-/// screen reader reads it. Each step goes on from the one before.
+/// The real program on a desktop with a panel, driven by pointer and keyboard and read through the
+/// accessibility bus. Each step continues from the one before.
 class TestDesktop : public QObject {
     Q_OBJECT
 
@@ -178,17 +179,17 @@ private slots:
     void init();
     void cleanup();
 
-    void putsALabelIntoTheTray();
+    void showsALabelInTheTray();
     void aClickOpensThePanel();
-    void theLabelShowsWhatThePanelSays();
+    void theLabelShowsThePanelsNumbers();
     void theLabelFollowsTheValues();
     void thePanelsButtonOpensTheDashboard();
     void theDashboardShowsProcesses();
-    void closingTheDashboardLeavesTheLabelAlone();
+    void closingTheDashboardKeepsTheLabel();
     void anotherStartOpensTheDashboard();
     void keysOpenTheAboutPanel();
     void keysOpenTheSettings();
-    void theSwitchStartsItAtLogin();
+    void theSwitchCreatesTheLoginEntry();
     void quits();
 
 private:
@@ -199,21 +200,21 @@ private:
 
     DrivenProgram m_program;
     qint64 m_process = 0;
-    QByteArray m_ballast; ///< Memory that is used to be seen.
-    int m_memory = -1;    ///< What the label showed last.
+    QByteArray m_ballast; ///< Memory in use, to change the label's number.
+    int m_memory = -1;    ///< The label's last memory number.
     bool m_hasFailed = false;
 };
 
 void TestDesktop::initTestCase()
 {
     QVERIFY(m_program.start());
-    m_process = m_program.process().processId();
+    m_process = m_program.run().id();
 }
 
 void TestDesktop::init()
 {
     if (m_hasFailed)
-        QSKIP("A step before has failed");
+        QSKIP("An earlier step has failed");
 }
 
 void TestDesktop::cleanup()
@@ -221,7 +222,7 @@ void TestDesktop::cleanup()
     if (!QTest::currentTestFailed() || m_hasFailed)
         return;
     m_hasFailed = true;
-    qInfo().noquote() << m_program.lookAtFailure();
+    qInfo().noquote() << m_program.failureReport();
 }
 
 std::optional<Numbers> TestDesktop::numbersInPanel()
@@ -244,28 +245,28 @@ std::optional<Numbers> TestDesktop::numbersInPanel()
     if (!usage.hasMatch() || !load.hasMatch() || !watts.hasMatch())
         return std::nullopt;
 
-    constexpr double coarseness = 6; // Half a hundredth of a gigabyte, and some for the total.
+    constexpr double coarseness = 6; // Half a hundredth of a gigabyte, and a margin for the total.
     const double used = number(usage, 1);
     const double total = number(usage, 3);
     const auto percent = [total](double bytes) { return static_cast<int>(bytes / total * 100); };
     const double sum = watts.captured(1).toDouble();
     return Numbers{std::set{percent(used - coarseness), percent(used + coarseness)},
-                   cutOff(load.captured(1).toDouble()),
+                   truncated(load.captured(1).toDouble()),
                    std::set{qRound(sum - 0.05), qRound(sum), qRound(sum + 0.05)}};
 }
 
 bool TestDesktop::labelShowsThePanelsNumbers()
 {
-    const auto told = numbersInPanel();
+    const auto expectedNumbers = numbersInPanel();
     const QImage picture = bar();
-    if (!told || numbersInPanel() != told)
-        return false; // Values that changed meanwhile are no measure.
+    if (!expectedNumbers || numbersInPanel() != expectedNumbers)
+        return false; // The values changed in between.
     const QRgb ground = picture.pixel(1, barHeight / 2);
     const QList<QImage> items = itemsOn(picture);
     if (items.size() != 3)
         return false;
-    for (std::size_t index = 0; index < told->size(); ++index) {
-        const std::set<int> &expected = told->at(index);
+    for (std::size_t index = 0; index < expectedNumbers->size(); ++index) {
+        const std::set<int> &expected = expectedNumbers->at(index);
         const int highest = std::max(100, 2 * *expected.rbegin()); // Watts may be more.
         const auto shown = readNumber(items[static_cast<qsizetype>(index)], index, highest, ground);
         if (!shown || !expected.contains(*shown))
@@ -290,7 +291,7 @@ void TestDesktop::clickOn(const std::optional<Object> &object)
     clickAt(m_program.reader().place(*object).center());
 }
 
-void TestDesktop::putsALabelIntoTheTray()
+void TestDesktop::showsALabelInTheTray()
 {
     WAIT_FOR(m_program.label());
     QVERIFY(taskbarEntries(m_process).isEmpty());
@@ -303,7 +304,7 @@ void TestDesktop::aClickOpensThePanel()
         QVERIFY2(m_program.find(*m_program.panel(), u"label"_s, row), qPrintable(row));
 }
 
-void TestDesktop::theLabelShowsWhatThePanelSays()
+void TestDesktop::theLabelShowsThePanelsNumbers()
 {
     WAIT_FOR(labelShowsThePanelsNumbers());
 }
@@ -319,7 +320,7 @@ void TestDesktop::theLabelFollowsTheValues()
 void TestDesktop::thePanelsButtonOpensTheDashboard()
 {
     clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Open Window"_s));
-    WAIT_FOR(m_program.dashboardShows());
+    WAIT_FOR(m_program.isDashboardVisible());
     WAIT_FOR(activeWindow() == dashboardTitle);
     QVERIFY(!m_program.panel());
     const QStringList entries = taskbarEntries(m_process);
@@ -334,22 +335,20 @@ void TestDesktop::theDashboardShowsProcesses()
     WAIT_FOR(m_program.find(u"label"_s, u"tst_Desktop: "_s));
 }
 
-void TestDesktop::closingTheDashboardLeavesTheLabelAlone()
+void TestDesktop::closingTheDashboardKeepsTheLabel()
 {
     press(u"alt+F4"_s);
     WAIT_FOR(taskbarEntries(m_process).isEmpty());
-    QVERIFY(m_program.isRunning());
-    WAIT_FOR(m_program.label()); // A bar that draws a new picture shows none for a moment.
+    QVERIFY(m_program.run().isRunning());
+    WAIT_FOR(m_program.label()); // A bar that changes a picture shows none for a moment.
 }
 
 void TestDesktop::anotherStartOpensTheDashboard()
 {
-    QProcess another;
-    another.start(QStringLiteral(CORVANE_PROGRAM), {});
-    WAIT_FOR(another.state() == QProcess::NotRunning);
-    QCOMPARE(another.exitCode(), 0);
-    QCOMPARE(QString::fromUtf8(another.readAllStandardError()), QString());
-    WAIT_FOR(m_program.dashboardShows());
+    ProgramRun another(QProcessEnvironment::systemEnvironment());
+    QCOMPARE(another.exitStatus(), 0);
+    QCOMPARE(another.errors(), QByteArray());
+    WAIT_FOR(m_program.isDashboardVisible());
     WAIT_FOR(activeWindow() == dashboardTitle);
     QCOMPARE(taskbarEntries(m_process).size(), 1);
 }
@@ -370,7 +369,7 @@ void TestDesktop::keysOpenTheSettings()
     WAIT_FOR(m_program.find(u"check box"_s, u"Launch Corvane at login"_s));
 }
 
-void TestDesktop::theSwitchStartsItAtLogin()
+void TestDesktop::theSwitchCreatesTheLoginEntry()
 {
     const QString entry = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + u"/autostart/"_s + QStringLiteral(CORVANE_IDENTIFIER) + u".desktop"_s;
@@ -381,7 +380,7 @@ void TestDesktop::theSwitchStartsItAtLogin()
     WAIT_FOR(m_program.reader().isChecked(*loginSwitch));
     QFile file(entry);
     QVERIFY(file.open(QFile::ReadOnly));
-    QVERIFY(QString::fromUtf8(file.readAll()).contains(QStringLiteral(CORVANE_PROGRAM)));
+    QVERIFY(QString::fromUtf8(file.readAll()).contains(programFile()));
     clickOn(loginSwitch);
     WAIT_FOR(!m_program.reader().isChecked(*loginSwitch));
     QVERIFY(!QFile::exists(entry));
@@ -393,10 +392,8 @@ void TestDesktop::quits()
 {
     openPanel();
     clickOn(m_program.find(*m_program.panel(), u"push button"_s, u"Quit"_s));
-    WAIT_FOR(!m_program.isRunning());
-    QCOMPARE(m_program.process().exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_program.process().exitCode(), 0);
-    QCOMPARE(m_program.complaints(), QString());
+    QCOMPARE(m_program.run().exitStatus(), 0);
+    QCOMPARE(m_program.run().errors(), QByteArray());
 }
 
 QTEST_MAIN(TestDesktop)

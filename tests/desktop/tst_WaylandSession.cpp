@@ -11,17 +11,18 @@ namespace {
 constexpr auto display = "wayland-corvane"_L1;
 constexpr auto compositor = "Weston Compositor"_L1;
 
-/// True. A compositor on a loaded machine gives no window the keys for a moment, so what is waited
-/// for is asked for again.
+/// Presses the key and returns true, to be part of a condition that is waited for: on a loaded
+/// machine the compositor may give no window the keyboard focus for a moment, so the press is
+/// repeated.
 bool pressed(const QString &key)
 {
     press(key);
-    QTest::qWait(400); // Until it can be seen, mostly.
+    QTest::qWait(400); // Usually enough for the effect to be visible.
     return true;
 }
 
-/// The same with the key held meanwhile: a menu opens only for a key that is down when the
-/// compositor hears of the menu.
+/// The same, holding the key: the compositor opens a menu only for a key that is down when the
+/// request for the menu arrives.
 bool held(const QString &key)
 {
     outputOf(u"xdotool"_s, {u"keydown"_s, key});
@@ -32,8 +33,9 @@ bool held(const QString &key)
 
 } // namespace
 
-/// The program in a Wayland session: a compositor in a window of a virtual desktop, whose tray the
-/// program uses. Each step goes on from the one before and leaves a picture in the working folder.
+/// The real program in a Wayland session: a compositor in a window of a virtual desktop, whose tray
+/// the program uses. Each step continues from the one before and saves a screenshot in the working
+/// folder.
 class TestWaylandSession : public QObject {
     Q_OBJECT
 
@@ -76,7 +78,7 @@ void TestWaylandSession::initTestCase()
 void TestWaylandSession::init()
 {
     if (m_hasFailed)
-        QSKIP("A step before has failed");
+        QSKIP("An earlier step has failed");
 }
 
 void TestWaylandSession::cleanup()
@@ -84,11 +86,11 @@ void TestWaylandSession::cleanup()
     if (m_hasFailed)
         return;
     m_hasFailed = QTest::currentTestFailed();
-    QTest::qWait(500); // The compositor shows it a little later.
+    QTest::qWait(500); // The compositor draws with a delay.
     const auto picture = u"wayland-%1.png"_s.arg(QLatin1StringView(QTest::currentTestFunction()));
     QGuiApplication::primaryScreen()->grabWindow(0).save(picture);
     if (m_hasFailed)
-        qInfo().noquote() << m_program.lookAtFailure();
+        qInfo().noquote() << m_program.failureReport();
 }
 
 void TestWaylandSession::cleanupTestCase()
@@ -97,7 +99,7 @@ void TestWaylandSession::cleanupTestCase()
     m_compositor.waitForFinished();
 }
 
-/// The click takes the keys from the compositor for a moment.
+/// The click takes the keyboard focus from the compositor for a moment.
 void TestWaylandSession::openPanel()
 {
     std::optional<QPoint> label;
@@ -119,12 +121,12 @@ void TestWaylandSession::opensThePanelFromTheTray()
     QVERIFY(m_program.find(*m_program.panel(), u"label"_s, u"Memory: "_s));
 }
 
-/// A bar that leaves an item's menu to the program gets the panel.
+/// Where the bar does not draw the item's menu, the program opens its panel instead.
 void TestWaylandSession::opensTheAboutPanelFromThePanelsMenu()
 {
-    // An open menu takes no notice of its key.
+    // An open menu ignores the menu key.
     WAIT_FOR(held(u"Menu"_s) && pressed(u"Down"_s) && focusedName() == "About Corvane"_L1);
-    m_program.reader().forgetFocus(); // The menu goes, and with it what has the focus.
+    m_program.reader().forgetFocus(); // The focused object disappears with the menu.
     press(u"Return"_s);
     WAIT_FOR(m_program.find(u"label"_s, u"Version "_s));
 }
@@ -134,7 +136,7 @@ void TestWaylandSession::opensTheDashboard()
     WAIT_FOR(pressed(u"Escape"_s) && !m_program.find(u"label"_s, u"Version "_s));
     openPanel();
     WAIT_FOR(pressed(u"Tab"_s) && focusedName() == "Open Window"_L1);
-    WAIT_FOR(pressed(u"Return"_s) && m_program.dashboardShows());
+    WAIT_FOR(pressed(u"Return"_s) && m_program.isDashboardVisible());
     WAIT_FOR(!m_program.panel());
 }
 
@@ -146,10 +148,9 @@ void TestWaylandSession::opensTheSettings()
 
 void TestWaylandSession::quitsByItsKey()
 {
-    WAIT_FOR(pressed(u"ctrl+q"_s) && !m_program.isRunning());
-    QCOMPARE(m_program.process().exitStatus(), QProcess::NormalExit);
-    QCOMPARE(m_program.process().exitCode(), 0);
-    QCOMPARE(m_program.complaints(), QString());
+    WAIT_FOR(pressed(u"ctrl+q"_s) && !m_program.run().isRunning());
+    QCOMPARE(m_program.run().exitStatus(), 0);
+    QCOMPARE(m_program.run().errors(), QByteArray());
 }
 
 QTEST_MAIN(TestWaylandSession)

@@ -43,8 +43,8 @@ QImage bar()
 
 namespace {
 
-/// A bar that scales the picture of a thin digit leaves no pixel of just its colour.
-bool isAbout(const QColor &color, const QColor &wanted)
+/// Scaling the picture of a thin digit leaves no pixel of exactly its colour.
+bool isNear(const QColor &color, const QColor &wanted)
 {
     constexpr int difference = 48;
     return std::abs(color.red() - wanted.red()) < difference
@@ -54,35 +54,26 @@ bool isAbout(const QColor &color, const QColor &wanted)
 
 } // namespace
 
-DrivenProgram::DrivenProgram() = default;
-
-DrivenProgram::~DrivenProgram()
-{
-    m_process.kill();
-    m_process.waitForFinished();
-}
-
 bool DrivenProgram::start(const QProcessEnvironment &environment)
 {
-    m_process.setProcessEnvironment(environment);
-    m_process.start(QStringLiteral(CORVANE_PROGRAM), {});
-    return m_reader.isConnected() && m_process.waitForStarted();
+    m_run.emplace(environment);
+    return m_reader.isConnected();
 }
 
-/// The memory number's colour is its own on this desktop.
+/// Nothing else on this desktop has the colour of the memory number.
 std::optional<QPoint> DrivenProgram::label() const
 {
     const QImage picture = bar();
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
-            if (isAbout(picture.pixelColor(x, y), Theme::memory))
+            if (isNear(picture.pixelColor(x, y), Theme::memory))
                 return QPoint(x, y);
         }
     }
     return std::nullopt;
 }
 
-/// A pop-up is no child of its program; a reader comes to it by the focus.
+/// A pop-up is not a child of its program in the tree; it is found through the focus.
 std::optional<AccessibilityBus::Object> DrivenProgram::panel() const
 {
     if (!m_reader.focused())
@@ -109,16 +100,17 @@ std::optional<AccessibilityBus::Object> DrivenProgram::find(const QString &role,
     return program ? find(*program, role, nameStart) : std::nullopt;
 }
 
-bool DrivenProgram::dashboardShows() const
+bool DrivenProgram::isDashboardVisible() const
 {
     return find(u"label"_s, u"Memory used in percent: "_s).has_value();
 }
 
-QString DrivenProgram::lookAtFailure()
+QString DrivenProgram::failureReport()
 {
     QGuiApplication::primaryScreen()->grabWindow(0).save(u"desktop-failed.png"_s);
     const auto program = root();
-    return complaints() + (program ? m_reader.description(*program, 0) : QString());
+    return QString::fromUtf8(m_run->errors())
+        + (program ? m_reader.description(*program, 0) : QString());
 }
 
 std::optional<AccessibilityBus::Object> DrivenProgram::root() const

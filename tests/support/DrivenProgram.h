@@ -1,75 +1,70 @@
 #pragma once
 
 #include "support/AccessibilityBus.h"
+#include "support/ProgramRun.h"
 
 #include <QImage>
 #include <QPoint>
-#include <QProcess>
 #include <QStringList>
 #include <QTest>
 
-#include <memory>
 #include <optional>
 
-/// As QTRY_VERIFY, by the clock: what is waited for here takes its time to look at.
+/// QTRY_VERIFY with a deadline on the clock: evaluating these conditions takes long itself.
 #define WAIT_FOR(condition)                                                                        \
     QVERIFY2(QTest::qWaitFor([&] { return bool(condition); }, 30'000), #condition)
 
 namespace corvane::test {
 
-/// What a tool of the desktop says.
+/// The standard output of a command.
 QString outputOf(const QString &tool, const QStringList &arguments);
 
 void clickAt(const QPoint &point);
 void press(const QString &key);
 
-/// Title of the X window that gets the keys.
+/// The title of the X window that has the keyboard focus.
 QString activeWindow();
 
-constexpr int barHeight = 30;
+constexpr int barHeight = 30; ///< Pixels.
 
-/// What the desktop's bar looks like, along the top of the screen.
+/// A screenshot of the desktop's bar, which is at the top of the screen.
 QImage bar();
 
-/// The program itself on a virtual desktop with a bar that has a tray, driven by pointer and
-/// keyboard and read as a screen reader reads it.
+/// The real program on a virtual desktop whose bar has a tray, driven by pointer and keyboard and
+/// read through the accessibility bus.
 class DrivenProgram {
 public:
     using Object = AccessibilityBus::Object;
 
-    DrivenProgram();
-    ~DrivenProgram();
-
+    /// False without an accessibility bus.
     bool start(const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
     AccessibilityBus &reader() { return m_reader; }
-    QProcess &process() { return m_process; }
+    ProgramRun &run() { return *m_run; } ///< After `start`.
 
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// What it has said on its error output since the last call.
-    QString complaints() { return QString::fromUtf8(m_process.readAllStandardError()); }
-
-    /// A point of the label on the bar.
+    /// A point of the label on the bar; absent if the label is not visible.
     std::optional<QPoint> label() const;
 
-    /// The open panel.
+    /// The open panel; absent while it is closed.
     std::optional<Object> panel() const;
 
-    /// The first such object that shows below this one.
+    /// The first visible object of this role and beginning of its name below `root`; absent if
+    /// none.
     std::optional<Object> find(const Object &root, const QString &role,
                                const QString &nameStart) const;
-    /// In any window but the panel.
+    /// The same in any window except the panel.
     std::optional<Object> find(const QString &role, const QString &nameStart) const;
 
-    bool dashboardShows() const;
+    bool isDashboardVisible() const;
 
-    /// For the message of a failed test: leaves a picture of the screen in the working folder.
-    QString lookAtFailure();
+    /// The program's errors and objects, for the message of a failed test. Saves a screenshot as
+    /// desktop-failed.png in the working folder.
+    QString failureReport();
 
 private:
     std::optional<Object> root() const;
 
     AccessibilityBus m_reader;
-    QProcess m_process;
+    std::optional<ProgramRun> m_run;
 };
 
 } // namespace corvane::test
