@@ -7,7 +7,7 @@
 
 namespace corvane::test {
 
-/// Tells which files below a folder were opened or read. Listing a folder or following a link does
+/// Records which files below a folder are opened or read. Listing a folder and following a link do
 /// not count. Linux.
 class AccessWatch {
 public:
@@ -20,10 +20,10 @@ public:
     QStringList touched();
 
 private:
-    void add(const std::string &folder, const QString &shown);
+    void add(const std::string &folder, const QString &relativePath);
 
     int m_descriptor = -1;
-    QHash<int, QString> m_folders = {}; ///< By the number of the watch, as shown.
+    QHash<int, QString> m_folders = {}; ///< Relative paths by the number of the watch.
 };
 
 } // namespace corvane::test

@@ -23,7 +23,7 @@ AccessWatch::AccessWatch(const std::string &folder)
             add(entry.path().string(),
                 QString::fromStdString(fs::relative(entry.path(), folder).string()) + u'/');
     }
-    touched(); // The listing above.
+    touched(); // Discards the listing above.
 }
 
 AccessWatch::~AccessWatch()
@@ -31,12 +31,12 @@ AccessWatch::~AccessWatch()
     close(m_descriptor);
 }
 
-void AccessWatch::add(const std::string &folder, const QString &shown)
+void AccessWatch::add(const std::string &folder, const QString &relativePath)
 {
     const int watch = inotify_add_watch(m_descriptor, folder.c_str(), IN_OPEN | IN_ACCESS);
     if (watch < 0)
         qFatal("no watch");
-    m_folders.insert(watch, shown);
+    m_folders.insert(watch, relativePath);
 }
 
 QStringList AccessWatch::touched()

@@ -18,7 +18,7 @@ constexpr auto properties = "org.freedesktop.DBus.Properties"_L1;
 const AccessibilityBus::Object registry{u"org.a11y.atspi.Registry"_s,
                                         u"/org/a11y/atspi/accessible/root"_s};
 
-/// Numbers of the states in AT-SPI's set of bits.
+/// Bit numbers in AT-SPI's set of states.
 enum State { checkedState = 4, showingState = 25 };
 
 QDBusMessage statusCall(const QString &interface, const QString &method)
@@ -150,7 +150,7 @@ QString AccessibilityBus::description(const Object &root, int depth) const
     return text;
 }
 
-/// Name of the state, whether it is on, and what is of no matter here.
+/// The arguments are the state's name, whether it is set, and others that are not used here.
 void AccessibilityBus::noteState(const QDBusMessage &event)
 {
     if (event.arguments().value(0) == u"focused"_s && event.arguments().value(1).toInt() == 1)

@@ -12,8 +12,8 @@ class QDBusMessage;
 
 namespace corvane::test {
 
-/// What a screen reader sees of the programs of a session, over the accessibility bus. Each call
-/// asks anew; what cannot be asked, because it is gone by now, is empty.
+/// The programs of a session as a screen reader sees them, over the accessibility bus. Each call
+/// requests the present state; the result is empty if the object no longer exists.
 class AccessibilityBus : public QObject {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
         friend bool operator==(const Object &, const Object &) = default;
     };
 
-    /// Says to the session that a screen reader runs, so that programs show themselves.
+    /// Announces a screen reader to the session, so that programs export their objects.
     AccessibilityBus();
     ~AccessibilityBus() override;
 
@@ -39,18 +39,19 @@ public:
     QString role(const Object &object) const;
     bool isShowing(const Object &object) const;
     bool isChecked(const Object &object) const;
-    QRect place(const Object &object) const; ///< On the screen.
+    QRect place(const Object &object) const; ///< In screen coordinates.
     QList<Object> children(const Object &object) const;
 
-    /// The object that got the keyboard focus last.
+    /// The object that received the keyboard focus last; absent before the first.
     const std::optional<Object> &focused() const { return m_focused; }
-    /// Qt complains of readers that ask for an object that is gone.
+    /// To be called when the object disappears: Qt logs a warning when a deleted object is
+    /// requested.
     void forgetFocus() { m_focused.reset(); }
 
-    /// The window in which the object stands.
+    /// The window that contains the object.
     Object window(const Object &object) const;
 
-    /// The first of that kind below the object, or itself.
+    /// The first object at or below `root` that meets the condition; absent if there is none.
     using Condition = std::function<bool(const Object &object)>;
     std::optional<Object> find(const Object &root, const Condition &condition) const;
 

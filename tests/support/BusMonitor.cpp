@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A signal that stands behind everything which its connection sent before.
+/// A signal that arrives after everything that its connection sent before.
 constexpr auto mark = "Mark"_L1;
 
 void sendMark(const QString &connection)
@@ -27,12 +27,12 @@ BusMonitor::BusMonitor(const QString &address)
 {
     m_process.start({u"dbus-monitor"_s, u"--address"_s, address, u"--profile"_s});
     fcntl(m_process.output().get(), F_SETFL, O_NONBLOCK);
-    // It says so itself, by the name that a monitor gives up.
-    const bool isThere = QTest::qWaitFor([this] {
+    // A monitor loses its bus name when it is ready, and reports that first.
+    const bool isReady = QTest::qWaitFor([this] {
         read();
         return m_members.contains("NameLost"_L1);
     });
-    if (!isThere)
+    if (!isReady)
         qFatal("No monitor on the bus");
     m_members.clear();
 }
@@ -42,14 +42,14 @@ QStringList BusMonitor::membersSince(const QStringList &connections)
     m_marks = 0;
     for (const QString &connection : connections)
         sendMark(connection);
-    const bool allCame = QTest::qWaitFor([this, &connections] {
+    const bool hasAll = QTest::qWaitFor([this, &connections] {
         read();
         return m_marks == connections.size();
     });
-    return allCame ? std::exchange(m_members, {}) : QStringList{u"monitor is deaf"_s};
+    return hasAll ? std::exchange(m_members, {}) : QStringList{u"monitor received nothing"_s};
 }
 
-/// One line a message, tab-separated, the member last; answers have none.
+/// Parses one line a message: fields separated by tabs, the member last; replies have none.
 void BusMonitor::read()
 {
     std::array<char, 4096> piece = {};

@@ -7,20 +7,20 @@
 
 namespace corvane::test {
 
-/// Sees every message on a bus.
+/// Records every message on a bus.
 class BusMonitor {
 public:
     explicit BusMonitor(const QString &address);
 
-    /// Members of all messages ("NewIcon") since the last call, once those that these connections
-    /// sent so far have come by. Nothing but "monitor is deaf" if they never do.
+    /// The members of all messages ("NewIcon") since the last call, including everything that these
+    /// connections have sent so far. Only "monitor received nothing" if that does not arrive.
     QStringList membersSince(const QStringList &connections);
 
 private:
     void read();
 
     SpawnedProgram m_process;
-    QByteArray m_output; ///< That does not make a line yet.
+    QByteArray m_output; ///< The beginning of a line that is not complete yet.
     QStringList m_members;
     int m_marks = 0;
 };

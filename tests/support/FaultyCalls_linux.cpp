@@ -1,11 +1,11 @@
 #include "support/FaultyCalls.h"
 
+#include "platform/Mutex.h"
+
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <condition_variable>
 #include <list>
-#include <mutex>
 #include <optional>
 
 #include <cerrno>
@@ -15,7 +15,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-// The linker sends the calls of our objects to __wrap_NAME and gives the library's as __real_NAME.
+// The linker directs calls of our objects to __wrap_NAME; __real_NAME is the library's function.
 extern "C" {
 int __real_open(const char *path, int flags, ...);
 int __real_openat(int folder, const char *path, int flags, ...);
@@ -42,14 +42,14 @@ struct Fault {
 };
 
 struct Plan {
-    std::mutex mutex = {};
-    std::condition_variable changed = {};
-    std::list<Fault> faults = {}; ///< Guarded by mutex, as are the next two.
-    int stalled = 0;
-    bool lettingGo = false;
+    Mutex mutex = {};
+    Condition changed = {};
+    std::list<Fault> faults GUARDED_BY(mutex) = {};
+    int stalled GUARDED_BY(mutex) = 0;
+    bool lettingGo GUARDED_BY(mutex) = false;
 };
 
-/// Never destroyed: threads may outlive `main`.
+/// Never destroyed, because threads may outlive `main`.
 Plan &plan()
 {
     static auto *made = new Plan;
@@ -58,68 +58,71 @@ Plan &plan()
 
 void add(Fault fault)
 {
-    const std::lock_guard lock(plan().mutex);
-    plan().faults.push_front(std::move(fault));
+    Plan &all = plan();
+    const MutexLock lock(all.mutex);
+    all.faults.push_front(std::move(fault));
 }
 
-/// What is to happen to this call, which is counted; waits if it is to stall.
-Fault meet(FaultyCalls::Call call, const std::string &path)
+/// The fault that applies to this call, which uses it up once; waits here if the fault is a stall.
+Fault takeFault(FaultyCalls::Call call, const std::string &path)
 {
-    std::unique_lock lock(plan().mutex);
-    auto &faults = plan().faults;
-    const auto found = std::ranges::find_if(faults, [&](const Fault &fault) {
+    Plan &all = plan();
+    MutexLock lock(all.mutex);
+    const auto found = std::ranges::find_if(all.faults, [&](const Fault &fault) {
         return fault.call == call && path.ends_with(fault.file);
     });
-    if (found == faults.end())
+    if (found == all.faults.end())
         return {};
-    const Fault met = *found;
+    Fault fault = *found;
     if (found->times != FaultyCalls::forEver && --found->times == 0)
-        faults.erase(found);
-    if (met.stalls) {
-        ++plan().stalled;
-        plan().lettingGo = false;
-        plan().changed.notify_all();
-        plan().changed.wait(lock, [] { return plan().lettingGo; });
-        --plan().stalled;
+        all.faults.erase(found);
+    if (fault.stalls) {
+        ++all.stalled;
+        all.lettingGo = false;
+        all.changed.notifyAll();
+        while (!all.lettingGo)
+            all.changed.wait(lock);
+        --all.stalled;
     }
-    return met;
+    return fault;
 }
 
-bool anyPlanned()
+bool hasFaults()
 {
-    const std::lock_guard lock(plan().mutex);
-    return !plan().faults.empty();
+    Plan &all = plan();
+    const MutexLock lock(all.mutex);
+    return !all.faults.empty();
 }
 
-Fault meet(FaultyCalls::Call call, int file)
+Fault takeFault(FaultyCalls::Call call, int file)
 {
-    if (!anyPlanned())
+    if (!hasFaults())
         return {};
     std::array<char, PATH_MAX> path = {};
     const std::string link = "/proc/self/fd/" + std::to_string(file);
     const ssize_t length = readlink(link.c_str(), path.data(), path.size());
-    return length > 0 ? meet(call, std::string(path.data(), static_cast<std::size_t>(length)))
+    return length > 0 ? takeFault(call, std::string(path.data(), static_cast<std::size_t>(length)))
                       : Fault();
 }
 
-void dieIf(bool isTime)
+void killIf(bool condition)
 {
-    if (isTime)
+    if (condition)
         kill(getpid(), SIGKILL);
 }
 
-/// What the call returns, which is made unless it is to fail.
+/// The result of the call, which is made unless it has to fail.
 template <typename MakeCall>
 auto outcome(const Fault &fault, MakeCall makeCall)
 {
     using FaultyCalls::Moment;
-    dieIf(fault.death == Moment::before);
+    killIf(fault.death == Moment::before);
     if (fault.error != 0) {
         errno = fault.error;
         return decltype(makeCall())(-1);
     }
     const auto result = makeCall();
-    dieIf(fault.death == Moment::after);
+    killIf(fault.death == Moment::after);
     return result;
 }
 
@@ -157,22 +160,26 @@ void FaultyCalls::stall(Call call, const std::string &file)
 
 void FaultyCalls::waitForStalled()
 {
-    std::unique_lock lock(plan().mutex);
-    plan().changed.wait(lock, [] { return plan().stalled > 0; });
+    Plan &all = plan();
+    MutexLock lock(all.mutex);
+    while (all.stalled == 0)
+        all.changed.wait(lock);
 }
 
 void FaultyCalls::letGo()
 {
-    const std::lock_guard lock(plan().mutex);
-    plan().lettingGo = true;
-    plan().changed.notify_all();
+    Plan &all = plan();
+    const MutexLock lock(all.mutex);
+    all.lettingGo = true;
+    all.changed.notifyAll();
 }
 
 void FaultyCalls::clear()
 {
     {
-        const std::lock_guard lock(plan().mutex);
-        plan().faults.clear();
+        Plan &all = plan();
+        const MutexLock lock(all.mutex);
+        all.faults.clear();
     }
     letGo();
 }
@@ -190,7 +197,7 @@ int __wrap_open(const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return outcome(meet(Call::open, std::string(path)),
+    return outcome(takeFault(Call::open, std::string(path)),
                    [&] { return __real_open(path, flags, mode); });
 }
 
@@ -200,23 +207,24 @@ int __wrap_openat(int folder, const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return outcome(meet(Call::open, std::string(path)),
+    return outcome(takeFault(Call::open, std::string(path)),
                    [&] { return __real_openat(folder, path, flags, mode); });
 }
 
 ssize_t __wrap_read(int file, void *into, size_t size)
 {
-    return outcome(meet(Call::read, file), [&] { return __real_read(file, into, size); });
+    return outcome(takeFault(Call::read, file), [&] { return __real_read(file, into, size); });
 }
 
 ssize_t __wrap_pread(int file, void *into, size_t size, off_t offset)
 {
-    return outcome(meet(Call::read, file), [&] { return __real_pread(file, into, size, offset); });
+    return outcome(takeFault(Call::read, file),
+                   [&] { return __real_pread(file, into, size, offset); });
 }
 
 ssize_t __wrap_write(int file, const void *from, size_t size)
 {
-    const Fault fault = meet(Call::write, file);
+    const Fault fault = takeFault(Call::write, file);
     return outcome(fault, [&] {
         return __real_write(file, from, std::min(size, fault.mostBytes.value_or(size)));
     });
@@ -224,17 +232,18 @@ ssize_t __wrap_write(int file, const void *from, size_t size)
 
 int __wrap_fsync(int file)
 {
-    return outcome(meet(Call::sync, file), [&] { return __real_fsync(file); });
+    return outcome(takeFault(Call::sync, file), [&] { return __real_fsync(file); });
 }
 
 int __wrap_rename(const char *from, const char *to)
 {
-    return outcome(meet(Call::rename, std::string(to)), [&] { return __real_rename(from, to); });
+    return outcome(takeFault(Call::rename, std::string(to)),
+                   [&] { return __real_rename(from, to); });
 }
 
 int __wrap_flock(int file, int operation)
 {
-    return outcome(meet(Call::lock, file), [&] { return __real_flock(file, operation); });
+    return outcome(takeFault(Call::lock, file), [&] { return __real_flock(file, operation); });
 }
 
 } // extern "C"

@@ -9,7 +9,7 @@
 
 namespace corvane::test {
 
-/// No file may grow while this lives, as on a full disk.
+/// While an object of this type exists, no file can grow, as on a full disk.
 class FullDisk {
 public:
     FullDisk()
@@ -27,7 +27,8 @@ private:
     rlimit m_before = {};
 };
 
-/// Acts as a user without rights while this lives, if it can: root may write everywhere.
+/// While an object of this type exists, root acts as an ordinary user, since root may write
+/// anywhere. Without effect for other users.
 class OrdinaryUser {
 public:
     OrdinaryUser() { m_isRoot = geteuid() == 0 && seteuid(65534) == 0; }

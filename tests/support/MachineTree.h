@@ -6,24 +6,24 @@
 
 namespace corvane::test {
 
-/// A tree of kernel files that a test may change while it is read; gone with the object. Paths are
-/// relative to its root.
+/// A tree of kernel files that a test may change while it is read; deleted with the object. Paths
+/// are relative to its root.
 class MachineTree {
 public:
-    /// Empty.
+    /// Creates an empty tree.
     MachineTree() = default;
 
-    /// A copy of another machine's.
+    /// Copies a machine from tests/machines.
     explicit MachineTree(const std::string &machineName);
 
     std::string root() const { return m_folder.path().toStdString(); }
 
-    /// Replaces the contents of a file in its place, as the kernel does, or makes it.
+    /// Replaces the contents of a file in place, as the kernel does, or creates the file.
     void write(const std::string &path, const std::string &text) const;
 
     void remove(const std::string &path) const;
 
-    /// Makes `path` a link to `target`, which is relative to the root too.
+    /// Makes `path` a symbolic link to `target`; both are relative to the root.
     void link(const std::string &path, const std::string &target) const;
 
 private:

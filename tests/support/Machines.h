@@ -4,7 +4,7 @@
 
 namespace corvane::test {
 
-/// Folder of another machine's kernel files, to be given to a reader as its root.
+/// The folder of a machine's kernel files in tests/machines, to be passed to a reader as its root.
 std::string machine(const std::string &name);
 
 } // namespace corvane::test

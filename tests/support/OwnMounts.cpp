@@ -20,7 +20,7 @@ void writeText(const char *path, const QByteArray &text)
 
 } // namespace
 
-/// Many systems let ordinary users have a namespace in which they may do what root may.
+/// On many systems an ordinary user may create a user namespace and mount there as root does.
 bool takeMountsOfItsOwn()
 {
     const QByteArray user = QByteArray::number(geteuid());

@@ -2,8 +2,8 @@
 
 namespace corvane::test {
 
-/// Gives this process, and those that it starts from now on, mounts that no other one sees; false
-/// where the system does not let it. Has to come before the first thread. Linux.
+/// Moves this process and its future children into a mount namespace of their own; false where the
+/// system does not permit it. Has to be called before the first thread starts. Linux.
 bool takeMountsOfItsOwn();
 
 } // namespace corvane::test

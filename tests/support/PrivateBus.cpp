@@ -16,11 +16,11 @@ PrivateBus::~PrivateBus()
 
 bool PrivateBus::start()
 {
-    const bool isThere =
+    const bool hasStarted =
         m_daemon.start({u"dbus-daemon"_s, u"--session"_s, u"--nofork"_s, u"--nopidfile"_s,
                         u"--nosyslog"_s, u"--print-address"_s, u"--address="_s + m_address});
-    char first = 0; // Of the address, once it listens.
-    return isThere && read(m_daemon.output().get(), &first, sizeof first) == sizeof first;
+    char first = 0; // The bus prints its address once it listens.
+    return hasStarted && read(m_daemon.output().get(), &first, sizeof first) == sizeof first;
 }
 
 void PrivateBus::kill()

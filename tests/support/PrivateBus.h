@@ -7,18 +7,18 @@
 
 namespace corvane::test {
 
-/// A message bus of the test's own, named by DBUS_SESSION_BUS_ADDRESS. It can be killed and started
-/// again at the same address.
+/// A message bus for one test, whose address is set in DBUS_SESSION_BUS_ADDRESS. It can be killed
+/// and restarted at the same address.
 class PrivateBus {
 public:
     PrivateBus();
     ~PrivateBus();
 
-    /// Runs from here on; false if it did not come up.
+    /// Returns once the bus accepts connections; false if it does not start.
     bool start();
     void kill();
 
-    /// Hangs until it is to go on; it can be killed meanwhile.
+    /// Suspends the bus until `goOn`. It can be killed while it is suspended.
     void hang() const;
     void goOn() const;
 

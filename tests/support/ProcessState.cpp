@@ -20,7 +20,7 @@ qint64 heapInUse()
 
 qsizetype openDescriptors()
 {
-    // Folders count too, and so does what is gone from its folder.
+    // Includes folders, and files that were deleted.
     constexpr auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
     return QDir(QStringLiteral("/dev/fd")).entryList(all).size();
 }

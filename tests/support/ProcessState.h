@@ -4,10 +4,10 @@
 
 namespace corvane::test {
 
-/// Bytes that this process holds on its heap; 0 where the allocator does not tell.
+/// Bytes that this process has allocated on its heap; 0 where the allocator does not report them.
 qint64 heapInUse();
 
-/// Descriptors that this process has open.
+/// The number of descriptors that this process has open.
 qsizetype openDescriptors();
 
 } // namespace corvane::test

@@ -1,5 +1,7 @@
 #include "support/SessionManager.h"
 
+#include "platform/MainThread.h"
+
 #include <QSocketNotifier>
 
 #include <array>
@@ -7,27 +9,27 @@
 #include <span>
 #include <string_view>
 
-// Last: its macros have names of Qt's.
+// Included last: its macros have the names of things in Qt.
 #include <X11/SM/SMlib.h>
 
 namespace corvane::test {
 
 namespace {
 
-Bool letIn(char *)
+Bool acceptAll(char *)
 {
     return True;
 }
 
-/// The library would end the process.
+/// The library's own handler would end the process.
 void ignoreLostConnection(IceConn) { }
 
 } // namespace
 
 struct SessionManager::Session {
-    std::span<IceListenObj> listeners = {}; ///< The library's.
-    IceListenObj door = nullptr;            ///< The one of them at which guests are let in.
-    std::unique_ptr<QSocketNotifier> guests = {};
+    std::span<IceListenObj> listeners = {}; ///< Owned by the library.
+    IceListenObj local = nullptr;           ///< The listener at the Unix socket.
+    std::unique_ptr<QSocketNotifier> connections = {};
     IceConn connection = nullptr;
     std::unique_ptr<QSocketNotifier> messages = {};
     SmsConn client = nullptr;
@@ -38,18 +40,18 @@ struct SessionManager::Session {
     std::optional<int> restartStyle = {};
 
     void listen();
-    void welcome();
+    void accept();
     void read();
     void disconnect();
     void take(const SmProp &property);
 
     static Session &of(SmPointer session) { return *static_cast<Session *>(session); }
-    static Status meet(SmsConn client, SmPointer manager, unsigned long *mask,
-                       SmsCallbacks *callbacks, char **failure);
-    static Status enlist(SmsConn client, SmPointer session, char *previousId);
+    static Status onNewClient(SmsConn client, SmPointer manager, unsigned long *mask,
+                              SmsCallbacks *callbacks, char **failure);
+    static Status onRegister(SmsConn client, SmPointer session, char *previousId);
 };
 
-/// The library also makes sockets for other machines. These are not answered.
+/// The library also listens for other machines; these connections are not accepted.
 void SessionManager::Session::listen()
 {
     int count = 0;
@@ -61,24 +63,24 @@ void SessionManager::Session::listen()
     for (const IceListenObj listener : listeners) {
         char *name = IceGetListenConnectionString(listener);
         if (std::string_view(name).starts_with("local/"))
-            door = listener;
+            local = listener;
         std::free(name);
     }
-    if (!door)
+    if (!local)
         return;
-    IceSetHostBasedAuthProc(door, letIn);
-    guests = std::make_unique<QSocketNotifier>(IceGetListenConnectionNumber(door),
-                                               QSocketNotifier::Read);
-    QObject::connect(guests.get(), &QSocketNotifier::activated, [this] { welcome(); });
+    IceSetHostBasedAuthProc(local, acceptAll);
+    connections = std::make_unique<QSocketNotifier>(IceGetListenConnectionNumber(local),
+                                                    QSocketNotifier::Read);
+    QObject::connect(connections.get(), &QSocketNotifier::activated, [this] { accept(); });
 }
 
-void SessionManager::Session::welcome()
+void SessionManager::Session::accept()
 {
     IceAcceptStatus status = {};
-    connection = IceAcceptConnection(door, &status);
+    connection = IceAcceptConnection(local, &status);
     if (!connection)
         return;
-    guests->setEnabled(false);
+    connections->setEnabled(false);
     IceSetShutdownNegotiation(connection, False);
     messages =
         std::make_unique<QSocketNotifier>(IceConnectionNumber(connection), QSocketNotifier::Read);
@@ -110,11 +112,11 @@ void SessionManager::Session::take(const SmProp &property)
         restartStyle = *static_cast<const unsigned char *>(property.vals[0].value);
 }
 
-Status SessionManager::Session::enlist(SmsConn client, SmPointer session, char *previousId)
+Status SessionManager::Session::onRegister(SmsConn client, SmPointer session, char *previousId)
 {
     if (previousId) {
         std::free(previousId);
-        return 0; // It is told so, and comes again without.
+        return 0; // Refused; the client registers again without an id.
     }
     char *id = SmsGenerateClientID(client);
     SmsRegisterClientReply(client, id);
@@ -124,15 +126,15 @@ Status SessionManager::Session::enlist(SmsConn client, SmPointer session, char *
     return 1;
 }
 
-Status SessionManager::Session::meet(SmsConn, SmPointer manager, unsigned long *mask,
-                                     SmsCallbacks *callbacks, char **)
+Status SessionManager::Session::onNewClient(SmsConn, SmPointer manager, unsigned long *mask,
+                                            SmsCallbacks *callbacks, char **)
 {
     *mask = SmsRegisterClientProcMask | SmsInteractRequestProcMask | SmsInteractDoneProcMask
         | SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask
         | SmsSaveYourselfDoneProcMask | SmsCloseConnectionProcMask | SmsSetPropertiesProcMask
         | SmsDeletePropertiesProcMask | SmsGetPropertiesProcMask;
     *callbacks = {};
-    callbacks->register_client = {enlist, manager};
+    callbacks->register_client = {onRegister, manager};
     callbacks->interact_request = {[](SmsConn peer, SmPointer session, int) {
                                        ++of(session).questions;
                                        SmsInteract(peer);
@@ -166,7 +168,7 @@ Status SessionManager::Session::meet(SmsConn, SmPointer manager, unsigned long *
                                  },
                                  manager};
     callbacks->delete_properties = {[](SmsConn, SmPointer, int count, char **names) {
-                                        SmFreeReasons(count, names); // A list of texts, as these.
+                                        SmFreeReasons(count, names); // Frees any list of texts.
                                     },
                                     manager};
     callbacks->get_properties = {
@@ -176,17 +178,18 @@ Status SessionManager::Session::meet(SmsConn, SmPointer manager, unsigned long *
 
 SessionManager::SessionManager() : m_session(std::make_unique<Session>())
 {
+    assertMainThread();
     IceSetIOErrorHandler(ignoreLostConnection);
     std::array<char, 256> error = {};
-    if (SmsInitialize("Corvane's tests", "1", Session::meet, m_session.get(), letIn, error.size(),
-                      error.data()))
+    if (SmsInitialize("Corvane's tests", "1", Session::onNewClient, m_session.get(), acceptAll,
+                      error.size(), error.data()))
         m_session->listen();
 }
 
 SessionManager::~SessionManager()
 {
     m_session->disconnect();
-    m_session->guests.reset();
+    m_session->connections.reset();
     if (!m_session->listeners.empty())
         IceFreeListenObjs(static_cast<int>(m_session->listeners.size()),
                           m_session->listeners.data());
@@ -194,9 +197,9 @@ SessionManager::~SessionManager()
 
 QByteArray SessionManager::address() const
 {
-    if (!m_session->door)
+    if (!m_session->local)
         return {};
-    char *name = IceGetListenConnectionString(m_session->door);
+    char *name = IceGetListenConnectionString(m_session->local);
     const QByteArray copy(name);
     std::free(name);
     return copy;

@@ -7,32 +7,32 @@
 
 namespace corvane::test {
 
-/// A session manager of X11 for one program. It talks to it while events are processed. One at a
-/// time; main thread.
+/// An X11 session manager for one program, which works while events are processed. Only one may
+/// exist at a time. Main thread.
 class SessionManager {
 public:
     SessionManager();
     ~SessionManager();
 
-    /// As in SESSION_MANAGER; empty if it cannot be reached.
+    /// The value for SESSION_MANAGER; empty if the manager could not start.
     QByteArray address() const;
 
-    /// Whether the program came and answered the first request that each gets.
+    /// Whether the program has registered and answered the request that follows.
     bool hasClient() const;
 
-    /// Asks the program to save what it has, since the session ends; it may put questions.
+    /// Requests the program to save its state because the session ends; it may ask the user.
     void announceEnd();
 
-    /// Whether it answered that it is ready for the end.
+    /// Whether the program answered that it is ready.
     bool isReadyForEnd() const;
 
-    /// Tells it to be gone.
+    /// Requests the program to quit.
     void end();
 
-    /// How often it wanted to ask the user, or to keep the session.
+    /// How often the program requested to ask the user.
     int questions() const;
 
-    /// The number of the way in which the program wants to be started again, if it told.
+    /// The restart style that the program has set; absent if it has not.
     std::optional<int> restartStyle() const;
 
     static constexpr int restartNever = 3; ///< SmRestartNever.

@@ -6,7 +6,7 @@
 
 namespace corvane::test {
 
-/// Every field by name, so that a failed comparison tells which one differs.
+/// Every field with its name, so that a failed comparison names the one that differs.
 inline QStringList described(const MemorySnapshot &memory)
 {
     using namespace Qt::StringLiterals;

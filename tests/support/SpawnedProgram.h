@@ -15,8 +15,8 @@
 
 namespace corvane::test {
 
-/// A program beside the test, whose output can be read, its errors not; killed with this object.
-/// QProcess makes its children in a way that ThreadSanitizer does not survive.
+/// A helper program of a test, killed with this object. Its output can be read; its errors are
+/// discarded. Not a QProcess, because ThreadSanitizer does not support the way that it forks.
 class SpawnedProgram {
 public:
     SpawnedProgram() = default;
@@ -24,7 +24,7 @@ public:
     SpawnedProgram(const SpawnedProgram &) = delete;
     SpawnedProgram &operator=(const SpawnedProgram &) = delete;
 
-    /// Found in the folders for programs; false if it is not there.
+    /// Searches PATH; false if the program does not exist.
     bool start(const QStringList &command)
     {
         std::array<int, 2> ends = {};
@@ -69,7 +69,7 @@ public:
     const FileDescriptor &output() const { return m_output; }
 
 private:
-    pid_t m_pid = 0; ///< 0: none.
+    pid_t m_pid = 0; ///< 0 if not running.
     FileDescriptor m_output;
 };
 

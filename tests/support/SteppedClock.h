@@ -2,8 +2,8 @@
 
 namespace corvane::test {
 
-/// The machine's clock in a test that has support/SteppedClock.cpp among its sources, which takes
-/// the place of platform/BootClock: it stands still until a test moves it. Any thread.
+/// The monotonic clock of a test that lists support/SteppedClock.cpp among its sources, in place of
+/// platform/BootClock. It moves only when the test calls `pass`. Any thread.
 namespace SteppedClock {
 
 void pass(double seconds);

@@ -18,7 +18,7 @@ QStringList searchFor(const QString &title)
 
 bool VirtualDisplay::start()
 {
-    // It chooses a number that is free, and tells it when it is ready.
+    // The server chooses a free number and prints it when it is ready.
     m_server.start(u"Xvfb"_s,
                    {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s, u"0"_s,
                     u"1280x960x24"_s});

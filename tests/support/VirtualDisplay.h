@@ -6,22 +6,22 @@
 
 namespace corvane::test {
 
-/// An X display of the test's own without a window manager. It can be killed.
+/// An X display without a window manager, for one test. It can be killed.
 class VirtualDisplay {
 public:
     ~VirtualDisplay() { kill(); }
 
-    /// Runs from here on; false if it did not come up.
+    /// Returns once the display accepts programs; false if it does not start.
     bool start();
     void kill();
 
-    /// As in DISPLAY.
+    /// The value for DISPLAY.
     const QString &name() const { return m_name; }
 
-    /// Windows with this title that are to be seen.
+    /// The number of visible windows with this title.
     int visibleWindows(const QString &title) const;
 
-    /// On a place in the window with this title.
+    /// Clicks at this position in the window with this title.
     void click(const QString &title, const QPoint &place) const;
 
 private:
