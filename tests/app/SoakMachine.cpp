@@ -18,9 +18,9 @@ constexpr double energyRange = 65'532'610'987; ///< Its max_energy_range_uj.
 const std::string card =
     "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
 const std::string cpuSensor = "sys/devices/virtual/hwmon/hwmon0";
-constexpr int mostFreeKiB = 1'034'220; ///< What was free on the machine whose memory it has.
+constexpr int mostFreeKiB = 1'034'220; ///< Free memory in the file that its memory is copied from.
 constexpr std::array processes{"python3", "ollama", "llama-server", "firefox", "postgres", "clang"};
-constexpr int steadyProcesses = 5; ///< Those that rest() leaves.
+constexpr int steadyProcesses = 5; ///< The number that rest() leaves.
 
 } // namespace
 
@@ -87,7 +87,7 @@ void SoakMachine::rest()
     writeTimes();
 }
 
-/// Whoever measures has looked by now.
+/// Begins a second: the last one has been measured.
 void SoakMachine::begin()
 {
     m_seconds = 0;
@@ -106,7 +106,7 @@ void SoakMachine::pass(double seconds, double watts)
     m_tree.write(package, std::to_string(static_cast<std::uint64_t>(m_microjoules)) + '\n');
 }
 
-/// What a second of work leaves behind.
+/// Writes the counters and readings after a second of work.
 void SoakMachine::work()
 {
     for (std::size_t cpu = 0; cpu < cpus; ++cpu) {
@@ -130,7 +130,7 @@ void SoakMachine::work()
                      std::to_string(random(30, static_cast<int>(mostDegrees))) + "000\n");
 }
 
-/// The first never goes.
+/// The first core never goes offline.
 void SoakMachine::plugCore()
 {
     const int cpu = random(1, cpus - 1);
@@ -138,7 +138,7 @@ void SoakMachine::plugCore()
         m_offline.insert(cpu);
 }
 
-/// Takes it out of the tree, links to it included, or puts it back.
+/// Moves the folder out of the tree, or back; links to it break meanwhile.
 void SoakMachine::plugFolder(const std::string &folder)
 {
     const std::string here = root() + '/' + folder;

@@ -10,44 +10,45 @@
 
 namespace corvane::test {
 
-/// A desktop that lives at random, the same for the same seed: loads and memory go up and down,
-/// cores, the graphics card, sensors and processes come and go, it sleeps, and its wall clock is
-/// set. Its kernel files lie below `root`; the test's stepped clock is its own. Main thread.
+/// A desktop machine that changes at random, in the same way for the same seed: load and memory
+/// vary, cores, the graphics card, sensors and processes appear and disappear, the machine sleeps,
+/// and its wall clock is set. Its kernel files are below `root`; it steps the test's monotonic
+/// clock.
 class SoakMachine {
 public:
     explicit SoakMachine(unsigned int seed);
 
     std::string root() const { return m_tree.root(); }
 
-    /// The wall clock: seconds since 2001.
+    /// The wall clock, in seconds since 2001.
     double now() const { return m_now; }
 
-    /// A second passes, or a sleep; things come and go.
+    /// Lets a second or a sleep pass, with changes.
     void live();
 
-    /// A second passes with everything in its place and the same processes as ever.
+    /// Lets a second pass with all devices plugged in and a fixed number of processes.
     void rest();
 
-    /// What the processor drew on average over the last second, a sleep included; 0 if its counter
-    /// started again in that sleep, after which nobody can tell.
+    /// The processor's mean power over the last second and the sleep before it; 0 if its energy
+    /// counter wrapped in the sleep, because the power cannot be known then.
     double cpuWatts() const { return m_restarted && m_seconds > 1 ? 0 : m_joules / m_seconds; }
 
-    /// Memory that nobody uses; the rest of what is there stays as it is or is used.
+    /// Free memory. It changes at the expense of used memory alone.
     std::uint64_t freeBytes() const { return m_freeKiB * 1024; }
 
-    /// More is never drawn, by the one and by the other.
+    /// Upper limits of the readings.
     static constexpr double mostCPUWatts = 60;
     static constexpr double mostGPUWatts = 150;
     static constexpr double mostDegrees = 90;
 
-    /// What has happened so far.
+    /// Counts of what has happened so far.
     struct Events {
         int sleeps = 0;
         int jumpsForward = 0; ///< Of the wall clock.
-        int jumpsBack = 0;
-        int cores = 0; ///< Gone or come back, as the next two.
-        int cards = 0;
-        int sensors = 0;
+        int jumpsBack = 0;    ///< Of the wall clock.
+        int cores = 0;        ///< Cores that went offline or online.
+        int cards = 0;        ///< Cards unplugged or plugged in.
+        int sensors = 0;      ///< Sensors unplugged or plugged in.
     };
     const Events &events() const { return m_events; }
 
@@ -75,11 +76,11 @@ private:
     std::set<int> m_offline;
     std::set<std::string> m_unplugged;
     std::set<int> m_pids;
-    double m_seconds = 0;     ///< Passed since the machine was last looked at.
-    double m_joules = 0;      ///< Drawn by the processor in these.
-    bool m_restarted = false; ///< Its counter did, in these.
+    double m_seconds = 0;     ///< Time since the last measurement.
+    double m_joules = 0;      ///< Energy of the processor in that time.
+    bool m_restarted = false; ///< Whether the energy counter wrapped in that time.
     std::uint64_t m_freeKiB = 0;
-    std::string m_memory; ///< The machine's /proc/meminfo, but for what is free.
+    std::string m_memory; ///< /proc/meminfo without the free memory.
     Events m_events;
 };
 

@@ -1,6 +1,5 @@
-// Loaded into a program before all else (LD_PRELOAD), it has the program's minutes pass in seconds:
-// the steady clock runs faster, and who waits for files waits that much shorter. The wall clock
-// stays as it is.
+// Preloaded into a program (LD_PRELOAD), this makes minutes pass in seconds: the monotonic clock
+// runs faster, and waits for files are shortened by the same factor. The wall clock is unchanged.
 
 #include <ctime>
 
@@ -37,19 +36,19 @@ CORVANE_PRELOADED int clock_gettime(clockid_t clock, timespec *time) noexcept
     return result;
 }
 
-CORVANE_PRELOADED int ppoll(pollfd *files, nfds_t count, const timespec *longest,
+CORVANE_PRELOADED int ppoll(pollfd *files, nfds_t count, const timespec *timeout,
                             const sigset_t *signals)
 {
     constexpr std::size_t signalSetSize = _NSIG / 8;
     timespec shortened = {};
-    if (longest)
-        shortened = after(nanoseconds(*longest) / speed);
+    if (timeout)
+        shortened = after(nanoseconds(*timeout) / speed);
     return static_cast<int>(
-        syscall(SYS_ppoll, files, count, longest ? &shortened : nullptr, signals, signalSetSize));
+        syscall(SYS_ppoll, files, count, timeout ? &shortened : nullptr, signals, signalSetSize));
 }
 
 CORVANE_PRELOADED int poll(pollfd *files, nfds_t count, int milliseconds)
 {
-    const timespec longest = after(milliseconds * (second / 1000));
-    return ppoll(files, count, milliseconds < 0 ? nullptr : &longest, nullptr);
+    const timespec timeout = after(milliseconds * (second / 1000));
+    return ppoll(files, count, milliseconds < 0 ? nullptr : &timeout, nullptr);
 }

@@ -32,16 +32,18 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr int ticksOfADay = 86'400;
 constexpr int uses = 8;
 constexpr int longestWindow = 180; ///< Seconds.
-constexpr int busThreads = 1;      ///< The bus library's own.
+constexpr int busThreads = 1;      ///< Threads of the bus library.
+constexpr int patience = 60'000;   ///< Milliseconds; enough for a machine under load.
 
-/// What must not grow.
-struct Holding {
+/// Quantities that must not grow.
+struct Resources {
     qint64 heap = 0;
     qint64 resident = 0;
     qsizetype descriptors = 0;
@@ -55,7 +57,7 @@ QByteArray contents(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Without those that Qt keeps for a while to draw with.
+/// The number of threads, without those that Qt keeps for a while for drawing.
 qsizetype threads()
 {
     const QString tasks = u"/proc/self/task/"_s;
@@ -71,13 +73,13 @@ qint64 residentBytes()
     return contents(u"/proc/self/statm"_s).split(' ').value(1).toLongLong() * pageSize;
 }
 
-/// How much a quantity grew over the later half of the measurements, by the line of least squares.
-double grown(const std::vector<Holding> &all, qint64 Holding::*quantity)
+/// The growth of a quantity over the later half of the measurements, by the line of least squares.
+double growth(const std::vector<Resources> &all, qint64 Resources::*quantity)
 {
-    const std::vector<Holding> late(all.begin() + std::ptrdiff_t(all.size() / 2), all.end());
+    const std::vector<Resources> late(all.begin() + std::ptrdiff_t(all.size() / 2), all.end());
     const auto count = static_cast<double>(late.size());
     double sumY = 0;
-    for (const Holding &one : late)
+    for (const Resources &one : late)
         sumY += static_cast<double>(one.*quantity);
     double products = 0;
     double squares = 0;
@@ -89,11 +91,11 @@ double grown(const std::vector<Holding> &all, qint64 Holding::*quantity)
     return products / squares * (count - 1);
 }
 
-/// False for what is not a number, too.
-bool isWithin(double value, double least, double most)
+/// False also for NaN.
+bool isWithin(double value, double lowest, double highest)
 {
     constexpr double rounding = 0.01;
-    return value >= least - rounding && value <= most + rounding;
+    return value >= lowest - rounding && value <= highest + rounding;
 }
 
 bool isWithin(const std::optional<double> &degrees)
@@ -101,8 +103,8 @@ bool isWithin(const std::optional<double> &degrees)
     return !degrees || isWithin(*degrees, 30, SoakMachine::mostDegrees);
 }
 
-/// Nothing that the machine did not do. It has no Neural Engine.
-bool isTrue(const ChipReading &chip, double cpuWatts)
+/// Whether the reading is possible on this machine, which has no Neural Engine.
+bool isPlausible(const ChipReading &chip, double cpuWatts)
 {
     const auto isShare = [](double share) { return isWithin(share, 0, 1); };
     return isWithin(chip.cpuWatts, cpuWatts, cpuWatts)
@@ -112,8 +114,8 @@ bool isTrue(const ChipReading &chip, double cpuWatts)
         && isWithin(chip.packageTempC) && std::ranges::all_of(chip.cpuCoreUtilizations, isShare);
 }
 
-/// What is handed to a chart, as it is before the chart pins it to its range.
-bool isTrue(const SparklineData &chart, double most)
+/// Whether the chart's data, which it has not yet clamped to its range, are possible.
+bool isPlausible(const SparklineData &chart, double most)
 {
     return std::ranges::all_of(chart.series, [&](const SparklineSeries &series) {
         return series.values.size() == chart.timestamps.size()
@@ -122,18 +124,18 @@ bool isTrue(const SparklineData &chart, double most)
     });
 }
 
-bool isTrue(const MainWindow &window)
+bool isPlausible(const MainWindow &window)
 {
     constexpr double mostWatts = SoakMachine::mostCPUWatts + SoakMachine::mostGPUWatts;
     const Sparkline *power = window.findChild<PowerCard *>()->chart();
-    // The scale only ever grows: a single spike would be seen for good.
+    // The scale only grows: a single spike would remain visible.
     return power->shown().yDomain.upper <= powerScale(mostWatts)
         && std::ranges::all_of(window.findChildren<Sparkline *>(), [&](const Sparkline *chart) {
-               return isTrue(chart->shown(), chart == power ? mostWatts : 100);
+               return isPlausible(chart->shown(), chart == power ? mostWatts : 100);
            });
 }
 
-/// Whether the machine slept between two of the samples, or its clock was set forward.
+/// Whether there is a gap between two samples, from a sleep or a clock that was set forward.
 bool hasGap(const std::vector<double> &timestamps)
 {
     return std::ranges::adjacent_find(timestamps,
@@ -141,7 +143,8 @@ bool hasGap(const std::vector<double> &timestamps)
         != timestamps.end();
 }
 
-/// Through every sample and through nothing else, thus straight across a gap; from left to right.
+/// Whether each line has exactly one point for each sample, from left to right, and so is straight
+/// across a gap.
 bool isDrawnThroughItsSamples(const Sparkline &chart)
 {
     const SparklineData &data = chart.shown();
@@ -168,8 +171,8 @@ AboutPanel *aboutPanel()
 
 } // namespace
 
-/// The sampler, the windows and the label over a day in the life of a restless machine, each
-/// second a tick, as fast as they come.
+/// The sampler, the windows and the label on a machine that changes all the time, over up to a day
+/// of ticks without waiting between them.
 class TestSoak : public QObject {
     Q_OBJECT
 
@@ -180,8 +183,8 @@ public:
 
 private slots:
     void initTestCase();
-    void staysAsItIs();
-    void theLabelStaysAsItIs();
+    void neitherSamplerNorWindowsGrow();
+    void theLabelDoesNotGrow();
 
 private:
     int random(int from, int to) { return std::uniform_int_distribution(from, to)(m_random); }
@@ -192,10 +195,10 @@ private:
     void use(int what);
     void useLabel(int what);
     void tick();
-    void look();
+    void checkCharts();
     void settle();
-    Holding holding() const;
-    void judge(const std::vector<Holding> &all) const;
+    Resources resources() const;
+    void checkGrowth(const std::vector<Resources> &all) const;
 
     const int m_ticks;
     std::mt19937 m_random;
@@ -213,9 +216,9 @@ private:
     std::unique_ptr<FakeTray> m_tray;
     std::unique_ptr<TrayLabel> m_label;
     qsizetype m_threads = 0;
-    int m_samples = 0;         ///< Announced so far.
-    quint64 m_usedAndFree = 0; ///< Bytes; always the same together.
-    int m_gaps = 0;            ///< Charts seen with one.
+    int m_samples = 0;         ///< Emitted so far.
+    quint64 m_usedAndFree = 0; ///< Bytes; constant.
+    int m_gaps = 0;            ///< Charts that had a gap.
 };
 
 void TestSoak::initTestCase()
@@ -243,7 +246,7 @@ void TestSoak::initTestCase()
         m_panel->show(m_sampler->current());
     });
     openWindow();
-    m_threads = threads(); // No look at the processes yet.
+    m_threads = threads(); // No survey of the processes has begun.
 }
 
 /// As the application connects them.
@@ -285,7 +288,7 @@ void TestSoak::toggleAbout()
         showAboutPanel();
 }
 
-/// Everything once or twice, so that what is made at its first use is there.
+/// Uses everything once or twice, so that everything created at its first use exists.
 void TestSoak::warmUp()
 {
     m_settings->setHistoryWindow(static_cast<HistoryWindow>(longestWindow));
@@ -304,7 +307,7 @@ void TestSoak::warmUp()
     }
 }
 
-/// What a user does now and then.
+/// An action of the user.
 void TestSoak::use(int what)
 {
     switch (what) {
@@ -323,7 +326,7 @@ void TestSoak::use(int what)
         m_panel->toggleAt({600, 20});
         break;
     case 4:
-        // Of any length: there is one choice now.
+        // Of any length, not only of those that the user can choose.
         m_settings->setHistoryWindow(static_cast<HistoryWindow>(random(1, longestWindow)));
         break;
     case 5:
@@ -347,15 +350,15 @@ void TestSoak::tick()
     QCOMPARE(current.memory.free, m_machine->freeBytes());
     QCOMPARE(current.memory.used + current.memory.free, m_usedAndFree);
     QVERIFY(current.chip);
-    QVERIFY(isTrue(*current.chip, m_machine->cpuWatts()));
+    QVERIFY(isPlausible(*current.chip, m_machine->cpuWatts()));
     QVERIFY(std::ssize(m_sampler->history()) <= seconds(m_settings->historyWindow()));
     QCOMPARE(m_sampler->history().back().id, current.id);
 }
 
-/// What the charts were handed, and what they make of it.
-void TestSoak::look()
+/// Checks the charts' data and lines.
+void TestSoak::checkCharts()
 {
-    QVERIFY(isTrue(*m_window));
+    QVERIFY(isPlausible(*m_window));
     for (const Sparkline *chart : m_window->findChildren<Sparkline *>()) {
         const std::vector<double> &timestamps = chart->shown().timestamps;
         if (timestamps.size() < 2 || !std::ranges::is_sorted(timestamps))
@@ -365,8 +368,8 @@ void TestSoak::look()
     }
 }
 
-/// A minute at rest, after which all that was plugged in is found and read: every measurement finds
-/// the same in memory.
+/// A minute without changes, after which all devices are plugged in, found and read: the state is
+/// the same at every measurement.
 void TestSoak::settle()
 {
     m_panel->hide();
@@ -383,12 +386,12 @@ void TestSoak::settle()
         if (second % 10 == 0)
             QCoreApplication::processEvents();
     }
-    // A look at the processes may take a while.
-    QTRY_COMPARE_WITH_TIMEOUT(threads(), m_threads, 60'000);
+    // A survey of the processes may still run.
+    QTRY_COMPARE_WITH_TIMEOUT(threads(), m_threads, patience);
     QCoreApplication::processEvents();
 }
 
-Holding TestSoak::holding() const
+Resources TestSoak::resources() const
 {
     return {.heap = heapInUse(),
             .resident = residentBytes(),
@@ -397,12 +400,12 @@ Holding TestSoak::holding() const
             .historyBytes = QFile(m_folder.filePath(u"history.jsonl"_s)).size()};
 }
 
-void TestSoak::staysAsItIs()
+void TestSoak::neitherSamplerNorWindowsGrow()
 {
     constexpr int measurements = 16;
     constexpr int ticksAPaint = 10;
     constexpr int ticksAUse = 100;
-    std::vector<Holding> all;
+    std::vector<Resources> all;
     warmUp();
     for (int tickNumber = 1; tickNumber <= m_ticks; ++tickNumber) {
         m_machine->live();
@@ -411,18 +414,18 @@ void TestSoak::staysAsItIs()
             use(random(0, uses - 1));
         if (tickNumber % ticksAPaint == 0) {
             QCoreApplication::processEvents(); // Deliveries and repaints.
-            look();
+            checkCharts();
         }
         if (tickNumber % (m_ticks / measurements) == 0) {
             settle();
-            all.push_back(holding());
+            all.push_back(resources());
             qInfo("tick %d: heap %lld KiB, memory %lld KiB", tickNumber, all.back().heap / 1024,
                   all.back().resident / 1024);
         }
         if (QTest::currentTestFailed())
             return;
     }
-    judge(all);
+    checkGrowth(all);
 
     const SoakMachine::Events &events = m_machine->events();
     qInfo(
@@ -432,40 +435,40 @@ void TestSoak::staysAsItIs()
         events.sensors, m_gaps);
     for (const int count : {events.sleeps, events.jumpsForward, events.jumpsBack, events.cores,
                             events.cards, events.sensors, m_gaps})
-        QVERIFY2(count > 0, "a day without incident");
+        QVERIFY2(count > 0, "something never happened");
 }
 
-/// Holds the later half of the measurements against a leak.
-void TestSoak::judge(const std::vector<Holding> &all) const
+/// Checks the later half of the measurements for leaks.
+void TestSoak::checkGrowth(const std::vector<Resources> &all) const
 {
-    const double heap = grown(all, &Holding::heap);
-    const double resident = grown(all, &Holding::resident);
+    const double heap = growth(all, &Resources::heap);
+    const double resident = growth(all, &Resources::resident);
     qInfo(
         "in the later half the heap grew by %.0f KiB to %lld KiB, memory by %.0f KiB to %lld KiB; "
         "%lld descriptors, history of %lld bytes",
         heap / 1024, all.back().heap / 1024, resident / 1024, all.back().resident / 1024,
         static_cast<long long>(all.back().descriptors), all.back().historyBytes);
     QVERIFY(heap < 64 * 1024);
-    // What threads leave behind goes up and down by megabytes. A sanitizer does not tell of the
-    // heap, and keeps what was freed.
+    // The memory of ended threads varies by megabytes. A sanitizer does not report the heap and
+    // keeps freed memory.
     QVERIFY(resident < 12 * 1024 * 1024 || all.back().heap == 0);
-    for (const Holding &one : all) {
+    for (const Resources &one : all) {
         QCOMPARE(one.descriptors, all.front().descriptors);
         QCOMPARE(one.threads, all.front().threads);
-        QVERIFY(one.historyBytes < 60'000);
+        QVERIFY(one.historyBytes < patience);
     }
 }
 
-/// What a desktop and its user do to the label.
+/// An action of the desktop or its user on the label.
 void TestSoak::useLabel(int what)
 {
     const QString item = m_tray ? m_tray->items().value(random(0, 2)) : QString();
     switch (what) {
     case 0:
         m_tray.reset();
-        QTRY_VERIFY_WITH_TIMEOUT(!m_label->isAvailable(), 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_label->isAvailable(), patience);
         m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
-        QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, 60'000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, patience);
         break;
     case 1:
         QVERIFY(m_tray->property(item, u"ToolTip"_s).isValid());
@@ -481,15 +484,16 @@ void TestSoak::useLabel(int what)
     }
 }
 
-/// Beside a tray that starts anew now and then.
-void TestSoak::theLabelStaysAsItIs()
+/// The label beside a tray that restarts now and then.
+void TestSoak::theLabelDoesNotGrow()
 {
     constexpr int measurements = 6;
     constexpr int ticksAUse = 20;
     const int ticks = m_ticks / 4;
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
-    m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder());
+    m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder(), nullptr,
+                                          TrayWaits{.tray = 50ms, .quiet = 10ms, .check = 50ms});
     connect(m_sampler.get(), &SystemSampler::currentChanged, m_label.get(),
             [this] { m_label->show(m_sampler->current()); });
     for (const int what : {0, 1, 2})
@@ -498,7 +502,7 @@ void TestSoak::theLabelStaysAsItIs()
     settle();
     const qsizetype descriptors = openDescriptors();
 
-    std::vector<Holding> all;
+    std::vector<Resources> all;
     for (int tickNumber = 1; tickNumber <= ticks; ++tickNumber) {
         m_machine->live();
         tick();
@@ -508,28 +512,28 @@ void TestSoak::theLabelStaysAsItIs()
         if (tickNumber % (ticks / measurements) == 0) {
             useLabel(0);
             settle();
-            QTRY_COMPARE_WITH_TIMEOUT(openDescriptors(), descriptors, 60'000);
-            all.push_back(holding());
+            QTRY_COMPARE_WITH_TIMEOUT(openDescriptors(), descriptors, patience);
+            all.push_back(resources());
         }
         QVERIFY(m_label->isAvailable());
         QCOMPARE(m_tray->items().size(), 3);
         if (QTest::currentTestFailed())
             return;
     }
-    judge(all);
+    checkGrowth(all);
 }
 
-/// "--ticks N" and "--seed N", or else a short while.
+/// "--ticks N" sets the length, "--seed N" another course of events. The default is a short run.
 int main(int argc, char **argv)
 {
-    qputenv("QTEST_FUNCTION_TIMEOUT", "86400000");  // A whole day takes a while.
-    qputenv("QT_LOGGING_RULES", "*.warning=false"); // What a platform without a display lacks.
+    qputenv("QTEST_FUNCTION_TIMEOUT", "86400000");  // Milliseconds; a day of ticks takes long.
+    qputenv("QT_LOGGING_RULES", "*.warning=false"); // Of the offscreen platform.
     const QApplication application(argc, argv);
     QStringList arguments = QCoreApplication::arguments();
-    const auto take = [&arguments](const QString &name, int usual) {
+    const auto take = [&arguments](const QString &name, int byDefault) {
         const qsizetype place = arguments.indexOf(name);
         if (place < 0 || place + 1 >= arguments.size())
-            return usual;
+            return byDefault;
         const int value = arguments[place + 1].toInt();
         arguments.remove(place, 2);
         return value;
