@@ -359,6 +359,9 @@ void TestPersistedMetric::readsLines_data()
     row("a text that looks like keys", "{\"x\":\"\\\",\\\"t\\\":1,\"," + inside + "}", true);
     row("an unknown number that no double holds", "{\"x\":1e400," + inside + "}", false);
     row("an unknown value that is no JSON", "{\"x\":.5," + inside + "}", false);
+    row("an escape that JSON does not have", QByteArray(whole).replace("memTotal", "\\memTotal"),
+        false);
+    row("the same in an unknown key", "{\"\\w\":1," + inside + "}", false);
     row("a control character in a text", "{\"x\":\"\t\"," + inside + "}", false);
     row("text that is not UTF-8", "{\"x\":\"\xff\"," + inside + "}", false);
     row("lists that are not closed", QByteArray(60'000, '['), false);
