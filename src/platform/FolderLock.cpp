@@ -12,6 +12,7 @@ FolderLock::FolderLock(std::string folder) : m_folder(std::move(folder)) { }
 
 FolderLock::Holder FolderLock::take()
 {
+    m_thread.check();
     if (m_descriptor)
         return Holder::self;
     FileDescriptor folder(open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

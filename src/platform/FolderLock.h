@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
+#include "platform/OneThread.h"
 
 #include <string>
 
@@ -25,6 +26,7 @@ public:
 private:
     std::string m_folder;
     FileDescriptor m_descriptor; ///< Holds the lock; empty: not held.
+    OneThread m_thread;
 };
 
 } // namespace corvane

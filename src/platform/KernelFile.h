@@ -19,8 +19,8 @@ enum class KernelFileKind {
 /// A small text file of the kernel that is read again and again: opened once, then read from its
 /// start with `pread`. Owned by one reader, used on one thread.
 ///
-/// A file that is missing, refused, not regular or empty is absent; the next read looks for it
-/// again. Opening never blocks, so a FIFO in the file's place cannot hold the caller up.
+/// A file that is missing, refused, empty or not regular reads as absent; the next read looks for
+/// it again. Opening never blocks, so a FIFO in the file's place cannot hold the caller up.
 class KernelFile {
 public:
     explicit KernelFile(std::string path, KernelFileKind kind = KernelFileKind::oneRecord);
@@ -35,7 +35,7 @@ public:
 private:
     std::string m_path;
     KernelFileKind m_kind;
-    std::string m_buffer; ///< Kept, so that a steady tick allocates nothing.
+    std::string m_buffer; ///< Kept, so that a steady tick allocates no memory.
     FileDescriptor m_file;
     OneThread m_thread;
 };

@@ -34,8 +34,8 @@ std::size_t sequenceLength(unsigned char first)
 }
 
 /// Whether the bytes of one sequence stand for a character (the table of well-formed sequences in
-/// the Unicode standard: the second byte alone tells overlong forms, surrogates and numbers above
-/// U+10FFFF).
+/// the Unicode standard: the second byte alone identifies overlong forms, surrogates and numbers
+/// above U+10FFFF).
 bool isSequence(std::string_view bytes)
 {
     for (const char byte : bytes.substr(1)) {

@@ -32,12 +32,22 @@ public:
         const ArgumentReader &readArguments = ProcessBridge::argumentReader(),
         ArgumentCache &cache = processWideCache());
 
+    /// Absent for a process that no rule matches. Pure, as are the functions below.
     static std::optional<Match> classify(const QString &name, const QStringList &argv);
 
+    /// Whether a process of that name is worth classifying.
     static bool nameLooksRelevant(const QString &name);
+
+    /// The model that the arguments name, from flags, else as `ollama run` takes it.
     static std::optional<QString> ollamaModel(const QStringList &argv);
+
+    /// The model of the first model flag, else of the first model file.
     static std::optional<QString> modelFromFlags(const QStringList &argv);
+
+    /// The first argument that is a model file.
     static std::optional<QString> modelFromCheckpoint(const QStringList &argv);
+
+    /// Whether the arguments start that module of an interpreter.
     static bool hasModule(const QStringList &argv, const QString &module);
 
     /// The part of a path or model identifier that is worth showing.

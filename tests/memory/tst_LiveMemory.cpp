@@ -29,11 +29,11 @@ using namespace Qt::StringLiterals;
 
 /// Holds memory of each kind on this machine and watches `used` follow.
 ///
-/// Others use the machine too. What they take and give back is known from their processes, and what
-/// waits in the processors' lists of free pages from the zones, so both are left out. What noise is
-/// left shows in the kernel's own estimate of the available memory, which our arithmetic does not
-/// use: an experiment is judged only when that estimate moved by what was held and by nothing else,
-/// and repeated until then.
+/// Other programs use the machine too. What they take and release is known from their processes,
+/// and what waits in the processors' lists of free pages is known from the zones: both are
+/// subtracted. The remaining noise shows in the kernel's own estimate of the available memory,
+/// which our arithmetic does not use: an experiment counts only when that estimate moved by the
+/// memory that was held and no more, and is repeated until then.
 class TestLiveMemory : public QObject {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private slots:
     void touchedMemoryIsUsed();
     void aFileInMemoryIsUsed();
     void aCachedDiskFileIsNotUsed();
-    void staysNearWhatFreeTells();
+    void staysNearTheFigureOfFree();
 };
 
 namespace {
@@ -51,7 +51,7 @@ constexpr double mib = 1024 * 1024;
 constexpr double gib = 1024 * mib;
 constexpr std::size_t megabyte = 1 << 20;
 
-/// What both sides say about one instant, in bytes, without what other programs do.
+/// Both figures at one instant, in bytes, without the effect of other programs.
 struct Levels {
     double used = 0;      ///< Ours.
     double available = 0; ///< The kernel's estimate.
@@ -77,7 +77,7 @@ double pageSize()
     return static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-/// Memory in bytes that processes have for themselves, all but `holder`'s.
+/// Memory in bytes that is not shared, of all processes but `holder`.
 double processMemory(pid_t holder)
 {
     double pages = 0;
@@ -93,7 +93,7 @@ double processMemory(pid_t holder)
 }
 
 /// Free pages in bytes that wait in the processors' own lists. The kernel counts them as free only
-/// when it has taken them back, seconds later.
+/// once it has taken them back, seconds later.
 double waitingPages()
 {
     static const QRegularExpression counts(u"^ +count: +(\\d+)$"_s,
@@ -105,8 +105,7 @@ double waitingPages()
     return pages * pageSize();
 }
 
-/// The middle of several samples, so that one that fell into another process's start does not
-/// count.
+/// The median of several samples, so that the start of another process does not matter.
 Levels levels(pid_t holder)
 {
     std::vector<double> used;
@@ -120,12 +119,12 @@ Levels levels(pid_t holder)
     return {median(used), median(available)};
 }
 
-/// Something to hold and to let go again, and what that must do to the levels.
+/// Memory to hold and to release again, and how that must change the levels.
 struct Experiment {
     std::function<bool()> hold;
     std::function<bool()> release;
-    double rise = 0;                                   ///< Of the used memory while it is held.
-    double tolerance = 0;                              ///< By which the rise may miss that.
+    double rise = 0;                                   ///< Of `used` while it is held.
+    double tolerance = 0;                              ///< Of the measured changes.
     std::function<pid_t()> holder = [] { return -1; }; ///< The process that holds it.
 
     bool agrees(double change) const { return std::abs(change - rise) <= tolerance; }
@@ -134,14 +133,14 @@ struct Experiment {
     bool confirms(double change) const { return std::abs(change - rise) <= tolerance / 2; }
 };
 
-/// How far `used` rose while something was held, and fell when it was let go.
+/// How far `used` rose while memory was held, and fell when it was released.
 struct Changes {
     double rise = 0;
     double fall = 0;
 };
 
-/// The changes in a run that the kernel's estimate confirms. Nothing when there was none in time,
-/// or when it was refused what it wanted to hold.
+/// The changes in a run that the kernel's estimate confirms. Absent when there was none in time, or
+/// when the memory could not be held.
 std::optional<Changes> confirmedChanges(const Experiment &experiment)
 {
     QElapsedTimer timer;
@@ -161,7 +160,7 @@ std::optional<Changes> confirmedChanges(const Experiment &experiment)
     return std::nullopt;
 }
 
-/// Runs the experiment and judges it. A wrong result gets two more chances, since the kernel's
+/// Runs the experiment and checks it. A wrong result is tried twice more, since the kernel's
 /// estimate and our counters are not read at the same instant.
 void judge(const Experiment &experiment)
 {
@@ -179,7 +178,7 @@ void judge(const Experiment &experiment)
     QVERIFY2(experiment.agrees(changes->fall), "when it was let go");
 }
 
-/// A child process that holds touched memory for as long as it is wanted.
+/// A child process that holds touched memory until `end`.
 class Holder {
 public:
     ~Holder() { end(); }
@@ -221,8 +220,8 @@ private:
         auto *const bytesOfIt = static_cast<volatile char *>(memory);
         for (std::size_t offset = 0; offset < bytes; offset += std::size_t(pageSize()))
             bytesOfIt[offset] = 1;
-        const bool told = write(ready, "!", 1) == 1;
-        while (told)
+        const bool isReported = write(ready, "!", 1) == 1;
+        while (isReported)
             pause();
         _exit(EXIT_FAILURE);
     }
@@ -304,7 +303,7 @@ void TestLiveMemory::aCachedDiskFileIsNotUsed()
         close(file);
         QSKIP("the disk does not take the file");
     }
-    // A read that fills no cache tries nothing.
+    // A read that fills no cache proves nothing.
     const auto readIntoCache = [file] {
         const double before = memInfoBytes(u"Cached"_s);
         return readBytes(file, std::size_t(size))
@@ -316,7 +315,7 @@ void TestLiveMemory::aCachedDiskFileIsNotUsed()
 
 /// "used" of `free`: since version 4 of its package all that is not available; before, all that is
 /// neither free nor buffer nor cache, which leaves shared memory out.
-void TestLiveMemory::staysNearWhatFreeTells()
+void TestLiveMemory::staysNearTheFigureOfFree()
 {
     const auto distance = [](double theirs) {
         return std::abs(static_cast<double>(MemorySampler::sample().used) - theirs);

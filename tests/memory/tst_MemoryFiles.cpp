@@ -24,12 +24,12 @@ private slots:
     void readsMachines_data();
     void readsMachines();
     void readsAgain();
-    void noticesWhatComesAndGoes();
-    void aMachineWithoutFilesHasNothing();
+    void findsDisksAndCachesThatComeAndGo();
+    void isAbsentWithoutFiles();
 };
 
 /// For every machine, in KiB:
-///   cached = Active(file) + Inactive(file) + KReclaimable + what the ZFS cache can give back
+///   cached = Active(file) + Inactive(file) + KReclaimable + what the ZFS cache can release
 ///   compressed = Zswap + memory of compressed disks
 ///   wired = MemTotal - MemFree - Active(anon) - compressed - Inactive(anon) - cached
 ///   appMemory = wired + Active(anon) + compressed
@@ -134,7 +134,7 @@ void TestMemoryFiles::readsAgain()
     QCOMPARE(reader.read().pressureLevel, std::optional<std::int32_t>(2));
 }
 
-void TestMemoryFiles::noticesWhatComesAndGoes()
+void TestMemoryFiles::findsDisksAndCachesThatComeAndGo()
 {
     const MachineTree tree;
     tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemFree: 100 kB\n");
@@ -143,7 +143,7 @@ void TestMemoryFiles::noticesWhatComesAndGoes()
     QCOMPARE(reader.read().pages->compressor, std::uint64_t(0));
     QCOMPARE(reader.read().pages->purgeable, std::uint64_t(0));
 
-    // It need not be seen at once, but within a minute of ticks.
+    // It may take up to a minute of ticks.
     const auto withinAMinute = [&reader](auto count, std::uint64_t expected) {
         for (int tick = 0; tick < 60; ++tick) {
             const auto pages = reader.read().pages;
@@ -161,7 +161,7 @@ void TestMemoryFiles::noticesWhatComesAndGoes()
     tree.write("proc/spl/kstat/zfs/arcstats", "size 4 5120\nc_min 4 1024\n");
     QVERIFY(withinAMinute(purgeable, 4));
 
-    // What is known is read every time.
+    // Files that were found are read every time.
     tree.write("sys/block/zram0/mm_stat", "9 9 1024 9 9 9 9 9 9\n");
     tree.write("proc/spl/kstat/zfs/arcstats", "size 4 7168\nc_min 4 1024\n");
     const auto pages = reader.read().pages;
@@ -172,7 +172,7 @@ void TestMemoryFiles::noticesWhatComesAndGoes()
     QVERIFY(withinAMinute(compressor, 1));
 }
 
-void TestMemoryFiles::aMachineWithoutFilesHasNothing()
+void TestMemoryFiles::isAbsentWithoutFiles()
 {
     const MachineTree tree;
     MemoryFiles reader(tree.root());

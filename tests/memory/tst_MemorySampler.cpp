@@ -82,12 +82,12 @@ void TestMemorySampler::computes_data()
                           .wired = 400,
                           .cached = 2000,
                           .appMemory = 700};
-    QTest::newRow("application memory just as large as the total")
+    QTest::newRow("application memory as large as the total")
         << Counters{.totalBytes = 700,
                     .pageSize = 10,
                     .pages = Counters::Pages{.active = 30, .wired = 40}}
         << MemorySnapshot{.total = 700, .used = 700, .active = 300, .wired = 400, .appMemory = 700};
-    QTest::newRow("inactive memory that is no cache lifts use to the total")
+    QTest::newRow("inactive memory that is no cache raises use to the total")
         << Counters{.totalBytes = 1000,
                     .pageSize = 10,
                     .pages = Counters::Pages{.active = 30, .inactive = 200, .wired = 40}}

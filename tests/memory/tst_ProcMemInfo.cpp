@@ -13,7 +13,7 @@ std::string_view view(const QByteArray &text)
     return {text.constData(), std::size_t(text.size())};
 }
 
-/// A machine of 100,000 KiB; each count has a digit of its own place.
+/// A machine of 100,000 KiB; each count differs from all others.
 constexpr std::string_view wholeMachine = "MemTotal:         100000 kB\n"
                                           "MemFree:           10000 kB\n"
                                           "MemAvailable:      50000 kB\n"
@@ -94,7 +94,7 @@ void TestProcMemInfo::theShrinkableFileSystemCacheIsPurgeable_data()
     QTest::newRow("what is above the least size")
         << QByteArray("9 1 0x01 3 816 1 2\nname type data\nsize 4 3072000\nc_min 4 1024000\n")
         << quint64(2000);
-    QTest::newRow("the lines the other way round")
+    QTest::newRow("the lines in reverse order")
         << QByteArray("c_min   4    1024000\nsize    4    3072000\n") << quint64(2000);
     QTest::newRow("names are whole words")
         << QByteArray("size 4 3072000\ncompressed_size 4 9\nc_min 4 1024000\nc_min_x 4 1\n")
@@ -122,7 +122,7 @@ void TestProcMemInfo::theShrinkableFileSystemCacheIsPurgeable()
 
 void TestProcMemInfo::wiredIsNeverNegative()
 {
-    // The lines are counted one after the other, so together they may exceed the total.
+    // The kernel counts one line after the other, so together they may exceed the total.
     const MemoryCounters counters = memoryCounters(
         {.memInfo =
              "MemTotal: 100 kB\nMemFree: 60 kB\nActive(anon): 30 kB\nInactive(file): 20 kB\n"});
@@ -222,8 +222,8 @@ void TestProcMemInfo::judgesPressure_data()
     row("some wait a tenth", "10.00", "9.99", 2);
     row("some wait all the time", "100.00", "9.99", 2);
     row("all wait a tenth", "10.00", "10.00", 4);
-    row("all wait, whatever the first line says", "0.00", "10.00", 4);
-    // The machine below has half of its memory available: level 1 is by that.
+    row("all wait, whatever the first line shows", "0.00", "10.00", 4);
+    // Where the averages do not parse, the available half of the memory gives level 1.
     row("an average that does not parse", "x", "10.00", 1);
     row("an average that is no number", "nan", "0.00", 1);
     QTest::newRow("without the second line")
@@ -261,8 +261,8 @@ void TestProcMemInfo::judgesPressureByWhatIsAvailable_data()
     QTest::newRow("the largest machine")
         << QByteArray("MemTotal: 1099511627776 kB\nMemAvailable: 1099511627776 kB\n") << Level(1);
     QTest::newRow("unknown") << QByteArray("MemTotal: 1000 kB\n") << Level();
-    QTest::newRow("of nothing") << QByteArray("MemTotal: 0 kB\nMemAvailable: 0 kB\n") << Level();
-    QTest::newRow("of an unknown total") << QByteArray("MemAvailable: 0 kB\n") << Level();
+    QTest::newRow("a total of 0") << QByteArray("MemTotal: 0 kB\nMemAvailable: 0 kB\n") << Level();
+    QTest::newRow("an unknown total") << QByteArray("MemAvailable: 0 kB\n") << Level();
 }
 
 void TestProcMemInfo::judgesPressureByWhatIsAvailable()
@@ -279,7 +279,7 @@ void TestProcMemInfo::readsCompressedDisks_data()
         " 4294967296  1073741824  1105199104        0 1105199104    12345        0 "
         "     678      700\n") << quint64(1'105'199'104);
     QTest::newRow("eight columns") << QByteArray("1 2 3 4 5 6 7 8\n") << quint64(3);
-    QTest::newRow("columns that no kernel has yet")
+    QTest::newRow("more columns than any kernel has today")
         << QByteArray("1 2 3 4 5 6 7 8 9 10 x\n") << quint64(3);
     QTest::newRow("never set up") << QByteArray("0 0 0 0 0 0 0 0 0\n") << quint64(0);
     QTest::newRow("too few columns") << QByteArray("1 2 3 4 5 6 7\n") << quint64(0);

@@ -1,4 +1,4 @@
-// Ends while a job is still running, and has to get away with it: status 7.
+// Ends while a job still runs; the status must be 7.
 
 #include "platform/BackgroundJob.h"
 

@@ -18,7 +18,7 @@ void TestActivationToken::isPrintableAndShort_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<bool>("expected");
     QTest::newRow("of a desktop") << QByteArray("panel-1234-host-waybar_TIME2") << true;
-    QTest::newRow("every printable character's ends") << QByteArray(" ~") << true;
+    QTest::newRow("the first and the last printable character") << QByteArray(" ~") << true;
     QTest::newRow("empty") << QByteArray() << false;
     QTest::newRow("a line end") << QByteArray("token\n") << false;
     QTest::newRow("a NUL") << QByteArray("to\0ken", 6) << false;

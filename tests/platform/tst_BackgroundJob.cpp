@@ -16,7 +16,7 @@ using namespace corvane;
 
 namespace {
 
-/// A gate at which a job waits until the test opens it.
+/// A job waits at this gate until the test opens it.
 class Gate {
 public:
     void open() { m_promise.set_value(); }
@@ -29,7 +29,7 @@ private:
     std::shared_future<void> m_opened = m_promise.get_future().share();
 };
 
-/// Set when the last copy of the token that this made is gone: the job that held it is over.
+/// Reached when the last copy of its token is gone, that is when the job that held it is over.
 class End {
 public:
     std::shared_ptr<void> token()
@@ -53,11 +53,11 @@ private slots:
     void runsJobsAtTheSameTime();
     void deliversInTheOrderOfFinishing();
     void dropsTheValueOfAnOwnerThatIsGone();
-    void dropsAValueThatIsUnderWay();
-    void letsTheOwnerDieOfTheDelivery();
-    void runsNoMoreThanSoManyAtOnce();
-    void leavesThePendingJobOfAProgramThatEnds_data();
-    void leavesThePendingJobOfAProgramThatEnds();
+    void dropsAValueWhoseOwnerGoesMeanwhile();
+    void letsTheDeliveryDeleteTheOwner();
+    void limitsTheJobsThatRunAtOnce();
+    void abandonsTheJobOfAProgramThatEnds_data();
+    void abandonsTheJobOfAProgramThatEnds();
 };
 
 void TestBackgroundJob::deliversOnTheOwnersThread()
@@ -153,7 +153,7 @@ void TestBackgroundJob::dropsTheValueOfAnOwnerThatIsGone()
     owner.reset();
     gate.open();
     QTRY_VERIFY(end.isReached());
-    // A later job's delivery stands behind whatever the first may have sent.
+    // The delivery of a later job follows whatever the first one may have posted.
     QObject other;
     bool later = false;
     runThenDeliver(
@@ -162,7 +162,7 @@ void TestBackgroundJob::dropsTheValueOfAnOwnerThatIsGone()
     QVERIFY(!delivered);
 }
 
-void TestBackgroundJob::dropsAValueThatIsUnderWay()
+void TestBackgroundJob::dropsAValueWhoseOwnerGoesMeanwhile()
 {
     for (int i = 0; i < 100; ++i) {
         auto owner = std::make_unique<QObject>();
@@ -171,7 +171,7 @@ void TestBackgroundJob::dropsAValueThatIsUnderWay()
         runThenDeliver(
             owner.get(), [token = end.token()] { return std::string(100, 'x'); },
             [&delivered](const std::string &) { delivered = true; });
-        // The owner dies around the moment in which the job reports.
+        // The owner is deleted at about the time at which the job reports.
         while (i % 2 == 0 && !end.isReached())
             std::this_thread::yield();
         owner.reset();
@@ -182,7 +182,7 @@ void TestBackgroundJob::dropsAValueThatIsUnderWay()
     }
 }
 
-void TestBackgroundJob::letsTheOwnerDieOfTheDelivery()
+void TestBackgroundJob::letsTheDeliveryDeleteTheOwner()
 {
     auto owner = std::make_unique<QObject>();
     bool delivered = false;
@@ -196,7 +196,7 @@ void TestBackgroundJob::letsTheOwnerDieOfTheDelivery()
     QVERIFY(!owner);
 }
 
-void TestBackgroundJob::runsNoMoreThanSoManyAtOnce()
+void TestBackgroundJob::limitsTheJobsThatRunAtOnce()
 {
     QObject owner;
     Gate gate;
@@ -211,20 +211,20 @@ void TestBackgroundJob::runsNoMoreThanSoManyAtOnce()
     gate.open();
     QTRY_COMPARE(delivered, mostBackgroundJobs);
 
-    // Those that are over make room again.
+    // Jobs that have ended make room for others.
     runThenDeliver(
         &owner, [] { return 1; }, count);
     QTRY_COMPARE(delivered, mostBackgroundJobs + 1);
 }
 
-void TestBackgroundJob::leavesThePendingJobOfAProgramThatEnds_data()
+void TestBackgroundJob::abandonsTheJobOfAProgramThatEnds_data()
 {
     QTest::addColumn<QByteArray>("way");
     QTest::newRow("the owner and the application are destroyed") << QByteArray("return");
     QTest::newRow("exit with both alive") << QByteArray("exit");
 }
 
-void TestBackgroundJob::leavesThePendingJobOfAProgramThatEnds()
+void TestBackgroundJob::abandonsTheJobOfAProgramThatEnds()
 {
     QFETCH(QByteArray, way);
     const int status = std::system((PENDING_JOB " " + way).constData());

@@ -20,9 +20,9 @@ private slots:
     void isHeldByOneAtATime();
     void isFreeWhenItsOwnerIsGone();
     void isFreeWhenItsProcessIsKilled();
-    void needsAFolder();
-    void comesWithTheFolder();
-    void leavesNothingBehind();
+    void hasNoHolderWithoutAFolder();
+    void canBeTakenOnceTheFolderExists();
+    void leavesNoFileInTheFolder();
 
 private:
     QTemporaryDir m_folder;
@@ -74,7 +74,7 @@ void TestFolderLock::isFreeWhenItsProcessIsKilled()
     close(ends[1]);
 }
 
-void TestFolderLock::needsAFolder()
+void TestFolderLock::hasNoHolderWithoutAFolder()
 {
     QCOMPARE(FolderLock("").take(), Holder::nobody);
     QCOMPARE(FolderLock(m_path + "/missing").take(), Holder::nobody);
@@ -84,7 +84,7 @@ void TestFolderLock::needsAFolder()
     QVERIFY(file.remove());
 }
 
-void TestFolderLock::comesWithTheFolder()
+void TestFolderLock::canBeTakenOnceTheFolderExists()
 {
     FolderLock lock(m_path + "/late");
     QCOMPARE(lock.take(), Holder::nobody);
@@ -93,7 +93,7 @@ void TestFolderLock::comesWithTheFolder()
     QVERIFY(QDir(m_folder.path()).rmdir(u"late"_s));
 }
 
-void TestFolderLock::leavesNothingBehind()
+void TestFolderLock::leavesNoFileInTheFolder()
 {
     {
         FolderLock lock(m_path);

@@ -13,20 +13,20 @@ class TestHeap : public QObject {
     Q_OBJECT
 
 private slots:
-    void givesBackWhatLiesFree();
+    void returnsFreeMemory();
     void sharesOneHeap();
 };
 
 namespace {
 
-/// Memory of this process that is not a file's.
+/// Memory of this process that belongs to no file.
 qint64 anonymousBytes()
 {
     const std::string status = readKernelFile("/proc/self/status").value_or(std::string());
     std::string_view text = status;
-    while (auto line = takeLine(text)) {
-        if (takeWord(*line) == "RssAnon:")
-            return static_cast<qint64>(parseKibibytes(*line).value_or(0)) * 1024;
+    while (const auto line = takeKeyValue(text)) {
+        if (line->key == "RssAnon")
+            return static_cast<qint64>(parseKibibytes(line->value).value_or(0)) * 1024;
     }
     return 0;
 }
@@ -47,7 +47,7 @@ constexpr qint64 megabyte = 1 << 20;
 
 } // namespace
 
-void TestHeap::givesBackWhatLiesFree()
+void TestHeap::returnsFreeMemory()
 {
     if (test::heapInUse() == 0)
         QSKIP("another allocator stands in");
@@ -65,7 +65,7 @@ void TestHeap::sharesOneHeap()
 {
     if (test::heapInUse() == 0)
         QSKIP("another allocator stands in");
-    // What another thread frees is there for this one: the heap does not grow again.
+    // This thread reuses what another one freed: the heap does not grow again.
     shareOneHeap();
     const auto keepsTheTop = [] {
         std::vector<std::unique_ptr<char[]>> blocks = smallBlocks(32 * megabyte);

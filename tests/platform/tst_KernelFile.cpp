@@ -25,8 +25,8 @@ class TestKernelFile : public QObject {
 
 private slots:
     void init();
-    void whatIsNoFileReadsAsNothing_data();
-    void whatIsNoFileReadsAsNothing();
+    void isAbsentWithoutARegularFile_data();
+    void isAbsentWithoutARegularFile();
     void readsAgainFromTheStart();
     void followsAFileThatGrowsAndShrinks();
     void readsAFileThatShrinksMeanwhile_data();
@@ -37,8 +37,8 @@ private slots:
     void followsLinks();
     void readsRecordsToTheEnd();
     void readsOneRecordAtOnce();
-    void aRefusedFileReadsAsNothing();
-    void aFailedReadIsTriedAgain();
+    void isAbsentWhenReadingIsRefused();
+    void triesAgainAfterAFailedRead();
     void movesWithItsDescriptor();
     void closesWhatItOpened();
 
@@ -82,7 +82,7 @@ void TestKernelFile::write(const QString &name, const QByteArray &contents) cons
     QCOMPARE(file.write(contents), contents.size());
 }
 
-void TestKernelFile::whatIsNoFileReadsAsNothing_data()
+void TestKernelFile::isAbsentWithoutARegularFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("missing") << u"missing"_s;
@@ -98,7 +98,7 @@ void TestKernelFile::whatIsNoFileReadsAsNothing_data()
     QTest::newRow("a name that is too long") << QString(5000, u'x');
 }
 
-void TestKernelFile::whatIsNoFileReadsAsNothing()
+void TestKernelFile::isAbsentWithoutARegularFile()
 {
     QFETCH(QString, name);
     write(u"empty"_s, {});
@@ -149,16 +149,16 @@ void TestKernelFile::readsAFileThatShrinksMeanwhile_data()
     for (const auto kind : {KernelFileKind::oneRecord, KernelFileKind::records}) {
         const char *name = kind == KernelFileKind::records ? "records" : "one record";
         QTest::addRow("%s, gone before the first read", name) << kind << 0 << 0 << 0;
-        QTest::addRow("%s, shorter before it", name) << kind << 0 << 100 << 100;
-        QTest::addRow("%s, gone behind it", name) << kind << 1 << 0 << 4096;
+        QTest::addRow("%s, shorter before the first read", name) << kind << 0 << 100 << 100;
+        QTest::addRow("%s, gone after the first read", name) << kind << 1 << 0 << 4096;
         QTest::addRow("%s, shorter than what was read", name) << kind << 1 << 100 << 4096;
         QTest::addRow("%s, as long as what was read", name) << kind << 1 << 4096 << 4096;
         QTest::addRow("%s, a little longer", name) << kind << 1 << 4097 << 4097;
-        QTest::addRow("%s, shorter behind the second", name) << kind << 2 << 5000 << 8192;
+        QTest::addRow("%s, shorter after the second read", name) << kind << 2 << 5000 << 8192;
     }
 }
 
-/// Between two reads of the same contents.
+/// The file shrinks between two of the system calls that read it.
 void TestKernelFile::readsAFileThatShrinksMeanwhile()
 {
     QFETCH(const KernelFileKind, kind);
@@ -207,7 +207,7 @@ void TestKernelFile::cutsAtTheLimit()
     KernelFile file(path(u"file"_s));
     QCOMPARE(contentsOf(file, std::size_t(limit)),
              Contents(std::string(std::size_t(expected), 'x')));
-    // A long read before does not widen a short one.
+    // An earlier long read does not extend a short one.
     QCOMPARE(contentsOf(file, 5), Contents("xxxxx"));
 }
 
@@ -228,8 +228,8 @@ void TestKernelFile::followsLinks()
 
 void TestKernelFile::readsRecordsToTheEnd()
 {
-    // The kernel's symbols are a long file that comes by records, a little less than a page each
-    // time. 64 KiB of them are there only when every such read is followed by the next.
+    // The kernel's symbols are a long file that is read by records, each a little shorter than a
+    // page. Only repeated reads yield 64 KiB of it.
     constexpr std::size_t limit = 65'536;
     const std::string symbols = "/proc/kallsyms";
     QFile whole(QString::fromStdString(symbols));
@@ -243,20 +243,20 @@ void TestKernelFile::readsRecordsToTheEnd()
 
 void TestKernelFile::readsOneRecordAtOnce()
 {
-    // However long, as that of a machine with hundreds of processors.
+    // Of any length, as on a machine with hundreds of processors.
     const QByteArray record(10'000, 'r');
     write(u"file"_s, record);
     KernelFile file(path(u"file"_s), KernelFileKind::oneRecord);
     QCOMPARE(contentsOf(file), Contents(record.toStdString()));
     QCOMPARE(contentsOf(file), Contents(record.toStdString()));
 
-    // A file that comes by records shows that there is no second read.
+    // A file that is read by records shows that there is no second read.
     KernelFile symbols("/proc/kallsyms", KernelFileKind::oneRecord);
     if (const auto text = symbols.read())
         QVERIFY(text->size() <= std::size_t(sysconf(_SC_PAGESIZE)));
 }
 
-void TestKernelFile::aRefusedFileReadsAsNothing()
+void TestKernelFile::isAbsentWhenReadingIsRefused()
 {
     write(u"open"_s, "open");
     write(u"closed"_s, "closed");
@@ -264,7 +264,7 @@ void TestKernelFile::aRefusedFileReadsAsNothing()
     QCOMPARE(chmod(path(u"open"_s).c_str(), 0644), 0);
     QCOMPARE(chmod(path(u"closed"_s).c_str(), 0000), 0);
 
-    // As root every file opens, so a child of another user tries.
+    // An administrator can open every file, so a child of another user tries.
     enum Outcome { refused, notRefused, notReachable };
     const pid_t child = fork();
     QVERIFY(child >= 0);
@@ -284,9 +284,9 @@ void TestKernelFile::aRefusedFileReadsAsNothing()
     QCOMPARE(WEXITSTATUS(status), int(refused));
 }
 
-void TestKernelFile::aFailedReadIsTriedAgain()
+void TestKernelFile::triesAgainAfterAFailedRead()
 {
-    // Opening one's memory works, reading its first page fails: nothing is mapped there.
+    // A process can open its own memory; reading the first page fails, since it is not mapped.
     KernelFile memory("/proc/self/mem");
     if (access("/proc/self/mem", R_OK) != 0)
         QSKIP("this kernel does not show processes their memory");

@@ -192,7 +192,7 @@ void TestKernelText::knowsUtf8()
 
 void TestKernelText::agreesWithAnotherDecoder()
 {
-    // Bytes near the borders between the forms, in all combinations of four.
+    // Bytes near the limits of each form, in all combinations of four.
     constexpr unsigned char bytes[] = {'a',  0x7f, 0x80, 0x8f, 0x90, 0x9f, 0xa0, 0xbf,
                                        0xc1, 0xc2, 0xdf, 0xe0, 0xe1, 0xec, 0xed, 0xee,
                                        0xef, 0xf0, 0xf1, 0xf4, 0xf5, 0xff};
@@ -221,10 +221,10 @@ void TestKernelText::walksCPULists_data()
         << QByteArray("0-1,4,6-7\n") << QList<int>{0, 1, 4, 6, 7};
     QTest::newRow("an empty line is no CPU") << QByteArray("\n") << QList<int>{};
     QTest::newRow("garbage ends the walk") << QByteArray("2,x,5\n") << QList<int>{2};
-    QTest::newRow("a range backwards is empty") << QByteArray("5-2,7\n") << QList<int>{7};
-    QTest::newRow("a number for the second time ends the walk")
+    QTest::newRow("a reversed range is empty") << QByteArray("5-2,7\n") << QList<int>{7};
+    QTest::newRow("a repeated number ends the walk")
         << QByteArray("0-3,3,5\n") << QList<int>{0, 1, 2, 3};
-    QTest::newRow("so does one behind a range backwards")
+    QTest::newRow("a lower number behind a reversed range ends the walk")
         << QByteArray("2-3,9-0,1\n") << QList<int>{2, 3};
     QTest::newRow("the last that a kernel can have") << QByteArray("8191\n") << QList<int>{8191};
     QTest::newRow("no kernel has so many") << QByteArray("3,0-8192\n") << QList<int>{3};

@@ -1,5 +1,5 @@
 // Stands in for a heavy program under whatever name and arguments it is started: holds HOLD_MIB of
-// memory of its own, says "ready" and stays until its standard input ends.
+// memory of its own, writes "ready" and stays until its standard input ends.
 
 #include <cstddef>
 #include <cstdlib>

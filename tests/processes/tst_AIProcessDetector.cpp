@@ -22,7 +22,7 @@ namespace {
 constexpr std::uint64_t MiB = 1 << 20;
 constexpr std::uint64_t enough = 200 * MiB;
 
-/// The system's side of the argument lookup: command lines by process, and who asked for them.
+/// Stands in for the system: command lines by process, and a record of what was read.
 struct CommandLines {
     std::map<std::int32_t, std::vector<std::string>> byPid = {};
     std::vector<std::int32_t> reads = {};
@@ -82,9 +82,9 @@ private slots:
     void readsArgumentsOnce();
     void keepsTheArgumentsOfTheFirstSighting();
     void doesNotRetryAFailedRead();
-    void readsWithoutHoldingTheCacheUp();
-    void forgetsWhatLeftTheList();
-    void keepsWhatShrankButStayed();
+    void readsWithoutLockingTheCache();
+    void forgetsProcessesThatLeftTheRanking();
+    void remembersProcessesThatShrankButStayed();
 };
 
 void TestAIProcessDetector::classifies_data()
@@ -136,7 +136,7 @@ void TestAIProcessDetector::classifies_data()
     for (const char *name :
          {"mlx", "vllm", "comfy", "forge", "stable-diffusion", "automatic1111", "sd-webui"}) {
         const QString framework = QString::fromLatin1(name);
-        QTest::addRow("a program named %s matches nothing", name)
+        QTest::addRow("a program named %s does not match", name)
             << framework << QStringList{framework, u"--model"_s, u"/m/x.gguf"_s} << Result();
     }
 
@@ -192,7 +192,7 @@ void TestAIProcessDetector::classifies_data()
         match(generic, u"x.safetensors"_s));
     row("a .ckpt file", u"python3"_s, u"python3 a.py x.ckpt"_s, match(generic, u"x.ckpt"_s));
     row("a .pth file", u"python3"_s, u"python3 a.py x.pth"_s, match(generic, u"x.pth"_s));
-    row("a .bin file alone is nothing", u"python3"_s, u"python3 a.py x.bin"_s, {});
+    row("a .bin file alone does not match", u"python3"_s, u"python3 a.py x.bin"_s, {});
     row("a .pt file before another argument", u"python3"_s, u"train.py weights.pt --epochs 3"_s,
         match(generic));
     row("a .pt file as the last argument", u"python3"_s, u"train.py weights.pt"_s, {});
@@ -258,7 +258,7 @@ void TestAIProcessDetector::findsModelsInFlags_data()
     row("a flag at the end", {u"a"_s, u"--model"_s}, {});
     row("flags in any case", {u"--MODEL"_s, u"/a/b/c"_s}, u"c"_s);
     row("a path behind the equals sign", {u"--model=/path/x.safetensors"_s}, u"x.safetensors"_s);
-    row("a value in its own case", {u"--Model=/Path/X.GGUF"_s}, u"X.GGUF"_s);
+    row("the value keeps its case", {u"--Model=/Path/X.GGUF"_s}, u"X.GGUF"_s);
     row("only the first equals sign divides", {u"--model=a=b"_s}, u"a=b"_s);
     row("an empty value", {u"--model="_s}, u""_s);
     row("a value of blanks", {u"--model"_s, u" \t\n"_s}, u""_s);
@@ -276,7 +276,7 @@ void TestAIProcessDetector::findsModelsInFlags_data()
     row("a second -m after a module", {u"-m"_s, u"llama"_s, u"-m"_s, u"/m/x"_s}, u"x"_s);
     row("strict flags go before -m", {u"-m"_s, u"/m/x.gguf"_s, u"--model"_s, u"y"_s}, u"y"_s);
     row("-m goes before a model file", {u"a.gguf"_s, u"-m"_s, u"/m/x"_s}, u"x"_s);
-    row("a model file at last", {u"a"_s, u"/m/b.pth"_s}, u"b.pth"_s);
+    row("a model file, where no flag names one", {u"a"_s, u"/m/b.pth"_s}, u"b.pth"_s);
 }
 
 void TestAIProcessDetector::findsModelsInFlags()
@@ -310,7 +310,7 @@ void TestAIProcessDetector::findsTheModelOfOllama_data()
     QTest::addColumn<Model>("expected");
     QTest::newRow("behind run") << QStringList{u"ollama"_s, u"run"_s, u"a/b/c"_s}
                                 << Model(u"a/b/c"_s);
-    QTest::newRow("as it stands") << QStringList{u"run"_s, u" x "_s} << Model(u" x "_s);
+    QTest::newRow("unchanged") << QStringList{u"run"_s, u" x "_s} << Model(u" x "_s);
     QTest::newRow("a flag goes before")
         << QStringList{u"ollama"_s, u"run"_s, u"x"_s, u"--model"_s, u"/m/y"_s} << Model(u"y"_s);
     QTest::newRow("run in another case") << QStringList{u"ollama"_s, u"Run"_s, u"x"_s} << Model();
@@ -414,7 +414,7 @@ void TestAIProcessDetector::reports_data()
     QTest::newRow("150 MiB") << Records{{1, "python3", 150 * MiB}} << QList<qint64>{} << 0;
     QTest::newRow("with an irrelevant name")
         << Records{{1, "main", enough}} << QList<qint64>{} << 0;
-    QTest::newRow("relevant, but nothing by the rules")
+    QTest::newRow("with a relevant name, but no rule matches")
         << Records{{1, "vllm", enough}} << QList<qint64>{} << 1;
     QTest::newRow("without a number") << Records{{{}, "python3", enough}} << QList<qint64>{} << 0;
     QTest::newRow("without a name") << Records{{1, {}, enough}} << QList<qint64>{} << 0;
@@ -445,7 +445,7 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
                           {3, "llama-cli", 901 * MiB}, {4, "firefox", 950 * MiB}};
     QCOMPARE(pids(detect(records, lines.reader(), cache)), (QList<qint64>{3, 9, 5, 2, 1}));
 
-    // So many that a sort that is not stable would show, in an order of no kind.
+    // Enough, and in no particular order, that an unstable sort would show.
     Records equal;
     QList<qint64> order;
     for (std::int32_t i = 1; i <= 40; ++i) {
@@ -489,9 +489,9 @@ void TestAIProcessDetector::doesNotRetryAFailedRead()
     QCOMPARE(lines.reads.size(), std::size_t(1));
 }
 
-void TestAIProcessDetector::readsWithoutHoldingTheCacheUp()
+void TestAIProcessDetector::readsWithoutLockingTheCache()
 {
-    // Another caller uses the cache while the system is asked; whoever stores last wins.
+    // Another caller uses the cache while the arguments are read; the later store wins.
     ArgumentCache cache;
     const auto read = [&cache](std::int32_t pid) {
         cache.remember(pid, {u"ollama"_s, u"run"_s, u"other"_s});
@@ -502,7 +502,7 @@ void TestAIProcessDetector::readsWithoutHoldingTheCacheUp()
     QCOMPARE(cache.find(7), std::optional(QStringList{u"ollama"_s, u"run"_s, u"own"_s}));
 }
 
-void TestAIProcessDetector::forgetsWhatLeftTheList()
+void TestAIProcessDetector::forgetsProcessesThatLeftTheRanking()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
     ArgumentCache cache;
@@ -518,7 +518,7 @@ void TestAIProcessDetector::forgetsWhatLeftTheList()
     QVERIFY(!cache.find(7));
 }
 
-void TestAIProcessDetector::keepsWhatShrankButStayed()
+void TestAIProcessDetector::remembersProcessesThatShrankButStayed()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
     ArgumentCache cache;

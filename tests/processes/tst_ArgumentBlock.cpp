@@ -11,7 +11,7 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-/// A block as the kernel lays it out; `rest` is all behind the count.
+/// A block as the kernel lays it out; `rest` is all that follows the count.
 std::string block(std::int32_t count, const std::string &rest)
 {
     std::string bytes(sizeof(count), '\0');
@@ -56,7 +56,7 @@ void TestArgumentBlock::readsBlocks_data()
     QTest::addColumn<std::string>("text");
     QTest::addColumn<Expected>("expected");
 
-    QTest::newRow("path, padding, arguments; the environment is left alone")
+    QTest::newRow("path, padding, arguments; the environment is not read")
         << block(2, bytes("/bin/ls\0\0\0\0ls\0-l\0HOME=/root\0"))
         << Expected({"/bin/ls", {"ls", "-l"}});
     QTest::newRow("no padding") << block(1, bytes("/bin/ls\0ls\0"))
@@ -71,7 +71,7 @@ void TestArgumentBlock::readsBlocks_data()
     QTest::newRow("4096 arguments are read")
         << block(4096, bytes("/a\0") + repeated(4096, bytes("x\0")))
         << Expected({"/a", Arguments(4096, "x")});
-    QTest::newRow("4097 arguments are nothing")
+    QTest::newRow("4097 arguments are refused")
         << block(4097, bytes("/a\0") + repeated(4097, bytes("x\0"))) << Expected();
     QTest::newRow("a block that ends early gives fewer")
         << block(5, bytes("/bin/ls\0ls\0-l\0")) << Expected({"/bin/ls", {"ls", "-l"}});
@@ -83,12 +83,12 @@ void TestArgumentBlock::readsBlocks_data()
     QTest::newRow("an argument that is not UTF-8 is skipped, later ones move up")
         << block(3, bytes("/bin/ls\0ls\0\xc3(\0-l\0HOME=/\0"))
         << Expected({"/bin/ls", {"ls", "-l"}});
-    QTest::newRow("an empty first argument drowns in the padding")
+    QTest::newRow("an empty first argument is skipped as padding")
         << block(2, bytes("/bin/ls\0\0-l\0HOME=/\0")) << Expected({"/bin/ls", {"-l", "HOME=/"}});
     QTest::newRow("an empty argument in the middle counts")
         << block(3, bytes("/bin/ls\0ls\0\0-l\0")) << Expected({"/bin/ls", {"ls", "", "-l"}});
     QTest::newRow("an empty path") << block(1, bytes("\0ls\0")) << Expected({"", {"ls"}});
-    QTest::newRow("nothing but NULs") << block(2, std::string(16, '\0')) << Expected({"", {}});
+    QTest::newRow("only NULs") << block(2, std::string(16, '\0')) << Expected({"", {}});
     QTest::newRow("newlines and control characters stay")
         << block(2, bytes("/a\0a\nb\0\x01\x1b[0m\0")) << Expected({"/a", {"a\nb", "\x01\x1b[0m"}});
 }
@@ -112,7 +112,7 @@ void TestArgumentBlock::readsCommandLines_data()
         << std::string() << Expected(Arguments());
     QTest::newRow("empty arguments count")
         << bytes("ls\0\0-l\0\0") << Expected({"ls", "", "-l", ""});
-    QTest::newRow("a title laid over it, without a NUL")
+    QTest::newRow("a title in their place, without a NUL")
         << bytes("postgres: checkpointer") << Expected({"postgres: checkpointer"});
     QTest::newRow("a title with a run of NULs behind it")
         << bytes("postgres: checkpointer\0\0\0\0\0") << Expected({"postgres: checkpointer"});
@@ -122,15 +122,14 @@ void TestArgumentBlock::readsCommandLines_data()
         << repeated(4096, bytes("x\0")) << Expected(Arguments(4096, "x"));
     QTest::newRow("4096 arguments without the last NUL")
         << repeated(4095, bytes("x\0")) + "x" << Expected(Arguments(4096, "x"));
-    QTest::newRow("4097 arguments are nothing") << repeated(4097, bytes("x\0")) << Expected();
+    QTest::newRow("4097 arguments are refused") << repeated(4097, bytes("x\0")) << Expected();
     QTest::newRow("4097 arguments without the last NUL")
         << repeated(4096, bytes("x\0")) + "x" << Expected();
     QTest::newRow("an argument that is not UTF-8 is skipped, later ones move up")
         << bytes("ls\0\xed\xa0\x80\0-l\0") << Expected({"ls", "-l"});
     QTest::newRow("newlines and control characters stay")
         << bytes("a\nb\0\x01\x1b[0m\0") << Expected({"a\nb", "\x01\x1b[0m"});
-    QTest::newRow("nothing but NULs is one empty argument")
-        << std::string(3, '\0') << Expected({""});
+    QTest::newRow("only NULs are one empty argument") << std::string(3, '\0') << Expected({""});
 }
 
 void TestArgumentBlock::readsCommandLines()

@@ -54,16 +54,16 @@ void TestFootprintRanking::ranks_data()
     QTest::newRow("no processes") << Bounds{} << Exact() << 5 << Ranking{};
     QTest::newRow("equal ones in the order of their numbers")
         << Bounds{{7, 5, 5}, {3, 5, 5}, {5, 5, 5}} << Exact() << 2 << Ranking{{3, 5}, {5, 5}};
-    QTest::newRow("what holds nothing is not ranked")
+    QTest::newRow("a process that holds nothing is not ranked")
         << Bounds{{1, 0, 0}, {2, 0, 9}, {3, 1, 1}} << Exact{{2, 0}} << 5 << Ranking{{3, 1}};
-    QTest::newRow("swapped memory lifts a process")
+    QTest::newRow("swapped memory moves a process up")
         << Bounds{{1, 10, 50}, {2, 30, 70}, {3, 20, 60}} << Exact{{1, 50}, {2, 30}, {3, 25}} << 2
         << Ranking{{1, 50}, {2, 30}};
     QTest::newRow("one that is swapped out whole counts")
         << Bounds{{1, 0, 40}, {2, 30, 70}} << Exact{{1, 40}, {2, 30}} << 1 << Ranking{{1, 40}};
     QTest::newRow("one that has ended makes room for the next")
         << Bounds{{1, 10, 50}, {2, 30, 70}} << Exact{{1, 12}} << 1 << Ranking{{1, 12}};
-    QTest::newRow("a tie on the edge goes to the lower number")
+    QTest::newRow("of two equal ones at the limit the lower number counts")
         << Bounds{{9, 30, 30}, {1, 10, 30}} << Exact{{1, 30}} << 1 << Ranking{{1, 30}};
 }
 

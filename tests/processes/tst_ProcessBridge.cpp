@@ -37,8 +37,8 @@ class TestProcessBridge : public QObject {
 
 private slots:
     void listsInTheKernelsOrder();
-    void leavesOut_data();
-    void leavesOut();
+    void skipsWhatHasNoFootprint_data();
+    void skipsWhatHasNoFootprint();
     void namesProcesses_data();
     void namesProcesses();
     void ranks_data();
@@ -47,12 +47,12 @@ private slots:
     void findsNothingWhereNothingIs();
     void addsSwappedMemory();
     void readsStatusOnlyWhileSwapIsInUse();
-    void mindsMergedPages();
+    void countsMergedPagesInSwap();
     void skipsAProcessThatEndsBeforeItsStatusIsRead();
     void readsArguments_data();
     void readsArguments();
-    void refusesPidsThatAreNone();
-    void knowsItself();
+    void refusesNumbersThatAreNoProcess();
+    void readsItself();
 };
 
 void TestProcessBridge::listsInTheKernelsOrder()
@@ -65,7 +65,7 @@ void TestProcessBridge::listsInTheKernelsOrder()
              (Records{{7, "a", 3 * MiB}, {41, "b", 2 * MiB}, {300, "c", MiB}}));
 }
 
-void TestProcessBridge::leavesOut_data()
+void TestProcessBridge::skipsWhatHasNoFootprint_data()
 {
     QTest::addColumn<FakeProcess>("process");
     FakeProcess zombie = named("gone\n", 0);
@@ -83,7 +83,7 @@ void TestProcessBridge::leavesOut_data()
     QTest::newRow("one whose file holds garbage") << garbage;
 }
 
-void TestProcessBridge::leavesOut()
+void TestProcessBridge::skipsWhatHasNoFootprint()
 {
     QFETCH(FakeProcess, process);
     ProcTree tree;
@@ -218,9 +218,9 @@ void TestProcessBridge::readsStatusOnlyWhileSwapIsInUse()
     QCOMPARE(ProcessBridge::allProcesses(tree.source()), (Records{{1, "a", 41 * MiB}}));
 }
 
-void TestProcessBridge::mindsMergedPages()
+void TestProcessBridge::countsMergedPagesInSwap()
 {
-    // A page of swap holds what many pages of one process stand for.
+    // One page of swap may hold what many pages of a process share.
     ProcTree tree;
     tree.setSwap(500 * MiB, 499 * MiB);
     tree.add(1, named("plain\n", 20 * MiB));
@@ -287,14 +287,14 @@ void TestProcessBridge::readsArguments()
     QVERIFY(ProcessBridge::processArgsForPID(77, tree.source()) == expected);
 }
 
-void TestProcessBridge::refusesPidsThatAreNone()
+void TestProcessBridge::refusesNumbersThatAreNoProcess()
 {
     QVERIFY(!ProcessBridge::processArgsForPID(0));
     QVERIFY(!ProcessBridge::processArgsForPID(-1));
     QVERIFY(!ProcessBridge::processArgsForPID(INT_MIN));
 }
 
-void TestProcessBridge::knowsItself()
+void TestProcessBridge::readsItself()
 {
     const auto arguments = ProcessBridge::processArgsForPID(getpid());
     QVERIFY(arguments);

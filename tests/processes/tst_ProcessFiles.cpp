@@ -78,11 +78,11 @@ void TestProcessFiles::readsStatm_data()
         << bounds(25, 25);
     QTest::newRow("all of it swapped out")
         << std::string("100 15 15\n") << someSwap << bounds(0, 5);
-    QTest::newRow("resident beyond its address space, as rough counters have it")
+    QTest::newRow("more resident than address space, since the counters are imprecise")
         << std::string("30 40 15\n") << someSwap << bounds(25, 25);
     QTest::newRow("a zombie or kernel thread")
         << std::string("0 0 0 0 0 0 0\n") << someSwap << Bounds();
-    QTest::newRow("nothing of its own") << std::string("100 15 15\n") << noSwap << Bounds();
+    QTest::newRow("no memory of its own") << std::string("100 15 15\n") << noSwap << Bounds();
     QTest::newRow("more shared than resident") << std::string("100 15 16\n") << noSwap << Bounds();
     QTest::newRow("cut") << std::string("100 40") << noSwap << Bounds();
     QTest::newRow("empty") << std::string() << noSwap << Bounds();
@@ -90,7 +90,7 @@ void TestProcessFiles::readsStatm_data()
     QTest::newRow("letters") << std::string("100 4x 15\n") << noSwap << Bounds();
     QTest::newRow("more than any machine has")
         << std::string("100 274877906945 0\n") << noSwap << Bounds();
-    QTest::newRow("an address space beyond all bounds is no obstacle")
+    QTest::newRow("an implausible address space does not matter")
         << std::string("18446744073709551615 40 15\n") << someSwap << bounds(25, 30);
 }
 
@@ -114,7 +114,7 @@ void TestProcessFiles::readsSwappedMemory_data()
     QTest::newRow("some") << std::string("Name:\tx\nVmSwap:\t    2048 kB\nThreads:\t1\n")
                           << Bytes(2 << 20);
     QTest::newRow("none") << std::string("VmSwap:\t       0 kB\n") << Bytes(0);
-    QTest::newRow("a name cannot fake the line, its newline is escaped")
+    QTest::newRow("a name cannot imitate the line, since its newline is escaped")
         << std::string("Name:\tx\\nVmSwap:\t9 kB\nVmSwap:\t4 kB\n") << Bytes(4096);
     QTest::newRow("a zombie has no such line")
         << std::string("Name:\tx\nState:\tZ (zombie)\n") << Bytes();

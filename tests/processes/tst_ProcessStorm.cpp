@@ -1,4 +1,4 @@
-// Passes over a process table that changes under them: thousands of processes come and go.
+// Surveys a process table that changes meanwhile: thousands of processes come and go.
 
 #include "processes/LiveProcess.h"
 #include "processes/ProcessBridge.h"
@@ -22,7 +22,7 @@ class TestProcessStorm : public QObject {
     Q_OBJECT
 
 private slots:
-    void passesThroughAStorm();
+    void surveysAChangingProcessTable();
 
 private:
     void checkRows(const std::vector<ProcessRow> &rows);
@@ -47,7 +47,7 @@ void TestProcessStorm::checkRows(const std::vector<ProcessRow> &rows)
     QCOMPARE(static_cast<std::size_t>(pids.size()), rows.size());
 }
 
-void TestProcessStorm::passesThroughAStorm()
+void TestProcessStorm::surveysAChangingProcessTable()
 {
     LiveProcess rock(u"ollama"_s, {u"run"_s, u"llama3"_s}, 250);
     QVERIFY(rock.isReady());

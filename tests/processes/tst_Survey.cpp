@@ -49,7 +49,7 @@ class TestSurvey : public QObject {
 private slots:
     void equalsRankingAndDetection();
     void equalsThemOnAnyMachine();
-    void looksAtTheEightyHeaviest();
+    void examinesTheEightyHeaviest();
     void findsNothingWhereNothingIs();
     void findsProcessesOfThisMachine();
     void isSafeFromManyThreads();
@@ -79,7 +79,7 @@ void TestSurvey::equalsRankingAndDetection()
 
 void TestSurvey::equalsThemOnAnyMachine()
 {
-    // Few sizes, so that equal footprints lie on the edges of both lists; swap in use; names that
+    // Few sizes, so that equal footprints lie at the ends of both lists; swap in use; names that
     // cannot be read.
     constexpr std::array sizes{1 * MiB, 199 * MiB, 200 * MiB, 300 * MiB};
     const std::array<std::optional<QByteArray>, 4> names{"ollama\n", "python3\n", "node\n", {}};
@@ -103,7 +103,7 @@ void TestSurvey::equalsThemOnAnyMachine()
     }
 }
 
-void TestSurvey::looksAtTheEightyHeaviest()
+void TestSurvey::examinesTheEightyHeaviest()
 {
     ProcTree tree;
     addCrowd(tree, 1000, 79, 900 * MiB);

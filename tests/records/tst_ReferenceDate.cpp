@@ -15,8 +15,8 @@ private slots:
     void theWallClockCountsFrom2001();
     void localDates_data();
     void localDates();
-    void noDateForWhatNoClockTells_data();
-    void noDateForWhatNoClockTells();
+    void isInvalidForValuesThatNoClockHas_data();
+    void isInvalidForValuesThatNoClockHas();
 };
 
 void TestReferenceDate::theWallClockCountsFrom2001()
@@ -51,7 +51,7 @@ void TestReferenceDate::localDates()
     QTEST(date.toUTC().toString(Qt::ISODateWithMs), "expected");
 }
 
-void TestReferenceDate::noDateForWhatNoClockTells_data()
+void TestReferenceDate::isInvalidForValuesThatNoClockHas_data()
 {
     QTest::addColumn<double>("seconds");
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN();
@@ -60,7 +60,7 @@ void TestReferenceDate::noDateForWhatNoClockTells_data()
     QTest::newRow("the lowest number") << std::numeric_limits<double>::lowest();
 }
 
-void TestReferenceDate::noDateForWhatNoClockTells()
+void TestReferenceDate::isInvalidForValuesThatNoClockHas()
 {
     QFETCH(double, seconds);
     QVERIFY(!localDateTime(seconds).isValid());

@@ -13,7 +13,7 @@ class TestSystemMetrics : public QObject {
     Q_OBJECT
 
 private slots:
-    void placeholderStandsInForNothing();
+    void placeholderHasNoMemoryAndNoChip();
     void everyRecordHasAnIdOfItsOwn();
     void wattsAreSummed();
     void usedPercentOf_data();
@@ -21,7 +21,7 @@ private slots:
     void pressureIsStoredByNumber();
 };
 
-void TestSystemMetrics::placeholderStandsInForNothing()
+void TestSystemMetrics::placeholderHasNoMemoryAndNoChip()
 {
     const double before = secondsSince2001();
     const SystemMetrics &placeholder = SystemMetrics::placeholder();

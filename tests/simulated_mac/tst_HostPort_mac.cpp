@@ -1,5 +1,5 @@
-// The host port is asked for once for the life of the process: being without one needs a process of
-// its own.
+// The host port is requested once for the life of the process, so a failure needs a process of its
+// own.
 
 #include "cpu/CPUCoreSampler.h"
 #include "memory/MemorySampler.h"
@@ -14,10 +14,10 @@ class TestNoHostPort : public QObject {
     Q_OBJECT
 
 private slots:
-    void isAbsence();
+    void givesNoReadings();
 };
 
-void TestNoHostPort::isAbsence()
+void TestNoHostPort::givesNoReadings()
 {
     mac().boot(baseM1());
     faults().failAlways(Call::mach_host_self, Way::null);

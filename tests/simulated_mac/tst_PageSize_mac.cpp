@@ -1,5 +1,4 @@
-// The page size is read once for the life of the process: not knowing it needs a process of its
-// own.
+// The page size is read once for the life of the process, so a failure needs a process of its own.
 
 #include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"

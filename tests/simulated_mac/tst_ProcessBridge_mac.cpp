@@ -191,7 +191,7 @@ void TestProcessBridgeOnMac::readsArgumentsCutByTheKernel()
           .footprint = 1,
           .arguments = argumentBlock("/bin/a", {"first", "second", "third", "fourth", "fifth"})}});
     const auto whole = ProcessBridge::processArgsForPID(pid);
-    for (const int use : {1, 2}) { // The size was too small, or the bytes are fewer than told.
+    for (const int use : {1, 2}) { // The size was too small, or the bytes are fewer than announced.
         faults().failOnce(Call::sysctl, Way::shortAnswer, use);
         const auto cut = ProcessBridge::processArgsForPID(pid);
         QVERIFY(cut);
