@@ -125,6 +125,10 @@ __attribute__((objc_root_class))
 - (void)removeObserver:(id)observer;
 @end
 
+@interface NSThread : NSObject
+@property (class, readonly) BOOL isMainThread;
+@end
+
 @interface NSOperationQueue : NSObject
 @property (class, readonly, strong) NSOperationQueue *mainQueue;
 - (void)addOperationWithBlock:(void (^)(void))block;
