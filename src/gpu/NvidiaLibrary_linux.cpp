@@ -7,7 +7,7 @@
 
 #include <dlfcn.h>
 
-// The library's types and constants as its binary interface fixes them; its header is not needed.
+// Types and constants of the library's binary interface; its header is not needed.
 
 namespace corvane {
 
@@ -18,7 +18,7 @@ using Device = void *;
 
 constexpr Result success = 0;
 constexpr Result gpuIsLost = 15;
-constexpr Result versionMismatch = 18; ///< The driver was updated; until the next start.
+constexpr Result versionMismatch = 18; ///< The driver was updated; lasts until the next start.
 constexpr int gpuSensor = 0;
 constexpr unsigned int mostDevices = 64;
 
@@ -71,7 +71,7 @@ struct NvidiaLibrary::Functions {
     Result (*versionedTemperature)(Device, VersionedTemperature *) = nullptr;
     Result (*power)(Device, unsigned int *) = nullptr;
     Result (*energy)(Device, unsigned long long *) = nullptr;
-    bool lost = false; ///< Seen in any call of a reading.
+    bool lost = false; ///< A call found that the driver or a GPU is gone.
 
     bool load(const std::string &path);
     std::string addressOf(Device device, unsigned int index);
@@ -172,6 +172,7 @@ NvidiaLibrary::~NvidiaLibrary()
 
 std::optional<std::vector<NvidiaDeviceReading>> NvidiaLibrary::read()
 {
+    m_thread.check();
     unsigned int count = 0;
     if (!m_functions->call(m_functions->deviceCount, &count))
         return std::nullopt;

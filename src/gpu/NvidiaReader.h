@@ -2,6 +2,7 @@
 
 #include "gpu/NvidiaLibrary.h"
 #include "platform/BootClock.h"
+#include "platform/OneThread.h"
 
 #include <functional>
 #include <memory>
@@ -12,39 +13,41 @@
 
 namespace corvane {
 
-/// All GPUs of NVIDIA, as they were when the library began to be asked.
+/// All GPUs of NVIDIA, at the time when the calls of the library began.
 struct NvidiaReading {
     double seconds = 0;
     std::vector<NvidiaDeviceReading> devices = {};
 };
 
 /// Reads NVIDIA's management library on a thread of its own, because its calls may stall for
-/// seconds: no call of this class waits for the library. Main thread. A library that cannot be
-/// opened, or that loses its GPU, is tried again a minute later.
+/// seconds: no call of this class waits for the library. Used on one thread. A library that cannot
+/// be opened, or that loses its GPU, is tried again a minute later.
 class NvidiaReader {
 public:
     explicit NvidiaReader(std::string library, std::function<double()> clock = secondsSinceBoot);
 
-    /// Gives a stalled library a short time; then leaves the thread behind, which ends by itself
-    /// when the library returns.
+    /// Gives a stalled library a second; then leaves the thread behind, which ends by itself when
+    /// the library returns.
     ~NvidiaReader();
 
     /// Asks for a new reading, opening the library if it is not open.
     void request();
 
-    /// Has the library closed, so that the GPUs may fall asleep. What was read is forgotten.
+    /// Closes the library, so that the GPUs may fall asleep, and forgets the newest reading.
     void release();
 
-    /// The newest reading; nothing when there is none, or when it is too old to be live.
+    /// The newest reading; absent when there is none, or when it is too old to be live.
     std::optional<NvidiaReading> newest() const;
 
 private:
-    struct Desk;
-    static void work(const std::shared_ptr<Desk> &desk);
+    class Mailbox;
+    static void work(const std::shared_ptr<Mailbox> &mailbox, const std::string &path,
+                     const std::function<double()> &clock);
 
     std::function<double()> m_clock;
-    std::shared_ptr<Desk> m_desk; ///< The thread's too, which may outlive this object.
+    std::shared_ptr<Mailbox> m_mailbox; ///< The thread's too, which may outlive this object.
     std::thread m_thread;
+    mutable OneThread m_user = {};
 };
 
 } // namespace corvane

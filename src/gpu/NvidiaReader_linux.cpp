@@ -1,83 +1,110 @@
 #include "gpu/NvidiaReader.h"
 
-#include <chrono>
-#include <condition_variable>
+#include "platform/Mutex.h"
+
 #include <limits>
-#include <mutex>
 #include <utility>
 
 namespace corvane {
 
 namespace {
 
-enum class Wish { nothing, reading, release, end };
-
 constexpr double secondsBetweenTries = 60;
-constexpr double oldestLive = 2.5;
+constexpr double oldestLive = 2.5; ///< Seconds.
 
 } // namespace
 
-/// What passes between the two threads.
-struct NvidiaReader::Desk {
-    const std::string library;
-    const std::function<double()> clock;
-
-    std::mutex mutex = {};
-    std::condition_variable changed = {};
-    Wish wish = Wish::nothing; ///< Guarded by `mutex`, as are the next three.
-    unsigned int releases = 0; ///< A reading begun before the last one is dropped.
-    std::optional<NvidiaReading> newest = {};
-    bool ended = false;
+/// What passes between the two threads: the newest request one way, the newest reading the other.
+class NvidiaReader::Mailbox {
+public:
+    enum class Request { none, read, release, end };
 
     struct Order {
-        Wish wish = Wish::end;
-        unsigned int releases = 0;
+        Request request = Request::end;
+        unsigned int releases = 0; ///< How many there were before it.
     };
 
-    /// Waits for a wish and takes it.
-    Order takeOrder()
+    /// Replaces a request that was not taken yet, but for the last one, which is final.
+    void post(Request request)
     {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [this] { return wish != Wish::nothing; });
-        return {std::exchange(wish, Wish::nothing), releases};
-    }
-
-    /// The end is final: no later wish takes its place.
-    void ask(Wish next)
-    {
-        const std::lock_guard lock(mutex);
-        if (wish != Wish::end)
-            wish = next;
-        if (next == Wish::release) {
-            ++releases;
-            newest.reset();
+        const MutexLock lock(m_mutex);
+        if (m_request != Request::end)
+            m_request = request;
+        if (request == Request::release) {
+            ++m_releases;
+            m_newest.reset();
         }
-        changed.notify_all();
+        m_changed.notifyAll();
     }
 
-    void publish(NvidiaReading reading, unsigned int begunAt)
+    /// Waits for a request and takes it.
+    Order take()
     {
-        const std::lock_guard lock(mutex);
-        if (releases == begunAt)
-            newest = std::move(reading);
+        MutexLock lock(m_mutex);
+        while (m_request == Request::none)
+            m_changed.wait(lock);
+        return {std::exchange(m_request, Request::none), m_releases};
     }
+
+    /// Drops a reading that was ordered before the last release.
+    void publish(NvidiaReading reading, const Order &order)
+    {
+        const MutexLock lock(m_mutex);
+        if (m_releases == order.releases)
+            m_newest = std::move(reading);
+    }
+
+    std::optional<NvidiaReading> newest()
+    {
+        const MutexLock lock(m_mutex);
+        return m_newest;
+    }
+
+    void setEnded()
+    {
+        const MutexLock lock(m_mutex);
+        m_ended = true;
+        m_changed.notifyAll();
+    }
+
+    /// False when the time was over before the thread ended.
+    bool waitForEnd(std::chrono::milliseconds time)
+    {
+        const auto deadline = std::chrono::steady_clock::now() + time;
+        MutexLock lock(m_mutex);
+        while (!m_ended) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            if (left.count() <= 0)
+                return false;
+            m_changed.waitFor(lock, left);
+        }
+        return true;
+    }
+
+private:
+    Mutex m_mutex = {};
+    Condition m_changed = {};
+    Request m_request GUARDED_BY(m_mutex) = Request::none;
+    unsigned int m_releases GUARDED_BY(m_mutex) = 0;
+    std::optional<NvidiaReading> m_newest GUARDED_BY(m_mutex) = {};
+    bool m_ended GUARDED_BY(m_mutex) = false;
 };
 
 NvidiaReader::NvidiaReader(std::string library, std::function<double()> clock)
-    : m_clock(clock),
-      m_desk(new Desk{.library = std::move(library), .clock = std::move(clock)}),
-      m_thread([desk = m_desk] { work(desk); })
+    : m_clock(std::move(clock)),
+      m_mailbox(std::make_shared<Mailbox>()),
+      m_thread([mailbox = m_mailbox, path = std::move(library), now = m_clock] {
+          work(mailbox, path, now);
+      })
 {
 }
 
 NvidiaReader::~NvidiaReader()
 {
     constexpr std::chrono::seconds patience(1);
-    m_desk->ask(Wish::end);
-    std::unique_lock lock(m_desk->mutex);
-    const bool ended = m_desk->changed.wait_for(lock, patience, [this] { return m_desk->ended; });
-    lock.unlock();
-    if (ended)
+    m_mailbox->post(Mailbox::Request::end);
+    if (m_mailbox->waitForEnd(patience))
         m_thread.join();
     else
         m_thread.detach();
@@ -85,39 +112,43 @@ NvidiaReader::~NvidiaReader()
 
 void NvidiaReader::request()
 {
-    m_desk->ask(Wish::reading);
+    m_user.check();
+    m_mailbox->post(Mailbox::Request::read);
 }
 
 void NvidiaReader::release()
 {
-    m_desk->ask(Wish::release);
+    m_user.check();
+    m_mailbox->post(Mailbox::Request::release);
 }
 
 std::optional<NvidiaReading> NvidiaReader::newest() const
 {
-    const double now = m_clock();
-    const std::lock_guard lock(m_desk->mutex);
-    if (!m_desk->newest || now - m_desk->newest->seconds > oldestLive)
-        return std::nullopt;
-    return m_desk->newest;
+    m_user.check();
+    auto reading = m_mailbox->newest();
+    if (reading && m_clock() - reading->seconds > oldestLive)
+        reading.reset();
+    return reading;
 }
 
-/// The thread: closes the library when it is told to, when it fails, and at the end.
-void NvidiaReader::work(const std::shared_ptr<Desk> &desk)
+/// The thread: closes the library at a release, when it fails, and at the end.
+void NvidiaReader::work(const std::shared_ptr<Mailbox> &mailbox, const std::string &path,
+                        const std::function<double()> &clock)
 {
+    using Request = Mailbox::Request;
     std::unique_ptr<NvidiaLibrary> library;
     double nextTry = -std::numeric_limits<double>::infinity();
-    for (auto order = desk->takeOrder(); order.wish != Wish::end; order = desk->takeOrder()) {
-        const double now = desk->clock();
-        if (order.wish == Wish::release) {
+    for (auto order = mailbox->take(); order.request != Request::end; order = mailbox->take()) {
+        const double now = clock();
+        if (order.request == Request::release) {
             library.reset();
             continue;
         }
         if (!library && now >= nextTry)
-            library = NvidiaLibrary::open(desk->library);
+            library = NvidiaLibrary::open(path);
         auto devices = library ? library->read() : std::nullopt;
         if (devices) {
-            desk->publish({.seconds = now, .devices = std::move(*devices)}, order.releases);
+            mailbox->publish({.seconds = now, .devices = std::move(*devices)}, order);
             continue;
         }
         library.reset();
@@ -125,9 +156,7 @@ void NvidiaReader::work(const std::shared_ptr<Desk> &desk)
             nextTry = now + secondsBetweenTries;
     }
     library.reset();
-    const std::lock_guard lock(desk->mutex);
-    desk->ended = true;
-    desk->changed.notify_all();
+    mailbox->setEnded();
 }
 
 } // namespace corvane
