@@ -2,7 +2,7 @@ foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTable
              LivelyLoad MemoryCounters_mac PageSize_mac ProcessBridge_mac SimulatedMac SimulatedMachines
              ThermalBridge_mac ThreadPriority_mac)
   corvane_test(simulated_mac/tst_${test} SYSTEM simulated-mac
-               LINK corvane::chip corvane::memory corvane::processes corvane_simulated_mac)
+               LINK corvane::chip corvane::memory corvane::processes)
 endforeach()
 
 if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
