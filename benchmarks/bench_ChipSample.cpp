@@ -4,9 +4,7 @@
 
 #include "BareReads.h"
 #include "Ratio.h"
-#include "chip/ChipReader.h"
-#include "chip/ThermalBridge.h"
-#include "cpu/CoreTicks.h"
+#include "chip/ChipSource_linux.h"
 
 #include <filesystem>
 
@@ -32,31 +30,22 @@ std::vector<std::string> filesOfATick(const std::string &root)
         const std::string path = entry.path().string();
         const bool isCounted = path.find(":0:0/") == std::string::npos // Inside the package.
             && path.find("hwmon2") == std::string::npos                // The board's own sensors.
-            && path.find("hwmon0/temp1") == std::string::npos;         // Outdone by another one.
+            && path.find("hwmon0/temp1") == std::string::npos; // Another sensor is used instead.
         if (entry.is_regular_file() && isCounted && isRead(entry.path().filename().string()))
             paths.push_back(path);
     }
     return paths;
 }
 
-/// Times a sample a second, so that nothing is taken from the sample before.
+/// Steps a second between the samples.
 void sampleChip(benchmark::State &state, const std::string &root,
                 const std::vector<std::string> &files)
 {
     double now = 0;
-    const auto clock = [&now] { return now; };
-    const auto gpus = std::make_shared<GPUWatch>(root, std::string(), clock);
-    ChipReader reader(root, {}, gpus, clock);
-    CoreTicksReader cores(root);
-    ThermalBridge temperatures(root);
-    ChipSnapshot last = reader.read();
+    const ChipSource chip = openChipSourceBelow(root, [&now] { return now; });
     const auto sample = [&] {
         now += 1;
-        ChipSnapshot next = reader.read();
-        benchmark::DoNotOptimize(chipChannels(last, next, reader.clusters()));
-        last = std::move(next);
-        benchmark::DoNotOptimize(cores.read());
-        benchmark::DoNotOptimize(temperatures.readAllTemperatures());
+        benchmark::DoNotOptimize(chip());
     };
     BareReads bare(files);
     state.counters["files"] = static_cast<double>(bare.count());

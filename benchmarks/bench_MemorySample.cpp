@@ -1,6 +1,6 @@
 #include "BareReads.h"
 #include "Ratio.h"
-#include "cpu/CoreTicks.h"
+#include "cpu/ProcStatFile.h"
 #include "memory/MemorySampler.h"
 
 using namespace corvane;
@@ -16,7 +16,7 @@ void memorySample(benchmark::State &state)
 
 void coreTicks(benchmark::State &state)
 {
-    CoreTicksReader reader;
+    ProcStatFile reader;
     compare(
         state, [&reader] { benchmark::DoNotOptimize(reader.read()); }, BareReads({"/proc/stat"}));
 }

@@ -122,8 +122,7 @@ private:
 void chipSample(benchmark::State &state)
 {
     mac().boot(maxM4());
-    const ChipSource chip =
-        openChipSource("/", readFrequencyTables(), [] { return mac().clock(); });
+    const ChipSource chip = openChipSource([] { return mac().clock(); });
     BareCalls bare;
     const auto sample = [&chip] {
         mac().advance(1);

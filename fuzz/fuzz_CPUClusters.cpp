@@ -27,10 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     std::set<int> present;
     forEachCPU(topology.present, [&present](int cpu) { present.insert(cpu); });
     std::size_t sorted = 0;
-    for (const CPUCluster &cluster : cpuClusters(topology)) {
-        if (cluster.cpus.empty() || !std::ranges::is_sorted(cluster.cpus))
+    for (const std::vector<int> &cpus : cpusByCluster(topology)) {
+        if (cpus.empty() || !std::ranges::is_sorted(cpus))
             std::abort();
-        sorted += cluster.cpus.size();
+        sorted += cpus.size();
     }
     if (sorted != present.size())
         std::abort();

@@ -17,18 +17,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             devices.push_back({.driver = std::string(*line)});
         else
             devices.back().labels.emplace_back(*line);
-        if (const auto kind = thermalZoneKind(*line); kind && thermalZoneName(*kind).empty())
+        const auto kind = thermalZoneKind(*line);
+        if (kind == ThermalZoneKind::cpu && thermalZonePart(*kind) != ChipPart::cpu)
             std::abort();
         const auto degrees = thermalZoneDegrees(ThermalZoneKind::board, *line);
         if (degrees && !(*degrees > 0 && *degrees < 150))
             std::abort();
     }
-    const auto names = sensorNames(devices);
-    if (names.size() != devices.size())
-        std::abort();
-    for (std::size_t device = 0; device < names.size(); ++device) {
-        if (names[device].size() != devices[device].labels.size())
+    for (const SensorDevice &device : devices) {
+        const auto parts = sensorParts(device);
+        if (parts.size() != device.labels.size())
             std::abort();
+        for (const auto &part : parts) {
+            if (part && !isChipDriver(device.driver))
+                std::abort();
+        }
     }
     return 0;
 }

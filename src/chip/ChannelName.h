@@ -4,8 +4,7 @@
 
 namespace corvane {
 
-/// A reporting channel's name without "DIE_<n>_" at its start; as it is when it does not start so.
-/// Pure.
+/// A reporting channel's name without "DIE_<n>_" at its start; unchanged when it starts otherwise.
 std::string_view withoutDie(std::string_view name);
 
 } // namespace corvane

@@ -1,7 +1,5 @@
 #include "chip/ChannelTotals.h"
 
-#include "chip/NaturalOrder.h"
-
 #include <QLatin1StringView>
 
 #include <algorithm>
@@ -88,21 +86,8 @@ void ChannelTotals::addGPUStates(const ReportingChannel &channel)
             m_gpu.idle += residency;
             continue;
         }
-        m_gpuActive += residency;
-        activeTime(state.name) += residency;
-        if (residency > m_bestGPUResidency) {
-            m_bestGPUResidency = residency;
-            m_bestGPUState = state.name;
-        }
+        m_gpuStates.add(state.name, residency);
     }
-}
-
-double &ChannelTotals::activeTime(std::string_view gpuState)
-{
-    const auto known = std::ranges::find(m_gpuStates, gpuState, &StateTime::name);
-    if (known != m_gpuStates.end())
-        return known->residency;
-    return m_gpuStates.emplace_back(StateTime{std::string(gpuState)}).residency;
 }
 
 void ChannelTotals::addCPUStates(const ReportingChannel &channel)
@@ -135,31 +120,9 @@ ChipReading ChannelTotals::reading(double seconds) const
         .cpuActiveFraction = m_cpu.activeFraction(),
         .gpuActiveFraction = m_gpu.activeFraction(),
         .cpuActiveMHz = m_weightedResidency > 0 ? m_weightedMHz / m_weightedResidency : 0,
-        .gpuDominantState = QString::fromStdString(m_bestGPUState),
-        .gpuStateResidency = gpuStateShares(),
+        .gpuDominantState = QString::fromStdString(m_gpuStates.dominant()),
+        .gpuStateResidency = m_gpuStates.shares(),
     };
-}
-
-/// The ten largest shares of the active time from 1 % on, in the natural order of their names.
-std::vector<GPUStateShare> ChannelTotals::gpuStateShares() const
-{
-    constexpr double leastShare = 0.01;
-    constexpr std::size_t mostShares = 10;
-    if (m_gpuActive <= 0)
-        return {};
-    std::vector<const StateTime *> shown;
-    for (const StateTime &state : m_gpuStates) {
-        if (state.residency / m_gpuActive >= leastShare)
-            shown.push_back(&state);
-    }
-    std::ranges::stable_sort(shown, std::greater(), &StateTime::residency);
-    shown.resize(std::min(shown.size(), mostShares));
-    std::ranges::stable_sort(shown, naturallyLess, &StateTime::name);
-    std::vector<GPUStateShare> shares;
-    shares.reserve(shown.size());
-    for (const StateTime *state : shown)
-        shares.push_back({QString::fromStdString(state->name), state->residency / m_gpuActive});
-    return shares;
 }
 
 double ChannelTotals::energyToJoules(std::optional<std::string_view> unitLabel)

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "chip/FrequencyTables.h"
-#include "chip/IOReportBridge.h"
+#include "chip/GPUStateTimes.h"
+#include "chip/ReportingChannel.h"
 #include "records/ChipReading.h"
 
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace corvane {
 
@@ -19,12 +18,12 @@ public:
 
     void add(const ReportingChannel &channel);
 
-    /// Power, load, frequency and GPU states of an interval of that many seconds; what no channel
-    /// told is 0 or empty. Utilisations of cores and temperatures are not in it.
+    /// Power, load, frequency and GPU states of an interval of that many seconds; 0 or empty where
+    /// there was no channel. Utilisations of cores and temperatures are not in it.
     ChipReading reading(double seconds) const;
 
-    /// Joules that one unit of an energy counter stands for. Without a label, and for one that is
-    /// not known, a nanojoule.
+    /// Joules that one unit of an energy counter stands for; a nanojoule without a label, and for
+    /// an unknown one.
     static double energyToJoules(std::optional<std::string_view> unitLabel);
 
 private:
@@ -35,29 +34,20 @@ private:
 
         double activeFraction() const;
     };
-    struct StateTime {
-        std::string name = {};
-        double residency = 0;
-    };
 
     void addEnergy(const ReportingChannel &channel);
     void addGPUStates(const ReportingChannel &channel);
     void addCPUStates(const ReportingChannel &channel);
-    double &activeTime(std::string_view gpuState);
-    std::vector<GPUStateShare> gpuStateShares() const;
 
     const FrequencyTables &m_tables;
     double m_cpuJoules = 0;
     double m_gpuJoules = 0;
     double m_aneJoules = 0;
     Residency m_gpu = {};
-    double m_gpuActive = 0;
-    std::vector<StateTime> m_gpuStates = {}; ///< Active ones, in the order of appearance.
-    double m_bestGPUResidency = 0;
-    std::string m_bestGPUState = {};
+    GPUStateTimes m_gpuStates = {};
     Residency m_cpu = {};
     double m_weightedMHz = 0;       ///< Frequency times residency.
-    double m_weightedResidency = 0; ///< Of the states whose frequency is known.
+    double m_weightedResidency = 0; ///< Residency of the states with a known frequency.
 };
 
 } // namespace corvane

@@ -12,7 +12,7 @@ namespace SystemInfo {
 /// The processor's marketing name, read once.
 const QString &chipName();
 
-/// The name to show for what `readChipName` gave; the system's stand-in when that is nothing or
+/// The name to show for the result of `readChipName`; the system's stand-in when that is absent or
 /// blank.
 QString shownChipName(const std::optional<std::string> &name, HostSystem system = hostSystem());
 

@@ -1,11 +1,17 @@
-#include "chip/ChipName.h"
+#include "chip/ChipName_linux.h"
 
+#include "chip/ChipName.h"
 #include "platform/KernelFile.h"
 #include "platform/KernelText.h"
 
 namespace corvane {
 
-std::optional<std::string> readChipName(const std::string &root)
+std::optional<std::string> readChipName()
+{
+    return readChipNameBelow("/");
+}
+
+std::optional<std::string> readChipNameBelow(const std::string &root)
 {
     constexpr std::size_t firstProcessor = 4096; // The file is long where there are many.
     const auto cpuInfo = readKernelFile(root + "/proc/cpuinfo", firstProcessor);

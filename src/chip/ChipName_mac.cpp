@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-std::optional<std::string> readChipName(const std::string &)
+std::optional<std::string> readChipName()
 {
     constexpr const char *key = "machdep.cpu.brand_string";
     constexpr std::size_t longestName = 4096;

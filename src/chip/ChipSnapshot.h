@@ -1,52 +1,28 @@
 #pragma once
 
-#include "cpu/CPUFrequencies.h"
-#include "cpu/CoreTicks.h"
+#include "chip/ChipTemperatures.h"
+#include "cpu/CPULoad.h"
 #include "cpu/PackageEnergy.h"
 #include "gpu/GPUReading.h"
+#include "records/ChipReading.h"
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 namespace corvane {
 
-/// What a kernel without reporting channels tells of the chip at one instant.
+/// What a Linux kernel published about the chip at one instant. A list is empty when its source
+/// could not be read.
 struct ChipSnapshot {
-    double seconds = 0;                           ///< by the clock of the machine.
-    std::vector<CoreTicks> cpus = {};             ///< By CPU number.
-    std::vector<CPUClusterReading> clusters = {}; ///< In the order of the chip's clusters.
+    double seconds = 0; ///< When it was taken, by the clock of the machine.
+    CPUSnapshot cpu = {};
     std::vector<PackageEnergyReading> packages = {};
     std::vector<GPUReading> gpus = {};
+    std::vector<PartTemperature> temperatures = {}; ///< Those of GPUs are in `gpus`.
 };
 
-/// One reporting channel worked out of two snapshots; `states` is empty for a simple one.
-struct ChipChannel {
-    struct State {
-        std::string name = {};
-        std::int64_t residency = 0;
-    };
-
-    std::string_view group = {};
-    std::string_view subgroup = {};
-    std::string name = {};
-    std::optional<std::string_view> unit = {};
-    std::int64_t value = 0;
-    std::vector<State> states = {};
-};
-
-namespace ChipChannelGroup {
-inline constexpr std::string_view energy = "Energy Model";
-inline constexpr std::string_view gpu = "GPU Stats";
-inline constexpr std::string_view cpu = "CPU Stats";
-inline constexpr std::string_view cpuSubgroup = "CPU Complex Performance States";
-} // namespace ChipChannelGroup
-
-/// The channels of the time between two snapshots of a chip with these clusters. What either of
-/// them lacks gives no channel.
-std::vector<ChipChannel> chipChannels(const ChipSnapshot &from, const ChipSnapshot &to,
-                                      const std::vector<CPUClusterStates> &clusters);
+/// The reading of the time between two snapshots of a chip with these clusters, without the
+/// utilisations of its cores. A value that either of them lacks is 0 or absent.
+ChipReading chipReading(const ChipSnapshot &from, const ChipSnapshot &to,
+                        const std::vector<CPUCluster> &clusters);
 
 } // namespace corvane

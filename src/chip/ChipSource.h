@@ -1,20 +1,19 @@
 #pragma once
 
-#include "chip/FrequencyTables.h"
 #include "platform/BootClock.h"
 #include "records/ChipReading.h"
 
 #include <functional>
+#include <optional>
 
 namespace corvane {
 
-/// Gives the chip reading of a tick; nothing when there was none. Empty: no chip sampler here.
+/// Returns the chip reading of a tick; absent when the chip could not be read. Empty: this machine
+/// has nothing to read. Copies share one sampler; used on one thread.
 using ChipSource = std::function<std::optional<ChipReading>()>;
 
-/// Opens this machine's chip sampler. To be called on the sampling thread alone. `root` is the
-/// folder below which kernel files are read (Linux), `now` tells the seconds.
-ChipSource openChipSource(const std::string &root = "/",
-                          const FrequencyTables &frequencies = frequencyTables(),
-                          std::function<double()> now = secondsSinceBoot);
+/// Opens this machine's chip sampler. `now` returns monotonic seconds, sleep included; a test steps
+/// its own.
+ChipSource openChipSource(std::function<double()> now = secondsSinceBoot);
 
 } // namespace corvane

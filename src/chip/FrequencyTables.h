@@ -8,22 +8,14 @@
 namespace corvane {
 
 /// Operating frequencies of the two kinds of CPU cluster in MHz, in the order of the performance
-/// states, lowest first. An empty list: not known; the cluster then counts for the load alone.
+/// states, lowest first. An empty list: unknown; the cluster then counts for the load alone.
 struct FrequencyTables {
     std::vector<double> efficiency = {};  ///< For channels whose name contains "ECPU".
     std::vector<double> performance = {}; ///< For channels whose name contains "PCPU".
 };
 
-/// This machine's tables as the system tells them now. `root` is the folder below which kernel
-/// files are read (Linux). Any thread.
-FrequencyTables readFrequencyTables(const std::string &root = "/");
-
-/// The same, read once for the life of the process.
-inline const FrequencyTables &frequencyTables()
-{
-    static const FrequencyTables tables = readFrequencyTables();
-    return tables;
-}
+/// The tables of this Mac. They do not change while it runs. On a Mac alone. Any thread.
+FrequencyTables readFrequencyTables();
 
 namespace IORegistryReader {
 
@@ -36,8 +28,8 @@ std::vector<double> parseFrequencies(std::span<const std::byte> table);
 /// MHz: newer chips pass 4294 MHz, which hertz no longer fit into 32 bits.
 std::vector<double> parseScaledFrequencies(std::span<const std::byte> table);
 
-/// The table under `key` of the power manager's registry entry; empty when there is none. On Linux
-/// there never is.
+/// The table under `key` of the power manager's registry entry; empty when there is none. On a Mac
+/// alone.
 std::vector<double> readPmgrFrequencies(const std::string &key);
 
 } // namespace IORegistryReader

@@ -8,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-/// An entry of the device registry, given back when it goes.
+/// An entry of the device registry; releases it when it goes.
 class RegistryEntry {
 public:
     explicit RegistryEntry(const char *name) : m_entry(find(name)) { }
@@ -57,7 +57,7 @@ std::vector<double> IORegistryReader::readPmgrFrequencies(const std::string &key
         std::as_bytes(std::span(bytes, static_cast<std::size_t>(CFDataGetLength(data)))));
 }
 
-FrequencyTables readFrequencyTables(const std::string &)
+FrequencyTables readFrequencyTables()
 {
     return {.efficiency = IORegistryReader::readPmgrFrequencies("voltage-states1-sram"),
             .performance = IORegistryReader::readPmgrFrequencies("voltage-states5-sram")};

@@ -1,7 +1,7 @@
 // The reporting library has no header and no fixed place: it is opened by path, its functions are
 // bound by name, and a function that is missing means that there is no bridge. A chip of two dies
-// prefixes its channels with the die; the prefix is taken off here, so that whoever knows a
-// channel's name finds it on every die.
+// prefixes its channels with the die; the prefix is removed here, so that a channel has the same
+// name on every die.
 
 #include "chip/IOReportBridge.h"
 
@@ -63,7 +63,7 @@ bool bindAll(ReportingLibrary &library)
         && bind(library.stateResidency, "IOReportStateGetResidency");
 }
 
-/// Nothing when a function is to be had nowhere. The library stays open for good.
+/// Absent when a function is in neither place. The library stays open for the life of the process.
 std::optional<ReportingLibrary> openReportingLibrary()
 {
     constexpr int mode = RTLD_LAZY | RTLD_GLOBAL;
@@ -190,7 +190,7 @@ struct IOReportBridge::Subscription {
 };
 
 std::unique_ptr<IOReportBridge> IOReportBridge::withChannelGroups(
-    const std::vector<ChannelGroupRequest> &requests, const std::string &)
+    const std::vector<ChannelGroupRequest> &requests)
 {
     const auto library = openReportingLibrary();
     if (!library)
@@ -217,6 +217,7 @@ IOReportBridge::~IOReportBridge() = default;
 
 IOReportBridge::SamplePtr IOReportBridge::takeSample()
 {
+    m_thread.check();
     CFOwned<CFDictionaryRef> channels(m_subscription->library.createSamples(
         m_subscription->reference, m_subscription->channels.get(), nullptr));
     return SamplePtr(channels ? new Sample{std::move(channels)} : nullptr);

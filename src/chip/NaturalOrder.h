@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-/// Whether `left` stands before `right` in a list that people read: runs of digits count by their
+/// Whether `left` comes before `right` in a list that people read: runs of digits count by their
 /// numeric value ("P2" before "P10"), letters without regard to case. Names that differ in case or
-/// leading zeros alone are equal. The same in every locale. Any thread.
+/// leading zeros alone are equal. The same in every locale.
 bool naturallyLess(std::string_view left, std::string_view right);
 
 } // namespace corvane

@@ -5,25 +5,26 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 
 namespace corvane {
 
 namespace {
 
-constexpr std::string_view core = "PACC";
-constexpr std::string_view package = "SOC";
-constexpr std::string_view graphics = "GPU";
-constexpr std::string_view none = "";
+using Part = std::optional<ChipPart>;
+
+constexpr Part core = ChipPart::cpu;
+constexpr Part package = ChipPart::package;
+constexpr Part graphics = ChipPart::gpu;
+constexpr Part none = std::nullopt;
 
 struct Rule {
     std::string_view driver; ///< Ends in "*" for every driver that begins so.
     std::string_view label;  ///< What the label begins with.
-    std::string_view prefix;
+    Part part;
 };
 
 /// The one place that knows drivers and labels; the first rule that fits counts. GPUs on a bus are
-/// not here: they are read by the one who knows whether they sleep.
+/// not here: the GPU watch reads them, since they may sleep.
 constexpr auto rules = std::to_array<Rule>({
     {"coretemp", "Core ", core},
     {"coretemp", "Package id", package},
@@ -52,41 +53,33 @@ bool fitsDriver(std::string_view pattern, std::string_view driver)
     return driver.starts_with(pattern) && driver.ends_with("_thermal");
 }
 
-std::string_view prefixOf(const SensorDevice &device, std::string_view label)
+Part partOf(const SensorDevice &device, std::string_view label)
 {
     for (const Rule &rule : rules) {
         if (!fitsDriver(rule.driver, device.driver) || !label.starts_with(rule.label))
             continue;
-        // Tctl is Tdie with an offset for the fan; it counts where Tdie is not shown.
-        const bool outdone =
+        // Tctl is Tdie with an offset for the fan; it counts where there is no Tdie.
+        const bool isOffset =
             rule.label == "Tctl" && std::ranges::find(device.labels, "Tdie") != device.labels.end();
-        return outdone ? none : rule.prefix;
+        return isOffset ? none : rule.part;
     }
     return none;
 }
 
 } // namespace
 
-bool tellsOfChip(std::string_view driver)
+bool isChipDriver(std::string_view driver)
 {
     return std::ranges::any_of(rules,
                                [&](const Rule &rule) { return fitsDriver(rule.driver, driver); });
 }
 
-std::vector<std::vector<std::string>> sensorNames(const std::vector<SensorDevice> &devices)
+std::vector<std::optional<ChipPart>> sensorParts(const SensorDevice &device)
 {
-    std::map<std::string_view, int> numbers;
-    std::vector<std::vector<std::string>> names;
-    for (const SensorDevice &device : devices) {
-        auto &ofDevice = names.emplace_back();
-        for (const std::string &label : device.labels) {
-            const std::string_view prefix = prefixOf(device, label);
-            ofDevice.push_back(prefix.empty()
-                                   ? std::string()
-                                   : std::string(prefix) + " " + std::to_string(++numbers[prefix]));
-        }
-    }
-    return names;
+    std::vector<Part> parts;
+    for (const std::string &label : device.labels)
+        parts.push_back(partOf(device, label));
+    return parts;
 }
 
 std::optional<ThermalZoneKind> thermalZoneKind(std::string_view type)
@@ -101,14 +94,14 @@ std::optional<ThermalZoneKind> thermalZoneKind(std::string_view type)
     return std::nullopt;
 }
 
-std::string thermalZoneName(ThermalZoneKind kind)
+ChipPart thermalZonePart(ThermalZoneKind kind)
 {
-    return std::string(kind == ThermalZoneKind::cpu ? core : package) + " 1";
+    return kind == ThermalZoneKind::cpu ? ChipPart::cpu : ChipPart::package;
 }
 
 std::optional<double> thermalZoneDegrees(ThermalZoneKind kind, std::string_view text)
 {
-    // What firmware without a sensor behind its zone tells, all day long.
+    // Constants of firmware that has no sensor behind its zone.
     constexpr auto madeUp = std::to_array<std::string_view>({"16800", "27800", "29800"});
     text = trimmed(text);
     if (kind == ThermalZoneKind::board && std::ranges::find(madeUp, text) != madeUp.end())

@@ -1,17 +1,18 @@
 #pragma once
 
+#include "platform/OneThread.h"
+
 #include <map>
 #include <memory>
 #include <string>
 
 namespace corvane {
 
-/// Reads every temperature sensor that the system exposes, by name. Owned by the thermal sampler;
-/// not thread-safe. A system without sensors reads as an empty map.
+/// Reads every temperature sensor of a Mac, by name. Owned by the thermal sampler; used on one
+/// thread. A system without sensors reads as an empty map.
 class ThermalBridge {
 public:
-    /// `root` is the folder below which kernel files are read (Linux).
-    explicit ThermalBridge(const std::string &root = "/");
+    ThermalBridge();
     ~ThermalBridge();
 
     /// Degrees Celsius by sensor name, each above 0, below 200 and finite. Of sensors with the same
@@ -21,6 +22,7 @@ public:
 private:
     struct Sensors;
     std::unique_ptr<Sensors> m_sensors;
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

@@ -30,7 +30,7 @@ CFOwned<CFNumberRef> makeNumber(std::int32_t value)
     return CFOwned<CFNumberRef>(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &value));
 }
 
-/// What tells temperature sensors from the other services of the event system.
+/// Matches the temperature sensors among the services of the event system.
 CFOwned<CFDictionaryRef> temperatureSensorMatching()
 {
     constexpr std::int32_t vendorPage = 0xff00;
@@ -65,7 +65,7 @@ std::string productName(IOHIDServiceClientRef sensor)
     return std::string(utf8View(static_cast<CFStringRef>(name.get()), storage).value_or(""));
 }
 
-/// Nothing when the sensor does not answer, or with what no die can have.
+/// Absent when the sensor does not answer, or with an implausible value.
 std::optional<double> temperature(IOHIDServiceClientRef sensor)
 {
     constexpr std::int64_t temperatureEvent = 15;
@@ -93,7 +93,7 @@ struct ThermalBridge::Sensors {
     }
 };
 
-ThermalBridge::ThermalBridge(const std::string &) : m_sensors(std::make_unique<Sensors>())
+ThermalBridge::ThermalBridge() : m_sensors(std::make_unique<Sensors>())
 {
     m_sensors->client.reset(IOHIDEventSystemClientCreate(kCFAllocatorDefault));
     m_sensors->services = copyTemperatureSensors(m_sensors->client.get());
@@ -105,6 +105,7 @@ ThermalBridge::~ThermalBridge() = default;
 
 std::map<std::string, double> ThermalBridge::readAllTemperatures()
 {
+    m_thread.check();
     std::map<std::string, double> temperatures;
     for (std::size_t index = 0; index < m_sensors->names.size(); ++index) {
         const std::string &name = m_sensors->names[index];

@@ -2,26 +2,11 @@
 
 #include <QLatin1StringView>
 
-#include <array>
 #include <utility>
 
 namespace corvane {
 
-namespace {
-
 using namespace Qt::StringLiterals;
-
-struct Mean {
-    double sum = 0;
-    int count = 0;
-
-    std::optional<double> value() const
-    {
-        return count > 0 ? std::optional(sum / count) : std::nullopt;
-    }
-};
-
-} // namespace
 
 ThermalSampler::ThermalSampler(TemperatureSource temperatures)
     : m_temperatures(std::move(temperatures))
@@ -30,15 +15,12 @@ ThermalSampler::ThermalSampler(TemperatureSource temperatures)
 
 ThermalSampler::Reading ThermalSampler::sample()
 {
-    std::array<Mean, 4> means = {};
+    TemperatureMeans means;
     for (const auto &[name, celsius] : m_temperatures()) {
-        if (const auto category = categorize(name)) {
-            Mean &mean = means[static_cast<std::size_t>(*category)];
-            mean.sum += celsius;
-            ++mean.count;
-        }
+        if (const auto part = categorize(name))
+            means.add({*part, celsius});
     }
-    return {means[0].value(), means[1].value(), means[2].value(), means[3].value()};
+    return means.means();
 }
 
 std::optional<ThermalSampler::Category> ThermalSampler::categorize(std::string_view name)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "chip/ChipTemperatures.h"
+
 #include <functional>
 #include <map>
 #include <optional>
@@ -8,20 +10,12 @@
 
 namespace corvane {
 
-/// Averages the die temperatures by the part of the chip that a sensor sits on, which its name
-/// tells. Owned by the power sampler, used on its thread.
+/// Averages the die temperatures of a Mac by the part of the chip that a sensor sits on, by the
+/// sensor's name. Owned by the power sampler; used on one thread.
 class ThermalSampler {
 public:
-    enum class Category { cpu, gpu, ane, package };
-
-    /// Means in degrees Celsius, in the order of the categories; absent when no sensor of that part
-    /// gave a value.
-    struct Reading {
-        std::optional<double> cpu = {};
-        std::optional<double> gpu = {};
-        std::optional<double> ane = {};
-        std::optional<double> package = {};
-    };
+    using Category = ChipPart;
+    using Reading = ChipTemperatures;
 
     /// Degrees Celsius by sensor name.
     using TemperatureSource = std::function<std::map<std::string, double>()>;
@@ -30,8 +24,7 @@ public:
 
     Reading sample();
 
-    /// The part that a sensor belongs to; nothing when it is none of the four. Case does not
-    /// matter.
+    /// The part that a sensor belongs to; absent when it is none of the four. Case does not matter.
     static std::optional<Category> categorize(std::string_view name);
 
 private:

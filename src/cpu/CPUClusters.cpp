@@ -41,26 +41,18 @@ std::set<int> smallerCPUs(const std::map<int, std::uint64_t> &capacities)
 
 } // namespace
 
-std::vector<CPUCluster> cpuClusters(const CPUTopology &topology)
+std::vector<std::vector<int>> cpusByCluster(const CPUTopology &topology)
 {
     std::set<int> efficiency = hybridEfficiencyCPUs(topology);
     if (efficiency.empty())
         efficiency = smallerCPUs(topology.capacities);
 
-    CPUCluster performanceCluster = {.channel = "PCPU"};
-    CPUCluster efficiencyCluster = {.channel = "ECPU"};
+    std::vector<std::vector<int>> clusters(2);
     for (const int cpu : cpusOf(topology.present))
-        (efficiency.contains(cpu) ? efficiencyCluster : performanceCluster).cpus.push_back(cpu);
+        clusters[efficiency.contains(cpu) ? 1 : 0].push_back(cpu);
 
-    // A chip of small cores alone has nothing to be told apart from.
-    if (performanceCluster.cpus.empty())
-        performanceCluster.cpus.swap(efficiencyCluster.cpus);
-
-    std::vector<CPUCluster> clusters;
-    for (CPUCluster &cluster : {std::ref(performanceCluster), std::ref(efficiencyCluster)}) {
-        if (!cluster.cpus.empty())
-            clusters.push_back(std::move(cluster));
-    }
+    // On a chip of small cores alone these are the only cluster.
+    std::erase_if(clusters, [](const std::vector<int> &cpus) { return cpus.empty(); });
     return clusters;
 }
 

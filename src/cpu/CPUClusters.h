@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cpu/CPUFrequencies.h"
+
 #include <map>
 #include <optional>
 #include <string>
@@ -7,28 +9,39 @@
 
 namespace corvane {
 
-/// The CPUs of one kind, which share a performance-state channel.
-struct CPUCluster {
-    std::string channel = {};   ///< "PCPU" or "ECPU".
-    std::vector<int> cpus = {}; ///< Ascending.
-
-    friend bool operator==(const CPUCluster &, const CPUCluster &) = default;
-};
-
-/// What the kernel tells of the kinds of CPU. The lists have the form "0-3,8".
+/// What the kernel publishes about the kinds of CPU. The lists have the form "0-3,8".
 struct CPUTopology {
     std::string present = {};
-    std::optional<std::string> performanceList = {}; ///< Hybrid x86 alone has this and the next.
+    std::optional<std::string> performanceList = {}; ///< This and the next: hybrid x86 alone.
     std::optional<std::string> efficiencyList = {};
     std::optional<std::string> lowPowerList = {}; ///< The newest hybrids have a third kind.
-    std::map<int, std::uint64_t> capacities = {}; ///< By CPU; ARM kernels tell it of all CPUs.
+    std::map<int, std::uint64_t> capacities = {}; ///< By CPU; ARM kernels publish one for each CPU.
 };
 
-/// The performance cluster and, on hybrid chips, the efficiency cluster behind it. All CPUs are of
-/// the first where nothing tells them apart; empty only when no CPU is present.
-std::vector<CPUCluster> cpuClusters(const CPUTopology &topology);
+/// The CPUs of each cluster, ascending: the performance cluster and, on hybrid chips, the
+/// efficiency cluster behind it. All CPUs are in the first where they do not differ; empty only
+/// when no CPU is present.
+std::vector<std::vector<int>> cpusByCluster(const CPUTopology &topology);
 
-/// The clusters of the machine whose kernel files lie below `root`.
-std::vector<CPUCluster> readCPUClusters(const std::string &root = "/");
+/// CPUs whose frequency is set together, and the folder of the files about it.
+struct CPUPolicy {
+    std::string folder = {};
+    std::vector<int> cpus = {};
+};
+
+/// The CPUs of one kind, with their performance states.
+struct CPUCluster {
+    std::vector<int> cpus = {}; ///< Ascending.
+    std::vector<CPUPolicy> policies = {};
+    std::vector<std::uint64_t> kHz = {}; ///< Ascending; empty: no frequency is known.
+};
+
+/// What the cpufreq policies of a cluster published at one instant.
+struct CPUClusterReading {
+    /// In the order of the cluster's policies; empty for one that keeps no such times.
+    std::vector<std::vector<CPUFrequencyTime>> policyTimes = {};
+    /// Present frequency of the CPU that was the busiest since the last reading.
+    std::optional<std::uint64_t> presentKHz = {};
+};
 
 } // namespace corvane

@@ -1,20 +1,21 @@
 #pragma once
 
-#include "cpu/CPUFrequencies.h"
+#include "cpu/CPUClusters.h"
 #include "platform/KernelFile.h"
+#include "platform/OneThread.h"
 
 #include <optional>
 #include <vector>
 
 namespace corvane {
 
-/// The files in which cpufreq tells what a cluster runs at, kept open. Used on one thread.
+/// The cpufreq files with the frequencies of one cluster, kept open. Used on one thread.
 class CPUFrequencyFiles {
 public:
-    explicit CPUFrequencyFiles(const CPUClusterStates &cluster);
+    explicit CPUFrequencyFiles(const CPUCluster &cluster);
 
-    /// `busiest` is the CPU whose frequency stands for the cluster: to ask others interrupts them.
-    /// Nothing: none was active.
+    /// `busiest` is the CPU whose frequency stands for the cluster: reading that of another one
+    /// interrupts it. Absent: no CPU was active.
     CPUClusterReading read(std::optional<int> busiest);
 
 private:
@@ -28,6 +29,7 @@ private:
     static std::optional<std::uint64_t> presentKHz(Policy &policy);
 
     std::vector<Policy> m_policies = {};
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

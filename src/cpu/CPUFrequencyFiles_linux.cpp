@@ -24,7 +24,7 @@ std::optional<std::uint64_t> readKHz(std::optional<KernelFile> &file)
 
 } // namespace
 
-CPUFrequencyFiles::CPUFrequencyFiles(const CPUClusterStates &cluster)
+CPUFrequencyFiles::CPUFrequencyFiles(const CPUCluster &cluster)
 {
     for (const CPUPolicy &policy : cluster.policies) {
         m_policies.push_back({.cpus = policy.cpus,
@@ -36,6 +36,7 @@ CPUFrequencyFiles::CPUFrequencyFiles(const CPUClusterStates &cluster)
 
 CPUClusterReading CPUFrequencyFiles::read(std::optional<int> busiest)
 {
+    m_thread.check();
     CPUClusterReading reading;
     reading.policyTimes.reserve(m_policies.size());
     for (Policy &policy : m_policies) {

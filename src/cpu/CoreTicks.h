@@ -1,9 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace corvane {
@@ -18,21 +16,8 @@ struct CoreTicks {
     friend bool operator==(const CoreTicks &, const CoreTicks &) = default;
 };
 
-/// Reads the counters of all logical CPUs, in processor order. Owned by one sampler; main thread.
-/// Readers of the same machine that follow each other at once may share one reading. `root` is the
-/// folder below which kernel files lie (Linux).
-class CoreTicksReader {
-public:
-    explicit CoreTicksReader(const std::string &root = "/");
-    ~CoreTicksReader();
-
-    /// Nothing when the counters cannot be read. A CPU that went offline keeps its place and its
-    /// last counters.
-    std::optional<std::vector<CoreTicks>> read();
-
-private:
-    struct State;
-    std::unique_ptr<State> m_state;
-};
+/// The counters of all logical CPUs of this Mac, in processor order; absent when they cannot be
+/// read. On a Mac alone. Any thread.
+std::optional<std::vector<CoreTicks>> readCoreTicks();
 
 } // namespace corvane

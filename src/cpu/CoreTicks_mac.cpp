@@ -8,12 +8,12 @@ namespace corvane {
 
 namespace {
 
-/// The kernel's array of counters, given back when it goes.
+/// The kernel's array of counters; frees it when it goes.
 class ProcessorLoads {
 public:
     ProcessorLoads()
     {
-        // The host port is asked for once: each call would add a right to it.
+        // Called once: each call would add a right to the host port.
         static const mach_port_t host = mach_host_self();
         if (host_processor_info(host, PROCESSOR_CPU_LOAD_INFO, &m_count, &m_words, &m_wordCount)
             != KERN_SUCCESS)
@@ -52,13 +52,7 @@ private:
 
 } // namespace
 
-struct CoreTicksReader::State { };
-
-CoreTicksReader::CoreTicksReader(const std::string &) { }
-
-CoreTicksReader::~CoreTicksReader() = default;
-
-std::optional<std::vector<CoreTicks>> CoreTicksReader::read()
+std::optional<std::vector<CoreTicks>> readCoreTicks()
 {
     const ProcessorLoads loads;
     if (!loads.isValid())

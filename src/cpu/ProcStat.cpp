@@ -9,7 +9,7 @@ namespace {
 
 std::optional<CPUTimes> parseTimes(std::string_view text)
 {
-    // Kernels that no longer count here wrote fewer columns; the first four were always there.
+    // Old kernels wrote fewer columns; the first four were always there.
     constexpr std::size_t leastColumns = CPUTimes::idle + 1;
     CPUTimes times;
     for (std::size_t column = 0; column < CPUTimes::columns; ++column) {
@@ -63,7 +63,7 @@ std::optional<std::vector<CoreTicks>> CPUTickCounters::update(std::string_view p
         if (line->cpu >= m_counters.size())
             m_counters.resize(line->cpu + 1);
         Counter &counter = m_counters[line->cpu];
-        // A CPU that joins later has its whole past in its counters, none of which is news.
+        // The counters of a CPU that joins later contain its whole past, which is not new.
         if (!first && !counter.seen)
             counter.last = line->times;
         for (std::size_t column = 0; column < CPUTimes::columns; ++column) {

@@ -21,16 +21,19 @@ struct CPULine {
     CPUTimes times = {};
 };
 
-/// The next CPU of /proc/stat, cutting the text behind it. Lines that do not parse are passed over;
-/// the first line that is not about CPUs ends the walk, since what follows can be long.
+/// Cuts the text of /proc/stat behind the next CPU and returns that CPU; absent at the end. Lines
+/// that do not parse are skipped; the first line that is not about CPUs ends the walk, since what
+/// follows can be long.
 std::optional<CPULine> takeCPULine(std::string_view &text);
 
 /// Keeps the tick counters of all CPUs by their numbers, from one reading of /proc/stat to the
-/// next. The kernel's own may run backwards (idle and iowait do): each then counts as unchanged.
+/// next. A counter of the kernel may run backwards (idle and iowait do): it then counts as
+/// unchanged.
 class CPUTickCounters {
 public:
-    /// The counters after this reading; nothing when it tells of no CPU. A CPU that is not in it
-    /// keeps its counters, one that never was has zeros, and one that joins later starts from them.
+    /// The counters after this reading; absent when it contains no CPU. A CPU that is not in it
+    /// keeps its counters; one that was never in one has zeros, and starts from them if it joins
+    /// later.
     std::optional<std::vector<CoreTicks>> update(std::string_view procStat);
 
 private:

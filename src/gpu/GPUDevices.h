@@ -8,10 +8,10 @@ namespace corvane {
 
 enum class GPUDriver { amdgpu, i915, xe, nouveau, nvidia };
 
-/// A GPU whose driver tells something. Finding it opens none of its files, which might wake it.
+/// A GPU whose driver publishes values. Finding it opens none of its files: that might wake it.
 struct GPUDevice {
     GPUDriver driver = GPUDriver::amdgpu;
-    std::string address = {}; ///< On the PCI bus, as "0000:01:00.0"; empty when not shown.
+    std::string address = {}; ///< On the PCI bus, as "0000:01:00.0"; empty when hidden.
     std::string folder = {};  ///< Of the device; empty when the system hides it.
     std::string card = {};    ///< Folder of its display node; empty when it has none.
     bool integrated = false;

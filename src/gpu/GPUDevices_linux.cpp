@@ -8,8 +8,7 @@
 #include <map>
 #include <optional>
 
-// Devices are found by the names of folders and by the targets of links. Reading the identity of a
-// PCI device is harmless as well, but so is not reading it.
+// Devices are found by the names of folders and by the targets of links alone.
 
 namespace corvane {
 
@@ -45,8 +44,8 @@ std::optional<GPUDriver> driverOf(const std::string &device)
     return driver->second;
 }
 
-/// An APU has neither memory nor a bus of its own to tell the load of; Intel's always sits at the
-/// same address and has no sensors.
+/// An APU has neither memory nor a bus of its own, so no files about their load; Intel's is always
+/// at the same address and has no sensors.
 bool isIntegrated(GPUDriver driver, const GPUDevice &device)
 {
     switch (driver) {
@@ -82,7 +81,7 @@ void appendCards(std::vector<GPUDevice> &devices, const std::string &root)
     }
 }
 
-/// NVIDIA's driver makes a display node only when told to.
+/// NVIDIA's driver makes a display node only when it is set to.
 void appendWithoutCard(std::vector<GPUDevice> &devices, const std::string &root)
 {
     for (const char *folder : {"/sys/bus/pci/drivers/nvidia", "/proc/driver/nvidia/gpus"}) {
@@ -99,7 +98,7 @@ void appendWithoutCard(std::vector<GPUDevice> &devices, const std::string &root)
     }
 }
 
-/// A container may be lent the device and see nothing of the bus it is on.
+/// A container may have the device, but not see the bus that it is on.
 void appendHidden(std::vector<GPUDevice> &devices, const std::string &root)
 {
     if (std::ranges::find(devices, GPUDriver::nvidia, &GPUDevice::driver) != devices.end())

@@ -3,14 +3,15 @@
 #include "gpu/GPUDevices.h"
 #include "gpu/GPUReading.h"
 #include "platform/KernelFile.h"
+#include "platform/OneThread.h"
 
 #include <optional>
 #include <vector>
 
 namespace corvane {
 
-/// The files in which a driver tells the load, clock, power and heat of one GPU. To be made and
-/// read only while the GPU is awake: almost every access to these files wakes it. Owned by the GPU
+/// The driver's files with the load, clock, power and temperatures of one GPU. To be made and read
+/// only while the GPU is awake: almost every access to these files wakes it. Owned by the GPU
 /// watch, used on one thread.
 class GPUFiles {
 public:
@@ -26,11 +27,12 @@ private:
     std::optional<KernelFile> m_busyPercent = {};
     std::optional<KernelFile> m_idleTime = {};
     std::optional<KernelFile> m_levels = {};      ///< With the present one marked.
-    std::optional<KernelFile> m_actualClock = {}; ///< Stands at 0 while the GPU rests.
+    std::optional<KernelFile> m_actualClock = {}; ///< 0 while the GPU rests.
     std::optional<KernelFile> m_requestedClock = {};
     std::optional<KernelFile> m_energy = {};
     std::optional<KernelFile> m_power = {};
     std::vector<KernelFile> m_temperatures = {};
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

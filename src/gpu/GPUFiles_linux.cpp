@@ -1,8 +1,7 @@
 #include "gpu/GPUFiles.h"
 
-#include "platform/KernelFolder.h"
-
 #include "gpu/GPUText.h"
+#include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
 
 #include <algorithm>
@@ -78,7 +77,7 @@ std::optional<KernelFile> energyFile(const std::string &folder)
     return firstOf({folder + "/energy1_input", folder + "/energy2_input"});
 }
 
-/// Whether the render engine is kept out of its sleep: its idle time then stands still, and the GPU
+/// Whether the render engine is kept from sleeping: its idle time then does not grow, and the GPU
 /// would look busy all the time.
 bool neverRests(const GPUDevice &device)
 {
@@ -134,6 +133,7 @@ void GPUFiles::addSensors(const GPUDevice &device)
 
 GPUReading GPUFiles::read(double now)
 {
+    m_thread.check();
     GPUReading reading = {
         .device = m_device.folder, .integrated = m_device.integrated, .seconds = now};
     reading.busyFraction = parsed(m_busyPercent, parseBusyPercent);
@@ -148,7 +148,7 @@ GPUReading GPUFiles::read(double now)
 
     const auto watts = parsed(m_power, parseMicrowatts);
     if (m_device.integrated) {
-        // An APU's sensor is that of the socket; nothing tells its graphics apart.
+        // An APU's sensor measures the whole socket.
         reading.packageWatts = watts;
     } else {
         reading.watts = watts;

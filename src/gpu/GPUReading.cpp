@@ -14,7 +14,7 @@ std::optional<double> idleShare(const GPUReading *before, const GPUReading &now)
     const double elapsed = (now.seconds - before->seconds) * 1000;
     if (elapsed <= 0)
         return std::nullopt;
-    // 32 bits of hardware lie beneath the counter: a step back counts as none.
+    // The hardware counts in 32 bits: a step back counts as no idle time.
     if (*now.idleMilliseconds < *before->idleMilliseconds)
         return 0;
     const auto idle = double(*now.idleMilliseconds - *before->idleMilliseconds);
@@ -42,12 +42,23 @@ std::optional<double> gpuBusyShare(const GPUReading *before, const GPUReading &n
     return std::nullopt;
 }
 
-std::optional<double> gpuJoules(const GPUReading *before, const GPUReading &now, double seconds)
+bool isIdleShare(double busyShare)
 {
-    const auto watts = countedWatts(before, now);
-    if (!watts && !now.watts)
-        return std::nullopt;
-    return watts.value_or(now.watts.value_or(0)) * seconds;
+    constexpr double leastLoad = 0.01;
+    return busyShare < leastLoad;
+}
+
+bool wasIdle(const GPUReading *before, const GPUReading &now)
+{
+    if (!now.busyFraction && !now.idleMilliseconds)
+        return true;
+    return isIdleShare(gpuBusyShare(before, now).value_or(1));
+}
+
+std::optional<double> gpuWatts(const GPUReading *before, const GPUReading &now)
+{
+    const auto counted = countedWatts(before, now);
+    return counted ? counted : now.watts;
 }
 
 } // namespace corvane

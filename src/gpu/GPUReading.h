@@ -7,26 +7,34 @@
 
 namespace corvane {
 
-/// What one GPU told at one instant. What it does not tell is absent.
+/// What was read of one GPU at one instant. A value that its driver does not publish is absent.
 struct GPUReading {
     std::string device = {};                 ///< The same from one reading to the next.
     bool integrated = false;                 ///< Shares the package with the CPU.
     double seconds = 0;                      ///< When it was read, by the clock of the machine.
-    std::string state = {};                  ///< Present performance state; empty when not known.
+    std::string state = {};                  ///< Present performance state; empty when unknown.
     std::optional<double> busyFraction = {}; ///< 0…1, as the device itself averages it.
-    std::optional<std::uint64_t> idleMilliseconds = {}; ///< Grows while the GPU rests.
-    std::optional<std::uint64_t> microjoules = {};      ///< Grows; not of integrated ones.
-    std::optional<double> watts = {};                   ///< Not of integrated ones.
-    std::optional<double> packageWatts = {};            ///< Of an APU: CPU and GPU together.
-    std::vector<double> temperatures = {};              ///< Degrees Celsius.
+    std::optional<std::uint64_t> idleMilliseconds = {}; ///< Grows while the GPU is idle.
+    std::optional<std::uint64_t> microjoules = {}; ///< Energy counter; absent on integrated GPUs.
+    std::optional<double> watts = {};              ///< Absent on integrated GPUs.
+    std::optional<double> packageWatts = {};       ///< Power of an APU: CPU and GPU together.
+    std::vector<double> temperatures = {};         ///< Degrees Celsius.
 };
 
-/// Share of the time between two readings that the GPU was busy; nothing when it does not tell.
-/// `before` is null where there is no earlier reading.
+/// Share of the time between two readings that the GPU was busy; absent when its driver publishes
+/// no load. `before` is null where there is no earlier reading.
 std::optional<double> gpuBusyShare(const GPUReading *before, const GPUReading &now);
 
-/// Energy of a discrete GPU over `seconds`, at the mean power between the two readings where it
-/// counts its energy, else at the power it tells. Nothing when it does neither.
-std::optional<double> gpuJoules(const GPUReading *before, const GPUReading &now, double seconds);
+/// Whether so small a busy share counts as idle.
+bool isIdleShare(double busyShare);
+
+/// Whether the GPU was idle between the readings. One without any load counts as idle, or reading
+/// it would keep it awake for good; one whose load needs an earlier reading counts as busy without
+/// it.
+bool wasIdle(const GPUReading *before, const GPUReading &now);
+
+/// Mean power between two readings where the GPU has an energy counter, else its present power.
+/// Absent when it has neither.
+std::optional<double> gpuWatts(const GPUReading *before, const GPUReading &now);
 
 } // namespace corvane

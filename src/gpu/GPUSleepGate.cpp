@@ -8,7 +8,7 @@ bool GPUSleepGate::admits(std::optional<std::string_view> runtimeStatus)
 {
     if (!runtimeStatus)
         return true;
-    // "suspended", "suspending", "resuming" and "error" are all no time to disturb it.
+    // Any other status ("suspended", "suspending", "resuming", "error") forbids an access.
     const std::string_view status = trimmed(*runtimeStatus);
     if (status == "active" || status == "unsupported")
         return true;
@@ -17,13 +17,13 @@ bool GPUSleepGate::admits(std::optional<std::string_view> runtimeStatus)
     return false;
 }
 
-bool GPUSleepGate::restsAfter(bool idle)
+bool GPUSleepGate::isQuietDue(bool idle)
 {
-    constexpr int idleTicksToRest = 3;
+    constexpr int idleTicksToQuiet = 3;
     const bool onTrial = m_onTrial;
     m_onTrial = false;
     m_idleTicks = idle ? m_idleTicks + 1 : 0;
-    return idle && (onTrial || m_idleTicks >= idleTicksToRest);
+    return idle && (onTrial || m_idleTicks >= idleTicksToQuiet);
 }
 
 void GPUSleepGate::keepQuietUntil(double instant)
@@ -38,7 +38,7 @@ std::optional<double> gpuQuietSeconds(std::optional<std::string_view> runtimeSta
                                       std::optional<std::string_view> autosuspendDelay)
 {
     constexpr double margin = 3;
-    constexpr double ownCountdown = 6; // Of drivers that use none of the kernel's.
+    constexpr double ownCountdown = 6; // Of drivers that do not use the kernel's.
     if (!runtimeStatus || trimmed(*runtimeStatus) == "unsupported")
         return std::nullopt;
     if (!control || trimmed(*control) == "on")

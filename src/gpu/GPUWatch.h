@@ -10,26 +10,23 @@
 
 namespace corvane {
 
-/// Reads every GPU once a tick, unless that would wake it or keep it awake. Main thread; shared by
-/// those who want the load and those who want the heat, so that both leave the same GPUs alone.
+/// Reads every GPU of a Linux machine, unless that would wake it or keep it awake. Nothing else may
+/// touch their files. Owned by the chip's source, used on one thread.
 class GPUWatch {
 public:
-    /// NVIDIA's management library is opened from `nvidiaLibrary`; an empty name: never.
+    /// `root` is the folder below which the kernel files lie. NVIDIA's management library is opened
+    /// from `nvidiaLibrary`; an empty name: never.
     explicit GPUWatch(const std::string &root, std::string nvidiaLibrary = {},
                       std::function<double()> clock = secondsSinceBoot);
     ~GPUWatch();
 
-    /// The one watch over the machine whose kernel files lie below `root`. Only that of the running
-    /// machine opens libraries.
-    static std::shared_ptr<GPUWatch> shared(const std::string &root);
+    /// The GPUs that can be read in this tick. To be called once a tick.
+    std::vector<GPUReading> read();
 
-    /// The GPUs that could be read in this tick; calls that follow each other at once get the same.
-    const std::vector<GPUReading> &readings();
-
-    /// Whether the machine has any GPU that tells something, asleep or not.
+    /// Whether the machine has any GPU that can be read, asleep or not.
     bool hasDevices() const;
 
-    /// Whether this device folder is that of a GPU, whose files are for the watch alone.
+    /// Whether this device folder is that of a GPU, so that its files are for the watch alone.
     bool isGPU(const std::string &folder) const;
 
 private:

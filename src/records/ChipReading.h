@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/GPUMetrics.h"
+
 #include <QString>
 
 #include <optional>
@@ -30,6 +32,9 @@ struct ChipReading {
     std::optional<double> gpuTempC = {};
     std::optional<double> aneTempC = {};
     std::optional<double> packageTempC = {};
+    /// Each GPU that could be read, where the system publishes them one by one (Linux); the values
+    /// above are those of all together. Empty on a Mac.
+    std::vector<GPUMetrics> gpus = {};
 };
 
 /// CPU, GPU and Neural Engine together, in watts; 0 without a reading.

@@ -3,6 +3,7 @@
 #include "app/SoakMachine.h"
 #include "cards/PowerCard.h"
 #include "charts/Sparkline.h"
+#include "chip/ChipSource_linux.h"
 #include "dashboard/MainWindow.h"
 #include "login/LaunchAtLoginManager.h"
 #include "memory/MemoryFiles_linux.h"
@@ -231,7 +232,7 @@ void TestSoak::initTestCase()
     m_sampler = std::make_unique<SystemSampler>(
         *m_settings,
         SamplerSources{.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
-                       .chip = openChipSource(m_machine->root()),
+                       .chip = openChipSourceBelow(m_machine->root()),
                        .survey = [processes = linuxProcesses(
                                       m_machine->root())] { return surveyOf(processes); },
                        .now = [this] { return m_machine->now(); }},

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "chip/IOReportBridge.h"
+#include "chip/ReportingChannel.h"
 
 #include <QMetaType>
 
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace corvane::test {
 
@@ -18,7 +19,7 @@ struct ScriptedChannel {
     std::int64_t value = std::numeric_limits<std::int64_t>::min();
     std::vector<std::pair<std::string, std::int64_t>> states = {};
 
-    /// Hands the channel over as a bridge does: as views that hold until `visit` returns.
+    /// Calls `visit` as a bridge does: with views that hold until it returns.
     template <typename Visitor>
     void show(Visitor visit) const
     {

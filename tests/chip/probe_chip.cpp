@@ -1,9 +1,8 @@
-// Prints what this machine tells of its chip, a second at a time: for looking at real hardware.
+// Prints the chip's values on this machine, a second at a time: for looking at real hardware.
 
-#include "chip/ChipIdentity.h"
-#include "chip/FrequencyTables.h"
-#include "chip/IOReportBridge.h"
-#include "chip/ThermalBridge.h"
+#include "chip/ChipName.h"
+#include "chip/ChipSource.h"
+#include "cpu/CPUClusterFiles.h"
 
 #include <chrono>
 #include <cstdio>
@@ -13,28 +12,37 @@ using namespace corvane;
 
 namespace {
 
-void printTable(const char *name, const std::vector<double> &table)
+void printClusters()
 {
-    std::printf("%s:", name);
-    for (const double megahertz : table)
-        std::printf(" %g", megahertz);
-    std::printf("%s\n", table.empty() ? " not known" : " MHz");
+    for (const CPUCluster &cluster : readCPUClusters()) {
+        std::printf("cluster of %zu CPUs:", cluster.cpus.size());
+        for (const std::uint64_t kHz : cluster.kHz)
+            std::printf(" %g", double(kHz) / 1000);
+        std::printf("%s\n", cluster.kHz.empty() ? " no known frequency" : " MHz");
+    }
 }
 
-void printChannel(const ReportingChannel &channel)
+void print(const char *name, const std::optional<double> &value, const char *unit)
 {
-    const auto text = [](std::string_view view) { return std::string(view); };
-    std::printf("  %s / %s / %s", text(channel.group).c_str(), text(channel.subgroup).c_str(),
-                text(channel.name).c_str());
-    if (channel.states.empty())
-        std::printf(" = %lld %s\n", static_cast<long long>(channel.value),
-                    text(channel.unit.value_or("(no unit)")).c_str());
-    else
-        std::printf("\n");
-    for (const ChannelState &state : channel.states) {
-        if (state.residency != 0)
-            std::printf("    %-12s %lld\n", text(state.name).c_str(),
-                        static_cast<long long>(state.residency));
+    if (value)
+        std::printf("  %s %g%s", name, *value, unit);
+}
+
+void printReading(const ChipReading &reading)
+{
+    std::printf("  CPU %.1f %%, %.0f MHz, %.2f W; GPU %.1f %%, %.2f W", //
+                reading.cpuActiveFraction * 100, reading.cpuActiveMHz, reading.cpuWatts,
+                reading.gpuActiveFraction * 100, reading.gpuWatts);
+    print("cores", reading.cpuTempC, " C");
+    print("package", reading.packageTempC, " C");
+    print("GPUs", reading.gpuTempC, " C");
+    std::printf("\n");
+    for (const GPUMetrics &gpu : reading.gpus) {
+        std::printf("  %s%s", qPrintable(gpu.device), gpu.integrated ? " (integrated)" : "");
+        print("load", gpu.activeFraction, "");
+        print("power", gpu.watts, " W");
+        print("temperature", gpu.tempC, " C");
+        std::printf("  state %s\n", qPrintable(gpu.state.value_or(QStringLiteral("unknown"))));
     }
 }
 
@@ -42,32 +50,21 @@ void printChannel(const ReportingChannel &channel)
 
 int main()
 {
-    constexpr int walks = 6;
-    std::printf("chip: %s\n", readChipName().value_or("not known").c_str());
-    const FrequencyTables tables = readFrequencyTables();
-    printTable("performance cluster", tables.performance);
-    printTable("efficiency cluster", tables.efficiency);
-
-    const auto bridge = IOReportBridge::withChannelGroups(
-        {{.group = "Energy Model"},
-         {.group = "GPU Stats"},
-         {.group = "CPU Stats", .subgroup = "CPU Complex Performance States"}});
-    ThermalBridge temperatures;
-    if (!bridge)
-        std::printf("no channels\n");
-    auto last = bridge ? bridge->takeSample() : nullptr;
-    for (int walk = 1; walk <= walks; ++walk) {
+    constexpr int seconds = 6;
+    std::printf("chip: %s\n", readChipName().value_or("unknown").c_str());
+    printClusters();
+    const ChipSource chip = openChipSource();
+    if (!chip)
+        std::printf("nothing to read\n");
+    for (int second = 1; chip && second <= seconds; ++second) {
         std::this_thread::sleep_for(std::chrono::seconds(1));
         const auto began = std::chrono::steady_clock::now();
-        auto sample = bridge ? bridge->takeSample() : nullptr;
+        const auto reading = chip();
         const std::chrono::duration<double, std::micro> took =
             std::chrono::steady_clock::now() - began;
-        std::printf("walk %d, sampled in %.0f us\n", walk, took.count());
-        if (bridge)
-            bridge->iterate(bridge->delta(last.get(), sample.get()).get(), printChannel);
-        last = std::move(sample);
-        for (const auto &[name, degrees] : temperatures.readAllTemperatures())
-            std::printf("  %s: %.1f C\n", name.c_str(), degrees);
+        std::printf("second %d, sampled in %.0f us\n", second, took.count());
+        if (reading)
+            printReading(*reading);
         std::fflush(stdout);
     }
 }

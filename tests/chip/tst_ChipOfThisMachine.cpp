@@ -1,5 +1,5 @@
 #include "chip/ChipSource.h"
-#include "cpu/CoreTicks.h"
+#include "cpu/ProcStatFile.h"
 
 #include <QTest>
 
@@ -66,7 +66,7 @@ void TestChipOfThisMachine::showsTheLoadOfAProcess()
 {
     const int cpu = allowedCPU();
     QVERIFY(cpu >= 0);
-    CoreTicksReader cores;
+    ProcStatFile cores;
     const auto before = cores.read();
     QVERIFY(before && before->size() > std::size_t(cpu));
     const ChipSource chip = openChipSource();

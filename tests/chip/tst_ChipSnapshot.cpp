@@ -3,289 +3,251 @@
 #include <QTest>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
-using Clusters = std::vector<CPUClusterStates>;
-using Texts = QStringList;
+using Number = std::optional<double>;
+
+Q_DECLARE_METATYPE(ChipSnapshot)
 
 namespace {
 
-/// Of one CPU: all active ticks in user mode.
-CoreTicks ticks(std::uint32_t active, std::uint32_t idle)
+/// "card busy 0.25 at P2, 100 W, 61 C" for each GPU; what is unknown is left out.
+QStringList textsOf(const std::vector<GPUMetrics> &gpus)
 {
-    return {.user = active, .idle = idle};
-}
-
-/// "group|subgroup|name|unit|value|state=residency …"
-QString textOf(const ChipChannel &channel)
-{
-    const auto view = [](std::string_view text) {
-        return QString::fromUtf8(text.data(), qsizetype(text.size()));
-    };
-    QStringList parts = {view(channel.group), view(channel.subgroup), view(channel.name)};
-    if (channel.states.empty())
-        parts << view(channel.unit.value_or("?")) << QString::number(channel.value);
-    for (const ChipChannel::State &state : channel.states)
-        parts << view(state.name) + u'=' + QString::number(state.residency);
-    return parts.join(u'|');
-}
-
-Texts textsOf(const std::vector<ChipChannel> &channels)
-{
-    Texts texts;
-    for (const ChipChannel &channel : channels)
-        texts << textOf(channel);
+    QStringList texts;
+    for (const GPUMetrics &gpu : gpus) {
+        QString text = gpu.device;
+        if (gpu.integrated)
+            text += u" (integrated)"_s;
+        if (gpu.activeFraction)
+            text += u" busy %1"_s.arg(*gpu.activeFraction);
+        if (gpu.state)
+            text += u" at "_s + *gpu.state;
+        if (gpu.watts)
+            text += u" %1 W"_s.arg(*gpu.watts);
+        if (gpu.tempC)
+            text += u" %1 C"_s.arg(*gpu.tempC);
+        texts << text;
+    }
     return texts;
 }
 
-/// Two CPUs with one policy over both and three states.
-Clusters oneCluster()
+GPUReading card()
 {
-    return {{.cluster = {"PCPU", {0, 1}},
-             .policies = {{"policy0", {0, 1}}},
-             .kHz = {1'000'000, 2'000'000, 3'000'000}}};
+    return {.device = "card", .seconds = 1, .state = "P2", .busyFraction = 0.25};
 }
 
-/// With nothing told about frequencies.
-ChipSnapshot cpuSnapshot(const std::vector<CoreTicks> &cpus)
+GPUReading integrated()
 {
-    return {.cpus = cpus, .clusters = {{.policyTimes = {{}}}}};
+    return {.device = "chip",
+            .integrated = true,
+            .seconds = 1,
+            .state = "800 MHz",
+            .busyFraction = 0.5};
 }
-
-using namespace Qt::StringLiterals;
 
 } // namespace
-
-Q_DECLARE_METATYPE(ChipSnapshot)
-Q_DECLARE_METATYPE(Clusters)
 
 class TestChipSnapshot : public QObject {
     Q_OBJECT
 
 private slots:
-    void givesCPUChannels_data();
-    void givesCPUChannels();
-    void givesGPUChannels_data();
-    void givesGPUChannels();
-    void givesEnergyChannels_data();
-    void givesEnergyChannels();
+    void readsCPUs();
+    void combinesTheLoadOfGPUs_data();
+    void combinesTheLoadOfGPUs();
+    void sharesStatesOfGPUs();
+    void keepsEachGPU();
+    void measuresPower_data();
+    void measuresPower();
+    void averagesTemperatures();
+    void anEmptySnapshotHasNoValues();
 };
 
-void TestChipSnapshot::givesCPUChannels_data()
+void TestChipSnapshot::readsCPUs()
 {
-    QTest::addColumn<Clusters>("clusters");
-    QTest::addColumn<ChipSnapshot>("from");
-    QTest::addColumn<ChipSnapshot>("to");
-    QTest::addColumn<Texts>("channels");
-    const auto channel = [](const QString &name, const QString &states) {
-        return u"CPU Stats|CPU Complex Performance States|"_s + name + u'|' + states;
-    };
-    const ChipSnapshot start = cpuSnapshot({ticks(0, 0), ticks(0, 0)});
-
-    ChipSnapshot now = cpuSnapshot({ticks(30, 70), ticks(10, 90)});
-    now.clusters[0].presentKHz = 2'400'000;
-    QTest::newRow("active time goes to the state next to the present frequency")
-        << oneCluster() << start << now
-        << Texts{channel(u"PCPU"_s, u"IDLE=160000000|1000 MHz=0|2000 MHz=40000000|3000 MHz=0"_s)};
-
-    now.clusters[0].presentKHz.reset();
-    QTest::newRow("active time at an unknown frequency comes behind the table")
-        << oneCluster() << start << now
-        << Texts{channel(u"PCPU"_s,
-                         u"IDLE=160000000|1000 MHz=0|2000 MHz=0|3000 MHz=0|"
-                         "ACTIVE=40000000"_s)};
-
-    ChipSnapshot timesBefore = start;
-    timesBefore.clusters[0].policyTimes[0] = {{3'000'000, 500}, {2'000'000, 700}, {1'000'000, 0}};
-    ChipSnapshot timesNow = now;
-    timesNow.clusters[0].policyTimes[0] = {{3'000'000, 575}, {2'000'000, 700}, {1'000'000, 25}};
-    QTest::newRow("times in states split the active time, and count idle time too")
-        << oneCluster() << timesBefore << timesNow
-        << Texts{channel(u"PCPU"_s,
-                         u"IDLE=160000000|1000 MHz=10000000|2000 MHz=0|"
-                         "3000 MHz=30000000"_s)};
-
-    timesNow.clusters[0].policyTimes[0] = {{3'000'000, 10}, {2'000'000, 30}, {1'000'000, 0}};
-    QTest::newRow("times that fell count from nothing")
-        << oneCluster() << timesBefore << timesNow
-        << Texts{channel(u"PCPU"_s,
-                         u"IDLE=160000000|1000 MHz=0|2000 MHz=30000000|"
-                         "3000 MHz=10000000"_s)};
-
-    timesNow.clusters[0] = timesBefore.clusters[0];
-    timesNow.clusters[0].presentKHz = 900'000;
-    QTest::newRow("times that stand leave the present frequency")
-        << oneCluster() << timesBefore << timesNow
-        << Texts{channel(u"PCPU"_s, u"IDLE=160000000|1000 MHz=40000000|2000 MHz=0|3000 MHz=0"_s)};
-
-    Clusters split = oneCluster();
-    split[0].policies = {{"policy0", {0}}, {"policy1", {1}}};
-    ChipSnapshot splitBefore = start;
-    splitBefore.clusters[0].policyTimes = {{{3'000'000, 0}, {1'000'000, 0}},
-                                           {{3'000'000, 0}, {1'000'000, 0}}};
-    ChipSnapshot splitNow = now;
-    splitNow.clusters[0].policyTimes = {{{3'000'000, 100}, {1'000'000, 0}},
-                                        {{3'000'000, 0}, {1'000'000, 100}}};
-    QTest::newRow("each policy splits the active time of its own CPUs")
-        << split << splitBefore << splitNow
-        << Texts{channel(u"PCPU"_s,
-                         u"IDLE=160000000|1000 MHz=10000000|2000 MHz=0|"
-                         "3000 MHz=30000000"_s)};
-
-    Clusters constant = oneCluster();
-    constant[0].kHz = {2'596'142};
-    constant[0].policies = {};
-    QTest::newRow("a single state has all the active time")
-        << constant << start << now
-        << Texts{channel(u"PCPU"_s, u"IDLE=160000000|2596 MHz=40000000"_s)};
-
-    Clusters bare = constant;
-    bare[0].kHz = {};
-    QTest::newRow("no state is known")
-        << bare << start << now << Texts{channel(u"PCPU"_s, u"IDLE=160000000|ACTIVE=40000000"_s)};
-
-    QTest::newRow("an idle machine") << bare << start << cpuSnapshot({ticks(0, 100), ticks(0, 100)})
-                                     << Texts{channel(u"PCPU"_s, u"IDLE=200000000"_s)};
-
-    QTest::newRow("a CPU that went offline adds nothing")
-        << constant << cpuSnapshot({ticks(5, 5), ticks(7, 9)})
-        << cpuSnapshot({ticks(15, 95), ticks(7, 9)})
-        << Texts{channel(u"PCPU"_s, u"IDLE=90000000|2596 MHz=10000000"_s)};
-
-    QTest::newRow("a CPU that neither snapshot knows adds nothing")
-        << constant << cpuSnapshot({ticks(0, 0)}) << cpuSnapshot({ticks(10, 90)})
-        << Texts{channel(u"PCPU"_s, u"IDLE=90000000|2596 MHz=10000000"_s)};
-
-    QTest::newRow("counters wrap at 32 bits")
-        << constant << cpuSnapshot({ticks(4294967290u, 4294967295u)}) << cpuSnapshot({ticks(4, 89)})
-        << Texts{channel(u"PCPU"_s, u"IDLE=90000000|2596 MHz=10000000"_s)};
-
-    const Clusters hybrid = {
-        {.cluster = {"PCPU", {0}}, .kHz = {4'000'000}},
-        {.cluster = {"ECPU", {1}}, .kHz = {2'000'000}},
-    };
-    ChipSnapshot hybridFrom = start;
-    hybridFrom.clusters = {{}, {}};
-    ChipSnapshot hybridTo = now;
-    hybridTo.clusters = {{}, {}};
-    QTest::newRow("one channel a cluster")
-        << hybrid << hybridFrom << hybridTo
-        << Texts{channel(u"PCPU"_s, u"IDLE=70000000|4000 MHz=30000000"_s),
-                 channel(u"ECPU"_s, u"IDLE=90000000|2000 MHz=10000000"_s)};
-
-    QTest::newRow("the times could not be read") << constant << start << ChipSnapshot{} << Texts{};
+    const std::vector<CPUCluster> clusters = {{.cpus = {0}, .kHz = {3'600'000}}};
+    const ChipReading reading =
+        chipReading({.cpu = {.ticks = {{}}, .clusters = {{}}}},
+                    {.cpu = {.ticks = {{.user = 25, .idle = 75}}, .clusters = {{}}}}, clusters);
+    QCOMPARE(reading.cpuActiveFraction, 0.25);
+    QCOMPARE(reading.cpuActiveMHz, 3600.0);
 }
 
-void TestChipSnapshot::givesCPUChannels()
-{
-    QFETCH(Clusters, clusters);
-    QFETCH(ChipSnapshot, from);
-    QFETCH(ChipSnapshot, to);
-    QTEST(textsOf(chipChannels(from, to, clusters)), "channels");
-}
-
-void TestChipSnapshot::givesGPUChannels_data()
+void TestChipSnapshot::combinesTheLoadOfGPUs_data()
 {
     QTest::addColumn<ChipSnapshot>("from");
     QTest::addColumn<ChipSnapshot>("to");
-    QTest::addColumn<Texts>("channels");
-    const GPUReading card = {.device = "card", .seconds = 1, .state = "P2", .busyFraction = 0.25};
-    const GPUReading chip = {.device = "chip",
-                             .integrated = true,
-                             .seconds = 1,
-                             .state = "800 MHz",
-                             .busyFraction = 0.5};
-    const QString cardText = u"GPU Stats||card|P2=250000|IDLE=750000"_s;
-    const QString chipText = u"GPU Stats||chip|800 MHz=500000|IDLE=500000"_s;
+    QTest::addColumn<double>("fraction");
+    QTest::addColumn<QString>("state");
     const ChipSnapshot start = {.seconds = 0};
 
     QTest::newRow("a discrete GPU")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {card}} << Texts{cardText};
+        << start << ChipSnapshot{.seconds = 1, .gpus = {card()}} << 0.25 << u"P2"_s;
     QTest::newRow("an integrated one")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {chip}} << Texts{chipText};
-    QTest::newRow("beside a discrete one the integrated one is silent")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {chip, card}} << Texts{cardText};
+        << start << ChipSnapshot{.seconds = 1, .gpus = {integrated()}} << 0.5 << u"800 MHz"_s;
+    QTest::newRow("an integrated one does not count beside a discrete one")
+        << start << ChipSnapshot{.seconds = 1, .gpus = {integrated(), card()}} << 0.25 << u"P2"_s;
 
-    GPUReading mute = card;
+    GPUReading mute = card();
     mute.busyFraction.reset();
-    QTest::newRow("a discrete one without a load leaves the integrated one its channel")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {mute, chip}} << Texts{chipText};
+    QTest::newRow("an integrated one counts beside a discrete one without a load")
+        << start << ChipSnapshot{.seconds = 1, .gpus = {mute, integrated()}} << 0.5 << u"800 MHz"_s;
 
-    GPUReading second = card;
+    GPUReading second = card();
     second.device = "card 2";
+    second.state = "P0";
     second.busyFraction = 1;
-    QTest::newRow("two discrete ones")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {card, second}}
-        << Texts{cardText, u"GPU Stats||card 2|P2=1000000|IDLE=0"_s};
+    QTest::newRow("the mean of two discrete ones, with the state of the busier one")
+        << start << ChipSnapshot{.seconds = 1, .gpus = {card(), second}} << 0.625 << u"P0"_s;
 
-    GPUReading counted = {.device = "chip",
-                          .integrated = true,
-                          .seconds = 0,
-                          .state = "800 MHz",
-                          .idleMilliseconds = 1000};
+    GPUReading idle = card();
+    idle.busyFraction = 0;
+    QTest::newRow("no state is dominant at rest")
+        << start << ChipSnapshot{.seconds = 1, .gpus = {idle}} << 0.0 << u""_s;
+
+    GPUReading counted = integrated();
+    counted.seconds = 0;
+    counted.busyFraction.reset();
+    counted.idleMilliseconds = 1000;
     const ChipSnapshot countedFrom = {.seconds = 0, .gpus = {counted}};
     counted.seconds = 1;
     counted.idleMilliseconds = 1500;
     QTest::newRow("the idle time between two snapshots")
-        << countedFrom << ChipSnapshot{.seconds = 1, .gpus = {counted}} << Texts{chipText};
-    QTest::newRow("an idle time without an earlier one")
-        << start << ChipSnapshot{.seconds = 1, .gpus = {counted}} << Texts{};
+        << countedFrom << ChipSnapshot{.seconds = 1, .gpus = {counted}} << 0.5 << u"800 MHz"_s;
+    QTest::newRow("an idle time without an earlier one gives no load")
+        << start << ChipSnapshot{.seconds = 1, .gpus = {counted}} << 0.0 << u""_s;
     counted.seconds = 30;
-    QTest::newRow("an idle time over the machine's sleep tells nothing")
-        << countedFrom << ChipSnapshot{.seconds = 30, .gpus = {counted}} << Texts{};
-    QTest::newRow("asleep") << ChipSnapshot{.seconds = 0, .gpus = {card}}
-                            << ChipSnapshot{.seconds = 1} << Texts{};
+    QTest::newRow("an idle time over the machine's sleep gives no load")
+        << countedFrom << ChipSnapshot{.seconds = 30, .gpus = {counted}} << 0.0 << u""_s;
+    QTest::newRow("a sleeping GPU") << ChipSnapshot{.seconds = 0, .gpus = {card()}}
+                                    << ChipSnapshot{.seconds = 1} << 0.0 << u""_s;
 }
 
-void TestChipSnapshot::givesGPUChannels()
+void TestChipSnapshot::combinesTheLoadOfGPUs()
 {
     QFETCH(ChipSnapshot, from);
     QFETCH(ChipSnapshot, to);
-    QTEST(textsOf(chipChannels(from, to, {})), "channels");
+    const ChipReading reading = chipReading(from, to, {});
+    QTEST(reading.gpuActiveFraction, "fraction");
+    QTEST(reading.gpuDominantState.value(), "state");
 }
 
-void TestChipSnapshot::givesEnergyChannels_data()
+void TestChipSnapshot::sharesStatesOfGPUs()
+{
+    GPUReading second = card();
+    second.device = "card 2";
+    second.state = "P0";
+    second.busyFraction = 0.75;
+    const ChipReading reading = chipReading({}, {.seconds = 1, .gpus = {card(), second}}, {});
+    QCOMPARE(reading.gpuStateResidency.size(), std::size_t(2));
+    QCOMPARE(reading.gpuStateResidency[0].state, u"P0"_s);
+    QCOMPARE(reading.gpuStateResidency[0].fraction, 0.75);
+    QCOMPARE(reading.gpuStateResidency[1].state, u"P2"_s);
+    QCOMPARE(reading.gpuStateResidency[1].fraction, 0.25);
+}
+
+void TestChipSnapshot::keepsEachGPU()
+{
+    GPUReading apu = integrated();
+    apu.packageWatts = 18;
+    apu.watts = 7; // Never its own.
+    apu.temperatures = {50};
+    GPUReading hot = card();
+    hot.watts = 100;
+    hot.temperatures = {61, 74, 66};
+    const GPUReading mute = {.device = "mute", .seconds = 1};
+    const ChipReading reading = chipReading({}, {.seconds = 1, .gpus = {apu, hot, mute}}, {});
+    QCOMPARE(textsOf(reading.gpus),
+             (QStringList{u"chip (integrated) busy 0.5 at 800 MHz 50 C"_s,
+                          u"card busy 0.25 at P2 100 W 67 C"_s, u"mute"_s}));
+}
+
+void TestChipSnapshot::measuresPower_data()
 {
     QTest::addColumn<ChipSnapshot>("from");
     QTest::addColumn<ChipSnapshot>("to");
-    QTest::addColumn<Texts>("channels");
+    QTest::addColumn<double>("cpuWatts");
+    QTest::addColumn<double>("gpuWatts");
     const auto package = [](const char *zone, std::uint64_t microjoules) {
         return PackageEnergyReading{zone, microjoules, 65'532'610'987};
     };
     const ChipSnapshot start = {.seconds = 0, .packages = {package("a", 100), package("b", 200)}};
     const GPUReading apu = {.device = "apu", .integrated = true, .seconds = 2, .packageWatts = 18};
-    const GPUReading card = {.device = "card", .seconds = 2, .watts = 100};
+    GPUReading powered = card();
+    powered.watts = 100;
 
     QTest::newRow("two packages") << start
                                   << ChipSnapshot{.seconds = 2,
                                                   .packages = {package("a", 5'000'100),
                                                                package("b", 7'000'200)}}
-                                  << Texts{u"Energy Model||CPU Energy|uJ|5000000"_s,
-                                           u"Energy Model||CPU Energy|uJ|7000000"_s};
+                                  << 6.0 << 0.0;
     QTest::newRow("a package that could not be read before")
         << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .packages = {package("a", 5)}}
-        << Texts{};
-    QTest::newRow("without packages an APU's power counts")
-        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {apu}}
-        << Texts{u"Energy Model||CPU Energy|uJ|36000000"_s};
+        << 0.0 << 0.0;
+    QTest::newRow("a counter that started again while the machine slept")
+        << ChipSnapshot{.seconds = 0, .packages = {package("a", 30'000'000'000)}}
+        << ChipSnapshot{.seconds = 1, .packages = {package("a", 5)}} << 0.0 << 0.0;
+    QTest::newRow("snapshots that follow each other at once count as 50 ms")
+        << start << ChipSnapshot{.seconds = 0, .packages = {package("a", 1'000'100)}} << 20.0
+        << 0.0;
+    QTest::newRow("an APU's power without packages")
+        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {apu}} << 18.0 << 0.0;
     QTest::newRow("packages come before an APU's power")
         << start << ChipSnapshot{.seconds = 2, .packages = {package("a", 4'000'100)}, .gpus = {apu}}
-        << Texts{u"Energy Model||CPU Energy|uJ|4000000"_s};
-    QTest::newRow("a discrete GPU's power")
-        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {card}}
-        << Texts{u"Energy Model||GPU Energy|uJ|200000000"_s};
+        << 2.0 << 0.0;
+    QTest::newRow("the sum of discrete GPUs")
+        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {powered, powered}}
+        << 0.0 << 200.0;
 
-    GPUReading odd = card;
+    GPUReading odd = powered;
     odd.integrated = true;
-    QTest::newRow("an integrated GPU never has energy of its own")
-        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {odd}} << Texts{};
-    QTest::newRow("nothing is readable") << ChipSnapshot{} << ChipSnapshot{.seconds = 2} << Texts{};
+    QTest::newRow("an integrated GPU has no power of its own")
+        << ChipSnapshot{.seconds = 0} << ChipSnapshot{.seconds = 2, .gpus = {odd}} << 0.0 << 0.0;
+
+    GPUReading counted = powered;
+    counted.microjoules = 5'000'000;
+    const ChipSnapshot countedFrom = {.seconds = 1, .gpus = {counted}};
+    counted.seconds = 2;
+    counted.microjoules = 65'000'000;
+    QTest::newRow("the energy counter of a GPU comes before its power")
+        << countedFrom << ChipSnapshot{.seconds = 2, .gpus = {counted}} << 0.0 << 60.0;
 }
 
-void TestChipSnapshot::givesEnergyChannels()
+void TestChipSnapshot::measuresPower()
 {
     QFETCH(ChipSnapshot, from);
     QFETCH(ChipSnapshot, to);
-    QTEST(textsOf(chipChannels(from, to, {})), "channels");
+    const ChipReading reading = chipReading(from, to, {});
+    QTEST(reading.cpuWatts, "cpuWatts");
+    QTEST(reading.gpuWatts, "gpuWatts");
+}
+
+void TestChipSnapshot::averagesTemperatures()
+{
+    GPUReading first = card();
+    first.temperatures = {60, 70};
+    GPUReading second = integrated();
+    second.temperatures = {50};
+    const ChipReading reading = chipReading({},
+                                            {.gpus = {first, second},
+                                             .temperatures = {{ChipPart::cpu, 50},
+                                                              {ChipPart::cpu, 53},
+                                                              {ChipPart::gpu, 40},
+                                                              {ChipPart::package, 58}}},
+                                            {});
+    QCOMPARE(reading.cpuTempC, Number(51.5));
+    QCOMPARE(reading.gpuTempC, Number(55)); // Every sensor counts alike.
+    QCOMPARE(reading.packageTempC, Number(58));
+    QVERIFY(!reading.aneTempC);
+}
+
+void TestChipSnapshot::anEmptySnapshotHasNoValues()
+{
+    const ChipReading reading = chipReading({}, {}, {});
+    QCOMPARE(totalWatts(reading), 0.0);
+    QCOMPARE(reading.gpuDominantState, std::optional(QString()));
+    QVERIFY(reading.gpuStateResidency.empty() && reading.gpus.empty());
+    QVERIFY(!reading.cpuTempC && !reading.gpuTempC && !reading.packageTempC);
 }
 
 QTEST_GUILESS_MAIN(TestChipSnapshot)

@@ -1,44 +1,94 @@
-#include "chip/ChipSource.h"
+#include "chip/ChipSource_linux.h"
 
+#include "support/AccessWatch.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"
 
 #include <QTest>
 
 using namespace corvane;
+using corvane::test::AccessWatch;
 using corvane::test::MachineTree;
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+/// One line of /proc/stat.
+std::string cpuLine(int cpu, int user, int idle)
+{
+    return "cpu" + std::to_string(cpu) + ' ' + std::to_string(user) + " 0 0 " + std::to_string(idle)
+        + " 0 0 0 0 0 0\n";
+}
+
 /// The times of that many CPUs, all alike.
 std::string cpuTimes(int cpus, int busy, int idle)
 {
     std::string text;
     for (int cpu = 0; cpu < cpus; ++cpu)
-        text += "cpu" + std::to_string(cpu) + ' ' + std::to_string(busy) + " 0 0 "
-            + std::to_string(idle) + " 0 0 0 0 0 0\n";
+        text += cpuLine(cpu, busy, idle);
     return text;
 }
 
+bool isNear(double actual, double expected)
+{
+    return qAbs(actual - expected) < 1e-6;
+}
+
+const std::string policies = "sys/devices/system/cpu/cpufreq/policy";
+const std::string amdCard =
+    "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
+
+/// A machine that is read a second at a time.
+class Chip {
+public:
+    explicit Chip(const std::string &machine)
+        : tree(machine),
+          m_source(openChipSourceBelow(tree.root(), [this] { return m_now; }))
+    {
+    }
+
+    const MachineTree tree;
+
+    /// The second that ends now.
+    ChipReading reading()
+    {
+        m_now += 1;
+        return m_source().value();
+    }
+
+private:
+    double m_now = 500;
+    ChipSource m_source;
+};
+
 } // namespace
 
-/// Everything below the chip source put together: each source by itself has a test of its own.
+/// All readers put together; each of them has a test of its own.
 class TestChipSource : public QObject {
     Q_OBJECT
 
 private slots:
-    void isEmptyWhereNothingTellsOfTheChip_data();
-    void isEmptyWhereNothingTellsOfTheChip();
+    void isEmptyWhereNoFileIsAboutTheChip_data();
+    void isEmptyWhereNoFileIsAboutTheChip();
     void readsMachines_data();
     void readsMachines();
     void showsNoLoadWhileTheTimesCannotBeRead();
     void measuresByItsClock();
     void copiesGoOnTogether();
+    void aDesktopWithACard();
+    void anAPU();
+    void aHybridLaptop();
+    void aBoard();
+    void appleSilicon();
+    void aVirtualMachine();
+    void anOfflineCPUAddsNothing();
+    void energyThatBecomesReadableAddsNothingOfThePast();
+    void aSleepingGPUIsNotTouched();
+    void keepsEachGPU();
 };
 
-void TestChipSource::isEmptyWhereNothingTellsOfTheChip_data()
+void TestChipSource::isEmptyWhereNoFileIsAboutTheChip_data()
 {
     QTest::addColumn<QString>("machine");
     QTest::newRow("an empty folder") << QString();
@@ -46,13 +96,13 @@ void TestChipSource::isEmptyWhereNothingTellsOfTheChip_data()
     QTest::newRow("memory and times alone") << u"kernel-without-psi"_s;
 }
 
-void TestChipSource::isEmptyWhereNothingTellsOfTheChip()
+void TestChipSource::isEmptyWhereNoFileIsAboutTheChip()
 {
     QFETCH(QString, machine);
     const MachineTree empty;
     const std::string root =
         machine.isEmpty() ? empty.root() : test::machine(machine.toStdString());
-    QVERIFY(!openChipSource(root));
+    QVERIFY(!openChipSourceBelow(root));
 }
 
 void TestChipSource::readsMachines_data()
@@ -70,7 +120,7 @@ void TestChipSource::readsMachines_data()
                             << known(54.125) << known(52) << none;
     QTest::newRow("a desktop with a card")
         << u"amd-desktop"_s << 12 << known(0.64) << u"2600 MHz"_s << known(56) << known(67) << none;
-    // Its integrated graphics tell the load by idle time, which stands still here.
+    // The load of its integrated graphics needs an idle time, which stands still here.
     QTest::newRow("a laptop of Intel's, its NVIDIA asleep")
         << u"intel-hybrid-nvidia"_s << 12 << none << u""_s << known(53.5) << none << known(58);
     QTest::newRow("Apple's chip") << u"apple-silicon-linux"_s << 8 << known(0) << u""_s << none
@@ -88,7 +138,7 @@ void TestChipSource::readsMachines()
     QFETCH(std::optional<double>, gpuActiveFraction);
     const MachineTree tree(machine.toStdString());
     tree.write("proc/stat", cpuTimes(cpus, 0, 0));
-    const ChipSource chip = openChipSource(tree.root(), readFrequencyTables(tree.root()));
+    const ChipSource chip = openChipSourceBelow(tree.root());
     QVERIFY(chip);
 
     tree.write("proc/stat", cpuTimes(cpus, 10, 30));
@@ -117,7 +167,7 @@ void TestChipSource::showsNoLoadWhileTheTimesCannotBeRead()
 {
     const MachineTree tree("virtual-machine-chip");
     tree.write("proc/stat", cpuTimes(2, 0, 0));
-    const ChipSource chip = openChipSource(tree.root(), readFrequencyTables(tree.root()));
+    const ChipSource chip = openChipSourceBelow(tree.root());
     tree.write("proc/stat", cpuTimes(2, 50, 50));
     QCOMPARE(chip()->cpuActiveFraction, 0.5);
 
@@ -139,8 +189,7 @@ void TestChipSource::measuresByItsClock()
     const std::string energy = "sys/devices/virtual/powercap/intel-rapl/intel-rapl:0/energy_uj";
     tree.write(energy, "1000000\n");
     double now = 50;
-    const ChipSource chip =
-        openChipSource(tree.root(), readFrequencyTables(tree.root()), [&now] { return now; });
+    const ChipSource chip = openChipSourceBelow(tree.root(), [&now] { return now; });
     tree.write(energy, "61000000\n");
     now = 52;
     QCOMPARE(chip()->cpuWatts, 30.0); // 60 J in two seconds.
@@ -152,13 +201,191 @@ void TestChipSource::copiesGoOnTogether()
     tree.write("proc/stat", cpuTimes(2, 0, 0));
     ChipSource copy;
     {
-        const ChipSource chip = openChipSource(tree.root(), readFrequencyTables(tree.root()));
+        const ChipSource chip = openChipSourceBelow(tree.root());
         copy = chip;
         tree.write("proc/stat", cpuTimes(2, 50, 50));
         QCOMPARE(chip()->cpuActiveFraction, 0.5);
     }
     tree.write("proc/stat", cpuTimes(2, 50, 150));
     QCOMPARE(copy()->cpuActiveFraction, 0.0);
+}
+
+void TestChipSource::aDesktopWithACard()
+{
+    Chip chip("amd-desktop");
+    std::string before;
+    std::string after;
+    for (int cpu = 0; cpu < 12; ++cpu) {
+        before += cpuLine(cpu, 3000, 70000);
+        after += cpuLine(cpu, 3040, 70060);
+        chip.tree.write(policies + std::to_string(cpu) + "/stats/time_in_state",
+                        "3600000 40075\n2800000 10000\n2200000 23870\n");
+    }
+    chip.tree.write("proc/stat", before);
+    chip.reading();
+    chip.tree.write("proc/stat", after);
+    for (int cpu = 0; cpu < 12; ++cpu)
+        chip.tree.write(policies + std::to_string(cpu) + "/stats/time_in_state",
+                        "3600000 40150\n2800000 10000\n2200000 23895\n");
+    chip.tree.write("sys/devices/virtual/powercap/intel-rapl/intel-rapl:0/energy_uj",
+                    "41032500000\n");
+    const ChipReading reading = chip.reading();
+    QVERIFY(isNear(reading.cpuWatts, 32.5));
+    QVERIFY(isNear(reading.gpuWatts, 143));
+    QVERIFY(isNear(reading.cpuActiveFraction, 0.4));
+    QVERIFY(isNear(reading.cpuActiveMHz, 0.75 * 3600 + 0.25 * 2200));
+    QVERIFY(isNear(reading.gpuActiveFraction, 0.64));
+    QCOMPARE(reading.gpuDominantState, std::optional(u"2600 MHz"_s));
+}
+
+void TestChipSource::anAPU()
+{
+    Chip chip("amd-apu-laptop");
+    std::string stat = cpuLine(0, 2600, 80030); // All the others stand.
+    chip.tree.write("proc/stat", stat);
+    chip.reading();
+    stat = cpuLine(0, 2690, 80040);
+    chip.tree.write("proc/stat", stat);
+    chip.tree.write(policies + "0/scaling_cur_freq", "4711000\n");
+    chip.tree.write(policies + "5/scaling_cur_freq", "400000\n");
+    const ChipReading reading = chip.reading();
+    QVERIFY(isNear(reading.cpuWatts, 18.123)); // Of the whole socket.
+    QCOMPARE(reading.gpuWatts, 0.0);
+    QVERIFY(isNear(reading.cpuActiveFraction, 0.9));
+    QVERIFY(isNear(reading.cpuActiveMHz, 4700));
+    QVERIFY(isNear(reading.gpuActiveFraction, 0.37));
+    QCOMPARE(reading.gpuDominantState, std::optional(u"1100 MHz"_s));
+}
+
+void TestChipSource::aHybridLaptop()
+{
+    Chip chip("intel-hybrid-nvidia");
+    chip.tree.write("proc/stat", cpuLine(0, 100, 100) + cpuLine(11, 100, 100));
+    chip.reading();
+    chip.tree.write("proc/stat", cpuLine(0, 150, 150) + cpuLine(11, 125, 175));
+    chip.tree.write(policies + "0/scaling_cur_freq", "4390000\n");
+    chip.tree.write(policies + "11/scaling_cur_freq", "3300000\n");
+    chip.tree.write("sys/devices/pci0000:00/0000:00:02.0/drm/card1/gt/gt0/rc6_residency_ms",
+                    "5000250\n");
+    ChipReading reading = chip.reading();
+    QVERIFY(isNear(reading.cpuActiveFraction, 75.0 / 200));
+    QVERIFY(isNear(reading.cpuActiveMHz, (50.0 * 4400 + 25.0 * 3300) / 75));
+
+    chip.tree.write("proc/stat", cpuLine(0, 200, 200) + cpuLine(11, 150, 250));
+    chip.tree.write("sys/devices/pci0000:00/0000:00:02.0/drm/card1/gt/gt0/rc6_residency_ms",
+                    "5000500\n");
+    reading = chip.reading();
+    QVERIFY(isNear(reading.cpuActiveFraction, 75.0 / 200));
+    QVERIFY(isNear(reading.cpuActiveMHz, (50.0 * 4400 + 25.0 * 3300) / 75));
+    QVERIFY(isNear(reading.gpuActiveFraction, 0.75));
+    QCOMPARE(reading.gpuDominantState, std::optional(u"900 MHz"_s));
+    QCOMPARE(reading.cpuWatts, 0.0); // Only root may read the energy.
+}
+
+void TestChipSource::aBoard()
+{
+    Chip chip("arm-board-chip");
+    const auto stat = [](int small, int large) {
+        std::string text;
+        for (int cpu = 0; cpu < 8; ++cpu)
+            text += cpuLine(cpu, cpu < 4 ? small : large, 1000);
+        return text;
+    };
+    chip.tree.write("proc/stat", stat(0, 0));
+    chip.reading();
+    chip.tree.write("proc/stat", stat(10, 30));
+    chip.tree.write(policies + "0/stats/time_in_state", "408000 1000\n1800000 1100\n");
+    chip.tree.write(policies + "4/stats/time_in_state", "408000 550\n2400000 550\n");
+    chip.tree.write(policies + "6/stats/time_in_state", "408000 500\n2256000 600\n");
+    const ChipReading reading = chip.reading();
+    // Times of the other states are gone, which makes their sum fall: all count from nothing.
+    const double small = (1000 * 408 + 1100 * 1800) / 2100.0;
+    const double large = (550 * 408 + 550 * 2400) / 1100.0;
+    const double middle = (500 * 408 + 600 * 2256) / 1100.0;
+    QVERIFY(isNear(reading.cpuActiveFraction, 1));
+    QVERIFY(qAbs(reading.cpuActiveMHz - (40 * small + 60 * large + 60 * middle) / 160) < 0.001);
+    QVERIFY(reading.gpuStateResidency.empty());
+}
+
+void TestChipSource::appleSilicon()
+{
+    Chip chip("apple-silicon-linux");
+    chip.reading();
+    const std::string file = policies + "4/stats/time_in_state";
+    chip.tree.write("proc/stat", cpuLine(4, 850, 50050));
+    std::string times;
+    for (const char *state :
+         {"600000", "828000", "1056000", "1284000", "1500000", "1728000", "1956000", "2184000",
+          "2388000", "2592000", "2772000", "2988000", "3096000", "3144000"})
+        times += std::string(state) + " 700\n";
+    chip.tree.write(file, times + "3204000 800\n");
+    const ChipReading reading = chip.reading();
+    QVERIFY(isNear(reading.cpuActiveFraction, 0.5));
+    QVERIFY(isNear(reading.cpuActiveMHz, 3204));
+    QCOMPARE(reading.cpuWatts, 0.0);
+    QCOMPARE(reading.gpuDominantState, std::optional(QString()));
+}
+
+void TestChipSource::aVirtualMachine()
+{
+    Chip chip("virtual-machine-chip");
+    chip.tree.write("proc/stat", cpuLine(0, 0, 0) + cpuLine(1, 0, 0));
+    chip.reading();
+    chip.tree.write("proc/stat", cpuLine(0, 90, 10) + cpuLine(1, 0, 100));
+    const ChipReading reading = chip.reading();
+    QVERIFY(isNear(reading.cpuActiveFraction, 0.45));
+    QVERIFY(isNear(reading.cpuActiveMHz, 2596.142));
+    QCOMPARE(reading.cpuWatts, 0.0);
+    QCOMPARE(reading.gpuWatts, 0.0);
+    QCOMPARE(reading.gpuActiveFraction, 0.0);
+}
+
+void TestChipSource::anOfflineCPUAddsNothing()
+{
+    Chip chip("virtual-machine-chip");
+    chip.tree.write("proc/stat", cpuLine(0, 0, 0) + cpuLine(1, 500, 9000));
+    chip.reading();
+    chip.tree.write("proc/stat", cpuLine(0, 50, 50));
+    QVERIFY(isNear(chip.reading().cpuActiveFraction, 0.5));
+    chip.tree.write("proc/stat", cpuLine(0, 100, 100) + cpuLine(1, 500, 9000));
+    QVERIFY(isNear(chip.reading().cpuActiveFraction, 0.5));
+}
+
+void TestChipSource::energyThatBecomesReadableAddsNothingOfThePast()
+{
+    Chip chip("intel-hybrid-nvidia");
+    const std::string file = "sys/devices/virtual/powercap/intel-rapl/intel-rapl:0/energy_uj";
+    chip.tree.write(file, "900000000000\n");
+    for (int second = 0; second < 60; ++second)
+        QCOMPARE(chip.reading().cpuWatts, 0.0);
+    chip.tree.write(file, "900015000000\n");
+    QVERIFY(isNear(chip.reading().cpuWatts, 15));
+}
+
+void TestChipSource::aSleepingGPUIsNotTouched()
+{
+    Chip chip("amd-desktop");
+    chip.tree.write(amdCard + "/power/runtime_status", "suspended\n");
+    AccessWatch files(chip.tree.root() + '/' + amdCard);
+    const ChipReading reading = chip.reading();
+    QVERIFY(reading.gpus.empty());
+    QVERIFY(!reading.gpuTempC);
+    QCOMPARE(reading.cpuTempC, std::optional(56.0));
+    QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+}
+
+void TestChipSource::keepsEachGPU()
+{
+    Chip chip("amd-desktop");
+    const ChipReading reading = chip.reading();
+    QCOMPARE(reading.gpus.size(), std::size_t(1));
+    const GPUMetrics &gpu = reading.gpus.front();
+    QVERIFY(gpu.device.endsWith(QString::fromStdString(amdCard)));
+    QVERIFY(!gpu.integrated);
+    QCOMPARE(gpu.activeFraction, std::optional(0.64));
+    QCOMPARE(gpu.state, std::optional(u"2600 MHz"_s));
+    QCOMPARE(gpu.watts, std::optional(143.0));
+    QCOMPARE(gpu.tempC, std::optional(67.0));
 }
 
 QTEST_GUILESS_MAIN(TestChipSource)

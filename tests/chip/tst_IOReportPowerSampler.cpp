@@ -16,6 +16,8 @@ struct ScriptedChip {
         std::int64_t idle = 0;
         std::int64_t active = 0;
     };
+    struct Bridge;
+    using Sampler = IOReportPowerSampler<Bridge>;
 
     Counters counters = {};
     double now = 1000;
@@ -28,60 +30,65 @@ struct ScriptedChip {
     int temperatureReadings = 0;
     std::weak_ptr<const Counters> newest = {};
 
-    PowerSamplerSources sources()
-    {
-        return {
-            .cores = CPUCoreSampler([this] {
-                ++coreReadings;
-                const std::uint32_t ticks = 10u * static_cast<std::uint32_t>(coreReadings);
-                return std::optional(
-                    std::vector<CoreTicks>{{.user = ticks, .idle = ticks}, {.idle = ticks}});
-            }),
-            .temperatures = ThermalSampler([this] {
-                ++temperatureReadings;
-                return std::map<std::string, double>{{"PACC 1", 61.5}, {"PMU tdie1", 48}};
-            }),
-            .frequencies = {.performance = {3204}},
-            .openChannels = [this](const auto &wanted) { return open(wanted); },
-            .now = [this] { return now; },
-        };
-    }
+    std::unique_ptr<Sampler> open();
+};
 
-private:
-    std::optional<ChannelSource> open(const std::vector<ChannelGroupRequest> &wanted)
-    {
-        requests = wanted;
-        if (!hasChannels)
-            return std::nullopt;
-        using Sample = ChannelSource::Sample;
-        return ChannelSource{
-            .takeSample = [this] { return takeSample(); },
-            .visitDelta =
-                [this](const Sample &from, const Sample &to, const ChannelVisitor &visit) {
-                    const auto &before = *static_cast<const Counters *>(from.get());
-                    const auto &after = *static_cast<const Counters *>(to.get());
-                    if (!givesDeltas)
-                        return false;
-                    energy("CPU Energy", after.cpuMillijoules - before.cpuMillijoules).show(visit);
-                    cpu("PCPU",
-                        {{"IDLE", after.idle - before.idle}, {"V0", after.active - before.active}})
-                        .show(visit);
-                    gpu({{"OFF", 3}, {"P1", 1}}).show(visit);
-                    return true;
-                },
-        };
-    }
+struct ScriptedChip::Bridge {
+    using Sample = std::shared_ptr<const Counters>;
 
-    ChannelSource::Sample takeSample()
+    ScriptedChip &chip;
+
+    Sample takeSample()
     {
-        ++samplesTaken;
-        if (!givesSamples)
+        ++chip.samplesTaken;
+        if (!chip.givesSamples)
             return nullptr;
-        auto sample = std::make_shared<const Counters>(counters);
-        newest = sample;
+        auto sample = std::make_shared<const Counters>(chip.counters);
+        chip.newest = sample;
         return sample;
     }
+
+    Sample delta(const Counters *from, const Counters *to) const
+    {
+        if (!from || !to || !chip.givesDeltas)
+            return nullptr;
+        return std::make_shared<const Counters>(
+            Counters{.cpuMillijoules = to->cpuMillijoules - from->cpuMillijoules,
+                     .idle = to->idle - from->idle,
+                     .active = to->active - from->active});
+    }
+
+    template <typename Visitor>
+    void iterate(const Counters *delta, Visitor visit) const
+    {
+        energy("CPU Energy", delta->cpuMillijoules).show(visit);
+        cpu("PCPU", {{"IDLE", delta->idle}, {"V0", delta->active}}).show(visit);
+        gpu({{"OFF", 3}, {"P1", 1}}).show(visit);
+    }
 };
+
+std::unique_ptr<ScriptedChip::Sampler> ScriptedChip::open()
+{
+    return Sampler::open({
+        .cores = CPUCoreSampler([this] {
+            ++coreReadings;
+            const std::uint32_t ticks = 10u * static_cast<std::uint32_t>(coreReadings);
+            return std::optional(
+                std::vector<CoreTicks>{{.user = ticks, .idle = ticks}, {.idle = ticks}});
+        }),
+        .temperatures = ThermalSampler([this] {
+            ++temperatureReadings;
+            return std::map<std::string, double>{{"PACC 1", 61.5}, {"PMU tdie1", 48}};
+        }),
+        .frequencies = {.performance = {3204}},
+        .openBridge =
+            [this](const auto &wanted) {
+                requests = wanted;
+                return hasChannels ? std::unique_ptr<Bridge>(new Bridge{*this}) : nullptr;
+            },
+        .now = [this] { return now; },
+    });
+}
 
 } // namespace
 
@@ -105,7 +112,7 @@ private slots:
 void TestIOReportPowerSampler::asksForThreeGroups()
 {
     ScriptedChip chip;
-    QVERIFY(IOReportPowerSampler::open(chip.sources()));
+    QVERIFY(chip.open());
     using Text = std::optional<std::string>;
     QCOMPARE(chip.requests.size(), std::size_t(3));
     QCOMPARE(chip.requests[0].group, Text("Energy Model"));
@@ -120,14 +127,14 @@ void TestIOReportPowerSampler::asksForThreeGroups()
 void TestIOReportPowerSampler::opensNothingWithoutChannels()
 {
     ScriptedChip chip{.hasChannels = false};
-    QVERIFY(!IOReportPowerSampler::open(chip.sources()));
+    QVERIFY(!chip.open());
     QCOMPARE(chip.samplesTaken, 0);
 }
 
 void TestIOReportPowerSampler::readsFromTheFirstTick()
 {
     ScriptedChip chip{.counters = {.cpuMillijoules = 77'000, .idle = 500, .active = 500}};
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     chip.now += 0.5;
     chip.counters = {.cpuMillijoules = 80'000, .idle = 503, .active = 501};
     const auto reading = sampler->sample();
@@ -143,7 +150,7 @@ void TestIOReportPowerSampler::readsFromTheFirstTick()
 void TestIOReportPowerSampler::fillsInCoresAndTemperatures()
 {
     ScriptedChip chip;
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     QCOMPARE(chip.coreReadings, 0);
     QCOMPARE(chip.temperatureReadings, 0);
 
@@ -162,7 +169,7 @@ void TestIOReportPowerSampler::fillsInCoresAndTemperatures()
 void TestIOReportPowerSampler::measuresEachInterval()
 {
     ScriptedChip chip;
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     for (const auto &[seconds, millijoules, watts] :
          {std::tuple(1.0, 5000, 5.0), {2.0, 5000, 2.5}, {1.0, 0, 0.0}, {0.25, 1000, 4.0}}) {
         chip.now += seconds;
@@ -185,7 +192,7 @@ void TestIOReportPowerSampler::floorsTheInterval()
 {
     QFETCH(double, seconds);
     ScriptedChip chip;
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     chip.now += seconds;
     chip.counters.cpuMillijoules += 1000;
     QTEST(sampler->sample()->cpuWatts, "watts");
@@ -207,7 +214,7 @@ void TestIOReportPowerSampler::losesNothingToFailedTicks()
 {
     QFETCH(bool, givesSamples);
     ScriptedChip chip;
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     chip.givesSamples = givesSamples;
     chip.givesDeltas = !givesSamples;
     for (int tick = 0; tick < 3; ++tick) {
@@ -228,7 +235,7 @@ void TestIOReportPowerSampler::losesNothingToFailedTicks()
 void TestIOReportPowerSampler::staysSilentWithoutAFirstSample()
 {
     ScriptedChip chip{.givesSamples = false};
-    const auto sampler = IOReportPowerSampler::open(chip.sources());
+    const auto sampler = chip.open();
     QVERIFY(sampler);
     chip.givesSamples = true;
     chip.now += 1;
@@ -239,7 +246,7 @@ void TestIOReportPowerSampler::staysSilentWithoutAFirstSample()
 void TestIOReportPowerSampler::keepsOneSample()
 {
     ScriptedChip chip;
-    auto sampler = IOReportPowerSampler::open(chip.sources());
+    auto sampler = chip.open();
     const auto first = chip.newest;
     QVERIFY(!first.expired());
     QVERIFY(sampler->sample());

@@ -4,13 +4,13 @@
 
 using namespace corvane;
 
-using Devices = std::vector<SensorDevice>;
-using Names = std::vector<std::vector<std::string>>;
+using Part = std::optional<ChipPart>;
+using Parts = std::vector<Part>;
 using Kind = std::optional<ThermalZoneKind>;
 using Degrees = std::optional<double>;
 
-Q_DECLARE_METATYPE(Devices)
-Q_DECLARE_METATYPE(Names)
+Q_DECLARE_METATYPE(SensorDevice)
+Q_DECLARE_METATYPE(Parts)
 Q_DECLARE_METATYPE(Kind)
 Q_DECLARE_METATYPE(Degrees)
 Q_DECLARE_METATYPE(ThermalZoneKind)
@@ -19,63 +19,55 @@ class TestTemperatureSensors : public QObject {
     Q_OBJECT
 
 private slots:
-    void namesSensors_data();
-    void namesSensors();
-    void tellsDriversApart_data();
-    void tellsDriversApart();
-    void tellsZones_data();
-    void tellsZones();
+    void findsParts_data();
+    void findsParts();
+    void recognizesDrivers_data();
+    void recognizesDrivers();
+    void recognizesZones_data();
+    void recognizesZones();
     void readsZones_data();
     void readsZones();
 };
 
-void TestTemperatureSensors::namesSensors_data()
+void TestTemperatureSensors::findsParts_data()
 {
-    QTest::addColumn<Devices>("devices");
-    QTest::addColumn<Names>("names");
-    QTest::newRow("no device") << Devices{} << Names{};
+    QTest::addColumn<SensorDevice>("device");
+    QTest::addColumn<Parts>("parts");
+    const Part cpu = ChipPart::cpu;
+    const Part gpu = ChipPart::gpu;
+    const Part package = ChipPart::package;
+    const Part none;
+    QTest::newRow("no sensors") << SensorDevice{.driver = "coretemp"} << Parts{};
     QTest::newRow("cores and their package")
-        << Devices{{"coretemp", {"Package id 0", "Core 0", "Core 8"}}}
-        << Names{{"SOC 1", "PACC 1", "PACC 2"}};
-    QTest::newRow("numbers run on from one socket to the next")
-        << Devices{{"coretemp", {"Package id 0", "Core 0"}},
-                   {"coretemp", {"Package id 1", "Core 0"}}}
-        << Names{{"SOC 1", "PACC 1"}, {"SOC 2", "PACC 2"}};
+        << SensorDevice{"coretemp", {"Package id 0", "Core 0", "Core 8"}}
+        << Parts{package, cpu, cpu};
     QTest::newRow("Tctl without Tdie")
-        << Devices{{"k10temp", {"Tctl", "Tccd1"}}} << Names{{"PACC 1", "PACC 2"}};
+        << SensorDevice{"k10temp", {"Tctl", "Tccd1"}} << Parts{cpu, cpu};
     QTest::newRow("Tctl beside Tdie has an offset")
-        << Devices{{"k10temp", {"Tctl", "Tdie", "Tccd1"}}} << Names{{"", "PACC 1", "PACC 2"}};
+        << SensorDevice{"k10temp", {"Tctl", "Tdie", "Tccd1"}} << Parts{none, cpu, cpu};
     QTest::newRow("the other driver of the same chips")
-        << Devices{{"zenpower", {"Tdie", "Tctl"}}} << Names{{"PACC 1", ""}};
-    QTest::newRow("zones of a board")
-        << Devices{{"cpu_thermal", {""}}, {"cpu0_thermal", {""}},   {"bigcore1_thermal", {""}},
-                   {"soc_thermal", {""}}, {"gpu_thermal", {""}},    {"littlecore_thermal", {""}},
-                   {"npu_thermal", {""}}, {"center_thermal", {""}}, {"cpuidle", {""}}}
-        << Names{{"PACC 1"}, {"PACC 2"}, {"PACC 3"}, {"PACC 4"}, {"GPU 1"},
-                 {"PACC 5"}, {""},       {""},       {""}};
+        << SensorDevice{"zenpower", {"Tdie", "Tctl"}} << Parts{cpu, none};
+    for (const char *driver :
+         {"cpu_thermal", "cpu0_thermal", "bigcore1_thermal", "soc_thermal", "littlecore_thermal"})
+        QTest::newRow(driver) << SensorDevice{driver, {""}} << Parts{cpu};
+    QTest::newRow("gpu_thermal") << SensorDevice{"gpu_thermal", {""}} << Parts{gpu};
     QTest::newRow("a board with labels")
-        << Devices{{"scpi_sensors", {"PMIC", "big_cluster", "GPU0"}}}
-        << Names{{"", "PACC 1", "GPU 1"}};
-    QTest::newRow("the driver's label never enters the name")
-        << Devices{{"scpi_sensors", {"ANE battery"}}} << Names{{"PACC 1"}};
-    QTest::newRow("what belongs to no part")
-        << Devices{{"nvme", {"Composite", "Sensor 1"}},
-                   {"acpitz", {""}},
-                   {"macsmc_hwmon", {"NAND Flash Temperature"}},
-                   {"nct6797", {"CPUTIN"}},
-                   {"coretemp", {"Anything else"}},
-                   {"amdgpu", {"edge"}},
-                   {"", {""}}}
-        << Names{{"", ""}, {""}, {""}, {""}, {""}, {""}, {""}};
+        << SensorDevice{"scpi_sensors", {"PMIC", "big_cluster", "GPU0"}} << Parts{none, cpu, gpu};
+    QTest::newRow("an unknown label") << SensorDevice{"coretemp", {"Anything else"}} << Parts{none};
+    for (const char *driver : {"npu_thermal", "center_thermal", "cpuidle", "acpitz", "amdgpu"})
+        QTest::newRow(driver) << SensorDevice{driver, {""}} << Parts{none};
+    QTest::newRow("a disk") << SensorDevice{"nvme", {"Composite", "Sensor 1"}} << Parts{none, none};
+    QTest::newRow("a board's own sensors") << SensorDevice{"nct6797", {"CPUTIN"}} << Parts{none};
+    QTest::newRow("no driver's name") << SensorDevice{"", {""}} << Parts{none};
 }
 
-void TestTemperatureSensors::namesSensors()
+void TestTemperatureSensors::findsParts()
 {
-    QFETCH(Devices, devices);
-    QTEST(sensorNames(devices), "names");
+    QFETCH(SensorDevice, device);
+    QTEST(sensorParts(device), "parts");
 }
 
-void TestTemperatureSensors::tellsDriversApart_data()
+void TestTemperatureSensors::recognizesDrivers_data()
 {
     QTest::addColumn<QByteArray>("driver");
     QTest::addColumn<bool>("expected");
@@ -87,13 +79,13 @@ void TestTemperatureSensors::tellsDriversApart_data()
         QTest::newRow(*driver ? driver : "no name") << QByteArray(driver) << false;
 }
 
-void TestTemperatureSensors::tellsDriversApart()
+void TestTemperatureSensors::recognizesDrivers()
 {
     QFETCH(QByteArray, driver);
-    QTEST(tellsOfChip(driver.toStdString()), "expected");
+    QTEST(isChipDriver(driver.toStdString()), "expected");
 }
 
-void TestTemperatureSensors::tellsZones_data()
+void TestTemperatureSensors::recognizesZones_data()
 {
     QTest::addColumn<QByteArray>("type");
     QTest::addColumn<Kind>("kind");
@@ -106,7 +98,7 @@ void TestTemperatureSensors::tellsZones_data()
     QTest::newRow("nothing") << QByteArray() << Kind();
 }
 
-void TestTemperatureSensors::tellsZones()
+void TestTemperatureSensors::recognizesZones()
 {
     QFETCH(QByteArray, type);
     QTEST(thermalZoneKind(type.toStdString()), "kind");

@@ -8,8 +8,6 @@ using Category = ThermalSampler::Category;
 using Temperatures = std::map<std::string, double>;
 
 Q_DECLARE_METATYPE(std::optional<Category>)
-Q_DECLARE_METATYPE(Temperatures)
-Q_DECLARE_METATYPE(ThermalSampler::Reading)
 
 class TestThermalSampler : public QObject {
     Q_OBJECT
@@ -17,8 +15,7 @@ class TestThermalSampler : public QObject {
 private slots:
     void categorizes_data();
     void categorizes();
-    void averages_data();
-    void averages();
+    void averagesByPart();
     void readsAnewEachTime();
 };
 
@@ -80,39 +77,21 @@ void TestThermalSampler::categorizes()
     QTEST(ThermalSampler::categorize(sensor.toStdString()), "expected");
 }
 
-void TestThermalSampler::averages_data()
+void TestThermalSampler::averagesByPart()
 {
-    using Reading = ThermalSampler::Reading;
-    QTest::addColumn<Temperatures>("temperatures");
-    QTest::addColumn<Reading>("expected");
-
-    QTest::newRow("no sensors") << Temperatures{} << Reading{};
-    QTest::newRow("sensors of no category")
-        << Temperatures{{"NAND CH0 temp", 28}, {"PMU tdev1", 30}} << Reading{};
-    QTest::newRow("one sensor") << Temperatures{{"GPU 1", 41.5}} << Reading{.gpu = 41.5};
-    QTest::newRow("the mean of a category")
-        << Temperatures{{"PACC 1", 50}, {"PACC 2", 60}, {"EACC 1", 40}} << Reading{.cpu = 50};
-    QTest::newRow("each category by itself, ignored ones nowhere")
-        << Temperatures{{"ANE MTR Temp Sensor1", 30},
-                        {"GPU MTR Temp Sensor1", 27},
-                        {"GPU MTR Temp Sensor4", 28},
-                        {"PMU TP0s", 59.5},
-                        {"PMU tdie1", 34},
-                        {"PMU tdie2", 37},
-                        {"gas gauge battery", 31},
-                        {"PMU tcal", 51.9}}
-        << Reading{.cpu = 59.5, .gpu = 27.5, .ane = 30, .package = 35.5};
-}
-
-void TestThermalSampler::averages()
-{
-    QFETCH(Temperatures, temperatures);
-    QFETCH(ThermalSampler::Reading, expected);
+    const Temperatures temperatures = {{"ANE MTR Temp Sensor1", 30},
+                                       {"GPU MTR Temp Sensor1", 27},
+                                       {"GPU MTR Temp Sensor4", 28},
+                                       {"PMU TP0s", 59.5},
+                                       {"PMU tdie1", 34},
+                                       {"PMU tdie2", 37},
+                                       {"gas gauge battery", 31},
+                                       {"PMU tcal", 51.9}};
     const auto reading = ThermalSampler([temperatures] { return temperatures; }).sample();
-    QCOMPARE(reading.cpu, expected.cpu);
-    QCOMPARE(reading.gpu, expected.gpu);
-    QCOMPARE(reading.ane, expected.ane);
-    QCOMPARE(reading.package, expected.package);
+    QCOMPARE(reading.cpu, std::optional(59.5));
+    QCOMPARE(reading.gpu, std::optional(27.5));
+    QCOMPARE(reading.ane, std::optional(30.0));
+    QCOMPARE(reading.package, std::optional(35.5)); // Ignored sensors are in none.
 }
 
 void TestThermalSampler::readsAnewEachTime()

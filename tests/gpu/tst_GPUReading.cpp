@@ -13,14 +13,16 @@ class TestGPUReading : public QObject {
     Q_OBJECT
 
 private slots:
-    void tellsTheLoad_data();
-    void tellsTheLoad();
-    void tellsTheEnergy_data();
-    void tellsTheEnergy();
-    void hasNoPast();
+    void measuresLoad_data();
+    void measuresLoad();
+    void measuresPower_data();
+    void measuresPower();
+    void recognizesIdleGPUs_data();
+    void recognizesIdleGPUs();
+    void needsAnEarlierReading();
 };
 
-void TestGPUReading::tellsTheLoad_data()
+void TestGPUReading::measuresLoad_data()
 {
     QTest::addColumn<GPUReading>("before");
     QTest::addColumn<GPUReading>("now");
@@ -44,48 +46,72 @@ void TestGPUReading::tellsTheLoad_data()
         << Number();
 }
 
-void TestGPUReading::tellsTheLoad()
+void TestGPUReading::measuresLoad()
 {
     QFETCH(GPUReading, before);
     QFETCH(GPUReading, now);
     QTEST(gpuBusyShare(&before, now), "share");
 }
 
-void TestGPUReading::tellsTheEnergy_data()
+void TestGPUReading::measuresPower_data()
 {
     QTest::addColumn<GPUReading>("before");
     QTest::addColumn<GPUReading>("now");
-    QTest::addColumn<Number>("joules"); // Of two seconds.
+    QTest::addColumn<Number>("watts");
     const GPUReading start = {.seconds = 10, .microjoules = 1'000'000};
-    QTest::newRow("a counter") << start << GPUReading{.seconds = 12, .microjoules = 61'000'000}
-                               << Number(60);
-    QTest::newRow("a counter read by its own clock: the mean power counts")
-        << start << GPUReading{.seconds = 11, .microjoules = 31'000'000} << Number(60);
+    QTest::newRow("the mean power by a counter")
+        << start << GPUReading{.seconds = 12, .microjoules = 61'000'000} << Number(30);
     QTest::newRow("a counter comes before the power")
         << start << GPUReading{.seconds = 12, .microjoules = 1'000'000, .watts = 9} << Number(0);
     QTest::newRow("a counter that started again leaves the power")
-        << start << GPUReading{.seconds = 12, .microjoules = 5, .watts = 9} << Number(18);
+        << start << GPUReading{.seconds = 12, .microjoules = 5, .watts = 9} << Number(9);
     QTest::newRow("no new value leaves the power")
-        << start << GPUReading{.seconds = 10, .microjoules = 1'000'000, .watts = 9} << Number(18);
+        << start << GPUReading{.seconds = 10, .microjoules = 1'000'000, .watts = 9} << Number(9);
     QTest::newRow("the power alone")
-        << GPUReading{} << GPUReading{.seconds = 12, .watts = 40} << Number(80);
+        << GPUReading{} << GPUReading{.seconds = 12, .watts = 40} << Number(40);
     QTest::newRow("neither") << GPUReading{} << GPUReading{.seconds = 12} << Number();
     QTest::newRow("no new value and no power")
         << start << GPUReading{.seconds = 10, .microjoules = 1'000'000} << Number();
 }
 
-void TestGPUReading::tellsTheEnergy()
+void TestGPUReading::measuresPower()
 {
     QFETCH(GPUReading, before);
     QFETCH(GPUReading, now);
-    QTEST(gpuJoules(&before, now, 2), "joules");
+    QTEST(gpuWatts(&before, now), "watts");
 }
 
-void TestGPUReading::hasNoPast()
+void TestGPUReading::recognizesIdleGPUs_data()
+{
+    QTest::addColumn<GPUReading>("before");
+    QTest::addColumn<GPUReading>("now");
+    QTest::addColumn<bool>("idle");
+    const GPUReading start = {.seconds = 10, .idleMilliseconds = 5000};
+    QTest::newRow("less than 1 % is idle")
+        << GPUReading{} << GPUReading{.busyFraction = 0.009} << true;
+    QTest::newRow("1 % is not") << GPUReading{} << GPUReading{.busyFraction = 0.01} << false;
+    QTest::newRow("idle all the time")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 6000} << true;
+    QTest::newRow("idle half of the time")
+        << start << GPUReading{.seconds = 11, .idleMilliseconds = 5500} << false;
+    QTest::newRow("an idle time without an earlier one counts as busy")
+        << GPUReading{} << GPUReading{.seconds = 11, .idleMilliseconds = 5500} << false;
+    QTest::newRow("a GPU without any load counts as idle")
+        << start << GPUReading{.seconds = 11} << true;
+}
+
+void TestGPUReading::recognizesIdleGPUs()
+{
+    QFETCH(GPUReading, before);
+    QFETCH(GPUReading, now);
+    QTEST(wasIdle(&before, now), "idle");
+}
+
+void TestGPUReading::needsAnEarlierReading()
 {
     const GPUReading now = {.seconds = 11, .idleMilliseconds = 6000, .microjoules = 7};
     QVERIFY(!gpuBusyShare(nullptr, now));
-    QVERIFY(!gpuJoules(nullptr, now, 1));
+    QVERIFY(!gpuWatts(nullptr, now));
 }
 
 QTEST_GUILESS_MAIN(TestGPUReading)

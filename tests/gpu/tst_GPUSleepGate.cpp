@@ -16,7 +16,7 @@ class TestGPUSleepGate : public QObject {
 private slots:
     void admitsByStatus_data();
     void admitsByStatus();
-    void restsAfterThreeIdleTicks();
+    void isQuietAfterThreeIdleTicks();
     void workBetweenStartsTheCountAnew();
     void afterAQuietTimeOneIdleReadingIsEnough();
     void workAfterAQuietTimeNeedsThreeIdleTicksAgain();
@@ -35,7 +35,7 @@ void TestGPUSleepGate::admitsByStatus_data()
     QTest::newRow("asleep") << Text("suspended\n") << false;
     QTest::newRow("falling asleep") << Text("suspending\n") << false;
     QTest::newRow("waking up") << Text("resuming\n") << false;
-    QTest::newRow("in trouble") << Text("error\n") << false;
+    QTest::newRow("in error") << Text("error\n") << false;
     QTest::newRow("garbage") << Text("\x01\x02") << false;
 }
 
@@ -46,13 +46,13 @@ void TestGPUSleepGate::admitsByStatus()
     QTEST(gate.admits(status), "admitted");
 }
 
-void TestGPUSleepGate::restsAfterThreeIdleTicks()
+void TestGPUSleepGate::isQuietAfterThreeIdleTicks()
 {
     GPUSleepGate gate;
     QVERIFY(!gate.isQuiet(0));
-    QVERIFY(!gate.restsAfter(true));
-    QVERIFY(!gate.restsAfter(true));
-    QVERIFY(gate.restsAfter(true));
+    QVERIFY(!gate.isQuietDue(true));
+    QVERIFY(!gate.isQuietDue(true));
+    QVERIFY(gate.isQuietDue(true));
     gate.keepQuietUntil(10);
     QVERIFY(gate.isQuiet(2));
     QVERIFY(gate.isQuiet(9.9));
@@ -63,8 +63,8 @@ void TestGPUSleepGate::workBetweenStartsTheCountAnew()
 {
     GPUSleepGate gate;
     for (const bool idle : {true, true, false, true, true})
-        QVERIFY(!gate.restsAfter(idle));
-    QVERIFY(gate.restsAfter(true));
+        QVERIFY(!gate.isQuietDue(idle));
+    QVERIFY(gate.isQuietDue(true));
 }
 
 void TestGPUSleepGate::afterAQuietTimeOneIdleReadingIsEnough()
@@ -72,17 +72,17 @@ void TestGPUSleepGate::afterAQuietTimeOneIdleReadingIsEnough()
     GPUSleepGate gate;
     gate.keepQuietUntil(10);
     QVERIFY(gate.admits("active\n"));
-    QVERIFY(gate.restsAfter(true));
+    QVERIFY(gate.isQuietDue(true));
 }
 
 void TestGPUSleepGate::workAfterAQuietTimeNeedsThreeIdleTicksAgain()
 {
     GPUSleepGate gate;
     gate.keepQuietUntil(10);
-    QVERIFY(!gate.restsAfter(false));
-    QVERIFY(!gate.restsAfter(true));
-    QVERIFY(!gate.restsAfter(true));
-    QVERIFY(gate.restsAfter(true));
+    QVERIFY(!gate.isQuietDue(false));
+    QVERIFY(!gate.isQuietDue(true));
+    QVERIFY(!gate.isQuietDue(true));
+    QVERIFY(gate.isQuietDue(true));
 }
 
 void TestGPUSleepGate::sleepForgetsTheCount()
@@ -91,9 +91,9 @@ void TestGPUSleepGate::sleepForgetsTheCount()
     gate.keepQuietUntil(10);
     QVERIFY(!gate.admits("suspended\n"));
     QVERIFY(gate.admits("active\n"));
-    QVERIFY(!gate.restsAfter(true)); // Something woke it: it has its three ticks.
-    QVERIFY(!gate.restsAfter(true));
-    QVERIFY(gate.restsAfter(true));
+    QVERIFY(!gate.isQuietDue(true)); // Something woke it: it has its three ticks.
+    QVERIFY(!gate.isQuietDue(true));
+    QVERIFY(gate.isQuietDue(true));
 }
 
 void TestGPUSleepGate::quietTime_data()
@@ -106,7 +106,7 @@ void TestGPUSleepGate::quietTime_data()
     const Text automatic("auto\n");
     QTest::newRow("three seconds longer than the countdown")
         << active << automatic << Text("5000\n") << Seconds(8);
-    QTest::newRow("no countdown of the kernel's") << active << automatic << Text() << Seconds(9);
+    QTest::newRow("no countdown of the kernel") << active << automatic << Text() << Seconds(9);
     QTest::newRow("a countdown that does not parse")
         << active << automatic << Text("soon\n") << Seconds(9);
     QTest::newRow("never by itself") << active << automatic << Text("-1\n") << Seconds();
@@ -114,7 +114,7 @@ void TestGPUSleepGate::quietTime_data()
     QTest::newRow("cannot sleep") << Text("unsupported\n") << automatic << Text("5000\n")
                                   << Seconds();
     QTest::newRow("no power management") << Text() << Text() << Text() << Seconds();
-    QTest::newRow("nothing says that it may") << active << Text() << Text("5000\n") << Seconds();
+    QTest::newRow("no permission to sleep") << active << Text() << Text("5000\n") << Seconds();
 }
 
 void TestGPUSleepGate::quietTime()

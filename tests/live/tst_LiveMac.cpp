@@ -73,7 +73,7 @@ private:
 
 std::optional<ChipReading> TestLiveMac::busyReading() const
 {
-    const ChipSource chip = openChipSource("/", readFrequencyTables(), LiveMac::seconds);
+    const ChipSource chip = openChipSource(LiveMac::seconds);
     if (!chip)
         return std::nullopt;
     chip(); // The load of a core is known from the second reading on.

@@ -1,6 +1,8 @@
 #include "chip/ChipName.h"
-#include "chip/ChipSource.h"
-#include "cpu/CoreTicks.h"
+#include "chip/ChipName_linux.h"
+#include "chip/ChipSource_linux.h"
+#include "cpu/CPUClusterFiles.h"
+#include "cpu/ProcStatFile.h"
 #include "gpu/GPUDevices.h"
 #include "memory/MemoryFiles_linux.h"
 #include "support/MachineTree.h"
@@ -25,29 +27,29 @@ QStringList readings(const std::string &root)
         lines += QString::fromLatin1(name);
         ((lines.last() += u' ' + QString::number(values, 'g', 17)), ...);
     };
-    lines += QString::fromStdString(readChipName(root).value_or("no name"));
+    lines += QString::fromStdString(readChipNameBelow(root).value_or("no name"));
     const MemoryCounters memory = MemoryFiles(root).read();
     if (const auto &pages = memory.pages)
         add("pages", double(pages->free), double(pages->active), double(pages->inactive),
             double(pages->wired), double(pages->compressor), double(pages->purgeable),
             double(pages->external));
     add("pressure", double(memory.pressureLevel.value_or(0)));
-    if (const auto ticks = CoreTicksReader(root).read()) {
+    if (const auto ticks = ProcStatFile(root).read()) {
         for (const CoreTicks &core : *ticks)
             add("core", double(core.user), double(core.system), double(core.idle),
                 double(core.nice));
     }
-    const FrequencyTables tables = readFrequencyTables(root);
-    for (const double frequency : tables.performance)
-        add("performance", frequency);
-    for (const double frequency : tables.efficiency)
-        add("efficiency", frequency);
+    for (const CPUCluster &cluster : readCPUClusters(root)) {
+        add("cluster", double(cluster.cpus.size()), double(cluster.policies.size()));
+        for (const std::uint64_t kHz : cluster.kHz)
+            add("frequency", double(kHz));
+    }
     for (const GPUDevice &device : findGPUDevices(root))
         lines += QString::fromStdString(device.address)
             + (device.integrated ? u" integrated"_s : u" discrete"_s);
 
     double now = 0;
-    const ChipSource chip = openChipSource(root, tables, [&now] { return now; });
+    const ChipSource chip = openChipSourceBelow(root, [&now] { return now; });
     now = 1;
     if (const auto reading = chip ? chip() : std::nullopt) {
         lines += reading->gpuDominantState.value_or(u"no GPU"_s);
@@ -131,9 +133,9 @@ void TestMachineCapture::takesThisMachine()
     const std::string root = copy().toStdString();
     QCOMPARE(MemoryFiles(root).read().totalBytes, readMemoryCounters().totalBytes);
     QVERIFY(MemoryFiles(root).read().pages);
-    QCOMPARE(CoreTicksReader(root).read()->size(), CoreTicksReader().read()->size());
-    QCOMPARE(readChipName(root), readChipName());
-    QCOMPARE(readFrequencyTables(root).performance, readFrequencyTables().performance);
+    QCOMPARE(ProcStatFile(root).read()->size(), ProcStatFile().read()->size());
+    QCOMPARE(readChipNameBelow(root), readChipName());
+    QCOMPARE(readCPUClusters(root).front().kHz, readCPUClusters().front().kHz);
     QCOMPARE(findGPUDevices(root).size(), findGPUDevices().size());
 }
 

@@ -1,3 +1,4 @@
+#include "chip/ChipSource_linux.h"
 #include "memory/MemoryFiles_linux.h"
 #include "processes/ProcessSource_linux.h"
 #include "processes/Survey.h"
@@ -127,7 +128,7 @@ public:
     {
         const auto memory = std::make_shared<MemoryFiles>(root());
         return {.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
-                .chip = openChipSource(root()),
+                .chip = openChipSourceBelow(root()),
                 .survey = {},
                 .now = secondsSinceBoot};
     }

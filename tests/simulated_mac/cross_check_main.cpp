@@ -18,9 +18,10 @@ int main()
 {
     lowerThreadPriority();
     const bool known = hostSystem() == HostSystem::mac && secondsSinceBoot() > 0
-        && readMemoryCounters().pages && CoreTicksReader().read() && readChipName()
-        && !frequencyTables().performance.empty() && !ThermalBridge().readAllTemperatures().empty()
-        && !ProcessBridge::allProcesses().empty() && ProcessBridge::processArgsForPID(1);
+        && readMemoryCounters().pages && readCoreTicks() && readChipName()
+        && !readFrequencyTables().performance.empty()
+        && !ThermalBridge().readAllTemperatures().empty() && !ProcessBridge::allProcesses().empty()
+        && ProcessBridge::processArgsForPID(1);
     const auto bridge = IOReportBridge::withChannelGroups({{.group = "Energy Model"}});
     if (!known || !bridge)
         return 1;

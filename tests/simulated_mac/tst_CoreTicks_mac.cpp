@@ -23,9 +23,9 @@ private slots:
 
 void TestCoreTicksOnMac::readsEveryState()
 {
-    const auto before = CoreTicksReader().read();
+    const auto before = readCoreTicks();
     mac().advance(2);
-    const auto after = CoreTicksReader().read();
+    const auto after = readCoreTicks();
     QVERIFY(before && after);
     QCOMPARE(after->size(), 8U);
     // The fourth CPU: 20 ticks a second for programs, 50 idle, 30 nice.
@@ -39,7 +39,7 @@ void TestCoreTicksOnMac::readsEveryState()
 
 void TestCoreTicksOnMac::becomesUtilisations()
 {
-    CPUCoreSampler sampler;
+    CPUCoreSampler sampler(readCoreTicks);
     QCOMPARE(sampler.sample(), Fractions(8, 0.0));
     for (int second = 0; second < 20; ++second) { // The counters wrap on the way.
         mac().advance(1);
@@ -58,7 +58,7 @@ void TestCoreTicksOnMac::hasNothingWhenTheKernelRefuses_data()
 void TestCoreTicksOnMac::hasNothingWhenTheKernelRefuses()
 {
     QFETCH(int, way);
-    CPUCoreSampler sampler;
+    CPUCoreSampler sampler(readCoreTicks);
     sampler.sample();
     const Accounts before = accounts();
     mac().advance(1);
@@ -72,14 +72,14 @@ void TestCoreTicksOnMac::hasNothingWhenTheKernelRefuses()
 void TestCoreTicksOnMac::takesWholeProcessorsOnly()
 {
     faults().failOnce(Call::host_processor_info, Way::shortAnswer); // 17 words for 8 CPUs.
-    const auto ticks = CoreTicksReader().read();
+    const auto ticks = readCoreTicks();
     QVERIFY(ticks);
     QCOMPARE(ticks->size(), 4U);
 }
 
 void TestCoreTicksOnMac::givesTheMemoryBack()
 {
-    CPUCoreSampler sampler;
+    CPUCoreSampler sampler(readCoreTicks);
     sampler.sample();
     const Accounts before = accounts();
     faults().failRandomly(3, 0.5);

@@ -53,12 +53,12 @@ void TestFailingMac::init()
     mac().boot(ultraM2());
     // The rights to the host port that are kept for the life of the process.
     MemorySampler::sample();
-    CPUCoreSampler().sample();
+    CPUCoreSampler(readCoreTicks).sample();
 }
 
 ChipSource TestFailingMac::openChip()
 {
-    return openChipSource("/", readFrequencyTables(), [] { return mac().clock(); });
+    return openChipSource([] { return mac().clock(); });
 }
 
 bool TestFailingMac::readEverything(const ChipSource &chip)

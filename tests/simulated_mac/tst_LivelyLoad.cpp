@@ -32,8 +32,7 @@ void TestLivelyLoad::isBelievable()
     QFETCH(double, mostCPUWatts);
     QFETCH(double, mostGPUWatts);
     mac().boot(*machineNamed(machine.toStdString()));
-    const ChipSource chip =
-        openChipSource("/", readFrequencyTables(), [] { return mac().clock(); });
+    const ChipSource chip = openChipSource([] { return mac().clock(); });
     LivelyLoad load;
     double leastGPU = 1;
     double mostGPU = 0;

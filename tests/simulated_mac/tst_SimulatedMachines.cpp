@@ -32,7 +32,7 @@ private:
 ChipSource TestSimulatedMachines::open(const Machine &machine)
 {
     mac().boot(machine);
-    return openChipSource("/", readFrequencyTables(), [] { return mac().clock(); });
+    return openChipSource([] { return mac().clock(); });
 }
 
 ChipReading TestSimulatedMachines::readingAfter(const ChipSource &chip, double seconds)

@@ -1,14 +1,32 @@
-#include "cpu/CPUFrequencies.h"
+#include "cpu/CPUClusterFiles.h"
 
 #include "platform/KernelFile.h"
 #include "platform/KernelFolder.h"
 #include "platform/KernelText.h"
+#include "platform/Plausible.h"
 
 #include <algorithm>
 
 namespace corvane {
 
 namespace {
+
+CPUTopology readTopology(const std::string &root)
+{
+    const std::string devices = root + "/sys/devices";
+    CPUTopology topology;
+    topology.present = readKernelFile(devices + "/system/cpu/present").value_or(std::string());
+    topology.performanceList = readKernelFile(devices + "/cpu_core/cpus");
+    topology.efficiencyList = readKernelFile(devices + "/cpu_atom/cpus");
+    topology.lowPowerList = readKernelFile(devices + "/cpu_lowpower/cpus");
+    forEachCPU(topology.present, [&](int cpu) {
+        const auto text =
+            readKernelFile(devices + "/system/cpu/cpu" + std::to_string(cpu) + "/cpu_capacity");
+        if (const auto capacity = parseUnsigned(trimmed(text.value_or(std::string()))))
+            topology.capacities[cpu] = *capacity;
+    });
+    return topology;
+}
 
 /// The CPUs of a policy, offline ones included. This list has blanks where others have dashes.
 std::vector<int> relatedCPUs(const std::string &folder)
@@ -52,23 +70,23 @@ std::vector<std::uint64_t> readStates(const std::vector<CPUPolicy> &policies)
 
 } // namespace
 
-std::vector<CPUClusterStates> readCPUClusterStates(const std::string &root)
+std::vector<CPUCluster> readCPUClusters(const std::string &root)
 {
     const std::vector<CPUPolicy> policies = readPolicies(root);
-    std::vector<CPUClusterStates> clusters;
-    for (const CPUCluster &cluster : readCPUClusters(root)) {
-        CPUClusterStates &states = clusters.emplace_back(CPUClusterStates{.cluster = cluster});
+    std::vector<CPUCluster> clusters;
+    for (const std::vector<int> &cpus : cpusByCluster(readTopology(root))) {
+        CPUCluster &cluster = clusters.emplace_back(CPUCluster{.cpus = cpus});
         for (const CPUPolicy &policy : policies) {
-            if (std::ranges::binary_search(cluster.cpus, policy.cpus.front()))
-                states.policies.push_back(policy);
+            if (std::ranges::binary_search(cpus, policy.cpus.front()))
+                cluster.policies.push_back(policy);
         }
-        states.kHz = readStates(states.policies);
-        if (!states.kHz.empty())
+        cluster.kHz = readStates(cluster.policies);
+        if (!cluster.kHz.empty())
             continue;
-        // Without cpufreq, as on a virtual machine, this one is all there is, and it is constant.
+        // Without cpufreq, as on a virtual machine, this is the only frequency, and it is constant.
         const auto cpuInfo = readKernelFile(root + "/proc/cpuinfo").value_or(std::string());
-        if (const auto kHz = cpuInfoKHz(cpuInfo, cluster.cpus.front()))
-            states.kHz.push_back(*kHz);
+        if (const auto kHz = cpuInfoKHz(cpuInfo, cpus.front()))
+            cluster.kHz.push_back(*kHz);
     }
     return clusters;
 }

@@ -1,4 +1,4 @@
-#include "cpu/PackageEnergy.h"
+#include "cpu/PackageEnergyFiles.h"
 
 #include "platform/KernelFile.h"
 #include "platform/KernelFolder.h"
@@ -32,7 +32,7 @@ std::vector<std::string> packageZones(const std::string &folder, const std::stri
 
 } // namespace
 
-struct PackageEnergy::Zones {
+struct PackageEnergyFiles::Zones {
     std::string folder;
     std::function<double()> clock;
     std::vector<Zone> zones = {};
@@ -40,7 +40,7 @@ struct PackageEnergy::Zones {
 
     void scan()
     {
-        // The same packages are reachable through a second register; never both.
+        // A second register counts the same packages: only one of the two is read.
         std::vector<std::string> names = packageZones(folder, "intel-rapl");
         if (names.empty())
             names = packageZones(folder, "intel-rapl-mmio");
@@ -64,16 +64,17 @@ struct PackageEnergy::Zones {
     }
 };
 
-PackageEnergy::PackageEnergy(const std::string &root, std::function<double()> clock)
+PackageEnergyFiles::PackageEnergyFiles(const std::string &root, std::function<double()> clock)
     : m_zones(new Zones{.folder = root + "/sys/class/powercap", .clock = std::move(clock)})
 {
     m_zones->scanWhenDue(m_zones->clock());
 }
 
-PackageEnergy::~PackageEnergy() = default;
+PackageEnergyFiles::~PackageEnergyFiles() = default;
 
-std::vector<PackageEnergyReading> PackageEnergy::read()
+std::vector<PackageEnergyReading> PackageEnergyFiles::read()
 {
+    m_thread.check();
     const double now = m_zones->clock();
     m_zones->scanWhenDue(now);
     std::vector<PackageEnergyReading> readings;
@@ -89,7 +90,7 @@ std::vector<PackageEnergyReading> PackageEnergy::read()
     return readings;
 }
 
-bool PackageEnergy::exists() const
+bool PackageEnergyFiles::exist() const
 {
     return !m_zones->zones.empty();
 }

@@ -1,7 +1,6 @@
-#include "cpu/CoreTicks.h"
+#include "cpu/ProcStatFile.h"
 
 #include "cpu/CPUCoreSampler.h"
-#include "support/MachineTree.h"
 #include "support/Machines.h"
 
 #include <QDir>
@@ -23,7 +22,7 @@ using Ticks = std::vector<CoreTicks>;
 
 } // namespace
 
-class TestCoreTicks : public QObject {
+class TestProcStatFile : public QObject {
     Q_OBJECT
 
 private slots:
@@ -31,13 +30,12 @@ private slots:
     void readsMachines();
     void anOfflineCoreIsAGap();
     void followsCoresThatComeAndGo();
-    void readersOfOneMachineGetNothingOld();
-    void aMachineWithoutCountersHasNothing();
+    void hasNoTicksWithoutTheFile();
     void readsThisMachine();
 };
 
 /// user; system + irq + softirq + steal; idle + iowait; nice, each modulo 2^32.
-void TestCoreTicks::readsMachines_data()
+void TestProcStatFile::readsMachines_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("processors");
@@ -79,29 +77,29 @@ void TestCoreTicks::readsMachines_data()
         << CoreTicks{.user = 7200, .system = 4679, .idle = 134'977, .nice = 5585};
 }
 
-void TestCoreTicks::readsMachines()
+void TestProcStatFile::readsMachines()
 {
     QFETCH(QString, name);
     QFETCH(int, processors);
     QFETCH(int, processor);
     QFETCH(CoreTicks, expected);
-    CoreTicksReader reader(machine(name.toStdString()));
-    const auto ticks = reader.read();
+    ProcStatFile file(machine(name.toStdString()));
+    const auto ticks = file.read();
     QVERIFY(ticks);
     QCOMPARE(ticks->size(), std::size_t(processors));
     QVERIFY((*ticks)[std::size_t(processor)] == expected);
-    QVERIFY(reader.read() == ticks); // The text is the same, so nothing has moved.
+    QVERIFY(file.read() == ticks); // The text is the same, so nothing has moved.
 }
 
-void TestCoreTicks::anOfflineCoreIsAGap()
+void TestProcStatFile::anOfflineCoreIsAGap()
 {
-    CoreTicksReader reader(machine("server-offline-core"));
-    const auto ticks = reader.read();
+    ProcStatFile file(machine("server-offline-core"));
+    const auto ticks = file.read();
     QVERIFY(ticks);
     QCOMPARE(std::ranges::count(*ticks, CoreTicks()), 1);
 }
 
-void TestCoreTicks::followsCoresThatComeAndGo()
+void TestProcStatFile::followsCoresThatComeAndGo()
 {
     const QTemporaryDir root;
     QVERIFY(QDir().mkpath(root.filePath(u"proc"_s)));
@@ -110,45 +108,29 @@ void TestCoreTicks::followsCoresThatComeAndGo()
         QVERIFY(stat.open(QIODevice::WriteOnly));
         QCOMPARE(stat.write(contents), contents.size());
     };
-    CoreTicksReader reader(root.path().toStdString());
-    QVERIFY(!reader.read());
+    ProcStatFile file(root.path().toStdString());
+    QVERIFY(!file.read());
     setStat("cpu  9 0 0 9\ncpu0 5 0 0 5\ncpu1 4 0 0 4\nintr 1\n");
-    QVERIFY(reader.read() == Ticks({{.user = 5, .idle = 5}, {.user = 4, .idle = 4}}));
+    QVERIFY(file.read() == Ticks({{.user = 5, .idle = 5}, {.user = 4, .idle = 4}}));
     setStat("cpu  9 0 0 9\ncpu1 6 0 0 4\nintr 1\n");
-    QVERIFY(reader.read() == Ticks({{.user = 5, .idle = 5}, {.user = 6, .idle = 4}}));
+    QVERIFY(file.read() == Ticks({{.user = 5, .idle = 5}, {.user = 6, .idle = 4}}));
     setStat("");
-    QVERIFY(!reader.read());
+    QVERIFY(!file.read());
     setStat("cpu  9 0 0 9\ncpu0 7 0 0 5\ncpu1 6 0 0 9\nintr 1\n");
-    QVERIFY(reader.read() == Ticks({{.user = 7, .idle = 5}, {.user = 6, .idle = 9}}));
+    QVERIFY(file.read() == Ticks({{.user = 7, .idle = 5}, {.user = 6, .idle = 9}}));
 }
 
-void TestCoreTicks::readersOfOneMachineGetNothingOld()
-{
-    const MachineTree tree;
-    tree.write("proc/stat", "cpu0 1 0 0 1\n");
-    CoreTicksReader first(tree.root());
-    CoreTicksReader second(tree.root());
-    QVERIFY(first.read() == Ticks({{.user = 1, .idle = 1}}));
-    tree.write("proc/stat", "cpu0 2 0 0 2\n");
-    QVERIFY(first.read() == Ticks({{.user = 2, .idle = 2}}));
-    QVERIFY(second.read() == Ticks({{.user = 2, .idle = 2}})); // The other's reading, or its own.
-    tree.write("proc/stat", "cpu0 3 0 0 3\n");
-    QVERIFY(second.read() == Ticks({{.user = 3, .idle = 3}}));
-    QVERIFY(first.read() == Ticks({{.user = 3, .idle = 3}}));
-}
-
-void TestCoreTicks::aMachineWithoutCountersHasNothing()
+void TestProcStatFile::hasNoTicksWithoutTheFile()
 {
     const QTemporaryDir root;
-    CoreTicksReader reader(root.path().toStdString());
-    QVERIFY(!reader.read());
-    CPUCoreSampler sampler([&reader] { return reader.read(); });
-    QVERIFY(sampler.sample().empty());
+    ProcStatFile file(root.path().toStdString());
+    QVERIFY(!file.read());
 }
 
-void TestCoreTicks::readsThisMachine()
+void TestProcStatFile::readsThisMachine()
 {
-    CPUCoreSampler sampler;
+    ProcStatFile file;
+    CPUCoreSampler sampler([&file] { return file.read(); });
     const std::vector<double> first = sampler.sample();
     QVERIFY(first.size() >= std::size_t(sysconf(_SC_NPROCESSORS_ONLN)));
     QCOMPARE(first, std::vector<double>(first.size(), 0.0));
@@ -158,5 +140,5 @@ void TestCoreTicks::readsThisMachine()
     }
 }
 
-QTEST_APPLESS_MAIN(TestCoreTicks)
-#include "tst_CoreTicks.moc"
+QTEST_APPLESS_MAIN(TestProcStatFile)
+#include "tst_ProcStatFile.moc"

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "cpu/CPUClusters.h"
+#include "cpu/CoreTicks.h"
+
+#include <optional>
+#include <vector>
+
+namespace corvane {
+
+/// What the kernel published about the CPUs at one instant. Both lists are empty when the tick
+/// counters could not be read.
+struct CPUSnapshot {
+    std::vector<CoreTicks> ticks = {};            ///< By CPU number.
+    std::vector<CPUClusterReading> clusters = {}; ///< In the order of the chip's clusters.
+};
+
+/// Load of all CPUs between two snapshots.
+struct CPULoad {
+    double activeFraction = 0; ///< 0…1, mean over the CPUs by the time that each of them counted.
+    double activeMHz = 0;      ///< Mean frequency of the active time; 0 when unknown.
+};
+
+/// Both 0 when one of the snapshots is empty. Time at an unknown frequency counts for the load
+/// alone.
+CPULoad cpuLoad(const CPUSnapshot &from, const CPUSnapshot &to,
+                const std::vector<CPUCluster> &clusters);
+
+/// The CPU of a list that was active for longest between two readings; absent when none was.
+std::optional<int> busiestCPU(const std::vector<int> &cpus, const std::vector<CoreTicks> &before,
+                              const std::vector<CoreTicks> &now);
+
+} // namespace corvane

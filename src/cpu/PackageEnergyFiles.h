@@ -1,0 +1,36 @@
+#pragma once
+
+#include "cpu/PackageEnergy.h"
+#include "platform/BootClock.h"
+#include "platform/OneThread.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// Reads the energy counter of every CPU package of a Linux machine. By default the kernel lets
+/// only root read them, which an administrator may change while the program runs: a refused counter
+/// is tried again once a minute. Owned by one reader, used on one thread.
+class PackageEnergyFiles {
+public:
+    /// `root` is the folder below which the kernel files lie.
+    explicit PackageEnergyFiles(const std::string &root = "/",
+                                std::function<double()> clock = secondsSinceBoot);
+    ~PackageEnergyFiles();
+
+    /// The packages that can be read now; empty when there is none.
+    std::vector<PackageEnergyReading> read();
+
+    /// Whether the kernel counts the energy of any package, readable or not.
+    bool exist() const;
+
+private:
+    struct Zones;
+    std::unique_ptr<Zones> m_zones;
+    OneThread m_thread = {};
+};
+
+} // namespace corvane

@@ -1,0 +1,13 @@
+#include "cpu/ProcStatFile.h"
+
+namespace corvane {
+
+ProcStatFile::ProcStatFile(const std::string &root) : m_file(root + "/proc/stat") { }
+
+std::optional<std::vector<CoreTicks>> ProcStatFile::read()
+{
+    m_thread.check();
+    return m_counters.update(m_file.read().value_or(std::string_view()));
+}
+
+} // namespace corvane

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "gpu/GPUQuietTime.h"
+#include "gpu/GPUReading.h"
+#include "gpu/GPUSleepGate.h"
+#include "gpu/NvidiaReader.h"
+#include "platform/KernelFile.h"
+
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// All GPUs of NVIDIA, which its management library opens and closes together: it is opened when
+/// all of them are awake, and closed so that they may fall asleep. Owned by the GPU watch, used on
+/// one thread.
+class NvidiaGPUs {
+public:
+    /// `library` is the management library's name; empty: it is never opened.
+    NvidiaGPUs(std::string library, std::function<double()> clock);
+
+    /// Sets the devices that the machine has now.
+    void setDevices(const std::vector<GPUDevice> &devices);
+
+    /// Whether there are devices and a library to read them with.
+    bool canBeRead() const { return !m_members.empty() && !m_library.empty(); }
+
+    /// Appends the newest reading of each GPU, and asks for the next. None without such a reading,
+    /// or while a GPU is asleep or to fall asleep.
+    void appendReadings(std::vector<GPUReading> &readings, double now);
+
+private:
+    struct Member {
+        GPUDevice device;
+        KernelFile runtimeStatus;
+        GPUQuietTime quietTime = {};
+    };
+
+    bool areAwake();
+    bool startQuietTimeIfIdle(const NvidiaReading &reading, double now);
+    std::optional<double> longestQuietSeconds(double now);
+    void closeLibrary();
+
+    std::string m_library;
+    std::function<double()> m_clock;
+    std::vector<Member> m_members = {};
+    GPUSleepGate m_gate = {};
+    std::unique_ptr<NvidiaReader> m_reader = {}; ///< Made when the GPUs are first seen awake.
+    bool m_mayBeOpen = false;                    ///< Whether the library may be open.
+    double m_lastSeconds = -std::numeric_limits<double>::infinity(); ///< Of the last reading.
+};
+
+} // namespace corvane
