@@ -1,10 +1,10 @@
 #include "tray/StatusItem.h"
 
+#include "platform/MainThread.h"
 #include "platform/NativeText_mac.h"
 
 #import <AppKit/AppKit.h>
 
-#include <cassert>
 #include <utility>
 
 // A button sends its clicks to an Objective-C object, which calls the handlers. The same object
@@ -146,7 +146,7 @@ struct StatusItem::Native {
 
 StatusItem::StatusItem(StatusActions actions, const StatusColor &plate)
 {
-    assert(NSThread.isMainThread);
+    assertMainThread();
     [NSApplication sharedApplication]; // The status bar does not exist without one.
     NSStatusItem *item =
         [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
