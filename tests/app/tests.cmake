@@ -4,7 +4,8 @@ corvane_test(app/tst_AboutPanel SYSTEM linux simulated-mac)
 corvane_test(app/tst_Commands)
 corvane_test(app/tst_DisplayGuard)
 corvane_test(app/tst_QuitSignals)
-corvane_test(app/tst_Soak SYSTEM linux SOURCES app/SoakMachine.cpp support/SteppedClock.cpp)
+corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 3600 LONG --ticks 86400
+             SOURCES app/SoakMachine.cpp support/SteppedClock.cpp)
 
 # These start the program itself.
 corvane_test(app/tst_RunningProgram SYSTEM linux TIMEOUT 900)

@@ -539,7 +539,7 @@ int main(int argc, char **argv)
         arguments.remove(place, 2);
         return value;
     };
-    const int ticks = take(u"--ticks"_s, ticksOfADay / 60);
+    const int ticks = take(u"--ticks"_s, ticksOfADay / 240);
     const int seed = take(u"--seed"_s, 1);
     TestSoak test(ticks, seed);
     return QTest::qExec(&test, arguments);
