@@ -8,7 +8,7 @@ using namespace corvane;
 
 namespace {
 
-/// The least that a changed number costs a tray: its pictures allocated and cleared.
+/// The minimum cost of a changed number: allocating and clearing its pictures.
 void clearPictures()
 {
     for (const int pixels : {16, 22, 24, 32, 44, 48, 64}) {
@@ -30,7 +30,7 @@ void labelRedraw(benchmark::State &state)
 }
 BENCHMARK(labelRedraw)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
-/// A tick on which no number changed: the texts are made and compared, nothing is drawn.
+/// A tick without a changed number: the texts are made and compared, nothing is drawn.
 void labelUnchanged(benchmark::State &state)
 {
     const SystemMetrics current{.memory = {.total = 100, .used = 63}};

@@ -11,7 +11,7 @@ using namespace corvane;
 
 namespace {
 
-/// Takes values off the front of some bytes; zeros once they are used up.
+/// Reads values from the front of a byte sequence; zeros after its end.
 class Bytes {
 public:
     explicit Bytes(std::string_view bytes) : m_bytes(bytes) { }
@@ -26,7 +26,7 @@ public:
         return value;
     }
 
-    /// Near the ids that there are, or any.
+    /// Near the existing ids, or any.
     int id() { return (byte() & 1) != 0 ? number() : byte() % 6 - 1; }
 
     QString text()
@@ -88,7 +88,7 @@ void request(DBusMenu &menu, Bytes &bytes)
 
 } // namespace
 
-/// What a desktop may ask of the menu over the bus, one request behind the other.
+/// A sequence of any requests that a desktop may send to the menu over the bus.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     fuzz::needApplication();

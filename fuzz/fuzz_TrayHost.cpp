@@ -6,7 +6,7 @@
 
 using namespace corvane;
 
-/// Any bytes as the short name of the program behind the tray, and behind the first NUL as its
+/// The bytes before the first NUL are the short name of the tray's program, those after it its
 /// executable.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string_view executable = text.substr(std::min(size, name.size() + 1));
     const TrayHost host =
         trayHost({.name = std::string(name), .executable = std::string(executable)});
-    // Nothing but a known bar gets another form than the one that every bar can show.
+    // Only a known bar gets a form other than the default, which every bar can show.
     const bool isKnown = host != TrayHost{};
     if (isKnown && name.size() < 5 && executable.size() < 5)
         __builtin_trap();

@@ -7,23 +7,23 @@
 
 namespace corvane::test {
 
-/// The Mac that a self-check runs on, asked by other ways than those of the program: a real one, or
-/// the simulated one, which is given a clock to step and this process to list. Main thread.
+/// The Mac that a self-check runs on, read in other ways than the program's: a real one, or the
+/// simulated one, with a stepped clock and this process in its list.
 class LiveMac {
 public:
-    /// `arguments` are this process's own, the program's name first.
+    /// `arguments` are those of this process, beginning with the program's name.
     explicit LiveMac(const std::vector<std::string> &arguments);
 
-    /// Whether it runs as a guest, to which a host shows no power manager and no sensors.
+    /// Whether it is a virtual machine, which has no power manager and no sensors.
     bool isVirtualMachine() const;
 
     std::uint64_t memoryBytes() const;
     std::size_t logicalCores() const;
 
-    /// Lets a second pass in which one core has all to do.
+    /// Lets a second pass in which one core is busy.
     void workForASecond() const;
 
-    /// On the clock that the second passes on.
+    /// The time on the clock that `workForASecond` advances.
     static double seconds();
 };
 

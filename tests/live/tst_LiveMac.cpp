@@ -30,8 +30,8 @@ bool isShare(double fraction)
     return fraction >= 0 && fraction <= 1;
 }
 
-/// What a reading says, for whoever has to find out why it is not believed.
-QString told(const ChipReading &chip)
+/// The reading as text, for the message of a failed check.
+QString described(const ChipReading &chip)
 {
     const auto celsius = [](std::optional<double> value) {
         return value ? QString::number(*value, 'f', 1) : u"none"_s;
@@ -50,8 +50,8 @@ QString told(const ChipReading &chip)
 
 } // namespace
 
-/// Whether what is read of the Mac that runs this can be true. The first answer that a person with
-/// a chip nobody has tried yet gets.
+/// Whether the readings of the Mac that runs this are plausible: the first check on a chip that has
+/// not been tested.
 class TestLiveMac : public QObject {
     Q_OBJECT
 
@@ -112,7 +112,7 @@ void TestLiveMac::theChipIsAtWork()
     if (!chip && m_mac.isVirtualMachine())
         QSKIP("a virtual machine shows no reporting channels");
     QVERIFY(chip);
-    const QByteArray reading = told(*chip).toUtf8();
+    const QByteArray reading = described(*chip).toUtf8();
     qInfo("%s", reading.constData());
 
     QCOMPARE(chip->cpuCoreUtilizations.size(), m_mac.logicalCores());
@@ -139,7 +139,7 @@ void TestLiveMac::theTemperaturesAreThoseOfARunningChip()
         QSKIP("a virtual machine has no temperature sensors");
     const auto chip = busyReading();
     QVERIFY(chip);
-    const QByteArray reading = told(*chip).toUtf8();
+    const QByteArray reading = described(*chip).toUtf8();
     QVERIFY2(isTemperature(chip->cpuTempC) || isTemperature(chip->packageTempC),
              reading.constData());
     for (const auto &celsius : {chip->cpuTempC, chip->gpuTempC, chip->aneTempC, chip->packageTempC})

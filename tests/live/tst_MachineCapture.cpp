@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// All that the readers make of the machine below a root, as text that can be compared.
+/// The results of all readers on the machine below a root, as comparable text.
 QStringList readings(const std::string &root)
 {
     QStringList lines;
