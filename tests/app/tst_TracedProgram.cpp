@@ -37,7 +37,7 @@ constexpr auto installedProgram = "/usr/src/corvane";
 /// where this is not possible. Has to be called before the first thread starts.
 bool install(const QByteArray &program)
 {
-    if (!takeMountsOfItsOwn() || mount("none", "/usr/src", "tmpfs", 0, "mode=755") != 0)
+    if (!unshareMounts() || mount("none", "/usr/src", "tmpfs", 0, "mode=755") != 0)
         return false;
     QFile file(QFile::decodeName(installedProgram));
     return file.open(QIODevice::WriteOnly) && file.write(program) == program.size()

@@ -145,7 +145,7 @@ void TestFullDisk::startsOnAReadOnlyDisk()
 
 int main(int argc, char **argv)
 {
-    TestFullDisk test(takeMountsOfItsOwn());
+    TestFullDisk test(unshareMounts());
     return QTest::qExec(&test, argc, argv);
 }
 

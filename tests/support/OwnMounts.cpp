@@ -21,7 +21,7 @@ void writeText(const char *path, const QByteArray &text)
 } // namespace
 
 /// On many systems an ordinary user may create a user namespace and mount there as root does.
-bool takeMountsOfItsOwn()
+bool unshareMounts()
 {
     const QByteArray user = QByteArray::number(geteuid());
     const QByteArray group = QByteArray::number(getegid());
