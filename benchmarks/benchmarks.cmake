@@ -7,7 +7,7 @@ if(CORVANE_SYSTEM STREQUAL "simulated-mac")
 endif()
 corvane_benchmark(Tick LINK corvane::sampler)
 corvane_benchmark(Label LINK corvane::tray)
-corvane_benchmark(MemorySample LINK corvane::memory)
+corvane_benchmark(MemorySample LINK corvane::cpu corvane::memory)
 if(CORVANE_SYSTEM STREQUAL "linux")
   corvane_benchmark(ChipSample LINK corvane::chip)
   target_compile_definitions(bench_ChipSample
