@@ -28,7 +28,8 @@ public:
     /// below `leastMemory` needs no name. The arguments of a process are read once and kept while
     /// the process stays in the ranking.
     static std::vector<AIWorkload> detectAll(
-        const ProcessRanking &ranking = ProcessBridge::ranking(),
+        const ProcessRanking &ranking = ProcessBridge::ranking({.first = 0,
+                                                                .fromMemory = leastMemory}),
         const ArgumentReader &readArguments = ProcessBridge::argumentReader(),
         ArgumentCache &cache = processWideCache());
 

@@ -50,9 +50,9 @@ std::optional<ArgumentRecord> ProcessBridge::processArgsForPID(std::int32_t pid,
     return pid > 0 ? source.arguments(pid) : std::nullopt;
 }
 
-ProcessRanking ProcessBridge::ranking(const ProcessSource &source)
+ProcessRanking ProcessBridge::ranking(const NamesWanted &names, const ProcessSource &source)
 {
-    return [source](std::int32_t limit) { return topProcessesByMemory(limit, {}, source); };
+    return [=](std::int32_t limit) { return topProcessesByMemory(limit, names, source); };
 }
 
 ArgumentReader ProcessBridge::argumentReader(const ProcessSource &source)

@@ -32,12 +32,12 @@ void addCrowd(ProcTree &tree, int first, int count, std::uint64_t heaviest)
 /// The ranking and the workloads, each from a listing of its own.
 std::vector<ProcessRow> rows(const ProcTree &tree)
 {
-    return ProcessSampler::topByRAM(20, ProcessBridge::ranking(tree.source()));
+    return ProcessSampler::topByRAM(20, ProcessBridge::ranking({}, tree.source()));
 }
 
 std::vector<AIWorkload> workloads(const ProcTree &tree)
 {
-    return AIProcessDetector::detectAll(ProcessBridge::ranking(tree.source()),
+    return AIProcessDetector::detectAll(ProcessBridge::ranking({}, tree.source()),
                                         ProcessBridge::argumentReader(tree.source()));
 }
 
