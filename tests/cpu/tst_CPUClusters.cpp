@@ -22,7 +22,7 @@ void TestCPUClusters::sortsCPUs_data()
     QTest::addColumn<CPUTopology>("topology");
     QTest::addColumn<Clusters>("clusters");
     QTest::newRow("no CPU is present") << CPUTopology{} << Clusters{};
-    QTest::newRow("nothing tells CPUs apart")
+    QTest::newRow("CPUs that do not differ")
         << CPUTopology{.present = "0-3\n"} << Clusters{{0, 1, 2, 3}};
     QTest::newRow("numbers have gaps") << CPUTopology{.present = "0,2-3\n"} << Clusters{{0, 2, 3}};
     QTest::newRow("a hybrid of two kinds")

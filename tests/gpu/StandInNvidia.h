@@ -7,7 +7,7 @@
 
 namespace corvane::test {
 
-/// Scripts the stand-in for NVIDIA's library, whose source tells the words, and reads what was
+/// Scripts the stand-in for NVIDIA's library, in the words of its source, and reads what was
 /// called. One at a time: the library finds the script through the environment.
 class StandInNvidia {
 public:
@@ -16,7 +16,7 @@ public:
 
     void script(const QByteArray &lines) const;
 
-    /// Has a function stall until `letGo`.
+    /// Makes a function stall until `letGo`.
     void stall(const QByteArray &function) const;
     void letGo() const;
 

@@ -1,4 +1,4 @@
-// Stands in for NVIDIA's management library. What it answers is told by the file "script" in the
+// Stands in for NVIDIA's management library. Its answers come from the file "script" in the
 // folder named by CORVANE_STAND_IN, a line for each function:
 //
 //   function value               it succeeds and gives this

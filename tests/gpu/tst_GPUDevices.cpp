@@ -44,8 +44,8 @@ class TestGPUDevices : public QObject {
 private slots:
     void findsThoseOfMachines_data();
     void findsThoseOfMachines();
-    void tellsIntegratedFromDiscrete_data();
-    void tellsIntegratedFromDiscrete();
+    void distinguishesIntegratedFromDiscrete_data();
+    void distinguishesIntegratedFromDiscrete();
     void findsNvidiaByItsProcFolder();
     void findsNvidiaInAContainer();
     void namesEachOnce();
@@ -63,7 +63,7 @@ void TestGPUDevices::findsThoseOfMachines_data()
     QTest::newRow("a card, and connectors beside it")
         << u"amd-desktop"_s << QStringList{u"amdgpu 0000:0b:00.0 discrete"_s};
     QTest::newRow("no display at all") << u"arm-board-chip"_s << QStringList{};
-    QTest::newRow("a driver that tells nothing") << u"apple-silicon-linux"_s << QStringList{};
+    QTest::newRow("a driver without values") << u"apple-silicon-linux"_s << QStringList{};
     QTest::newRow("a virtual machine") << u"virtual-machine-chip"_s << QStringList{};
 }
 
@@ -73,7 +73,7 @@ void TestGPUDevices::findsThoseOfMachines()
     QTEST(textsOf(findGPUDevices(test::machine(machine.toStdString()))), "devices");
 }
 
-void TestGPUDevices::tellsIntegratedFromDiscrete_data()
+void TestGPUDevices::distinguishesIntegratedFromDiscrete_data()
 {
     QTest::addColumn<QString>("driver");
     QTest::addColumn<QString>("device");
@@ -83,7 +83,7 @@ void TestGPUDevices::tellsIntegratedFromDiscrete_data()
     const QString intel = u"sys/devices/pci0000:00/0000:00:02.0"_s;
     QTest::newRow("an APU has no load of a memory") << u"amdgpu"_s << own << u""_s << true;
     QTest::newRow("a card has one") << u"amdgpu"_s << own << u"mem_busy_percent"_s << false;
-    QTest::newRow("an older card has a bus to tell of")
+    QTest::newRow("an older card has a file about its bus")
         << u"amdgpu"_s << own << u"pcie_bw"_s << false;
     QTest::newRow("Intel at its usual place") << u"xe"_s << intel << u""_s << true;
     QTest::newRow("Intel with sensors") << u"xe"_s << intel << u"hwmon/hwmon0/name"_s << false;
@@ -92,7 +92,7 @@ void TestGPUDevices::tellsIntegratedFromDiscrete_data()
     QTest::newRow("the free driver of NVIDIA's") << u"nouveau"_s << own << u""_s << false;
 }
 
-void TestGPUDevices::tellsIntegratedFromDiscrete()
+void TestGPUDevices::distinguishesIntegratedFromDiscrete()
 {
     QFETCH(QString, driver);
     QFETCH(QString, device);

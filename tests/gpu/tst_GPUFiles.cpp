@@ -38,9 +38,9 @@ private slots:
     void readsIntegratedGraphicsOfIntel();
     void readsAnXeCard();
     void readsAnI915Card();
-    void readsTheHeatAloneOfTheFreeDriverOfNVIDIAs();
-    void aCounterThatNeverMovedIsNone();
-    void renderSleepSwitchedOffIsNoLoad();
+    void readsTheTemperatureAloneOfNouveau();
+    void aCounterThatNeverMovedIsAbsent();
+    void disabledRenderSleepGivesNoLoad();
     void whatGoesAwayIsAbsent();
     void takesThePresentPowerWithoutAMean();
 };
@@ -81,7 +81,7 @@ void TestGPUFiles::readsIntegratedGraphicsOfIntel()
     QCOMPARE(reading.state, std::string("900 MHz"));
     QVERIFY(!reading.watts && !reading.packageWatts && !reading.microjoules);
 
-    // At rest the actual clock stands; the requested one names the state of what it did before.
+    // At rest the actual clock is 0; the requested one then names the state.
     machine.write(node + "gt/gt0/rps_act_freq_mhz", "0\n");
     machine.write(node + "gt/gt0/rps_cur_freq_mhz", "300\n");
     QCOMPARE(files.read(2).state, std::string("300 MHz"));
@@ -136,7 +136,7 @@ void TestGPUFiles::readsAnI915Card()
     QCOMPARE(reading.microjoules, std::optional<std::uint64_t>(2)); // Of the whole card.
 }
 
-void TestGPUFiles::readsTheHeatAloneOfTheFreeDriverOfNVIDIAs()
+void TestGPUFiles::readsTheTemperatureAloneOfNouveau()
 {
     const MachineTree machine;
     addCard(machine, "nouveau");
@@ -149,7 +149,7 @@ void TestGPUFiles::readsTheHeatAloneOfTheFreeDriverOfNVIDIAs()
     QCOMPARE(reading.temperatures, std::vector{51.0});
 }
 
-void TestGPUFiles::aCounterThatNeverMovedIsNone()
+void TestGPUFiles::aCounterThatNeverMovedIsAbsent()
 {
     const MachineTree machine;
     addCard(machine, "i915");
@@ -157,7 +157,7 @@ void TestGPUFiles::aCounterThatNeverMovedIsNone()
     QVERIFY(!readOnly(machine.root()).idleMilliseconds);
 }
 
-void TestGPUFiles::renderSleepSwitchedOffIsNoLoad()
+void TestGPUFiles::disabledRenderSleepGivesNoLoad()
 {
     const MachineTree machine("intel-hybrid-nvidia");
     machine.write("sys/devices/pci0000:00/0000:00:02.0/drm/card1/power/rc6_enable", "0\n");

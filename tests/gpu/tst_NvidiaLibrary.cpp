@@ -27,8 +27,8 @@ private slots:
     void readsSeveral();
     void readsAnOldLibrary();
     void readsANewLibrary();
-    void isNothingWithoutALibrary();
-    void isNothingWithoutADriver();
+    void isAbsentWithoutALibrary();
+    void isAbsentWithoutADriver();
     void whatIsNotSupportedIsAbsent_data();
     void whatIsNotSupportedIsAbsent();
     void aShareOfMoreThanAllIsAbsent();
@@ -76,7 +76,7 @@ void TestNvidiaLibrary::readsANewLibrary()
     QCOMPARE(readOnly(STAND_IN_NVML_NEW).temperature, std::optional(62.0));
 }
 
-void TestNvidiaLibrary::isNothingWithoutALibrary()
+void TestNvidiaLibrary::isAbsentWithoutALibrary()
 {
     const StandInNvidia nvidia;
     QVERIFY(!NvidiaLibrary::open("/nowhere/libnvidia-ml.so.1"));
@@ -85,7 +85,7 @@ void TestNvidiaLibrary::isNothingWithoutALibrary()
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
 }
 
-void TestNvidiaLibrary::isNothingWithoutADriver()
+void TestNvidiaLibrary::isAbsentWithoutADriver()
 {
     const StandInNvidia nvidia;
     nvidia.script("nvmlInit_v2 fails 9\n");

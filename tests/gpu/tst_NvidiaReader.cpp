@@ -42,10 +42,10 @@ class TestNvidiaReader : public QObject {
     Q_OBJECT
 
 private slots:
-    void opensNothingUnasked();
-    void deliversWhatWasAskedFor();
-    void anOldReadingIsNoReading();
-    void aStallingLibraryDelaysNoTick();
+    void opensNothingWithoutARequest();
+    void deliversAReadingPerRequest();
+    void anOldReadingIsAbsent();
+    void aStallingLibraryDelaysNoCall();
     void releaseClosesTheLibraryAndForgets();
     void aReadingThatReleaseOvertookIsDropped();
     void triesAgainAMinuteLater();
@@ -53,7 +53,7 @@ private slots:
     void endsWhileTheLibraryStalls();
 };
 
-void TestNvidiaReader::opensNothingUnasked()
+void TestNvidiaReader::opensNothingWithoutARequest()
 {
     const StandInNvidia nvidia;
     {
@@ -63,7 +63,7 @@ void TestNvidiaReader::opensNothingUnasked()
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
 }
 
-void TestNvidiaReader::deliversWhatWasAskedFor()
+void TestNvidiaReader::deliversAReadingPerRequest()
 {
     const StandInNvidia nvidia;
     SteppedClock clock;
@@ -83,7 +83,7 @@ void TestNvidiaReader::deliversWhatWasAskedFor()
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 1);
 }
 
-void TestNvidiaReader::anOldReadingIsNoReading()
+void TestNvidiaReader::anOldReadingIsAbsent()
 {
     const StandInNvidia nvidia;
     SteppedClock clock;
@@ -96,7 +96,7 @@ void TestNvidiaReader::anOldReadingIsNoReading()
     QVERIFY(!reader.newest());
 }
 
-void TestNvidiaReader::aStallingLibraryDelaysNoTick()
+void TestNvidiaReader::aStallingLibraryDelaysNoCall()
 {
     const StandInNvidia nvidia;
     SteppedClock clock;
@@ -107,7 +107,7 @@ void TestNvidiaReader::aStallingLibraryDelaysNoTick()
     nvidia.stall("nvmlDeviceGetPowerUsage");
     reader.request();
     WAIT_FOR(nvidia.calls("nvmlDeviceGetPowerUsage") == 2);
-    // Were any of these to wait for the library, the test would stand here for good.
+    // The test would hang here if any of these waited for the library.
     for (int tick = 0; tick < 20; ++tick) {
         reader.request();
         QCOMPARE(reader.newest().has_value(), tick <= 2);
@@ -116,7 +116,7 @@ void TestNvidiaReader::aStallingLibraryDelaysNoTick()
     QCOMPARE(nvidia.calls("nvmlDeviceGetPowerUsage"), 2);
 
     nvidia.letGo();
-    WAIT_FOR(reader.newest()); // The wish of the last tick, as of now.
+    WAIT_FOR(reader.newest()); // For the request of the last tick.
     QCOMPARE(reader.newest()->seconds, 120.0);
 }
 
@@ -198,7 +198,7 @@ void TestNvidiaReader::endsWhileTheLibraryStalls()
         NvidiaReader reader(STAND_IN_NVML, [clock, now = clock->function()] { return now(); });
         reader.request();
         WAIT_FOR(nvidia.calls("nvmlInit_v2") == 1);
-    } // Here it would stand for good if the end waited for the library.
+    } // The test would hang here if the destructor waited for the library.
     nvidia.letGo();
     WAIT_FOR(nvidia.calls("nvmlShutdown") == 1); // The thread ends by itself and cleans up.
 }
