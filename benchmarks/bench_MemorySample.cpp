@@ -1,6 +1,6 @@
 #include "BareReads.h"
 #include "Ratio.h"
-#include "cpu/ProcStatFile.h"
+#include "cpu/ProcStatFile_linux.h"
 #include "memory/MemorySampler.h"
 
 using namespace corvane;

@@ -1,12 +1,12 @@
 #include "chip/ChipSource_linux.h"
 
 #include "chip/ChipSnapshot.h"
-#include "chip/TemperatureFiles.h"
-#include "cpu/CPUClusterFiles.h"
+#include "chip/TemperatureFiles_linux.h"
+#include "cpu/CPUClusterFiles_linux.h"
 #include "cpu/CPUCoreSampler.h"
-#include "cpu/CPUFrequencyFiles.h"
-#include "cpu/PackageEnergyFiles.h"
-#include "cpu/ProcStatFile.h"
+#include "cpu/CPUFrequencyFiles_linux.h"
+#include "cpu/PackageEnergyFiles_linux.h"
+#include "cpu/ProcStatFile_linux.h"
 #include "gpu/GPUWatch.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "chip/TemperatureFiles.h"
+#include "chip/TemperatureFiles_linux.h"
 
 #include "gpu/GPUText.h"
 #include "platform/KernelFolder.h"

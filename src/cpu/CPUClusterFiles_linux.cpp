@@ -1,4 +1,4 @@
-#include "cpu/CPUClusterFiles.h"
+#include "cpu/CPUClusterFiles_linux.h"
 
 #include "platform/KernelFile.h"
 #include "platform/KernelFolder.h"

@@ -1,4 +1,4 @@
-#include "cpu/CPUFrequencyFiles.h"
+#include "cpu/CPUFrequencyFiles_linux.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "cpu/ProcStatFile.h"
+#include "cpu/ProcStatFile_linux.h"
 
 namespace corvane {
 

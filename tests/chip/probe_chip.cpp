@@ -2,7 +2,7 @@
 
 #include "chip/ChipName.h"
 #include "chip/ChipSource.h"
-#include "cpu/CPUClusterFiles.h"
+#include "cpu/CPUClusterFiles_linux.h"
 
 #include <chrono>
 #include <cstdio>

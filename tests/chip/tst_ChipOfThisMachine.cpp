@@ -1,5 +1,5 @@
 #include "chip/ChipSource.h"
-#include "cpu/ProcStatFile.h"
+#include "cpu/ProcStatFile_linux.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "chip/TemperatureFiles.h"
+#include "chip/TemperatureFiles_linux.h"
 
 #include "support/AccessWatch.h"
 #include "support/MachineTree.h"

@@ -1,6 +1,6 @@
-#include "cpu/CPUFrequencyFiles.h"
+#include "cpu/CPUFrequencyFiles_linux.h"
 
-#include "cpu/CPUClusterFiles.h"
+#include "cpu/CPUClusterFiles_linux.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"
 

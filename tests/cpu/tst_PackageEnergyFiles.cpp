@@ -1,4 +1,4 @@
-#include "cpu/PackageEnergyFiles.h"
+#include "cpu/PackageEnergyFiles_linux.h"
 
 #include "support/MachineTree.h"
 

@@ -1,4 +1,4 @@
-#include "cpu/ProcStatFile.h"
+#include "cpu/ProcStatFile_linux.h"
 
 #include "cpu/CPUCoreSampler.h"
 #include "support/Machines.h"
