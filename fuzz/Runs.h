@@ -5,9 +5,9 @@
 
 namespace corvane::fuzz {
 
-/// The bytes, but that 0xff begins a run: of the byte behind it, as often as the two behind that
-/// one say. So the few bytes that libFuzzer likes to change stand for lengths that it would hardly
-/// ever come to: lines of 64 KiB, thousands of arguments.
+/// The bytes, in which 0xff begins a run: the byte behind it is repeated, and the two bytes behind
+/// that one are the count. So a change of few bytes yields lengths that libFuzzer would hardly ever
+/// reach: lines of 64 KiB, thousands of arguments.
 inline std::string withRuns(const std::uint8_t *data, std::size_t size)
 {
     constexpr std::size_t most = 140'000; // More takes its time and shows nothing new.
