@@ -1,6 +1,6 @@
 #include "OffscreenApplication.h"
 
-#include "tray/DBusMenu.h"
+#include "tray/DBusMenu_linux.h"
 
 #include <QMenu>
 

@@ -1,7 +1,7 @@
 #include "chip/ChipName_linux.h"
 
 #include "chip/ChipName.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/KernelText.h"
 
 namespace corvane {

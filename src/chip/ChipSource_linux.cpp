@@ -7,7 +7,7 @@
 #include "cpu/CPUFrequencyFiles_linux.h"
 #include "cpu/PackageEnergyFiles_linux.h"
 #include "cpu/ProcStatFile_linux.h"
-#include "gpu/GPUWatch.h"
+#include "gpu/GPUWatch_linux.h"
 
 #include <memory>
 #include <utility>

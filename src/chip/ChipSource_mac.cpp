@@ -1,8 +1,8 @@
 #include "chip/ChipSource.h"
 
-#include "chip/IOReportBridge.h"
+#include "chip/IOReportBridge_mac.h"
 #include "chip/IOReportPowerSampler.h"
-#include "chip/ThermalBridge.h"
+#include "chip/ThermalBridge_mac.h"
 
 #include <memory>
 #include <utility>

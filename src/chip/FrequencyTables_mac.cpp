@@ -1,6 +1,6 @@
 #include "chip/FrequencyTables.h"
 
-#include "platform/CFOwned.h"
+#include "platform/CFOwned_mac.h"
 
 #include <IOKit/IOKitLib.h>
 

@@ -3,11 +3,11 @@
 // prefixes its channels with the die; the prefix is removed here, so that a channel has the same
 // name on every die.
 
-#include "chip/IOReportBridge.h"
+#include "chip/IOReportBridge_mac.h"
 
 #include "chip/ChannelName.h"
-#include "platform/CFOwned.h"
-#include "platform/CFText.h"
+#include "platform/CFOwned_mac.h"
+#include "platform/CFText_mac.h"
 
 #include <dlfcn.h>
 

@@ -1,7 +1,7 @@
 #include "chip/TemperatureFiles_linux.h"
 
 #include "gpu/GPUText.h"
-#include "platform/KernelFolder.h"
+#include "platform/KernelFolder_linux.h"
 #include "platform/KernelText.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "chip/TemperatureSensors.h"
-#include "gpu/GPUWatch.h"
-#include "platform/KernelFile.h"
+#include "gpu/GPUWatch_linux.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/OneThread.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
-#include "chip/ThermalBridge.h"
+#include "chip/ThermalBridge_mac.h"
 
-#include "platform/CFOwned.h"
-#include "platform/CFText.h"
+#include "platform/CFOwned_mac.h"
+#include "platform/CFText_mac.h"
 #include "platform/Plausible.h"
 
 #include <IOKit/hidsystem/IOHIDEventSystemClient.h>

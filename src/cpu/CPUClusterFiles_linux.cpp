@@ -1,7 +1,7 @@
 #include "cpu/CPUClusterFiles_linux.h"
 
-#include "platform/KernelFile.h"
-#include "platform/KernelFolder.h"
+#include "platform/KernelFile_linux.h"
+#include "platform/KernelFolder_linux.h"
 #include "platform/KernelText.h"
 #include "platform/Plausible.h"
 

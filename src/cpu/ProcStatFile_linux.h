@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cpu/ProcStat.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/OneThread.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
-#include "gpu/GPUDevices.h"
+#include "gpu/GPUDevices_linux.h"
 
 #include "gpu/GPUText.h"
-#include "platform/KernelFolder.h"
+#include "platform/KernelFolder_linux.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,7 @@
-#include "gpu/GPUFiles.h"
+#include "gpu/GPUFiles_linux.h"
 
 #include "gpu/GPUText.h"
-#include "platform/KernelFolder.h"
+#include "platform/KernelFolder_linux.h"
 #include "platform/KernelText.h"
 
 #include <algorithm>

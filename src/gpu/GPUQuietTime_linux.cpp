@@ -1,7 +1,7 @@
-#include "gpu/GPUQuietTime.h"
+#include "gpu/GPUQuietTime_linux.h"
 
 #include "gpu/GPUSleepGate.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 
 namespace corvane {
 

@@ -1,8 +1,8 @@
-#include "gpu/GPUWatch.h"
+#include "gpu/GPUWatch_linux.h"
 
-#include "gpu/GPUFiles.h"
-#include "gpu/NvidiaGPUs.h"
-#include "platform/KernelFile.h"
+#include "gpu/GPUFiles_linux.h"
+#include "gpu/NvidiaGPUs_linux.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/OneThread.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "gpu/NvidiaGPUs.h"
+#include "gpu/NvidiaGPUs_linux.h"
 
 #include "gpu/GPUText.h"
 #include "platform/Plausible.h"

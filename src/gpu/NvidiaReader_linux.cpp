@@ -1,4 +1,4 @@
-#include "gpu/NvidiaReader.h"
+#include "gpu/NvidiaReader_linux.h"
 
 #include "platform/Mutex.h"
 

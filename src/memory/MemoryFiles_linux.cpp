@@ -1,7 +1,7 @@
 #include "memory/MemoryFiles_linux.h"
 
 #include "memory/ProcMemInfo.h"
-#include "platform/KernelFolder.h"
+#include "platform/KernelFolder_linux.h"
 
 #include <utility>
 

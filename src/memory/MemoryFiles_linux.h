@@ -1,7 +1,7 @@
 #pragma once
 
 #include "memory/MemoryCounters.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "platform/CFText.h"
+#include "platform/CFText_mac.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 
 #include <algorithm>
 #include <utility>

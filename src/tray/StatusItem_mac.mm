@@ -1,4 +1,4 @@
-#include "tray/StatusItem.h"
+#include "tray/StatusItem_mac.h"
 
 #include "platform/MainThread.h"
 #include "platform/NativeText_mac.h"

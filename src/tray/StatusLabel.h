@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tray/StatusItem.h"
+#include "tray/StatusItem_mac.h"
 #include "ui/MetricText.h"
 
 #include <QPoint>

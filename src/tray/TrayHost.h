@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tray/TrayProgram.h"
+#include "tray/TrayProgram_linux.h"
 
 namespace corvane {
 

@@ -1,8 +1,8 @@
 #include "platform/MainThread.h"
 #include "tray/MetricMenu.h"
-#include "tray/NotifierItems.h"
-#include "tray/StatusNotifierWatcher.h"
-#include "tray/TrayIcons.h"
+#include "tray/NotifierItems_linux.h"
+#include "tray/StatusNotifierWatcher_linux.h"
+#include "tray/TrayIcons_linux.h"
 #include "tray/TrayLabel.h"
 
 #include <QCursor>

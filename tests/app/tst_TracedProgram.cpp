@@ -4,7 +4,7 @@
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
 #include "support/SystemCalls.h"
-#include "tray/DBusMenuTypes.h"
+#include "tray/DBusMenuTypes_linux.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "gpu/GPUDevices.h"
+#include "gpu/GPUDevices_linux.h"
 
 #include "support/MachineTree.h"
 #include "support/Machines.h"

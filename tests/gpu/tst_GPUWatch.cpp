@@ -1,4 +1,4 @@
-#include "gpu/GPUWatch.h"
+#include "gpu/GPUWatch_linux.h"
 
 #include "gpu/StandInNvidia.h"
 #include "support/AccessWatch.h"

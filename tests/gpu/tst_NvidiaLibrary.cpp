@@ -1,4 +1,4 @@
-#include "gpu/NvidiaLibrary.h"
+#include "gpu/NvidiaLibrary_linux.h"
 
 #include "gpu/StandInNvidia.h"
 

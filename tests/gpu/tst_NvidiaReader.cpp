@@ -1,4 +1,4 @@
-#include "gpu/NvidiaReader.h"
+#include "gpu/NvidiaReader_linux.h"
 
 #include "gpu/StandInNvidia.h"
 

@@ -3,7 +3,7 @@
 #include "chip/ChipSource_linux.h"
 #include "cpu/CPUClusterFiles_linux.h"
 #include "cpu/ProcStatFile_linux.h"
-#include "gpu/GPUDevices.h"
+#include "gpu/GPUDevices_linux.h"
 #include "memory/MemoryFiles_linux.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"

@@ -1,7 +1,7 @@
 #include "memory/MemorySampler.h"
 
 #include "memory/ProcMemInfo.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -1,5 +1,5 @@
 #include "platform/Heap.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/KernelText.h"
 #include "support/ProcessState.h"
 

@@ -1,4 +1,4 @@
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 #include "support/FaultyCalls.h"
 
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "platform/KernelFolder.h"
+#include "platform/KernelFolder_linux.h"
 
 #include "support/MachineTree.h"
 

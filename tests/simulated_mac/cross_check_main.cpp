@@ -3,8 +3,8 @@
 
 #include "chip/ChipName.h"
 #include "chip/FrequencyTables.h"
-#include "chip/IOReportBridge.h"
-#include "chip/ThermalBridge.h"
+#include "chip/IOReportBridge_mac.h"
+#include "chip/ThermalBridge_mac.h"
 #include "cpu/CoreTicks.h"
 #include "memory/MemoryCounters.h"
 #include "platform/BootClock.h"

@@ -1,4 +1,4 @@
-#include "chip/IOReportBridge.h"
+#include "chip/IOReportBridge_mac.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "chip/ThermalBridge.h"
+#include "chip/ThermalBridge_mac.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

@@ -1,5 +1,5 @@
 #include "support/PrivateBus.h"
-#include "tray/DBusMenuTypes.h"
+#include "tray/DBusMenuTypes_linux.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>

@@ -1,4 +1,4 @@
-#include "tray/StatusNotifierTypes.h"
+#include "tray/StatusNotifierTypes_linux.h"
 
 #include <QTest>
 

@@ -3,8 +3,8 @@
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
-#include "tray/DBusMenuTypes.h"
-#include "tray/StatusNotifierTypes.h"
+#include "tray/DBusMenuTypes_linux.h"
+#include "tray/StatusNotifierTypes_linux.h"
 
 #include <QAction>
 #include <QApplication>

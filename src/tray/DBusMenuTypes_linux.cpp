@@ -1,4 +1,4 @@
-#include "tray/DBusMenuTypes.h"
+#include "tray/DBusMenuTypes_linux.h"
 
 #include <QDBusMetaType>
 

@@ -1,4 +1,4 @@
-#include "tray/DBusMenu.h"
+#include "tray/DBusMenu_linux.h"
 
 #include "platform/MainThread.h"
 

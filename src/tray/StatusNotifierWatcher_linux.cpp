@@ -1,7 +1,7 @@
-#include "tray/StatusNotifierWatcher.h"
+#include "tray/StatusNotifierWatcher_linux.h"
 
 #include "platform/MainThread.h"
-#include "tray/TrayProgram.h"
+#include "tray/TrayProgram_linux.h"
 
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>

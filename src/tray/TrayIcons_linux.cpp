@@ -1,4 +1,4 @@
-#include "tray/TrayIcons.h"
+#include "tray/TrayIcons_linux.h"
 
 #include "platform/MainThread.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gpu/NvidiaLibrary.h"
+#include "gpu/NvidiaLibrary_linux.h"
 #include "platform/BootClock.h"
 #include "platform/OneThread.h"
 

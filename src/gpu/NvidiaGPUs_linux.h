@@ -1,10 +1,10 @@
 #pragma once
 
-#include "gpu/GPUQuietTime.h"
+#include "gpu/GPUQuietTime_linux.h"
 #include "gpu/GPUReading.h"
 #include "gpu/GPUSleepGate.h"
-#include "gpu/NvidiaReader.h"
-#include "platform/KernelFile.h"
+#include "gpu/NvidiaReader_linux.h"
+#include "platform/KernelFile_linux.h"
 
 #include <functional>
 #include <limits>

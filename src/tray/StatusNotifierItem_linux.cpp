@@ -1,8 +1,8 @@
-#include "tray/StatusNotifierItem.h"
+#include "tray/StatusNotifierItem_linux.h"
 
 #include "bus/BusCall.h"
 #include "platform/MainThread.h"
-#include "tray/StatusNotifierWatcher.h"
+#include "tray/StatusNotifierWatcher_linux.h"
 #include "windows/WindowTools.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gpu/GPUDevices.h"
+#include "gpu/GPUDevices_linux.h"
 
 #include <limits>
 #include <optional>

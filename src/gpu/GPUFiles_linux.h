@@ -1,8 +1,8 @@
 #pragma once
 
-#include "gpu/GPUDevices.h"
+#include "gpu/GPUDevices_linux.h"
 #include "gpu/GPUReading.h"
-#include "platform/KernelFile.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/OneThread.h"
 
 #include <optional>

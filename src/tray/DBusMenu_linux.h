@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tray/DBusMenuTypes.h"
+#include "tray/DBusMenuTypes_linux.h"
 
 #include <QHash>
 #include <QObject>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tray/DBusMenu.h"
-#include "tray/StatusNotifierTypes.h"
+#include "tray/DBusMenu_linux.h"
+#include "tray/StatusNotifierTypes_linux.h"
 #include "tray/TrayWaits.h"
 
 #include <QDBusConnection>

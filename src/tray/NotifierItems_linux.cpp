@@ -1,7 +1,7 @@
-#include "tray/NotifierItems.h"
+#include "tray/NotifierItems_linux.h"
 
 #include "platform/MainThread.h"
-#include "tray/StatusNotifierItem.h"
+#include "tray/StatusNotifierItem_linux.h"
 #include "tray/TrayPicture.h"
 #include "ui/Logo.h"
 

@@ -1,4 +1,4 @@
-#include "tray/TrayProgram.h"
+#include "tray/TrayProgram_linux.h"
 
 #include <QFile>
 
