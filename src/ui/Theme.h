@@ -96,8 +96,8 @@ QColor withOpacity(const QColor &color, double opacity);
 /// Background of the dashboard and of the other windows, corner to corner.
 QLinearGradient windowGradient(const QSizeF &size);
 
-/// Inter where it is installed, else the system's interface font. Sizes are pixels at scale 1. Both
-/// fonts are for the main thread.
+/// Inter where it is installed, its variable form first; else the system's interface font. Sizes
+/// are pixels at scale 1. Both fonts are for the main thread.
 QFont systemFont(double pixelSize, QFont::Weight weight = QFont::Normal);
 
 QFont monospacedFont(double pixelSize);

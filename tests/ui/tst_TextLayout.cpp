@@ -3,6 +3,7 @@
 #include "ui/Theme.h"
 
 #include <QHash>
+#include <QPainterPath>
 #include <QTest>
 
 using namespace corvane;
@@ -31,6 +32,70 @@ QRectF ink(const QString &text, const QFont &font, double scale)
     return QRectF(QPointF(box.topLeft()) / scale, QSizeF(box.size()) / scale);
 }
 
+/// Sum of the opacities of a picture, in square points.
+double inkArea(const QImage &image)
+{
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            sum += image.pixelColor(x, y).alphaF();
+    }
+    const double scale = image.devicePixelRatio();
+    return sum / (scale * scale);
+}
+
+QImage emptyPicture(double scale)
+{
+    QImage image((QSizeF(200, 24) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+/// The area inside the outlines of the letters, filled at a large scale.
+double outlineArea(const QString &text, QFont font)
+{
+    constexpr int enlarged = 64;
+    const int size = font.pixelSize();
+    font.setPixelSize(size * enlarged);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    QPainterPath outline;
+    outline.addText(0, 0, font, text);
+    QImage image = emptyPicture(8);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(4, 16);
+    painter.scale(1.0 / enlarged, 1.0 / enlarged);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    outline.setFillRule(Qt::WindingFill); // Letters of variable fonts overlap themselves.
+    painter.drawPath(outline);
+    painter.end();
+    return inkArea(image);
+}
+
+struct SmallText {
+    int size;
+    QFont::Weight weight;
+    QString text;
+};
+
+/// Ten texts as the views set them.
+const std::vector<SmallText> &smallTexts()
+{
+    static const std::vector<SmallText> texts{{9, QFont::Medium, u"MEM"_s},
+                                              {9, QFont::Medium, u"14:05:12"_s},
+                                              {10, QFont::Normal, u"Compressed"_s},
+                                              {10, QFont::DemiBold, u"20.94 GB"_s},
+                                              {11, QFont::Normal, u"llama-server"_s},
+                                              {11, QFont::Normal, u"16.69 W · 74°C"_s},
+                                              {12, QFont::Medium, u"Memory"_s},
+                                              {12, QFont::DemiBold, u"45.74 GB / 64 GB"_s},
+                                              {13, QFont::DemiBold, u"Top Processes by RAM"_s},
+                                              {13, QFont::DemiBold, u"100%"_s}};
+    return texts;
+}
+
 } // namespace
 
 class TestTextLayout : public QObject {
@@ -39,6 +104,8 @@ class TestTextLayout : public QObject {
 private slots:
     void textHasOneSizeAtEveryScale_data();
     void textHasOneSizeAtEveryScale();
+    void smallTextIsAsBoldAsItsOutline_data();
+    void smallTextIsAsBoldAsItsOutline();
     void digitsHaveOneWidth();
     void measuresMoreTextsThanItRemembers();
     void centresTextInItsLine();
@@ -67,6 +134,31 @@ void TestTextLayout::textHasOneSizeAtEveryScale()
         QVERIFY(qAbs(scaled.width() - once.width()) < 2);
         QVERIFY(qAbs(scaled.height() - once.height()) < 2);
         QVERIFY(qAbs(scaled.bottom() - once.bottom()) < 1.5);
+    }
+}
+
+void TestTextLayout::smallTextIsAsBoldAsItsOutline_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::newRow("scale 1") << 1.0;
+    QTest::newRow("scale 1.25") << 1.25;
+    QTest::newRow("scale 1.5") << 1.5;
+    QTest::newRow("scale 2") << 2.0;
+}
+
+void TestTextLayout::smallTextIsAsBoldAsItsOutline()
+{
+    QFETCH(double, scale);
+    for (const SmallText &small : smallTexts()) {
+        const QFont font = Theme::systemFont(small.size, small.weight);
+        QImage image = emptyPicture(scale);
+        QPainter painter(&image);
+        painter.setPen(Qt::white);
+        drawText(painter, {4, 16}, small.text, font);
+        painter.end();
+        const double boldness = inkArea(image) / outlineArea(small.text, font);
+        QVERIFY2(boldness > 0.9 && boldness < 1.1,
+                 qPrintable(u"%1 of size %2: %3"_s.arg(small.text).arg(small.size).arg(boldness)));
     }
 }
 
