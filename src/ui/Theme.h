@@ -61,8 +61,8 @@ inline constexpr QColor focusRing = lightBlue(0.6F);
 inline constexpr QColor chartGrid = white(0.05F);
 inline constexpr QColor chartCursor = white(0.35F);
 inline constexpr QColor timeLabel = faintText(0.5F);
-/// Keeps a time label readable on a chart's fill.
-inline constexpr QColor timeLabelTag = srgb8(11, 13, 20, 0.5F);
+/// Keeps a time label readable on a chart's fill and above a line that crosses it.
+inline constexpr QColor timeLabelTag = srgb8(11, 13, 20, 0.8F);
 /// Behind the values at a chart's cursor.
 inline constexpr QColor pillFill = srgb8(33, 36, 46, 0.96F);
 inline constexpr QColor pillStroke = white(0.1F);

@@ -103,6 +103,7 @@ private slots:
     void hoversBeyondTheEndOfAShorterSeries();
     void labelsHaveTags_data() { addScales(); }
     void labelsHaveTags();
+    void aLineDoesNotStrikeLabelsThrough();
     void labelsFollowTheLocale();
     void labelsNeedRoom();
     void keysMoveTheCursor();
@@ -480,6 +481,19 @@ void TestSparkline::labelsHaveTags()
     QVERIFY(brightest > 60);
     for (double x = 0; x < 300; x += 1 / scale)
         QCOMPARE(pixelAt(image, x, 59.5).alpha(), 0);
+}
+
+/// A line behind a label shows with a fifth of its brightness, less than the label's text.
+void TestSparkline::aLineDoesNotStrikeLabelsThrough()
+{
+    Sparkline chart;
+    chart.resize(300, 60);
+    SparklineData data = plain({{.values = {1, 1, 1, 1}, .lineColor = Qt::white, .lineWidth = 2}});
+    data.showsTimeLabels = true;
+    chart.show(data);
+    const QImage image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 80, 53), QColor(Qt::white));
+    QVERIFY(pixelAt(image, 2, 53).lightness() < 0.3 * 255); // In the margin of the first label.
 }
 
 void TestSparkline::labelsFollowTheLocale()
