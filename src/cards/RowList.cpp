@@ -1,5 +1,6 @@
 #include "cards/RowList.h"
 
+#include "ui/FocusRing.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 
@@ -17,7 +18,8 @@ namespace {
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
-constexpr double ringInset = 3;  ///< From the left and right edges, beside rows and thumb.
+constexpr int ringInset = 3;     ///< From the left and right edges, beside rows and thumb.
+constexpr int ringRise = 6;      ///< Above the first row.
 constexpr double minThumbHeight = 24;
 constexpr int eighthsOfDegreePerPoint = 2; ///< One notch of a wheel is 60 points.
 
@@ -50,6 +52,7 @@ RowList::RowList(const QString &name, Rows rows, QWidget *parent)
     setFocusPolicy(Qt::TabFocus);
     m_geometry.rowHeight = m_rows.height;
     m_geometry.gap = m_rows.gap;
+    addFocusRing(*this, {-ringInset, ringRise, -ringInset, 0}, 7);
 }
 
 void RowList::setRowCount(int count)
@@ -115,8 +118,6 @@ void RowList::paintEvent(QPaintEvent *event)
 
     if (m_geometry.maxOffset() > 0)
         fillRounded(painter, thumbRect(), thumbWidth / 2, Theme::scrollThumb);
-    if (hasFocus())
-        paintFocusRing(painter, QRectF(rect()).adjusted(ringInset, 0, -ringInset, 0), 7);
 }
 
 void RowList::paintRows(QPainter &painter, const QRectF &part) const
@@ -208,16 +209,6 @@ void RowList::mouseMoveEvent(QMouseEvent *event)
 void RowList::mouseReleaseEvent(QMouseEvent *)
 {
     m_dragOffset.reset();
-}
-
-void RowList::focusInEvent(QFocusEvent *)
-{
-    update();
-}
-
-void RowList::focusOutEvent(QFocusEvent *)
-{
-    update();
 }
 
 } // namespace corvane

@@ -1,6 +1,7 @@
 #include "charts/Sparkline.h"
 
 #include "charts/ChartTime.h"
+#include "ui/FocusRing.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"
@@ -111,6 +112,8 @@ Sparkline::Sparkline(QWidget *parent) : AccessibleWidget(parent, QAccessible::Ch
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    constexpr int outset = 3;
+    addFocusRing(*this, {outset, outset, outset, outset}, 4);
 }
 
 void Sparkline::show(SparklineData chart)
@@ -185,16 +188,10 @@ void Sparkline::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
-void Sparkline::focusInEvent(QFocusEvent *)
-{
-    update();
-}
-
 void Sparkline::focusOutEvent(QFocusEvent *)
 {
     if (!underMouse())
         setCursorX(std::nullopt);
-    update();
 }
 
 void Sparkline::followPointer(double x)
@@ -278,8 +275,6 @@ void Sparkline::paintEvent(QPaintEvent *)
     paintTimeLabels(painter);
     if (m_showsPill)
         paintPill(painter);
-    if (hasFocus())
-        paintFocusRing(painter, rect(), 4);
 }
 
 void Sparkline::paintLayers(QPainter &painter) const
