@@ -5,6 +5,7 @@
 #include "platform/MainThread.h"
 #include "ui/ContextMenu.h"
 #include "ui/PanelButton.h"
+#include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 
@@ -33,13 +34,20 @@ constexpr int rowGap = 8;
 constexpr int buttonGap = 8;
 constexpr int screenMargin = 8;
 
-/// A hairline across the panel.
+/// A hairline across the panel with the space above and below it: of whole device pixels and at
+/// most one point thick, so that all dividers look alike at every scale.
 class Divider : public QWidget {
 public:
-    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(1); }
+    explicit Divider(QWidget *parent) : QWidget(parent) { setFixedHeight(2 * dividerGap + 1); }
 
 protected:
-    void paintEvent(QPaintEvent *) override { QPainter(this).fillRect(rect(), Theme::divider); }
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        const double scale = painter.deviceTransform().m22();
+        const double thickness = std::max(std::floor(scale), 1.0) / scale;
+        fillHairline(painter, QRectF(0, dividerGap, width(), thickness), Theme::divider);
+    }
 };
 
 /// All whole pixels that a rectangle with round corners touches.
@@ -85,22 +93,16 @@ void MenuBarContent::build()
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(0);
-    const auto addDivider = [this, column] {
-        column->addSpacing(dividerGap);
-        column->addWidget(new Divider(this));
-        column->addSpacing(dividerGap);
-    };
-
     m_header = new PanelHeader(this);
     column->addWidget(m_header);
-    addDivider();
+    column->addWidget(new Divider(this));
     for (PanelRow *&row : m_rows) {
         row = new PanelRow(this);
         if (&row != &m_rows.front())
             column->addSpacing(rowGap);
         column->addWidget(row);
     }
-    addDivider();
+    column->addWidget(new Divider(this));
 
     auto *openWindow = new PanelButton(u"Open Window"_s, u"macwindow"_s, this);
     auto *quit = new PanelButton(u"Quit"_s, u"power"_s, this);

@@ -50,6 +50,8 @@ class TestMenuBarContent : public QObject {
 
 private slots:
     void hasTheDesignedSize();
+    void dividersAreOfWholePixels_data();
+    void dividersAreOfWholePixels();
     void maskFollowsTheRoundCorners();
     void everyRowIsAccessible();
     void headerNamesChipAndPower();
@@ -86,6 +88,38 @@ void TestMenuBarContent::hasTheDesignedSize()
     QCOMPARE(buttons[0]->y(), 256);
     QCOMPARE(buttons[1]->geometry().right(), 267);
     QCOMPARE(buttons[1]->x() - buttons[0]->geometry().right() - 1, 8);
+}
+
+void TestMenuBarContent::dividersAreOfWholePixels_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<int>("pixels");
+    QTest::newRow("scale 1") << 1.0 << 1;
+    QTest::newRow("scale 1.25") << 1.25 << 1;
+    QTest::newRow("scale 1.5") << 1.5 << 1;
+    QTest::newRow("scale 1.75") << 1.75 << 1;
+    QTest::newRow("scale 2") << 2.0 << 2;
+    QTest::newRow("scale 2.5") << 2.5 << 2;
+}
+
+void TestMenuBarContent::dividersAreOfWholePixels()
+{
+    QFETCH(double, scale);
+    QFETCH(int, pixels);
+    MenuBarContent panel;
+    panel.toggleAt({400, 10});
+    const QImage image = rendered(panel, scale);
+    const int column = image.width() / 2;
+    for (const double top : {52.0, 245.0}) {
+        const QColor plain = pixelAt(image, 140, top - 4);
+        QList<QColor> line;
+        for (int y = qRound((top - 3) * scale); y < qRound((top + 4) * scale); ++y) {
+            if (image.pixelColor(column, y) != plain)
+                line.append(image.pixelColor(column, y));
+        }
+        QCOMPARE(line.size(), pixels);
+        QVERIFY(line.count(line.front()) == pixels); // Without a half-covered row.
+    }
 }
 
 void TestMenuBarContent::maskFollowsTheRoundCorners()
