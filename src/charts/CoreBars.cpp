@@ -30,6 +30,18 @@ double clampedLoad(double value)
     return std::fmax(std::fmin(value, 1), 0);
 }
 
+std::size_t barCount(const CoreBarsData &bars)
+{
+    return (bars.values.size() + bars.coresPerBar - 1) / bars.coresPerBar;
+}
+
+/// From the left end of a bar to that of the next if they fill the width.
+double pitchOf(const CoreBarsData &bars, double width)
+{
+    const std::size_t count = barCount(bars);
+    return count > 0 ? width / static_cast<double>(count) : 0;
+}
+
 QStringList coreNumbers(std::size_t count)
 {
     QStringList numbers;
@@ -43,20 +55,48 @@ QStringList coreNumbers(std::size_t count)
 CoreBarsData fittedCoreBars(std::vector<double> values, const QColor &color, double width)
 {
     constexpr double bandHeight = 52;
+    constexpr std::size_t few = 8;
+    constexpr double widestOfFew = 32;
+    constexpr double minPitch = 4; ///< A bar of 3 points and a gap.
     const std::size_t cores = values.size();
-    const double pitch = cores > 0 ? width / static_cast<double>(cores) : 0;
 
     CoreBarsData data;
     data.values = std::move(values);
     data.color = color;
     data.height = bandHeight;
-    data.spacing = pitch >= 8 ? 3 : pitch >= 5 ? 2 : pitch >= 2 ? 1 : 0;
+    if (cores < few)
+        data.maxBarWidth = widestOfFew;
+    while (barCount(data) > 1 && pitchOf(data, width) < minPitch)
+        data.coresPerBar *= 2;
+    const double pitch = pitchOf(data, width);
+    data.spacing = pitch >= 8 ? 3 : pitch >= 5 ? 2 : 1;
     data.barCornerRadius = std::clamp((pitch - data.spacing) / 2, 0.0, 2.0);
     if (pitch >= 13) {
         data.labels = coreNumbers(cores);
         data.height = bandHeight - captionGap - captionHeight;
     }
     return data;
+}
+
+std::vector<double> barLoads(const CoreBarsData &bars)
+{
+    std::vector<double> loads;
+    loads.reserve(barCount(bars));
+    for (std::size_t first = 0; first < bars.values.size(); first += bars.coresPerBar) {
+        const std::size_t end = std::min(first + bars.coresPerBar, bars.values.size());
+        double sum = 0;
+        for (std::size_t core = first; core < end; ++core)
+            sum += clampedLoad(bars.values[core]);
+        loads.push_back(sum / static_cast<double>(end - first));
+    }
+    return loads;
+}
+
+QRectF stripPlace(const CoreBarsData &bars, const QRectF &row)
+{
+    const auto count = static_cast<double>(barCount(bars));
+    const double widest = count * bars.maxBarWidth + (count - 1) * bars.spacing;
+    return count > 0 ? row.adjusted(std::max(row.width() - widest, 0.0), 0, 0, 0) : row;
 }
 
 std::vector<QRectF> evenRow(std::size_t count, const QRectF &row, double spacing)
@@ -124,19 +164,20 @@ void CoreBars::paintEvent(QPaintEvent *)
     const QBrush fill = gradient;
 
     const double radius = m_data.barCornerRadius;
-    const std::vector<QRectF> bars =
-        evenRow(m_data.values.size(), QRectF(0, 0, width(), m_data.height), m_data.spacing);
-    for (std::size_t core = 0; core < bars.size(); ++core) {
+    const std::vector<double> loads = barLoads(m_data);
+    const QRectF strip = stripPlace(m_data, QRectF(0, 0, width(), m_data.height));
+    const std::vector<QRectF> bars = evenRow(loads.size(), strip, m_data.spacing);
+    for (std::size_t bar = 0; bar < bars.size(); ++bar) {
         painter.setBrush(track);
-        painter.drawPath(CardStyle::continuousCorners(bars[core], radius));
+        painter.drawPath(CardStyle::continuousCorners(bars[bar], radius));
         painter.setBrush(fill);
-        const QRectF filled = barFill(bars[core], m_data.values[core]);
+        const QRectF filled = barFill(bars[bar], loads[bar]);
         painter.drawPath(CardStyle::continuousCorners(filled, radius));
     }
     if (!m_data.labels)
         return;
 
-    const QRectF row(0, m_data.height + captionGap, width(), captionHeight);
+    const QRectF row(strip.left(), strip.bottom() + captionGap, strip.width(), captionHeight);
     const double baseline = TextLine{row.top(), row.height()}.baseline(captionFont());
     const std::vector<QRectF> places =
         evenRow(static_cast<std::size_t>(m_data.labels->size()), row, m_data.spacing);

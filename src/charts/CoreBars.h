@@ -6,6 +6,7 @@
 #include <QRectF>
 #include <QStringList>
 
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -19,13 +20,23 @@ struct CoreBarsData {
     double height = 52; ///< Height of the bars without the captions, in points.
     double barCornerRadius = 2;
     double spacing = 3; ///< Between bars and between captions, in points.
+    /// In points. A strip of bars of that width ends at the right edge.
+    double maxBarWidth = std::numeric_limits<double>::infinity();
+    std::size_t coresPerBar = 1; ///< Neighbours that share a bar, which shows their mean.
 
     bool operator==(const CoreBarsData &) const = default;
 };
 
 /// A strip that fits a width: the more bars, the closer together; core numbers as captions if they
-/// fit. It is 52 points high with or without captions.
+/// fit. Few bars stay narrow; many cores share bars by twos, fours and so on. It is 52 points high
+/// with or without captions.
 CoreBarsData fittedCoreBars(std::vector<double> values, const QColor &color, double width);
+
+/// Load of each bar, 0…1.
+std::vector<double> barLoads(const CoreBarsData &bars);
+
+/// The part of a row that the strip takes, at its right end.
+QRectF stripPlace(const CoreBarsData &bars, const QRectF &row);
 
 /// Places of `count` items of equal width that fill the row.
 std::vector<QRectF> evenRow(std::size_t count, const QRectF &row, double spacing);
@@ -34,8 +45,8 @@ std::vector<QRectF> evenRow(std::size_t count, const QRectF &row, double spacing
 /// visible. A load that is not a number fills the bar.
 QRectF barFill(const QRectF &bar, double value);
 
-/// One small bar for every core, filled from the bottom by its load. An empty list draws nothing.
-/// Main thread.
+/// One small bar for every core, or for several, filled from the bottom by the load. An empty list
+/// draws nothing. Main thread.
 class CoreBars : public AccessibleWidget {
     Q_OBJECT
 

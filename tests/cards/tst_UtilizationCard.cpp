@@ -249,9 +249,10 @@ void TestUtilizationCard::fitsManyCores_data()
 {
     QTest::addColumn<int>("cores");
     QTest::addColumn<int>("width");
-    QTest::newRow("192 cores in the narrowest card") << 192 << 286;
-    QTest::newRow("192 cores in a wide card") << 192 << 830;
-    QTest::newRow("one core") << 1 << 286;
+    QTest::addColumn<bool>("fillsTheBand");
+    QTest::newRow("192 cores in the narrowest card") << 192 << 286 << true;
+    QTest::newRow("192 cores in a wide card") << 192 << 830 << true;
+    QTest::newRow("one core stays narrow at the right") << 1 << 286 << false;
 }
 
 void TestUtilizationCard::fitsManyCores()
@@ -271,7 +272,7 @@ void TestUtilizationCard::fitsManyCores()
         }
         return false;
     };
-    QVERIFY(isBlue(bars.left(), bars.left() + 8));
+    QTEST(isBlue(bars.left(), bars.left() + 8), "fillsTheBand");
     QVERIFY(isBlue(bars.right() - 8, bars.right() + 1));
 }
 

@@ -19,6 +19,9 @@ private slots:
     void splitsTheRowEvenly();
     void fitsTheWidth_data();
     void fitsTheWidth();
+    void fewBarsStayNarrow_data();
+    void fewBarsStayNarrow();
+    void neighboursShareABarByTheirMean();
     void isAsHighAsBarsAndCaptions();
     void paintsTrackAndFill_data();
     void paintsTrackAndFill();
@@ -68,20 +71,34 @@ void TestCoreBars::splitsTheRowEvenly()
 void TestCoreBars::fitsTheWidth_data()
 {
     QTest::addColumn<std::size_t>("cores");
+    QTest::addColumn<std::size_t>("coresPerBar");
     QTest::addColumn<double>("spacing");
     QTest::addColumn<double>("height");
     QTest::addColumn<bool>("captions");
     QTest::addColumn<double>("radius");
     // In a width of 260 points.
     QTest::newRow("13 points a core have captions")
-        << std::size_t(20) << 3.0 << 40.0 << true << 2.0;
-    QTest::newRow("less has none") << std::size_t(21) << 3.0 << 52.0 << false << 2.0;
-    QTest::newRow("8 points a core") << std::size_t(32) << 3.0 << 52.0 << false << 2.0;
-    QTest::newRow("7.9 points a core") << std::size_t(33) << 2.0 << 52.0 << false << 2.0;
-    QTest::newRow("5 points a core") << std::size_t(52) << 2.0 << 52.0 << false << 1.5;
-    QTest::newRow("4.9 points a core") << std::size_t(53) << 1.0 << 52.0 << false << 1.9528;
-    QTest::newRow("192 cores") << std::size_t(192) << 0.0 << 52.0 << false << 0.6771;
-    QTest::newRow("more cores than points") << std::size_t(400) << 0.0 << 52.0 << false << 0.325;
+        << std::size_t(20) << std::size_t(1) << 3.0 << 40.0 << true << 2.0;
+    QTest::newRow("less has none")
+        << std::size_t(21) << std::size_t(1) << 3.0 << 52.0 << false << 2.0;
+    QTest::newRow("8 points a core")
+        << std::size_t(32) << std::size_t(1) << 3.0 << 52.0 << false << 2.0;
+    QTest::newRow("7.9 points a core")
+        << std::size_t(33) << std::size_t(1) << 2.0 << 52.0 << false << 2.0;
+    QTest::newRow("5 points a core")
+        << std::size_t(52) << std::size_t(1) << 2.0 << 52.0 << false << 1.5;
+    QTest::newRow("4.9 points a core")
+        << std::size_t(53) << std::size_t(1) << 1.0 << 52.0 << false << 1.9528;
+    QTest::newRow("4 points a core")
+        << std::size_t(65) << std::size_t(1) << 1.0 << 52.0 << false << 1.5;
+    QTest::newRow("less than 4 points a core: two share a bar")
+        << std::size_t(66) << std::size_t(2) << 2.0 << 52.0 << false << 2.0;
+    QTest::newRow("128 cores") << std::size_t(128) << std::size_t(2) << 1.0 << 52.0 << false
+                               << 1.5313;
+    QTest::newRow("192 cores") << std::size_t(192) << std::size_t(4) << 2.0 << 52.0 << false
+                               << 1.7083;
+    QTest::newRow("1,024 cores") << std::size_t(1'024) << std::size_t(16) << 1.0 << 52.0 << false
+                                 << 1.5313;
 }
 
 void TestCoreBars::fitsTheWidth()
@@ -90,6 +107,7 @@ void TestCoreBars::fitsTheWidth()
     QFETCH(double, radius);
     const CoreBarsData bars = fittedCoreBars(std::vector<double>(cores, 0.5), Theme::cpu, 260);
     QCOMPARE(bars.values.size(), cores);
+    QTEST(bars.coresPerBar, "coresPerBar");
     QTEST(bars.spacing, "spacing");
     QTEST(bars.height, "height");
     QTEST(bars.labels.has_value(), "captions");
@@ -99,6 +117,63 @@ void TestCoreBars::fitsTheWidth()
         QCOMPARE(bars.labels->first(), u"0"_s);
         QCOMPARE(bars.labels->last(), QString::number(cores - 1));
     }
+}
+
+void TestCoreBars::fewBarsStayNarrow_data()
+{
+    QTest::addColumn<std::size_t>("cores");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<double>("firstBar");
+    QTest::addColumn<double>("barWidth");
+    QTest::newRow("one core") << std::size_t(1) << 260 << 228.0 << 32.0;
+    QTest::newRow("2 cores") << std::size_t(2) << 260 << 193.0 << 32.0;
+    QTest::newRow("4 cores on a wide screen") << std::size_t(4) << 700 << 563.0 << 32.0;
+    QTest::newRow("4 cores with little room") << std::size_t(4) << 109 << 0.0 << 25.0;
+    QTest::newRow("8 cores fill the strip") << std::size_t(8) << 261 << 0.0 << 30.0;
+}
+
+/// On opaque bars and captions: where the first bar begins, that the last ends at the right edge.
+void TestCoreBars::fewBarsStayNarrow()
+{
+    QFETCH(std::size_t, cores);
+    QFETCH(int, width);
+    QFETCH(double, firstBar);
+    QFETCH(double, barWidth);
+    const CoreBarsData data = fittedCoreBars(std::vector<double>(cores, 1), Theme::cpu, width);
+    const QRectF strip = stripPlace(data, QRectF(0, 0, width, 40));
+    const std::vector<QRectF> places = evenRow(cores, strip, data.spacing);
+    QCOMPARE(places.front().left(), firstBar);
+    QCOMPARE(places.front().width(), barWidth);
+    QCOMPARE(places.back().right(), width);
+
+    CoreBars bars;
+    bars.resize(width, 52);
+    bars.show(data);
+    const QImage image = rendered(bars, 2);
+    const auto hasInk = [&image](double from, double to) {
+        for (double x = from; x < to; x += 0.5) {
+            for (double y = 0; y < 52; y += 0.5) {
+                if (pixelAt(image, x, y).alpha() > 0)
+                    return true;
+            }
+        }
+        return false;
+    };
+    QVERIFY(!hasInk(0, firstBar));
+    QVERIFY(hasInk(firstBar, firstBar + 1));
+    QVERIFY(hasInk(width - 1, width));
+}
+
+void TestCoreBars::neighboursShareABarByTheirMean()
+{
+    CoreBarsData data{.values = {0, 0.5, 2, 0, 0.3}, .coresPerBar = 2};
+    QCOMPARE(barLoads(data), (std::vector<double>{0.25, 0.5, 0.3}));
+    data.coresPerBar = 1;
+    QCOMPARE(barLoads(data), (std::vector<double>{0, 0.5, 1, 0, 0.3}));
+    data.coresPerBar = 8;
+    QCOMPARE(barLoads(data), std::vector<double>{1.8 / 5});
+    data.values.clear();
+    QVERIFY(barLoads(data).empty());
 }
 
 void TestCoreBars::isAsHighAsBarsAndCaptions()
