@@ -48,19 +48,27 @@ void paintPlate(QPainter &painter, double width, double height)
     strokeRounded(painter, plate, plateRadius, Theme::plateStroke, borderWidth);
 }
 
+/// From 100 W on the unit is left out, which would make the digits too small to read.
+QString squareText(const QString &text)
+{
+    const bool hasThreeDigits = text.size() > 3;
+    return hasThreeDigits && text.endsWith(u'W') ? text.chopped(1) : text;
+}
+
 /// Set in the font's pixel size rather than scaled, so that the font's hinting applies.
 void paintNumber(QPainter &painter, const LabelNumber &number, double scale)
 {
+    const QString text = squareText(number.text);
     QFont font = Theme::systemFont(1, QFont::Bold);
     font.setPixelSize(qRound(numberSize * scale));
-    const double width = textWidth(number.text, font, Digits::proportional);
+    const double width = textWidth(text, font, Digits::proportional);
     if (width > numberRoom * scale)
         font.setPixelSize(static_cast<int>(font.pixelSize() * numberRoom * scale / width));
 
-    const double left = (side * scale - textWidth(number.text, font, Digits::proportional)) / 2;
+    const double left = (side * scale - textWidth(text, font, Digits::proportional)) / 2;
     const double baseline = numberMiddle * scale + QFontMetricsF(font).capHeight() / 2;
     painter.setPen(number.color);
-    drawText(painter, QPointF(left, baseline), number.text, font, Digits::proportional);
+    drawText(painter, QPointF(left, baseline), text, font, Digits::proportional);
 }
 
 void paintMark(QPainter &painter, const QColor &color, LabelPosition position)

@@ -14,7 +14,7 @@ namespace corvane {
 enum class LabelPosition { left, middle, right };
 
 /// One number of the label as a square of `pixels` a side, on a dark plate that makes it readable
-/// on light and dark bars.
+/// on light and dark bars. Watts of three and more digits are shown without their unit.
 QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels);
 
 /// The same picture in all sizes of `trayPictureSizes`.

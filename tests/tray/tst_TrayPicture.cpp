@@ -68,6 +68,8 @@ private slots:
     void marksItsPosition();
     void keepsEveryNumberInside_data();
     void keepsEveryNumberInside();
+    void leavesOutTheUnitOfThreeDigits_data();
+    void leavesOutTheUnitOfThreeDigits();
     void iconHasAllSizes();
     void widePictureShowsAllThreeInOrder_data();
     void widePictureShowsAllThreeInOrder();
@@ -138,6 +140,25 @@ void TestTrayPicture::keepsEveryNumberInside()
         QVERIFY(first >= 0.5);
         QVERIFY(last <= 21.5);
     }
+}
+
+void TestTrayPicture::leavesOutTheUnitOfThreeDigits_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("seen");
+    QTest::newRow("100 W") << u"100W"_s << u"100"_s;
+    QTest::newRow("1,250 W") << u"1250W"_s << u"1250"_s;
+}
+
+void TestTrayPicture::leavesOutTheUnitOfThreeDigits()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, seen);
+    for (const int pixels : {22, 44})
+        QCOMPARE(trayPicture(number(text), LabelPosition::right, pixels),
+                 trayPicture(number(seen), LabelPosition::right, pixels));
+    QVERIFY(trayPicture(number(u"99W"_s), LabelPosition::right, 44)
+            != trayPicture(number(u"99"_s), LabelPosition::right, 44));
 }
 
 void TestTrayPicture::iconHasAllSizes()
