@@ -123,6 +123,7 @@ void Sparkline::show(SparklineData chart)
         m_prepared = false;
         update();
     }
+    keepToPointer();
     updatePill();
 }
 
@@ -146,15 +147,23 @@ QString Sparkline::accessibleValue() const
     return accessibleText(m_buildPill(hoveredIndex().value_or(m_data.timestamps.size() - 1)));
 }
 
-void Sparkline::resizeEvent(QResizeEvent *)
+void Sparkline::resizeEvent(QResizeEvent *event)
 {
     m_prepared = false;
-    if (m_cursorX)
-        followPointer(*m_cursorX);
+    if (m_pointer)
+        keepToPointer();
+    else if (m_cursorX && event->oldSize().width() > 0)
+        setCursorX(*m_cursorX * width() / event->oldSize().width()); // On the same sample.
+}
+
+void Sparkline::moveEvent(QMoveEvent *)
+{
+    keepToPointer();
 }
 
 void Sparkline::hideEvent(QHideEvent *)
 {
+    m_pointer.reset();
     setCursorX(std::nullopt);
 }
 
@@ -169,16 +178,17 @@ void Sparkline::changeEvent(QEvent *event)
 
 void Sparkline::enterEvent(QEnterEvent *event)
 {
-    followPointer(event->position().x());
+    followPointer(*event);
 }
 
 void Sparkline::mouseMoveEvent(QMouseEvent *event)
 {
-    followPointer(event->position().x());
+    followPointer(*event);
 }
 
 void Sparkline::leaveEvent(QEvent *)
 {
+    m_pointer.reset();
     setCursorX(std::nullopt);
 }
 
@@ -194,9 +204,20 @@ void Sparkline::focusOutEvent(QFocusEvent *)
         setCursorX(std::nullopt);
 }
 
-void Sparkline::followPointer(double x)
+void Sparkline::followPointer(const QSinglePointEvent &event)
 {
+    m_pointer = event.globalPosition();
+    const double x = event.position().x();
     setCursorX(x >= 0 && x <= width() ? std::optional(x) : std::nullopt);
+}
+
+/// A resting pointer sends no event when the chart moves below it.
+void Sparkline::keepToPointer()
+{
+    if (!m_pointer)
+        return;
+    const QPointF place = mapFromGlobal(*m_pointer);
+    setCursorX(QRectF(rect()).contains(place) ? std::optional(place.x()) : std::nullopt);
 }
 
 void Sparkline::setCursorX(std::optional<double> x)
@@ -212,12 +233,14 @@ void Sparkline::setCursorX(std::optional<double> x)
 bool Sparkline::stepCursor(int key)
 {
     if (key == Qt::Key_Escape && m_cursorX) {
+        m_pointer.reset();
         setCursorX(std::nullopt);
         return true;
     }
     if (key != Qt::Key_Left && key != Qt::Key_Right && key != Qt::Key_Home && key != Qt::Key_End)
         return false;
 
+    m_pointer.reset();
     std::vector<double> stops;
     for (const std::optional<double> column :
          sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, size()})) {

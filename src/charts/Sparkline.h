@@ -7,10 +7,13 @@
 
 #include <QBrush>
 #include <QPen>
+#include <QPointF>
 
 #include <array>
 #include <functional>
 #include <optional>
+
+class QSinglePointEvent;
 
 namespace corvane {
 
@@ -48,6 +51,7 @@ public:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void changeEvent(QEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
@@ -64,7 +68,8 @@ private:
         QPen line;
     };
 
-    void followPointer(double x);
+    void followPointer(const QSinglePointEvent &event);
+    void keepToPointer();
     void setCursorX(std::optional<double> x);
     bool stepCursor(int key);
     void updatePill();
@@ -78,7 +83,8 @@ private:
     SparklineData m_data;
     PillBuilder m_buildPill;
     HoverPill m_pill;
-    bool m_showsPill = false; ///< There are a hovered sample and a builder.
+    bool m_showsPill = false;         ///< There are a hovered sample and a builder.
+    std::optional<QPointF> m_pointer; ///< Of the screen; absent if the keys moved the cursor.
     std::optional<double> m_cursorX;
     bool m_prepared = false; ///< Layers and labels are those of the data, the size and the locale.
     std::vector<Layer> m_layers;

@@ -42,7 +42,8 @@ SparklineData plain(std::vector<SparklineSeries> series)
 void hover(Sparkline &chart, double x)
 {
     const QPointF place(x, 10);
-    QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, place, chart.mapToGlobal(place), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
     QApplication::sendEvent(&chart, &move);
 }
 
@@ -96,6 +97,8 @@ private slots:
     void cursorFollowsThePointer();
     void cursorStaysWithNewData();
     void repaintsEverythingThatChanged();
+    void cursorKeepsToARestingPointer();
+    void cursorOfTheKeysKeepsToItsSample();
     void cursorGoesWithTheChart();
     void pillKeepsInsideTheChart_data() { addScales(); }
     void pillKeepsInsideTheChart();
@@ -380,6 +383,56 @@ void TestSparkline::repaintsEverythingThatChanged()
         screen = next;
         QCOMPARE(stalePixels(chart), QRect());
     }
+}
+
+void TestSparkline::cursorKeepsToARestingPointer()
+{
+    QWidget window;
+    auto *card = new QWidget(&window);
+    Sparkline chart(card);
+    window.resize(600, 200);
+    card->setGeometry(100, 0, 400, 200);
+    chart.setGeometry(50, 50, 300, 100);
+    chart.show(plain({}));
+    chart.setHoverPill(indexPill);
+    window.show();
+    const QPointF place(100, 20);
+    const QPointF global = chart.mapToGlobal(place);
+    QMouseEvent move(QEvent::MouseMove, place, global, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&chart, &move);
+    QCOMPARE(chart.cursorX(), std::optional(100.0));
+    QCOMPARE(chart.accessibleValue(), u"1, 42%"_s);
+
+    chart.setGeometry(30, 50, 330, 100);
+    QCOMPARE(chart.cursorX(), std::optional(120.0));
+    chart.move(10, 50);
+    QCOMPARE(chart.cursorX(), std::optional(140.0));
+    chart.resize(150, 100); // Another sample is below the pointer.
+    QCOMPARE(chart.accessibleValue(), u"3, 42%"_s);
+    card->move(110, 0); // The next data follow the card.
+    chart.show(plain({}));
+    QCOMPARE(chart.cursorX(), std::optional(130.0));
+    chart.move(200, 50);
+    QVERIFY(!chart.cursorX()); // The pointer is outside.
+    chart.move(20, 50);
+    QCOMPARE(chart.cursorX(), std::optional(120.0));
+    leave(chart);
+    chart.move(10, 50);
+    QVERIFY(!chart.cursorX());
+}
+
+void TestSparkline::cursorOfTheKeysKeepsToItsSample()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    chart.show(plain({}));
+    chart.QWidget::show();
+    QTest::keyClick(&chart, Qt::Key_Home);
+    QTest::keyClick(&chart, Qt::Key_Right);
+    QCOMPARE(chart.cursorX(), std::optional(100.0));
+    chart.resize(150, 100);
+    QCOMPARE(chart.cursorX(), std::optional(50.0));
+    QCOMPARE(chart.hoveredIndex(), std::optional<std::size_t>(1));
 }
 
 void TestSparkline::cursorGoesWithTheChart()
