@@ -64,8 +64,12 @@ void Commands::connectUpdater(const UpdaterManager &updater)
 
 QList<QAction *> Commands::inMenuOrder() const
 {
-    return {m_openWindow, m_separators[0], m_about, m_checkForUpdates,
-            m_settings,   m_separators[1], m_quit};
+    return QList<QAction *>{m_openWindow, m_separators[0]} + besidesOpenWindow();
+}
+
+QList<QAction *> Commands::besidesOpenWindow() const
+{
+    return {m_about, m_checkForUpdates, m_settings, m_separators[1], m_quit};
 }
 
 std::unique_ptr<QMenuBar> Commands::makeMenuBar() const

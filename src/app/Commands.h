@@ -35,6 +35,9 @@ public:
     /// All actions in the order of a menu, with separators between the groups.
     QList<QAction *> inMenuOrder() const;
 
+    /// The same for the dashboard, which is that window.
+    QList<QAction *> besidesOpenWindow() const;
+
     /// A Mac's menu bar, in which the system moves each action to its usual menu. There is no
     /// command for a new window: there is only one dashboard.
     std::unique_ptr<QMenuBar> makeMenuBar() const;

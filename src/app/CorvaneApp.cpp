@@ -156,7 +156,7 @@ void CorvaneApp::connectMainWindow()
 {
     const SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
-    window->addActions(m_commands.inMenuOrder());
+    window->addActions(m_commands.besidesOpenWindow());
     const auto showSamples = [&sampler, window] {
         window->show(sampler.current(), sampler.history());
     };

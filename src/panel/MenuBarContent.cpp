@@ -50,21 +50,6 @@ protected:
     }
 };
 
-/// All whole pixels that a rectangle with round corners touches.
-QRegion roundedRegion(const QRect &rect)
-{
-    QRegion region = rect.adjusted(0, radius, 0, -radius);
-    for (int row = 0; row < radius; ++row) {
-        const int rise = radius - row - 1;
-        const int inset =
-            radius - static_cast<int>(std::ceil(std::sqrt(radius * radius - rise * rise)));
-        const QRect line(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
-        region += line;
-        region += line.translated(0, rect.height() - 1 - 2 * row);
-    }
-    return region;
-}
-
 /// A Wayland compositor opens a pop-up only in response to an input event of one of the program's
 /// own windows, and a click on the desktop's bar is none. There the panel is a plain window that
 /// closes when it loses the focus.
@@ -179,7 +164,7 @@ void MenuBarContent::paintEvent(QPaintEvent *)
 void MenuBarContent::resizeEvent(QResizeEvent *)
 {
     // An X server without a compositor paints black where the window is transparent.
-    setMask(roundedRegion(rect()));
+    setMask(roundedRegion(rect(), radius));
 }
 
 void MenuBarContent::keyPressEvent(QKeyEvent *event)

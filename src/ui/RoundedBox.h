@@ -2,6 +2,7 @@
 
 #include <QBrush>
 #include <QRectF>
+#include <QRegion>
 
 class QPainter;
 
@@ -18,5 +19,8 @@ void strokeRounded(QPainter &painter, const QRectF &box, double radius, const QC
 
 /// The ring of a focused control, along the inside of its edge.
 void paintFocusRing(QPainter &painter, const QRectF &box, double radius);
+
+/// All whole pixels that a rectangle with round corners touches: the mask of a window.
+QRegion roundedRegion(const QRect &rect, int radius);
 
 } // namespace corvane
