@@ -5,6 +5,7 @@
 #include "support/OddFiles.h"
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
+#include "support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
@@ -25,8 +26,6 @@ using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int patience = 60'000; ///< Milliseconds; enough for a machine under load.
 
 const QString identifier = u"io.github.corvane.Corvane"_s;
 
@@ -136,9 +135,6 @@ QDBusMessage TestRunningProgram::callDesktop(const QString &method,
         return {};
     return answer.reply();
 }
-
-#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
 
 void TestRunningProgram::aSecondStartOpensTheDashboard()
 {

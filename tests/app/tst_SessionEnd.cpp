@@ -1,6 +1,7 @@
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
 #include "support/SessionManager.h"
+#include "support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,8 +17,6 @@ class TestSessionEnd : public QObject {
 private slots:
     void endsWithTheSession();
 };
-
-#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 60'000)
 
 void TestSessionEnd::endsWithTheSession()
 {

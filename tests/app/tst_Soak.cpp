@@ -14,6 +14,7 @@
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
 #include "support/ProcessState.h"
+#include "support/Waiting.h"
 #include "tray/TrayLabel.h"
 #include "updates/UpdaterManager.h"
 
@@ -41,8 +42,6 @@ constexpr int ticksOfADay = 86'400;
 constexpr int uses = 8;
 constexpr int longestWindow = 180; ///< Seconds.
 constexpr int busThreads = 1;      ///< Threads of the bus library.
-constexpr int patience = 60'000;   ///< Milliseconds; enough for a machine under load.
-
 /// Quantities that must not grow.
 struct Resources {
     qint64 heap = 0;
@@ -388,7 +387,7 @@ void TestSoak::settle()
             QCoreApplication::processEvents();
     }
     // A survey of the processes may still run.
-    QTRY_COMPARE_WITH_TIMEOUT(threads(), m_threads, patience);
+    TRY_COMPARE(threads(), m_threads);
     QCoreApplication::processEvents();
 }
 
@@ -456,7 +455,7 @@ void TestSoak::checkGrowth(const std::vector<Resources> &all) const
     for (const Resources &one : all) {
         QCOMPARE(one.descriptors, all.front().descriptors);
         QCOMPARE(one.threads, all.front().threads);
-        QVERIFY(one.historyBytes < patience);
+        QVERIFY(one.historyBytes < 60'000);
     }
 }
 
@@ -467,9 +466,9 @@ void TestSoak::useLabel(int what)
     switch (what) {
     case 0:
         m_tray.reset();
-        QTRY_VERIFY_WITH_TIMEOUT(!m_label->isAvailable(), patience);
+        TRY_VERIFY(!m_label->isAvailable());
         m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
-        QTRY_COMPARE_WITH_TIMEOUT(m_tray->items().size(), 3, patience);
+        TRY_COMPARE(m_tray->items().size(), 3);
         break;
     case 1:
         QVERIFY(m_tray->property(item, u"ToolTip"_s).isValid());
@@ -513,7 +512,7 @@ void TestSoak::theLabelDoesNotGrow()
         if (tickNumber % (ticks / measurements) == 0) {
             useLabel(0);
             settle();
-            QTRY_COMPARE_WITH_TIMEOUT(openDescriptors(), descriptors, patience);
+            TRY_COMPARE(openDescriptors(), descriptors);
             all.push_back(resources());
         }
         QVERIFY(m_label->isAvailable());

@@ -1,6 +1,7 @@
 #include "bus/BusConnection.h"
 
 #include "support/PrivateBus.h"
+#include "support/Waiting.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -14,10 +15,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int longWait = 60'000; ///< Milliseconds; for a machine under load.
 constexpr auto retryInterval = 20ms;
-
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, longWait)
 
 } // namespace
 
@@ -120,7 +118,7 @@ void TestBusConnection::canBeDeletedWhileTheBusHangs()
     QTest::qWait(50);
     QCOMPARE(connected.count(), 0);
     m_bus->goOn();
-    QVERIFY(connected.wait(longWait));
+    QVERIFY(connected.wait(patience));
 }
 
 QTEST_GUILESS_MAIN(TestBusConnection)

@@ -1,6 +1,9 @@
 #include "cards/FrameworkColor.h"
+#include "ui/Icon.h"
 #include "ui/Theme.h"
 
+#include <QImage>
+#include <QPainter>
 #include <QTest>
 
 #include <set>
@@ -13,6 +16,7 @@ class TestFrameworkColor : public QObject {
 private slots:
     void showsGenericOnesLikeExplanatoryText();
     void givesEachItsOwn();
+    void everySymbolIsDrawn();
 };
 
 void TestFrameworkColor::showsGenericOnesLikeExplanatoryText()
@@ -28,5 +32,18 @@ void TestFrameworkColor::givesEachItsOwn()
     QCOMPARE(colors.size(), allAIFrameworks.size());
 }
 
-QTEST_APPLESS_MAIN(TestFrameworkColor)
+void TestFrameworkColor::everySymbolIsDrawn()
+{
+    QImage empty(16, 16, QImage::Format_ARGB32_Premultiplied);
+    empty.fill(Qt::transparent);
+    for (const AIFramework framework : allAIFrameworks) {
+        QImage image = empty;
+        QPainter painter(&image);
+        paintIcon(painter, symbol(framework), image.rect(), Qt::white);
+        painter.end();
+        QVERIFY2(image != empty, qPrintable(symbol(framework)));
+    }
+}
+
+QTEST_MAIN(TestFrameworkColor)
 #include "tst_FrameworkColor.moc"

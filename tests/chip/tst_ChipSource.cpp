@@ -79,10 +79,8 @@ private slots:
     void aDesktopWithACard();
     void anAPU();
     void aHybridLaptop();
-    void aBoard();
     void appleSilicon();
     void aVirtualMachine();
-    void anOfflineCPUAddsNothing();
     void energyThatBecomesReadableAddsNothingOfThePast();
     void aSleepingGPUIsNotTouched();
     void keepsEachGPU();
@@ -282,31 +280,6 @@ void TestChipSource::aHybridLaptop()
     QCOMPARE(reading.cpuWatts, 0.0); // Only root may read the energy.
 }
 
-void TestChipSource::aBoard()
-{
-    Chip chip("arm-board-chip");
-    const auto stat = [](int small, int large) {
-        std::string text;
-        for (int cpu = 0; cpu < 8; ++cpu)
-            text += cpuLine(cpu, cpu < 4 ? small : large, 1000);
-        return text;
-    };
-    chip.tree.write("proc/stat", stat(0, 0));
-    chip.reading();
-    chip.tree.write("proc/stat", stat(10, 30));
-    chip.tree.write(policies + "0/stats/time_in_state", "408000 1000\n1800000 1100\n");
-    chip.tree.write(policies + "4/stats/time_in_state", "408000 550\n2400000 550\n");
-    chip.tree.write(policies + "6/stats/time_in_state", "408000 500\n2256000 600\n");
-    const ChipReading reading = chip.reading();
-    // Times of the other states are gone, which makes their sum fall: all count from nothing.
-    const double small = (1000 * 408 + 1100 * 1800) / 2100.0;
-    const double large = (550 * 408 + 550 * 2400) / 1100.0;
-    const double middle = (500 * 408 + 600 * 2256) / 1100.0;
-    QVERIFY(isNear(reading.cpuActiveFraction, 1));
-    QVERIFY(qAbs(reading.cpuActiveMHz - (40 * small + 60 * large + 60 * middle) / 160) < 0.001);
-    QVERIFY(reading.gpuStateResidency.empty());
-}
-
 void TestChipSource::appleSilicon()
 {
     Chip chip("apple-silicon-linux");
@@ -338,17 +311,6 @@ void TestChipSource::aVirtualMachine()
     QCOMPARE(reading.cpuWatts, 0.0);
     QCOMPARE(reading.gpuWatts, 0.0);
     QCOMPARE(reading.gpuActiveFraction, 0.0);
-}
-
-void TestChipSource::anOfflineCPUAddsNothing()
-{
-    Chip chip("virtual-machine-chip");
-    chip.tree.write("proc/stat", cpuLine(0, 0, 0) + cpuLine(1, 500, 9000));
-    chip.reading();
-    chip.tree.write("proc/stat", cpuLine(0, 50, 50));
-    QVERIFY(isNear(chip.reading().cpuActiveFraction, 0.5));
-    chip.tree.write("proc/stat", cpuLine(0, 100, 100) + cpuLine(1, 500, 9000));
-    QVERIFY(isNear(chip.reading().cpuActiveFraction, 0.5));
 }
 
 void TestChipSource::energyThatBecomesReadableAddsNothingOfThePast()

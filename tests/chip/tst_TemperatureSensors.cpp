@@ -114,9 +114,11 @@ void TestTemperatureSensors::readsZones_data()
     QTest::newRow("a package") << package << QByteArray("58000\n") << Degrees(58);
     QTest::newRow("a board") << board << QByteArray("41000\n") << Degrees(41);
     QTest::newRow("a board without a sensor") << board << QByteArray("27800\n") << Degrees();
-    QTest::newRow("another one") << board << QByteArray("16800\n") << Degrees();
-    QTest::newRow("and another one") << board << QByteArray("29800\n") << Degrees();
-    QTest::newRow("a package may have just that")
+    QTest::newRow("a board at a constant 16.8 degrees")
+        << board << QByteArray("16800\n") << Degrees();
+    QTest::newRow("a board at a constant 29.8 degrees")
+        << board << QByteArray("29800\n") << Degrees();
+    QTest::newRow("a package at a board's constant")
         << package << QByteArray("27800\n") << Degrees(27.8);
     QTest::newRow("off") << package << QByteArray("0\n") << Degrees();
 }

@@ -55,16 +55,16 @@ void TestThermalSampler::categorizes_data()
     row("graphics comes before the cores", "PACC GPU Temp", Category::gpu);
     row("the cores come before the chip", "SOC EACC Temp", Category::cpu);
     row("what is ignored comes before all", "GPU battery", none);
-    row("so does the gauge of the chip's battery", "SOC gas gauge", none);
-    row("and a device sensor of the power manager", "PMU tdev1 SOC", none);
+    row("the battery's gauge comes before the chip", "SOC gas gauge", none);
+    row("a device sensor comes before the chip", "PMU tdev1 SOC", none);
     row("flash memory comes before the Neural Engine", "ANE nand", none);
     row("a calibration value comes before the cores", "PMU TCAL", none);
 
     row("case does not matter", "gpu mtr temp", Category::gpu);
-    row("nor does it after the power manager", "pmu TDIE7", Category::package);
-    row("nor for what is ignored", "Pmu TDEV1", none);
+    row("case does not matter in a prefix", "pmu TDIE7", Category::package);
+    row("case does not matter for what is ignored", "Pmu TDEV1", none);
     row("a prefix counts at the start alone", "x PMU TP3s", none);
-    row("the device prefix too", "GPU PMU tdev1", Category::gpu);
+    row("a device prefix counts at the start alone", "GPU PMU tdev1", Category::gpu);
     row("a prefix must be whole", "PMU T", none);
     row("a name that is a prefix", "PMU TG", Category::gpu);
     row("letters in another word", "Panel", Category::ane);

@@ -21,7 +21,7 @@ private slots:
     void readsPackagesAlone();
     void hasNoReadingWhereItIsRefused();
     void triesAgainEachMinute();
-    void findsTheDriverThatComesLate();
+    void findsADriverThatIsLoadedLater();
     void takesTheSecondRegisterOnlyWithoutTheFirst();
     void survivesGarbage();
 };
@@ -66,7 +66,7 @@ void TestPackageEnergyFiles::triesAgainEachMinute()
     QCOMPARE(readings[0].microjoules, std::uint64_t(9'000'000));
 }
 
-void TestPackageEnergyFiles::findsTheDriverThatComesLate()
+void TestPackageEnergyFiles::findsADriverThatIsLoadedLater()
 {
     const MachineTree machine;
     double now = 0;

@@ -43,7 +43,7 @@ void TestProcStat::takesLinesOfCPUs()
     QVERIFY(second);
     QCOMPARE(second->cpu, std::size_t(7));
     QVERIFY((second->times.ticks == std::array<std::uint64_t, 8>{1, 2, 3, 4}));
-    QVERIFY(!takeCPULine(text)); // What follows the interrupts is not looked at.
+    QVERIFY(!takeCPULine(text)); // Lines behind the interrupts are not searched.
     QVERIFY(text.empty());
     QVERIFY(!takeCPULine(text));
 }
@@ -80,8 +80,8 @@ void TestProcStat::sumsColumns_data()
         << QByteArray("cpu0 99999999999999999999 2 3 4\n") << Reading();
     QTest::newRow("a CPU number that no kernel has")
         << QByteArray("cpu4294967296 1 2 3 4\n") << Reading();
-    QTest::newRow("a CPU number that is none") << QByteArray("cpu-1 1 2 3 4\n") << Reading();
-    QTest::newRow("CPUs behind other lines are not looked for")
+    QTest::newRow("a CPU number that is negative") << QByteArray("cpu-1 1 2 3 4\n") << Reading();
+    QTest::newRow("CPUs behind other lines are not read")
         << QByteArray("intr 1\ncpu0 1 2 3 4\n") << Reading();
     QTest::newRow("an empty line ends the CPUs") << QByteArray("\ncpu0 1 2 3 4\n") << Reading();
     QTest::newRow("no text") << QByteArray() << Reading();
@@ -127,7 +127,7 @@ void TestProcStat::aCPUThatJoinsLaterStartsFromThen()
     CPUTickCounters counters;
     QCOMPARE(counters.update("cpu0 10 0 0 10\ncpu2 7 0 0 7\n"),
              Reading({{.user = 10, .idle = 10}, {}, {.user = 7, .idle = 7}}));
-    // Neither in the gap nor at the end is a past of 900 ticks taken for the last second's.
+    // Its first 900 ticks, in the gap or at the end, are not counted for the last second.
     const Reading joined({{.user = 10, .idle = 10}, {}, {.user = 7, .idle = 7}, {}});
     QCOMPARE(counters.update("cpu0 10 0 0 10\ncpu1 900 0 0 100\ncpu2 7 0 0 7\ncpu3 900 0 0 9\n"),
              joined);

@@ -7,8 +7,8 @@
 
 namespace corvane::test {
 
-/// Scripts the stand-in for NVIDIA's library, in the words of its source, and reads what was
-/// called. One at a time: the library finds the script through the environment.
+/// Scripts the stand-in for NVIDIA's library, in the lines that its source describes, and counts
+/// the calls. One at a time: the library finds the script through the environment.
 class StandInNvidia {
 public:
     StandInNvidia();

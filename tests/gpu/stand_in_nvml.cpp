@@ -1,7 +1,7 @@
-// Stands in for NVIDIA's management library. Its answers come from the file "script" in the
-// folder named by CORVANE_STAND_IN, a line for each function:
+// Stands in for NVIDIA's management library. What its functions return comes from the file
+// "script" in the folder that CORVANE_STAND_IN names, one line for each function:
 //
-//   function value               it succeeds and gives this
+//   function value               it succeeds with this value
 //   function fails code          it returns this code
 //   function stalls fifo         it waits until someone opens the FIFO for writing, then succeeds
 //
@@ -33,7 +33,7 @@ struct Answer {
     unsigned long long value = 0;
 };
 
-/// What the script says of a function: one or two words.
+/// The rest of the script's line for a function: one or two words.
 std::istringstream scriptOf(const std::string &function)
 {
     std::ifstream script(pathOf("script"));

@@ -60,7 +60,7 @@ void TestGPUDevices::findsThoseOfMachines_data()
         << QStringList{u"i915 0000:00:02.0 integrated"_s, u"nvidia 0000:01:00.0 discrete"_s};
     QTest::newRow("an APU") << u"amd-apu-laptop"_s
                             << QStringList{u"amdgpu 0000:c1:00.0 integrated"_s};
-    QTest::newRow("a card, and connectors beside it")
+    QTest::newRow("a discrete card with connectors")
         << u"amd-desktop"_s << QStringList{u"amdgpu 0000:0b:00.0 discrete"_s};
     QTest::newRow("no display at all") << u"arm-board-chip"_s << QStringList{};
     QTest::newRow("a driver without values") << u"apple-silicon-linux"_s << QStringList{};
@@ -81,8 +81,9 @@ void TestGPUDevices::distinguishesIntegratedFromDiscrete_data()
     QTest::addColumn<bool>("integrated");
     const QString own = QString::fromStdString(slot);
     const QString intel = u"sys/devices/pci0000:00/0000:00:02.0"_s;
-    QTest::newRow("an APU has no load of a memory") << u"amdgpu"_s << own << u""_s << true;
-    QTest::newRow("a card has one") << u"amdgpu"_s << own << u"mem_busy_percent"_s << false;
+    QTest::newRow("an APU has no load of its own memory") << u"amdgpu"_s << own << u""_s << true;
+    QTest::newRow("a card has a load of its own memory")
+        << u"amdgpu"_s << own << u"mem_busy_percent"_s << false;
     QTest::newRow("an older card has a file about its bus")
         << u"amdgpu"_s << own << u"pcie_bw"_s << false;
     QTest::newRow("Intel at its usual place") << u"xe"_s << intel << u""_s << true;

@@ -39,7 +39,6 @@ private slots:
     void readsAnXeCard();
     void readsAnI915Card();
     void readsTheTemperatureAloneOfNouveau();
-    void aCounterThatNeverMovedIsAbsent();
     void disabledRenderSleepGivesNoLoad();
     void whatGoesAwayIsAbsent();
     void takesThePresentPowerWithoutAMean();
@@ -147,14 +146,6 @@ void TestGPUFiles::readsTheTemperatureAloneOfNouveau()
     QVERIFY(!reading.busyFraction);
     QVERIFY(!reading.idleMilliseconds);
     QCOMPARE(reading.temperatures, std::vector{51.0});
-}
-
-void TestGPUFiles::aCounterThatNeverMovedIsAbsent()
-{
-    const MachineTree machine;
-    addCard(machine, "i915");
-    machine.write(card + "/power/rc6_residency_ms", "0\n");
-    QVERIFY(!readOnly(machine.root()).idleMilliseconds);
 }
 
 void TestGPUFiles::disabledRenderSleepGivesNoLoad()

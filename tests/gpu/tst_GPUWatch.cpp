@@ -3,6 +3,7 @@
 #include "gpu/StandInNvidia.h"
 #include "support/AccessWatch.h"
 #include "support/MachineTree.h"
+#include "support/Waiting.h"
 
 #include <QTest>
 
@@ -16,8 +17,6 @@ using corvane::test::StandInNvidia;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int patience = 60'000; ///< Milliseconds; for machines that are busy with other things.
 
 const std::string amdCard =
     "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
@@ -254,7 +253,7 @@ void TestGPUWatch::readsNvidiaGPUsBesideOthers()
     Bench bench("intel-hybrid-nvidia", STAND_IN_NVML);
     bench.tree.write(nvidiaCard + "/power/runtime_status", "active\n");
     QCOMPARE(bench.tick().size(), std::size_t(1)); // Asked for, not waited for.
-    QTRY_COMPARE_WITH_TIMEOUT(bench.readAgain().size(), std::size_t(2), patience);
+    TRY_COMPARE(bench.readAgain().size(), std::size_t(2));
     bench.tree.write(nvidiaCard + "/power/runtime_status", "suspended\n");
     QCOMPARE(bench.tick().size(), std::size_t(1));
 }

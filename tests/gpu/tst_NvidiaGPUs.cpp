@@ -3,6 +3,7 @@
 #include "gpu/StandInNvidia.h"
 #include "support/AccessWatch.h"
 #include "support/MachineTree.h"
+#include "support/Waiting.h"
 
 #include <QTest>
 
@@ -11,13 +12,12 @@
 using namespace corvane;
 using corvane::test::AccessWatch;
 using corvane::test::MachineTree;
+using corvane::test::patience;
 using corvane::test::StandInNvidia;
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int patience = 60'000; ///< Milliseconds; for machines that are busy with other things.
 
 const std::string card = "sys/devices/pci0000:00/0000:01:00.0";
 
@@ -88,7 +88,7 @@ void TestNvidiaGPUs::readsGPUs()
     nvidia.script("nvmlDeviceGetCount_v2 2\n");
     Bench bench;                   // As in a container that does not see the bus.
     QVERIFY(bench.tick().empty()); // Asked for, not waited for.
-    QTRY_COMPARE_WITH_TIMEOUT(nvidia.calls("nvmlDeviceGetTotalEnergyConsumption"), 2, patience);
+    TRY_COMPARE(nvidia.calls("nvmlDeviceGetTotalEnergyConsumption"), 2);
     QVERIFY(bench.waitForReading());
     const auto readings = bench.tick();
     QCOMPARE(readings.size(), std::size_t(2));
@@ -110,11 +110,10 @@ void TestNvidiaGPUs::anIdleGPUHasItsLibraryClosed()
     // A reading a tick, until three of them were idle.
     const auto closed = [&nvidia] { return nvidia.calls("nvmlShutdown") > 0; };
     for (int asked = 1; asked <= 10 && !closed(); ++asked) {
-        QTRY_VERIFY_WITH_TIMEOUT(
-            closed() || nvidia.calls("nvmlDeviceGetTotalEnergyConsumption") >= asked, patience);
+        TRY_VERIFY(closed() || nvidia.calls("nvmlDeviceGetTotalEnergyConsumption") >= asked);
         bench.tick();
     }
-    QTRY_VERIFY_WITH_TIMEOUT(closed(), patience);
+    TRY_VERIFY(closed());
     QVERIFY(nvidia.calls("nvmlDeviceGetUtilizationRates") >= 3);
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 1);
 
@@ -136,7 +135,7 @@ void TestNvidiaGPUs::aGPUThatFallsAsleepHasItsLibraryClosed()
     QVERIFY(bench.waitForReading());
     bench.tree.write(card + "/power/runtime_status", "suspending\n");
     QVERIFY(bench.tick().empty());
-    QTRY_COMPARE_WITH_TIMEOUT(nvidia.calls("nvmlShutdown"), 1, patience);
+    TRY_COMPARE(nvidia.calls("nvmlShutdown"), 1);
 }
 
 void TestNvidiaGPUs::cannotBeReadWithoutALibraryOrADevice()

@@ -1,6 +1,7 @@
 #include "gpu/NvidiaReader_linux.h"
 
 #include "gpu/StandInNvidia.h"
+#include "support/Waiting.h"
 
 #include <QTest>
 
@@ -10,8 +11,6 @@ using namespace corvane;
 using corvane::test::StandInNvidia;
 
 namespace {
-
-constexpr int patience = 60'000; ///< Milliseconds; for machines that are busy with other things.
 
 /// Stepped by hand, read on both threads.
 class SteppedClock {
@@ -35,8 +34,6 @@ private:
 };
 
 } // namespace
-
-#define WAIT_FOR(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
 
 class TestNvidiaReader : public QObject {
     Q_OBJECT
@@ -69,7 +66,7 @@ void TestNvidiaReader::deliversAReadingPerRequest()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     const auto reading = reader.newest();
     QCOMPARE(reading->seconds, 100.0);
     QCOMPARE(reading->devices.size(), std::size_t(1));
@@ -78,7 +75,7 @@ void TestNvidiaReader::deliversAReadingPerRequest()
     nvidia.script("nvmlDeviceGetUtilizationRates 80\n");
     clock.step(1);
     reader.request();
-    WAIT_FOR(reader.newest()->seconds == 101);
+    TRY_VERIFY(reader.newest()->seconds == 101);
     QCOMPARE(reader.newest()->devices[0].busyFraction, std::optional(0.8));
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 1);
 }
@@ -89,7 +86,7 @@ void TestNvidiaReader::anOldReadingIsAbsent()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     clock.step(2.5);
     QVERIFY(reader.newest());
     clock.step(0.1);
@@ -102,11 +99,11 @@ void TestNvidiaReader::aStallingLibraryDelaysNoCall()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
 
     nvidia.stall("nvmlDeviceGetPowerUsage");
     reader.request();
-    WAIT_FOR(nvidia.calls("nvmlDeviceGetPowerUsage") == 2);
+    TRY_VERIFY(nvidia.calls("nvmlDeviceGetPowerUsage") == 2);
     // The test would hang here if any of these waited for the library.
     for (int tick = 0; tick < 20; ++tick) {
         reader.request();
@@ -116,7 +113,7 @@ void TestNvidiaReader::aStallingLibraryDelaysNoCall()
     QCOMPARE(nvidia.calls("nvmlDeviceGetPowerUsage"), 2);
 
     nvidia.letGo();
-    WAIT_FOR(reader.newest()); // For the request of the last tick.
+    TRY_VERIFY(reader.newest()); // For the request of the last tick.
     QCOMPARE(reader.newest()->seconds, 120.0);
 }
 
@@ -126,13 +123,13 @@ void TestNvidiaReader::releaseClosesTheLibraryAndForgets()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     reader.release();
     QVERIFY(!reader.newest());
-    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+    TRY_VERIFY(nvidia.calls("nvmlShutdown") == 1);
 
     reader.request(); // At once: nothing failed.
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
 }
 
@@ -143,10 +140,10 @@ void TestNvidiaReader::aReadingThatReleaseOvertookIsDropped()
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     nvidia.stall("nvmlDeviceGetPowerUsage");
     reader.request();
-    WAIT_FOR(nvidia.calls("nvmlDeviceGetPowerUsage") == 1);
+    TRY_VERIFY(nvidia.calls("nvmlDeviceGetPowerUsage") == 1);
     reader.release();
     nvidia.letGo();
-    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+    TRY_VERIFY(nvidia.calls("nvmlShutdown") == 1);
     QVERIFY(!reader.newest());
 }
 
@@ -157,15 +154,15 @@ void TestNvidiaReader::triesAgainAMinuteLater()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(clock.readsOfTheThread() == 1);
+    TRY_VERIFY(clock.readsOfTheThread() == 1);
     clock.step(59);
     reader.request();
-    WAIT_FOR(clock.readsOfTheThread() == 2);
+    TRY_VERIFY(clock.readsOfTheThread() == 2);
 
     nvidia.script({});
     clock.step(1);
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 2); // At 0 and at 60 seconds, not at 59.
 }
 
@@ -175,17 +172,17 @@ void TestNvidiaReader::opensAgainAfterTheGPUWasLost()
     SteppedClock clock;
     NvidiaReader reader(STAND_IN_NVML, clock.function());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
 
     nvidia.script("nvmlDeviceGetPowerUsage fails 15\n");
     reader.request();
-    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1);
+    TRY_VERIFY(nvidia.calls("nvmlShutdown") == 1);
 
     nvidia.script({});
     clock.step(61);
     QVERIFY(!reader.newest());
     reader.request();
-    WAIT_FOR(reader.newest());
+    TRY_VERIFY(reader.newest());
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
 }
 
@@ -197,10 +194,10 @@ void TestNvidiaReader::endsWhileTheLibraryStalls()
     {
         NvidiaReader reader(STAND_IN_NVML, [clock, now = clock->function()] { return now(); });
         reader.request();
-        WAIT_FOR(nvidia.calls("nvmlInit_v2") == 1);
+        TRY_VERIFY(nvidia.calls("nvmlInit_v2") == 1);
     } // The test would hang here if the destructor waited for the library.
     nvidia.letGo();
-    WAIT_FOR(nvidia.calls("nvmlShutdown") == 1); // The thread ends by itself and cleans up.
+    TRY_VERIFY(nvidia.calls("nvmlShutdown") == 1); // The thread ends by itself and cleans up.
 }
 
 QTEST_GUILESS_MAIN(TestNvidiaReader)

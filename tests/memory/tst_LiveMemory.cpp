@@ -175,7 +175,7 @@ void judge(const Experiment &experiment)
             return;
     }
     QVERIFY2(experiment.agrees(changes->rise), "while it was held");
-    QVERIFY2(experiment.agrees(changes->fall), "when it was let go");
+    QVERIFY2(experiment.agrees(changes->fall), "when it was released");
 }
 
 /// A child process that holds touched memory until `end`.

@@ -101,12 +101,9 @@ void TestAIProcessDetector::classifies_data()
     };
     using enum AIFramework;
 
-    row("ollama run", u"ollama"_s, u"ollama run llama3"_s, match(ollama, u"llama3"_s));
-    row("ollama serve", u"ollama"_s, u"ollama serve"_s, match(ollama));
     row("ollama run without a model", u"ollama"_s, u"ollama run"_s, match(ollama));
     row("ollama anywhere in the name, in any case", u"My-OLLAMA_server"_s, u""_s, match(ollama));
     row("a name with ollama goes before one with kobold", u"kobold-ollama"_s, u""_s, match(ollama));
-    row("kobold", u"KoboldCpp"_s, u"k --model /m/x.gguf"_s, match(koboldCpp, u"x.gguf"_s));
     row("kobold goes before whisper", u"kobold-whisper"_s, u""_s, match(koboldCpp));
     row("llama- goes before whisper", u"llama-whisper"_s, u""_s, match(llamaCpp));
     row("whisper goes before LM Studio", u"lms-whisper"_s, u""_s, match(whisperCpp));
@@ -114,9 +111,6 @@ void TestAIProcessDetector::classifies_data()
         match(whisperCpp));
     row("LM Studio goes before the interpreters", u"python-lms-server"_s, u"x -m mlx"_s,
         match(lmStudio));
-    row("llama-server with a model file", u"llama-server"_s,
-        u"llama-server -m /models/qwen2.5-7b.Q4_K_M.gguf"_s,
-        match(llamaCpp, u"qwen2.5-7b.Q4_K_M.gguf"_s));
     row("-m with a bare word is no model", u"llama-server"_s, u"llama-server -m llama3"_s,
         match(llamaCpp));
     row("llama.cpp", u"LLAMA.cpp"_s, u""_s, match(llamaCpp));
@@ -124,14 +118,9 @@ void TestAIProcessDetector::classifies_data()
     row("llama alone is not enough", u"llama"_s, u"-m /m/x.gguf"_s, {});
     row("main with a model file", u"main"_s, u"./main -m x.GGUF"_s, match(llamaCpp, u"x.GGUF"_s));
     row("main without one", u"main"_s, u"./main --model /m/x.safetensors"_s, {});
-    row("whisper", u"whisper-cli"_s, u"whisper-cli -m models/ggml-base.en.bin"_s,
-        match(whisperCpp, u"ggml-base.en.bin"_s));
     row("LM Studio has no model", u"LM Studio"_s, u"LM Studio --model x"_s, match(lmStudio));
-    row("LM Studio within the name", u"LM Studio Helper (GPU)"_s, u""_s, match(lmStudio));
-    row("lms", u"lms"_s, u"lms server start"_s, match(lmStudio));
     row("lms- within the name", u"my-lms-server"_s, u""_s, match(lmStudio));
     row("lms within a word", u"films"_s, u""_s, {});
-    row("another program", u"firefox"_s, u"firefox --model x.gguf"_s, {});
 
     for (const char *name :
          {"mlx", "vllm", "comfy", "forge", "stable-diffusion", "automatic1111", "sd-webui"}) {
@@ -141,29 +130,17 @@ void TestAIProcessDetector::classifies_data()
     }
 
     row("an interpreter without arguments", u"python3"_s, u""_s, {});
-    row("python of any version", u"Python3.12"_s, u"python3.12 -m mlx_lm.server"_s, match(mlx));
     row("torch is an interpreter", u"torch"_s, u"torch -m mlx"_s, match(mlx));
     row("torch only as the whole name", u"torchrun"_s, u"torchrun -m mlx"_s, {});
     row("huggingface within the name", u"my-huggingface-tool"_s, u"x -m mlx"_s, match(mlx));
     row("python not at the start", u"ipython3"_s, u"ipython3 -m mlx"_s, {});
-    row("mlx_lm with a repository", u"python3"_s,
-        u"python3 -m mlx_lm.server --model mlx-community/Llama-3-8B-4bit"_s,
-        match(mlx, u"mlx-community/Llama-3-8B-4bit"_s));
-    row("mlx_vlm", u"python3"_s, u"python3 -m MLX_VLM.server"_s, match(mlx));
-    row("mlx-examples", u"python3"_s, u"python3 /src/mlx-examples/lora.py"_s, match(mlx));
     row("/mlx/", u"python3"_s, u"python3 /src/mlx/run.py"_s, match(mlx));
     row("module mlx", u"python3"_s, u"python3 --module mlx"_s, match(mlx));
     row("mlx as a plain argument", u"python3"_s, u"python3 mlx"_s, {});
     row("module mlx in another case", u"python3"_s, u"python3 -m MLX"_s, {});
     row("mlx goes before vllm", u"python3"_s, u"python3 -m vllm /src/mlx/run.py"_s, match(mlx));
-    row("vllm", u"python3"_s,
-        u"python3 -m vllm.entrypoints.openai.api_server --model Qwen/Qwen2-7B"_s,
-        match(vllm, u"Qwen/Qwen2-7B"_s));
     row("module vllm", u"python3"_s, u"python3 -m vllm"_s, match(vllm));
     row("vllm goes before ComfyUI", u"python3"_s, u"python3 ComfyUI/main.py vllm"_s, match(vllm));
-    row("ComfyUI", u"python3"_s, u"python3 ComfyUI/main.py --listen"_s, match(comfyUI));
-    row("ComfyUI in a path", u"python3"_s, u"python3 /srv/comfyui/run.py a/flux.safetensors"_s,
-        match(comfyUI, u"flux.safetensors"_s));
     row("ComfyUI goes before the web interfaces", u"python3"_s,
         u"python3 /srv/stable-diffusion/ComfyUI/main.py"_s, match(comfyUI));
     row("ComfyUI takes no model from flags", u"python3"_s, u"python3 ComfyUI/main.py --model x"_s,
@@ -171,30 +148,19 @@ void TestAIProcessDetector::classifies_data()
     row("webui.py with the first model file", u"python3"_s,
         u"python3 webui.py --vae v.pt --ckpt models/v1-5.safetensors --lora b.ckpt"_s,
         match(sdWebUI, u"v1-5.safetensors"_s));
-    row("automatic1111", u"python3"_s, u"python3 /srv/AUTOMATIC1111/launch.py"_s, match(sdWebUI));
     row("forge", u"python3"_s, u"python3 /srv/Forge/launch.py"_s, match(sdWebUI));
     row("sd-webui", u"python3"_s, u"python3 /srv/sd-webui/launch.py"_s, match(sdWebUI));
-    row("stable-diffusion", u"python3"_s, u"python3 /srv/stable-diffusion/run.py"_s,
-        match(sdWebUI));
     row("a web interface goes before transformers", u"python3"_s,
         u"python3 webui.py --cache /srv/transformers"_s, match(sdWebUI));
     row("a web interface takes no model from flags", u"python3"_s,
         u"python3 webui.py --model /m/x.pt"_s, match(sdWebUI));
-    row("transformers", u"python3"_s, u"python3 -m transformers.serve --model-id google/gemma-2b"_s,
-        match(transformers, u"google/gemma-2b"_s));
     row("transformers goes before a model file", u"python3"_s,
         u"python3 -m transformers.serve /m/x.gguf"_s, match(transformers, u"x.gguf"_s));
-    row("huggingface in an argument", u"python3"_s, u"python3 /home/me/.cache/HuggingFace/run.py"_s,
-        match(transformers));
     row("a model file alone", u"python3"_s, u"python3 chat.py /m/x.Q4.gguf"_s,
         match(generic, u"x.Q4.gguf"_s));
     row("a safetensors file", u"python3"_s, u"python3 a.py x.safetensors"_s,
         match(generic, u"x.safetensors"_s));
-    row("a .ckpt file", u"python3"_s, u"python3 a.py x.ckpt"_s, match(generic, u"x.ckpt"_s));
-    row("a .pth file", u"python3"_s, u"python3 a.py x.pth"_s, match(generic, u"x.pth"_s));
     row("a .bin file alone does not match", u"python3"_s, u"python3 a.py x.bin"_s, {});
-    row("a .pt file before another argument", u"python3"_s, u"train.py weights.pt --epochs 3"_s,
-        match(generic));
     row("a .pt file as the last argument", u"python3"_s, u"train.py weights.pt"_s, {});
     row("a model in a flag goes before the file", u"python3"_s,
         u"python3 a.py x.ckpt --model owner/name"_s, match(generic, u"owner/name"_s));

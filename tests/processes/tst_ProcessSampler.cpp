@@ -20,7 +20,7 @@ class TestProcessSampler : public QObject {
 private slots:
     void makesRows_data();
     void makesRows();
-    void listsAtMostSoMany();
+    void listsAtMostTheRequestedNumber();
     void stopsAtANumberBeyond32Bits_data();
     void stopsAtANumberBeyond32Bits();
 };
@@ -59,7 +59,7 @@ void TestProcessSampler::makesRows()
     QCOMPARE(asked, 20);
 }
 
-void TestProcessSampler::listsAtMostSoMany()
+void TestProcessSampler::listsAtMostTheRequestedNumber()
 {
     QCOMPARE(ProcessSampler::topByRAM(0), Rows());
     QCOMPARE(ProcessSampler::topByRAM(-5), Rows());

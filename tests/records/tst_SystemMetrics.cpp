@@ -63,7 +63,7 @@ void TestSystemMetrics::usedPercentOf_data()
     QTest::newRow("all") << quint64(16) << quint64(16) << 100.0;
     QTest::newRow("nothing") << quint64(0) << quint64(16) << 0.0;
     QTest::newRow("a total of 0 is not divided by") << quint64(0) << quint64(0) << 0.0;
-    QTest::newRow("use without a total is none") << quint64(5) << quint64(0) << 0.0;
+    QTest::newRow("use without a total is 0 %") << quint64(5) << quint64(0) << 0.0;
     QTest::newRow("counts beyond 2^53") << (quint64(1) << 62) << (quint64(1) << 63) << 50.0;
 }
 

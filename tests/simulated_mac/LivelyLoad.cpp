@@ -12,7 +12,7 @@ namespace {
 
 constexpr double ticksPerSecond = 24'000'000;
 
-/// A smooth unrest around zero, within ±1; `voice` tells one from another.
+/// A smooth movement around zero, within ±1; each `voice` moves differently.
 double unrest(double seconds, int voice)
 {
     const double phase = voice * 1.7;

@@ -8,9 +8,9 @@ std::vector<std::uint8_t> argumentBlock(const std::string &path,
                                         const std::vector<std::string> &arguments,
                                         std::optional<std::int32_t> count)
 {
-    const std::int32_t told = count.value_or(static_cast<std::int32_t>(arguments.size()));
-    std::vector<std::uint8_t> block(sizeof told);
-    std::memcpy(block.data(), &told, sizeof told);
+    const std::int32_t written = count.value_or(static_cast<std::int32_t>(arguments.size()));
+    std::vector<std::uint8_t> block(sizeof written);
+    std::memcpy(block.data(), &written, sizeof written);
     const auto append = [&block](const std::string &text) {
         block.insert(block.end(), text.c_str(), text.c_str() + text.size() + 1);
     };

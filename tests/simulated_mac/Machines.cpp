@@ -20,7 +20,7 @@ Channel energy(const Text &name, std::int64_t perSecond, const Text &unit = "mJ"
     return {.group = "Energy Model", .name = name, .unit = unit, .perSecond = perSecond};
 }
 
-/// A state channel whose states are `names`, resident as `gains` tells.
+/// A state channel whose states are `names`, with the residencies of `gains`.
 Channel stateChannel(const Text &group, const Text &subgroup, const Text &name,
                      const std::vector<Text> &names, const States &gains)
 {

@@ -37,7 +37,7 @@ public:
     static Object &from(CFTypeRef reference);
 
 private:
-    std::uint64_t m_mark; ///< Tells a live object from freed memory.
+    std::uint64_t m_mark; ///< Distinguishes a live object from freed memory.
     CFTypeID m_type;
     Lifetime m_lifetime;
     std::atomic<int> m_references = 1;

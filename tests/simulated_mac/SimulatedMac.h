@@ -27,7 +27,7 @@ public:
     /// Starts this machine at clock 0 with cleared faults; libraries that were opened are closed.
     void boot(Machine machine);
 
-    /// Lets time pass: counters and ticks gain what the machine says they gain in a second.
+    /// Advances the clock: counters and ticks grow by the machine's rates.
     void advance(double seconds);
 
     /// The machine as it is now; changing it changes what follows. Channels may not be added.

@@ -94,7 +94,7 @@ int sysctl(int *name, u_int nameLength, void *oldValue, std::size_t *oldLength, 
         if (process.pid != name[2] || !process.inspectable || fault == Way::error)
             continue;
         Bytes block = process.arguments;
-        constexpr std::size_t slack = 4; // The size alone is told somewhat larger.
+        constexpr std::size_t slack = 4; // A request for the size alone returns somewhat more.
         if (!oldValue)
             block.resize(block.size() + slack);
         return answer(std::move(block), oldValue, oldLength, fault, true);

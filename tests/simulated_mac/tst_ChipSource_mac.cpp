@@ -17,7 +17,7 @@ private slots:
     void readsEveryMachine();
     void isEmptyWithoutALibrary();
     void staysWhenTheLibraryStopsAnswering();
-    void givesEverythingBack();
+    void releasesEverything();
 };
 
 void TestChipSourceOnMac::readsEveryMachine_data()
@@ -85,7 +85,7 @@ void TestChipSourceOnMac::staysWhenTheLibraryStopsAnswering()
     QVERIFY(!blind());
 }
 
-void TestChipSourceOnMac::givesEverythingBack()
+void TestChipSourceOnMac::releasesEverything()
 {
     mac().boot(ultraM2());
     openChipSource()(); // The right to the host port that is kept for the life of the process.

@@ -39,8 +39,8 @@ private slots:
     void survivesOneFailingCall();
     void coversATickThatFailed_data();
     void coversATickThatFailed();
-    void givesEverythingBackAfterRandomFailures_data();
-    void givesEverythingBackAfterRandomFailures();
+    void releasesEverythingAfterRandomFailures_data();
+    void releasesEverythingAfterRandomFailures();
 
 private:
     static ChipSource openChip();
@@ -149,7 +149,7 @@ void TestFailingMac::coversATickThatFailed()
     QCOMPARE(chip()->cpuWatts, 2 * 18.2);
 }
 
-void TestFailingMac::givesEverythingBackAfterRandomFailures_data()
+void TestFailingMac::releasesEverythingAfterRandomFailures_data()
 {
     QTest::addColumn<std::uint32_t>("seed");
     QTest::addColumn<double>("probability");
@@ -158,7 +158,7 @@ void TestFailingMac::givesEverythingBackAfterRandomFailures_data()
     QTest::newRow("mostly") << 3U << 0.6;
 }
 
-void TestFailingMac::givesEverythingBackAfterRandomFailures()
+void TestFailingMac::releasesEverythingAfterRandomFailures()
 {
     QFETCH(std::uint32_t, seed);
     QFETCH(double, probability);

@@ -107,16 +107,16 @@ private slots:
     void needsEveryFunction();
     void asksForGroups_data();
     void asksForGroups();
-    void givesEverythingBack();
-    void givesBackWhatAFailedConstructionMade_data();
-    void givesBackWhatAFailedConstructionMade();
+    void releasesEverything();
+    void releasesWhatAFailedConstructionMade_data();
+    void releasesWhatAFailedConstructionMade();
     void goesOnWithoutAGroup();
     void takesSamples();
     void hasNoDeltaWithoutBothSides();
     void showsChannels();
     void readsTextsOfAnyStorage();
-    void takesDiesOffNames_data();
-    void takesDiesOffNames();
+    void removesDiePrefixes_data();
+    void removesDiePrefixes();
     void showsAbsence_data();
     void showsAbsence();
     void keepsNoStatesOfAnAbsurdCount();
@@ -222,7 +222,7 @@ void TestIOReportBridge::asksForGroups()
     QCOMPARE(accounts().objects, before.objects + 1);
 }
 
-void TestIOReportBridge::givesEverythingBack()
+void TestIOReportBridge::releasesEverything()
 {
     const Accounts before = accounts();
     {
@@ -238,13 +238,13 @@ void TestIOReportBridge::givesEverythingBack()
         }
         QVERIFY(accounts() == held);
     }
-    // The subscription stays for the life of the process, as the design has it.
+    // The subscription stays for the life of the process.
     QCOMPARE(accounts().objects, before.objects + 1);
     QCOMPARE(accounts().references, before.references + 1);
     QCOMPARE(accounts().subscriptions, before.subscriptions + 1);
 }
 
-void TestIOReportBridge::givesBackWhatAFailedConstructionMade_data()
+void TestIOReportBridge::releasesWhatAFailedConstructionMade_data()
 {
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("way");
@@ -259,7 +259,7 @@ void TestIOReportBridge::givesBackWhatAFailedConstructionMade_data()
     row("no symbol is found", Call::dlsym, Way::null);
 }
 
-void TestIOReportBridge::givesBackWhatAFailedConstructionMade()
+void TestIOReportBridge::releasesWhatAFailedConstructionMade()
 {
     QFETCH(int, call);
     QFETCH(int, way);
@@ -378,7 +378,7 @@ void TestIOReportBridge::readsTextsOfAnyStorage()
     QVERIFY(oneSecondOf(channels) == expected);
 }
 
-void TestIOReportBridge::takesDiesOffNames_data()
+void TestIOReportBridge::removesDiePrefixes_data()
 {
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QStringList>("expected");
@@ -397,7 +397,7 @@ void TestIOReportBridge::takesDiesOffNames_data()
         {u"ANE0_0"_s, u"DIE_0_"_s, u""_s});
 }
 
-void TestIOReportBridge::takesDiesOffNames()
+void TestIOReportBridge::removesDiePrefixes()
 {
     QFETCH(QStringList, names);
     std::vector<Channel> channels;

@@ -22,7 +22,7 @@ private slots:
     void hasNoSensorsWhenAskingFails_data();
     void hasNoSensorsWhenAskingFails();
     void skipsWhatHasNoFootprintWhatDoesNotAnswer();
-    void givesEverythingBack();
+    void releasesEverything();
 };
 
 void TestThermalBridge::readsSensors_data()
@@ -125,7 +125,7 @@ void TestThermalBridge::leavesOutWhatDoesNotAnswer()
     QCOMPARE(ThermalBridge().readAllTemperatures().size(), 2U);
 }
 
-void TestThermalBridge::givesEverythingBack()
+void TestThermalBridge::releasesEverything()
 {
     const Accounts before = accounts();
     {

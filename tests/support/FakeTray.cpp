@@ -1,4 +1,5 @@
 #include "support/FakeTray.h"
+#include "support/Waiting.h"
 
 #include <QDBusPendingCall>
 #include <QDBusVariant>
@@ -14,8 +15,6 @@ namespace corvane::test {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int patience = 60'000; ///< Milliseconds; enough for a machine under load.
 
 QDBusMessage propertyCall(const QString &item, const QString &name)
 {

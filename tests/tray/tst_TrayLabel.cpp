@@ -3,6 +3,7 @@
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
+#include "support/Waiting.h"
 #include "tray/DBusMenuTypes_linux.h"
 #include "tray/StatusNotifierTypes_linux.h"
 
@@ -21,14 +22,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int patience = 60'000; ///< Milliseconds; enough for a machine under load.
-
-/// As short as the steps can be told apart. An item that the tray does not read is waited for as
+/// As short as possible with distinct steps. An item that the tray does not read is waited for as
 /// long as in the program.
 constexpr TrayWaits shortWaits{.tray = 50ms, .quiet = 10ms, .check = 50ms};
 
-/// Long enough for whatever would follow after one of these times.
-constexpr int aWhile = 400; ///< Milliseconds.
+/// Long enough for what would follow one of these waits.
+constexpr int settleTime = 400; ///< Milliseconds.
 
 SystemMetrics sample(int memoryPercent, int gpuPercent = 41, double watts = 12)
 {
@@ -61,9 +60,6 @@ private:
 };
 
 const QStringList squareIds{u"corvane-memory"_s, u"corvane-gpu"_s, u"corvane-power"_s};
-
-#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
 
 } // namespace
 
@@ -389,7 +385,7 @@ void TestTrayLabel::changingValuesSendWhatTheyNeed()
     const auto pictures = members.count("NewIcon"_L1);
     const auto toolTips = members.count("NewToolTip"_L1);
     QCOMPARE(pictures, 60 + 30); // Memory each second, the GPU every other, power never.
-    QCOMPARE(toolTips, 3 * 60);  // Each item tells all values.
+    QCOMPARE(toolTips, 3 * 60);  // Each item's tool tip shows all values.
     QCOMPARE(members.size(), pictures + toolTips);
 }
 
@@ -532,7 +528,7 @@ void TestTrayLabel::aTrayWithAllItemsGetsNoFurtherCalls()
     m_tray->setSeparator(separator);
     waitForTheCheck();
     BusMonitor monitor(m_bus->address());
-    QTest::qWait(aWhile);
+    QTest::qWait(settleTime);
     QCOMPARE(monitor.membersSince(squareIds), QStringList());
     QCOMPARE(m_tray->registrations(), 3);
 }
@@ -566,7 +562,7 @@ void TestTrayLabel::aTrayThatKeepsLosingItemsGetsThemThreeTimes()
     m_tray = std::make_unique<FakeTray>(m_bus->address(), "gnome-shell");
     m_tray->loseRegistrations(1, 100);
     TRY_COMPARE(m_tray->listings(), 3);
-    QTest::qWait(aWhile);
+    QTest::qWait(settleTime);
     QCOMPARE(m_tray->registrations(), 3);
 }
 
@@ -614,7 +610,7 @@ void TestTrayLabel::reportsAMissingTrayOnce()
     QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
     TRY_COMPARE(missing.count(), 1);
     m_bus->kill();
-    QVERIFY(!missing.wait(aWhile));
+    QVERIFY(!missing.wait(settleTime));
 }
 
 void TestTrayLabel::reportsNoMissingTrayWhereThereIsOne()

@@ -41,14 +41,14 @@ void TestByteFormatter::formats_data()
         << quint64(1023.97 * double(mib)) << u"1,024 MB"_s;
     QTest::newRow("the last byte below one GiB") << gib - 1 << u"1,024 MB"_s;
     QTest::newRow("one GiB") << gib << u"1 GB"_s;
-    QTest::newRow("one byte more") << gib + 1 << u"1 GB"_s;
+    QTest::newRow("one byte more than one GiB") << gib + 1 << u"1 GB"_s;
     QTest::newRow("one fraction digit of two") << gib * 3 / 2 << u"1.5 GB"_s;
     QTest::newRow("two fraction digits") << quint64(12.349 * double(gib)) << u"12.35 GB"_s;
     QTest::newRow("a zero inside the fraction") << gib + gib / 20 << u"1.05 GB"_s;
     QTest::newRow("a tie down to even, MB") << 256 * kib << u"0.2 MB"_s;
-    QTest::newRow("one byte above that tie") << 256 * kib + 1 << u"0.3 MB"_s;
+    QTest::newRow("one byte above a tie down to even") << 256 * kib + 1 << u"0.3 MB"_s;
     QTest::newRow("a tie up to even, MB") << 768 * kib << u"0.8 MB"_s;
-    QTest::newRow("one byte below that tie") << 768 * kib - 1 << u"0.7 MB"_s;
+    QTest::newRow("one byte below a tie up to even") << 768 * kib - 1 << u"0.7 MB"_s;
     QTest::newRow("a tie after an odd number of MB") << mib + 256 * kib << u"1.2 MB"_s;
     QTest::newRow("a tie at 1.125 GiB") << gib / 8 * 9 << u"1.12 GB"_s;
     QTest::newRow("a tie at 1.375 GiB") << gib / 8 * 11 << u"1.38 GB"_s;
@@ -59,7 +59,7 @@ void TestByteFormatter::formats_data()
     QTest::newRow("no larger unit") << 2048 * gib << u"2,048 GB"_s;
     QTest::newRow("the largest signed count")
         << quint64(std::numeric_limits<qint64>::max()) << u"8,589,934,592 GB"_s;
-    QTest::newRow("larger counts show as that")
+    QTest::newRow("counts beyond the largest signed one show as that one")
         << std::numeric_limits<quint64>::max() << u"8,589,934,592 GB"_s;
 }
 

@@ -1,6 +1,6 @@
 #include "support/Rendering.h"
-#include "ui/InfoButton.h"
 #include "ui/InfoPopover.h"
+#include "ui/InfoWindow.h"
 #include "ui/Theme.h"
 
 #include <QAccessible>
@@ -11,32 +11,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// A window of the dashboard's smallest size with two info buttons.
-struct Window {
-    Window()
-    {
-        widget.resize(920, 760);
-        first.move(400, 30);
-        second.move(870, 300);
-        widget.show();
-    }
-
-    void press(const QPoint &place)
-    {
-        QWidget *target = widget.childAt(place);
-        QTest::mouseClick(target ? target : &widget, Qt::LeftButton, {},
-                          target ? target->mapFrom(&widget, place) : place);
-    }
-
-    QWidget widget;
-    InfoButton first{{u"First"_s, u"**Bold** text"_s}, &widget};
-    InfoButton second{{u"Second"_s, u"a\n\nb"_s}, &widget};
-};
-
-} // namespace
 
 class TestInfoButton : public QObject {
     Q_OBJECT
@@ -57,7 +31,7 @@ private slots:
 
 void TestInfoButton::togglesByAClickAnywhereInItsSquare()
 {
-    Window window;
+    InfoWindow window;
     QVERIFY(!window.first.isShowing());
     for (const QPoint &corner : {QPoint(0, 0), QPoint(19, 0), QPoint(0, 19), QPoint(19, 19)}) {
         QTest::mouseClick(&window.first, Qt::LeftButton, {}, corner);
@@ -79,7 +53,7 @@ void TestInfoButton::togglesByKeys_data()
 void TestInfoButton::togglesByKeys()
 {
     QFETCH(Qt::Key, key);
-    Window window;
+    InfoWindow window;
     QTest::keyClick(&window.first, key);
     QVERIFY(window.first.isShowing());
     QTest::keyClick(&window.first, key);
@@ -88,7 +62,7 @@ void TestInfoButton::togglesByKeys()
 
 void TestInfoButton::closesOnAPressElsewhere()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     window.press({30, 700});
     QVERIFY(!window.first.isShowing());
@@ -100,7 +74,7 @@ void TestInfoButton::closesOnAPressElsewhere()
 
 void TestInfoButton::closesWithTheWindowsActivation()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     QEvent left(QEvent::WindowDeactivate);
     QApplication::sendEvent(&window.widget, &left);
@@ -109,7 +83,7 @@ void TestInfoButton::closesWithTheWindowsActivation()
 
 void TestInfoButton::closesWithTheButton()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     window.first.hide();
     QVERIFY(!window.first.isShowing());
@@ -117,7 +91,7 @@ void TestInfoButton::closesWithTheButton()
 
 void TestInfoButton::leavesOtherPopoversAlone()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     window.second.click();
     QVERIFY(window.first.isShowing() && window.second.isShowing());
@@ -139,7 +113,7 @@ void TestInfoButton::survivesItsWindow()
 
 void TestInfoButton::changesUnderThePointer()
 {
-    Window window;
+    InfoWindow window;
     window.widget.setStyleSheet(u"background: black"_s);
     const QRect place = window.first.geometry();
     const QImage alone = onScreen(window.widget).copy(place);
@@ -153,7 +127,7 @@ void TestInfoButton::changesUnderThePointer()
 
 void TestInfoButton::showsItsFocus()
 {
-    Window window;
+    InfoWindow window;
     window.first.setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&window.widget));
     const auto edge = [](InfoButton &button) { return pixelAt(rendered(button, 1), 10, 1); };
@@ -163,7 +137,7 @@ void TestInfoButton::showsItsFocus()
 
 void TestInfoButton::isAccessible()
 {
-    Window window;
+    InfoWindow window;
     QAccessibleInterface *button = QAccessible::queryAccessibleInterface(&window.first);
     QCOMPARE(button->role(), QAccessible::Button);
     QCOMPARE(button->text(QAccessible::Name), u"First"_s);

@@ -1,7 +1,6 @@
-#include "cards/InfoTexts.h"
 #include "support/Rendering.h"
-#include "ui/InfoButton.h"
 #include "ui/InfoPopover.h"
+#include "ui/InfoWindow.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -9,32 +8,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// A window of the dashboard's smallest size with two info buttons.
-struct Window {
-    Window()
-    {
-        widget.resize(920, 760);
-        first.move(400, 30);
-        second.move(870, 300);
-        widget.show();
-    }
-
-    void press(const QPoint &place)
-    {
-        QWidget *target = widget.childAt(place);
-        QTest::mouseClick(target ? target : &widget, Qt::LeftButton, {},
-                          target ? target->mapFrom(&widget, place) : place);
-    }
-
-    QWidget widget;
-    InfoButton first{{u"First"_s, u"**Bold** text"_s}, &widget};
-    InfoButton second{{u"Second"_s, u"a\n\nb"_s}, &widget};
-};
-
-} // namespace
 
 class TestInfoPopover : public QObject {
     Q_OBJECT
@@ -45,7 +18,6 @@ private slots:
     void staysOpenOnAPressInside();
     void closesOnEscape();
     void isAsHighAsItsText();
-    void everyTextFitsTheSmallestWindow();
     void showsMarkdownWithoutMarks();
     void paintsBodyAndArrow_data();
     void paintsBodyAndArrow();
@@ -81,7 +53,7 @@ void TestInfoPopover::isPlacedAtItsAnchor()
 
 void TestInfoPopover::staysOpenOnAPressInside()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     window.press(window.first.popover()->geometry().center());
     QVERIFY(window.first.isShowing());
@@ -92,7 +64,7 @@ void TestInfoPopover::staysOpenOnAPressInside()
 
 void TestInfoPopover::closesOnEscape()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     QTest::keyClick(&window.widget, Qt::Key_Escape);
     QVERIFY(!window.first.isShowing());
@@ -100,35 +72,16 @@ void TestInfoPopover::closesOnEscape()
 
 void TestInfoPopover::isAsHighAsItsText()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     window.second.click();
     QCOMPARE(window.first.popover()->bodySize(), QSize(340, 14 + 17 + 8 + 16 + 14));
     QCOMPARE(window.second.popover()->bodySize(), QSize(340, 14 + 17 + 8 + 3 * 16 + 14));
 }
 
-void TestInfoPopover::everyTextFitsTheSmallestWindow()
-{
-    Window window;
-    for (const InfoTopic topic : allInfoTopics) {
-        for (const HostSystem system : {HostSystem::mac, HostSystem::linuxDesktop}) {
-            const InfoText info = infoText(topic, system);
-            // Each at the height of its card's row in the smallest window.
-            const bool top = topic == InfoTopic::memory || topic == InfoTopic::power;
-            const bool bottom = topic == InfoTopic::workloads || topic == InfoTopic::processes;
-            InfoButton button(info, &window.widget);
-            button.move(870, 15 + (top ? 64 : bottom ? 504 : 314));
-            button.show();
-            button.click();
-            QVERIFY2(window.widget.rect().contains(button.popover()->geometry()),
-                     qPrintable(info.title));
-        }
-    }
-}
-
 void TestInfoPopover::showsMarkdownWithoutMarks()
 {
-    Window window;
+    InfoWindow window;
     window.first.click();
     const std::vector<AccessibleText> texts = window.first.popover()->accessibleTexts();
     QCOMPARE(texts.size(), std::size_t(2));
@@ -146,7 +99,7 @@ void TestInfoPopover::paintsBodyAndArrow_data()
 void TestInfoPopover::paintsBodyAndArrow()
 {
     QFETCH(double, scale);
-    Window window;
+    InfoWindow window;
     window.first.click();
     InfoPopover &popover = *window.first.popover();
     const QImage image = rendered(popover, scale);
@@ -162,7 +115,7 @@ void TestInfoPopover::paintsBodyAndArrow()
 /// The shadow is darker below the body than above it.
 void TestInfoPopover::castsAShadow()
 {
-    Window window;
+    InfoWindow window;
     const QColor ground = pixelAt(onScreen(window.widget), 410, 300);
     window.first.click();
     const QRect popover = window.first.popover()->geometry();
@@ -179,7 +132,7 @@ void TestInfoPopover::castsAShadow()
 void TestInfoPopover::codeStaysOnItsBackground()
 {
     QFETCH(double, scale);
-    Window window;
+    InfoWindow window;
     InfoButton button({u"Code"_s, u'`' + QString(40, u'H') + u'`'}, &window.widget);
     button.show();
     button.click();

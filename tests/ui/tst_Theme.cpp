@@ -38,7 +38,6 @@ void TestTheme::hasThePalette_data()
     QTest::newRow("the Neural Engine is violet") << Theme::ane << QList<int>{72, 42, 100, 100};
     QTest::newRow("power is yellow") << Theme::power << QList<int>{100, 85, 30, 100};
     QTest::newRow("memory is green") << Theme::memory << QList<int>{20, 80, 55, 100};
-    QTest::newRow("a card's hairline") << Theme::cardStroke << QList<int>{100, 100, 100, 6};
 }
 
 void TestTheme::hasThePalette()
