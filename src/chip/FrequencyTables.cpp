@@ -46,4 +46,31 @@ std::vector<double> IORegistryReader::parseScaledFrequencies(std::span<const std
     return isInKHz ? parseRecords(table, 1000) : frequencies;
 }
 
+std::vector<std::uint32_t> IORegistryReader::parseClusterTables(std::span<const std::byte> clusters)
+{
+    constexpr std::uint32_t highestNumber = 255;
+    if (clusters.size() % recordBytes != 0)
+        return {};
+    std::vector<std::uint32_t> numbers;
+    for (; !clusters.empty(); clusters = clusters.subspan(recordBytes)) {
+        numbers.push_back(littleEndianWord(clusters));
+        if (numbers.back() > highestNumber)
+            return {};
+    }
+    return numbers;
+}
+
+std::vector<double> IORegistryReader::slowerTable(const std::vector<std::vector<double>> &tables,
+                                                  const std::vector<double> &faster)
+{
+    std::vector<double> slower;
+    for (const std::vector<double> &table : tables) {
+        if (table.empty())
+            return {};
+        if (table != faster && (slower.empty() || table.back() < slower.back()))
+            slower = table;
+    }
+    return slower;
+}
+
 } // namespace corvane

@@ -13,6 +13,7 @@
 
 #include <limits>
 #include <set>
+#include <vector>
 
 namespace corvane {
 
@@ -112,6 +113,27 @@ Channels copyMergedChannels(const ReportingLibrary &library,
     return merged;
 }
 
+/// Null when the system refuses these channels. It refuses a set of channels as a whole.
+CFTypeRef createSubscription(const ReportingLibrary &library, const Channels &channels)
+{
+    CFMutableDictionaryRef subscribed = nullptr;
+    const CFTypeRef subscription = channels
+        ? library.createSubscription(nullptr, channels.get(), &subscribed, 0, nullptr)
+        : nullptr;
+    const Channels notNeeded(subscribed);
+    return subscription;
+}
+
+/// The requests whose channels the system accepts by themselves.
+std::vector<ChannelGroupRequest> acceptedRequests(const ReportingLibrary &library,
+                                                  std::vector<ChannelGroupRequest> requests)
+{
+    std::erase_if(requests, [&library](const ChannelGroupRequest &request) {
+        return !CFOwned<CFTypeRef>(createSubscription(library, copyChannels(library, request)));
+    });
+    return requests;
+}
+
 template <typename Visit>
 void forEachChannel(const ReportingLibrary &library, CFDictionaryRef samples, const Visit &visit)
 {
@@ -198,10 +220,11 @@ std::unique_ptr<IOReportBridge> IOReportBridge::withChannelGroups(
     Channels channels = copyMergedChannels(*library, requests);
     if (!channels)
         return nullptr;
-    CFMutableDictionaryRef subscribed = nullptr;
-    const CFTypeRef reference =
-        library->createSubscription(nullptr, channels.get(), &subscribed, 0, nullptr);
-    const Channels notNeeded(subscribed);
+    CFTypeRef reference = createSubscription(*library, channels);
+    if (!reference) {
+        channels = copyMergedChannels(*library, acceptedRequests(*library, requests));
+        reference = createSubscription(*library, channels);
+    }
     if (!reference)
         return nullptr;
     return std::unique_ptr<IOReportBridge>(new IOReportBridge(

@@ -15,9 +15,21 @@ struct GPUStateShare {
     double fraction = 0; ///< 0…1
 };
 
-/// One sample of the chip's telemetry. The watts, fractions and the frequency are always there: a
-/// chip that could not be read has no reading at all. A record rebuilt from the history file
-/// carries the watts and fractions alone.
+/// Parts of the chip that exist and whose values it does not publish now; such a value is 0 in the
+/// reading and shown as "–".
+struct DeniedParts {
+    bool cpuLoad = false;
+    bool gpuLoad = false;
+    bool cpuWatts = false;
+    bool gpuWatts = false;
+    bool aneWatts = false;
+
+    bool anyWatts() const { return cpuWatts || gpuWatts || aneWatts; }
+};
+
+/// One sample of the chip's telemetry. The watts, fractions and the frequency are always there, but
+/// for those that are denied: a chip that could not be read has no reading at all. A record rebuilt
+/// from the history file carries the watts and fractions alone.
 struct ChipReading {
     double cpuWatts = 0;
     double gpuWatts = 0;
@@ -32,15 +44,28 @@ struct ChipReading {
     std::optional<double> gpuTempC = {};
     std::optional<double> aneTempC = {};
     std::optional<double> packageTempC = {};
+    DeniedParts denied = {};
     /// Each GPU that could be read, where the system publishes them one by one (Linux); the values
     /// above are those of all together. Empty on a Mac.
     std::vector<GPUMetrics> gpus = {};
 };
 
+/// A value of a reading as it is shown; absent when it is denied.
+inline std::optional<double> unlessDenied(double value, bool isDenied)
+{
+    return isDenied ? std::nullopt : std::optional(value);
+}
+
 /// CPU, GPU and Neural Engine together, in watts; 0 without a reading.
 inline double totalWatts(const std::optional<ChipReading> &chip)
 {
     return chip ? chip->cpuWatts + chip->gpuWatts + chip->aneWatts : 0;
+}
+
+/// The same as it is shown; absent when a part of it is denied.
+inline std::optional<double> shownTotalWatts(const std::optional<ChipReading> &chip)
+{
+    return unlessDenied(totalWatts(chip), chip && chip->denied.anyWatts());
 }
 
 } // namespace corvane

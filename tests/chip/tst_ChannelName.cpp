@@ -21,6 +21,11 @@ void TestChannelName::takesOffTheDie_data()
     };
     row("a die", "DIE_0_CPU Energy", "CPU Energy");
     row("a die of two digits", "DIE_12_ANE", "ANE");
+    row("a die before a space", "DIE0 CPU Energy", "CPU Energy");
+    row("a die of two digits before a space", "DIE12 ECPU", "ECPU");
+    row("a space without a number", "DIE CPU Energy", "DIE CPU Energy");
+    row("nothing behind the space", "DIE0 ", "DIE0 ");
+    row("an underscore where the space belongs", "DIE0_CPU Energy", "DIE0_CPU Energy");
     row("one of two dies", "DIE_0_DIE_1_ANE", "DIE_1_ANE");
     row("the chip's own numbers stay", "ANE0_0", "ANE0_0");
     row("not at the start", "MY DIE_0_ANE", "MY DIE_0_ANE");

@@ -39,6 +39,10 @@ private slots:
     void parses();
     void scales_data();
     void scales();
+    void parsesClusters_data();
+    void parsesClusters();
+    void choosesTheSlowerTable_data();
+    void choosesTheSlowerTable();
 };
 
 void TestFrequencyTables::parses_data()
@@ -99,6 +103,47 @@ void TestFrequencyTables::scales()
 {
     QFETCH(QByteArray, table);
     QTEST(listOf(IORegistryReader::parseScaledFrequencies(bytesOf(table))), "expected");
+}
+
+void TestFrequencyTables::parsesClusters_data()
+{
+    QTest::addColumn<QByteArray>("clusters");
+    QTest::addColumn<QList<quint32>>("expected");
+    using Numbers = QList<quint32>;
+    QTest::newRow("empty") << QByteArray() << Numbers{};
+    QTest::newRow("a number and a tier each") << record(22, 0) + record(5, 1) << Numbers{22, 5};
+    QTest::newRow("the highest number") << record(255) << Numbers{255};
+    QTest::newRow("a number too high") << record(22) + record(256) << Numbers{};
+    QTest::newRow("part of a record") << record(22) + record(5).left(4) << Numbers{};
+}
+
+void TestFrequencyTables::parsesClusters()
+{
+    QFETCH(QByteArray, clusters);
+    const auto numbers = IORegistryReader::parseClusterTables(bytesOf(clusters));
+    QTEST(QList<quint32>(numbers.begin(), numbers.end()), "expected");
+}
+
+void TestFrequencyTables::choosesTheSlowerTable_data()
+{
+    QTest::addColumn<QList<Frequencies>>("tables");
+    QTest::addColumn<Frequencies>("expected");
+    const Frequencies fast{1308, 4608};
+    const Frequencies slow{1344, 4380};
+    QTest::newRow("the other than the faster") << QList{fast, slow} << slow;
+    QTest::newRow("the slowest of several") << QList{Frequencies{900, 4500}, slow, fast} << slow;
+    QTest::newRow("none but the faster") << QList{fast, fast} << Frequencies{};
+    QTest::newRow("one of them is missing") << QList{slow, Frequencies{}} << Frequencies{};
+    QTest::newRow("none at all") << QList<Frequencies>{} << Frequencies{};
+}
+
+void TestFrequencyTables::choosesTheSlowerTable()
+{
+    QFETCH(QList<Frequencies>, tables);
+    std::vector<std::vector<double>> lists;
+    for (const Frequencies &table : tables)
+        lists.emplace_back(table.begin(), table.end());
+    QTEST(listOf(IORegistryReader::slowerTable(lists, {1308, 4608})), "expected");
 }
 
 QTEST_APPLESS_MAIN(TestFrequencyTables)

@@ -51,7 +51,16 @@ void TestSystemMetrics::wattsAreSummed()
 {
     QCOMPARE(totalWatts(std::nullopt), 0.0);
     QCOMPARE(totalWatts(ChipReading()), 0.0);
-    QCOMPARE(totalWatts(ChipReading{.cpuWatts = 4, .gpuWatts = 8.5, .aneWatts = 0.25}), 12.75);
+    const ChipReading known{.cpuWatts = 4, .gpuWatts = 8.5, .aneWatts = 0.25};
+    QCOMPARE(totalWatts(known), 12.75);
+    QCOMPARE(shownTotalWatts(known), std::optional(12.75));
+    QCOMPARE(shownTotalWatts(std::nullopt), std::optional(0.0));
+    for (const DeniedParts denied :
+         {DeniedParts{.cpuWatts = true}, {.gpuWatts = true}, {.aneWatts = true}}) {
+        ChipReading partly = known;
+        partly.denied = denied;
+        QVERIFY(!shownTotalWatts(partly)); // The sum of the rest would be too low.
+    }
 }
 
 void TestSystemMetrics::usedPercentOf_data()

@@ -118,11 +118,19 @@ int mergeChannels(CFMutableDictionaryRef into, CFDictionaryRef from, CFTypeRef)
     return 0;
 }
 
+bool isRefused(const ChannelSet &set)
+{
+    return std::any_of(set.channels.begin(), set.channels.end(), [](std::size_t index) {
+        return mac().machine.refusedGroups.contains(mac().machine.channels[index].group);
+    });
+}
+
 CFTypeRef createSubscription(void *, CFMutableDictionaryRef wanted,
                              CFMutableDictionaryRef *subscribed, std::uint64_t, CFTypeRef)
 {
     if (!wanted || !subscribed || objectAs<ChannelSet>(wanted).channels.empty()
-        || faults().ask(Call::IOReportCreateSubscription))
+        || faults().ask(Call::IOReportCreateSubscription)
+        || isRefused(objectAs<ChannelSet>(wanted)))
         return nullptr;
     auto set = std::make_unique<ChannelSet>();
     set->channels = objectAs<ChannelSet>(wanted).channels;

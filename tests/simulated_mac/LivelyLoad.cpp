@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
+#include <limits>
+#include <map>
 
 namespace corvane::simulated {
 
@@ -66,33 +67,70 @@ FullPower fullPower(std::string_view brand)
         return {55, 110, 6};
     if (brand.ends_with("Max"))
         return {34, 48, 5};
+    if (brand.ends_with("Pro"))
+        return {28, 30, 4};
     return {18, 12, 3};
+}
+
+/// Seconds between two moves of the counters of millijoules.
+double secondsOfBatch(std::string_view brand)
+{
+    if (brand.starts_with("Apple M5"))
+        return 2.1;
+    return brand.ends_with("Ultra") ? 1.3 : 0.4;
 }
 
 } // namespace
 
-LivelyLoad::LivelyLoad() : m_idle(mac().machine)
+LivelyLoad::LivelyLoad(Mode mode) : m_mode(mode), m_idle(mac().machine)
 {
-    // The counters of a real chip that count millijoules move a little less often than every
-    // second.
-    for (Channel &channel : mac().machine.channels)
-        channel.publishedEvery = channel.unit == "mJ" ? 0.4 : 0;
+    for (Channel &channel : mac().machine.channels) {
+        const bool isFrozen = mode == Mode::asleep && channel.unit == "mJ";
+        channel.publishedEvery = isFrozen ? std::numeric_limits<double>::infinity()
+            : channel.unit == "mJ"        ? secondsOfBatch(m_idle.brand)
+                                          : 0;
+    }
+}
+
+std::optional<LivelyLoad::Mode> LivelyLoad::modeNamed(std::string_view name)
+{
+    static const std::map<std::string_view, Mode> modes{{"rounds", Mode::rounds},
+                                                        {"idle", Mode::idle},
+                                                        {"work", Mode::work},
+                                                        {"asleep", Mode::asleep}};
+    const auto mode = modes.find(name);
+    return mode == modes.end() ? std::nullopt : std::optional(mode->second);
+}
+
+LivelyLoad::Demand LivelyLoad::levels() const
+{
+    constexpr Demand resting{.cpu = 0.04, .gpu = 0.02, .neuralEngine = 0};
+    constexpr Demand answering{.cpu = 0.34, .gpu = 0.86, .neuralEngine = 0.4};
+    if (m_mode == Mode::work)
+        return answering;
+    if (m_mode != Mode::rounds)
+        return resting;
+    // A question every 40 seconds: it is read in two seconds with all cores, and answered for 18.
+    const double seconds = mac().clock();
+    const double inRound = std::fmod(seconds, 40);
+    const double neuralEngine = std::fmod(seconds, 55) < 6 ? 0.4 : 0.01;
+    if (inRound >= 8 && inRound < 10)
+        return {.cpu = 0.72, .gpu = 0.55, .neuralEngine = neuralEngine};
+    if (inRound >= 10 && inRound < 28)
+        return {.cpu = answering.cpu, .gpu = answering.gpu, .neuralEngine = neuralEngine};
+    return {.cpu = 0.12, .gpu = 0.07, .neuralEngine = neuralEngine};
 }
 
 LivelyLoad::Demand LivelyLoad::demand() const
 {
-    // A question every 40 seconds: it is read in two seconds with all cores, and answered for 18.
-    const double seconds = mac().clock();
-    const double inRound = std::fmod(seconds, 40);
-    const bool reads = inRound >= 8 && inRound < 10;
-    const bool answers = inRound >= 10 && inRound < 28;
-    const double cpu = reads ? 0.72 : answers ? 0.34 : 0.12;
-    const double gpu = reads ? 0.55 : answers ? 0.86 : 0.07;
-    const double neuralEngine = std::fmod(seconds, 55) < 6 ? 0.4 : 0.01;
-    const auto around = [seconds](double level, int voice) {
-        return std::clamp(level + 0.08 * unrest(seconds, voice), 0.01, 1.0);
+    const double unsteadiness = m_mode == Mode::rounds || m_mode == Mode::work ? 0.08 : 0.02;
+    const auto around = [&](double level, int voice) {
+        return std::clamp(level + unsteadiness * unrest(mac().clock(), voice), 0.01, 1.0);
     };
-    return {around(cpu, 1), around(gpu, 2), std::clamp(neuralEngine, 0.0, 1.0)};
+    const Demand level = levels();
+    return {.cpu = around(level.cpu, 1),
+            .gpu = m_mode == Mode::asleep ? 0 : around(level.gpu, 2),
+            .neuralEngine = level.neuralEngine};
 }
 
 void LivelyLoad::step(double seconds)
@@ -117,8 +155,8 @@ void LivelyLoad::drivePower(const Demand &demand)
             channel.perSecond =
                 std::llround(1000 * full.cpu / dies * (0.02 + 0.98 * std::pow(demand.cpu, 1.4)));
         else if (name == "GPU Energy")
-            channel.perSecond =
-                std::llround(1e9 * full.gpu * (0.01 + 0.99 * std::pow(demand.gpu, 1.3)));
+            channel.perSecond = std::llround(
+                1e9 * full.gpu * (demand.gpu > 0 ? 0.01 + 0.99 * std::pow(demand.gpu, 1.3) : 0));
         else if (name == "ANE" || name.starts_with("ANE0"))
             channel.perSecond = std::llround(1000 * full.neuralEngine / dies * demand.neuralEngine);
     }
@@ -130,7 +168,8 @@ void LivelyLoad::driveClusters(const Demand &demand)
     for (Channel &channel : mac().machine.channels) {
         if (channel.subgroup != "CPU Complex Performance States")
             continue;
-        const bool efficient = channel.name.find("ECP") != std::string::npos;
+        const bool efficient = channel.name.find("ECP") != std::string::npos
+            || channel.name.find("MCP") != std::string::npos;
         const double own = 0.1 * unrest(mac().clock(), ++voice);
         const double active = std::clamp((efficient ? 0.25 : 0) + demand.cpu + own, 0.02, 0.98);
         spread(channel, 1 - active, std::clamp(active + own, 0.0, 1.0));

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,7 +25,8 @@ struct Channel {
     Format format = Format::simple;
     std::int64_t perSecond = 0; ///< Of a simple channel, in its unit.
     std::vector<State> states = {};
-    double publishedEvery = 0; ///< Seconds between two moves of the counter; 0: it moves always.
+    /// Seconds between two moves of the counter; 0: it moves always; infinite: it stands still.
+    double publishedEvery = 0;
 };
 
 struct Sensor {
@@ -81,9 +83,13 @@ struct Machine {
     bool reportingIsLoaded = false;    ///< In the process before anyone opens it.
     std::string missingSymbol = {};    ///< One that the reporting library does not have.
     std::vector<Channel> channels = {};
+    /// Groups that the system refuses: with one of their channels it refuses the whole
+    /// subscription.
+    std::set<std::string> refusedGroups = {};
 
-    bool hasPowerManager = true;                                  ///< A virtual machine has none.
-    std::map<std::string, std::vector<std::uint8_t>> tables = {}; ///< Of the power manager.
+    bool hasPowerManager = true; ///< A virtual machine has none.
+    std::map<std::string, std::vector<std::uint8_t>> tables =
+        {}; ///< Properties of the power manager.
     std::vector<Sensor> sensors = {};
     std::vector<Process> processes = {};
 };
@@ -102,7 +108,11 @@ Machine maxM4();
 /// Two dies with twenty-four cores, each with channels of its own.
 Machine ultraM2();
 
-/// `m1`, `max` or `ultra`; nothing for any other name.
+/// Six fast and twelve slower cores, none of them named as efficient; tables found through
+/// "acc-clusters"; macOS 27, with energy published every two seconds.
+Machine proM5();
+
+/// `m1`, `max`, `ultra` or `m5pro`; absent for any other name.
 std::optional<Machine> machineNamed(const std::string &name);
 
 } // namespace corvane::simulated

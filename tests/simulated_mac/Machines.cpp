@@ -1,4 +1,4 @@
-// The three machines. Names, order, units and tables are those that such machines show; the gains a
+// The four machines. Names, order, units and tables are those that such machines show; the gains a
 // second are round numbers, so that a test can work out what a reading must be.
 
 #include "simulated_mac/Machine.h"
@@ -417,6 +417,76 @@ Machine ultraM2()
     return machine;
 }
 
+Machine proM5()
+{
+    Machine machine{
+        .brand = "Apple M5 Pro",
+        .memoryBytes = 48 * gibibyte,
+        .statisticsWords = 62,
+        .pages = {.free = 600'000,
+                  .active = 900'000,
+                  .inactive = 850'000,
+                  .wired = 350'000,
+                  .purgeable = 40'000,
+                  .compressor = 120'000,
+                  .external = 500'000},
+        .hasReportingFramework = false,
+    };
+    machine.cpus.assign(18, load(20, 5));
+
+    constexpr double secondsOfBatch = 2.1;
+    auto &channels = machine.channels;
+    for (const char *part : {"MCPU0", "MCPU1", "PCPU"}) {
+        for (int cpu = 0; cpu < 6; ++cpu)
+            channels.push_back(energy(part + std::to_string(cpu), 400));
+    }
+    channels.push_back(energy("DIE0 CPU Energy", 12'000));
+    for (const char *part : {"GPU0", "GPU SRAM0", "ISP0", "AVE0", "DCS0", "DRAM0", "AMCC0"})
+        channels.push_back(energy(part, 1000));
+    channels.push_back(energy("ANE0", 800));
+    for (Channel &channel : channels)
+        channel.publishedEvery = secondsOfBatch;
+    channels.push_back(energy("GPU Energy", 9'000 * million, "nJ"));
+
+    const auto slower = voltageStateNames({"DOWN", "IDLE"}, 15);
+    const auto faster = voltageStateNames({"DOWN", "IDLE"}, 15);
+    channels.push_back(core("MCPU000", slower));
+    channels.push_back(
+        cluster("DIE0 MCPU0", slower, {{"DOWN", 60}, {"IDLE", 60}, {"V0P14", 60}, {"V14P0", 60}}));
+    channels.push_back(cluster("DIE0 MCPM0", slower, {{"V0P14", 240}}));
+    channels.push_back(cluster("DIE0 MCPU1", slower, {{"DOWN", 180}, {"V0P14", 60}}));
+    channels.push_back(cluster("DIE0 MCPM1", slower, {{"V0P14", 240}}));
+    channels.push_back(cluster("DIE0 PCPU", faster, {{"IDLE", 180}, {"V14P0", 60}}));
+    channels.push_back(cluster("DIE0 PCPM", faster, {{"V14P0", 240}}));
+    appendGraphics(channels, {{"OFF", 180}, {"P1", 40}, {"P6", 20}}, {{"P1", 240}});
+
+    const std::vector<std::uint32_t> slowerTable{1344, 1644, 1992, 2304, 2652, 2964, 3240, 3504,
+                                                 3696, 3876, 4044, 4176, 4284, 4308, 4380};
+    // Tables 22 and 23 are of the lower tier, 5 is of the upper one.
+    machine.tables = {
+        {"voltage-states22-sram", table(slowerTable, kilohertz)},
+        {"voltage-states23-sram", table(slowerTable, kilohertz)},
+        {"voltage-states5-sram",
+         table({1308, 1620, 1980, 2292, 2580, 2880, 3180, 3432, 3648, 3828, 3984, 4104, 4188, 4236,
+                4608},
+               kilohertz)},
+        {"acc-clusters", voltageStates({{22, 0}, {23, 0}, {5, 1}})},
+        {"voltage-states9-sram", table({0, 338, 618, 796, 924, 1056, 1578}, hertz)},
+    };
+
+    for (int die = 0; die <= 8; ++die)
+        machine.sensors.push_back({"PMU tdie" + std::to_string(die), 41.0 + die});
+    for (const char *point : {"TP0s", "TP1s", "TP2s"})
+        machine.sensors.push_back({Text("PMU ") + point, 52.0});
+    machine.sensors.insert(machine.sensors.end(), {{"PMU tcal", 51.9}, {"NAND CH0 temp", 38.0}});
+
+    machine.processes = commonProcesses();
+    machine.processes.push_back(
+        process(1490, "llama-server", 21'000, "/opt/homebrew/bin/llama-server",
+                {"-m", "/Users/somebody/models/Qwen2.5-32B-Instruct-Q4_K_M.gguf"}));
+    return machine;
+}
+
 std::optional<Machine> machineNamed(const std::string &name)
 {
     if (name == "m1")
@@ -425,6 +495,8 @@ std::optional<Machine> machineNamed(const std::string &name)
         return maxM4();
     if (name == "ultra")
         return ultraM2();
+    if (name == "m5pro")
+        return proM5();
     return std::nullopt;
 }
 

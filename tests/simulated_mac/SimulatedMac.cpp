@@ -22,7 +22,7 @@ void SimulatedMac::boot(Machine newMachine)
     m_channels.clear();
     for (const Channel &channel : machine.channels) {
         Running running{.residencies = std::vector<double>(channel.states.size(), 0.0)};
-        publish(channel, running);
+        publish(channel, running, 0);
         m_channels.push_back(std::move(running));
     }
     m_exactTicks.assign(machine.cpus.size(), {firstTicks, 0, firstTicks, 0});
@@ -42,8 +42,7 @@ void SimulatedMac::advance(double seconds)
         for (std::size_t state = 0; state < channel.states.size(); ++state)
             running.residencies[state] +=
                 static_cast<double>(channel.states[state].perSecond) * seconds;
-        if (m_clock - running.publishedAt >= channel.publishedEvery)
-            publish(channel, running);
+        publishUntilNow(channel, running);
     }
     m_ticks.resize(machine.cpus.size());
     for (std::size_t cpu = 0; cpu < machine.cpus.size(); ++cpu) {
@@ -66,13 +65,31 @@ std::vector<SimulatedMac::Counter> SimulatedMac::publishedCounters() const
     return counters;
 }
 
-void SimulatedMac::publish(const Channel &channel, Running &running) const
+/// A counter that moves now and then shows what it had when it last moved.
+void SimulatedMac::publishUntilNow(const Channel &channel, Running &running) const
 {
-    running.published.value = std::llround(running.value);
+    const double every = channel.publishedEvery;
+    if (every <= 0) {
+        publish(channel, running, m_clock);
+        return;
+    }
+    const double moves = std::floor((m_clock - running.publishedAt) / every + 1e-9);
+    if (moves >= 1)
+        publish(channel, running, running.publishedAt + moves * every);
+}
+
+void SimulatedMac::publish(const Channel &channel, Running &running, double time) const
+{
+    const double since = m_clock - time;
+    const auto shown = [since](double value, std::int64_t perSecond) {
+        return std::llround(value - static_cast<double>(perSecond) * since);
+    };
+    running.published.value = shown(running.value, channel.perSecond);
     running.published.residencies.resize(channel.states.size());
     for (std::size_t state = 0; state < channel.states.size(); ++state)
-        running.published.residencies[state] = std::llround(running.residencies[state]);
-    running.publishedAt = m_clock;
+        running.published.residencies[state] =
+            shown(running.residencies[state], channel.states[state].perSecond);
+    running.publishedAt = time;
 }
 
 SimulatedMac &mac()

@@ -30,7 +30,7 @@ public:
     /// Advances the clock: counters and ticks grow by the machine's rates.
     void advance(double seconds);
 
-    /// The machine as it is now; changing it changes what follows. Channels may not be added.
+    /// The machine as it is now; changing it changes what follows. No channel may be added.
     Machine machine;
 
     double clock() const { return m_clock; }
@@ -59,7 +59,8 @@ private:
         Counter published = {};
         double publishedAt = 0;
     };
-    void publish(const Channel &channel, Running &running) const;
+    void publishUntilNow(const Channel &channel, Running &running) const;
+    void publish(const Channel &channel, Running &running, double time) const;
 
     double m_clock = 0;
     std::vector<Running> m_channels;

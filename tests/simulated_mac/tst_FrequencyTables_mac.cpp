@@ -13,6 +13,8 @@ class TestFrequencyTablesOnMac : public QObject {
 
 private slots:
     void readsBothClusters();
+    void readsTheTablesThatClustersName_data();
+    void readsTheTablesThatClustersName();
     void readsTables_data();
     void readsTables();
     void isEmptyWhenACallFails_data();
@@ -31,6 +33,45 @@ void TestFrequencyTablesOnMac::readsBothClusters()
     QCOMPARE(tables.performance.front(), 600.0);
     QCOMPARE(tables.performance.back(), 3204.0);
     QVERIFY(accounts() == before);
+}
+
+void TestFrequencyTablesOnMac::readsTheTablesThatClustersName_data()
+{
+    QTest::addColumn<std::vector<std::uint8_t>>("clusters");
+    QTest::addColumn<double>("top"); // Of the slower clusters; 0: no table.
+    const auto row = [](const char *name,
+                        const std::vector<std::pair<std::uint32_t, std::uint32_t>> &records,
+                        double top) { QTest::newRow(name) << voltageStates(records) << top; };
+    row("two slower tables and the faster one", {{22, 0}, {23, 0}, {5, 1}}, 4380);
+    row("the faster one first", {{5, 1}, {22, 0}}, 4380);
+    row("tiers that count the other way", {{5, 0}, {22, 1}}, 4380);
+    row("one slower table", {{23, 7}}, 4380);
+    row("the faster table alone", {{5, 1}}, 0);
+    row("no clusters", {}, 0);
+    row("a table that is missing", {{22, 0}, {24, 0}}, 0);
+    row("numbers that are no table's", {{0x16'0000, 0}, {5, 1}}, 0);
+    QTest::newRow("part of a record") << std::vector<std::uint8_t>{22, 0, 0, 0} << 0.0;
+    auto longer = voltageStates({{22, 0}});
+    longer.push_back(0);
+    QTest::newRow("more than whole records") << longer << 0.0;
+}
+
+void TestFrequencyTablesOnMac::readsTheTablesThatClustersName()
+{
+    QFETCH(std::vector<std::uint8_t>, clusters);
+    QFETCH(double, top);
+    mac().boot(proM5());
+    mac().machine.tables["acc-clusters"] = clusters;
+    const FrequencyTables tables = readFrequencyTables();
+    QCOMPARE(tables.efficiency.empty() ? 0 : tables.efficiency.back(), top);
+    QCOMPARE(tables.performance.back(), 4608.0);
+
+    mac().machine.tables.erase("acc-clusters");
+    QVERIFY(readFrequencyTables().efficiency.empty());
+    // A chip with a table of efficiency cores keeps to it.
+    mac().machine.tables["voltage-states1-sram"] =
+        voltageStates({{972'000, 700}, {3'048'000, 800}});
+    QCOMPARE(readFrequencyTables().efficiency, (Frequencies{972, 3048}));
 }
 
 void TestFrequencyTablesOnMac::readsTables_data()

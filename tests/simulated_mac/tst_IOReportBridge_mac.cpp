@@ -111,6 +111,8 @@ private slots:
     void releasesWhatAFailedConstructionMade_data();
     void releasesWhatAFailedConstructionMade();
     void goesOnWithoutAGroup();
+    void keepsTheGroupsThatTheSystemAccepts_data();
+    void keepsTheGroupsThatTheSystemAccepts();
     void takesSamples();
     void hasNoDeltaWithoutBothSides();
     void showsChannels();
@@ -299,6 +301,40 @@ void TestIOReportBridge::goesOnWithoutAGroup()
         QCOMPARE(channel.group, std::string("Energy Model"));
 }
 
+void TestIOReportBridge::keepsTheGroupsThatTheSystemAccepts_data()
+{
+    QTest::addColumn<QStringList>("refused");
+    QTest::addColumn<int>("channels"); // 0: no bridge.
+    QTest::addColumn<int>("subscriptions");
+    QTest::newRow("none is refused") << QStringList{} << 42 << 1;
+    QTest::newRow("one") << QStringList{u"GPU Stats"_s} << 37 << 5;
+    QTest::newRow("the first") << QStringList{u"Energy Model"_s} << 9 << 5;
+    QTest::newRow("two") << QStringList{u"Energy Model"_s, u"GPU Stats"_s} << 4 << 5;
+    QTest::newRow("all") << QStringList{u"Energy Model"_s, u"GPU Stats"_s, u"CPU Stats"_s} << 0
+                         << 4;
+}
+
+void TestIOReportBridge::keepsTheGroupsThatTheSystemAccepts()
+{
+    QFETCH(QStringList, refused);
+    QFETCH(int, channels);
+    for (const QString &group : refused)
+        mac().machine.refusedGroups.insert(group.toStdString());
+    const Accounts before = accounts();
+    {
+        const auto bridge = IOReportBridge::withChannelGroups(allRequests);
+        QCOMPARE(bridge != nullptr, channels > 0);
+        QTEST(faults().uses(Call::IOReportCreateSubscription), "subscriptions");
+        if (bridge) {
+            const auto sample = bridge->takeSample();
+            const auto seen = visited(*bridge, bridge->delta(sample.get(), sample.get()).get());
+            QCOMPARE(static_cast<int>(seen.size()), channels);
+        }
+    }
+    QCOMPARE(accounts().subscriptions, before.subscriptions + (channels > 0 ? 1 : 0));
+    QCOMPARE(accounts().objects, before.objects + (channels > 0 ? 1 : 0));
+}
+
 void TestIOReportBridge::takesSamples()
 {
     const auto bridge = IOReportBridge::withChannelGroups(allRequests);
@@ -393,6 +429,8 @@ void TestIOReportBridge::removesDiePrefixes_data()
     row("a total beside the dies, before them",
         {u"CPU Energy"_s, u"DIE_0_CPU Energy"_s, u"DIE_0_ISP"_s},
         {u"CPU Energy"_s, u"DIE_0_CPU Energy"_s, u"ISP"_s});
+    row("dies as newer systems write them", {u"DIE0 CPU Energy"_s, u"DIE1 CPU Energy"_s},
+        {u"CPU Energy"_s, u"CPU Energy"_s});
     row("names without a die", {u"ANE0_0"_s, u"DIE_0_"_s, u""_s},
         {u"ANE0_0"_s, u"DIE_0_"_s, u""_s});
 }

@@ -9,6 +9,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 #include <cerrno>
 #include <set>
 
@@ -176,9 +178,12 @@ void TestSimulatedMac::publishesSlowCountersNowAndThen()
     mac().advance(1);
     QCOMPARE(mac().publishedCounters()[0].value, std::int64_t(0));
     mac().advance(1);
-    QCOMPARE(mac().publishedCounters()[0].value, 2 * perSecond);
+    QCOMPARE(mac().publishedCounters()[0].value, perSecond * 3 / 2); // What it had after 1.5 s.
     mac().advance(1);
-    QCOMPARE(mac().publishedCounters()[0].value, 2 * perSecond);
+    QCOMPARE(mac().publishedCounters()[0].value, 3 * perSecond);
+    mac().machine.channels[0].publishedEvery = std::numeric_limits<double>::infinity();
+    mac().advance(100);
+    QCOMPARE(mac().publishedCounters()[0].value, 3 * perSecond);
 }
 
 void TestSimulatedMac::answersSizesFirst()

@@ -1,4 +1,4 @@
-// The real channel lists, tables and sensors of three machines through everything that makes a
+// The channel lists, tables and sensors of four machines through everything that makes a
 // reading of them. The expected values are worked out here from what each channel gains in a
 // second; residencies are in tenths of millions of 24 MHz ticks, so that a second has 240 of them.
 
@@ -7,6 +7,9 @@
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>
+
+#include <cmath>
+#include <limits>
 
 using namespace corvane;
 using namespace corvane::simulated;
@@ -19,7 +22,13 @@ private slots:
     void readsTheBaseChip();
     void readsTheMax();
     void readsTheUltra();
-    void countsUnevenlyPublishedEnergyOnce();
+    void readsTheProOfTheFifth();
+    void readsChannelsOfANewerSystem();
+    void steadiesEnergyOfBatches_data();
+    void steadiesEnergyOfBatches();
+    void deniesFrozenCounters();
+    void keepsTheGroupsThatTheSystemAccepts_data();
+    void keepsTheGroupsThatTheSystemAccepts();
     void startsWithoutChipWhereThereIsNoLibrary();
 
 private:
@@ -67,16 +76,11 @@ void TestSimulatedMachines::readsTheBaseChip()
         // 58,320 + 39,960 + 61,920 + 12,000 + 15,000 + 96,120 = 283,320 over 180.
         QCOMPARE(reading.cpuActiveMHz, 1574.0);
 
-        // GPUPH 120 OFF; the boost controller and the limiter never: 120 of 3 × 240.
-        QCOMPARE(reading.gpuActiveFraction, 1 - 120.0 / 720);
-        // The boost controller's P1 has 240 first; NO_CLTM has as much, but later.
+        // GPUPH 120 OFF; the boost controller and the limiter do not count.
+        QCOMPARE(reading.gpuActiveFraction, 1 - 120.0 / 240);
         QCOMPARE(*reading.gpuDominantState, u"P1"_s);
-        // P1 60 + 240, P3 40, P5 20, NO_CLTM 240: 600 in all.
         compareShares(reading,
-                      {{u"NO_CLTM"_s, 240.0 / 600},
-                       {u"P1"_s, 300.0 / 600},
-                       {u"P3"_s, 40.0 / 600},
-                       {u"P5"_s, 20.0 / 600}});
+                      {{u"P1"_s, 60.0 / 120}, {u"P3"_s, 40.0 / 120}, {u"P5"_s, 20.0 / 120}});
 
         // eACC 40, 42; pACC 45 … 51 (336); "PMU TP3w" 37.1: 455.1 over 10.
         QCOMPARE(*reading.cpuTempC, 45.51);
@@ -106,14 +110,9 @@ void TestSimulatedMachines::readsTheMax()
     // and 4512; PCPU1 30 at 4512: 197,520 + 375,840 + 135,360 = 708,720 over 270.
     QCOMPARE(reading.cpuActiveMHz, 708'720.0 / 270);
 
-    QCOMPARE(reading.gpuActiveFraction, 1 - 24.0 / 720);
-    QCOMPARE(*reading.gpuDominantState, u"NO_CLTM"_s); // 240; the boost controller's P12 has 200.
-    // P1 36 + 40, P8 60, P12 120 + 200, NO_CLTM 240: 696 in all.
-    compareShares(reading,
-                  {{u"NO_CLTM"_s, 240.0 / 696},
-                   {u"P1"_s, 76.0 / 696},
-                   {u"P8"_s, 60.0 / 696},
-                   {u"P12"_s, 320.0 / 696}});
+    QCOMPARE(reading.gpuActiveFraction, 1 - 24.0 / 240);
+    QCOMPARE(*reading.gpuDominantState, u"P12"_s);
+    compareShares(reading, {{u"P1"_s, 36.0 / 216}, {u"P8"_s, 60.0 / 216}, {u"P12"_s, 120.0 / 216}});
 
     // Names repeat and the later value counts: TP 70 … 75, tdie 60 … 70.
     QCOMPARE(*reading.cpuTempC, 72.5);
@@ -140,11 +139,9 @@ void TestSimulatedMachines::readsTheUltra()
     // 3504: 305,280 + 252,360 + 140,160 = 697,800 over 340.
     QCOMPARE(reading.cpuActiveMHz, 697'800.0 / 340);
 
-    QCOMPARE(reading.gpuActiveFraction, 1 - 204.0 / 720);
-    QCOMPARE(*reading.gpuDominantState, u"P1"_s);
-    // P1 6 + 240, P5 30, NO_CLTM 240: 516 in all.
-    compareShares(reading,
-                  {{u"NO_CLTM"_s, 240.0 / 516}, {u"P1"_s, 246.0 / 516}, {u"P5"_s, 30.0 / 516}});
+    QCOMPARE(reading.gpuActiveFraction, 1 - 204.0 / 240);
+    QCOMPARE(*reading.gpuDominantState, u"P5"_s);
+    compareShares(reading, {{u"P1"_s, 6.0 / 36}, {u"P5"_s, 30.0 / 36}});
 
     QCOMPARE(*reading.cpuTempC, 60.0); // The last "PMU TP0s" 59.6, "PMU TP1s" 60.4.
     QCOMPARE(*reading.packageTempC, 49.0);
@@ -154,23 +151,134 @@ void TestSimulatedMachines::readsTheUltra()
     QCOMPARE(MemorySampler::sample().pressure, MemoryPressure::warning);
 }
 
-void TestSimulatedMachines::countsUnevenlyPublishedEnergyOnce()
+void TestSimulatedMachines::readsTheProOfTheFifth()
 {
-    // The millijoule counters of a real chip move less often than once a second: a tick shows
-    // nothing and the next one twice as much.
+    const ChipSource chip = open(proM5());
+    QVERIFY(chip);
+    ChipReading reading = readingAfter(chip, 1);
+    QVERIFY(reading.denied.cpuWatts); // No batch was published yet.
+    QCOMPARE(reading.gpuWatts, 9.0);
+    for (int tick = 0; tick < 8; ++tick)
+        reading = readingAfter(chip, 1);
+    QVERIFY(!reading.denied.anyWatts());
+    QVERIFY(std::abs(reading.cpuWatts - 12) < 2);
+    QVERIFY(std::abs(reading.aneWatts - 0.8) < 0.2);
+
+    // Idle: MCPU0 120, MCPU1 180, PCPU 180, and none of the three others: 480 of 6 × 240.
+    QCOMPARE(reading.cpuActiveFraction, 1 - 480.0 / 1440);
+    // MCPU0 60 each at 1344 and 4380, MCPU1 60 at 1344, by table 22; PCPU 60 at 4608, by table 5:
+    // 343,440 + 80,640 + 276,480 = 700,560 over 240.
+    QCOMPARE(reading.cpuActiveMHz, 2919.0);
+    QCOMPARE(reading.gpuActiveFraction, 1 - 180.0 / 240);
+    QCOMPARE(*reading.gpuDominantState, u"P1"_s);
+    compareShares(reading, {{u"P1"_s, 40.0 / 60}, {u"P6"_s, 20.0 / 60}});
+    QCOMPARE(*reading.cpuTempC, 52.0);
+    QCOMPARE(*reading.packageTempC, 45.0);
+    QCOMPARE(reading.cpuCoreUtilizations, std::vector<double>(18, 0.25));
+}
+
+void TestSimulatedMachines::readsChannelsOfANewerSystem()
+{
+    // macOS 27 puts the die before the names of a chip that had none.
+    Machine machine = baseM1();
+    for (Channel &channel : machine.channels) {
+        if (channel.name == "CPU Energy" || channel.group == "CPU Stats")
+            channel.name = "DIE0 " + channel.name;
+    }
+    const ChipReading reading = readingAfter(open(machine), 1);
+    QCOMPARE(reading.cpuWatts, 2.5);
+    QCOMPARE(reading.cpuActiveFraction, 1 - 300.0 / 960);
+    QCOMPARE(reading.cpuActiveMHz, 1574.0);
+}
+
+void TestSimulatedMachines::steadiesEnergyOfBatches_data()
+{
+    QTest::addColumn<double>("every");
+    for (const double every : {0.75, 1.0, 1.25, 1.32, 2.03, 2.23, 2.3})
+        QTest::addRow("published every %.2f s", every) << every;
+}
+
+void TestSimulatedMachines::steadiesEnergyOfBatches()
+{
+    QFETCH(double, every);
     Machine machine = baseM1();
     for (Channel &channel : machine.channels)
-        channel.publishedEvery = channel.unit == "mJ" ? 1.25 : 0;
+        channel.publishedEvery = channel.unit == "mJ" ? every : 0;
     const ChipSource chip = open(machine);
+    constexpr int ticks = 200;
+    constexpr int settling = 8;
     double joules = 0;
-    std::vector<double> watts;
-    for (int tick = 0; tick < 100; ++tick) {
-        watts.push_back(readingAfter(chip, 1).cpuWatts);
-        joules += watts.back();
+    for (int tick = 0; tick < ticks; ++tick) {
+        const ChipReading reading = readingAfter(chip, 1);
+        QCOMPARE(reading.gpuWatts, 0.64); // In nanojoules, published at once.
+        if (tick < settling)
+            continue;
+        QVERIFY(!reading.denied.anyWatts());
+        // One tick can hold two batches, and a window of five seconds can miss a part of one.
+        QVERIFY2(reading.cpuWatts > 0.7 * 2.5 && reading.cpuWatts < 1.6 * 2.5,
+                 qPrintable(QString::number(reading.cpuWatts)));
+        joules += reading.cpuWatts;
     }
-    QCOMPARE(watts[0], 0.0);
-    QCOMPARE(watts[1], 5.0);
-    QCOMPARE(joules, 250.0);
+    QVERIFY(std::abs(joules / (ticks - settling) / 2.5 - 1) < 0.05);
+}
+
+void TestSimulatedMachines::deniesFrozenCounters()
+{
+    const ChipSource chip = open(baseM1());
+    readingAfter(chip, 1);
+    readingAfter(chip, 1);
+    for (Channel &channel : mac().machine.channels) {
+        if (channel.unit == "mJ")
+            channel.publishedEvery = std::numeric_limits<double>::infinity();
+    }
+    for (int tick = 0; tick < 5; ++tick) {
+        const ChipReading held = readingAfter(chip, 1);
+        QCOMPARE(held.cpuWatts, 2.5);
+        QVERIFY(!held.denied.anyWatts());
+    }
+    for (int tick = 0; tick < 60; ++tick) {
+        const ChipReading denied = readingAfter(chip, 1);
+        QVERIFY(denied.denied.cpuWatts && denied.denied.aneWatts && !denied.denied.gpuWatts);
+        QCOMPARE(denied.gpuWatts, 0.64);
+        QCOMPARE(denied.cpuActiveFraction, 1 - 300.0 / 960);
+    }
+}
+
+void TestSimulatedMachines::keepsTheGroupsThatTheSystemAccepts_data()
+{
+    QTest::addColumn<QByteArray>("refused");
+    QTest::addColumn<double>("cpuWatts");
+    QTest::addColumn<bool>("hasWatts");
+    QTest::addColumn<bool>("gpuIsDenied");
+    QTest::addColumn<bool>("cpuIsDenied");
+    QTest::addColumn<double>("gpuActive");
+    QTest::addColumn<double>("cpuActive");
+    constexpr double cpuActive = 1 - 300.0 / 960;
+    QTest::newRow("no energy") << QByteArray("Energy Model") << 0.0 << false << false << false
+                               << 0.5 << cpuActive;
+    QTest::newRow("no GPU") << QByteArray("GPU Stats") << 2.5 << true << true << false << 0.0
+                            << cpuActive;
+    QTest::newRow("no CPU") << QByteArray("CPU Stats") << 2.5 << true << false << true << 0.5
+                            << 0.0;
+}
+
+void TestSimulatedMachines::keepsTheGroupsThatTheSystemAccepts()
+{
+    QFETCH(QByteArray, refused);
+    Machine machine = baseM1();
+    machine.refusedGroups = {refused.toStdString()};
+    const ChipSource chip = open(machine);
+    QVERIFY(chip);
+    const ChipReading reading = readingAfter(chip, 1);
+    QTEST(reading.cpuWatts, "cpuWatts");
+    QTEST(!reading.denied.anyWatts(), "hasWatts");
+    QTEST(reading.denied.gpuLoad, "gpuIsDenied");
+    QTEST(reading.denied.cpuLoad, "cpuIsDenied");
+    QTEST(reading.gpuActiveFraction, "gpuActive");
+    QTEST(reading.cpuActiveFraction, "cpuActive");
+
+    machine.refusedGroups = {"Energy Model", "GPU Stats", "CPU Stats"};
+    QVERIFY(!open(machine));
 }
 
 void TestSimulatedMachines::startsWithoutChipWhereThereIsNoLibrary()
