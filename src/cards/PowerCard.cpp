@@ -46,7 +46,16 @@ std::array<double, 3> watts(const SystemMetrics &sample)
     return {sample.chip->cpuWatts, sample.chip->gpuWatts, sample.chip->aneWatts};
 }
 
-QString powerStatText(double peak, const std::optional<ChipReading> &chip)
+/// Absent when no sample has the watts of all parts.
+std::optional<double> shownPeak(double peak, const std::vector<SystemMetrics> &history)
+{
+    const bool isDenied = std::ranges::all_of(history, [](const SystemMetrics &sample) {
+        return sample.chip && sample.chip->denied.anyWatts();
+    });
+    return unlessDenied(peak, isDenied && !history.empty());
+}
+
+QString powerStatText(std::optional<double> peak, const std::optional<ChipReading> &chip)
 {
     const QString text = u"peak "_s + wattsText(peak, 1);
     const std::optional<double> celsius = chip ? chip->packageTempC : std::nullopt;
@@ -104,7 +113,7 @@ void PowerCard::show(const SystemMetrics &current, const std::vector<SystemMetri
 {
     const double peak = peakTotal(history);
     raiseYMax(peak);
-    setText(m_stat, powerStatText(peak, current.chip));
+    setText(m_stat, powerStatText(shownPeak(peak, history), current.chip));
     showChart(history);
 }
 
@@ -121,6 +130,9 @@ void PowerCard::raiseYMax(double peak)
 void PowerCard::showChart(const std::vector<SystemMetrics> &history)
 {
     SparklineData chart = historyChart(history);
+    m_denied.clear();
+    for (const SystemMetrics &sample : history)
+        m_denied.push_back(sample.chip ? sample.chip->denied : DeniedParts{});
     for (std::size_t part = 0; part < components().size(); ++part) {
         const QColor &color = components()[part].color;
         SparklineSeries series{
@@ -139,15 +151,19 @@ void PowerCard::showChart(const std::vector<SystemMetrics> &history)
 PillContent PowerCard::pill(std::size_t index) const
 {
     const SparklineData &chart = m_chart->shown();
+    const DeniedParts &denied = m_denied[index];
+    const std::array<bool, 3> isDenied{denied.cpuWatts, denied.gpuWatts, denied.aneWatts};
     double total = 0;
     for (const SparklineSeries &series : chart.series)
         total += series.values[index];
-    PillContent content{HoverTime::string(chart.timestamps[index]),
-                        {totalRow(wattsText(total, 2), Theme::power)}};
+    PillContent content{
+        HoverTime::string(chart.timestamps[index]),
+        {totalRow(wattsText(unlessDenied(total, denied.anyWatts()), 2), Theme::power)}};
     for (std::size_t part = 0; part < components().size(); ++part) {
-        content.rows.push_back(componentRow(components()[part].label,
-                                            fixedText(chart.series[part].values[index], 2),
-                                            components()[part].color));
+        content.rows.push_back(componentRow(
+            components()[part].label,
+            isDenied[part] ? u"\u2013"_s : fixedText(chart.series[part].values[index], 2),
+            components()[part].color));
     }
     return content;
 }

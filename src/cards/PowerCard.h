@@ -50,6 +50,7 @@ private:
     CardText &m_stat;
     std::array<CardText *, 3> m_legend;
     Sparkline *m_chart;
+    std::vector<DeniedParts> m_denied = {}; ///< Of each sample of the chart.
 };
 
 } // namespace corvane

@@ -35,11 +35,15 @@ UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip
     case ComputeUnit::cpu:
         return {.loadPercent = from.cpuActiveFraction * 100,
                 .watts = from.cpuWatts,
+                .loadIsDenied = from.denied.cpuLoad,
+                .wattsAreDenied = from.denied.cpuWatts,
                 .tempC = from.cpuTempC ? from.cpuTempC : from.packageTempC,
                 .megahertz = from.cpuActiveMHz};
     case ComputeUnit::gpu:
         return {.loadPercent = from.gpuActiveFraction * 100,
                 .watts = from.gpuWatts,
+                .loadIsDenied = from.denied.gpuLoad,
+                .wattsAreDenied = from.denied.gpuWatts,
                 .tempC = from.gpuTempC ? from.gpuTempC : from.packageTempC,
                 .dominantState = from.gpuDominantState};
     case ComputeUnit::ane:
@@ -47,6 +51,8 @@ UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip
     }
     return {.loadPercent = percentOfCeiling(from.aneWatts, info.aneMaxW),
             .watts = from.aneWatts,
+            .loadIsDenied = from.denied.aneWatts,
+            .wattsAreDenied = from.denied.aneWatts,
             .tempC = from.aneTempC ? from.aneTempC : from.packageTempC,
             .ceilingWatts = info.aneMaxW};
 }
@@ -65,7 +71,7 @@ UnitReading newestUnitReading(ComputeUnit unit, const SystemMetrics &current,
 
 QString unitStatText(const UnitReading &reading)
 {
-    const QString watts = wattsText(reading.watts, 2);
+    const QString watts = wattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2);
     return reading.tempC && *reading.tempC > 0 ? watts + u" · "_s + celsiusText(*reading.tempC)
                                                : watts;
 }
@@ -81,7 +87,8 @@ std::optional<QString> unitSubtitle(const UnitReading &reading)
 
 QStringList unitPillTexts(const UnitReading &reading)
 {
-    QStringList texts{percentText(reading.loadPercent), tightWattsText(reading.watts, 2)};
+    QStringList texts{percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied)),
+                      tightWattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2)};
     if (reading.megahertz)
         texts.append(frequencyText(*reading.megahertz, {}));
     return texts;

@@ -18,6 +18,8 @@ enum class ComputeUnit { cpu, gpu, ane };
 struct UnitReading {
     double loadPercent = 0; ///< 0…100; the Neural Engine's is its power relative to its ceiling.
     double watts = 0;
+    bool loadIsDenied = false; ///< The load is 0 then, and shown as "–"; so are the watts.
+    bool wattsAreDenied = false;
     std::optional<double> tempC = {};          ///< Of the unit, else of the package.
     std::optional<double> megahertz = {};      ///< CPU only: while active, 0 when unknown.
     std::optional<QString> dominantState = {}; ///< GPU only; empty text: no state was active.

@@ -75,7 +75,7 @@ void UtilizationCard::show(const SystemMetrics &current, const std::vector<Syste
 {
     const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
     setText(m_stat, unitStatText(reading));
-    setText(m_figure, percentText(reading.loadPercent),
+    setText(m_figure, percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied)),
             current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
     setText(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
     showCores(current);

@@ -74,11 +74,12 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
 
 void DashboardHeader::show(const SystemMetrics &current)
 {
-    const std::optional<ChipReading> &chip = current.chip;
-    const std::array<QString, 4> values{percentText(usedPercent(current.memory)),
-                                        percentText(chip ? chip->cpuActiveFraction * 100 : 0),
-                                        percentText(chip ? chip->gpuActiveFraction * 100 : 0),
-                                        tightWattsText(totalWatts(chip), 1)};
+    const ChipReading chip = current.chip.value_or(ChipReading{});
+    const std::array<QString, 4> values{
+        percentText(usedPercent(current.memory)),
+        percentText(unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad)),
+        percentText(unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad)),
+        tightWattsText(shownTotalWatts(current.chip), 1)};
     for (std::size_t i = 0; i < m_stats.size(); ++i) {
         QuickStat &stat = m_stats[i];
         if (stat.value.text == values[i])

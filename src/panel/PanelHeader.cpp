@@ -23,7 +23,7 @@ PanelHeader::PanelHeader(QWidget *parent) : AccessibleWidget(parent)
     setFixedHeight(static_cast<int>(chipLine.bottom()));
 }
 
-void PanelHeader::show(double watts)
+void PanelHeader::show(std::optional<double> watts)
 {
     const QString power = wattsText(watts, 1);
     if (power == m_power)

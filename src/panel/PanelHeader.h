@@ -2,6 +2,8 @@
 
 #include "ui/AccessibleWidget.h"
 
+#include <optional>
+
 namespace corvane {
 
 /// Top of the panel: the program's name, the chip's name below it, and the total power.
@@ -11,7 +13,8 @@ class PanelHeader : public AccessibleWidget {
 public:
     explicit PanelHeader(QWidget *parent = nullptr);
 
-    void show(double watts);
+    /// `watts` is absent when a part of the total is denied.
+    void show(std::optional<double> watts);
 
     std::vector<AccessibleText> accessibleTexts() const override;
 

@@ -26,9 +26,11 @@ qint64 wholePercent(double percent)
     return std::isnan(percent) ? 0 : static_cast<qint64>(std::clamp(percent, -most, most));
 }
 
-LabelNumber loadNumber(const QString &name, double percent, const QColor &color)
+LabelNumber loadNumber(const QString &name, std::optional<double> percent, const QColor &color)
 {
-    const QString text = QString::number(wholePercent(percent));
+    if (!percent)
+        return {percentText(percent), color, name + u' ' + percentText(percent)};
+    const QString text = QString::number(wholePercent(*percent));
     return {text, color, u"%1 %2 %"_s.arg(name, text)};
 }
 
@@ -41,11 +43,14 @@ std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
     return {{
         {u"Memory"_s, Theme::memory, byteText(memory.used) + u" / "_s + byteText(memory.total),
          spacedPercentText(usedPercent(memory))},
-        {u"GPU"_s, Theme::gpu, spacedPercentText(chip.gpuActiveFraction * 100),
-         wattsText(chip.gpuWatts, 2)},
-        {u"CPU"_s, Theme::cpu, spacedPercentText(chip.cpuActiveFraction * 100),
-         wattsText(chip.cpuWatts, 2)},
-        {u"ANE"_s, Theme::ane, wattsText(chip.aneWatts, 2), u"Neural Engine"_s},
+        {u"GPU"_s, Theme::gpu,
+         spacedPercentText(unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad)),
+         wattsText(unlessDenied(chip.gpuWatts, chip.denied.gpuWatts), 2)},
+        {u"CPU"_s, Theme::cpu,
+         spacedPercentText(unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad)),
+         wattsText(unlessDenied(chip.cpuWatts, chip.denied.cpuWatts), 2)},
+        {u"ANE"_s, Theme::ane, wattsText(unlessDenied(chip.aneWatts, chip.denied.aneWatts), 2),
+         u"Neural Engine"_s},
         {u"Swap"_s, Theme::withOpacity(Theme::memory, 0.7), byteText(memory.swapUsed),
          u"of "_s + byteText(memory.swapTotal)},
     }};
@@ -58,8 +63,9 @@ QString inOneLine(const MetricRow &row)
 
 LabelNumbers labelNumbers(const SystemMetrics &current)
 {
-    const double gpuPercent = current.chip ? current.chip->gpuActiveFraction * 100 : 0;
-    const double watts = totalWatts(current.chip);
+    const ChipReading chip = current.chip.value_or(ChipReading{});
+    const auto gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
+    const auto watts = shownTotalWatts(current.chip);
     return {
         loadNumber(u"Memory"_s, usedPercent(current.memory), Theme::memory),
         loadNumber(u"GPU"_s, gpuPercent, Theme::gpu),

@@ -6,6 +6,15 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QString absentText()
+{
+    return u"\u2013"_s;
+}
+
+} // namespace
+
 QString fixedText(double number, int fractionDigits)
 {
     // Qt rounds ties away from zero. It is a tie only if the product is exact, which the fused
@@ -19,24 +28,24 @@ QString fixedText(double number, int fractionDigits)
     return QString::number(number, 'f', fractionDigits);
 }
 
-QString percentText(double percent)
+QString percentText(std::optional<double> percent)
 {
-    return fixedText(percent, 0) + u'%';
+    return percent ? fixedText(*percent, 0) + u'%' : absentText();
 }
 
-QString spacedPercentText(double percent)
+QString spacedPercentText(std::optional<double> percent)
 {
-    return fixedText(percent, 0) + u" %"_s;
+    return percent ? fixedText(*percent, 0) + u" %"_s : absentText();
 }
 
-QString wattsText(double watts, int fractionDigits)
+QString wattsText(std::optional<double> watts, int fractionDigits)
 {
-    return fixedText(watts, fractionDigits) + u" W"_s;
+    return watts ? fixedText(*watts, fractionDigits) + u" W"_s : absentText();
 }
 
-QString tightWattsText(double watts, int fractionDigits)
+QString tightWattsText(std::optional<double> watts, int fractionDigits)
 {
-    return fixedText(watts, fractionDigits) + u'W';
+    return watts ? fixedText(*watts, fractionDigits) + u'W' : absentText();
 }
 
 QString celsiusText(double celsius)

@@ -49,6 +49,7 @@ private slots:
     void stacksBands_data();
     void stacksBands();
     void showsHoveredValues();
+    void showsADashForWhatIsDenied();
     void showsItsLegend();
     void leavesNoStalePixels_data();
     void leavesNoStalePixels();
@@ -177,6 +178,22 @@ void TestPowerCard::showsHoveredValues()
     history.back().chip.reset();
     shown.show(history);
     QVERIFY(shown.card.chart()->accessibleValue().contains(u"0.00 W"_s));
+}
+
+void TestPowerCard::showsADashForWhatIsDenied()
+{
+    Shown shown;
+    History history = steady(1);
+    history.back() = sample(60, 0, 29.92, 0);
+    history.back().chip->denied = {.cpuWatts = true, .aneWatts = true};
+    shown.show(history);
+    QCOMPARE(shown.card.chart()->accessibleValue().section(u", "_s, 1),
+             u"–, CPU –, GPU 29.92, ANE –"_s);
+    QVERIFY(shown.card.accessibleText(u"Power"_s) != u"peak –"_s);
+    for (SystemMetrics &each : history)
+        each.chip->denied.cpuWatts = true;
+    shown.show(history);
+    QCOMPARE(shown.card.accessibleText(u"Power"_s), u"peak –"_s);
 }
 
 void TestPowerCard::showsItsLegend()

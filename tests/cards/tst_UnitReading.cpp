@@ -27,6 +27,7 @@ private slots:
     void takesTheTemperatureOfItsUnitElseOfThePackage_data();
     void takesTheTemperatureOfItsUnitElseOfThePackage();
     void isZeroWithoutAChipReading();
+    void showsADashForWhatIsDenied();
     void takesTheStateOfTheLastFiveSamples_data();
     void takesTheStateOfTheLastFiveSamples();
     void showsPowerAndTemperature_data();
@@ -95,6 +96,20 @@ void TestUnitReading::isZeroWithoutAChipReading()
         QCOMPARE(reading.watts, 0.0);
         QVERIFY(!reading.tempC && !reading.dominantState);
     }
+}
+
+void TestUnitReading::showsADashForWhatIsDenied()
+{
+    const ChipReading chip{.cpuActiveFraction = 0.25,
+                           .gpuActiveFraction = 0.5,
+                           .denied = {.gpuLoad = true, .cpuWatts = true, .aneWatts = true}};
+    const auto texts = [&](ComputeUnit unit) {
+        const UnitReading reading = unitReading(unit, chip, tenWatts);
+        return unitPillTexts(reading).mid(0, 2) + QStringList{unitStatText(reading)};
+    };
+    QCOMPARE(texts(ComputeUnit::cpu), (QStringList{u"25%"_s, u"–"_s, u"–"_s}));
+    QCOMPARE(texts(ComputeUnit::gpu), (QStringList{u"–"_s, u"0.00W"_s, u"0.00 W"_s}));
+    QCOMPARE(texts(ComputeUnit::ane), (QStringList{u"–"_s, u"–"_s, u"–"_s}));
 }
 
 void TestUnitReading::takesTheStateOfTheLastFiveSamples_data()

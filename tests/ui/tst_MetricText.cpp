@@ -43,6 +43,7 @@ private slots:
     void rowsShowValuesAndDetails();
     void rowsHaveTheirUnitColours();
     void aRowIsOneLine();
+    void showsADashForWhatIsDenied();
 };
 
 void TestMetricText::labelShowsThreeNumbers_data()
@@ -151,6 +152,19 @@ void TestMetricText::rowsHaveTheirUnitColours()
 void TestMetricText::aRowIsOneLine()
 {
     QCOMPARE(inOneLine({.title = u"%1"_s, .value = u"%2"_s, .detail = u"%3"_s}), u"%1: %2, %3"_s);
+}
+
+void TestMetricText::showsADashForWhatIsDenied()
+{
+    ChipReading chip = watts(0, 7, 0);
+    chip.denied = {.gpuLoad = true, .cpuWatts = true, .aneWatts = true};
+    const SystemMetrics current = sample(24 * gibibyte, 32 * gibibyte, chip);
+    QCOMPARE(inOneLine(labelNumbers(current)), u"75 – –"_s);
+    QCOMPARE(inWords(labelNumbers(current)), u"Memory 75 %, GPU –, Power –"_s);
+    const auto rows = metricRows(current);
+    QCOMPARE(inOneLine(rows[1]), u"GPU: –, 7.00 W"_s);
+    QCOMPARE(inOneLine(rows[2]), u"CPU: 0 %, –"_s);
+    QCOMPARE(inOneLine(rows[3]), u"ANE: –, Neural Engine"_s);
 }
 
 QTEST_MAIN(TestMetricText)

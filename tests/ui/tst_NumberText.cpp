@@ -57,6 +57,9 @@ void TestNumberText::appendsTheUnit()
     QCOMPARE(wattsText(16.694, 2), u"16.69 W"_s);
     QCOMPARE(tightWattsText(49.66, 1), u"49.7W"_s);
     QCOMPARE(celsiusText(73.8), u"74°C"_s);
+    for (const QString &text :
+         {percentText({}), spacedPercentText({}), wattsText({}, 2), tightWattsText({}, 0)})
+        QCOMPARE(text, u"–"_s);
 }
 
 void TestNumberText::usesAPointInEveryLocale()
