@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Activity.h"
 #include "app/AppState.h"
 #include "app/Commands.h"
 #include "panel/MenuBarContent.h"
@@ -40,6 +41,7 @@ private:
     void connectPanel();
     void connectMainWindow();
 
+    Activity m_activity;
     AppState m_state;
     Commands m_commands;
     TrayLabel m_label{m_commands.inMenuOrder()};

@@ -2,8 +2,9 @@
 
 namespace corvane {
 
-/// Sets up this process's access to the desktop's services, before the QApplication, whose
-/// libraries connect on their own. Blocks for a few seconds at most. Main thread.
+/// Sets up how this process meets the desktop, before the QApplication, whose libraries connect on
+/// their own: on Linux its access to the session bus, for which it blocks a few seconds at most; on
+/// a Mac that the program does not take the focus from the one in front. Main thread.
 void prepareDesktopSession();
 
 } // namespace corvane

@@ -56,7 +56,9 @@ enum : AEEventID { kAEReopenApplication = 'rapp' };
 @end
 
 __attribute__((objc_root_class))
-@interface NSObject<NSObject>
+@interface NSObject<NSObject> {
+    Class isa;
+}
 + (instancetype)alloc;
 + (Class)class;
 - (instancetype)init;
@@ -110,6 +112,17 @@ __attribute__((objc_root_class))
 @interface NSBundle : NSObject
 @property (class, readonly, strong) NSBundle *mainBundle;
 - (id)objectForInfoDictionaryKey:(NSString *)key;
+@end
+
+typedef unsigned long long NSActivityOptions;
+enum : NSActivityOptions {
+    NSActivityUserInitiatedAllowingIdleSystemSleep = 0xefffff,
+};
+
+@interface NSProcessInfo : NSObject
+@property (class, readonly, strong) NSProcessInfo *processInfo;
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString *)reason;
+- (void)endActivity:(id<NSObject>)activity;
 @end
 
 @interface NSNotification : NSObject
