@@ -3,6 +3,7 @@
 set(CORVANE_UPDATE_FEED "" CACHE STRING "Address of the update feed (SUFeedURL); empty: no updates")
 set(CORVANE_UPDATE_KEY "" CACHE STRING "Public key that updates are signed with (SUPublicEDKey)")
 set(CORVANE_PACKAGING ${CMAKE_CURRENT_LIST_DIR}/../packaging/macos)
+find_program(CORVANE_CODESIGN codesign DOC "Signs the bundle; a Mac's own")
 
 # The updater's framework, or nothing. Without a feed and its key it is left out: started without them
 # it shows the user an error.
@@ -66,5 +67,21 @@ function(corvane_bundle target icon_tool)
       COMMAND ${CMAKE_COMMAND} -E rm -rf ${frameworks}/Sparkle.framework
       COMMAND cp -R ${CORVANE_SPARKLE} ${frameworks}/
       VERBATIM)
+  endif()
+
+  # Last of all, since a change breaks the signature; installing changes the program.
+  if(CORVANE_CODESIGN)
+    set(finish ${CORVANE_PACKAGING}/finish-bundle)
+    set(stamp ${CMAKE_CURRENT_BINARY_DIR}/finished)
+    add_custom_command(
+      OUTPUT ${stamp}
+      COMMAND ${finish} $<TARGET_BUNDLE_DIR:${target}>
+      COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+      DEPENDS ${target} ${finish} $<TARGET_BUNDLE_CONTENT_DIR:${target}>/Resources/Corvane.icns
+              $<TARGET_BUNDLE_CONTENT_DIR:${target}>/Info.plist
+      VERBATIM)
+    add_custom_target(${target}_finished ALL DEPENDS ${stamp})
+    install(CODE "execute_process(COMMAND \"${finish}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/Corvane.app\"
+                                 COMMAND_ERROR_IS_FATAL ANY)")
   endif()
 endfunction()
