@@ -1,5 +1,7 @@
 #include "windows/WindowAccessor.h"
 
+#include "support/NativeWindows.h"
+
 #include <QTest>
 
 using namespace corvane;
@@ -99,6 +101,7 @@ void TestWindowAccessor::canBeDeletedByItsCallback()
 
 void TestWindowAccessor::findsItsHostingWindow()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     QWidget window;
     NativeWindow found = nullptr;
     int configured = 0;

@@ -1,5 +1,7 @@
 #include "windows/WindowLifecycleCoordinator.h"
 
+#include "support/NativeWindows.h"
+
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
@@ -168,6 +170,7 @@ void TestWindowLifecycleCoordinator::deletesItsObservers()
 
 void TestWindowLifecycleCoordinator::observesWindowsOfThisDesktop()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
     for (int cycle = 0; cycle < 100; ++cycle) {
@@ -184,6 +187,7 @@ void TestWindowLifecycleCoordinator::observesWindowsOfThisDesktop()
 
 void TestWindowLifecycleCoordinator::observesAWindowThatIsDeletedWhileOpen()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
     auto window = std::make_unique<QWidget>();
@@ -196,6 +200,7 @@ void TestWindowLifecycleCoordinator::observesAWindowThatIsDeletedWhileOpen()
 
 void TestWindowLifecycleCoordinator::countsAMinimizedWindowAsOpen()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     const WindowPlatform desktop = systemWindowPlatform();
     WindowLifecycleCoordinator coordinator;
     QWidget window;
