@@ -11,6 +11,7 @@
 #include "platform/Heap.h"
 #include "platform/MainThread.h"
 #include "settings/SettingsWindow.h"
+#include "windows/WindowPlatform.h"
 #include "windows/WindowTools.h"
 
 #include <QAction>
@@ -81,8 +82,15 @@ CorvaneApp::~CorvaneApp()
 void CorvaneApp::openMainWindow()
 {
     if (!isOpen(m_mainWindow)) {
+        // A Mac's menu bar takes no click when the program becomes regular after its window is
+        // shown.
+        systemWindowPlatform().setActivationPolicy(ActivationPolicy::regular);
         m_mainWindow = new MainWindow;
         deleteOnClose(*m_mainWindow);
+        connect(m_mainWindow, &QObject::destroyed, this, [this] {
+            if (!isOpen(m_mainWindow)) // The lifecycle does not know one that was closed at once.
+                systemWindowPlatform().setActivationPolicy(ActivationPolicy::accessory);
+        });
         connectMainWindow();
     }
     bringForward(*m_mainWindow);

@@ -5,6 +5,7 @@
 #include "dashboard/MainWindow.h"
 #include "settings/SettingsWindow.h"
 #include "settings/UpdateSettings.h"
+#include "support/NativeWindows.h"
 #include "windows/WindowLifecycleCoordinator.h"
 
 #include <QApplication>
@@ -56,6 +57,8 @@ private slots:
     void thePanelOpensTheDashboard();
     void thePanelQuits();
     void theProgramIsRegularWhileTheDashboardIsOpen();
+    void theProgramIsRegularBeforeTheDashboardIsShown();
+    void aDashboardThatIsClosedAtOnceLeavesAnAccessory();
     void theDashboardHasTheUsualKeys();
     void everyViewOffersTheCommands();
     void opensTheSettingsOnce();
@@ -121,14 +124,15 @@ void TestCorvaneApp::thePanelQuits()
 
 void TestCorvaneApp::theProgramIsRegularWhileTheDashboardIsOpen()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     const WindowPlatform desktop = systemWindowPlatform();
     const WindowLifecycleCoordinator &coordinator = WindowLifecycleCoordinator::shared();
     CorvaneApp corvane;
     QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
     for (int cycle = 0; cycle < 3; ++cycle) {
         corvane.openMainWindow();
-        QTRY_COMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
-        QCOMPARE(coordinator.observerCount(), 1);
+        QTRY_COMPARE(coordinator.observerCount(), 1);
+        QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
         showAboutPanel();
         windows<AboutPanel>().first()->close();
         QTRY_VERIFY(windows<AboutPanel>().isEmpty());
@@ -138,6 +142,47 @@ void TestCorvaneApp::theProgramIsRegularWhileTheDashboardIsOpen()
         QCOMPARE(coordinator.observerCount(), 0);
         QTRY_VERIFY(windows<MainWindow>().isEmpty());
     }
+}
+
+void TestCorvaneApp::theProgramIsRegularBeforeTheDashboardIsShown()
+{
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
+    /// Notes the policy at the moment in which the dashboard is shown.
+    struct ShowWatch : QObject {
+        bool eventFilter(QObject *object, QEvent *event) override
+        {
+            if (event->type() == QEvent::Show && qobject_cast<MainWindow *>(object))
+                policies.append(systemWindowPlatform().activationPolicy());
+            return false;
+        }
+        QList<ActivationPolicy> policies = {};
+    };
+    ShowWatch watch;
+    CorvaneApp corvane;
+    qApp->installEventFilter(&watch);
+    for (int cycle = 0; cycle < 2; ++cycle) {
+        QCOMPARE(systemWindowPlatform().activationPolicy(), ActivationPolicy::accessory);
+        corvane.openMainWindow();
+        QCOMPARE(watch.policies, QList<ActivationPolicy>(cycle + 1, ActivationPolicy::regular));
+        QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+        windows<MainWindow>().first()->close();
+        QTRY_VERIFY(windows<MainWindow>().isEmpty());
+    }
+}
+
+void TestCorvaneApp::aDashboardThatIsClosedAtOnceLeavesAnAccessory()
+{
+    const WindowPlatform desktop = systemWindowPlatform();
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    windows<MainWindow>().first()->close(); // Before its native window was found.
+    QTRY_VERIFY(windows<MainWindow>().isEmpty());
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::accessory);
+    corvane.openMainWindow();
+    windows<MainWindow>().first()->close();
+    corvane.openMainWindow(); // While the first is not deleted yet.
+    QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+    QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
 }
 
 void TestCorvaneApp::theDashboardHasTheUsualKeys()
@@ -200,6 +245,7 @@ void TestCorvaneApp::updatesAreFoundInTheSettings()
 
 void TestCorvaneApp::theSettingsDoNotChangeTheActivationPolicy()
 {
+    CORVANE_SKIP_WITHOUT_NATIVE_WINDOWS();
     const WindowPlatform desktop = systemWindowPlatform();
     CorvaneApp corvane;
     corvane.openSettings();
