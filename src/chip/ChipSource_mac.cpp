@@ -5,6 +5,7 @@
 #include "chip/IOReportPowerSampler.h"
 #include "chip/SteadyPower.h"
 #include "chip/ThermalBridge_mac.h"
+#include "cpu/CoreTicks_mac.h"
 
 #include <memory>
 #include <utility>

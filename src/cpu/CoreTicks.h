@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <vector>
 
 namespace corvane {
 
@@ -15,9 +13,5 @@ struct CoreTicks {
 
     friend bool operator==(const CoreTicks &, const CoreTicks &) = default;
 };
-
-/// The counters of all logical CPUs of this Mac, in processor order; absent when they cannot be
-/// read. On a Mac alone. Any thread.
-std::optional<std::vector<CoreTicks>> readCoreTicks();
 
 } // namespace corvane

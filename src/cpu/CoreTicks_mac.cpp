@@ -1,4 +1,4 @@
-#include "cpu/CoreTicks.h"
+#include "cpu/CoreTicks_mac.h"
 
 #include <mach/mach.h>
 

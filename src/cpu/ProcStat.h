@@ -3,7 +3,9 @@
 #include "cpu/CoreTicks.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace corvane {
 
@@ -22,8 +24,8 @@ struct CPULine {
 };
 
 /// Cuts the text of /proc/stat behind the next CPU and returns that CPU; absent at the end. Lines
-/// that do not parse are skipped; the first line that is not about CPUs ends the walk, since what
-/// follows can be long.
+/// that do not parse are skipped; the first line that is not about CPUs ends the iteration, since
+/// what follows can be long.
 std::optional<CPULine> takeCPULine(std::string_view &text);
 
 /// Keeps the tick counters of all CPUs by their numbers, from one reading of /proc/stat to the

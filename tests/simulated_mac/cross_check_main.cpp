@@ -5,7 +5,7 @@
 #include "chip/FrequencyTables.h"
 #include "chip/IOReportBridge_mac.h"
 #include "chip/ThermalBridge_mac.h"
-#include "cpu/CoreTicks.h"
+#include "cpu/CoreTicks_mac.h"
 #include "memory/MemoryCounters.h"
 #include "platform/BootClock.h"
 #include "platform/HostSystem.h"

@@ -1,4 +1,5 @@
 #include "cpu/CPUCoreSampler.h"
+#include "cpu/CoreTicks_mac.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>

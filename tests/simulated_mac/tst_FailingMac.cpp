@@ -4,6 +4,7 @@
 #include "chip/ChipIdentity.h"
 #include "chip/ChipSource.h"
 #include "cpu/CPUCoreSampler.h"
+#include "cpu/CoreTicks_mac.h"
 #include "memory/MemorySampler.h"
 #include "platform/ThreadPriority.h"
 #include "processes/ProcessBridge.h"

@@ -2,6 +2,7 @@
 // own.
 
 #include "cpu/CPUCoreSampler.h"
+#include "cpu/CoreTicks_mac.h"
 #include "memory/MemorySampler.h"
 #include "simulated_mac/SimulatedMac.h"
 
