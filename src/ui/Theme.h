@@ -87,6 +87,18 @@ inline constexpr QColor switchOn = srgb8(47, 134, 224);
 inline constexpr QColor switchOff = white(0.16F);
 inline constexpr QColor switchStroke = white(0.14F);
 
+// These ten identify a framework of AI workloads.
+inline constexpr QColor ollama = srgb(0.36F, 0.78F, 0.95F);
+inline constexpr QColor mlx = srgb(1.0F, 0.62F, 0.78F);
+inline constexpr QColor llamaCpp = srgb(0.95F, 0.65F, 0.30F);
+inline constexpr QColor lmStudio = srgb(0.55F, 0.85F, 0.50F);
+inline constexpr QColor koboldCpp = srgb(0.85F, 0.55F, 0.95F);
+inline constexpr QColor whisperCpp = srgb(0.75F, 0.78F, 0.85F);
+inline constexpr QColor vllm = srgb(1.0F, 0.45F, 0.45F);
+inline constexpr QColor comfyUI = srgb(0.50F, 0.60F, 1.0F);
+inline constexpr QColor sdWebUI = srgb(1.0F, 0.85F, 0.40F);
+inline constexpr QColor transformers = srgb(0.95F, 0.55F, 0.85F);
+
 /// Opacity of a disabled control's content.
 inline constexpr double disabledOpacity = 0.4;
 
