@@ -25,8 +25,6 @@ public:
         QColor color = {};
     };
 
-    InfoButton *infoButton() const { return m_infoButton; }
-
     std::vector<AccessibleText> accessibleTexts() const override;
 
     /// The text with that accessible name; empty if there is none.
@@ -45,7 +43,7 @@ protected:
     /// Replaces the words of a text and repaints it; does nothing if they are the same.
     void setText(CardText &text, const QString &words);
 
-    /// The same for words and colour.
+    /// Replaces words and colour.
     void setText(CardText &text, const QString &words, const QColor &color);
 
     /// Moves a text and repaints it; does nothing if it is there already.

@@ -16,7 +16,7 @@ struct RowGeometry {
     int viewHeight = 0;
 
     int contentHeight() const { return count > 0 ? count * (rowHeight + gap) - gap : 0; }
-    int maxOffset() const;              ///< Of scrolling; 0 if all rows fit.
+    int maxOffset() const;              ///< Largest scroll offset; 0 if all rows fit.
     int top(int row, int offset) const; ///< Relative to the view.
 
     /// Top and height of the scroll thumb; the height is 0 if all rows fit.
@@ -74,7 +74,8 @@ private:
     RowGeometry m_geometry;
     int m_offset = 0;
     int m_wheelRemainder = 0; ///< Eighths of a degree that are less than one point of scrolling.
-    std::optional<double> m_dragOffset = {}; ///< Of the pointer in the thumb, while dragging.
+    std::optional<double> m_dragOffset =
+        {}; ///< Offset of the pointer within the thumb while dragging.
 };
 
 } // namespace corvane

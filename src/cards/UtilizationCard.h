@@ -26,7 +26,6 @@ public:
     void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
 
     Sparkline *chart() const { return m_chart; }
-    CoreBars *coreBars() const { return m_coreBars; }
 
 protected:
     void layOut() override;

@@ -33,7 +33,6 @@ public:
     ~InfoButton() override;
 
     const InfoText &info() const { return m_info; }
-    bool isShowing() const { return !m_popover.isNull(); }
 
     /// Null while the popover is closed.
     InfoPopover *popover() const;

@@ -84,15 +84,15 @@ void TestUtilizationCard::showsCoresForTheCPUOnly()
 {
     Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuCoreUtilizations = {0.5, 1}});
-    QVERIFY(cpu.card.coreBars()->isVisible());
-    QCOMPARE(cpu.card.coreBars()->shown().values, (std::vector<double>{0.5, 1}));
+    QVERIFY(cpu.card.findChild<CoreBars *>()->isVisible());
+    QCOMPARE(cpu.card.findChild<CoreBars *>()->shown().values, (std::vector<double>{0.5, 1}));
     cpu.show({});
-    QVERIFY(!cpu.card.coreBars()->isVisible());
+    QVERIFY(!cpu.card.findChild<CoreBars *>()->isVisible());
     cpu.card.show({}, {});
-    QVERIFY(!cpu.card.coreBars()->isVisible());
+    QVERIFY(!cpu.card.findChild<CoreBars *>()->isVisible());
     Shown gpu(ComputeUnit::gpu);
     gpu.show({.cpuCoreUtilizations = {0.5, 1}});
-    QVERIFY(!gpu.card.coreBars()->isVisible());
+    QVERIFY(!gpu.card.findChild<CoreBars *>()->isVisible());
 }
 
 void TestUtilizationCard::placesItsParts()
@@ -104,19 +104,19 @@ void TestUtilizationCard::placesItsParts()
     }
     Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuCoreUtilizations = {0.5, 1}});
-    QVERIFY(cpu.card.coreBars()->x() >= 16 + 96 + 16);
-    QCOMPARE(cpu.card.coreBars()->geometry().right() + 1, 384);
-    QCOMPARE(cpu.card.coreBars()->y(), 46);
-    QCOMPARE(cpu.card.coreBars()->height(), 52);
+    QVERIFY(cpu.card.findChild<CoreBars *>()->x() >= 16 + 96 + 16);
+    QCOMPARE(cpu.card.findChild<CoreBars *>()->geometry().right() + 1, 384);
+    QCOMPARE(cpu.card.findChild<CoreBars *>()->y(), 46);
+    QCOMPARE(cpu.card.findChild<CoreBars *>()->height(), 52);
 }
 
 void TestUtilizationCard::barsDoNotMoveWhenTheFigureGrows()
 {
     Shown cpu(ComputeUnit::cpu);
     cpu.show({.cpuActiveFraction = 0.01, .cpuCoreUtilizations = {0.5}});
-    const QRect before = cpu.card.coreBars()->geometry();
+    const QRect before = cpu.card.findChild<CoreBars *>()->geometry();
     cpu.show({.cpuActiveFraction = 1, .cpuCoreUtilizations = {0.5}});
-    QCOMPARE(cpu.card.coreBars()->geometry(), before);
+    QCOMPARE(cpu.card.findChild<CoreBars *>()->geometry(), before);
     for (const AccessibleText &text : cpu.card.accessibleTexts())
         QVERIFY(text.value != u"100%"_s || text.place.right() <= before.left());
 }
@@ -264,7 +264,7 @@ void TestUtilizationCard::fitsManyCores()
     shown.show({.cpuCoreUtilizations = std::vector<double>(static_cast<std::size_t>(cores), 1)});
     const QImage image = rendered(shown.card, 2);
     // Fully busy cores: something blue at the left and at the right end of the band.
-    const QRect bars = shown.card.coreBars()->geometry();
+    const QRect bars = shown.card.findChild<CoreBars *>()->geometry();
     const auto isBlue = [&](double from, double to) {
         for (double x = from; x < to; x += 0.5) {
             if (pixelAt(image, x, bars.top() + 20).blue() > 90)

@@ -260,7 +260,7 @@ void TestMainWindow::stepsThroughItsPartsByTab()
     // In reading order: each card's info button, then its chart or list.
     QList<QWidget *> expected;
     for (Card *card : shown.window.findChildren<Card *>()) {
-        expected.append(card->infoButton());
+        expected.append(card->findChild<InfoButton *>());
         if (auto *chart = card->findChild<Sparkline *>())
             expected.append(chart);
         if (auto *list = card->findChild<RowList *>())

@@ -137,13 +137,14 @@ bool infoPopover(const Gallery &gallery)
     card.setGeometry(16, 16, 617, 262);
     card.show(scriptedCurrent(), scriptedHistory());
     window.show();
-    card.infoButton()->click();
+    card.findChild<InfoButton *>()->click();
     const bool good = gallery.save(window, u"info-popover"_s);
-    card.infoButton()->click();
+    card.findChild<InfoButton *>()->click();
 
     // The Mac's wording, on every system.
     const InfoText mac = infoText(InfoTopic::power, HostSystem::mac);
-    InfoPopover popover(mac.title, mac.text, card.infoButton(), InfoButton::clickArea());
+    InfoPopover popover(mac.title, mac.text, card.findChild<InfoButton *>(),
+                        InfoButton::clickArea());
     return gallery.save(window, u"info-popover-mac"_s) && good;
 }
 

@@ -32,13 +32,13 @@ private slots:
 void TestInfoButton::togglesByAClickAnywhereInItsSquare()
 {
     InfoWindow window;
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
     for (const QPoint &corner : {QPoint(0, 0), QPoint(19, 0), QPoint(0, 19), QPoint(19, 19)}) {
         QTest::mouseClick(&window.first, Qt::LeftButton, {}, corner);
-        QVERIFY(window.first.isShowing());
+        QVERIFY(window.first.popover());
         QVERIFY(window.first.popover()->isVisible());
         QTest::mouseClick(&window.first, Qt::LeftButton, {}, corner);
-        QVERIFY(!window.first.isShowing());
+        QVERIFY(!window.first.popover());
     }
 }
 
@@ -55,9 +55,9 @@ void TestInfoButton::togglesByKeys()
     QFETCH(Qt::Key, key);
     InfoWindow window;
     QTest::keyClick(&window.first, key);
-    QVERIFY(window.first.isShowing());
+    QVERIFY(window.first.popover());
     QTest::keyClick(&window.first, key);
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
 }
 
 void TestInfoButton::closesOnAPressElsewhere()
@@ -65,11 +65,11 @@ void TestInfoButton::closesOnAPressElsewhere()
     InfoWindow window;
     window.first.click();
     window.press({30, 700});
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
     window.first.click();
     QTest::mouseClick(&window.second, Qt::LeftButton);
-    QVERIFY(!window.first.isShowing());
-    QVERIFY(window.second.isShowing());
+    QVERIFY(!window.first.popover());
+    QVERIFY(window.second.popover());
 }
 
 void TestInfoButton::closesWithTheWindowsActivation()
@@ -78,7 +78,7 @@ void TestInfoButton::closesWithTheWindowsActivation()
     window.first.click();
     QEvent left(QEvent::WindowDeactivate);
     QApplication::sendEvent(&window.widget, &left);
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
 }
 
 void TestInfoButton::closesWithTheButton()
@@ -86,7 +86,7 @@ void TestInfoButton::closesWithTheButton()
     InfoWindow window;
     window.first.click();
     window.first.hide();
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
 }
 
 void TestInfoButton::leavesOtherPopoversAlone()
@@ -94,9 +94,9 @@ void TestInfoButton::leavesOtherPopoversAlone()
     InfoWindow window;
     window.first.click();
     window.second.click();
-    QVERIFY(window.first.isShowing() && window.second.isShowing());
+    QVERIFY(window.first.popover() && window.second.popover());
     window.second.click();
-    QVERIFY(window.first.isShowing());
+    QVERIFY(window.first.popover());
 }
 
 void TestInfoButton::survivesItsWindow()

@@ -56,10 +56,10 @@ void TestInfoPopover::staysOpenOnAPressInside()
     InfoWindow window;
     window.first.click();
     window.press(window.first.popover()->geometry().center());
-    QVERIFY(window.first.isShowing());
+    QVERIFY(window.first.popover());
     // The corner beside the arrow is outside.
     window.press(window.first.popover()->geometry().topLeft() + QPoint(2, 2));
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
 }
 
 void TestInfoPopover::closesOnEscape()
@@ -67,7 +67,7 @@ void TestInfoPopover::closesOnEscape()
     InfoWindow window;
     window.first.click();
     QTest::keyClick(&window.widget, Qt::Key_Escape);
-    QVERIFY(!window.first.isShowing());
+    QVERIFY(!window.first.popover());
 }
 
 void TestInfoPopover::isAsHighAsItsText()
