@@ -8,7 +8,7 @@
 namespace corvane {
 
 /// The state that lives as long as the program, in the order of construction. Created once by the
-/// application before anything is shown; main thread.
+/// application before anything is shown.
 struct AppState {
     AppSettings settings;            ///< From the stored preferences.
     SystemSampler sampler{settings}; ///< Samples from its construction on.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/MainThread.h"
+
 #include <QDBusConnection>
 #include <QString>
 
@@ -7,7 +9,8 @@ namespace corvane {
 
 /// A private connection to the system bus, closed with its owner. Constructed on a background job,
 /// after a BusProbe was answered: connecting to a bus that hangs blocks the caller and every other
-/// connection of the process. Used on the main thread.
+/// connection of the process. Used on the main
+/// thread.
 class SystemBusConnection {
 public:
     SystemBusConnection();
@@ -19,7 +22,11 @@ public:
     static QString address();
 
     /// Not connected if the bus was gone by then.
-    const QDBusConnection &bus() const { return m_bus; }
+    const QDBusConnection &bus() const
+    {
+        assertMainThread();
+        return m_bus;
+    }
 
 private:
     const QString m_name;

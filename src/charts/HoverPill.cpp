@@ -1,5 +1,6 @@
 #include "charts/HoverPill.h"
 
+#include "platform/MainThread.h"
 #include "ui/CardStyle.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
@@ -173,6 +174,7 @@ QString accessibleText(const PillContent &content)
 
 bool HoverPill::show(const PillContent &content)
 {
+    assertMainThread();
     if (content == m_content)
         return false;
     m_content = content;

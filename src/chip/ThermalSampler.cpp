@@ -15,6 +15,7 @@ ThermalSampler::ThermalSampler(TemperatureSource temperatures)
 
 ThermalSampler::Reading ThermalSampler::sample()
 {
+    m_thread.check();
     TemperatureMeans means;
     for (const auto &[name, celsius] : m_temperatures()) {
         if (const auto part = categorize(name))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chip/ChipTemperatures.h"
+#include "platform/OneThread.h"
 
 #include <functional>
 #include <map>
@@ -29,6 +30,7 @@ public:
 
 private:
     TemperatureSource m_temperatures;
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

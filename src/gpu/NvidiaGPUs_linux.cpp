@@ -35,6 +35,7 @@ NvidiaGPUs::NvidiaGPUs(std::string library, std::function<double()> clock)
 
 void NvidiaGPUs::setDevices(const std::vector<GPUDevice> &devices)
 {
+    m_thread.check();
     m_members.clear();
     for (const GPUDevice &device : devices)
         m_members.push_back({device, KernelFile(device.folder + "/power/runtime_status")});
@@ -52,6 +53,7 @@ bool NvidiaGPUs::areAwake()
 
 void NvidiaGPUs::appendReadings(std::vector<GPUReading> &readings, double now)
 {
+    m_thread.check();
     if (m_library.empty() || m_gate.isQuiet(now))
         return;
     if (!areAwake()) {

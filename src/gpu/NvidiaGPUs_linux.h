@@ -5,6 +5,7 @@
 #include "gpu/GPUSleepGate.h"
 #include "gpu/NvidiaReader_linux.h"
 #include "platform/KernelFile_linux.h"
+#include "platform/OneThread.h"
 
 #include <functional>
 #include <limits>
@@ -52,6 +53,7 @@ private:
     std::unique_ptr<NvidiaReader> m_reader = {}; ///< Made when the GPUs are first seen awake.
     bool m_mayBeOpen = false;                    ///< Whether the library may be open.
     double m_lastSeconds = -std::numeric_limits<double>::infinity(); ///< Of the last reading.
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

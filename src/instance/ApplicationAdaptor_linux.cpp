@@ -2,6 +2,7 @@
 
 #include "instance/ApplicationService.h"
 #include "platform/ActivationToken.h"
+#include "platform/MainThread.h"
 
 namespace corvane {
 
@@ -26,6 +27,7 @@ ApplicationAdaptor::ApplicationAdaptor(ApplicationService &service)
     : QDBusAbstractAdaptor(&service),
       m_service(service)
 {
+    assertMainThread();
 }
 
 void ApplicationAdaptor::Activate(const QVariantMap &platformData)

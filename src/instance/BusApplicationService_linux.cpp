@@ -1,6 +1,7 @@
 #include "instance/BusApplicationService_linux.h"
 
 #include "instance/ApplicationAdaptor_linux.h"
+#include "platform/MainThread.h"
 
 namespace corvane {
 
@@ -28,6 +29,7 @@ BusApplicationService::BusApplicationService(const std::string &activationToken,
     : m_activationToken(QString::fromStdString(activationToken)),
       m_connection(u"corvane-application"_s, retryInterval)
 {
+    assertMainThread();
     new ApplicationAdaptor(*this);
     connect(&m_connection, &BusConnection::connected, this, &BusApplicationService::requestName);
 }
@@ -64,9 +66,9 @@ void BusApplicationService::call(const QDBusMessage &message, const BusCall::Rep
     BusCall::send(m_connection.bus(), message, this, onReply);
 }
 
-std::unique_ptr<ApplicationService> makeApplicationService(const std::string &activationToken)
+std::unique_ptr<ApplicationService> makeApplicationService(const std::string &token)
 {
-    return std::make_unique<BusApplicationService>(activationToken);
+    return std::make_unique<BusApplicationService>(token);
 }
 
 } // namespace corvane

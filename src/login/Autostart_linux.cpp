@@ -2,6 +2,7 @@
 
 #include "login/DesktopEntry.h"
 #include "platform/FileDescriptor.h"
+#include "platform/MainThread.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,7 +59,7 @@ bool isEnabled(const QString &program)
         && QFileInfo(started).canonicalFilePath() == QFileInfo(program).canonicalFilePath();
 }
 
-/// Creates a folder and those above it, for the user alone, as the XDG base directory specification
+/// Creates a folder and those above it, for the user alone, as the XDG base directory standard
 /// requires.
 bool makeFolder(const QString &path)
 {
@@ -116,6 +117,7 @@ QStringList autostartFiles()
 
 LoginItem autostartItem(const QString &program)
 {
+    assertMainThread();
     return {.isEnabled = [program] { return isEnabled(program); },
             .enable = [program] { return enable(program); },
             .disable = disable};

@@ -1,5 +1,7 @@
 #include "memory/MemoryCounters.h"
 
+#include "platform/MainThread.h"
+
 #include <mach/mach.h>
 #include <sys/sysctl.h>
 
@@ -78,6 +80,7 @@ std::optional<MemoryCounters::Swap> readSwap()
 
 MemoryCounters readMemoryCounters()
 {
+    assertMainThread();
     return {.totalBytes = systemControl<std::uint64_t>("hw.memsize"),
             .pageSize = pageSize(),
             .pages = readPages(),

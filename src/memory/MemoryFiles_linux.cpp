@@ -33,6 +33,7 @@ MemoryFiles::MemoryFiles(std::string root)
 
 MemoryCounters MemoryFiles::read()
 {
+    m_thread.check();
     scan();
     return memoryCounters({.memInfo = m_memInfo.read(),
                            .pressure = m_pressure.read(),

@@ -2,6 +2,7 @@
 
 #include "memory/MemoryCounters.h"
 #include "platform/KernelFile_linux.h"
+#include "platform/OneThread.h"
 
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ private:
     bool m_hasArcStats = false;
     std::vector<KernelFile> m_zram = {};
     int m_readsUntilScan = 0;
+    OneThread m_thread = {};
 };
 
 } // namespace corvane

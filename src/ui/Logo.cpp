@@ -1,5 +1,6 @@
 #include "ui/Logo.h"
 
+#include "platform/MainThread.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
@@ -29,6 +30,7 @@ constexpr Drawing drawing(LogoSize size)
 
 void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
 {
+    assertMainThread();
     constexpr double opacity = 0.7;
     const auto [side, plateRadius, glyphInset] = drawing(size);
     const double scale = square.width() / side;

@@ -1,10 +1,13 @@
 #include "ui/SystemSymbol.h"
 
+#include "platform/MainThread.h"
+
 namespace corvane {
 
 /// No icon theme has symbols of these names.
 bool drawSystemSymbol(const std::string &, unsigned char *, int, int)
 {
+    assertMainThread();
     return false;
 }
 

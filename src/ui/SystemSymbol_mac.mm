@@ -1,5 +1,6 @@
 #include "ui/SystemSymbol.h"
 
+#include "platform/MainThread.h"
 #include "platform/NativeText_mac.h"
 
 #import <AppKit/AppKit.h>
@@ -21,6 +22,7 @@ NSRect centred(NSSize size, CGFloat width, CGFloat height)
 
 bool drawSystemSymbol(const std::string &name, unsigned char *pixels, int width, int height)
 {
+    assertMainThread();
     NSImage *plain = [NSImage imageWithSystemSymbolName:nativeText(name)
                                accessibilityDescription:nil];
     NSImage *symbol =
