@@ -1,6 +1,5 @@
 #include "chip/TemperatureFiles_linux.h"
 
-#include "gpu/GPUText.h"
 #include "platform/KernelFolder_linux.h"
 #include "platform/KernelText.h"
 
@@ -22,11 +21,6 @@ std::optional<std::string> sensorStem(const std::string &name)
     if (!name.starts_with("temp") || !name.ends_with(suffix))
         return std::nullopt;
     return name.substr(0, name.size() - suffix.size());
-}
-
-std::string trimmedFile(const std::string &path)
-{
-    return std::string(trimmed(readKernelFile(path).value_or(std::string())));
 }
 
 /// By the device that it monitors; reading even its name could wake a GPU.
@@ -66,7 +60,7 @@ void TemperatureFiles::scanMonitors(const GPUWatch &gpus)
         const std::string path = folder + monitor + "/";
         if (belongsToGPU(path, gpus))
             continue;
-        SensorDevice device = {.driver = trimmedFile(path + "name")};
+        SensorDevice device = {.driver = readTrimmedFile(path + "name")};
         if (!isChipDriver(device.driver))
             continue;
         std::vector<std::string> files;
@@ -74,7 +68,7 @@ void TemperatureFiles::scanMonitors(const GPUWatch &gpus)
             const auto stem = sensorStem(name);
             if (!stem)
                 continue;
-            device.labels.push_back(trimmedFile(path + *stem + "_label"));
+            device.labels.push_back(readTrimmedFile(path + *stem + "_label"));
             files.push_back(path + name);
         }
         const auto parts = sensorParts(device);
@@ -92,7 +86,7 @@ void TemperatureFiles::scanZones()
     for (const std::string &zone : namesInFolder(folder)) {
         if (!zone.starts_with("thermal_zone"))
             continue;
-        if (const auto kind = thermalZoneKind(trimmedFile(folder + zone + "/type")))
+        if (const auto kind = thermalZoneKind(readTrimmedFile(folder + zone + "/type")))
             m_zones.push_back({*kind, KernelFile(folder + zone + "/temp")});
     }
 }

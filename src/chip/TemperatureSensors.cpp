@@ -1,6 +1,5 @@
 #include "chip/TemperatureSensors.h"
 
-#include "gpu/GPUText.h"
 #include "platform/KernelText.h"
 
 #include <algorithm>

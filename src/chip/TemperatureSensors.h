@@ -32,7 +32,7 @@ std::optional<ThermalZoneKind> thermalZoneKind(std::string_view type);
 /// The part that the temperature of such zones is about.
 ChipPart thermalZonePart(ThermalZoneKind kind);
 
-/// Degrees Celsius of a zone's text; absent for a value that is no measurement.
+/// Degrees Celsius of a zone's text; absent for a value that is not a measurement.
 std::optional<double> thermalZoneDegrees(ThermalZoneKind kind, std::string_view text);
 
 } // namespace corvane

@@ -15,8 +15,8 @@ public:
     ThermalBridge();
     ~ThermalBridge();
 
-    /// Degrees Celsius by sensor name, each above 0, below 200 and finite. Of sensors with the same
-    /// name the last one counts; sensors without a name are left out.
+    /// Degrees Celsius by sensor name, each a temperature that `isTemperature` accepts. Of sensors
+    /// with the same name the last one counts; sensors without a name are left out.
     std::map<std::string, double> readAllTemperatures();
 
 private:

@@ -15,14 +15,14 @@ CPUTopology readTopology(const std::string &root)
 {
     const std::string devices = root + "/sys/devices";
     CPUTopology topology;
-    topology.present = readKernelFile(devices + "/system/cpu/present").value_or(std::string());
+    topology.present = readTrimmedFile(devices + "/system/cpu/present");
     topology.performanceList = readKernelFile(devices + "/cpu_core/cpus");
     topology.efficiencyList = readKernelFile(devices + "/cpu_atom/cpus");
     topology.lowPowerList = readKernelFile(devices + "/cpu_lowpower/cpus");
     forEachCPU(topology.present, [&](int cpu) {
-        const auto text =
-            readKernelFile(devices + "/system/cpu/cpu" + std::to_string(cpu) + "/cpu_capacity");
-        if (const auto capacity = parseUnsigned(trimmed(text.value_or(std::string()))))
+        const std::string file =
+            devices + "/system/cpu/cpu" + std::to_string(cpu) + "/cpu_capacity";
+        if (const auto capacity = parseUnsigned(readTrimmedFile(file)))
             topology.capacities[cpu] = *capacity;
     });
     return topology;
@@ -35,7 +35,7 @@ std::vector<int> relatedCPUs(const std::string &folder)
     const auto contents = readKernelFile(folder + "/related_cpus");
     std::string_view text = trimmed(contents ? std::string_view(*contents) : std::string_view());
     while (const auto word = takeWord(text)) {
-        if (const auto cpu = parseUnsigned(*word); cpu && *cpu < mostCPUs)
+        if (const auto cpu = parseUnsigned(*word); cpu && *cpu < maxCPUs)
             cpus.push_back(static_cast<int>(*cpu));
     }
     return cpus;

@@ -12,15 +12,16 @@ namespace corvane {
 /// What the kernel publishes about the kinds of CPU. The lists have the form "0-3,8".
 struct CPUTopology {
     std::string present = {};
-    std::optional<std::string> performanceList = {}; ///< This and the next: hybrid x86 alone.
+    std::optional<std::string> performanceList =
+        {}; ///< Only hybrid x86 chips have this list and the next.
     std::optional<std::string> efficiencyList = {};
     std::optional<std::string> lowPowerList = {}; ///< The newest hybrids have a third kind.
     std::map<int, std::uint64_t> capacities = {}; ///< By CPU; ARM kernels publish one for each CPU.
 };
 
 /// The CPUs of each cluster, ascending: the performance cluster and, on hybrid chips, the
-/// efficiency cluster behind it. All CPUs are in the first where they do not differ; empty only
-/// when no CPU is present.
+/// efficiency cluster behind it. If all CPUs are alike, the first cluster contains all of them;
+/// empty only when no CPU is present.
 std::vector<std::vector<int>> cpusByCluster(const CPUTopology &topology);
 
 /// CPUs whose frequency is set together, and the folder of the files about it.

@@ -20,7 +20,7 @@ std::optional<double> packageJoules(const PackageEnergyReading &before,
     const double joules =
         double(now.range - before.microjoules + now.microjoules) * joulesPerMicrojoule;
     // Beyond this the counter restarted without having reached its end.
-    if (joules > mostWatts * std::max(seconds, leastSeconds))
+    if (joules > maxWatts * std::max(seconds, leastSeconds))
         return std::nullopt;
     return joules;
 }

@@ -46,11 +46,10 @@ struct PackageEnergyFiles::Zones {
             names = packageZones(folder, "intel-rapl-mmio");
         for (const std::string &name : names) {
             const std::string path = folder + "/" + name;
-            const auto range = readKernelFile(path + "/max_energy_range_uj");
-            zones.push_back(
-                {.name = name,
-                 .range = parseUnsigned(trimmed(range.value_or(std::string()))).value_or(0),
-                 .energy = KernelFile(path + "/energy_uj")});
+            const std::string range = readTrimmedFile(path + "/max_energy_range_uj");
+            zones.push_back({.name = name,
+                             .range = parseUnsigned(range).value_or(0),
+                             .energy = KernelFile(path + "/energy_uj")});
         }
     }
 

@@ -48,7 +48,7 @@ std::optional<CPULine> takeCPULine(std::string_view &text)
         }
         const auto cpu = parseUnsigned(name->substr(prefix.size())); // Nothing for the sum of all.
         const auto times = parseTimes(*line);
-        if (cpu && *cpu < mostCPUs && times)
+        if (cpu && *cpu < maxCPUs && times)
             return CPULine{static_cast<std::size_t>(*cpu), *times};
     }
     return std::nullopt;

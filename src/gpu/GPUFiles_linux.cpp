@@ -45,7 +45,7 @@ std::vector<std::string> sensorFolders(const std::string &device)
             folders.push_back(device + "/hwmon/" + name);
     }
     std::ranges::sort(folders, {}, [](const std::string &folder) {
-        const std::string name = readKernelFile(folder + "/name").value_or(std::string());
+        const std::string name = readTrimmedFile(folder + "/name");
         return std::pair(name.find("_gt") != std::string::npos, folder);
     });
     return folders;
@@ -63,7 +63,7 @@ std::vector<KernelFile> temperatureFiles(const std::string &folder)
 
 bool isLabelled(const std::string &path, std::string_view label)
 {
-    return trimmed(readKernelFile(path).value_or(std::string())) == label;
+    return readTrimmedFile(path) == label;
 }
 
 /// The counter of the whole card, where a driver has one for each part too.

@@ -10,8 +10,8 @@
 
 namespace corvane {
 
-/// The driver's files with the load, clock, power and temperatures of one GPU. To be made and read
-/// only while the GPU is awake: almost every access to these files wakes it. Owned by the GPU
+/// The driver's files with the load, clock, power and temperatures of one GPU. Create and read only
+/// while the GPU is awake: almost every access to these files wakes it. Owned by the GPU
 /// watch, used on one thread.
 class GPUFiles {
 public:

@@ -9,7 +9,7 @@ namespace corvane {
 
 /// What was read of one GPU at one instant. A value that its driver does not publish is absent.
 struct GPUReading {
-    std::string device = {};                 ///< The same from one reading to the next.
+    std::string device = {};                 ///< Identifies the GPU across readings.
     bool integrated = false;                 ///< Shares the package with the CPU.
     double seconds = 0;                      ///< When it was read, by the clock of the machine.
     std::string state = {};                  ///< Present performance state; empty when unknown.

@@ -79,21 +79,10 @@ std::string performanceStateName(std::optional<int> state)
     return "P" + std::to_string(*state);
 }
 
-std::optional<double> parseMillidegrees(std::string_view text)
-{
-    const auto millidegrees = parseSigned(trimmed(text));
-    if (!millidegrees || !isTemperature(double(*millidegrees) / 1000, celsiusLimitLinux))
-        return std::nullopt;
-    // What a diode of 8 bits shows when nothing is connected to it.
-    constexpr std::int64_t unconnected = 127'000;
-    return *millidegrees == unconnected ? std::nullopt
-                                        : std::optional(double(*millidegrees) / 1000);
-}
-
 std::optional<double> parseMicrowatts(std::string_view text)
 {
     const auto microwatts = parseUnsigned(trimmed(text));
-    if (!microwatts || double(*microwatts) > mostWatts * 1e6)
+    if (!microwatts || double(*microwatts) > maxWatts * 1e6)
         return std::nullopt;
     return double(*microwatts) / 1e6;
 }

@@ -32,9 +32,6 @@ std::string clockStateName(std::optional<double> megahertz);
 /// Names NVIDIA's performance state: "P0" to "P15"; empty for any other number.
 std::string performanceStateName(std::optional<int> state);
 
-/// Degrees Celsius of a sensor's millidegrees; absent when it is off or implausible.
-std::optional<double> parseMillidegrees(std::string_view text);
-
 /// Watts of a sensor's microwatts.
 std::optional<double> parseMicrowatts(std::string_view text);
 

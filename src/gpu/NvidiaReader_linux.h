@@ -13,7 +13,7 @@
 
 namespace corvane {
 
-/// All GPUs of NVIDIA, at the time when the calls of the library began.
+/// One reading of all NVIDIA GPUs; `seconds` is when the library calls began.
 struct NvidiaReading {
     double seconds = 0;
     std::vector<NvidiaDeviceReading> devices = {};
@@ -45,7 +45,7 @@ private:
                      const std::function<double()> &clock);
 
     std::function<double()> m_clock;
-    std::shared_ptr<Mailbox> m_mailbox; ///< The thread's too, which may outlive this object.
+    std::shared_ptr<Mailbox> m_mailbox; ///< Shared with the thread, which may outlive this object.
     std::thread m_thread;
     mutable OneThread m_user = {};
 };

@@ -64,7 +64,7 @@ bool writeAll(const FileDescriptor &file, const char *from, std::size_t length)
 std::vector<Line> lastLines(const FileDescriptor &file, std::size_t count)
 {
     const std::size_t fileSize = size(file);
-    const std::size_t floor = fileSize - std::min(fileSize, LineFile::mostBytes);
+    const std::size_t floor = fileSize - std::min(fileSize, LineFile::maxBytes);
     std::vector<Line> lines;
     std::string chunk;
     std::size_t end = fileSize; // End of the line whose start is searched for.

@@ -13,13 +13,13 @@ namespace corvane {
 ///
 /// Nothing here reports an error, and nothing waits for anything but the disk: a file that is
 /// missing, refused or not regular (a folder, a FIFO, a device in its place) reads as empty and is
-/// not written. Of a large file only the last `mostBytes` are read; a line that begins before them
+/// not written. Of a large file only the last `maxBytes` are read; a line that begins before them
 /// does not count.
 class LineFile {
 public:
     explicit LineFile(std::string path);
 
-    static constexpr std::size_t mostBytes = std::size_t(128) << 20;
+    static constexpr std::size_t maxBytes = std::size_t(128) << 20;
 
     /// In bytes. A longer line is damage: it counts as a line and survives a cut, but `last` leaves
     /// it out.

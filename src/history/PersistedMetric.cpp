@@ -119,8 +119,8 @@ public:
 
     bool start_object(std::size_t) override { return enter(); }
     bool start_array(std::size_t) override { return enter(); }
-    bool end_object() override { return leave(); }
-    bool end_array() override { return leave(); }
+    bool end_object() override { return closeLevel(); }
+    bool end_array() override { return closeLevel(); }
 
     bool key(string_t &name) override
     {
@@ -145,7 +145,7 @@ private:
         return true;
     }
 
-    bool leave()
+    bool closeLevel()
     {
         --m_depth;
         return true;

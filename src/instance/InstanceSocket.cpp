@@ -107,7 +107,7 @@ void InstanceSocket::acceptConnection()
     if (!socket || !makeNonBlocking(socket) || !isPeerOfSameUser(socket.get()))
         return;
     m_connections.removeAll(nullptr);
-    if (m_connections.size() >= mostConnections)
+    if (m_connections.size() >= maxConnections)
         delete m_connections.takeFirst().data();
     m_connections.append(new Connection(std::move(socket), *this));
 }

@@ -24,7 +24,7 @@ class InstanceSocket : public QObject {
 
 public:
     /// Open connections; for one more, the oldest is closed.
-    static constexpr qsizetype mostConnections = 16;
+    static constexpr qsizetype maxConnections = 16;
 
     struct Times {
         /// For a client to send its message, which it has ready when it connects.

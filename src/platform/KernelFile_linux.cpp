@@ -1,5 +1,7 @@
 #include "platform/KernelFile_linux.h"
 
+#include "platform/KernelText.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -65,6 +67,11 @@ std::optional<std::string> readKernelFile(const std::string &path, std::size_t l
     if (!contents)
         return std::nullopt;
     return std::string(*contents);
+}
+
+std::string readTrimmedFile(const std::string &path)
+{
+    return std::string(trimmed(readKernelFile(path).value_or(std::string())));
 }
 
 } // namespace corvane

@@ -44,4 +44,7 @@ private:
 std::optional<std::string> readKernelFile(const std::string &path,
                                           std::size_t limit = KernelFile::wholeFile);
 
+/// The same without white space around it; empty if it is absent.
+std::string readTrimmedFile(const std::string &path);
+
 } // namespace corvane

@@ -146,6 +146,17 @@ std::optional<std::uint64_t> parseKibibytes(std::string_view text)
     return count;
 }
 
+std::optional<double> parseMillidegrees(std::string_view text)
+{
+    const auto millidegrees = parseSigned(trimmed(text));
+    if (!millidegrees || !isTemperature(double(*millidegrees) / 1000, celsiusLimitLinux))
+        return std::nullopt;
+    // What a diode of 8 bits shows when nothing is connected to it.
+    constexpr std::int64_t unconnected = 127'000;
+    return *millidegrees == unconnected ? std::nullopt
+                                        : std::optional(double(*millidegrees) / 1000);
+}
+
 bool isUtf8(std::string_view text)
 {
     while (!text.empty()) {

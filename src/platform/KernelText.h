@@ -47,12 +47,15 @@ std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit);
 /// The count of a text such as "  24684096 kB", in KiB; absent above `largestByteCount`.
 std::optional<std::uint64_t> parseKibibytes(std::string_view text);
 
+/// Degrees Celsius of a sensor's millidegrees; absent when it is off or implausible.
+std::optional<double> parseMillidegrees(std::string_view text);
+
 /// Whether `text` is well-formed UTF-8: no stray, overlong or missing bytes, no surrogates.
 bool isUtf8(std::string_view text);
 
 /// Calls `visit(number)` for each CPU of a list such as "0-3,8,10-11"; a part that does not parse
-/// ends the walk. So do numbers out of order, so that none comes twice, and numbers of `mostCPUs`
-/// and above.
+/// ends the iteration. So do numbers out of order, so that none comes twice, and numbers of
+/// `maxCPUs` and above.
 template <typename Visitor>
 void forEachCPU(std::string_view list, Visitor visit)
 {
@@ -65,7 +68,7 @@ void forEachCPU(std::string_view list, Visitor visit)
         const auto first = parseUnsigned(part.substr(0, dash));
         const auto last =
             dash == std::string_view::npos ? first : parseUnsigned(part.substr(dash + 1));
-        if (!first || !last || *first < least || *last >= mostCPUs)
+        if (!first || !last || *first < least || *last >= maxCPUs)
             return;
         for (std::uint64_t cpu = *first; cpu <= *last; ++cpu)
             visit(static_cast<int>(cpu));

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// What one cheap read shows of a process's footprint, in bytes: it lies between these.
+/// Bounds of a process's footprint in bytes, from one inexpensive read.
 struct FootprintBounds {
     std::int32_t pid = 0;
     std::uint64_t least = 0;

@@ -39,7 +39,8 @@ LabelNumber loadNumber(const QString &name, std::optional<double> percent, const
 std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
 {
     const MemorySnapshot &memory = current.memory;
-    const ChipReading chip = current.chip.value_or(ChipReading{});
+    static const ChipReading none = {};
+    const ChipReading &chip = current.chip ? *current.chip : none;
     return {{
         {u"Memory"_s, Theme::memory, byteText(memory.used) + u" / "_s + byteText(memory.total),
          spacedPercentText(usedPercent(memory))},

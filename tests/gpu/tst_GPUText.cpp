@@ -1,4 +1,5 @@
 #include "gpu/GPUText.h"
+#include "platform/KernelText.h"
 
 #include <QTest>
 

@@ -205,7 +205,7 @@ void TestInstanceSocket::answersBesideManySilentConnections()
 {
     const InstanceSocket socket(m_path);
     std::vector<std::unique_ptr<Client>> silent;
-    for (qsizetype number = 0; number < InstanceSocket::mostConnections; ++number) {
+    for (qsizetype number = 0; number < InstanceSocket::maxConnections; ++number) {
         silent.push_back(std::make_unique<Client>(m_path));
         QVERIFY(silent.back()->isConnected);
         QCoreApplication::processEvents();
