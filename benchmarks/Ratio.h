@@ -36,9 +36,9 @@ inline double childrenSeconds()
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-/// Times `ours` and the bare calls that it stands on in turn, in one run, and tells the ratio of
+/// Times `ours` and the bare calls that it stands on in turn, in one run, and reports the ratio of
 /// the sums of their CPU times: this thread's, or others' where others do the work. Before each
-/// turn `prepare` makes what both use up, in no one's time. To be registered with
+/// turn `prepare` makes what both use up, outside the measured time. To be registered with
 /// `UseManualTime()`.
 template <typename Ours, typename Bare, typename Prepare = void (*)()>
 void compare(

@@ -12,8 +12,8 @@
 namespace corvane {
 
 /// A private connection to the user's session bus. Main thread, which never waits for a bus that
-/// hangs. It is opened once the event loop runs and the bus answers, and opened again after the bus
-/// ended or while none was there. It never starts a bus.
+/// hangs. It is opened once the event loop runs and the bus answers, and reopened after the bus has
+/// ended, and retried while there is none. It never starts a bus.
 class BusConnection : public QObject {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private:
 
     const QString m_name;
     QString m_address;
-    std::unique_ptr<BusProbe> m_probe; ///< Null unless an answer is awaited.
+    std::unique_ptr<BusProbe> m_probe; ///< Null unless a probe is running.
     QDBusConnection m_bus;
     QTimer m_retry;
 };

@@ -17,10 +17,10 @@ struct ChartScale {
     ChartRange value = {};
     QSizeF size = {};
 
-    /// False if a range is empty, backwards or infinite; then no series is drawn.
+    /// False if a range is empty, reversed or infinite; then no series is drawn.
     bool isUsable() const;
 
-    /// Absent for a time that is outside the range, whose ends belong to it, or not a number.
+    /// Absent for NaN and for a time outside the range; both ends are inside.
     std::optional<double> xFor(double seconds) const;
 
     /// Clamped to the range. Not a number maps to the upper end, as in the core bars.
@@ -42,7 +42,8 @@ std::optional<std::size_t> nearestIndex(std::span<const double> timestamps, cons
 /// the right edge counts.
 double clampedPillX(double x, double halfWidth, double plotWidth);
 
-/// Vertical centre of a pill: its top is 2 points below that of the chart, its centre at least 4.
+/// Vertical centre of a pill: its top is 2 points below that of the chart, its centre at least 4
+/// points below it.
 double pillY(double height);
 
 } // namespace corvane

@@ -9,7 +9,7 @@ namespace corvane {
 /// The dashboard's cards in reading order.
 enum class DashboardCard { memory, power, cpu, gpu, ane, workloads, processes };
 
-/// Places of the dashboard's parts in a window, in points.
+/// Positions of the dashboard's parts in a window, in points.
 struct DashboardLayout {
     static constexpr QSize minimum{920, 760};
 

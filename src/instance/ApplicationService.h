@@ -18,12 +18,12 @@ signals:
     /// there is none.
     void openRequested(const QByteArray &activationToken);
     void quitRequested();
-    /// Another process of this user is the program and has opened its dashboard.
+    /// Another instance of this user is running and has opened its dashboard.
     void anotherAnswered();
 };
 
-/// This system's. The token is that of this start, which another process that is the program
-/// already is given for its window.
-std::unique_ptr<ApplicationService> makeApplicationService(const std::string &activationToken);
+/// Creates the service of this system. `token` is this start's activation token; a running
+/// instance receives it for its window.
+std::unique_ptr<ApplicationService> makeApplicationService(const std::string &token);
 
 } // namespace corvane

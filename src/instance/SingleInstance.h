@@ -12,7 +12,7 @@ namespace corvane {
 /// Makes this process the user's only Corvane or, if one runs already, asks that one to open its
 /// dashboard. Created before everything else and kept until the process ends, because it holds the
 /// lock. Without a folder that can be locked, this process counts as the first unless another one
-/// answers at once. One thread.
+/// answers at once.
 class SingleInstance {
 public:
     enum class Standing {
@@ -21,7 +21,7 @@ public:
         unanswered, ///< Another runs but does not answer.
     };
 
-    /// Blocks until the standing is known, at most for the time-out: the other process may be
+    /// Blocks until the result is known, at most for the time-out: the other process may be
     /// starting or ending.
     explicit SingleInstance(const InstanceMessage &message,
                             std::chrono::milliseconds timeout = std::chrono::seconds(10),

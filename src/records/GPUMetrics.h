@@ -8,7 +8,7 @@ namespace corvane {
 
 /// One GPU in one sample. A value that is not known is absent.
 struct GPUMetrics {
-    QString device = {};                       ///< The same from one sample to the next.
+    QString device = {};                       ///< Identifies the GPU across readings.
     bool integrated = false;                   ///< Shares the package with the CPU.
     std::optional<double> activeFraction = {}; ///< 0…1
     std::optional<QString> state = {};         ///< Present performance state.

@@ -24,7 +24,7 @@ constexpr double plateRadius = 5;
 constexpr double borderWidth = 1;
 constexpr double numberSize = 13; ///< Smaller where the number would be too wide.
 constexpr double numberRoom = 20;
-constexpr double numberMiddle = 9.6;
+constexpr double numberMiddle = 9.6; ///< Above the centre, since the mark stands below it.
 constexpr QSizeF markSize(4, 2);
 constexpr double markTop = 17;
 

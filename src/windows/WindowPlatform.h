@@ -15,7 +15,7 @@ enum class ActivationPolicy { accessory, regular };
 struct NativeWindowObject;
 using NativeWindow = NativeWindowObject *;
 
-/// Reports the end of a window for as long as this lives.
+/// Reports the closing of a window while this object exists.
 class CloseObserver {
 public:
     CloseObserver() = default;
@@ -45,7 +45,7 @@ struct WindowPlatform {
         observeClose;
 };
 
-/// This system's.
+/// The functions of the present system.
 WindowPlatform systemWindowPlatform();
 
 } // namespace corvane
