@@ -79,9 +79,7 @@ private slots:
     void aDesktopWithACard();
     void anAPU();
     void aHybridLaptop();
-    void appleSilicon();
     void aVirtualMachine();
-    void energyThatBecomesReadableAddsNothingOfThePast();
     void aSleepingGPUIsNotTouched();
     void keepsEachGPU();
 };
@@ -280,25 +278,6 @@ void TestChipSource::aHybridLaptop()
     QCOMPARE(reading.cpuWatts, 0.0); // Only root may read the energy.
 }
 
-void TestChipSource::appleSilicon()
-{
-    Chip chip("apple-silicon-linux");
-    chip.reading();
-    const std::string file = policies + "4/stats/time_in_state";
-    chip.tree.write("proc/stat", cpuLine(4, 850, 50050));
-    std::string times;
-    for (const char *state :
-         {"600000", "828000", "1056000", "1284000", "1500000", "1728000", "1956000", "2184000",
-          "2388000", "2592000", "2772000", "2988000", "3096000", "3144000"})
-        times += std::string(state) + " 700\n";
-    chip.tree.write(file, times + "3204000 800\n");
-    const ChipReading reading = chip.reading();
-    QVERIFY(isNear(reading.cpuActiveFraction, 0.5));
-    QVERIFY(isNear(reading.cpuActiveMHz, 3204));
-    QCOMPARE(reading.cpuWatts, 0.0);
-    QCOMPARE(reading.gpuDominantState, std::optional(QString()));
-}
-
 void TestChipSource::aVirtualMachine()
 {
     Chip chip("virtual-machine-chip");
@@ -311,17 +290,6 @@ void TestChipSource::aVirtualMachine()
     QCOMPARE(reading.cpuWatts, 0.0);
     QCOMPARE(reading.gpuWatts, 0.0);
     QCOMPARE(reading.gpuActiveFraction, 0.0);
-}
-
-void TestChipSource::energyThatBecomesReadableAddsNothingOfThePast()
-{
-    Chip chip("intel-hybrid-nvidia");
-    const std::string file = "sys/devices/virtual/powercap/intel-rapl/intel-rapl:0/energy_uj";
-    chip.tree.write(file, "900000000000\n");
-    for (int second = 0; second < 60; ++second)
-        QCOMPARE(chip.reading().cpuWatts, 0.0);
-    chip.tree.write(file, "900015000000\n");
-    QVERIFY(isNear(chip.reading().cpuWatts, 15));
 }
 
 void TestChipSource::aSleepingGPUIsNotTouched()

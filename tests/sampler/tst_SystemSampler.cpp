@@ -1,8 +1,6 @@
 #include "sampler/SystemSampler.h"
 
-#include "support/NumberArgument.h"
 #include "support/OddFiles.h"
-#include "support/ProcessState.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -81,10 +79,8 @@ std::vector<SystemMetrics> samples(int count)
 class TestSystemSampler : public QObject {
     Q_OBJECT
 
-public:
-    explicit TestSystemSampler(int ticks) : m_ticks(ticks) { }
-
 private slots:
+    void initTestCase();
     void init();
     void firstSampleIsThereAtOnce();
     void continuesTheHistoryOfTheFile();
@@ -103,19 +99,23 @@ private slots:
     void aSurveyMayOutliveTheSampler();
     void trimsOnEverySixtiethTick();
     void settingTheSameWindowAgainChangesNothing();
-    void usesNoMoreMemoryAfterManyTicks();
     void historyFitsANewWindow_data();
     void historyFitsANewWindow();
 
 private:
     void settle(const SystemSampler &sampler);
 
-    const int m_ticks;
     QTemporaryDir m_folder;
     QString m_directory;
     ScriptedMachine m_machine;
     std::optional<AppSettings> m_settings;
 };
+
+void TestSystemSampler::initTestCase()
+{
+    QCoreApplication::setOrganizationName(u"Corvane"_s);
+    QCoreApplication::setApplicationName(u"Corvane"_s);
+}
 
 void TestSystemSampler::init()
 {
@@ -402,31 +402,6 @@ void TestSystemSampler::settingTheSameWindowAgainChangesNothing()
         QCOMPARE(sampler.history()[i].id, before[i].id);
 }
 
-void TestSystemSampler::usesNoMoreMemoryAfterManyTicks()
-{
-    m_machine.chip = ChipReading{.cpuCoreUtilizations = {0.5, 0.25}};
-    {
-        SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
-        timerOf(sampler).stop();
-        for (int tick = 0; tick < 1000; ++tick)
-            sampler.tick();
-        settle(sampler);
-        const auto filesBefore = openDescriptors();
-        const qint64 heapBefore = heapInUse();
-        for (int tick = 1001; tick <= m_ticks; ++tick) {
-            sampler.tick();
-            if (tick % 1000 == 0)
-                settle(sampler); // Stepped time is faster than the disk.
-        }
-        settle(sampler);
-        QCOMPARE(sampler.history().size(), std::size_t(60));
-        QVERIFY(openDescriptors() <= filesBefore);
-        QVERIFY2(heapInUse() - heapBefore < 64 * 1024, "the heap grew");
-    }
-    QVERIFY(linesIn(m_directory) <= 180);
-    QVERIFY(linesIn(m_directory) >= 120);
-}
-
 void TestSystemSampler::historyFitsANewWindow_data()
 {
     QTest::addColumn<int>("held");
@@ -462,15 +437,5 @@ void TestSystemSampler::historyFitsANewWindow()
         QCOMPARE(after.back().id, fromFile ? file.back().id : before.back().id);
 }
 
-/// "--ticks N" counts what N ticks use instead of an hour's.
-int main(int argc, char **argv)
-{
-    const int ticks = takeNumber("--ticks", 3600, argc, argv);
-    const QCoreApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(u"Corvane"_s);
-    QCoreApplication::setApplicationName(u"Corvane"_s);
-    TestSystemSampler test(ticks);
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_GUILESS_MAIN(TestSystemSampler)
 #include "tst_SystemSampler.moc"

@@ -250,9 +250,6 @@ void TestPackageUpdater::reportsTheServicesAnswer_data()
     QTest::newRow("resolving fails") << resolve << Signals{Fake::error(4), failed} << noAnswer;
     QTest::newRow("resolving is cancelled")
         << resolve << Signals{oldPackage, Fake::finished(3)} << noAnswer;
-    QTest::newRow("malformed ids")
-        << resolve << Signals{Fake::package(1, u"corvane"_s), Fake::package(1, QString()), finished}
-        << notAPackage;
     QTest::newRow("signals with other arguments")
         << resolve
         << Signals{{u"Package"_s, {u"corvane;0.1.0;all;x"_s}},
