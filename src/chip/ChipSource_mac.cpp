@@ -1,6 +1,7 @@
 #include "chip/ChipSource.h"
 
 #include "chip/ChipChannels.h"
+#include "chip/FrequencyTables_mac.h"
 #include "chip/IOReportBridge_mac.h"
 #include "chip/IOReportPowerSampler.h"
 #include "chip/SteadyPower.h"

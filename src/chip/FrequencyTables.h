@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace corvane {
@@ -17,9 +16,6 @@ struct FrequencyTables {
     std::vector<double> performance = {}; ///< For channels whose name contains "PCPU".
 };
 
-/// The tables of this Mac. They do not change while it runs. On a Mac alone. Any thread.
-FrequencyTables readFrequencyTables();
-
 namespace IORegistryReader {
 
 /// The frequencies of a voltage-state table: records of a 32-bit little-endian frequency in hertz
@@ -27,8 +23,8 @@ namespace IORegistryReader {
 /// ignored.
 std::vector<double> parseFrequencies(std::span<const std::byte> table);
 
-/// The same, with a table in kHz (its largest entry below 100 MHz when taken for hertz) brought to
-/// MHz: newer chips pass 4294 MHz, which hertz no longer fit into 32 bits.
+/// The same, with a table in kHz (its largest entry below 100 MHz when taken for hertz) converted
+/// to MHz. Newer chips exceed 4,294 MHz, which as hertz does not fit into 32 bits.
 std::vector<double> parseScaledFrequencies(std::span<const std::byte> table);
 
 /// Numbers of the voltage-state tables that the property "acc-clusters" assigns to the CPU
@@ -40,10 +36,6 @@ std::vector<std::uint32_t> parseClusterTables(std::span<const std::byte> cluster
 /// top frequency that is not the table of the faster clusters. Empty where one of them is unknown.
 std::vector<double> slowerTable(const std::vector<std::vector<double>> &tables,
                                 const std::vector<double> &faster);
-
-/// The table under `key` of the power manager's registry entry; empty when there is none. On a Mac
-/// alone.
-std::vector<double> readPmgrFrequencies(const std::string &key);
 
 } // namespace IORegistryReader
 

@@ -1,4 +1,4 @@
-#include "chip/FrequencyTables.h"
+#include "chip/FrequencyTables_mac.h"
 
 #include "platform/CFOwned_mac.h"
 

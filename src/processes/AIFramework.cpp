@@ -41,14 +41,6 @@ QString rawValue(AIFramework framework)
     return description(framework).rawValue;
 }
 
-std::optional<AIFramework> aiFramework(const QString &rawValue)
-{
-    const auto found = std::ranges::find(descriptions, rawValue, &Description::rawValue);
-    if (found == descriptions.end())
-        return std::nullopt;
-    return allAIFrameworks[static_cast<std::size_t>(found - descriptions.begin())];
-}
-
 QString displayName(AIFramework framework)
 {
     return description(framework).displayName;

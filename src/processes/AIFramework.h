@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <array>
-#include <optional>
 
 namespace corvane {
 
@@ -30,9 +29,6 @@ inline constexpr std::array allAIFrameworks{
 
 /// The case's own name, such as "llamaCpp".
 QString rawValue(AIFramework framework);
-
-/// The case of that name; absent for any other text.
-std::optional<AIFramework> aiFramework(const QString &rawValue);
 
 /// What users call it, such as "llama.cpp".
 QString displayName(AIFramework framework);

@@ -26,6 +26,13 @@ qint64 wholePercent(double percent)
     return std::isnan(percent) ? 0 : static_cast<qint64>(std::clamp(percent, -most, most));
 }
 
+/// The chip reading, not copied; an absent one is all zeros.
+const ChipReading &chipOf(const SystemMetrics &current)
+{
+    static const ChipReading none = {};
+    return current.chip ? *current.chip : none;
+}
+
 LabelNumber loadNumber(const QString &name, std::optional<double> percent, const QColor &color)
 {
     if (!percent)
@@ -39,8 +46,7 @@ LabelNumber loadNumber(const QString &name, std::optional<double> percent, const
 std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
 {
     const MemorySnapshot &memory = current.memory;
-    static const ChipReading none = {};
-    const ChipReading &chip = current.chip ? *current.chip : none;
+    const ChipReading &chip = chipOf(current);
     return {{
         {u"Memory"_s, Theme::memory, byteText(memory.used) + u" / "_s + byteText(memory.total),
          spacedPercentText(usedPercent(memory))},
@@ -64,7 +70,7 @@ QString inOneLine(const MetricRow &row)
 
 LabelNumbers labelNumbers(const SystemMetrics &current)
 {
-    const ChipReading chip = current.chip.value_or(ChipReading{});
+    const ChipReading &chip = chipOf(current);
     const auto gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
     const auto watts = shownTotalWatts(current.chip);
     return {

@@ -1,5 +1,4 @@
 #include "gpu/GPUText.h"
-#include "platform/KernelText.h"
 
 #include <QTest>
 
@@ -26,8 +25,6 @@ private slots:
     void namesClockStates_data();
     void namesClockStates();
     void namesPerformanceStates();
-    void readsTemperatures_data();
-    void readsTemperatures();
     void readsPower_data();
     void readsPower();
 };
@@ -148,24 +145,6 @@ void TestGPUText::namesPerformanceStates()
     QCOMPARE(performanceStateName(32), std::string()); // The library's "unknown".
     QCOMPARE(performanceStateName(-1), std::string());
     QCOMPARE(performanceStateName({}), std::string());
-}
-
-void TestGPUText::readsTemperatures_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<Number>("degrees");
-    QTest::newRow("millidegrees") << QByteArray("54125\n") << Number(54.125);
-    QTest::newRow("exactly 0 is a sensor that is off") << QByteArray("0\n") << Number();
-    QTest::newRow("below 0") << QByteArray("-128000\n") << Number();
-    QTest::newRow("nothing connected") << QByteArray("127000\n") << Number();
-    QTest::newRow("just below the limit") << QByteArray("149999\n") << Number(149.999);
-    QTest::newRow("at the limit") << QByteArray("150000\n") << Number();
-}
-
-void TestGPUText::readsTemperatures()
-{
-    QFETCH(QByteArray, text);
-    QTEST(parseMillidegrees(text.toStdString()), "degrees");
 }
 
 void TestGPUText::readsPower_data()

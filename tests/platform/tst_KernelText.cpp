@@ -30,6 +30,8 @@ private slots:
     void agreesWithAnotherDecoder();
     void walksCPULists_data();
     void walksCPULists();
+    void readsTemperatures_data();
+    void readsTemperatures();
 };
 
 void TestKernelText::takesLines()
@@ -212,11 +214,11 @@ void TestKernelText::walksCPULists_data()
     QTest::newRow("ranges and single CPUs")
         << QByteArray("0-1,4,6-7\n") << QList<int>{0, 1, 4, 6, 7};
     QTest::newRow("an empty line is no CPU") << QByteArray("\n") << QList<int>{};
-    QTest::newRow("garbage ends the walk") << QByteArray("2,x,5\n") << QList<int>{2};
+    QTest::newRow("garbage ends the iteration") << QByteArray("2,x,5\n") << QList<int>{2};
     QTest::newRow("a reversed range is empty") << QByteArray("5-2,7\n") << QList<int>{7};
-    QTest::newRow("a repeated number ends the walk")
+    QTest::newRow("a repeated number ends the iteration")
         << QByteArray("0-3,3,5\n") << QList<int>{0, 1, 2, 3};
-    QTest::newRow("a lower number behind a reversed range ends the walk")
+    QTest::newRow("a lower number behind a reversed range ends the iteration")
         << QByteArray("2-3,9-0,1\n") << QList<int>{2, 3};
     QTest::newRow("the last that a kernel can have") << QByteArray("8191\n") << QList<int>{8191};
     QTest::newRow("no kernel has so many") << QByteArray("3,0-8192\n") << QList<int>{3};
@@ -228,6 +230,25 @@ void TestKernelText::walksCPULists()
     QList<int> visited;
     forEachCPU(list.toStdString(), [&visited](int cpu) { visited.append(cpu); });
     QTEST(visited, "expected");
+}
+
+void TestKernelText::readsTemperatures_data()
+{
+    using Number = std::optional<double>;
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<Number>("degrees");
+    QTest::newRow("millidegrees") << QByteArray("54125\n") << Number(54.125);
+    QTest::newRow("exactly 0 is a sensor that is off") << QByteArray("0\n") << Number();
+    QTest::newRow("below 0") << QByteArray("-128000\n") << Number();
+    QTest::newRow("nothing connected") << QByteArray("127000\n") << Number();
+    QTest::newRow("just below the limit") << QByteArray("149999\n") << Number(149.999);
+    QTest::newRow("at the limit") << QByteArray("150000\n") << Number();
+}
+
+void TestKernelText::readsTemperatures()
+{
+    QFETCH(QByteArray, text);
+    QTEST(parseMillidegrees(text.toStdString()), "degrees");
 }
 
 QTEST_APPLESS_MAIN(TestKernelText)

@@ -2,7 +2,7 @@
 // that they call.
 
 #include "chip/ChipName.h"
-#include "chip/FrequencyTables.h"
+#include "chip/FrequencyTables_mac.h"
 #include "chip/IOReportBridge_mac.h"
 #include "chip/ThermalBridge_mac.h"
 #include "cpu/CoreTicks_mac.h"

@@ -1,4 +1,4 @@
-#include "chip/FrequencyTables.h"
+#include "chip/FrequencyTables_mac.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>
