@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int side = 300;
 constexpr QRectF logo{114, 26, 72, 72};
-constexpr TextLine nameLine{112.75, 18};
+constexpr TextLine nameLine{112.75, 18}; ///< A rounded top would shift the text at scale 2.
 constexpr TextLine versionLine{135, 14};
 constexpr TextLine firstCreditsLine{163.5, 15};
 constexpr TextLine copyrightLine{267, 13};

@@ -29,7 +29,7 @@ constexpr double figureShift = -1; ///< Aligns the ink, not the side bearing, wi
 constexpr double percentGap = 3;
 constexpr double barTop = 94;
 constexpr double barHeight = 10;
-constexpr TextLine chipLine{115.75, 14};
+constexpr TextLine chipLine{115.75, 14}; ///< A rounded top would shift the text at scale 2.
 constexpr double chipDotTop = 120;
 constexpr double chipDotSize = 6;
 constexpr double chipGap = 4; ///< Dot to label and label to value.

@@ -172,6 +172,7 @@ void PowerCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
     m_stat.maxWidth = headerStatWidth();
+    // Without the fraction the text would shift by a pixel.
     constexpr TextLine legend{Card::bodyTop - 0.25, legendHeight};
     double x = contentLeft();
     for (CardText *entry : m_legend) {

@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int bandHeight = 52; ///< Of figure, subtitle and core bars; the same on all three cards.
 constexpr int chartGap = 12;
-constexpr TextLine figureLine{46.125, 32};
+constexpr TextLine figureLine{46.125, 32}; ///< A rounded top would shift the text at scale 2.
 constexpr double figureShift = -1; ///< Aligns the ink, not the side bearing, with the left edge.
 constexpr TextLine subtitleLine{83.5, 14};
 constexpr double minFigureColumn = 96;

@@ -23,7 +23,7 @@ constexpr double arrowGap = 2;        ///< Between the anchor and the tip of the
 constexpr double cornerDistance = 20; ///< Least distance of the arrow's middle from the sides.
 constexpr double cornerRadius = 10;
 constexpr double padding = 14;
-constexpr TextLine titleLine{-0.75, 17};
+constexpr TextLine titleLine{-0.75, 17}; ///< A rounded top would shift the text at scale 2.
 constexpr double titleGap = 8;
 constexpr double lineHeight = 16; ///< A line of 14 and 2 between lines.
 
