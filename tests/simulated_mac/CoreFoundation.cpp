@@ -1,10 +1,10 @@
+#include "platform/Mutex.h"
 #include "simulated_mac/Faults.h"
 #include "simulated_mac/Objects.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
-#include <mutex>
 
 using namespace corvane::simulated;
 
@@ -146,9 +146,9 @@ const void *CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index)
 
 CFStringRef CFSimulatedConstantString(const char *text)
 {
-    static std::mutex mutex;
-    static std::map<std::string, std::unique_ptr<String>> strings;
-    const std::lock_guard lock(mutex);
+    static corvane::Mutex mutex;
+    static std::map<std::string, std::unique_ptr<String>> strings GUARDED_BY(mutex);
+    const corvane::MutexLock lock(mutex);
     auto &string = strings[text];
     if (!string)
         string = std::make_unique<String>(text, Object::Lifetime::immortal);

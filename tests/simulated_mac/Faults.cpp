@@ -82,27 +82,27 @@ const char *name(Way way)
 
 void Faults::failOnce(Call call, Way way, int use)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     plan(call).once = way;
     plan(call).usesUntilOnce = use;
 }
 
 void Faults::failAlways(Call call, Way way)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     plan(call).always = way;
 }
 
 void Faults::failRandomly(std::uint32_t seed, double probability)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_random.seed(seed);
     m_chance = probability;
 }
 
 void Faults::clear()
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_plans = {};
     m_chance.reset();
     m_random.seed();
@@ -110,7 +110,7 @@ void Faults::clear()
 
 std::optional<Way> Faults::ask(Call call)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     Plan &asked = plan(call);
     ++asked.uses;
     if (asked.once && --asked.usesUntilOnce == 0)
@@ -125,13 +125,13 @@ std::optional<Way> Faults::ask(Call call)
 
 int Faults::uses(Call call) const
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_plans[static_cast<std::size_t>(call)].uses;
 }
 
 std::uint32_t Faults::garbage()
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return static_cast<std::uint32_t>(m_random());
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "platform/Mutex.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <random>
 #include <vector>
@@ -105,12 +106,12 @@ private:
         int usesUntilOnce = 0;
         int uses = 0;
     };
-    Plan &plan(Call call) { return m_plans[static_cast<std::size_t>(call)]; }
+    Plan &plan(Call call) REQUIRES(m_mutex) { return m_plans[static_cast<std::size_t>(call)]; }
 
-    mutable std::mutex m_mutex;
-    std::array<Plan, callCount> m_plans = {}; ///< This and what follows is guarded by m_mutex.
-    std::optional<double> m_chance;           ///< Of a random failure.
-    std::mt19937 m_random;
+    mutable Mutex m_mutex;
+    std::array<Plan, callCount> m_plans GUARDED_BY(m_mutex) = {};
+    std::optional<double> m_chance GUARDED_BY(m_mutex); ///< Of a random failure.
+    std::mt19937 m_random GUARDED_BY(m_mutex);
 };
 
 Faults &faults();

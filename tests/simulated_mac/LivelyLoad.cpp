@@ -211,7 +211,7 @@ void LivelyLoad::driveMemory(const Demand &demand)
     pages.free = idle.free - taken;
     pages.active = idle.active + taken;
 
-    const std::lock_guard lock(mac().processesMutex);
+    const MutexLock lock(mac().processesMutex);
     auto &processes = mac().machine.processes;
     for (std::size_t index = 0; index < processes.size(); ++index) {
         const auto own = 1 + 0.02 * unrest(mac().clock() / 10, static_cast<int>(index) + 80);

@@ -1,3 +1,4 @@
+#include "platform/Mutex.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <mach/mach.h>
@@ -17,8 +18,9 @@ constexpr std::size_t longestStatistics = 62;
 
 /// Blocks that the kernel put into the caller's memory, with their sizes in bytes.
 struct Blocks {
-    std::mutex mutex;
-    std::map<vm_address_t, std::pair<std::unique_ptr<integer_t[]>, vm_size_t>> live;
+    corvane::Mutex mutex;
+    std::map<vm_address_t, std::pair<std::unique_ptr<integer_t[]>, vm_size_t>> live
+        GUARDED_BY(mutex);
 };
 
 Blocks &blocks()
@@ -31,9 +33,10 @@ integer_t *newBlock(std::size_t words)
 {
     auto memory = std::make_unique<integer_t[]>(words);
     integer_t *address = memory.get();
-    const std::lock_guard lock(blocks().mutex);
-    blocks().live[reinterpret_cast<vm_address_t>(address)] = {std::move(memory),
-                                                              words * sizeof(integer_t)};
+    Blocks &all = blocks();
+    const corvane::MutexLock lock(all.mutex);
+    all.live[reinterpret_cast<vm_address_t>(address)] = {std::move(memory),
+                                                         words * sizeof(integer_t)};
     ++ledger().memoryBlocks;
     return address;
 }
@@ -137,11 +140,12 @@ kern_return_t host_processor_info(host_t host, processor_flavor_t flavor, natura
 
 kern_return_t vm_deallocate(vm_map_t task, vm_address_t address, vm_size_t size)
 {
-    const std::lock_guard lock(blocks().mutex);
-    const auto block = blocks().live.find(address);
-    if (task != taskPort || block == blocks().live.end() || block->second.second != size)
+    Blocks &all = blocks();
+    const corvane::MutexLock lock(all.mutex);
+    const auto block = all.live.find(address);
+    if (task != taskPort || block == all.live.end() || block->second.second != size)
         throw Misuse("memory that the kernel did not hand out, or not with this size");
-    blocks().live.erase(block);
+    all.live.erase(block);
     --ledger().memoryBlocks;
     return KERN_SUCCESS;
 }

@@ -35,7 +35,7 @@ int proc_listpids(std::uint32_t type, std::uint32_t, void *buffer, int bufferSiz
     const auto fault = faults().ask(Call::proc_listpids);
     if (type != PROC_ALL_PIDS || fault == Way::error)
         return refusal(EINVAL, 0);
-    const std::lock_guard lock(mac().processesMutex);
+    const corvane::MutexLock lock(mac().processesMutex);
     const auto &processes = mac().machine.processes;
     if (!buffer)
         return (static_cast<int>(processes.size()) + room) * pidSize;
@@ -54,7 +54,7 @@ int proc_listpids(std::uint32_t type, std::uint32_t, void *buffer, int bufferSiz
 int proc_pid_rusage(int pid, int flavor, rusage_info_t *buffer)
 {
     const auto fault = faults().ask(Call::proc_pid_rusage);
-    const std::lock_guard lock(mac().processesMutex);
+    const corvane::MutexLock lock(mac().processesMutex);
     const Process *process = inspectable(pid);
     if (flavor != RUSAGE_INFO_V4 || !process || fault == Way::error)
         return refusal(EPERM, -1);
@@ -72,7 +72,7 @@ int proc_name(int pid, void *buffer, std::uint32_t bufferSize)
     const auto fault = faults().ask(Call::proc_name);
     if (bufferSize < smallestBuffer)
         return refusal(ENOMEM, 0);
-    const std::lock_guard lock(mac().processesMutex);
+    const corvane::MutexLock lock(mac().processesMutex);
     const Process *process = inspectable(pid);
     if (!process || fault == Way::error)
         return refusal(ESRCH, 0);

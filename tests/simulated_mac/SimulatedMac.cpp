@@ -16,7 +16,7 @@ constexpr double firstTicks = 4294967000.0;
 void SimulatedMac::boot(Machine newMachine)
 {
     faults().clear();
-    const std::lock_guard lock(processesMutex);
+    const MutexLock lock(processesMutex);
     machine = std::move(newMachine);
     m_clock = 0;
     m_channels.clear();

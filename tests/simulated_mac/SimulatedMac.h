@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "simulated_mac/Faults.h"
 #include "simulated_mac/Machine.h"
 #include "simulated_mac/Objects.h"
 
 #include <array>
-#include <mutex>
 #include <vector>
 
 namespace corvane::simulated {
@@ -42,7 +42,7 @@ public:
     const std::vector<std::array<std::uint32_t, 4>> &ticks() const { return m_ticks; }
 
     /// Guards `machine.processes`, which background threads read.
-    std::mutex processesMutex;
+    Mutex processesMutex;
 
     /// Paths that were asked for, with their modes, in order.
     struct OpenedLibrary {

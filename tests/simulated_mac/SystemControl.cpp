@@ -89,7 +89,7 @@ int sysctl(int *name, u_int nameLength, void *oldValue, std::size_t *oldLength, 
         return failure(EPERM);
     if (nameLength != 3 || name[0] != CTL_KERN || name[1] != KERN_PROCARGS2)
         return failure(ENOENT);
-    const std::lock_guard lock(mac().processesMutex);
+    const corvane::MutexLock lock(mac().processesMutex);
     for (const Process &process : mac().machine.processes) {
         if (process.pid != name[2] || !process.inspectable || fault == Way::error)
             continue;
