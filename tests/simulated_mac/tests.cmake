@@ -17,13 +17,15 @@ endif()
 if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
   set(CMAKE_OBJCXX_COMPILER ${CMAKE_CXX_COMPILER})
   enable_language(OBJCXX)
-  add_library(corvane_recorded_mac STATIC simulated_mac/recorded/Foundation.mm ${PROJECT_SOURCE_DIR}/src/app/Activity_mac.mm)
+  add_library(corvane_recorded_mac STATIC simulated_mac/recorded/Foundation.mm simulated_mac/recorded/ServiceManagement.mm
+              ${PROJECT_SOURCE_DIR}/src/app/Activity_mac.mm ${PROJECT_SOURCE_DIR}/src/login/LoginItem_mac.mm)
   set_target_properties(corvane_recorded_mac PROPERTIES AUTOMOC OFF)
   target_include_directories(corvane_recorded_mac BEFORE PRIVATE simulated_mac/include simulated_mac/libc
                              PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
   target_compile_options(corvane_recorded_mac PRIVATE -Wall -Wextra -Werror -fobjc-runtime=gcc -fblocks
                          -fconstant-string-class=NSConstantString -Wno-incomplete-implementation -Wno-deprecated-objc-isa-usage)
-  target_link_libraries(corvane_recorded_mac PUBLIC objc ${CORVANE_BLOCKS_RUNTIME})
+  target_link_libraries(corvane_recorded_mac PUBLIC objc ${CORVANE_BLOCKS_RUNTIME} Qt6::Core)
   corvane_test(simulated_mac/tst_Activity_mac LINK corvane_recorded_mac)
+  corvane_test(simulated_mac/tst_LoginItem_mac LINK corvane_recorded_mac)
   corvane_test(simulated_mac/tst_DesktopSession_mac SOURCES ../src/app/DesktopSession_mac.cpp)
 endif()
