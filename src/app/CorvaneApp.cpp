@@ -87,8 +87,8 @@ void CorvaneApp::openMainWindow()
         systemWindowPlatform().setActivationPolicy(ActivationPolicy::regular);
         m_mainWindow = new MainWindow;
         deleteOnClose(*m_mainWindow);
-        connect(m_mainWindow, &QObject::destroyed, this, [this] {
-            if (!isOpen(m_mainWindow)) // The lifecycle does not know one that was closed at once.
+        connect(m_mainWindow, &QObject::destroyed, this, [this, opening = ++m_openings] {
+            if (opening == m_openings) // The lifecycle does not know one that was closed at once.
                 systemWindowPlatform().setActivationPolicy(ActivationPolicy::accessory);
         });
         connectMainWindow();

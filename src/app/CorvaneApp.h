@@ -49,6 +49,7 @@ private:
     std::unique_ptr<QMenuBar> m_menuBar; ///< A Mac's; null elsewhere.
     QPointer<MainWindow> m_mainWindow;   ///< Deletes itself when it is closed.
     QPointer<SettingsWindow> m_settings; ///< Deletes itself when it is closed.
+    int m_openings = 0;                  ///< Dashboards so far.
 };
 
 /// Runs the program until the user quits. Returns the exit status of the process.
