@@ -21,7 +21,7 @@ private slots:
     void readsAnewEachTime();
     void hasNoSensorsWhenAskingFails_data();
     void hasNoSensorsWhenAskingFails();
-    void skipsWhatHasNoFootprintWhatDoesNotAnswer();
+    void leavesOutWhatDoesNotAnswer();
     void releasesEverything();
 };
 
