@@ -1,9 +1,13 @@
 #include "cards/RowList.h"
 
+#include "ui/ContextMenu.h"
 #include "ui/FocusRing.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -15,6 +19,8 @@
 namespace corvane {
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 constexpr double thumbWidth = 4;
 constexpr double thumbInset = 6; ///< From the right edge.
@@ -168,8 +174,32 @@ void RowList::wheelEvent(QWheelEvent *event)
     event->accept();
 }
 
+QString RowList::copiedText(const QPointF &place) const
+{
+    QStringList all;
+    for (int row = 0; row < m_geometry.count; ++row) {
+        const AccessibleText text = m_rows.accessibleRow(row);
+        all.append(text.name + u": "_s + text.value);
+        if (rect().contains(place.toPoint()) && rowRect(row).contains(place))
+            return all.last();
+    }
+    return all.join(u'\n');
+}
+
+void RowList::contextMenuEvent(QContextMenuEvent *event)
+{
+    const bool hasPlace = event->reason() == QContextMenuEvent::Mouse;
+    popUpCopy(*this, copiedText(hasPlace ? event->pos() : QPointF(-1, -1)), event->globalPos());
+}
+
 void RowList::keyPressEvent(QKeyEvent *event)
 {
+    if (event->matches(QKeySequence::Copy)) {
+        const QPointF pointer =
+            underMouse() ? mapFromGlobal(QPointF(QCursor::pos())) : QPointF(-1, -1);
+        QGuiApplication::clipboard()->setText(copiedText(pointer));
+        return;
+    }
     const int step = m_rows.height + m_rows.gap;
     const int page = std::max(height() / step - 1, 1) * step;
     switch (event->key()) {

@@ -25,7 +25,8 @@ struct RowGeometry {
 
 /// A scrolling list of painted rows. It fades out at the bottom while there are more rows below,
 /// and shows the position with a thin thumb in its right margin. Wheel, keys and dragging the thumb
-/// scroll it. The card that owns it provides what the rows look like and their accessible texts.
+/// scroll it. A right click copies a row as text, Ctrl+C the row under the pointer or, without one,
+/// all rows. The card that owns it provides what the rows look like and their accessible texts.
 class RowList : public AccessibleWidget {
     Q_OBJECT
 
@@ -63,9 +64,11 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     QRectF rowRect(int row) const;
+    QString copiedText(const QPointF &place) const; ///< Of the row there; of all if there is none.
     QRectF thumbRect() const;
     void paintRows(QPainter &painter, const QRectF &part) const;
     void paintFade(QPainter &painter, const QRectF &part) const;

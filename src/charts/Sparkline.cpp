@@ -1,12 +1,16 @@
 #include "charts/Sparkline.h"
 
 #include "charts/ChartTime.h"
+#include "ui/ContextMenu.h"
 #include "ui/FocusRing.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
 
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLinearGradient>
 #include <QMouseEvent>
@@ -147,6 +151,28 @@ QString Sparkline::accessibleValue() const
     return accessibleText(m_buildPill(hoveredIndex().value_or(m_data.timestamps.size() - 1)));
 }
 
+QString Sparkline::copiedText() const
+{
+    const std::vector<std::optional<double>> columns =
+        sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, size()});
+    QStringList lines;
+    for (std::size_t i = 0; m_buildPill && i < columns.size(); ++i) {
+        if (!columns[i])
+            continue;
+        const PillContent content = m_buildPill(i);
+        QStringList fields{content.time};
+        for (const PillRow &row : content.rows)
+            fields += row.values;
+        lines.append(fields.join(u'\t'));
+    }
+    return lines.join(u'\n');
+}
+
+void Sparkline::contextMenuEvent(QContextMenuEvent *event)
+{
+    popUpCopy(*this, copiedText(), event->globalPos());
+}
+
 void Sparkline::resizeEvent(QResizeEvent *event)
 {
     m_prepared = false;
@@ -194,7 +220,9 @@ void Sparkline::leaveEvent(QEvent *)
 
 void Sparkline::keyPressEvent(QKeyEvent *event)
 {
-    if (!stepCursor(event->key()))
+    if (event->matches(QKeySequence::Copy))
+        QGuiApplication::clipboard()->setText(copiedText());
+    else if (!stepCursor(event->key()))
         QWidget::keyPressEvent(event);
 }
 

@@ -45,6 +45,10 @@ public:
     /// Index of the sample nearest to the cursor; absent without a cursor or samples.
     std::optional<std::size_t> hoveredIndex() const;
 
+    /// The samples in view as lines of time and values, as the pill shows them, separated by tabs:
+    /// what "Copy" and Ctrl+C put on the clipboard. Empty without a builder.
+    QString copiedText() const;
+
     /// The content of the pill at the cursor, or for the newest sample if there is no cursor.
     QString accessibleValue() const override;
 
@@ -58,6 +62,7 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:

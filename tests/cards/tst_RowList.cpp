@@ -3,7 +3,10 @@
 #include "ui/Theme.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -66,6 +69,7 @@ private slots:
     void fadesWhileThereAreMoreRows();
     void ignoresOtherKeys();
     void focusRingCoversNoRow();
+    void copiesARowOrAllRows();
     void everyRowIsAccessible();
 };
 
@@ -255,6 +259,29 @@ void TestRowList::focusRingCoversNoRow()
         QCOMPARE(pixelAt(image, x, 10), QColor(200, 0, 0));
         QCOMPARE(pixelAt(image, x, 60), QColor(200, 0, 0));
     }
+}
+
+void TestRowList::copiesARowOrAllRows()
+{
+    List list(8);
+    list.list.scrollTo(20); // The second row is the first in view.
+    const auto copiedByMenu = [&list](QContextMenuEvent::Reason reason, const QPoint &place) {
+        QContextMenuEvent event(reason, place, list.list.mapToGlobal(place));
+        QApplication::sendEvent(&list.list, &event);
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        menu->actions().first()->trigger();
+        menu->close();
+        return QGuiApplication::clipboard()->text();
+    };
+    QCOMPARE(copiedByMenu(QContextMenuEvent::Mouse, {100, 25}), u"row 2: x"_s);
+    const QString all = copiedByMenu(QContextMenuEvent::Keyboard, {100, 25});
+    QCOMPARE(all.count(u'\n'), 7);
+    QVERIFY(all.startsWith(u"row 0: x\nrow 1: x\n"_s));
+    QCOMPARE(copiedByMenu(QContextMenuEvent::Mouse, {2, 25}), all); // Beside the rows.
+
+    QGuiApplication::clipboard()->clear();
+    QTest::keySequence(&list.list, QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), all);
 }
 
 void TestRowList::everyRowIsAccessible()

@@ -4,8 +4,12 @@
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QEnterEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QTest>
 
@@ -113,6 +117,7 @@ private slots:
     void keysSkipSamplesWithoutAPlace();
     void ignoresOtherKeys();
     void focusIsVisible();
+    void copiesTheSamplesInView();
     void losingTheFocusClearsTheCursor();
     void accessibleValueIsThePillOfTheCursorOrTheNewestSample();
     void repaintsOnlyChanges();
@@ -657,6 +662,40 @@ void TestSparkline::focusIsVisible()
     chart.setFocus(Qt::TabFocusReason);
     QVERIFY(isClose(pixelAt(rendered(window, 1), 60, 7), Theme::focusRing)); // 3 above the chart.
     QCOMPARE(pixelAt(rendered(window, 1), 60, 10).alpha(), 0);
+}
+
+void TestSparkline::copiesTheSamplesInView()
+{
+    QWidget window;
+    QAction command(u"Command"_s);
+    window.addAction(&command);
+    Sparkline chart(&window);
+    chart.resize(300, 100);
+    SparklineData data = plain({area({1, 2, 3, 4}, red)});
+    data.xDomain = {10, 30}; // The first sample is outside.
+    chart.show(data);
+    chart.setHoverPill([](std::size_t index) {
+        return PillContent{u"00:00:%1"_s.arg(10 * index),
+                           {totalRow(u"9 W"_s, red), componentRow(u"CPU"_s, u"\u2013"_s, red),
+                            valuesRow({u"42%"_s, u"1.20GHz"_s}, red)}};
+    });
+    window.show();
+    const QString expected = u"00:00:10\t9 W\t\u2013\t42%\t1.20GHz\n"
+                             "00:00:20\t9 W\t\u2013\t42%\t1.20GHz\n"
+                             "00:00:30\t9 W\t\u2013\t42%\t1.20GHz"_s;
+    QTest::keySequence(&chart, QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+
+    QGuiApplication::clipboard()->clear();
+    QContextMenuEvent click(QContextMenuEvent::Mouse, {50, 50}, chart.mapToGlobal(QPoint(50, 50)));
+    QApplication::sendEvent(&chart, &click);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QCOMPARE(menu->actions().first()->text(), u"Copy"_s);
+    QCOMPARE(menu->actions().last(), &command); // Those of the window are still there.
+    menu->actions().first()->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+    menu->close();
 }
 
 void TestSparkline::losingTheFocusClearsTheCursor()
