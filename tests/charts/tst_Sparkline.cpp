@@ -93,6 +93,8 @@ private slots:
     void fillsHaveNoSeams();
     void drawsTheLineOverTheFill_data() { addScales(); }
     void drawsTheLineOverTheFill();
+    void thickLinesHaveRoundJoins_data() { addScales(); }
+    void thickLinesHaveRoundJoins();
     void gridIsOnePoint_data() { addScales(); }
     void gridIsOnePoint();
     void cursorIsOnePoint_data() { addScales(); }
@@ -232,6 +234,20 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 49), blue);
     QCOMPARE(pixelAt(image, 100, 51), blue);
     QCOMPARE(pixelAt(image, 100, 53), red);
+}
+
+/// At a sharp peak a round join reaches half the line's width above the point; a cut mitre less.
+void TestSparkline::thickLinesHaveRoundJoins()
+{
+    QFETCH(double, scale);
+    Sparkline chart;
+    chart.resize(60, 100);
+    chart.show(plain({{.values = {0, 0, 5, 0}, .lineColor = blue, .lineWidth = 8}}));
+    const QImage image = rendered(chart, scale);
+    // The peak is at 40, 50.
+    QCOMPARE(pixelAt(image, 40, 47.2), blue);
+    QVERIFY(pixelAt(image, 40, 46.4).alpha() > 200);
+    QVERIFY(pixelAt(image, 40, 44.5).alpha() < 10);
 }
 
 /// The opacities above 0 in a column or row of device pixels, and the index of the first.
