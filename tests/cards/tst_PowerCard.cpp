@@ -7,6 +7,8 @@
 
 #include <QTest>
 
+#include <cmath>
+
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
@@ -82,7 +84,16 @@ void TestPowerCard::scalesAbovePeaks_data()
     QTest::addColumn<double>("expected");
     QTest::newRow("no power") << 0.0 << 5.0;
     QTest::newRow("4 W") << 4.0 << 5.0;
+    QTest::newRow("just below 5 with its room") << std::nextafter(5 / 1.18, 0) << 5.0;
+    QTest::newRow("exactly 5 with its room") << 5 / 1.18 << 10.0;
     QTest::newRow("8 W") << 8.0 << 10.0;
+    QTest::newRow("exactly 10 with its room") << 10 / 1.18 << 10.0;
+    QTest::newRow("just above 10 with its room") << std::nextafter(10 / 1.18, 99) << 15.0;
+    QTest::newRow("just below 25 with its room: fives") << std::nextafter(25 / 1.18, 0) << 25.0;
+    QTest::newRow("exactly 25 with its room: tens") << 25 / 1.18 << 30.0;
+    QTest::newRow("exactly 100 with its room") << 100 / 1.18 << 100.0;
+    QTest::newRow("just above 100 with its room: twenty-fives")
+        << std::nextafter(100 / 1.18, 999) << 125.0;
     QTest::newRow("8.6 W: fives") << 8.6 << 15.0;
     QTest::newRow("30 W: tens") << 30.0 << 40.0;
     QTest::newRow("90 W: twenty-fives") << 90.0 << 125.0;

@@ -95,6 +95,7 @@ private slots:
     void drawsTheLineOverTheFill();
     void thickLinesHaveRoundJoins_data() { addScales(); }
     void thickLinesHaveRoundJoins();
+    void layersLieInOrder();
     void gridIsOnePoint_data() { addScales(); }
     void gridIsOnePoint();
     void cursorIsOnePoint_data() { addScales(); }
@@ -248,6 +249,47 @@ void TestSparkline::thickLinesHaveRoundJoins()
     QCOMPARE(pixelAt(image, 40, 47.2), blue);
     QVERIFY(pixelAt(image, 40, 46.4).alpha() > 200);
     QVERIFY(pixelAt(image, 40, 44.5).alpha() < 10);
+}
+
+/// From the back: grid, fill, line, cursor, tag of a time label, pill.
+void TestSparkline::layersLieInOrder()
+{
+    Sparkline chart;
+    chart.resize(300, 100);
+    SparklineData data = plain({area({5, 5, 5, 5}, red)});
+    data.series[0].lineColor = blue;
+    data.series[0].lineWidth = 6;
+    data.showsGrid = true; // Where the line is.
+    data.showsTimeLabels = true;
+    chart.show(data);
+    const auto over = [](const QColor &upper, const QColor &lower) {
+        QImage image(1, 1, QImage::Format_ARGB32_Premultiplied);
+        image.fill(lower);
+        QPainter painter(&image);
+        painter.fillRect(image.rect(), upper);
+        painter.end();
+        return image.pixelColor(0, 0);
+    };
+    QImage image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 100, 49.5), blue); // Neither the grid nor the fill covers the line.
+    QCOMPARE(pixelAt(image, 100, 52), blue);
+    QCOMPARE(pixelAt(image, 100, 60), red);
+    QVERIFY(isClose(pixelAt(image, 2, 93), over(Theme::timeLabelTag, red)));
+
+    hover(chart, 2);
+    image = rendered(chart, 1);
+    QVERIFY(isClose(pixelAt(image, 2, 50), over(Theme::chartCursor, blue)));
+    QVERIFY(isClose(pixelAt(image, 2, 60), over(Theme::chartCursor, red)));
+    QVERIFY(
+        isClose(pixelAt(image, 2, 93), over(Theme::timeLabelTag, over(Theme::chartCursor, red))));
+
+    chart.setHoverPill(indexPill);
+    hover(chart, 150);
+    image = rendered(chart, 1);
+    QVERIFY(pixelAt(image, 150, 4).lightness() < 80); // The pill covers the cursor,
+    data.series[0].values = {9, 9, 9, 9};
+    chart.show(data);
+    QVERIFY(pixelAt(rendered(chart, 1), 150, 10).blue() < 100); // and the line.
 }
 
 /// The opacities above 0 in a column or row of device pixels, and the index of the first.
