@@ -25,6 +25,12 @@ public:
         QColor color = {};
     };
 
+    const Heading &heading() const { return m_heading; }
+
+    /// All texts that are painted on the card itself, the title first; those without words are not
+    /// painted.
+    const std::deque<CardText> &texts() const { return m_texts; }
+
     std::vector<AccessibleText> accessibleTexts() const override;
 
     /// The text with that accessible name; empty if there is none.

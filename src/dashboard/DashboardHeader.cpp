@@ -94,6 +94,14 @@ void DashboardHeader::show(const SystemMetrics &current)
     }
 }
 
+std::vector<CardText> DashboardHeader::texts() const
+{
+    std::vector<CardText> texts{m_name, m_chip};
+    for (const QuickStat &stat : m_stats)
+        texts.insert(texts.end(), {stat.label, stat.value});
+    return texts;
+}
+
 std::vector<AccessibleText> DashboardHeader::accessibleTexts() const
 {
     std::vector<AccessibleText> texts{m_name.accessible(), m_chip.accessible()};
@@ -127,12 +135,8 @@ void DashboardHeader::paintEvent(QPaintEvent *event)
     paintWindowBackground(painter, *this, event->region());
 
     paintLogo(painter, QRectF(0, (height() - logoSide) / 2, logoSide, logoSide));
-    m_name.paint(painter);
-    m_chip.paint(painter);
-    for (const QuickStat &stat : m_stats) {
-        stat.label.paint(painter);
-        stat.value.paint(painter);
-    }
+    for (const CardText &text : texts())
+        text.paint(painter);
 }
 
 } // namespace corvane

@@ -17,6 +17,9 @@ public:
     using QWidget::show;
     void show(const SystemMetrics &current);
 
+    /// All texts that are painted: name, chip, and the label and value of each quick number.
+    std::vector<CardText> texts() const;
+
     std::vector<AccessibleText> accessibleTexts() const override;
 
 protected:

@@ -5,6 +5,7 @@
 #include "panel/PanelRow.h"
 #include "support/Rendering.h"
 #include "ui/PanelButton.h"
+#include "ui/Theme.h"
 
 #include <QAction>
 #include <QApplication>
@@ -52,6 +53,7 @@ private slots:
     void hasTheDesignedSize();
     void dividersAreOfWholePixels_data();
     void dividersAreOfWholePixels();
+    void rowsHaveTheirColours();
     void maskFollowsTheRoundCorners();
     void everyRowIsAccessible();
     void headerNamesChipAndPower();
@@ -120,6 +122,44 @@ void TestMenuBarContent::dividersAreOfWholePixels()
         QCOMPARE(line.size(), pixels);
         QVERIFY(line.count(line.front()) == pixels); // Without a half-covered row.
     }
+}
+
+/// At a scale where the stems of the texts cover whole pixels.
+void TestMenuBarContent::rowsHaveTheirColours()
+{
+    MenuBarContent panel;
+    panel.show(busySample());
+    panel.toggleAt({400, 10});
+    const QImage image = rendered(panel, 4);
+    const auto hasPixelOf = [&image](const QColor &color, const QRectF &place) {
+        for (double x = place.left(); x < place.right(); x += 0.25) {
+            for (double y = place.top(); y < place.bottom(); y += 0.25) {
+                if (isClose(pixelAt(image, x, y), color))
+                    return true;
+            }
+        }
+        return false;
+    };
+    const auto onPanel = [](const QColor &color) {
+        QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
+        pixel.fill(Theme::panelFill);
+        QPainter(&pixel).fillRect(0, 0, 1, 1, color);
+        return pixel.pixelColor(0, 0);
+    };
+    const QList<QColor> dots{Theme::memory, Theme::gpu, Theme::cpu, Theme::ane,
+                             onPanel(Theme::withOpacity(Theme::memory, 0.7))};
+    for (int row = 0; row < dots.size(); ++row) {
+        const QRectF place(12, 63 + 36 * row, 256, 28);
+        const QRectF title(place.left() + 15, place.top(), 50, 15);
+        const QRectF value(place.right() - 60, place.top(), 60, 15);
+        const QRectF detail(place.right() - 60, place.top() + 15, 60, 13);
+        QVERIFY(isClose(pixelAt(image, 15.5, place.top() + 7.5), dots[row]));
+        QVERIFY(hasPixelOf(Theme::textPrimary, title));
+        QVERIFY(hasPixelOf(Theme::textPrimary, value));
+        QVERIFY(hasPixelOf(onPanel(Theme::textTertiary), detail));
+        QVERIFY(!hasPixelOf(Theme::textPrimary, detail));
+    }
+    QVERIFY(hasPixelOf(Theme::power, QRectF(200, 12, 68, 16)));
 }
 
 void TestMenuBarContent::maskFollowsTheRoundCorners()
