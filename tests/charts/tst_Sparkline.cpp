@@ -237,7 +237,7 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 53), red);
 }
 
-/// At a sharp peak a round join reaches half the line's width above the point; a cut mitre less.
+/// At a sharp peak a round join reaches half the line's width above the point; a mitre goes higher.
 void TestSparkline::thickLinesHaveRoundJoins()
 {
     QFETCH(double, scale);
