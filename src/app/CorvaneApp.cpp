@@ -3,6 +3,8 @@
 #include "app/AboutPanel.h"
 #include "app/DesktopSession.h"
 #include "app/DisplayGuard.h"
+#include "app/PaintingThread.h"
+#include "app/ProcessStart.h"
 #include "app/QuitSignals.h"
 #include "dashboard/MainWindow.h"
 #include "instance/ApplicationService.h"
@@ -10,6 +12,7 @@
 #include "instance/SingleInstance.h"
 #include "platform/Heap.h"
 #include "platform/MainThread.h"
+#include "platform/ThreadStart.h"
 #include "settings/SettingsWindow.h"
 #include "windows/WindowPlatform.h"
 #include "windows/WindowTools.h"
@@ -52,6 +55,13 @@ std::optional<int> statusOfLaterStart(const SingleInstance &instance)
     }
     std::fputs("Corvane is already running, but it does not answer.\n", stderr);
     return EXIT_FAILURE;
+}
+
+/// Libraries hang without threads, even where they end: the process exits here.
+[[noreturn]] void endWithoutThreads()
+{
+    std::fputs("Corvane cannot start: the system allows it no more threads.\n", stderr);
+    std::_Exit(EXIT_FAILURE);
 }
 
 /// Without a display the process exits here.
@@ -182,17 +192,23 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    openStandardDescriptors();
+    ignoreWriteSignals();
+    raiseDescriptorLimit();
     shareOneHeap();
     nameProgram();
-    ignoreBrokenPipes();
     const InstanceMessage message = messageOfThisStart();
     const SingleInstance instance(message);
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
+    if (!canStartThread())
+        endWithoutThreads();
     prepareDesktopSession();
     const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    if (!startPaintingThread())
+        endWithoutThreads();
     const QuitSignals quitSignals;
     CorvaneApp corvane;
     const InstanceSocket socket(instance.socketPath());

@@ -91,9 +91,4 @@ QuitSignals::~QuitSignals()
     writingEnd = -1;
 }
 
-void ignoreBrokenPipes()
-{
-    std::signal(SIGPIPE, SIG_IGN);
-}
-
 } // namespace corvane

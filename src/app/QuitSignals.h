@@ -23,7 +23,4 @@ private:
     FileDescriptor m_writingEnd;
 };
 
-/// Makes a write to a closed pipe or socket fail instead of ending the process.
-void ignoreBrokenPipes();
-
 } // namespace corvane

@@ -2,6 +2,7 @@
 
 #include "bus/SessionBus.h"
 #include "platform/MainThread.h"
+#include "platform/ThreadStart.h"
 
 namespace corvane {
 
@@ -40,6 +41,11 @@ void BusConnection::probe()
 void BusConnection::open()
 {
     m_probe.reset();
+    // The first connection of a process starts the library's thread and waits for it.
+    if (!canStartThread()) {
+        close();
+        return;
+    }
     m_bus = QDBusConnection::connectToBus(m_address, m_name);
     if (!m_bus.isConnected()) {
         close();

@@ -2,14 +2,13 @@
 
 #include "platform/Mutex.h"
 #include "platform/ThreadPriority.h"
+#include "platform/ThreadStart.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QThread>
 
 #include <atomic>
-#include <system_error>
-#include <thread>
 
 namespace corvane {
 
@@ -81,13 +80,15 @@ void runThenCall(QObject *owner, std::function<void()> job, std::function<void()
     }
     const auto path = std::make_shared<ReturnPath>();
     auto *receiver = new JobReceiver(owner, path, std::move(deliver));
-    try {
-        std::thread(runJob, std::move(job), path).detach();
-    } catch (const std::system_error &) {
-        // No thread could be started: the job counts as one too many.
-        --runningJobs;
-        delete receiver;
+    std::thread thread =
+        startThread([job = std::move(job), path]() mutable { runJob(std::move(job), path); });
+    if (thread.joinable()) {
+        thread.detach();
+        return;
     }
+    // The job counts as one too many.
+    --runningJobs;
+    delete receiver;
 }
 
 } // namespace corvane

@@ -4,6 +4,7 @@ corvane_test(app/tst_AboutPanel SYSTEM linux simulated-mac)
 corvane_test(app/tst_Commands)
 corvane_test(app/tst_DisplayGuard)
 corvane_test(app/tst_QuitSignals)
+corvane_test(app/tst_ProcessStart)
 corvane_test(app/tst_Soak SYSTEM linux TIMEOUT 3600 LONG --ticks 86400
              SOURCES app/SoakMachine.cpp support/SteppedClock.cpp)
 

@@ -5,8 +5,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <array>
-
 #include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
@@ -40,7 +38,6 @@ private slots:
     void leavesIgnoredSignalsIgnored();
     void restoresTheDefaultHandlers();
     void keepsTheDefaultHandlersWithoutDescriptors();
-    void writesToBrokenPipesFail();
 };
 
 /// Sets the default handlers.
@@ -117,17 +114,6 @@ void TestQuitSignals::keepsTheDefaultHandlersWithoutDescriptors()
     QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         QVERIFY(handlerOf(number) == SIG_DFL);
-}
-
-void TestQuitSignals::writesToBrokenPipesFail()
-{
-    ignoreBrokenPipes();
-    std::array<int, 2> ends = {};
-    QCOMPARE(pipe(ends.data()), 0);
-    close(ends[0]);
-    QCOMPARE(write(ends[1], "x", 1), -1);
-    QCOMPARE(errno, EPIPE);
-    close(ends[1]);
 }
 
 QTEST_MAIN(TestQuitSignals)

@@ -5,6 +5,7 @@
 #include "support/OddFiles.h"
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
+#include "support/SystemCalls.h"
 #include "support/Waiting.h"
 
 #include <QCoreApplication>
@@ -52,6 +53,9 @@ private slots:
     void aSecondStartGivesUpOnOneThatIsStopped();
     void twoSessionsRunSideBySideAndOneWritesTheHistory();
     void survivesATimeWithoutDescriptors();
+    void runsWithLimits_data();
+    void runsWithLimits();
+    void endsInOneLineWithoutThreads();
     void runsWithoutRuntimeAndTemporaryFolders();
     void runsWithAnyHistory_data();
     void runsWithAnyHistory();
@@ -237,6 +241,47 @@ void TestRunningProgram::survivesATimeWithoutDescriptors()
     QCOMPARE(second.exitStatus(), 0);
     first.send(SIGTERM);
     QCOMPARE(first.exitStatus(), 0);
+}
+
+void TestRunningProgram::runsWithLimits_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::newRow("no file may grow") << u"ulimit -f 0; exec "_s;
+    QTest::newRow("without standard streams") << u"exec <&- >&- 2>&- "_s;
+}
+
+/// As its parent may start it.
+void TestRunningProgram::runsWithLimits()
+{
+    QFETCH(const QString, shell);
+    QVERIFY(m_session->startBus());
+    const ProgramRun first(m_session->environment, u"sh"_s,
+                           {u"-c"_s, shell + u"\"$0\""_s, programFile()});
+    TRY_COMPARE(m_session->tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    const QString folder = u"/proc/%1/fd/"_s.arg(first.id());
+    for (const QString &number : {u"0"_s, u"1"_s, u"2"_s}) {
+        const QString file = QFile::symLinkTarget(folder + number);
+        QVERIFY2(file.contains("pipe:"_L1) || file == "/dev/null"_L1, qPrintable(file));
+    }
+    const qint64 read = bytesRead(static_cast<pid_t>(first.id()));
+    TRY_VERIFY(bytesRead(static_cast<pid_t>(first.id())) > read + 5000); // It still samples.
+    first.send(SIGTERM);
+    QCOMPARE(first.exitStatus(), 0);
+}
+
+/// The system refuses every thread but the first.
+void TestRunningProgram::endsInOneLineWithoutThreads()
+{
+    if (*CORVANE_SANITIZERS)
+        QSKIP("Sanitizers need threads of their own.");
+    if (const QString obstacle = obstacleToTracing(); !obstacle.isEmpty())
+        QSKIP(qPrintable(obstacle));
+    ProgramRun corvane(m_session->environment, u"strace"_s,
+                       {u"-f"_s, u"-o"_s, m_session->path(u"trace"_s), u"-e"_s,
+                        u"inject=clone,clone3:error=EAGAIN"_s, programFile()});
+    QCOMPARE(corvane.exitStatus(), 1);
+    QCOMPARE(corvane.errors(), "Corvane cannot start: the system allows it no more threads.\n"_ba);
 }
 
 void TestRunningProgram::runsWithoutRuntimeAndTemporaryFolders()

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace corvane {
+
+// What this process needs before it opens a file or starts a thread. Main thread; once each, in
+// this order.
+
+/// Opens /dev/null for each of the descriptors 0 to 2 that is closed: otherwise a file or socket
+/// would get that number, and what libraries print would be written into it.
+void openStandardDescriptors();
+
+/// Makes a write fail instead of ending the process: to a closed pipe or socket, or beyond the
+/// largest file that the process may write.
+void ignoreWriteSignals();
+
+/// Raises the number of descriptors that may be open to the most that the system allows this
+/// process. A library that opens many, for a graphics driver or fonts, then leaves some over.
+void raiseDescriptorLimit();
+
+} // namespace corvane

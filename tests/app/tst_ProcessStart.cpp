@@ -1,0 +1,128 @@
+#include "app/ProcessStart.h"
+
+#include <QTest>
+
+#include <array>
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace corvane;
+
+namespace {
+
+/// The exit status of a child that runs `function`; -1 if a signal ended it.
+template <typename Function>
+int statusOfChild(Function function)
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(function());
+    int status = 0;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool isNullDevice(int descriptor)
+{
+    struct stat null = {};
+    struct stat status = {};
+    return stat("/dev/null", &null) == 0 && fstat(descriptor, &status) == 0
+        && status.st_rdev == null.st_rdev && S_ISCHR(status.st_mode);
+}
+
+} // namespace
+
+class TestProcessStart : public QObject {
+    Q_OBJECT
+
+private slots:
+    void opensClosedStandardDescriptors_data();
+    void opensClosedStandardDescriptors();
+    void writesToBrokenPipesFail();
+    void writesBeyondTheLargestFileFail();
+    void raisesTheDescriptorLimit();
+};
+
+void TestProcessStart::opensClosedStandardDescriptors_data()
+{
+    QTest::addColumn<int>("closed"); // A bit for each.
+    QTest::newRow("the input") << 1;
+    QTest::newRow("the output") << 2;
+    QTest::newRow("the errors") << 4;
+    QTest::newRow("input and errors") << 5;
+    QTest::newRow("all") << 7;
+}
+
+void TestProcessStart::opensClosedStandardDescriptors()
+{
+    QFETCH(const int, closed);
+    const int status = statusOfChild([closed] {
+        std::array<struct stat, 3> before = {};
+        for (int number = 0; number < 3; ++number) {
+            fstat(number, &before[static_cast<std::size_t>(number)]);
+            if ((closed & 1 << number) != 0)
+                close(number);
+        }
+        openStandardDescriptors();
+        for (int number = 0; number < 3; ++number) {
+            struct stat now = {};
+            fstat(number, &now);
+            const struct stat &was = before[static_cast<std::size_t>(number)];
+            const bool isRight = (closed & 1 << number) != 0
+                ? isNullDevice(number)
+                : now.st_ino == was.st_ino && now.st_dev == was.st_dev;
+            if (!isRight)
+                return 10 + number;
+        }
+        return open("/dev/null", O_RDONLY) > 2 ? 0 : 1;
+    });
+    QCOMPARE(status, 0);
+}
+
+void TestProcessStart::writesToBrokenPipesFail()
+{
+    ignoreWriteSignals();
+    std::array<int, 2> ends = {};
+    QCOMPARE(pipe(ends.data()), 0);
+    close(ends[0]);
+    QCOMPARE(write(ends[1], "x", 1), -1);
+    QCOMPARE(errno, EPIPE);
+    close(ends[1]);
+}
+
+void TestProcessStart::writesBeyondTheLargestFileFail()
+{
+    const int status = statusOfChild([] {
+        std::signal(SIGXFSZ, SIG_DFL);
+        ignoreWriteSignals();
+        char name[] = "/tmp/corvane-XXXXXX";
+        const int file = mkstemp(name);
+        unlink(name);
+        const rlimit none{.rlim_cur = 0, .rlim_max = 0};
+        setrlimit(RLIMIT_FSIZE, &none);
+        return write(file, "x", 1) == -1 && errno == EFBIG ? 0 : 1;
+    });
+    QCOMPARE(status, 0);
+}
+
+void TestProcessStart::raisesTheDescriptorLimit()
+{
+    const int status = statusOfChild([] {
+        rlimit limit = {};
+        getrlimit(RLIMIT_NOFILE, &limit);
+        limit.rlim_cur = 64;
+        setrlimit(RLIMIT_NOFILE, &limit);
+        raiseDescriptorLimit();
+        getrlimit(RLIMIT_NOFILE, &limit);
+        return limit.rlim_cur == limit.rlim_max && limit.rlim_max > 64 ? 0 : 1;
+    });
+    QCOMPARE(status, 0);
+}
+
+QTEST_GUILESS_MAIN(TestProcessStart)
+#include "tst_ProcessStart.moc"
