@@ -11,6 +11,9 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -25,9 +28,43 @@ constexpr std::array quitSignalNumbers{SIGTERM, SIGINT, SIGHUP};
 std::atomic<int> writingEnd = -1;
 static_assert(std::atomic<int>::is_always_lock_free);
 
+/// Seconds that the program has for its end.
+constexpr unsigned int mostSeconds = 4;
+
+/// Two signals within this time count as one: session managers send several.
+constexpr std::int64_t repeatSeconds = 1;
+
+/// When the end began, in seconds of the monotonic clock; 0: it has not begun.
+std::atomic<std::int64_t> endBegan = 0;
+static_assert(std::atomic<std::int64_t>::is_always_lock_free);
+
+std::int64_t monotonicSeconds()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec + 1; // Never 0.
+}
+
+/// Ends the process if it still runs at the deadline, whatever its threads wait for. Calls only
+/// what a signal handler may call. A first deadline stays.
+void setDeadline()
+{
+    std::int64_t notYet = 0;
+    if (endBegan.compare_exchange_strong(notYet, monotonicSeconds()))
+        alarm(mostSeconds);
+}
+
+void endProcess(int)
+{
+    _exit(EXIT_SUCCESS);
+}
+
 void reportSignal(int)
 {
     const int before = errno;
+    setDeadline();
+    if (monotonicSeconds() - endBegan > repeatSeconds)
+        endProcess(0);
     const char byte = 0;
     // One byte is enough, so a full pipe does not matter.
     [[maybe_unused]] const ssize_t written = write(writingEnd, &byte, sizeof byte);
@@ -61,6 +98,10 @@ void disableRestart(QSessionManager &manager)
 QuitSignals::QuitSignals(QObject *parent) : QObject(parent)
 {
     assertMainThread();
+    endBegan = 0;
+    alarm(0);
+    std::signal(SIGALRM, endProcess); // Until the process ends: it may hang after this object.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, setDeadline);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, disableRestart,
             Qt::DirectConnection);
     connect(qGuiApp, &QGuiApplication::saveStateRequest, this, disableRestart,
