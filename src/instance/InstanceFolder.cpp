@@ -1,9 +1,9 @@
 #include "instance/InstanceFolder.h"
 
+#include "platform/PrivateFolder.h"
+
 #include <QDir>
 #include <QFile>
-
-#include <optional>
 
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -13,25 +13,19 @@ namespace corvane {
 
 namespace {
 
-constexpr mode_t ownersOnly = 0700;
-
-/// The folder's status; absent if it is missing, not a folder, a link (which anybody could have
-/// made) or another user's.
-std::optional<struct stat> ownFolder(const std::string &path)
+/// Whether it is a folder of this user, and no link.
+bool isOwnFolder(const std::string &path)
 {
     struct stat status = {};
-    if (lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid())
-        return status;
-    return std::nullopt;
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)
+        && status.st_uid == geteuid();
 }
 
 /// Creates the folder if it is missing. Whether it is this user's alone and short enough for a
 /// socket's path.
-bool makePrivateFolder(const std::string &folder)
+bool makeUsableFolder(const std::string &folder)
 {
-    mkdir(folder.c_str(), ownersOnly);
-    const auto status = ownFolder(folder);
-    return status && (status->st_mode & 0777) == ownersOnly
+    return makePrivateFolder(folder)
         && instanceSocket(folder).size() < sizeof(sockaddr_un::sun_path);
 }
 
@@ -42,11 +36,11 @@ std::string instanceFolder()
     // Another user's when root runs the program in that user's session.
     const std::string runtime = qgetenv("XDG_RUNTIME_DIR").toStdString();
     const std::string inSession = runtime + "/" CORVANE_IDENTIFIER;
-    if (runtime.starts_with('/') && ownFolder(runtime) && makePrivateFolder(inSession))
+    if (runtime.starts_with('/') && isOwnFolder(runtime) && makeUsableFolder(inSession))
         return inSession;
     const std::string inTemporary = QFile::encodeName(QDir::tempPath()).toStdString()
         + "/" CORVANE_IDENTIFIER "-" + std::to_string(geteuid());
-    return makePrivateFolder(inTemporary) ? inTemporary : std::string();
+    return makeUsableFolder(inTemporary) ? inTemporary : std::string();
 }
 
 std::string instanceSocket(const std::string &folder)
