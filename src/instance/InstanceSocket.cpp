@@ -87,13 +87,15 @@ InstanceSocket::InstanceSocket(std::string path, Times times)
     if (m_path.empty() || !socket || !listenAt(socket, m_path))
         return;
     m_socket = std::move(socket);
+    m_file = fileIdentity(m_path);
     m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &InstanceSocket::acceptConnection);
 }
 
 InstanceSocket::~InstanceSocket()
 {
-    if (m_socket)
+    // Another start's socket may have taken its place, with the folder.
+    if (m_socket && m_file && m_file == fileIdentity(m_path))
         unlink(m_path.c_str());
 }
 

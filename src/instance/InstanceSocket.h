@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 class QSocketNotifier;
@@ -51,7 +52,8 @@ private:
 
     const std::string m_path;
     const Times m_times;
-    FileDescriptor m_socket; ///< Empty if it does not listen.
+    FileDescriptor m_socket;            ///< Empty if it does not listen.
+    std::optional<FileIdentity> m_file; ///< The socket's place in the folder.
     std::unique_ptr<QSocketNotifier> m_notifier;
     QList<QPointer<QObject>> m_connections; ///< Oldest first; children of this.
 };

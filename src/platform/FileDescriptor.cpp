@@ -6,10 +6,35 @@
 
 namespace corvane {
 
+namespace {
+
+FileIdentity identityOf(const struct stat &status)
+{
+    return {.device = static_cast<std::uint64_t>(status.st_dev), .number = status.st_ino};
+}
+
+} // namespace
+
 FileDescriptor::~FileDescriptor()
 {
     if (m_descriptor >= 0)
         close(m_descriptor);
+}
+
+std::optional<FileIdentity> fileIdentity(const std::string &path)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return identityOf(status);
+}
+
+std::optional<FileIdentity> fileIdentity(const FileDescriptor &file)
+{
+    struct stat status = {};
+    if (fstat(file.get(), &status) != 0)
+        return std::nullopt;
+    return identityOf(status);
 }
 
 FileDescriptor openRegular(const std::string &path, FileAccess access)

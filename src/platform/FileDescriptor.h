@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -29,6 +31,18 @@ public:
 private:
     int m_descriptor = -1;
 };
+
+/// What distinguishes a file or folder from one that takes its place.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0; ///< The inode's.
+
+    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
+};
+
+/// Absent if nothing is there.
+std::optional<FileIdentity> fileIdentity(const std::string &path);
+std::optional<FileIdentity> fileIdentity(const FileDescriptor &file);
 
 enum class FileAccess { read, append };
 

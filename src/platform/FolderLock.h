@@ -20,10 +20,12 @@ public:
     explicit FolderLock(std::string folder);
 
     /// Takes the lock if it is free, and returns who holds it now. Never waits; may be called
-    /// again.
+    /// again: a lock on a folder that was replaced since does not count.
     Holder take();
 
 private:
+    bool holdsPresentFolder() const; ///< Rather than one that was moved or removed since.
+
     std::string m_folder;
     FileDescriptor m_descriptor; ///< Holds the lock; empty: not held.
     OneThread m_thread;

@@ -75,6 +75,7 @@ private slots:
     void acceptsAMessageInPieces();
     void replacesTheSocketOfAKilledProcess();
     void leavesNoSocketBehind();
+    void leavesTheSocketOfAnother();
     void emitsNothingIfItCannotListen_data();
     void emitsNothingIfItCannotListen();
     void closesAConnectionWithOtherBytes_data();
@@ -139,6 +140,18 @@ void TestInstanceSocket::leavesNoSocketBehind()
         QVERIFY(QFile::exists(QString::fromStdString(m_path)));
     }
     QVERIFY(!QFile::exists(QString::fromStdString(m_path)));
+}
+
+/// As after the folder was removed and another start made it anew.
+void TestInstanceSocket::leavesTheSocketOfAnother()
+{
+    const std::string path = m_folder.filePath(u"shared"_s).toStdString();
+    auto first = std::make_unique<InstanceSocket>(path);
+    QCOMPARE(rename(path.c_str(), (path + "-old").c_str()), 0);
+    const InstanceSocket second(path);
+    first.reset();
+    QVERIFY(Client(path).isConnected);
+    QVERIFY(QFile::remove(m_folder.filePath(u"shared-old"_s)));
 }
 
 void TestInstanceSocket::emitsNothingIfItCannotListen_data()

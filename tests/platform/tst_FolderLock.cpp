@@ -22,6 +22,7 @@ private slots:
     void isFreeWhenItsProcessIsKilled();
     void hasNoHolderWithoutAFolder();
     void canBeTakenOnceTheFolderExists();
+    void doesNotCountOnAFolderThatWasReplaced();
     void leavesNoFileInTheFolder();
 
 private:
@@ -91,6 +92,24 @@ void TestFolderLock::canBeTakenOnceTheFolderExists()
     QVERIFY(QDir(m_folder.path()).mkdir(u"late"_s));
     QCOMPARE(lock.take(), Holder::self);
     QVERIFY(QDir(m_folder.path()).rmdir(u"late"_s));
+}
+
+void TestFolderLock::doesNotCountOnAFolderThatWasReplaced()
+{
+    const QString folder = m_folder.filePath(u"replaced"_s);
+    QVERIFY(QDir().mkdir(folder));
+    FolderLock first(folder.toStdString());
+    QCOMPARE(first.take(), Holder::self);
+    QVERIFY(QDir().rename(folder, folder + "-old"_L1));
+    QCOMPARE(first.take(), Holder::nobody);
+    QVERIFY(QDir().mkdir(folder));
+    {
+        FolderLock second(folder.toStdString());
+        QCOMPARE(second.take(), Holder::self);
+        QCOMPARE(first.take(), Holder::other);
+    }
+    QCOMPARE(first.take(), Holder::self);
+    QVERIFY(QDir().rmdir(folder) && QDir().rmdir(folder + "-old"_L1));
 }
 
 void TestFolderLock::leavesNoFileInTheFolder()
