@@ -1,12 +1,13 @@
 #pragma once
 
 #include "history/LineFile.h"
-#include "history/PersistedMetric.h"
+#include "history/PendingRecords.h"
 #include "history/SerialQueue.h"
 #include "platform/FolderLock.h"
 
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 namespace corvane {
@@ -14,12 +15,14 @@ namespace corvane {
 /// Keeps the samples across starts in `history.jsonl`, one record a line. Owned by the sampler,
 /// which uses it on the main thread; the file work runs on one serial queue, in order, and the
 /// destructor waits for it. Failures are not reported: the record or operation is lost, no more.
+/// While the disk hangs, the newest 120 records wait for it.
 /// While another store, of this process or another, writes into the folder, this one only reads; it
 /// starts to write when the other is gone. Where folders cannot be locked it always writes.
 class HistoryStore {
 public:
-    /// Creates the folder and an empty file where they are missing. A file that is deleted later
-    /// is only created again by the next store.
+    /// Creates the folder and an empty file where they are missing, for their owner alone, and
+    /// closes those of this user to others. A file that is deleted later is only created again by
+    /// the next store. Returns at once.
     explicit HistoryStore(const QString &directory = defaultDirectory());
 
     /// "Corvane" in the system's folder for the user's application data.
@@ -32,10 +35,14 @@ public:
     /// of a damaged one. Waits for all appends and trims before it.
     std::vector<PersistedMetric> loadLast(int n);
 
+    /// The same records, which are delivered once the disk has them. Returns at once.
+    std::shared_ptr<PendingRecords> startLoad(int n);
+
     /// Cuts the file to its newest `toLast` lines, damaged ones included. Returns at once.
     void trim(int toLast);
 
 private:
+    std::vector<PersistedMetric> read(int n) const;
     bool mayWrite() { return m_writer.take() != FolderLock::Holder::other; }
 
     LineFile m_file;     ///< Used on the queue only.

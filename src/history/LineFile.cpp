@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include <cerrno>
@@ -60,8 +61,9 @@ bool writeAll(const FileDescriptor &file, const char *from, std::size_t length)
     return true;
 }
 
-/// The last `count` lines, in the file's order. Reads backwards and no further than needed.
-std::vector<Line> lastLines(const FileDescriptor &file, std::size_t count)
+/// The last `count` lines, in the file's order; absent if it cannot be read. Reads backwards and no
+/// further than needed.
+std::optional<std::vector<Line>> lastLines(const FileDescriptor &file, std::size_t count)
 {
     const std::size_t fileSize = size(file);
     const std::size_t floor = fileSize - std::min(fileSize, LineFile::maxBytes);
@@ -72,7 +74,7 @@ std::vector<Line> lastLines(const FileDescriptor &file, std::size_t count)
         chunk.resize(std::min(chunkSize, at - floor));
         at -= chunk.size();
         if (!readAt(file, chunk.data(), chunk.size(), at))
-            return {};
+            return std::nullopt;
         std::size_t feed = chunk.size();
         while (lines.size() < count && feed > 0
                && (feed = chunk.rfind('\n', feed - 1)) != std::string::npos) {
@@ -113,14 +115,20 @@ LineFile::LineFile(std::string path) : m_path(std::move(path)) { }
 void LineFile::create() const
 {
     m_thread.check();
-    FileDescriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    constexpr mode_t others = 0077;
+    FileDescriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    const FileDescriptor file = openRegular(m_path, FileAccess::read);
+    struct stat status = {};
+    if (file && fstat(file.get(), &status) == 0 && status.st_uid == geteuid()
+        && (status.st_mode & others) != 0)
+        fchmod(file.get(), status.st_mode & 0700);
 }
 
 void LineFile::append(const std::string &line) const
 {
     m_thread.check();
     const FileDescriptor file = openRegular(m_path, FileAccess::append);
-    if (!file)
+    if (!file || (m_isUncut && size(file) >= mostUncutBytes))
         return;
     const std::string whole = line + '\n';
     while (write(file.get(), whole.data(), whole.size()) < 0 && errno == EINTR) { }
@@ -133,7 +141,7 @@ std::vector<std::string> LineFile::last(std::size_t count) const
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     if (!file)
         return texts;
-    for (const Line &line : lastLines(file, count)) {
+    for (const Line &line : lastLines(file, count).value_or(std::vector<Line>())) {
         if (line.length > longestLine)
             continue;
         std::string text(line.length, '\0');
@@ -146,21 +154,29 @@ std::vector<std::string> LineFile::last(std::size_t count) const
 void LineFile::keepLast(std::size_t count) const
 {
     m_thread.check();
+    m_isUncut = !cut(count);
+}
+
+/// Whether the file has no more lines than that now.
+bool LineFile::cut(std::size_t count) const
+{
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     if (!file)
-        return;
+        return false;
     // One more than is kept, to see whether there is anything to cut.
-    std::vector<Line> lines = lastLines(file, count + 1);
-    if (lines.size() <= count)
-        return;
-    lines.erase(lines.begin());
+    auto lines = lastLines(file, count + 1);
+    if (!lines)
+        return false;
+    if (lines->size() <= count)
+        return true;
+    lines->erase(lines->begin());
 
     // A link to the file stays a link: what it points to is replaced.
     std::error_code error;
     const std::string path = std::filesystem::canonical(m_path, error).string();
     struct stat status = {};
     if (error || fstat(file.get(), &status) != 0)
-        return;
+        return false;
 
     // Always of the same name, so that one left behind by a killed process is replaced.
     const std::string newPath = path + ".new";
@@ -168,13 +184,14 @@ void LineFile::keepLast(std::size_t count) const
     const FileDescriptor newFile(
         open(newPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!newFile)
-        return;
+        return false;
     fchmod(newFile.get(), status.st_mode & 07777); // Some file systems have no permissions.
     // On the disk before it takes the name, so that one of the two is whole after a power cut.
-    const bool complete = copyLines(file, lines, newFile) && fsync(newFile.get()) == 0
+    const bool complete = copyLines(file, *lines, newFile) && fsync(newFile.get()) == 0
         && rename(newPath.c_str(), path.c_str()) == 0;
     if (!complete)
         unlink(newPath.c_str());
+    return complete;
 }
 
 } // namespace corvane

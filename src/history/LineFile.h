@@ -25,7 +25,11 @@ public:
     /// it out.
     static constexpr std::size_t longestLine = std::size_t(64) << 10;
 
-    /// Creates an empty file unless something of that name exists.
+    /// In bytes. A file that could not be cut the last time does not grow beyond this.
+    static constexpr std::size_t mostUncutBytes = std::size_t(4) << 20;
+
+    /// Creates an empty file for its owner alone, unless something of that name exists; takes away
+    /// what others may do with a file of this user.
     void create() const;
 
     /// Adds the line and its line feed with one write. The file must exist.
@@ -39,7 +43,10 @@ public:
     void keepLast(std::size_t count) const;
 
 private:
+    bool cut(std::size_t count) const;
+
     std::string m_path;
+    mutable bool m_isUncut = false; ///< Whether the last cut failed.
     mutable OneThread m_thread;
 };
 

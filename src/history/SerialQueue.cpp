@@ -1,7 +1,9 @@
 #include "history/SerialQueue.h"
 
 #include "platform/ThreadName.h"
+#include "platform/ThreadStart.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace corvane {
@@ -34,11 +36,11 @@ private:
 
 } // namespace
 
-SerialQueue::SerialQueue(const std::string &label)
-    : m_thread([this, label] {
-          nameThread(label);
-          run();
-      })
+SerialQueue::SerialQueue(std::string label) : SerialQueue(std::move(label), Limits{}) { }
+
+SerialQueue::SerialQueue(std::string label, Limits limits)
+    : m_label(std::move(label)),
+      m_limits(limits)
 {
 }
 
@@ -49,30 +51,64 @@ SerialQueue::~SerialQueue()
         m_stopping = true;
     }
     m_changed.notifyOne();
-    m_thread.join();
+    if (m_thread.joinable())
+        m_thread.join();
 }
 
 void SerialQueue::async(Job job)
 {
-    {
-        const MutexLock lock(m_mutex);
-        m_jobs.push_back(std::move(job));
-    }
-    m_changed.notifyOne();
+    submit({.job = std::move(job)});
 }
 
 void SerialQueue::sync(const Job &job)
 {
     Event finished;
-    async([&job, &finished] {
-        job();
-        finished.happen();
-    });
-    finished.wait();
+    const bool isSubmitted = submit({.job =
+                                         [&job, &finished] {
+                                             job();
+                                             finished.happen();
+                                         },
+                                     .mayBeDropped = false});
+    if (isSubmitted)
+        finished.wait();
+}
+
+bool SerialQueue::submit(Entry entry)
+{
+    {
+        const MutexLock lock(m_mutex);
+        if (!m_hasThread)
+            m_thread = startThread([this] { run(); });
+        m_hasThread = m_thread.joinable();
+        if (!m_hasThread)
+            return false;
+        m_jobs.push_back(std::move(entry));
+        if (m_jobs.size() > m_limits.mostWaiting && hangs())
+            dropOldest();
+    }
+    m_changed.notifyOne();
+    return true;
+}
+
+/// Until no more wait than may.
+void SerialQueue::dropOldest()
+{
+    while (m_jobs.size() > m_limits.mostWaiting) {
+        const auto oldest = std::ranges::find(m_jobs, true, &Entry::mayBeDropped);
+        if (oldest == m_jobs.end())
+            return;
+        m_jobs.erase(oldest);
+    }
+}
+
+bool SerialQueue::hangs() const
+{
+    return m_runs && Clock::now() - m_began >= m_limits.patience;
 }
 
 void SerialQueue::run()
 {
+    nameThread(m_label);
     while (const Job job = takeJob())
         job();
 }
@@ -80,11 +116,14 @@ void SerialQueue::run()
 SerialQueue::Job SerialQueue::takeJob()
 {
     MutexLock lock(m_mutex);
+    m_runs = false;
     while (m_jobs.empty() && !m_stopping)
         m_changed.wait(lock);
     if (m_jobs.empty())
         return nullptr;
-    Job job = std::move(m_jobs.front());
+    m_runs = true;
+    m_began = Clock::now();
+    Job job = std::move(m_jobs.front().job);
     m_jobs.pop_front();
     return job;
 }

@@ -25,10 +25,10 @@ SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
     : QObject(parent),
       m_settings(settings),
       m_sources(std::move(sources)),
-      m_store(historyDirectory),
-      m_history(loadHistory(seconds(settings.historyWindow())))
+      m_store(historyDirectory)
 {
     assertMainThread();
+    m_history = loadHistory(seconds(settings.historyWindow()));
     // Queued, so that the history changes after the code that writes the setting has finished.
     connect(
         &m_settings, &AppSettings::historyWindowChanged, this,
@@ -47,6 +47,7 @@ void SystemSampler::start()
 
 void SystemSampler::tick()
 {
+    joinLateHistory();
     const MemorySnapshot memory = m_sources.memory();
     auto chip = m_sources.chip ? m_sources.chip() : std::nullopt;
     m_current = {.timestamp = m_sources.now(), .memory = memory, .chip = std::move(chip)};
@@ -84,10 +85,35 @@ void SystemSampler::applyWindowChange(qint64 windowSeconds)
 
 std::vector<SystemMetrics> SystemSampler::loadHistory(qint64 windowSeconds)
 {
+    m_load = m_store.startLoad(static_cast<int>(windowSeconds));
+    m_ticksAtLoad = m_tickCount;
+    return takeLoaded(m_sources.diskPatience);
+}
+
+/// The samples of the file with those that were taken since they were asked for; empty while the
+/// disk has not delivered them.
+std::vector<SystemMetrics> SystemSampler::takeLoaded(std::chrono::milliseconds patience)
+{
+    const auto records = m_load ? m_load->take(patience) : std::nullopt;
+    if (!records)
+        return {};
+    m_load.reset();
     std::vector<SystemMetrics> samples;
-    for (const PersistedMetric &record : m_store.loadLast(static_cast<int>(windowSeconds)))
+    for (const PersistedMetric &record : *records)
         samples.push_back(record.toSample());
+    const auto since = std::min<qint64>(m_tickCount - m_ticksAtLoad, std::ssize(m_history));
+    samples.insert(samples.end(), m_history.end() - since, m_history.end());
     return samples;
+}
+
+void SystemSampler::joinLateHistory()
+{
+    if (!m_load)
+        return;
+    m_history =
+        historyAfterWindowChange(m_history, seconds(m_settings.historyWindow()), [this](qint64) {
+            return takeLoaded(std::chrono::milliseconds(0));
+        });
 }
 
 std::vector<SystemMetrics> historyAfterWindowChange(

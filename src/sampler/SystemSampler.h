@@ -11,7 +11,9 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace corvane {
@@ -23,6 +25,8 @@ struct SamplerSources {
     ChipSource chip = openChipSource();             ///< Empty: no reading of the chip.
     std::function<Survey()> survey = takeSurvey;    ///< Runs in the background. Empty: no survey.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
+    /// How long the main thread waits for the history file. A slower one is shown once it is read.
+    std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);
 };
 
 /// The spine of the program: takes one whole-system sample a second, publishes it, keeps those of
@@ -45,7 +49,8 @@ public:
     static constexpr qint64 trimEveryNTicks = 60;
     static constexpr qint64 trimKeepSeconds = 120;
 
-    /// Loads the newest records of the file, takes the first sample and starts the timer.
+    /// Loads the newest records of the file, takes the first sample and starts the timer. A disk
+    /// that hangs delays none of it: its records join the history when they arrive.
     explicit SystemSampler(AppSettings &settings, SamplerSources sources = {},
                            const QString &historyDirectory = HistoryStore::defaultDirectory(),
                            QObject *parent = nullptr);
@@ -71,12 +76,17 @@ private:
     void survey();
     void applyWindowChange(qint64 windowSeconds);
     std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
+    std::vector<SystemMetrics> takeLoaded(std::chrono::milliseconds patience);
+    void joinLateHistory();
 
     AppSettings &m_settings;
     SamplerSources m_sources;
     HistoryStore m_store;
     QTimer m_timer{this};   ///< A child, so that tests can find and stop it.
     qint64 m_tickCount = 0; ///< Completed ticks.
+
+    std::shared_ptr<PendingRecords> m_load; ///< Null unless the disk has records to deliver.
+    qint64 m_ticksAtLoad = 0;               ///< Completed ticks when they were asked for.
 
     SystemMetrics m_current = SystemMetrics::placeholder();
     std::vector<SystemMetrics> m_history;

@@ -1,6 +1,7 @@
 #include "history/HistoryStore.h"
 #include "history/Records.h"
 #include "support/FaultyCalls.h"
+#include "support/NoThreads.h"
 
 #include <QDir>
 #include <QFile>
@@ -48,6 +49,11 @@ private slots:
     void isEmptyWhereReadingFails();
     void returnsWhileTheDiskStalls_data();
     void returnsWhileTheDiskStalls();
+    void keepsTheNewestRecordsWhileTheDiskHangs();
+    void returnsAtTheStartWhileTheDiskHangs_data();
+    void returnsAtTheStartWhileTheDiskHangs();
+    void stopsGrowingWhereItCannotBeCut();
+    void goesOnOnceThereIsAThread();
     void waitsInItsDestructorForTheDisk();
     void readsAFileThatShrinksDuringTheRead();
     void doesNotRecreateAFileDeletedDuringTheRead();
@@ -214,6 +220,76 @@ void TestFaultyDisk::returnsWhileTheDiskStalls()
     m_store->trim(200);
     FaultyCalls::letGo();
     QCOMPARE(loaded(*m_store), numbers(101, 300));
+}
+
+void TestFaultyDisk::keepsTheNewestRecordsWhileTheDiskHangs()
+{
+    FaultyCalls::stall(Call::write, name);
+    m_store->append(record(11));
+    FaultyCalls::waitForStalled();
+    std::this_thread::sleep_for(2100ms); // A shorter stall keeps all.
+    for (int number = 12; number <= 5000; ++number) {
+        m_store->append(record(number));
+        if (number % 60 == 0)
+            m_store->trim(120);
+    }
+    FaultyCalls::letGo();
+    QCOMPARE(loaded(*m_store, 120), numbers(4881, 5000));
+    QVERIFY(loaded(*m_store).size() < 200);
+}
+
+void TestFaultyDisk::returnsAtTheStartWhileTheDiskHangs_data()
+{
+    QTest::addColumn<Call>("call");
+    QTest::newRow("in opening") << Call::open;
+    QTest::newRow("in reading") << Call::read;
+}
+
+void TestFaultyDisk::returnsAtTheStartWhileTheDiskHangs()
+{
+    QFETCH(const Call, call);
+    m_store.reset();
+    FaultyCalls::stall(call, name);
+    m_store = std::make_unique<HistoryStore>(m_folder->path());
+    const auto records = m_store->startLoad(60);
+    FaultyCalls::waitForStalled();
+    QVERIFY(!records->take(10ms));
+    m_store->append(record(11));
+    FaultyCalls::letGo();
+    QCOMPARE(records->take(1min).value().size(), std::size_t(10));
+    QVERIFY(!records->take(0ms)); // Only once.
+    QCOMPARE(loaded(*m_store), numbers(1, 11));
+}
+
+void TestFaultyDisk::stopsGrowingWhereItCannotBeCut()
+{
+    QFile file(m_path);
+    QVERIFY(file.resize(LineFile::mostUncutBytes)); // A hole, which is one damaged line.
+    append(*m_store, 11, 12);
+    const QList<int> whole = loaded(*m_store); // The hole and the record behind it are one line.
+    QCOMPARE(whole, numbers(1, 10) << 12);
+    FaultyCalls::fail(Call::rename, name, EIO, 2);
+    m_store->trim(1);
+    append(*m_store, 13, 14);
+    QCOMPARE(loaded(*m_store), whole);
+    m_store->trim(1);
+    m_store->trim(1);
+    m_store->append(record(15));
+    QCOMPARE(loaded(*m_store), (QList<int>{12, 15}));
+}
+
+void TestFaultyDisk::goesOnOnceThereIsAThread()
+{
+    m_store.reset();
+    {
+        const NoThreads limit;
+        m_store = std::make_unique<HistoryStore>(m_folder->path());
+        m_store->append(record(11));
+        QVERIFY(m_store->loadLast(60).empty());
+        QVERIFY(!m_store->startLoad(60)->take(0ms));
+    }
+    m_store->append(record(12));
+    QCOMPARE(loaded(*m_store), numbers(1, 10) << 12);
 }
 
 void TestFaultyDisk::waitsInItsDestructorForTheDisk()

@@ -31,6 +31,9 @@ private slots:
     void isInTheFolderForApplicationData();
     void createsFolderAndFile();
     void leavesAnExistingFileAlone();
+    void isReadableForItsUserAlone_data();
+    void isReadableForItsUserAlone();
+    void writesIntoAFolderThatTookThePlaceOfItsOwn();
     void loads_data();
     void loads();
     void trims_data();
@@ -78,7 +81,8 @@ void TestHistoryStore::isInTheFolderForApplicationData()
     QStandardPaths::setTestModeEnabled(true);
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     QCOMPARE(HistoryStore::defaultDirectory(), data + "/Corvane"_L1);
-    const HistoryStore store;
+    HistoryStore store;
+    store.loadLast(1);
     QVERIFY(QFile::exists(data + "/Corvane/history.jsonl"_L1));
     QStandardPaths::setTestModeEnabled(false);
 }
@@ -88,6 +92,7 @@ void TestHistoryStore::createsFolderAndFile()
     m_directory = m_folder->filePath(u"new/with blanks/and Ümläute/Corvane"_s);
     m_path = m_directory + "/history.jsonl"_L1;
     HistoryStore store(m_directory);
+    QVERIFY(store.loadLast(1).empty());
     QCOMPARE(contents(), QByteArray());
     store.append(record(1));
     QCOMPARE(store.loadLast(60).size(), 1U);
@@ -99,6 +104,49 @@ void TestHistoryStore::leavesAnExistingFileAlone()
     write("\nnot ours\n\n" + line(1));
     QCOMPARE(loadedAnew(m_directory), QList<int>{1});
     QCOMPARE(contents(), "\nnot ours\n\n" + line(1));
+}
+
+void TestHistoryStore::isReadableForItsUserAlone_data()
+{
+    QTest::addColumn<bool>("isThere");
+    QTest::newRow("a new history") << false;
+    QTest::newRow("a history that others can read") << true;
+}
+
+/// Others could lock a folder that they can open, and see when somebody works here.
+void TestHistoryStore::isReadableForItsUserAlone()
+{
+    QFETCH(const bool, isThere);
+    constexpr QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup
+        | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    if (isThere) {
+        write(lines(1, 130));
+        QVERIFY(QFile::setPermissions(m_path, QFile::permissions(m_path) | others));
+        QVERIFY(QFile::setPermissions(m_directory, QFile::permissions(m_directory) | others));
+    }
+    HistoryStore store(m_directory);
+    for (int round = 0; round < 2; ++round) {
+        store.append(record(131));
+        store.loadLast(1);
+        QCOMPARE(QFile::permissions(m_directory) & others, QFile::Permissions());
+        QCOMPARE(QFile::permissions(m_path) & others, QFile::Permissions());
+        store.trim(120);
+    }
+}
+
+/// The lock is that of the folder which is there now.
+void TestHistoryStore::writesIntoAFolderThatTookThePlaceOfItsOwn()
+{
+    HistoryStore first(m_directory);
+    first.append(record(1));
+    first.loadLast(1);
+    QVERIFY(QDir().rename(m_directory, m_directory + "-old"_L1));
+    HistoryStore second(m_directory);
+    second.append(record(2));
+    second.loadLast(1);
+    first.append(record(3)); // The second holds the lock on this folder.
+    QCOMPARE(first.loadLast(10).size(), 1U);
+    QCOMPARE(contents(), line(2));
 }
 
 void TestHistoryStore::loads_data()

@@ -3,6 +3,8 @@
 #include <QTest>
 
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <numeric>
@@ -26,6 +28,8 @@ private slots:
     void takesJobsFromAJob();
     void takesJobsFromManyThreads();
     void dropsAJobOnceItHasRun();
+    void keepsTheNewestJobsWhileOneHangs();
+    void keepsAllJobsWhileNoneHangs();
 };
 
 void TestSerialQueue::namesItsThread()
@@ -132,6 +136,40 @@ void TestSerialQueue::dropsAJobOnceItHasRun()
     queue.sync([] {});
     queue.sync([] {});
     QCOMPARE(held.use_count(), 1L);
+}
+
+/// A job that is waited for is kept besides.
+void TestSerialQueue::keepsTheNewestJobsWhileOneHangs()
+{
+    std::vector<int> ran;
+    std::mutex gate;
+    gate.lock();
+    SerialQueue queue("test", {.mostWaiting = 3, .patience = std::chrono::milliseconds(0)});
+    std::atomic<bool> hangs = false;
+    queue.async([&gate, &hangs] {
+        hangs = true;
+        const std::lock_guard waiting(gate);
+    });
+    while (!hangs)
+        std::this_thread::yield();
+    std::thread waiting([&queue, &ran] { queue.sync([&ran] { ran.push_back(0); }); });
+    for (int i = 1; i <= 50; ++i)
+        queue.async([&ran, i] { ran.push_back(i); });
+    gate.unlock();
+    waiting.join();
+    queue.sync([] {});
+    std::erase(ran, 0);
+    QVERIFY(ran == (std::vector{48, 49, 50}) || ran == (std::vector{49, 50}));
+}
+
+void TestSerialQueue::keepsAllJobsWhileNoneHangs()
+{
+    int sum = 0;
+    SerialQueue queue("test", {.mostWaiting = 3, .patience = std::chrono::hours(1)});
+    for (int i = 0; i < 1000; ++i)
+        queue.async([&sum] { ++sum; });
+    queue.sync([] {});
+    QCOMPARE(sum, 1000);
 }
 
 QTEST_APPLESS_MAIN(TestSerialQueue)

@@ -32,7 +32,8 @@ struct ScriptedMachine {
         return {.memory = [this] { return memory; },
                 .chip = [this] { return chip; },
                 .survey = survey,
-                .now = [this] { return now++; }};
+                .now = [this] { return now++; },
+                .diskPatience = std::chrono::minutes(1)};
     }
 };
 
