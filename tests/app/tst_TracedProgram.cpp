@@ -7,6 +7,7 @@
 #include "tray/DBusMenuTypes_linux.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -62,6 +63,13 @@ QByteArray contents(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// Whether the process has ended, though its tracer may still hold a thread.
+bool hasEnded(qint64 process)
+{
+    const QByteArray status = contents(u"/proc/%1/status"_s.arg(process));
+    return status.isEmpty() || status.contains("State:\tZ");
+}
+
 } // namespace
 
 /// The real program with its label in a tray, traced by strace. An ordinary user runs it in a
@@ -90,6 +98,8 @@ private slots:
     void runsOnADiskThatFails();
     void runsWithoutDescriptors_data();
     void runsWithoutDescriptors();
+    void runsAndEndsWhileTheDiskHangs_data();
+    void runsAndEndsWhileTheDiskHangs();
     void writesItsLastSampleBeforeItQuits_data();
     void writesItsLastSampleBeforeItQuits();
 
@@ -431,6 +441,32 @@ void TestTracedProgram::runsWithoutDescriptors()
     QVERIFY(count("(INJECTED)") > 0);
 }
 
+void TestTracedProgram::runsAndEndsWhileTheDiskHangs_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::newRow("when the history is opened at the start") << u"openat"_s;
+    QTest::newRow("when a record is written") << u"write"_s;
+}
+
+/// The label stands, the memory is sampled, and a signal ends the program.
+void TestTracedProgram::runsAndEndsWhileTheDiskHangs()
+{
+    QFETCH(const QString, call);
+    start(u"offscreen"_s,
+          {u"-P"_s, m_session->historyFile(), u"-P"_s, u"/proc/meminfo"_s, u"-e"_s,
+           u"trace=openat,pread64,write"_s, u"-e"_s,
+           u"inject=%1:delay_enter=600000000:when=%2"_s.arg(call).arg(call == "write"_L1 ? 1 : 2)});
+    QTRY_VERIFY_WITH_TIMEOUT(count("/proc/meminfo>, \"MemTotal") > 4, patience);
+    QCOMPARE(contents(m_session->historyFile()), QByteArray());
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const qint64 program = processId();
+    QCOMPARE(kill(static_cast<pid_t>(program), SIGTERM), 0);
+    // strace itself stays until the delay is over.
+    QTRY_VERIFY_WITH_TIMEOUT(hasEnded(program), patience);
+    QVERIFY2(elapsed.elapsed() < 8'000, qPrintable(QString::number(elapsed.elapsed())));
+}
+
 void TestTracedProgram::writesItsLastSampleBeforeItQuits_data()
 {
     QTest::addColumn<int>("signal");
@@ -445,10 +481,10 @@ void TestTracedProgram::writesItsLastSampleBeforeItQuits()
 {
     QFETCH(const int, signal);
     const QString history = m_session->historyFile();
-    // The disk takes six seconds for the second line and for every eighth after it.
+    // The disk takes four seconds for the second line and for every eighth after it.
     start(u"offscreen"_s,
           {u"-P"_s, history, u"-P"_s, u"/proc/meminfo"_s, u"-e"_s,
-           u"inject=write:delay_enter=6000000:when=2+8"_s});
+           u"inject=write:delay_enter=4000000:when=2+8"_s});
     const qint64 program = processId();
     const QRegularExpression read(u"^%1 +pread64\\("_s.arg(program),
                                   QRegularExpression::MultilineOption);
