@@ -1,5 +1,7 @@
 #include "gpu/NvidiaReader_linux.h"
 
+#include "platform/ThreadStart.h"
+
 #include "platform/Mutex.h"
 
 #include <limits>
@@ -92,17 +94,25 @@ private:
 };
 
 NvidiaReader::NvidiaReader(std::string library, std::function<double()> clock)
-    : m_clock(std::move(clock)),
-      m_mailbox(std::make_shared<Mailbox>()),
-      m_thread([mailbox = m_mailbox, path = std::move(library), now = m_clock] {
-          work(mailbox, path, now);
-      })
+    : m_library(std::move(library)),
+      m_clock(std::move(clock)),
+      m_mailbox(std::make_shared<Mailbox>())
 {
+    startIfNeeded();
+}
+
+void NvidiaReader::startIfNeeded()
+{
+    if (!m_thread.joinable())
+        m_thread = startThread(
+            [mailbox = m_mailbox, path = m_library, now = m_clock] { work(mailbox, path, now); });
 }
 
 NvidiaReader::~NvidiaReader()
 {
     constexpr std::chrono::seconds patience(1);
+    if (!m_thread.joinable())
+        return;
     m_mailbox->post(Mailbox::Request::end);
     if (m_mailbox->waitForEnd(patience))
         m_thread.join();
@@ -113,6 +123,7 @@ NvidiaReader::~NvidiaReader()
 void NvidiaReader::request()
 {
     m_user.check();
+    startIfNeeded();
     m_mailbox->post(Mailbox::Request::read);
 }
 

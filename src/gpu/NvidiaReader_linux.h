@@ -21,7 +21,8 @@ struct NvidiaReading {
 
 /// Reads NVIDIA's management library on a thread of its own, because its calls may stall for
 /// seconds: no call of this class waits for the library. Used on one thread. A library that cannot
-/// be opened, or that loses its GPU, is tried again a minute later.
+/// be opened, or that loses its GPU, is tried again a minute later. While the system refuses the
+/// thread there is no reading; each request tries to start it again.
 class NvidiaReader {
 public:
     explicit NvidiaReader(std::string library, std::function<double()> clock = secondsSinceBoot);
@@ -44,9 +45,12 @@ private:
     static void work(const std::shared_ptr<Mailbox> &mailbox, const std::string &path,
                      const std::function<double()> &clock);
 
+    void startIfNeeded();
+
+    const std::string m_library;
     std::function<double()> m_clock;
     std::shared_ptr<Mailbox> m_mailbox; ///< Shared with the thread, which may outlive this object.
-    std::thread m_thread;
+    std::thread m_thread;               ///< Not joinable until it could be started.
     mutable OneThread m_user = {};
 };
 

@@ -1,11 +1,13 @@
 #include "gpu/NvidiaReader_linux.h"
 
 #include "gpu/StandInNvidia.h"
+#include "support/NoThreads.h"
 #include "support/Waiting.h"
 
 #include <QTest>
 
 #include <atomic>
+#include <optional>
 
 using namespace corvane;
 using corvane::test::StandInNvidia;
@@ -48,6 +50,7 @@ private slots:
     void triesAgainAMinuteLater();
     void opensAgainAfterTheGPUWasLost();
     void endsWhileTheLibraryStalls();
+    void goesOnOnceThereIsAThread();
 };
 
 void TestNvidiaReader::opensNothingWithoutARequest()
@@ -58,6 +61,22 @@ void TestNvidiaReader::opensNothingWithoutARequest()
         QVERIFY(!reader.newest());
     }
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
+}
+
+void TestNvidiaReader::goesOnOnceThereIsAThread()
+{
+    const StandInNvidia nvidia;
+    std::optional<NvidiaReader> reader;
+    {
+        const test::NoThreads limit;
+        const NvidiaReader neverStarted(STAND_IN_NVML);
+        reader.emplace(STAND_IN_NVML);
+        reader->request();
+        reader->release();
+        QVERIFY(!reader->newest());
+    }
+    reader->request();
+    TRY_VERIFY(reader->newest());
 }
 
 void TestNvidiaReader::deliversAReadingPerRequest()
