@@ -30,7 +30,7 @@ class StatusNotifierItem : public QObject {
     Q_PROPERTY(QString IconThemePath MEMBER m_none CONSTANT)
     Q_PROPERTY(QString IconName MEMBER m_none CONSTANT)
     Q_PROPERTY(corvane::StatusNotifierPixmaps IconPixmap READ iconPixmaps)
-    Q_PROPERTY(QString IconAccessibleDesc MEMBER m_toolTip)
+    Q_PROPERTY(QString IconAccessibleDesc READ description)
     Q_PROPERTY(QString OverlayIconName MEMBER m_none CONSTANT)
     Q_PROPERTY(corvane::StatusNotifierPixmaps OverlayIconPixmap MEMBER m_noPixmaps CONSTANT)
     Q_PROPERTY(QString AttentionIconName MEMBER m_none CONSTANT)
@@ -90,6 +90,7 @@ signals:
 
 private:
     StatusNotifierPixmaps iconPixmaps();
+    QString description() const { return m_toolTip; }
     StatusNotifierToolTip toolTip() const;
 
     const QString m_category = QStringLiteral("Hardware");

@@ -77,6 +77,7 @@ private slots:
     void showsOneWidePicture();
     void showsOnePictureForEachNumber();
     void describesItselfAsHostsExpect();
+    void exportsNothingWritable();
     void showsAllValuesInTheToolTip();
     void clicksOpenThePanelAndTheDashboard();
     void showsItsMenuWhereTheDesktopDrawsNone();
@@ -295,6 +296,23 @@ void TestTrayLabel::describesItselfAsHostsExpect()
         m_tray->call(m_tray->items()[0], u"/StatusNotifierItem"_s,
                      u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s);
     QVERIFY(description.value(0).toString().contains("\"Activate\""_L1));
+}
+
+/// Any program on the bus could otherwise put text with markup into the desktop's panel.
+void TestTrayLabel::exportsNothingWritable()
+{
+    startTray("kded6");
+    const QString item = m_tray->items()[0];
+    const auto menu = m_tray->property(item, u"Menu"_s).value<QDBusObjectPath>();
+    for (const QString &path : {u"/StatusNotifierItem"_s, menu.path()}) {
+        const QString description =
+            m_tray->call(item, path, u"org.freedesktop.DBus.Introspectable"_s, u"Introspect"_s)
+                .value(0)
+                .toString();
+        QVERIFY(description.contains("access=\"read\""_L1));
+        QVERIFY(!description.contains("access=\"readwrite\""_L1));
+        QVERIFY(!description.contains("access=\"write\""_L1));
+    }
 }
 
 void TestTrayLabel::showsAllValuesInTheToolTip()
