@@ -126,7 +126,7 @@ void MenuBarContent::show(const SystemMetrics &current)
 
 void MenuBarContent::showNumbers()
 {
-    m_header->show(shownTotalWatts(m_current.chip));
+    m_header->show(m_current.totalWatts);
     const auto rows = metricRows(m_current);
     for (std::size_t row = 0; row < rows.size(); ++row)
         m_rows[row]->show(rows[row]);

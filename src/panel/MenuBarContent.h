@@ -54,7 +54,7 @@ private:
     void build();
     void showNumbers();
 
-    SystemMetrics m_current = SystemMetrics::placeholder();
+    MetricValues m_current = SystemMetrics::placeholder();
     PanelHeader *m_header = nullptr; ///< Null until the panel is first opened, like the rows.
     std::array<PanelRow *, 5> m_rows = {};
     std::function<double()> m_clock;

@@ -26,7 +26,7 @@ MetricMenu::MetricMenu(const QList<QAction *> &commands, QWidget *parent) : QMen
     updateRows();
 }
 
-void MetricMenu::show(const SystemMetrics &current)
+void MetricMenu::show(const MetricValues &current)
 {
     m_current = current;
     if (m_openings > 0)

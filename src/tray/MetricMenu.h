@@ -15,12 +15,12 @@ class MetricMenu : public QMenu {
 public:
     explicit MetricMenu(const QList<QAction *> &commands, QWidget *parent = nullptr);
 
-    void show(const SystemMetrics &current);
+    void show(const MetricValues &current);
 
 private:
     void updateRows();
 
-    SystemMetrics m_current = SystemMetrics::placeholder();
+    MetricValues m_current = SystemMetrics::placeholder();
     std::array<QAction *, 5> m_rows = {};
     int m_openings = 0; ///< Each aboutToShow opens the menu once more, each aboutToHide once less.
 };

@@ -58,7 +58,7 @@ NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host, QM
 
 NotifierItems::~NotifierItems() = default;
 
-void NotifierItems::show(const SystemMetrics &current)
+void NotifierItems::show(const MetricValues &current)
 {
     const LabelNumbers numbers = labelNumbers(current);
     for (Item &item : m_items) {

@@ -29,7 +29,7 @@ public:
     ~NotifierItems() override;
 
     /// The first call registers the items at the tray, one after the other.
-    void show(const SystemMetrics &current);
+    void show(const MetricValues &current);
 
     /// Whether the desktop has read every item and the watcher's list contains them all.
     bool areInTray(const QStringList &listed) const;

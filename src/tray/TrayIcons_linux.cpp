@@ -18,7 +18,7 @@ TrayIcons::TrayIcons(QMenu &menu, QObject *parent) : QObject(parent)
 
 TrayIcons::~TrayIcons() = default;
 
-void TrayIcons::show(const SystemMetrics &current)
+void TrayIcons::show(const MetricValues &current)
 {
     const auto numbers = labelNumbers(current);
     const QString toolTip = inWords(numbers);

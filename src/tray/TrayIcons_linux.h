@@ -24,7 +24,7 @@ public:
     explicit TrayIcons(QMenu &menu, QObject *parent = nullptr);
     ~TrayIcons() override;
 
-    void show(const SystemMetrics &current);
+    void show(const MetricValues &current);
 
 signals:
     void activated();

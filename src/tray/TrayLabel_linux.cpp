@@ -47,7 +47,7 @@ struct TrayLabel::Bar {
     TrayLabel &label;
     const QList<QAction *> commands;
     const TrayWaits waits;
-    SystemMetrics current = SystemMetrics::placeholder();
+    MetricValues current = SystemMetrics::placeholder();
     /// Shared by all items and icons, which are deleted before it; null until one exists.
     std::unique_ptr<MetricMenu> menu;
     StatusNotifierWatcher watcher;

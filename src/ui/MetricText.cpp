@@ -26,13 +26,6 @@ qint64 wholePercent(double percent)
     return std::isnan(percent) ? 0 : static_cast<qint64>(std::clamp(percent, -most, most));
 }
 
-/// The chip reading, not copied; an absent one is all zeros.
-const ChipReading &chipOf(const SystemMetrics &current)
-{
-    static const ChipReading none = {};
-    return current.chip ? *current.chip : none;
-}
-
 LabelNumber loadNumber(const QString &name, std::optional<double> percent, const QColor &color)
 {
     if (!percent)
@@ -43,21 +36,28 @@ LabelNumber loadNumber(const QString &name, std::optional<double> percent, const
 
 } // namespace
 
-std::array<MetricRow, 5> metricRows(const SystemMetrics &current)
+MetricValues::MetricValues(const SystemMetrics &current)
+    : memory(current.memory),
+      totalWatts(shownTotalWatts(current.chip))
 {
-    const MemorySnapshot &memory = current.memory;
-    const ChipReading &chip = chipOf(current);
+    static const ChipReading none = {};
+    const ChipReading &chip = current.chip ? *current.chip : none;
+    gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
+    gpuWatts = unlessDenied(chip.gpuWatts, chip.denied.gpuWatts);
+    cpuPercent = unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad);
+    cpuWatts = unlessDenied(chip.cpuWatts, chip.denied.cpuWatts);
+    aneWatts = unlessDenied(chip.aneWatts, chip.denied.aneWatts);
+}
+
+std::array<MetricRow, 5> metricRows(const MetricValues &values)
+{
+    const MemorySnapshot &memory = values.memory;
     return {{
         {u"Memory"_s, Theme::memory, byteText(memory.used) + u" / "_s + byteText(memory.total),
          spacedPercentText(usedPercent(memory))},
-        {u"GPU"_s, Theme::gpu,
-         spacedPercentText(unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad)),
-         wattsText(unlessDenied(chip.gpuWatts, chip.denied.gpuWatts), 2)},
-        {u"CPU"_s, Theme::cpu,
-         spacedPercentText(unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad)),
-         wattsText(unlessDenied(chip.cpuWatts, chip.denied.cpuWatts), 2)},
-        {u"ANE"_s, Theme::ane, wattsText(unlessDenied(chip.aneWatts, chip.denied.aneWatts), 2),
-         u"Neural Engine"_s},
+        {u"GPU"_s, Theme::gpu, spacedPercentText(values.gpuPercent), wattsText(values.gpuWatts, 2)},
+        {u"CPU"_s, Theme::cpu, spacedPercentText(values.cpuPercent), wattsText(values.cpuWatts, 2)},
+        {u"ANE"_s, Theme::ane, wattsText(values.aneWatts, 2), u"Neural Engine"_s},
         {u"Swap"_s, Theme::withOpacity(Theme::memory, 0.7), byteText(memory.swapUsed),
          u"of "_s + byteText(memory.swapTotal)},
     }};
@@ -68,15 +68,13 @@ QString inOneLine(const MetricRow &row)
     return u"%1: %2, %3"_s.arg(row.title, row.value, row.detail);
 }
 
-LabelNumbers labelNumbers(const SystemMetrics &current)
+LabelNumbers labelNumbers(const MetricValues &values)
 {
-    const ChipReading &chip = chipOf(current);
-    const auto gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
-    const auto watts = shownTotalWatts(current.chip);
     return {
-        loadNumber(u"Memory"_s, usedPercent(current.memory), Theme::memory),
-        loadNumber(u"GPU"_s, gpuPercent, Theme::gpu),
-        LabelNumber{tightWattsText(watts, 0), Theme::power, u"Power "_s + wattsText(watts, 0)},
+        loadNumber(u"Memory"_s, usedPercent(values.memory), Theme::memory),
+        loadNumber(u"GPU"_s, values.gpuPercent, Theme::gpu),
+        LabelNumber{tightWattsText(values.totalWatts, 0), Theme::power,
+                    u"Power "_s + wattsText(values.totalWatts, 0)},
     };
 }
 

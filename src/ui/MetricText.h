@@ -6,8 +6,23 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 
 namespace corvane {
+
+/// What label, panel and menus show of a sample. It has no lists, so a closed view keeps it at next
+/// to no cost. A value that the chip denies is absent; an absent chip reading is all zeros.
+struct MetricValues {
+    MetricValues(const SystemMetrics &current); // Implicit: every view takes whole samples.
+
+    MemorySnapshot memory = {};
+    std::optional<double> gpuPercent = {};
+    std::optional<double> gpuWatts = {};
+    std::optional<double> cpuPercent = {};
+    std::optional<double> cpuWatts = {};
+    std::optional<double> aneWatts = {};
+    std::optional<double> totalWatts = {};
+};
 
 /// One metric as text: a row of the panel and of the label's menus.
 struct MetricRow {
@@ -19,8 +34,8 @@ struct MetricRow {
     friend bool operator==(const MetricRow &, const MetricRow &) = default;
 };
 
-/// Memory, GPU, CPU, ANE and swap, in this order. An absent chip reading shows as 0.
-std::array<MetricRow, 5> metricRows(const SystemMetrics &current);
+/// Memory, GPU, CPU, ANE and swap, in this order.
+std::array<MetricRow, 5> metricRows(const MetricValues &values);
 
 /// The row as one line of text: "Memory: 45.74 GB / 64 GB, 71 %".
 QString inOneLine(const MetricRow &row);
@@ -37,8 +52,8 @@ struct LabelNumber {
 using LabelNumbers = std::array<LabelNumber, 3>;
 
 /// Memory load, GPU load and total power, in this order: "63", "41", "12W". Loads are whole per
-/// cents, rounded down. An absent chip reading shows as 0.
-LabelNumbers labelNumbers(const SystemMetrics &current);
+/// cents, rounded down.
+LabelNumbers labelNumbers(const MetricValues &values);
 
 /// The numbers in one line: "63 41 12W".
 QString inOneLine(const LabelNumbers &numbers);

@@ -22,7 +22,7 @@ namespace {
 
 LabelNumbers numbers()
 {
-    return labelNumbers({.memory = {.total = 1000, .used = 634},
+    return labelNumbers(SystemMetrics{.memory = {.total = 1000, .used = 634},
                          .chip = ChipReading{.cpuWatts = 11.7, .gpuActiveFraction = 0.419}});
 }
 
