@@ -106,9 +106,9 @@ using Numbers = std::array<std::set<int>, 3>;
 QImage rendered(std::size_t index, int value)
 {
     const LabelNumbers numbers =
-        labelNumbers({.memory = {.total = 100, .used = static_cast<quint64>(value)},
-                      .chip = ChipReading{.cpuWatts = static_cast<double>(value),
-                                          .gpuActiveFraction = (value + 0.5) / 100}});
+        labelNumbers(SystemMetrics{.memory = {.total = 100, .used = static_cast<quint64>(value)},
+                                   .chip = ChipReading{.cpuWatts = static_cast<double>(value),
+                                                       .gpuActiveFraction = (value + 0.5) / 100}});
     return trayPicture(numbers[index], static_cast<LabelPosition>(index), itemSize);
 }
 
