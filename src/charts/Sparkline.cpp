@@ -44,17 +44,13 @@ QBrush fillBrush(const std::vector<QColor> &colors, double height)
     return gradient;
 }
 
-/// A pen with round ends and joins. In a thin line the joins are mitred instead, which looks the
-/// same and costs less: Qt's stroker draws a round join twice, as a dot. Sharp mitres are cut.
+/// A pen with round ends and mitred joins. Between nearly straight segments a mitre looks like a
+/// round join, which Qt's stroker draws twice, as a dot; sharp mitres are cut.
 QPen linePen(const QColor &color, double width)
 {
-    constexpr double thin = 1.5;
     constexpr double sharp = 1.5; ///< Length of the mitre, in line widths.
-    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-    if (width < thin) {
-        pen.setJoinStyle(Qt::MiterJoin);
-        pen.setMiterLimit(sharp);
-    }
+    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(sharp);
     return pen;
 }
 

@@ -93,8 +93,6 @@ private slots:
     void fillsHaveNoSeams();
     void drawsTheLineOverTheFill_data() { addScales(); }
     void drawsTheLineOverTheFill();
-    void thickLinesHaveRoundJoins_data() { addScales(); }
-    void thickLinesHaveRoundJoins();
     void layersLieInOrder();
     void gridIsOnePoint_data() { addScales(); }
     void gridIsOnePoint();
@@ -235,20 +233,6 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 49), blue);
     QCOMPARE(pixelAt(image, 100, 51), blue);
     QCOMPARE(pixelAt(image, 100, 53), red);
-}
-
-/// At a sharp peak a round join reaches half the line's width above the point; a mitre goes higher.
-void TestSparkline::thickLinesHaveRoundJoins()
-{
-    QFETCH(double, scale);
-    Sparkline chart;
-    chart.resize(60, 100);
-    chart.show(plain({{.values = {0, 0, 5, 0}, .lineColor = blue, .lineWidth = 8}}));
-    const QImage image = rendered(chart, scale);
-    // The peak is at 40, 50.
-    QCOMPARE(pixelAt(image, 40, 47.2), blue);
-    QVERIFY(pixelAt(image, 40, 46.4).alpha() > 200);
-    QVERIFY(pixelAt(image, 40, 44.5).alpha() < 10);
 }
 
 /// From the back: grid, fill, line, cursor, tag of a time label, pill.
