@@ -116,7 +116,9 @@ QImage rendered(std::size_t index, int value)
 /// none is similar.
 std::optional<int> readNumber(const QImage &item, std::size_t index, int highest, QRgb ground)
 {
-    constexpr double most = 8; // Scaling explains this much; another digit differs more.
+    // Scaling explains this much where the text fills the square, as "0W" does; there another digit
+    // differs by 13 and more.
+    constexpr double most = 10;
     std::optional<int> best;
     double least = most;
     for (int value = 0; value <= highest; ++value) {
