@@ -58,90 +58,79 @@ void paintRow(QPainter &painter, const QStyleOptionMenuItem &item)
 class MenuStyle : public QCommonStyle {
 public:
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
-                    const QWidget *widget) const override;
+                    const QWidget *widget) const override
+    {
+        switch (metric) {
+        case PM_MenuHMargin:
+        case PM_MenuVMargin:
+            return margin;
+        case PM_MenuPanelWidth:
+        case PM_MenuDesktopFrameWidth:
+            return 0;
+        default:
+            return QCommonStyle::pixelMetric(metric, option, widget);
+        }
+    }
+
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-                  QStyleHintReturn *returned) const override;
+                  QStyleHintReturn *returned) const override
+    {
+        auto *mask = qstyleoption_cast<QStyleHintReturnMask *>(returned);
+        if (hint == SH_Menu_Mask && option && mask) {
+            mask->region = roundedRegion(option->rect, radius);
+            return 1;
+        }
+        if (hint == SH_Menu_MouseTracking)
+            return 1;
+        return QCommonStyle::styleHint(hint, option, widget, returned);
+    }
+
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
-                           const QWidget *widget) const override;
+                           const QWidget *widget) const override
+    {
+        const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+        if (type != CT_MenuItem || !item)
+            return QCommonStyle::sizeFromContents(type, option, contents, widget);
+        if (isSeparator(*item))
+            return {2 * rowPadding, separatorHeight};
+        return {contents.width() + 2 * rowPadding + keyGap, rowHeight};
+    }
+
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
-                       const QWidget *widget) const override;
+                       const QWidget *widget) const override
+    {
+        if (element == PE_FrameMenu)
+            return; // Painted with the panel.
+        if (element != PE_PanelMenu) {
+            QCommonStyle::drawPrimitive(element, option, painter, widget);
+            return;
+        }
+        painter->setRenderHint(QPainter::Antialiasing);
+        fillRounded(*painter, option->rect, radius, Theme::popoverFill);
+        strokeRounded(*painter, option->rect, radius, Theme::popoverStroke);
+    }
+
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
-                     const QWidget *widget) const override;
+                     const QWidget *widget) const override
+    {
+        if (element == CE_MenuEmptyArea)
+            return; // Painted with the panel.
+        const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
+        if (element != CE_MenuItem || !item) {
+            QCommonStyle::drawControl(element, option, painter, widget);
+            return;
+        }
+        painter->setRenderHint(QPainter::Antialiasing);
+        const QRectF row = item->rect;
+        if (isSeparator(*item))
+            fillHairline(*painter,
+                         QRectF(row.left() + rowPadding, row.center().y() - 0.5,
+                                row.width() - 2 * rowPadding, 1),
+                         Theme::divider);
+        else
+            paintRow(*painter, *item);
+    }
 };
-
-int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
-                           const QWidget *widget) const
-{
-    switch (metric) {
-    case PM_MenuHMargin:
-    case PM_MenuVMargin:
-        return margin;
-    case PM_MenuPanelWidth:
-    case PM_MenuDesktopFrameWidth:
-        return 0;
-    default:
-        return QCommonStyle::pixelMetric(metric, option, widget);
-    }
-}
-
-int MenuStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-                         QStyleHintReturn *returned) const
-{
-    auto *mask = qstyleoption_cast<QStyleHintReturnMask *>(returned);
-    if (hint == SH_Menu_Mask && option && mask) {
-        mask->region = roundedRegion(option->rect, radius);
-        return 1;
-    }
-    if (hint == SH_Menu_MouseTracking)
-        return 1;
-    return QCommonStyle::styleHint(hint, option, widget, returned);
-}
-
-QSize MenuStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
-                                  const QSize &contents, const QWidget *widget) const
-{
-    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    if (type != CT_MenuItem || !item)
-        return QCommonStyle::sizeFromContents(type, option, contents, widget);
-    if (isSeparator(*item))
-        return {2 * rowPadding, separatorHeight};
-    return {contents.width() + 2 * rowPadding + keyGap, rowHeight};
-}
-
-void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
-                              QPainter *painter, const QWidget *widget) const
-{
-    if (element == PE_FrameMenu)
-        return; // Painted with the panel.
-    if (element != PE_PanelMenu) {
-        QCommonStyle::drawPrimitive(element, option, painter, widget);
-        return;
-    }
-    painter->setRenderHint(QPainter::Antialiasing);
-    fillRounded(*painter, option->rect, radius, Theme::popoverFill);
-    strokeRounded(*painter, option->rect, radius, Theme::popoverStroke);
-}
-
-void MenuStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
-                            const QWidget *widget) const
-{
-    if (element == CE_MenuEmptyArea)
-        return; // Painted with the panel.
-    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
-    if (element != CE_MenuItem || !item) {
-        QCommonStyle::drawControl(element, option, painter, widget);
-        return;
-    }
-    painter->setRenderHint(QPainter::Antialiasing);
-    const QRectF row = item->rect;
-    if (isSeparator(*item))
-        fillHairline(*painter,
-                     QRectF(row.left() + rowPadding, row.center().y() - 0.5,
-                            row.width() - 2 * rowPadding, 1),
-                     Theme::divider);
-    else
-        paintRow(*painter, *item);
-}
 
 QMenu *makeMenu(QWidget &widget)
 {

@@ -36,17 +36,16 @@ LabelNumber loadNumber(const QString &name, std::optional<double> percent, const
 
 } // namespace
 
-MetricValues::MetricValues(const SystemMetrics &current)
-    : memory(current.memory),
-      totalWatts(shownTotalWatts(current.chip))
+MetricValues::MetricValues(const SystemMetrics &current) : memory(current.memory)
 {
-    static const ChipReading none = {};
+    const ChipReading none = {};
     const ChipReading &chip = current.chip ? *current.chip : none;
     gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
     gpuWatts = unlessDenied(chip.gpuWatts, chip.denied.gpuWatts);
     cpuPercent = unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad);
     cpuWatts = unlessDenied(chip.cpuWatts, chip.denied.cpuWatts);
     aneWatts = unlessDenied(chip.aneWatts, chip.denied.aneWatts);
+    totalWatts = shownTotalWatts(current.chip);
 }
 
 std::array<MetricRow, 5> metricRows(const MetricValues &values)

@@ -22,8 +22,9 @@ namespace {
 
 LabelNumbers numbers()
 {
-    return labelNumbers(SystemMetrics{.memory = {.total = 1000, .used = 634},
-                         .chip = ChipReading{.cpuWatts = 11.7, .gpuActiveFraction = 0.419}});
+    return labelNumbers(
+        SystemMetrics{.memory = {.total = 1000, .used = 634},
+                      .chip = ChipReading{.cpuWatts = 11.7, .gpuActiveFraction = 0.419}});
 }
 
 } // namespace
