@@ -12,7 +12,7 @@ namespace Theme {
 /// A colour of sRGB components and an opacity, each from 0 to 1.
 constexpr QColor srgb(float red, float green, float blue, float opacity = 1)
 {
-    const auto wide = [](float share) { return static_cast<ushort>(share * 0xffff + 0.5F); };
+    const auto wide = [](float share) { return static_cast<ushort>(qRound(share * 0xffff)); };
     return QColor(QColor::Rgb, wide(opacity), wide(red), wide(green), wide(blue));
 }
 
