@@ -29,7 +29,8 @@ struct MemoryCounters {
     std::optional<std::int32_t> pressureLevel = {}; ///< 1 normal, 2 warning, 4 critical.
 };
 
-/// The counters of this machine now. Main thread. A statistic that cannot be read is absent.
+/// The counters of this machine now, for one thread: that of `MemorySampler`. A statistic that
+/// cannot be read is absent.
 MemoryCounters readMemoryCounters();
 
 } // namespace corvane

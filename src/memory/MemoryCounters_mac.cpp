@@ -1,7 +1,5 @@
 #include "memory/MemoryCounters.h"
 
-#include "platform/MainThread.h"
-
 #include <mach/mach.h>
 #include <sys/sysctl.h>
 
@@ -80,7 +78,6 @@ std::optional<MemoryCounters::Swap> readSwap()
 
 MemoryCounters readMemoryCounters()
 {
-    assertMainThread();
     return {.totalBytes = systemControl<std::uint64_t>("hw.memsize"),
             .pageSize = pageSize(),
             .pages = readPages(),
