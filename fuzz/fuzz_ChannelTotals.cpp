@@ -24,7 +24,7 @@ std::string_view plainName(std::string_view name)
     const std::string_view plain = withoutDie(name);
     const bool isSound = plain.size() == name.size()
         ? plain == name
-        : name.starts_with("DIE_") && name.ends_with(plain) && !plain.empty();
+        : name.starts_with("DIE") && name.ends_with(plain) && !plain.empty();
     if (!isSound)
         std::abort();
     return plain;
