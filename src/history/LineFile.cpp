@@ -116,7 +116,8 @@ void LineFile::create() const
 {
     m_thread.check();
     constexpr mode_t others = 0077;
-    FileDescriptor(open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    [[maybe_unused]] const FileDescriptor created(
+        open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     struct stat status = {};
     if (file && fstat(file.get(), &status) == 0 && status.st_uid == geteuid()

@@ -490,7 +490,7 @@ void TestSoak::theLabelDoesNotGrow()
     constexpr int measurements = 6;
     constexpr int ticksAUse = 20;
     // In fewer ticks the caches of glyphs and pictures still fill up in the later half.
-    const int ticks = std::max(m_ticks / 4, 360);
+    const int ticks = std::max(m_ticks / 4, 1440);
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
     m_label = std::make_unique<TrayLabel>(m_commands.inMenuOrder(), nullptr,
