@@ -1,4 +1,4 @@
-#include "chip/ThermalSampler.h"
+#include "thermal/ThermalSampler.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "chip/TemperatureSensors.h"
+#include "thermal/TemperatureSensors.h"
 
 #include "platform/KernelText.h"
 

@@ -1,6 +1,6 @@
 #include "packaging/macos/AppIcon.h"
 
-#include "ui/Logo.h"
+#include "controls/Logo.h"
 #include "ui/Theme.h"
 
 #include <QPainter>

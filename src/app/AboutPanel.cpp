@@ -1,10 +1,10 @@
 #include "app/AboutPanel.h"
 
-#include "platform/MainThread.h"
-#include "ui/ContextMenu.h"
-#include "ui/Logo.h"
+#include "controls/ContextMenu.h"
+#include "controls/Logo.h"
+#include "controls/WindowBackground.h"
+#include "threads/MainThread.h"
 #include "ui/Theme.h"
-#include "ui/WindowBackground.h"
 #include "windows/WindowTools.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
 #include "app/Commands.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "updates/UpdaterManager.h"
 
 #include <QAction>

@@ -11,9 +11,9 @@
 #include "instance/InstanceSocket.h"
 #include "instance/SingleInstance.h"
 #include "platform/Heap.h"
-#include "platform/MainThread.h"
-#include "platform/ThreadStart.h"
 #include "settings/SettingsWindow.h"
+#include "threads/MainThread.h"
+#include "threads/ThreadStart.h"
 #include "windows/WindowPlatform.h"
 #include "windows/WindowTools.h"
 

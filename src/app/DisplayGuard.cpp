@@ -1,7 +1,7 @@
 #include "app/DisplayGuard.h"
 
-#include "platform/MainThread.h"
-#include "platform/Mutex.h"
+#include "threads/MainThread.h"
+#include "threads/Mutex.h"
 
 #include <QStringList>
 

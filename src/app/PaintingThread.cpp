@@ -1,7 +1,7 @@
 #include "app/PaintingThread.h"
 
-#include "platform/MainThread.h"
-#include "platform/ThreadStart.h"
+#include "threads/MainThread.h"
+#include "threads/ThreadStart.h"
 
 #include <QSemaphore>
 #include <QThreadPool>

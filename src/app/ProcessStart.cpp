@@ -1,6 +1,6 @@
 #include "app/ProcessStart.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <csignal>
 #include <fcntl.h>

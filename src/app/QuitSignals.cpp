@@ -1,6 +1,6 @@
 #include "app/QuitSignals.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QGuiApplication>
 #include <QSessionManager>

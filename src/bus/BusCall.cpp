@@ -1,6 +1,6 @@
 #include "bus/BusCall.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QDBusPendingCallWatcher>
 

@@ -1,8 +1,8 @@
 #include "bus/BusConnection.h"
 
 #include "bus/SessionBus.h"
-#include "platform/MainThread.h"
-#include "platform/ThreadStart.h"
+#include "threads/MainThread.h"
+#include "threads/ThreadStart.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #include "bus/BusProbe.h"
 
-#include "platform/MainThread.h"
 #include "platform/UnixSocket.h"
+#include "threads/MainThread.h"
 
 #include <QSocketNotifier>
 

@@ -1,7 +1,7 @@
 #include "bus/SessionBus.h"
 
 #include "bus/BusProbe.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QFileInfo>
 #include <QUrl>

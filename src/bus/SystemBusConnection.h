@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QDBusConnection>
 #include <QString>

@@ -1,10 +1,10 @@
 #include "cards/Card.h"
 
+#include "controls/InfoButton.h"
+#include "controls/WindowBackground.h"
 #include "ui/CardStyle.h"
 #include "ui/Icon.h"
-#include "ui/InfoButton.h"
 #include "ui/Theme.h"
-#include "ui/WindowBackground.h"
 
 #include <QPaintEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cards/CardText.h"
-#include "ui/AccessibleWidget.h"
+#include "controls/AccessibleWidget.h"
 #include "ui/CardStyle.h"
 
 #include <deque>

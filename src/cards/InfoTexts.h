@@ -1,7 +1,7 @@
 #pragma once
 
+#include "controls/InfoButton.h"
 #include "platform/HostSystem.h"
-#include "ui/InfoButton.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "cards/RowList.h"
 
-#include "ui/ContextMenu.h"
+#include "controls/ContextMenu.h"
 #include "ui/FocusRing.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/AccessibleWidget.h"
+#include "controls/AccessibleWidget.h"
 
 #include <QColor>
 #include <QRectF>

@@ -1,6 +1,6 @@
 #include "charts/HoverPill.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "ui/CardStyle.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"

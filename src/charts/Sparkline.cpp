@@ -1,7 +1,7 @@
 #include "charts/Sparkline.h"
 
 #include "charts/ChartTime.h"
-#include "ui/ContextMenu.h"
+#include "controls/ContextMenu.h"
 #include "ui/FocusRing.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"

@@ -3,7 +3,7 @@
 #include "charts/HoverPill.h"
 #include "charts/SeriesShape.h"
 #include "charts/SparklineData.h"
-#include "ui/AccessibleWidget.h"
+#include "controls/AccessibleWidget.h"
 
 #include <QBrush>
 #include <QPen>

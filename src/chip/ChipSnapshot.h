@@ -1,10 +1,10 @@
 #pragma once
 
-#include "chip/ChipTemperatures.h"
 #include "cpu/CPULoad.h"
 #include "cpu/PackageEnergy.h"
 #include "gpu/GPUReading.h"
 #include "records/ChipReading.h"
+#include "thermal/ChipTemperatures.h"
 
 #include <vector>
 

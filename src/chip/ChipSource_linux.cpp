@@ -1,13 +1,13 @@
 #include "chip/ChipSource_linux.h"
 
 #include "chip/ChipSnapshot.h"
-#include "chip/TemperatureFiles_linux.h"
 #include "cpu/CPUClusterFiles_linux.h"
 #include "cpu/CPUCoreSampler.h"
 #include "cpu/CPUFrequencyFiles_linux.h"
 #include "cpu/PackageEnergyFiles_linux.h"
 #include "cpu/ProcStatFile_linux.h"
 #include "gpu/GPUWatch_linux.h"
+#include "thermal/TemperatureFiles_linux.h"
 
 #include <memory>
 #include <utility>

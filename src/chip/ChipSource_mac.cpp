@@ -5,8 +5,8 @@
 #include "chip/IOReportBridge_mac.h"
 #include "chip/IOReportPowerSampler.h"
 #include "chip/SteadyPower.h"
-#include "chip/ThermalBridge_mac.h"
 #include "cpu/CoreTicks_mac.h"
+#include "thermal/ThermalBridge_mac.h"
 
 #include <memory>
 #include <utility>

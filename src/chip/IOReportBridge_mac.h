@@ -1,7 +1,7 @@
 #pragma once
 
 #include "chip/ReportingChannel.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <functional>
 #include <memory>

@@ -3,11 +3,11 @@
 #include "chip/ChannelTotals.h"
 #include "chip/FrequencyTables.h"
 #include "chip/ReportingChannel.h"
-#include "chip/ThermalSampler.h"
 #include "cpu/CPUCoreSampler.h"
 #include "platform/BootClock.h"
-#include "platform/OneThread.h"
 #include "records/ChipReading.h"
+#include "thermal/ThermalSampler.h"
+#include "threads/OneThread.h"
 
 #include <algorithm>
 #include <functional>

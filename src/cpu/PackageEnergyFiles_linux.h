@@ -2,7 +2,7 @@
 
 #include "cpu/PackageEnergy.h"
 #include "platform/BootClock.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <functional>
 #include <memory>

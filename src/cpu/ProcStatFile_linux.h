@@ -2,7 +2,7 @@
 
 #include "cpu/ProcStat.h"
 #include "platform/KernelFile_linux.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <optional>
 #include <string>

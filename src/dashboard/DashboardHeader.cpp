@@ -1,9 +1,9 @@
 #include "dashboard/DashboardHeader.h"
 
-#include "ui/Logo.h"
+#include "controls/Logo.h"
+#include "controls/WindowBackground.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
-#include "ui/WindowBackground.h"
 
 #include <QPaintEvent>
 #include <QPainter>

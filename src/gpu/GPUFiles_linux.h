@@ -3,7 +3,7 @@
 #include "gpu/GPUDevices_linux.h"
 #include "gpu/GPUReading.h"
 #include "platform/KernelFile_linux.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <optional>
 #include <vector>

@@ -3,7 +3,7 @@
 #include "gpu/GPUFiles_linux.h"
 #include "gpu/NvidiaGPUs_linux.h"
 #include "platform/KernelFile_linux.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <algorithm>
 #include <limits>

@@ -5,7 +5,7 @@
 #include "gpu/GPUSleepGate.h"
 #include "gpu/NvidiaReader_linux.h"
 #include "platform/KernelFile_linux.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <functional>
 #include <limits>

@@ -1,8 +1,8 @@
 #include "gpu/NvidiaReader_linux.h"
 
-#include "platform/ThreadStart.h"
+#include "threads/ThreadStart.h"
 
-#include "platform/Mutex.h"
+#include "threads/Mutex.h"
 
 #include <limits>
 #include <utility>

@@ -2,7 +2,7 @@
 
 #include "gpu/NvidiaLibrary_linux.h"
 #include "platform/BootClock.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <functional>
 #include <memory>

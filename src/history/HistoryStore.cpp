@@ -1,7 +1,7 @@
 #include "history/HistoryStore.h"
 
-#include "platform/MainThread.h"
 #include "platform/PrivateFolder.h"
+#include "threads/MainThread.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <string>
 #include <vector>

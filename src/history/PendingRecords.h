@@ -1,7 +1,7 @@
 #pragma once
 
 #include "history/PersistedMetric.h"
-#include "platform/Mutex.h"
+#include "threads/Mutex.h"
 
 #include <chrono>
 #include <optional>

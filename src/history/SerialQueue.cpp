@@ -1,7 +1,7 @@
 #include "history/SerialQueue.h"
 
-#include "platform/ThreadName.h"
-#include "platform/ThreadStart.h"
+#include "threads/ThreadName.h"
+#include "threads/ThreadStart.h"
 
 #include <algorithm>
 #include <utility>

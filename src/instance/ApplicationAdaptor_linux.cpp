@@ -2,7 +2,7 @@
 
 #include "instance/ApplicationService.h"
 #include "platform/ActivationToken.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 namespace corvane {
 

@@ -1,6 +1,6 @@
 #include "instance/ApplicationService.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,7 +1,7 @@
 #include "instance/BusApplicationService_linux.h"
 
 #include "instance/ApplicationAdaptor_linux.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 namespace corvane {
 

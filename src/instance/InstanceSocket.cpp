@@ -1,9 +1,9 @@
 #include "instance/InstanceSocket.h"
 
 #include "instance/InstanceMessage.h"
-#include "platform/MainThread.h"
 #include "platform/PeerUser.h"
 #include "platform/UnixSocket.h"
+#include "threads/MainThread.h"
 
 #include <QSocketNotifier>
 #include <QTimer>

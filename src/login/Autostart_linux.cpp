@@ -2,7 +2,7 @@
 
 #include "login/DesktopEntry.h"
 #include "platform/FileDescriptor.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QDir>
 #include <QFile>

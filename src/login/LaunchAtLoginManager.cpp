@@ -1,6 +1,6 @@
 #include "login/LaunchAtLoginManager.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <utility>
 

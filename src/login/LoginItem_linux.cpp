@@ -1,7 +1,7 @@
 #include "login/LoginItem.h"
 
 #include "login/Autostart_linux.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QCoreApplication>
 

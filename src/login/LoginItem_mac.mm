@@ -1,6 +1,6 @@
 #include "login/LoginItem.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #import <ServiceManagement/ServiceManagement.h>
 

@@ -2,7 +2,7 @@
 
 #include "memory/MemoryCounters.h"
 #include "platform/KernelFile_linux.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <string>
 #include <vector>

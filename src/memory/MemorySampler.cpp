@@ -1,6 +1,6 @@
 #include "memory/MemorySampler.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QtGlobal>
 

@@ -1,10 +1,10 @@
 #include "panel/MenuBarContent.h"
 
+#include "controls/ContextMenu.h"
+#include "controls/PanelButton.h"
 #include "panel/PanelHeader.h"
 #include "panel/PanelRow.h"
-#include "platform/MainThread.h"
-#include "ui/ContextMenu.h"
-#include "ui/PanelButton.h"
+#include "threads/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"

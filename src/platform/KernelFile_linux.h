@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/FileDescriptor.h"
-#include "platform/OneThread.h"
+#include "threads/OneThread.h"
 
 #include <cstddef>
 #include <optional>

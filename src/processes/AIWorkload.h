@@ -16,6 +16,10 @@ struct AIWorkload {
     AIFramework framework = AIFramework::generic;
     std::optional<QString> model = {}; ///< Absent when the command line names none.
     std::uint64_t memory = 0;          ///< Physical footprint in bytes.
+    /// Bytes of all GPUs; absent where the system does not tell a process's share (always on a Mac,
+    /// where it is part of the footprint).
+    std::optional<std::uint64_t> gpuMemory = {};
+    std::optional<double> gpuFraction = {}; ///< Its share of the GPUs' time, 0…1.
 
     friend bool operator==(const AIWorkload &, const AIWorkload &) = default;
 };
@@ -24,7 +28,8 @@ inline std::size_t qHash(const AIWorkload &workload, std::size_t seed = 0)
 {
     return qHashMulti(seed, workload.id, workload.pid, workload.processName,
                       static_cast<int>(workload.framework), workload.model.value_or(QString()),
-                      workload.model.has_value(), workload.memory);
+                      workload.model.has_value(), workload.memory, workload.gpuMemory.value_or(0),
+                      workload.gpuFraction.value_or(-1));
 }
 
 } // namespace corvane

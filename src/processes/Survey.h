@@ -2,6 +2,7 @@
 
 #include "processes/AIWorkload.h"
 #include "processes/ProcessRow.h"
+#include "records/GPUHolders.h"
 
 #include <vector>
 
@@ -11,8 +12,9 @@ struct ProcessSource;
 
 /// The processes of a machine at one time.
 struct Survey {
-    std::vector<ProcessRow> processes = {}; ///< The 20 heaviest, largest first.
-    std::vector<AIWorkload> workloads = {}; ///< Largest first.
+    std::vector<ProcessRow> processes = {};  ///< The 20 heaviest, largest first.
+    std::vector<AIWorkload> workloads = {};  ///< Largest first.
+    std::vector<GPUHolders> gpuHolders = {}; ///< One a GPU whose memory is told by process.
 
     friend bool operator==(const Survey &, const Survey &) = default;
 };

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "records/GPUMetrics.h"
+#include "records/MachineCoverage.h"
 
 #include <QString>
 
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -13,6 +16,14 @@ namespace corvane {
 struct GPUStateShare {
     QString state = {};
     double fraction = 0; ///< 0…1
+};
+
+/// The NPU in one sample, where the system publishes it by itself (Linux).
+struct NPUMetrics {
+    std::optional<double> activeFraction = {}; ///< 0…1
+    std::optional<double> watts = {};
+    std::optional<double> megahertz = {};
+    std::optional<std::uint64_t> memoryUsed = {}; ///< Bytes.
 };
 
 /// Parts of the chip that exist and whose values it does not publish now; such a value is 0 in the
@@ -48,6 +59,12 @@ struct ChipReading {
     /// Each GPU that could be read, where the system publishes them one by one (Linux); the values
     /// above are those of all together. Empty on a Mac.
     std::vector<GPUMetrics> gpus = {};
+    /// What the machine tells, shared by all readings until it changes. Null: a whole chip of
+    /// Apple.
+    std::shared_ptr<const MachineCoverage> coverage = {};
+    std::optional<NPUMetrics> npu = {};
+    std::optional<double> packageWatts = {}; ///< The whole package where a source measures it.
+    std::optional<double> systemWatts = {};  ///< The whole machine; never part of the sum of watts.
 };
 
 /// A value of a reading as it is shown; absent when it is denied.

@@ -10,4 +10,10 @@ const SystemMetrics &SystemMetrics::placeholder()
     return sample;
 }
 
+const MachineCoverage &coverageOf(const SystemMetrics &sample)
+{
+    static const MachineCoverage whole;
+    return sample.chip && sample.chip->coverage ? *sample.chip->coverage : whole;
+}
+
 } // namespace corvane

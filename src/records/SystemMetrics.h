@@ -21,4 +21,7 @@ struct SystemMetrics {
     static const SystemMetrics &placeholder();
 };
 
+/// What the machine of this sample tells; a whole chip without a reading.
+const MachineCoverage &coverageOf(const SystemMetrics &sample);
+
 } // namespace corvane

@@ -1,6 +1,6 @@
 #include "sampler/AppSettings.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 namespace corvane {
 

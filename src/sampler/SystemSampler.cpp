@@ -1,7 +1,7 @@
 #include "sampler/SystemSampler.h"
 
-#include "platform/BackgroundJob.h"
-#include "platform/MainThread.h"
+#include "threads/BackgroundJob.h"
+#include "threads/MainThread.h"
 
 #include <algorithm>
 #include <utility>
@@ -72,6 +72,7 @@ void SystemSampler::survey()
         m_processes = std::move(survey.processes);
         emit processesChanged();
         m_aiWorkloads = std::move(survey.workloads);
+        m_gpuHolders = std::move(survey.gpuHolders);
         emit aiWorkloadsChanged();
     });
 }

@@ -60,6 +60,9 @@ public:
     const std::vector<ProcessRow> &processes() const { return m_processes; }     ///< Largest first.
     const std::vector<AIWorkload> &aiWorkloads() const { return m_aiWorkloads; } ///< Largest first.
 
+    /// Who holds the GPUs' memory; changes together with the workloads.
+    const std::vector<GPUHolders> &gpuHolders() const { return m_gpuHolders; }
+
     /// (Re)starts the timer; the next tick is one interval away.
     void start();
 
@@ -92,6 +95,7 @@ private:
     std::vector<SystemMetrics> m_history;
     std::vector<ProcessRow> m_processes;
     std::vector<AIWorkload> m_aiWorkloads;
+    std::vector<GPUHolders> m_gpuHolders;
 };
 
 /// The history for a new window length: its newest samples if it is longer than the window, else

@@ -1,9 +1,9 @@
 #include "settings/GeneralSettings.h"
 
+#include "controls/Switch.h"
 #include "login/LaunchAtLoginManager.h"
 #include "settings/SettingsNote.h"
 #include "settings/SettingsTexts.h"
-#include "ui/Switch.h"
 #include "ui/Theme.h"
 
 namespace corvane {

@@ -1,6 +1,6 @@
 #include "settings/SettingsNote.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "ui/Theme.h"
 
 #include <QPainter>

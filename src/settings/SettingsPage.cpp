@@ -1,10 +1,10 @@
 #include "settings/SettingsPage.h"
 
-#include "platform/MainThread.h"
+#include "controls/Switch.h"
 #include "settings/SettingsNote.h"
+#include "threads/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
-#include "ui/Switch.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
 

@@ -1,6 +1,6 @@
 #include "settings/SettingsTabs.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/TextLayout.h"

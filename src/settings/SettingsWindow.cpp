@@ -1,13 +1,13 @@
 #include "settings/SettingsWindow.h"
 
+#include "controls/WindowBackground.h"
 #include "login/LaunchAtLoginManager.h"
-#include "platform/MainThread.h"
 #include "settings/GeneralSettings.h"
 #include "settings/SettingsTabs.h"
 #include "settings/UpdateSettings.h"
+#include "threads/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/Theme.h"
-#include "ui/WindowBackground.h"
 #include "updates/UpdaterManager.h"
 #include "windows/WindowTools.h"
 

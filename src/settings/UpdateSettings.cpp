@@ -1,9 +1,9 @@
 #include "settings/UpdateSettings.h"
 
+#include "controls/PanelButton.h"
+#include "controls/Switch.h"
 #include "settings/SettingsNote.h"
 #include "settings/SettingsTexts.h"
-#include "ui/PanelButton.h"
-#include "ui/Switch.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
 #include "updates/UpdaterManager.h"

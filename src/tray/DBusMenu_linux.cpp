@@ -1,6 +1,6 @@
 #include "tray/DBusMenu_linux.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QActionEvent>
 #include <QMenu>

@@ -1,6 +1,6 @@
 #include "tray/MetricMenu.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 #include "tray/NotifierItems_linux.h"
 
-#include "platform/MainThread.h"
+#include "controls/Logo.h"
+#include "threads/MainThread.h"
 #include "tray/StatusNotifierItem_linux.h"
 #include "tray/TrayPicture.h"
-#include "ui/Logo.h"
 
 #include <QGuiApplication>
 #include <QMenu>

@@ -1,7 +1,7 @@
 #include "tray/StatusNotifierItem_linux.h"
 
 #include "bus/BusCall.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "tray/StatusNotifierWatcher_linux.h"
 #include "windows/WindowTools.h"
 

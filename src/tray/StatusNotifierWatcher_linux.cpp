@@ -1,6 +1,6 @@
 #include "tray/StatusNotifierWatcher_linux.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "tray/TrayProgram_linux.h"
 
 #include <QDBusServiceWatcher>

@@ -1,6 +1,6 @@
 #include "tray/TrayIcons_linux.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QSystemTrayIcon>
 

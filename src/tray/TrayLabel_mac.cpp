@@ -1,4 +1,4 @@
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "tray/MetricMenu.h"
 #include "tray/StatusLabel.h"
 #include "tray/TrayLabel.h"

@@ -1,6 +1,6 @@
 #include "ui/FocusRing.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "ui/RoundedBox.h"
 
 #include <QEvent>

@@ -1,6 +1,6 @@
 #include "ui/Icon.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "ui/PixelGrid.h"
 #include "ui/SystemSymbol.h"
 

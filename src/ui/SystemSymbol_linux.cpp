@@ -1,6 +1,6 @@
 #include "ui/SystemSymbol.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #include "ui/SystemSymbol.h"
 
-#include "platform/MainThread.h"
 #include "platform/NativeText_mac.h"
+#include "threads/MainThread.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,6 +1,6 @@
 #include "ui/TextLayout.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QFontMetricsF>
 #include <QHash>

@@ -1,6 +1,6 @@
 #include "ui/Theme.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QFontDatabase>
 #include <QSizeF>

@@ -1,8 +1,8 @@
 #include "updates/PackageCheck_linux.h"
 
 #include "bus/SystemBusConnection.h"
-#include "platform/BackgroundJob.h"
-#include "platform/MainThread.h"
+#include "threads/BackgroundJob.h"
+#include "threads/MainThread.h"
 
 #include <QTimer>
 

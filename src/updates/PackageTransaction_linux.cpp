@@ -1,7 +1,7 @@
 #include "updates/PackageTransaction_linux.h"
 
 #include "bus/BusCall.h"
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>

@@ -1,6 +1,6 @@
 #include "updates/PackageUpdater_linux.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "updates/UpdateSchedule.h"
 
 #include <utility>

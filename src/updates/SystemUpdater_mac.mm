@@ -1,6 +1,6 @@
 #include "updates/SystemUpdater.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #import <Sparkle/Sparkle.h>
 

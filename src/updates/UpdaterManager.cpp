@@ -1,6 +1,6 @@
 #include "updates/UpdaterManager.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "windows/WindowAccessor.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "windows/WindowPlatform.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 #include "windows/CollectionBehavior_mac.h"
 
 #import <AppKit/AppKit.h>

@@ -1,6 +1,6 @@
 #include "windows/WindowStyle.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,9 +1,9 @@
 #include "windows/WindowTools.h"
 
+#include "controls/Logo.h"
 #include "platform/ActivationToken.h"
 #include "platform/Heap.h"
-#include "platform/MainThread.h"
-#include "ui/Logo.h"
+#include "threads/MainThread.h"
 
 #include <QCoreApplication>
 #include <QIcon>

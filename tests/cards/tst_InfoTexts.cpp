@@ -1,5 +1,5 @@
 #include "cards/InfoTexts.h"
-#include "ui/InfoPopover.h"
+#include "controls/InfoPopover.h"
 #include "ui/Markdown.h"
 
 #include <QCryptographicHash>

@@ -5,11 +5,11 @@
 #include "cards/RowList.h"
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
+#include "controls/InfoButton.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
-#include "ui/InfoButton.h"
 
 #include <QAccessible>
 #include <QTest>

@@ -1,10 +1,10 @@
 #include "panel/MenuBarContent.h"
 
 #include "chip/ChipIdentity.h"
+#include "controls/PanelButton.h"
 #include "panel/PanelHeader.h"
 #include "panel/PanelRow.h"
 #include "support/Rendering.h"
-#include "ui/PanelButton.h"
 #include "ui/Theme.h"
 
 #include <QAction>

@@ -1,3 +1,5 @@
+#include "controls/PanelButton.h"
+#include "controls/Switch.h"
 #include "login/LaunchAtLoginManager.h"
 #include "settings/GeneralSettings.h"
 #include "settings/SettingsNote.h"
@@ -7,8 +9,6 @@
 #include "settings/UpdateSettings.h"
 #include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
-#include "ui/PanelButton.h"
-#include "ui/Switch.h"
 #include "updates/UpdaterManager.h"
 
 #include <QTest>

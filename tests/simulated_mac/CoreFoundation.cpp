@@ -1,6 +1,6 @@
-#include "platform/Mutex.h"
 #include "simulated_mac/Faults.h"
 #include "simulated_mac/Objects.h"
+#include "threads/Mutex.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Mutex.h"
+#include "threads/Mutex.h"
 
 #include <array>
 #include <cstddef>

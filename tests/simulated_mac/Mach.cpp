@@ -1,5 +1,5 @@
-#include "platform/Mutex.h"
 #include "simulated_mac/SimulatedMac.h"
+#include "threads/Mutex.h"
 
 #include <mach/mach.h>
 

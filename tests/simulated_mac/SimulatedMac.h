@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/Mutex.h"
 #include "simulated_mac/Faults.h"
 #include "simulated_mac/Machine.h"
 #include "simulated_mac/Objects.h"
+#include "threads/Mutex.h"
 
 #include <array>
 #include <vector>

@@ -4,13 +4,13 @@
 #include "chip/ChipName.h"
 #include "chip/FrequencyTables_mac.h"
 #include "chip/IOReportBridge_mac.h"
-#include "chip/ThermalBridge_mac.h"
 #include "cpu/CoreTicks_mac.h"
 #include "memory/MemoryCounters.h"
 #include "platform/BootClock.h"
 #include "platform/HostSystem.h"
-#include "platform/ThreadPriority.h"
 #include "processes/ProcessBridge.h"
+#include "thermal/ThermalBridge_mac.h"
+#include "threads/ThreadPriority.h"
 
 using namespace corvane;
 

@@ -6,9 +6,9 @@
 #include "cpu/CPUCoreSampler.h"
 #include "cpu/CoreTicks_mac.h"
 #include "memory/MemorySampler.h"
-#include "platform/ThreadPriority.h"
 #include "processes/ProcessBridge.h"
 #include "simulated_mac/SimulatedMac.h"
+#include "threads/ThreadPriority.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
-#include "chip/ThermalBridge_mac.h"
 #include "simulated_mac/SimulatedMac.h"
+#include "thermal/ThermalBridge_mac.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
-#include "platform/ThreadPriority.h"
 #include "simulated_mac/Faults.h"
 #include "simulated_mac/Threads.h"
+#include "threads/ThreadPriority.h"
 
 #include <pthread/qos.h>
 

@@ -1,6 +1,6 @@
 #include "support/FaultyCalls.h"
 
-#include "platform/Mutex.h"
+#include "threads/Mutex.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "support/ProgramRun.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "support/ProgramSession.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "support/SessionManager.h"
 
-#include "platform/MainThread.h"
+#include "threads/MainThread.h"
 
 #include <QSocketNotifier>
 

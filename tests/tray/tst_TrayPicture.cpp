@@ -1,6 +1,6 @@
 #include "tray/TrayPicture.h"
 
-#include "ui/Logo.h"
+#include "controls/Logo.h"
 #include "ui/Theme.h"
 
 #include <QTest>

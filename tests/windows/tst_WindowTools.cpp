@@ -1,6 +1,6 @@
 #include "windows/WindowTools.h"
 
-#include "ui/Logo.h"
+#include "controls/Logo.h"
 
 #include <QTest>
 #include <QWindow>

@@ -1,0 +1,95 @@
+#include "controls/InfoButton.h"
+
+#include "controls/InfoPopover.h"
+#include "threads/MainThread.h"
+#include "ui/Icon.h"
+#include "ui/RoundedBox.h"
+#include "ui/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+InfoButton::InfoButton(const InfoText &info, QWidget *parent)
+    : QAbstractButton(parent),
+      m_info(info)
+{
+    assertMainThread();
+    setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
+    setFixedSize(side, side);
+    setToolTip(info.title.toHtmlEscaped());
+    setAccessibleName(info.title);
+    setAccessibleDescription(plainText(info.text));
+    connect(this, &QAbstractButton::clicked, this, &InfoButton::toggle);
+}
+
+InfoButton::~InfoButton()
+{
+    close();
+}
+
+InfoPopover *InfoButton::popover() const
+{
+    return m_popover;
+}
+
+void InfoButton::toggle()
+{
+    if (m_popover) {
+        close();
+        return;
+    }
+    m_popover = new InfoPopover(m_info.title, m_info.text, this, clickArea());
+    connect(m_popover, &InfoPopover::dismissed, this, &InfoButton::close);
+}
+
+void InfoButton::close()
+{
+    if (!m_popover)
+        return;
+    // It is deleted later, since it may be filtering an event right now.
+    m_popover->hide();
+    m_popover->deleteLater();
+    m_popover.clear();
+}
+
+void InfoButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor &color = underMouse() ? Theme::textSecondary : Theme::textTertiary;
+    paintIcon(painter, u"info.circle"_s, glyph(), color);
+    if (hasFocus())
+        paintFocusRing(painter, rect(), 6);
+}
+
+void InfoButton::enterEvent(QEnterEvent *event)
+{
+    update();
+    QAbstractButton::enterEvent(event);
+}
+
+void InfoButton::leaveEvent(QEvent *event)
+{
+    update();
+    QAbstractButton::leaveEvent(event);
+}
+
+void InfoButton::hideEvent(QHideEvent *event)
+{
+    close();
+    QAbstractButton::hideEvent(event);
+}
+
+void InfoButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
+} // namespace corvane

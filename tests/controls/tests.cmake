@@ -1,0 +1,8 @@
+corvane_test(controls/tst_PanelButton)
+corvane_test(controls/tst_Switch)
+corvane_test(controls/tst_InfoButton)
+corvane_test(controls/tst_InfoPopover)
+corvane_test(controls/tst_AccessibleWidget)
+corvane_test(controls/tst_WindowBackground)
+corvane_test(controls/tst_Logo)
+corvane_test(controls/tst_ContextMenu)

@@ -1,0 +1,4 @@
+corvane_test(thermal/tst_ChipTemperatures)
+corvane_test(thermal/tst_TemperatureFiles SYSTEM linux)
+corvane_test(thermal/tst_TemperatureSensors)
+corvane_test(thermal/tst_ThermalSampler)
