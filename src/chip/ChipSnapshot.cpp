@@ -38,7 +38,12 @@ GPUMetrics gpuMetrics(const ChipSnapshot &from, const ChipSnapshot &to, const GP
     GPUMetrics metrics = {.device = QString::fromStdString(gpu.device),
                           .integrated = gpu.integrated,
                           .activeFraction = busyShare(from, to, gpu),
-                          .tempC = mean(gpu.temperatures)};
+                          .megahertz = gpu.megahertz,
+                          .tempC = mean(gpu.temperatures),
+                          .memoryUsed = gpu.memoryUsed,
+                          .memoryIsLowerBound = gpu.memoryIsLowerBound,
+                          .memoryOwnUsed = gpu.memoryOwnUsed,
+                          .limit = gpu.limit};
     if (!gpu.state.empty())
         metrics.state = QString::fromStdString(gpu.state);
     if (!gpu.integrated)

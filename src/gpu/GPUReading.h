@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/GPUMetrics.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,6 +21,13 @@ struct GPUReading {
     std::optional<double> watts = {};              ///< Absent on integrated GPUs.
     std::optional<double> packageWatts = {};       ///< Power of an APU: CPU and GPU together.
     std::vector<double> temperatures = {};         ///< Degrees Celsius.
+    std::optional<double> megahertz = {};          ///< Present clock of its cores.
+    std::optional<std::uint64_t> memoryUsed =
+        {};                          ///< Bytes, shared ones of an integrated GPU included.
+    bool memoryIsLowerBound = false; ///< Only this user's own processes could be added up.
+    std::optional<std::uint64_t> memoryOwnUsed =
+        {};                             ///< Of an integrated GPU: in the part set aside.
+    std::optional<GPULimit> limit = {}; ///< Absent: none, or not known.
 };
 
 /// Share of the time between two readings that the GPU was busy; absent when its driver publishes

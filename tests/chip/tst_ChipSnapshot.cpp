@@ -27,6 +27,15 @@ QStringList textsOf(const std::vector<GPUMetrics> &gpus)
             text += u" %1 W"_s.arg(*gpu.watts);
         if (gpu.tempC)
             text += u" %1 C"_s.arg(*gpu.tempC);
+        if (gpu.megahertz)
+            text += u" %1 MHz"_s.arg(*gpu.megahertz);
+        if (gpu.memoryUsed)
+            text +=
+                (gpu.memoryIsLowerBound ? u" >= %1 bytes"_s : u" %1 bytes"_s).arg(*gpu.memoryUsed);
+        if (gpu.memoryOwnUsed)
+            text += u" %1 own"_s.arg(*gpu.memoryOwnUsed);
+        if (gpu.limit == GPULimit::temperature)
+            text += u" hot"_s;
         texts << text;
     }
     return texts;
@@ -156,10 +165,17 @@ void TestChipSnapshot::keepsEachGPU()
     hot.watts = 100;
     hot.temperatures = {61, 74, 66};
     const GPUReading mute = {.device = "mute", .seconds = 1};
+    apu.memoryUsed = 9000;
+    apu.memoryOwnUsed = 500;
+    hot.megahertz = 2610;
+    hot.memoryUsed = 7000;
+    hot.memoryIsLowerBound = true;
+    hot.limit = GPULimit::temperature;
     const ChipReading reading = chipReading({}, {.seconds = 1, .gpus = {apu, hot, mute}}, {});
-    QCOMPARE(textsOf(reading.gpus),
-             (QStringList{u"chip (integrated) busy 0.5 at 800 MHz 50 C"_s,
-                          u"card busy 0.25 at P2 100 W 67 C"_s, u"mute"_s}));
+    QCOMPARE(
+        textsOf(reading.gpus),
+        (QStringList{u"chip (integrated) busy 0.5 at 800 MHz 50 C 9000 bytes 500 own"_s,
+                     u"card busy 0.25 at P2 100 W 67 C 2610 MHz >= 7000 bytes hot"_s, u"mute"_s}));
 }
 
 void TestChipSnapshot::measuresPower_data()
