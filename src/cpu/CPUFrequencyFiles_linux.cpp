@@ -16,10 +16,18 @@ std::optional<KernelFile> fileIn(const std::string &folder, const char *name)
     return KernelFile(path);
 }
 
-std::optional<std::uint64_t> readKHz(std::optional<KernelFile> &file)
+std::optional<std::uint64_t> readKHz(const std::string &path)
 {
-    const auto text = file ? file->read() : std::nullopt;
+    KernelFile file(path);
+    const auto text = file.read();
     return text ? parseKHz(*text) : std::nullopt;
+}
+
+std::optional<std::uint64_t> presentKHz(const std::string &folder)
+{
+    // Newer kernels average over some ms. The average fails for a CPU that has just been idle.
+    const auto average = readKHz(folder + "/cpuinfo_avg_freq");
+    return average ? average : readKHz(folder + "/scaling_cur_freq");
 }
 
 } // namespace
@@ -29,8 +37,7 @@ CPUFrequencyFiles::CPUFrequencyFiles(const CPUCluster &cluster)
     for (const CPUPolicy &policy : cluster.policies) {
         m_policies.push_back({.cpus = policy.cpus,
                               .timeInState = fileIn(policy.folder, "/stats/time_in_state"),
-                              .average = fileIn(policy.folder, "/cpuinfo_avg_freq"),
-                              .present = fileIn(policy.folder, "/scaling_cur_freq")});
+                              .folder = policy.folder});
     }
 }
 
@@ -46,16 +53,9 @@ CPUClusterReading CPUFrequencyFiles::read(std::optional<int> busiest)
         const bool stands =
             busiest && std::ranges::find(policy.cpus, *busiest) != policy.cpus.end();
         if (stands && times.empty())
-            reading.presentKHz = presentKHz(policy);
+            reading.presentKHz = presentKHz(policy.folder);
     }
     return reading;
-}
-
-std::optional<std::uint64_t> CPUFrequencyFiles::presentKHz(Policy &policy)
-{
-    // The average fails for a CPU that has just been idle.
-    const auto average = readKHz(policy.average);
-    return average ? average : readKHz(policy.present);
 }
 
 } // namespace corvane

@@ -5,11 +5,12 @@
 #include "threads/OneThread.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace corvane {
 
-/// The cpufreq files with the frequencies of one cluster, kept open. Used on one thread.
+/// Reads the cpufreq files with the frequencies of one cluster. Used on one thread.
 class CPUFrequencyFiles {
 public:
     explicit CPUFrequencyFiles(const CPUCluster &cluster);
@@ -21,12 +22,10 @@ public:
 private:
     struct Policy {
         std::vector<int> cpus = {};
+        /// Read every time, so it may stay open; the busiest CPU changes, so others do not.
         std::optional<KernelFile> timeInState = {};
-        std::optional<KernelFile> average = {}; ///< Newer kernels average over some ms.
-        std::optional<KernelFile> present = {};
+        std::string folder = {};
     };
-
-    static std::optional<std::uint64_t> presentKHz(Policy &policy);
 
     std::vector<Policy> m_policies = {};
     OneThread m_thread = {};

@@ -30,15 +30,35 @@ KernelFile::KernelFile(std::string path, KernelFileKind kind)
 {
 }
 
+std::optional<KernelFile::Place> KernelFile::Place::take()
+{
+    static constinit std::atomic<int> taken = 0;
+    if (taken++ < mostKeptOpen)
+        return Place(&taken);
+    --taken;
+    return std::nullopt;
+}
+
 std::optional<std::string_view> KernelFile::read(std::size_t limit)
 {
-    constexpr std::size_t firstSize = 4096;
     m_thread.check();
     if (!m_file)
         m_file = openRegular(m_path, FileAccess::read);
     if (!m_file)
         return std::nullopt;
+    const auto text = readOpened(limit);
+    if (m_file && !m_place)
+        m_place = Place::take();
+    if (!m_file || !m_place) {
+        m_file = FileDescriptor();
+        m_place.reset();
+    }
+    return text;
+}
 
+std::optional<std::string_view> KernelFile::readOpened(std::size_t limit)
+{
+    constexpr std::size_t firstSize = 4096;
     std::size_t length = 0;
     while (length < limit) {
         if (m_buffer.size() == length)

@@ -3,7 +3,9 @@
 #include "platform/FileDescriptor.h"
 #include "threads/OneThread.h"
 
+#include <atomic>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +21,9 @@ enum class KernelFileKind {
 /// A small text file of the kernel that is read again and again: opened once, then read from its
 /// start with `pread`. Owned by one reader, used on one thread.
 ///
+/// Only `mostKeptOpen` files of the program stay open between two reads; a machine with more CPUs
+/// or sensors than that has its further files opened and closed by each read.
+///
 /// A file that is missing, refused, empty or not regular reads as absent; the next read looks for
 /// it again. Opening never blocks, so a FIFO in the file's place cannot hold the caller up.
 class KernelFile {
@@ -32,10 +37,31 @@ public:
 
     static constexpr std::size_t wholeFile = 1 << 20; ///< No kernel file that is used is longer.
 
+    /// Many machines have fewer files than this that are read each second. Far below the limit of
+    /// 1,024 descriptors under which the program may be started.
+    static constexpr int mostKeptOpen = 48;
+
 private:
+    /// Counts one file that stays open.
+    class Place {
+    public:
+        /// Absent when all places are taken.
+        static std::optional<Place> take();
+
+    private:
+        struct Leave {
+            void operator()(std::atomic<int> *taken) const { --*taken; }
+        };
+        explicit Place(std::atomic<int> *taken) : m_taken(taken) { }
+        std::unique_ptr<std::atomic<int>, Leave> m_taken;
+    };
+
+    std::optional<std::string_view> readOpened(std::size_t limit);
+
     std::string m_path;
     KernelFileKind m_kind;
-    std::string m_buffer; ///< Kept, so that a steady tick allocates no memory.
+    std::string m_buffer;              ///< Kept, so that a steady tick allocates no memory.
+    std::optional<Place> m_place = {}; ///< Absent unless the file stays open.
     FileDescriptor m_file;
     OneThread m_thread;
 };

@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <fcntl.h>
+
 using namespace corvane;
 using corvane::test::AccessWatch;
 using corvane::test::MachineTree;
@@ -62,6 +64,36 @@ private:
     ChipSource m_source;
 };
 
+/// A policy for each CPU, and two devices with 288 sensors each.
+void putLargeMachine(const MachineTree &tree, int cpus, bool countsTimes)
+{
+    tree.write("sys/devices/system/cpu/present", "0-" + std::to_string(cpus - 1) + '\n');
+    for (int cpu = 0; cpu < cpus; ++cpu) {
+        const std::string policy = policies + std::to_string(cpu);
+        tree.write(policy + "/related_cpus", std::to_string(cpu) + '\n');
+        tree.write(policy + "/scaling_available_frequencies", "3000000 2000000 \n");
+        tree.write(policy + "/scaling_cur_freq", "2000000\n");
+        if (countsTimes)
+            tree.write(policy + "/stats/time_in_state", "1000000 500\n3000000 500\n");
+    }
+    for (const std::string monitor : {"sys/class/hwmon/hwmon0/", "sys/class/hwmon/hwmon1/"}) {
+        tree.write(monitor + "name", "coretemp\n");
+        for (int sensor = 2; sensor < 290; ++sensor) {
+            const std::string stem = monitor + "temp" + std::to_string(sensor);
+            tree.write(stem + "_label", "Core " + std::to_string(sensor - 2) + '\n');
+            tree.write(stem + "_input", "50000\n");
+        }
+    }
+}
+
+int openDescriptors()
+{
+    int count = 0;
+    for (int descriptor = 0; descriptor < 4096; ++descriptor)
+        count += fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
+    return count;
+}
+
 } // namespace
 
 /// All readers put together; each of them has a test of its own.
@@ -82,6 +114,8 @@ private slots:
     void aVirtualMachine();
     void aSleepingGPUIsNotTouched();
     void keepsEachGPU();
+    void aLargeMachineNeedsFewDescriptors_data();
+    void aLargeMachineNeedsFewDescriptors();
 };
 
 void TestChipSource::isEmptyWhereNoFileIsAboutTheChip_data()
@@ -316,6 +350,41 @@ void TestChipSource::keepsEachGPU()
     QCOMPARE(gpu.state, std::optional(u"2600 MHz"_s));
     QCOMPARE(gpu.watts, std::optional(143.0));
     QCOMPARE(gpu.tempC, std::optional(67.0));
+}
+
+void TestChipSource::aLargeMachineNeedsFewDescriptors_data()
+{
+    QTest::addColumn<int>("cpus");
+    QTest::addColumn<bool>("countsTimes");
+    QTest::addColumn<int>("readings");
+    QTest::newRow("two sockets, the present frequency alone") << 576 << false << 64;
+    QTest::newRow("1,024 CPUs, the times in their states") << 1024 << true << 2;
+}
+
+/// Each CPU has a policy of its own, and each reading another busiest CPU.
+void TestChipSource::aLargeMachineNeedsFewDescriptors()
+{
+    QFETCH(const int, cpus);
+    QFETCH(const bool, countsTimes);
+    QFETCH(const int, readings);
+    const MachineTree tree;
+    putLargeMachine(tree, cpus, countsTimes);
+    std::string times = cpuTimes(cpus, 0, 0);
+    tree.write("proc/stat", times);
+    const int before = openDescriptors();
+    double now = 500;
+    const ChipSource chip = openChipSourceBelow(tree.root(), [&now] { return now; });
+    QVERIFY(chip);
+    for (int cpu = 0; cpu < cpus; cpu += cpus / readings) {
+        const std::string idle = cpuLine(cpu, 0, 0);
+        times.replace(times.find(idle), idle.size(), cpuLine(cpu, 100, 0));
+        tree.write("proc/stat", times);
+        now += 1;
+        const ChipReading reading = chip().value();
+        QCOMPARE(reading.cpuTempC, std::optional<double>(50));
+        QCOMPARE(reading.cpuActiveMHz, countsTimes ? 0. : 2000.);
+        QVERIFY(openDescriptors() - before < 60);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestChipSource)

@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include <thread>
+#include <vector>
 
 #include <cerrno>
 #include <cstdlib>
@@ -41,6 +42,7 @@ private slots:
     void triesAgainAfterAFailedRead();
     void movesWithItsDescriptor();
     void closesWhatItOpened();
+    void keepsAFewFilesOpen();
 
 private:
     std::string path(const QString &name) const { return m_folder->filePath(name).toStdString(); }
@@ -328,6 +330,27 @@ void TestKernelFile::closesWhatItOpened()
         QCOMPARE(openDescriptors(), before + 1);
     }
     QVERIFY(readKernelFile(path(u"file"_s)));
+    QCOMPARE(openDescriptors(), before);
+}
+
+void TestKernelFile::keepsAFewFilesOpen()
+{
+    write(u"file"_s, "contents");
+    const int before = openDescriptors();
+    std::vector<KernelFile> files;
+    for (int number = 0; number < 2 * KernelFile::mostKeptOpen; ++number)
+        files.emplace_back(path(u"file"_s));
+    for (int round = 0; round < 2; ++round) {
+        for (KernelFile &file : files)
+            QCOMPARE(contentsOf(file), Contents("contents"));
+        QCOMPARE(openDescriptors(), before + KernelFile::mostKeptOpen);
+    }
+    // A file that is gone or cannot be read leaves its place to another one.
+    files.erase(files.begin(), files.begin() + 1);
+    QCOMPARE(openDescriptors(), before + KernelFile::mostKeptOpen - 1);
+    QCOMPARE(contentsOf(files.back()), Contents("contents"));
+    QCOMPARE(openDescriptors(), before + KernelFile::mostKeptOpen);
+    files.clear();
     QCOMPARE(openDescriptors(), before);
 }
 
