@@ -1,4 +1,6 @@
 #include "processes/AIProcessDetector.h"
+#include "processes/ModelArgument.h"
+#include "processes/SecondRules.h"
 
 #include <cstddef>
 
@@ -15,7 +17,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto match = AIProcessDetector::classify(name, argv);
     if (match && match->framework == AIFramework::lmStudio && match->model)
         __builtin_trap();
+    const auto found = recognise({.name = name, .executable = argv.value(0), .argv = argv});
+    if (found && found->isPart && found->model)
+        __builtin_trap();
     for (const QString &argument : argv) {
+        modelNameOf(argument);
+        saysNothing(argument);
         if (AIProcessDetector::basename(argument).size() > argument.size())
             __builtin_trap();
     }

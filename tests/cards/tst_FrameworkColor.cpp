@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <set>
+#include <vector>
 
 using namespace corvane;
 
@@ -22,6 +23,8 @@ private slots:
 void TestFrameworkColor::showsGenericOnesLikeExplanatoryText()
 {
     QCOMPARE(frameworkColor(AIFramework::generic), QColor(Theme::textSecondary));
+    for (const AIFramework framework : furtherAIFrameworks)
+        QCOMPARE(frameworkColor(framework), QColor(Theme::textSecondary));
 }
 
 void TestFrameworkColor::givesEachItsOwn()
@@ -36,7 +39,9 @@ void TestFrameworkColor::everySymbolIsDrawn()
 {
     QImage empty(16, 16, QImage::Format_ARGB32_Premultiplied);
     empty.fill(Qt::transparent);
-    for (const AIFramework framework : allAIFrameworks) {
+    std::vector<AIFramework> all(allAIFrameworks.begin(), allAIFrameworks.end());
+    all.insert(all.end(), furtherAIFrameworks.begin(), furtherAIFrameworks.end());
+    for (const AIFramework framework : all) {
         QImage image = empty;
         QPainter painter(&image);
         paintIcon(painter, symbol(framework), image.rect(), Qt::white);

@@ -5,6 +5,8 @@ corvane_test(processes/tst_ArgumentCache THREADED)
 corvane_test(processes/tst_CommandLines)
 corvane_test(processes/tst_FootprintRanking)
 corvane_test(processes/tst_ProcessFiles)
+corvane_test(processes/tst_ModelArgument)
+corvane_test(processes/tst_SecondRules)
 corvane_test(processes/tst_LiveProcesses SYSTEM linux SOURCES processes/LiveProcess.cpp)
 corvane_test(processes/tst_ProcessBridge SYSTEM linux SOURCES processes/ProcTree.cpp)
 corvane_test(processes/tst_ProcessSampler SYSTEM linux)
@@ -13,6 +15,11 @@ corvane_test(processes/tst_Survey SYSTEM linux THREADED SOURCES processes/ProcTr
 if(TARGET tst_CommandLines)
   target_compile_definitions(
     tst_CommandLines PRIVATE CORVANE_COMMAND_LINES="${CMAKE_CURRENT_LIST_DIR}/command_lines.tsv")
+endif()
+
+if(TARGET tst_SecondRules)
+  target_compile_definitions(tst_SecondRules PRIVATE CORVANE_RUNNERS="${CMAKE_CURRENT_LIST_DIR}/runners.tsv"
+                                                     CORVANE_NOT_AI="${CMAKE_CURRENT_LIST_DIR}/not_ai.tsv")
 endif()
 
 # Plain programs, without sanitizers: their memory is what they are asked to hold.

@@ -27,8 +27,15 @@ void TestAIFramework::isDescribed()
         names.insert(displayName(framework));
         QVERIFY(!symbol(framework).isEmpty());
     }
-    QCOMPARE(rawValues.size(), qsizetype(allAIFrameworks.size()));
-    QCOMPARE(names.size(), qsizetype(allAIFrameworks.size()));
+    for (const AIFramework framework : furtherAIFrameworks) {
+        rawValues.insert(rawValue(framework));
+        names.insert(displayName(framework));
+        QVERIFY(!symbol(framework).isEmpty());
+    }
+    const auto count = qsizetype(allAIFrameworks.size() + furtherAIFrameworks.size());
+    QCOMPARE(rawValues.size(), count);
+    QCOMPARE(names.size(), count);
+    QCOMPARE(displayName(AIFramework::whisper), u"Whisper"_s);
     QCOMPARE(rawValue(AIFramework::llamaCpp), u"llamaCpp"_s);
     QCOMPARE(displayName(AIFramework::llamaCpp), u"llama.cpp"_s);
     QCOMPARE(symbol(AIFramework::llamaCpp), u"cpu.fill"_s);
@@ -39,6 +46,8 @@ void TestAIFramework::listsAllCasesInOrder()
     QCOMPARE(allAIFrameworks.size(), std::size_t(11));
     for (std::size_t i = 0; i < allAIFrameworks.size(); ++i)
         QCOMPARE(static_cast<std::size_t>(allAIFrameworks[i]), i);
+    for (std::size_t i = 0; i < furtherAIFrameworks.size(); ++i)
+        QCOMPARE(static_cast<std::size_t>(furtherAIFrameworks[i]), allAIFrameworks.size() + i);
 }
 
 void TestAIFramework::comparesAndHashesRowsByAllFields()

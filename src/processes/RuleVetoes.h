@@ -1,0 +1,13 @@
+#pragma once
+
+#include "processes/AIFramework.h"
+#include "processes/ProgramRun.h"
+
+namespace corvane {
+
+/// Whether a match of the first rules does not hold: what runs is a developer's tool, the framework
+/// is named only by a folder on the way to the interpreter, or the name only contains the mark of
+/// another word. Pure.
+bool isVetoed(const ProgramRun &run, const QStringList &argv, AIFramework framework);
+
+} // namespace corvane
