@@ -24,10 +24,23 @@ SetAnswers setAnswers()
 
 void check(const NvidiaDeviceReading &device)
 {
+    constexpr std::uint64_t most = std::uint64_t(1) << 50;
     if (device.busyFraction && !(*device.busyFraction >= 0 && *device.busyFraction <= 1))
         __builtin_trap();
     if (device.watts && *device.watts < 0)
         __builtin_trap();
+    if (device.memoryUsed && *device.memoryUsed > device.memoryTotal.value_or(most))
+        __builtin_trap();
+    if (device.name.size() > 96 || device.name.find('\0') != std::string::npos)
+        __builtin_trap();
+    if (device.processes && device.processes->size() > 10'000)
+        __builtin_trap();
+    for (const GPUProcessUse &process : device.processes.value_or(std::vector<GPUProcessUse>())) {
+        if (process.pid <= 0 || process.bytes.value_or(0) > most)
+            __builtin_trap();
+        if (!(process.busyFraction.value_or(0) <= 1))
+            __builtin_trap();
+    }
     if (device.address.size() > 32 || device.address.find('\0') != std::string::npos)
         __builtin_trap();
 }
@@ -38,9 +51,9 @@ void check(const NvidiaDeviceReading &device)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     setAnswers()(data, size);
-    const auto library = NvidiaLibrary::open(FUZZED_NVIDIA);
-    for (int reading = 0; library && reading < 2; ++reading) {
-        const auto devices = library->read();
+    NvidiaLibrary library(FUZZED_NVIDIA);
+    for (int reading = 0; reading < 2; ++reading) {
+        const auto devices = library.read(1000 + reading, true);
         if (devices && devices->size() > 64)
             __builtin_trap();
         if (devices) {

@@ -31,6 +31,26 @@ int answer(void *into, std::size_t size)
     return 0;
 }
 
+/// Any count, and elements as far as there is room.
+int answerList(unsigned int *count, void *elements, std::size_t size)
+{
+    const std::size_t room = *count * size;
+    std::uint8_t told = 0;
+    if (const int code = answer(&told, sizeof told)) {
+        *count = 1000;
+        return code;
+    }
+    *count = told > 250 ? ~0u : told;
+    return answer(elements, std::min<std::size_t>(room, told * size));
+}
+
+struct NewProcessSamples {
+    unsigned int version;
+    unsigned int count;
+    unsigned long long after;
+    void *samples;
+};
+
 } // namespace
 
 EXPORTED void setAnswers(const std::uint8_t *data, std::size_t size)
@@ -92,4 +112,55 @@ EXPORTED int nvmlDeviceGetPowerUsage(void *, unsigned int *milliwatts)
 EXPORTED int nvmlDeviceGetTotalEnergyConsumption(void *, unsigned long long *millijoules)
 {
     return answer(millijoules, sizeof *millijoules);
+}
+
+EXPORTED int nvmlDeviceGetName(void *, char *name, unsigned int size)
+{
+    return answer(name, size);
+}
+
+EXPORTED int nvmlDeviceGetClockInfo(void *, int, unsigned int *megahertz)
+{
+    return answer(megahertz, sizeof *megahertz);
+}
+
+EXPORTED int nvmlDeviceGetEnforcedPowerLimit(void *, unsigned int *milliwatts)
+{
+    return answer(milliwatts, sizeof *milliwatts);
+}
+
+EXPORTED int nvmlDeviceGetCurrentClocksEventReasons(void *, unsigned long long *reasons)
+{
+    return answer(reasons, sizeof *reasons);
+}
+
+EXPORTED int nvmlDeviceGetMemoryInfo(void *, void *memory)
+{
+    return answer(memory, 24);
+}
+
+EXPORTED int nvmlDeviceGetMemoryInfo_v2(void *, void *memory)
+{
+    return answer(static_cast<char *>(memory) + 8, 32);
+}
+
+EXPORTED int nvmlDeviceGetComputeRunningProcesses_v3(void *, unsigned int *count, void *infos)
+{
+    return answerList(count, infos, 24);
+}
+
+EXPORTED int nvmlDeviceGetGraphicsRunningProcesses_v3(void *, unsigned int *count, void *infos)
+{
+    return answerList(count, infos, 24);
+}
+
+EXPORTED int nvmlDeviceGetProcessUtilization(void *, void *samples, unsigned int *count,
+                                             unsigned long long)
+{
+    return answerList(count, samples, 32);
+}
+
+EXPORTED int nvmlDeviceGetProcessesUtilizationInfo(void *, NewProcessSamples *request)
+{
+    return answerList(&request->count, request->samples, 40);
 }

@@ -35,6 +35,22 @@ bool isPCIAddress(std::string_view name)
         && name.find_first_not_of("0123456789abcdef:.") == std::string_view::npos;
 }
 
+std::string kernelPCIAddress(std::string_view text)
+{
+    constexpr std::size_t leastDomainDigits = 4;
+    std::string address(text);
+    std::ranges::transform(address, address.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'F' ? char(letter - 'A' + 'a') : letter;
+    });
+    if (!isPCIAddress(address))
+        return std::string(text);
+    const std::size_t digits = address.find(':');
+    const std::size_t zeros = std::min(address.find_first_not_of('0'), digits);
+    if (digits > leastDomainDigits)
+        address.erase(0, std::min(zeros, digits - leastDomainDigits));
+    return address;
+}
+
 std::optional<double> parseBusyPercent(std::string_view text)
 {
     const auto percent = parseUnsigned(trimmed(text));

@@ -12,6 +12,10 @@ namespace corvane {
 /// Whether a folder has the name of a device on the bus: "0000:01:00.0".
 bool isPCIAddress(std::string_view name);
 
+/// An address on the bus as the kernel writes it, "0000:c1:00.0", of one with capital letters or
+/// with more digits of the domain, "00000000:C1:00.0". Other texts stay as they are.
+std::string kernelPCIAddress(std::string_view text);
+
 /// The share in amdgpu's `gpu_busy_percent`, 0…1.
 std::optional<double> parseBusyPercent(std::string_view text);
 

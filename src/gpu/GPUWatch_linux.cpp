@@ -89,7 +89,7 @@ void GPUWatch::Devices::scanWhenDue(double now)
 GPUWatch::GPUWatch(const std::string &root, std::string nvidiaLibrary,
                    std::function<double()> clock)
     : m_devices(new Devices{
-        .root = root, .clock = clock, .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock)})
+        .root = root, .clock = clock, .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock, root)})
 {
     m_devices->scanWhenDue(m_devices->clock());
 }

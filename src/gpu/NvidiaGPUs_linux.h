@@ -5,6 +5,7 @@
 #include "gpu/GPUSleepGate.h"
 #include "gpu/NvidiaReader_linux.h"
 #include "platform/KernelFile_linux.h"
+#include "records/MachineCoverage.h"
 #include "threads/OneThread.h"
 
 #include <functional>
@@ -21,8 +22,9 @@ namespace corvane {
 /// one thread.
 class NvidiaGPUs {
 public:
-    /// `library` is the management library's name; empty: it is never opened.
-    NvidiaGPUs(std::string library, std::function<double()> clock);
+    /// `library` is the management library's name; empty: it is never opened. `root` is the folder
+    /// below which the kernel files lie.
+    NvidiaGPUs(std::string library, std::function<double()> clock, std::string root = "/");
 
     /// Sets the devices that the machine has now.
     void setDevices(const std::vector<GPUDevice> &devices);
@@ -34,21 +36,35 @@ public:
     /// or while a GPU is asleep or to fall asleep.
     void appendReadings(std::vector<GPUReading> &readings, double now);
 
+    /// What each GPU is and tells at the moment, in the order of their addresses. Its name and its
+    /// amount of memory stay known once they were read. A GPU whose first reading is awaited counts
+    /// as known.
+    const std::vector<GPUCoverage> &coverage() const { return m_coverage; }
+
 private:
     struct Member {
         GPUDevice device;
         KernelFile runtimeStatus;
         GPUQuietTime quietTime = {};
+        bool awake = true; ///< By the last look at it.
     };
 
     bool areAwake();
+    void setCoverage(Coverage coverage);
+    void setCoverageWhileAsleep();
+    void setCoverage(const NvidiaReading &reading);
+    GPUCoverage &coverageOf(const std::string &device);
+    std::optional<std::uint64_t> machineMemory();
     bool startQuietTimeIfIdle(const NvidiaReading &reading, double now);
     std::optional<double> longestQuietSeconds(double now);
     void closeLibrary();
 
     std::string m_library;
     std::function<double()> m_clock;
+    std::string m_root;
     std::vector<Member> m_members = {};
+    std::vector<GPUCoverage> m_coverage = {};
+    std::optional<std::uint64_t> m_machineMemory = {}; ///< Bytes; read when it is first needed.
     GPUSleepGate m_gate = {};
     std::unique_ptr<NvidiaReader> m_reader = {}; ///< Made when the GPUs are first seen awake.
     bool m_mayBeOpen = false;                    ///< Whether the library may be open.

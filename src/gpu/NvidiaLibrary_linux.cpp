@@ -1,190 +1,235 @@
 #include "gpu/NvidiaLibrary_linux.h"
 
+#include "gpu/NvidiaFunctions_linux.h"
+#include "gpu/NvidiaProcesses_linux.h"
+#include "platform/KernelText.h"
+#include "platform/Plausible.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <initializer_list>
-
-#include <dlfcn.h>
-
-// Types and constants of the library's binary interface; its header is not needed.
 
 namespace corvane {
 
 namespace {
 
-using Result = int;
-using Device = void *;
-
-constexpr Result success = 0;
-constexpr Result gpuIsLost = 15;
-constexpr Result versionMismatch = 18; ///< The driver was updated; lasts until the next start.
-constexpr int gpuSensor = 0;
 constexpr unsigned int mostDevices = 64;
 
-struct Utilization {
-    unsigned int gpuPercent = 0;
-    unsigned int memoryPercent = 0;
-};
-
-struct VersionedTemperature {
-    unsigned int version = 0x0100000c;
-    int sensor = gpuSensor;
-    int celsius = 0;
-};
-
-/// Large enough for every version of the structure.
-struct PCIInfo {
-    std::array<char, 16> legacyAddress = {};
-    std::array<unsigned int, 5> numbers = {};
-    std::array<char, 32> address = {}; ///< From the third version on; once reserved numbers.
-};
-
-struct LibraryCloser {
-    void operator()(void *library) const { dlclose(library); }
-};
-using LibraryHandle = std::unique_ptr<void, LibraryCloser>;
-
-/// Binds the first of several names that the library has.
-template <typename Function>
-void bind(Function *&function, void *library, std::initializer_list<const char *> names)
+/// The last byte may not be the end.
+template <typename Bytes>
+std::string textOf(const Bytes &bytes)
 {
-    for (const char *name : names) {
-        if (!function)
-            function = reinterpret_cast<Function *>(dlsym(library, name));
+    return std::string(bytes.data(), strnlen(bytes.data(), bytes.size()));
+}
+
+std::string addressOf(NvidiaFunctions &functions, NvidiaDevice device, unsigned int index)
+{
+    nvidia::PCIInfo info;
+    if (functions.call(functions.pciInfo, device, &info) != nvidia::success)
+        return "nvidia " + std::to_string(index);
+    // The third version's address has more digits.
+    return functions.pciInfoIsThird ? textOf(info.address) : textOf(info.legacyAddress);
+}
+
+std::string nameOf(NvidiaFunctions &functions, NvidiaDevice device)
+{
+    std::array<char, 96> bytes = {};
+    const auto size = static_cast<unsigned int>(bytes.size());
+    if (functions.call(functions.name, device, bytes.data(), size) != nvidia::success)
+        return {};
+    const std::string name(trimmed(textOf(bytes)));
+    return isUtf8(name) ? name : std::string();
+}
+
+/// A cause counts before what it causes: a hot card is slowed down by its hardware too.
+std::optional<GPULimit> limitOf(unsigned long long reasons)
+{
+    if (reasons & (nvidia::softwareThermal | nvidia::hardwareThermal))
+        return GPULimit::temperature;
+    if (reasons & (nvidia::powerCap | nvidia::powerBrake))
+        return GPULimit::power;
+    if (reasons & nvidia::hardwareSlowdown)
+        return GPULimit::hardware;
+    return std::nullopt;
+}
+
+/// Without reasons, a card that draws all that it may is known to be held back by that.
+std::optional<GPULimit> readLimit(NvidiaFunctions &functions, NvidiaDevice device,
+                                  std::optional<double> watts)
+{
+    constexpr double nearly = 0.99;
+    unsigned long long reasons = 0;
+    if (functions.call(functions.clockReasons, device, &reasons) == nvidia::success)
+        return limitOf(reasons);
+    unsigned int milliwatts = 0;
+    const bool limited =
+        functions.call(functions.powerLimit, device, &milliwatts) == nvidia::success;
+    if (limited && milliwatts > 0 && watts && *watts >= nearly * double(milliwatts) / 1000)
+        return GPULimit::power;
+    return std::nullopt;
+}
+
+void setMemory(NvidiaDeviceReading &reading, std::uint64_t total, std::uint64_t used)
+{
+    reading.memory = Coverage::unpublished;
+    if (total == 0 || total > largestByteCount || used > total)
+        return;
+    reading.memory = Coverage::known;
+    reading.memoryTotal = total;
+    reading.memoryUsed = used;
+}
+
+/// The second version tells apart what the driver reserves, which counts neither as used nor as
+/// free.
+void readMemory(NvidiaFunctions &functions, NvidiaDevice device, NvidiaDeviceReading &reading)
+{
+    nvidia::Memory2 second;
+    NvidiaResult result = functions.call(functions.memory2, device, &second);
+    if (result == nvidia::success) {
+        const std::uint64_t rest = second.total - std::min(second.total, second.reserved);
+        setMemory(reading, second.total, rest - std::min(rest, second.free));
+        return;
     }
+    nvidia::Memory first;
+    const NvidiaResult older = functions.call(functions.memory, device, &first);
+    if (older == nvidia::success) {
+        setMemory(reading, first.total, first.used);
+        return;
+    }
+    if (older != nvidia::functionNotFound)
+        result = older;
+    reading.memory = nvidiaCoverage(result);
+    reading.usesSystemMemory = result == nvidia::notSupported;
+}
+
+/// Absent when none of the processes has a known amount.
+std::optional<std::uint64_t> sumOf(const std::vector<GPUProcessUse> &processes)
+{
+    std::uint64_t sum = 0;
+    bool known = processes.empty();
+    for (const GPUProcessUse &process : processes) {
+        known = known || process.bytes;
+        sum += process.bytes.value_or(0);
+    }
+    return known && sum <= largestByteCount ? std::optional(sum) : std::nullopt;
 }
 
 } // namespace
 
-struct NvidiaLibrary::Functions {
-    LibraryHandle library = nullptr;
-    Result (*initialise)() = nullptr;
-    Result (*shutdown)() = nullptr;
-    Result (*deviceCount)(unsigned int *) = nullptr;
-    Result (*deviceByIndex)(unsigned int, Device *) = nullptr;
-    Result (*pciInfo)(Device, PCIInfo *) = nullptr;
-    bool pciInfoIsThird = false;
-    Result (*utilization)(Device, Utilization *) = nullptr;
-    Result (*performanceState)(Device, int *) = nullptr;
-    Result (*temperature)(Device, int, unsigned int *) = nullptr;
-    Result (*versionedTemperature)(Device, VersionedTemperature *) = nullptr;
-    Result (*power)(Device, unsigned int *) = nullptr;
-    Result (*energy)(Device, unsigned long long *) = nullptr;
-    bool lost = false; ///< A call found that the driver or a GPU is gone.
+struct NvidiaLibrary::Functions : NvidiaFunctions { };
 
-    bool load(const std::string &path);
-    std::string addressOf(Device device, unsigned int index);
-    NvidiaDeviceReading read(Device device, unsigned int index);
-
-    /// True when the library has the function and it succeeded.
-    template <typename Function, typename... Arguments>
-    bool call(Function *function, Arguments... arguments)
-    {
-        if (!function)
-            return false;
-        const Result result = function(arguments...);
-        lost = lost || result == gpuIsLost || result == versionMismatch;
-        return result == success;
-    }
+/// What stays the same while the library is open.
+struct NvidiaLibrary::Device {
+    unsigned int index = 0;
+    NvidiaDevice handle = nullptr;
+    std::string address = {};
+    std::string name = {};
+    NvidiaProcesses processes = {};
 };
 
-bool NvidiaLibrary::Functions::load(const std::string &path)
+NvidiaLibrary::NvidiaLibrary(const std::string &path) : m_functions(std::make_unique<Functions>())
 {
-    library.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
-    if (!library)
-        return false;
-    bind(initialise, library.get(), {"nvmlInit_v2", "nvmlInit"});
-    bind(shutdown, library.get(), {"nvmlShutdown"});
-    bind(deviceCount, library.get(), {"nvmlDeviceGetCount_v2", "nvmlDeviceGetCount"});
-    bind(deviceByIndex, library.get(),
-         {"nvmlDeviceGetHandleByIndex_v2", "nvmlDeviceGetHandleByIndex"});
-    bind(pciInfo, library.get(), {"nvmlDeviceGetPciInfo_v3"});
-    pciInfoIsThird = pciInfo != nullptr;
-    bind(pciInfo, library.get(), {"nvmlDeviceGetPciInfo_v2", "nvmlDeviceGetPciInfo"});
-    bind(utilization, library.get(), {"nvmlDeviceGetUtilizationRates"});
-    bind(performanceState, library.get(), {"nvmlDeviceGetPerformanceState"});
-    bind(temperature, library.get(), {"nvmlDeviceGetTemperature"});
-    bind(versionedTemperature, library.get(), {"nvmlDeviceGetTemperatureV"});
-    bind(power, library.get(), {"nvmlDeviceGetPowerUsage"});
-    bind(energy, library.get(), {"nvmlDeviceGetTotalEnergyConsumption"});
-    return initialise && shutdown && deviceCount && deviceByIndex;
-}
-
-std::string NvidiaLibrary::Functions::addressOf(Device device, unsigned int index)
-{
-    PCIInfo info;
-    if (!call(pciInfo, device, &info))
-        return "nvidia " + std::to_string(index);
-    // The third version's address has more digits; the last byte may not be the end.
-    const auto text = [](const auto &bytes) {
-        return std::string(bytes.data(), strnlen(bytes.data(), bytes.size()));
-    };
-    return pciInfoIsThird ? text(info.address) : text(info.legacyAddress);
-}
-
-NvidiaDeviceReading NvidiaLibrary::Functions::read(Device device, unsigned int index)
-{
-    NvidiaDeviceReading reading = {.address = addressOf(device, index)};
-
-    Utilization share;
-    if (call(utilization, device, &share) && share.gpuPercent <= 100)
-        reading.busyFraction = double(share.gpuPercent) / 100;
-
-    int state = 0;
-    if (call(performanceState, device, &state))
-        reading.performanceState = state;
-
-    unsigned int celsius = 0;
-    VersionedTemperature versioned;
-    if (call(temperature, device, gpuSensor, &celsius))
-        reading.temperature = celsius;
-    else if (call(versionedTemperature, device, &versioned))
-        reading.temperature = versioned.celsius;
-
-    unsigned int milliwatts = 0;
-    if (call(power, device, &milliwatts))
-        reading.watts = double(milliwatts) / 1000;
-
-    unsigned long long millijoules = 0;
-    if (call(energy, device, &millijoules))
-        reading.millijoules = millijoules;
-    return reading;
-}
-
-std::unique_ptr<NvidiaLibrary> NvidiaLibrary::open(const std::string &path)
-{
-    auto functions = std::make_unique<Functions>();
-    if (!functions->load(path) || functions->initialise() != success)
-        return nullptr;
-    return std::unique_ptr<NvidiaLibrary>(new NvidiaLibrary(std::move(functions)));
-}
-
-NvidiaLibrary::NvidiaLibrary(std::unique_ptr<Functions> functions)
-    : m_functions(std::move(functions))
-{
+    m_coverage = m_functions->load(path);
+    if (m_coverage == Coverage::known)
+        m_coverage = nvidiaCoverage(m_functions->initialise());
+    if (m_coverage != Coverage::known)
+        m_functions.reset();
 }
 
 NvidiaLibrary::~NvidiaLibrary()
 {
-    m_functions->shutdown();
+    if (m_functions)
+        m_functions->shutdown();
 }
 
-std::optional<std::vector<NvidiaDeviceReading>> NvidiaLibrary::read()
+NvidiaDeviceReading NvidiaLibrary::readDevice(Device &device, double now, bool withProcesses)
+{
+    NvidiaFunctions &functions = *m_functions;
+    NvidiaDevice const handle = device.handle;
+    if (device.address.empty()) {
+        device.address = addressOf(functions, handle, device.index);
+        device.name = nameOf(functions, handle);
+    }
+    NvidiaDeviceReading reading = {.address = device.address, .name = device.name};
+
+    nvidia::Utilization share;
+    reading.load = nvidiaCoverage(functions.call(functions.utilization, handle, &share));
+    if (reading.load == Coverage::known && share.gpuPercent <= 100)
+        reading.busyFraction = double(share.gpuPercent) / 100;
+
+    int state = 0;
+    if (functions.call(functions.performanceState, handle, &state) == nvidia::success)
+        reading.performanceState = state;
+
+    unsigned int megahertz = 0;
+    const NvidiaResult clock =
+        functions.call(functions.clock, handle, nvidia::graphicsClock, &megahertz);
+    if (clock == nvidia::success && megahertz > 0 && double(megahertz) <= highestMHz)
+        reading.megahertz = megahertz;
+
+    unsigned int celsius = 0;
+    nvidia::VersionedTemperature versioned;
+    if (functions.call(functions.temperature, handle, nvidia::gpuSensor, &celsius)
+        == nvidia::success)
+        reading.temperature = celsius;
+    else if (functions.call(functions.versionedTemperature, handle, &versioned) == nvidia::success)
+        reading.temperature = versioned.celsius;
+
+    unsigned int milliwatts = 0;
+    reading.power = nvidiaCoverage(functions.call(functions.power, handle, &milliwatts));
+    if (reading.power == Coverage::known && double(milliwatts) <= maxWatts * 1000)
+        reading.watts = double(milliwatts) / 1000;
+
+    unsigned long long millijoules = 0;
+    if (functions.call(functions.energy, handle, &millijoules) == nvidia::success) {
+        reading.millijoules = millijoules;
+        reading.power = Coverage::known;
+    }
+    reading.limit = readLimit(functions, handle, reading.watts);
+
+    readMemory(functions, handle, reading);
+    if (withProcesses || reading.usesSystemMemory)
+        reading.processes = device.processes.read(functions, handle, now);
+    if (reading.usesSystemMemory && reading.processes) {
+        reading.memoryUsed = sumOf(*reading.processes);
+        if (reading.memoryUsed)
+            reading.memory = Coverage::known;
+    }
+    return reading;
+}
+
+std::optional<std::vector<NvidiaDeviceReading>> NvidiaLibrary::read(double now, bool withProcesses)
 {
     m_thread.check();
+    if (!m_functions)
+        return std::nullopt;
+    NvidiaFunctions &functions = *m_functions;
     unsigned int count = 0;
-    if (!m_functions->call(m_functions->deviceCount, &count))
+    const NvidiaResult counted = functions.call(functions.deviceCount, &count);
+    if (counted != nvidia::success) {
+        m_coverage = nvidiaCoverage(counted);
         return std::nullopt;
-    std::vector<NvidiaDeviceReading> readings;
-    for (unsigned int index = 0; index < std::min(count, mostDevices); ++index) {
-        Device device = nullptr;
-        if (m_functions->call(m_functions->deviceByIndex, index, &device))
-            readings.push_back(m_functions->read(device, index));
     }
-    if (m_functions->lost)
-        return std::nullopt;
-    return readings;
+    count = std::min(count, mostDevices);
+    m_devices.resize(count);
+    m_lostGPU = false;
+    std::vector<NvidiaDeviceReading> readings;
+    for (unsigned int index = 0; index < count; ++index) {
+        Device &device = m_devices[index];
+        device.index = index;
+        functions.gpuIsLost = false;
+        if (functions.call(functions.deviceByIndex, index, &device.handle) == nvidia::success) {
+            NvidiaDeviceReading reading = readDevice(device, now, withProcesses);
+            if (!functions.gpuIsLost)
+                readings.push_back(std::move(reading));
+        }
+        m_lostGPU = m_lostGPU || functions.gpuIsLost;
+    }
+    if (functions.driverIsNewer)
+        m_coverage = Coverage::newDriver;
+    else if (m_lostGPU && readings.empty())
+        m_coverage = Coverage::unpublished;
+    return m_coverage == Coverage::known ? std::optional(std::move(readings)) : std::nullopt;
 }
 
 } // namespace corvane

@@ -23,15 +23,18 @@ public:
 
     struct Order {
         Request request = Request::end;
+        bool withProcesses = false;
         unsigned int releases = 0; ///< How many there were before it.
     };
 
-    /// Replaces a request that was not taken yet, but for the last one, which is final.
-    void post(Request request)
+    /// Replaces a request that was not taken yet, but for the last one, which is final. Processes
+    /// stay asked for until a reading is taken.
+    void post(Request request, bool withProcesses = false)
     {
         const MutexLock lock(m_mutex);
         if (m_request != Request::end)
             m_request = request;
+        m_withProcesses = m_withProcesses || withProcesses;
         if (request == Request::release) {
             ++m_releases;
             m_newest.reset();
@@ -45,7 +48,8 @@ public:
         MutexLock lock(m_mutex);
         while (m_request == Request::none)
             m_changed.wait(lock);
-        return {std::exchange(m_request, Request::none), m_releases};
+        return {std::exchange(m_request, Request::none), std::exchange(m_withProcesses, false),
+                m_releases};
     }
 
     /// Drops a reading that was ordered before the last release.
@@ -60,6 +64,18 @@ public:
     {
         const MutexLock lock(m_mutex);
         return m_newest;
+    }
+
+    void setCoverage(Coverage coverage)
+    {
+        const MutexLock lock(m_mutex);
+        m_coverage = coverage;
+    }
+
+    Coverage coverage()
+    {
+        const MutexLock lock(m_mutex);
+        return m_coverage;
     }
 
     void setEnded()
@@ -88,8 +104,10 @@ private:
     Mutex m_mutex = {};
     Condition m_changed = {};
     Request m_request GUARDED_BY(m_mutex) = Request::none;
+    bool m_withProcesses GUARDED_BY(m_mutex) = false;
     unsigned int m_releases GUARDED_BY(m_mutex) = 0;
     std::optional<NvidiaReading> m_newest GUARDED_BY(m_mutex) = {};
+    Coverage m_coverage GUARDED_BY(m_mutex) = Coverage::known;
     bool m_ended GUARDED_BY(m_mutex) = false;
 };
 
@@ -120,11 +138,11 @@ NvidiaReader::~NvidiaReader()
         m_thread.detach();
 }
 
-void NvidiaReader::request()
+void NvidiaReader::request(bool withProcesses)
 {
     m_user.check();
     startIfNeeded();
-    m_mailbox->post(Mailbox::Request::read);
+    m_mailbox->post(Mailbox::Request::read, withProcesses);
 }
 
 void NvidiaReader::release()
@@ -142,6 +160,12 @@ std::optional<NvidiaReading> NvidiaReader::newest() const
     return reading;
 }
 
+Coverage NvidiaReader::coverage() const
+{
+    m_user.check();
+    return m_mailbox->coverage();
+}
+
 /// The thread: closes the library at a release, when it fails, and at the end.
 void NvidiaReader::work(const std::shared_ptr<Mailbox> &mailbox, const std::string &path,
                         const std::function<double()> &clock)
@@ -149,6 +173,7 @@ void NvidiaReader::work(const std::shared_ptr<Mailbox> &mailbox, const std::stri
     using Request = Mailbox::Request;
     std::unique_ptr<NvidiaLibrary> library;
     double nextTry = -std::numeric_limits<double>::infinity();
+    double nextRenewal = nextTry;
     for (auto order = mailbox->take(); order.request != Request::end; order = mailbox->take()) {
         const double now = clock();
         if (order.request == Request::release) {
@@ -156,10 +181,17 @@ void NvidiaReader::work(const std::shared_ptr<Mailbox> &mailbox, const std::stri
             continue;
         }
         if (!library && now >= nextTry)
-            library = NvidiaLibrary::open(path);
-        auto devices = library ? library->read() : std::nullopt;
+            library = std::make_unique<NvidiaLibrary>(path);
+        auto devices = library ? library->read(now, order.withProcesses) : std::nullopt;
+        if (library)
+            mailbox->setCoverage(library->coverage());
         if (devices) {
             mailbox->publish({.seconds = now, .devices = std::move(*devices)}, order);
+            // The GPUs that are left stay readable meanwhile.
+            if (library->hasLostGPU() && now >= nextRenewal) {
+                library.reset();
+                nextRenewal = now + secondsBetweenTries;
+            }
             continue;
         }
         library.reset();

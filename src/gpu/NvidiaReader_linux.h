@@ -21,8 +21,8 @@ struct NvidiaReading {
 
 /// Reads NVIDIA's management library on a thread of its own, because its calls may stall for
 /// seconds: no call of this class waits for the library. Used on one thread. A library that cannot
-/// be opened, or that loses its GPU, is tried again a minute later. While the system refuses the
-/// thread there is no reading; each request tries to start it again.
+/// be opened, or that loses its driver or GPU, is tried again a minute later. While the system
+/// refuses the thread there is no reading; each request tries to start it again.
 class NvidiaReader {
 public:
     explicit NvidiaReader(std::string library, std::function<double()> clock = secondsSinceBoot);
@@ -31,14 +31,18 @@ public:
     /// the library returns.
     ~NvidiaReader();
 
-    /// Asks for a new reading, opening the library if it is not open.
-    void request();
+    /// Asks for a new reading, opening the library if it is not open. `withProcesses`: with the
+    /// processes that use each GPU, which takes further calls.
+    void request(bool withProcesses = false);
 
     /// Closes the library, so that the GPUs may fall asleep, and forgets the newest reading.
     void release();
 
     /// The newest reading; absent when there is none, or when it is too old to be live.
     std::optional<NvidiaReading> newest() const;
+
+    /// `known` while the library works, and before it was first opened; else why it does not.
+    Coverage coverage() const;
 
 private:
     class Mailbox;

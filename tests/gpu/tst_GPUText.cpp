@@ -14,6 +14,8 @@ class TestGPUText : public QObject {
 private slots:
     void knowsAddresses_data();
     void knowsAddresses();
+    void writesAddressesAsTheKernelDoes_data();
+    void writesAddressesAsTheKernelDoes();
     void readsBusyShares_data();
     void readsBusyShares();
     void readsIdleTimes_data();
@@ -46,6 +48,28 @@ void TestGPUText::knowsAddresses()
 {
     QFETCH(QByteArray, name);
     QTEST(isPCIAddress(name.toStdString()), "isAddress");
+}
+
+void TestGPUText::writesAddressesAsTheKernelDoes_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("address");
+    const auto row = [](const char *name, const char *text, const char *address) {
+        QTest::newRow(name) << QByteArray(text) << QByteArray(address);
+    };
+    row("the kernel's", "0000:01:00.0", "0000:01:00.0");
+    row("capital letters", "0000:C1:00.0", "0000:c1:00.0");
+    row("eight digits of the domain", "00000000:0A:00.0", "0000:0a:00.0");
+    row("eight digits of a large domain", "00010000:E1:00.0", "10000:e1:00.0");
+    row("no address", "nvidia 0", "nvidia 0");
+    row("nothing", "", "");
+}
+
+void TestGPUText::writesAddressesAsTheKernelDoes()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, address);
+    QCOMPARE(kernelPCIAddress(text.toStdString()), address.toStdString());
 }
 
 void TestGPUText::readsBusyShares_data()

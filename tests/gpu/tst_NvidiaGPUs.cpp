@@ -21,6 +21,27 @@ namespace {
 
 const std::string card = "sys/devices/pci0000:00/0000:01:00.0";
 
+QString nameOf(Coverage coverage)
+{
+    switch (coverage) {
+    case Coverage::absent:
+        return u"absent"_s;
+    case Coverage::asleep:
+        return u"asleep"_s;
+    case Coverage::locked:
+        return u"locked"_s;
+    case Coverage::unpublished:
+        return u"unpublished"_s;
+    case Coverage::noLibrary:
+        return u"noLibrary"_s;
+    case Coverage::newDriver:
+        return u"newDriver"_s;
+    case Coverage::known:
+        break;
+    }
+    return u"known"_s;
+}
+
 /// GPUs of NVIDIA on a machine whose clock is stepped by hand.
 class Bench {
 public:
@@ -37,6 +58,23 @@ public:
     Bench() { m_gpus.setDevices({{.driver = GPUDriver::nvidia}}); }
 
     const MachineTree tree;
+
+    /// "device, name load watts memory bytes" for each GPU, with its parts' coverage.
+    QStringList coverage() const
+    {
+        QStringList texts;
+        for (const GPUCoverage &gpu : m_gpus.coverage()) {
+            QString text = gpu.device + u", "_s + gpu.name;
+            for (const Coverage part : {gpu.load, gpu.watts, gpu.memory})
+                text += u' ' + nameOf(part);
+            if (gpu.memoryTotal)
+                text += u" %1"_s.arg(*gpu.memoryTotal);
+            if (gpu.usesSystemMemory)
+                text += u" of the machine"_s;
+            texts << text;
+        }
+        return texts;
+    }
 
     std::vector<GPUReading> tick(double seconds = 1)
     {
@@ -55,7 +93,7 @@ public:
 
 private:
     std::atomic<double> m_now = 1000;
-    NvidiaGPUs m_gpus{STAND_IN_NVML, [this] { return m_now.load(); }};
+    NvidiaGPUs m_gpus{STAND_IN_NVML, [this] { return m_now.load(); }, tree.root()};
 };
 
 } // namespace
@@ -68,6 +106,11 @@ private slots:
     void readsGPUs();
     void anIdleGPUHasItsLibraryClosed();
     void aGPUThatFallsAsleepHasItsLibraryClosed();
+    void tellsWhatEachGPUTells();
+    void aGPUThatFallsAsleepKeepsNameAndMemory();
+    void tellsOfMemoryThatIsTheMachines();
+    void tellsOfGPUsThatTheSystemHides();
+    void tellsOfAnUpdatedDriver();
     void cannotBeReadWithoutALibraryOrADevice();
 };
 
@@ -99,6 +142,9 @@ void TestNvidiaGPUs::readsGPUs()
     QCOMPARE(readings[0].watts, std::optional(75.5));
     QCOMPARE(readings[0].microjoules, std::optional<std::uint64_t>(5'000'000'000));
     QCOMPARE(readings[0].temperatures, std::vector{61.0});
+    QCOMPARE(readings[0].megahertz, std::optional(2610.0));
+    QCOMPARE(readings[0].memoryUsed, std::optional<std::uint64_t>(9'000'000'000));
+    QCOMPARE(readings[0].device, std::string("nvidia 0000:01:00.0"));
 }
 
 void TestNvidiaGPUs::anIdleGPUHasItsLibraryClosed()
@@ -138,6 +184,87 @@ void TestNvidiaGPUs::aGPUThatFallsAsleepHasItsLibraryClosed()
     TRY_COMPARE(nvidia.calls("nvmlShutdown"), 1);
 }
 
+void TestNvidiaGPUs::tellsWhatEachGPUTells()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetPowerUsage fails 4\nnvmlDeviceGetTotalEnergyConsumption fails 4\n"
+                  "nvmlDeviceGetUtilizationRates fails 3\n");
+    Bench bench("active\n");
+    // Awaited: an en dash, no reason.
+    QCOMPARE(bench.coverage(),
+             QStringList{u"nvidia 0000:01:00.0, NVIDIA GPU 0 known known known"_s});
+    QVERIFY(bench.waitForReading());
+    QCOMPARE(bench.coverage(),
+             QStringList{u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 "
+                         "unpublished locked known 24000000000"_s});
+}
+
+void TestNvidiaGPUs::aGPUThatFallsAsleepKeepsNameAndMemory()
+{
+    const StandInNvidia nvidia;
+    Bench bench("active\n");
+    QVERIFY(bench.waitForReading());
+    bench.tree.write(card + "/power/runtime_status", "suspended\n");
+    bench.tick();
+    QCOMPARE(bench.coverage(),
+             QStringList{u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 asleep "
+                         "asleep asleep 24000000000"_s});
+    bench.tree.write(card + "/power/runtime_status", "active\n");
+    bench.tick();
+    QCOMPARE(bench.coverage(),
+             QStringList{u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 known "
+                         "known known 24000000000"_s});
+}
+
+void TestNvidiaGPUs::tellsOfMemoryThatIsTheMachines()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetMemoryInfo_v2 fails 3\nnvmlDeviceGetMemoryInfo fails 3\n");
+    Bench bench("active\n");
+    bench.tree.write("proc/meminfo", "MemTotal:       125829120 kB\nMemFree: 1 kB\n");
+    QVERIFY(bench.waitForReading());
+    QCOMPARE(bench.coverage(),
+             QStringList{u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 known "
+                         "absent known 128849018880 of the machine"_s});
+    const auto readings = bench.tick();
+    QVERIFY(readings[0].integrated);
+    QCOMPARE(readings[0].memoryUsed, std::optional<std::uint64_t>(8'400'000'000));
+}
+
+void TestNvidiaGPUs::tellsOfGPUsThatTheSystemHides()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetCount_v2 2\nnvmlDeviceGetName@1 3090\n");
+    Bench bench;
+    QCOMPARE(bench.coverage(), QStringList{u"nvidia, NVIDIA GPU 0 known known known"_s});
+    QVERIFY(bench.waitForReading());
+    QCOMPARE(bench.coverage(),
+             (QStringList{u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 known "
+                          "known known 24000000000"_s,
+                          u"nvidia 0000:02:00.0, NVIDIA GeForce RTX 3090 known "
+                          "known known 24000000000"_s}));
+}
+
+void TestNvidiaGPUs::tellsOfAnUpdatedDriver()
+{
+    const StandInNvidia nvidia;
+    Bench bench("active\n");
+    QVERIFY(bench.waitForReading());
+    nvidia.script("nvmlDeviceGetMemoryInfo_v2 fails 18\n");
+    const QStringList newDriver = {u"nvidia 0000:01:00.0, NVIDIA GeForce RTX 4090 newDriver "
+                                   "newDriver newDriver 24000000000"_s};
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            bench.tick(1);
+            return bench.coverage() == newDriver;
+        },
+        patience));
+    nvidia.script({});
+    bench.tick(61);
+    QVERIFY(bench.waitForReading());
+    QVERIFY(bench.coverage() != newDriver);
+}
+
 void TestNvidiaGPUs::cannotBeReadWithoutALibraryOrADevice()
 {
     const auto clock = [] { return 0.0; };
@@ -145,6 +272,7 @@ void TestNvidiaGPUs::cannotBeReadWithoutALibraryOrADevice()
     NvidiaGPUs withoutLibrary({}, clock);
     withoutLibrary.setDevices(devices);
     QVERIFY(!withoutLibrary.canBeRead());
+    QCOMPARE(withoutLibrary.coverage().at(0).load, Coverage::noLibrary);
     NvidiaGPUs gpus(STAND_IN_NVML, clock);
     QVERIFY(!gpus.canBeRead());
     gpus.setDevices(devices);

@@ -49,6 +49,9 @@ private slots:
     void aReadingThatReleaseOvertookIsDropped();
     void triesAgainAMinuteLater();
     void opensAgainAfterTheGPUWasLost();
+    void keepsReadingTheOthersAfterOneGPUWasLost();
+    void tellsWhyThereIsNoReading();
+    void readsProcessesOncePerRequest();
     void endsWhileTheLibraryStalls();
     void goesOnOnceThereIsAThread();
 };
@@ -203,6 +206,60 @@ void TestNvidiaReader::opensAgainAfterTheGPUWasLost()
     reader.request();
     TRY_VERIFY(reader.newest());
     QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
+}
+
+/// It is opened anew to find the lost one again, but once a minute.
+void TestNvidiaReader::keepsReadingTheOthersAfterOneGPUWasLost()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetCount_v2 2\nnvmlDeviceGetPowerUsage@1 fails 15\n");
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    for (int tick = 0; tick < 7; ++tick) {
+        clock.step(10);
+        const double now = clock.function()();
+        reader.request();
+        TRY_VERIFY(reader.newest() && reader.newest()->seconds == now);
+        QCOMPARE(reader.newest()->devices.size(), std::size_t(1));
+    }
+    QCOMPARE(reader.coverage(), Coverage::known);
+    TRY_COMPARE(nvidia.calls("nvmlShutdown"), 2);
+}
+
+void TestNvidiaReader::tellsWhyThereIsNoReading()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlInit_v2 fails 18\n");
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    QCOMPARE(reader.coverage(), Coverage::known);
+    reader.request();
+    TRY_COMPARE(reader.coverage(), Coverage::newDriver);
+    nvidia.script({});
+    clock.step(61);
+    reader.request();
+    TRY_COMPARE(reader.coverage(), Coverage::known);
+    TRY_VERIFY(reader.newest());
+
+    NvidiaReader missing("/nowhere/libnvidia-ml.so.1");
+    missing.request();
+    TRY_COMPARE(missing.coverage(), Coverage::noLibrary);
+}
+
+void TestNvidiaReader::readsProcessesOncePerRequest()
+{
+    const StandInNvidia nvidia;
+    SteppedClock clock;
+    NvidiaReader reader(STAND_IN_NVML, clock.function());
+    reader.request();
+    TRY_VERIFY(reader.newest());
+    QVERIFY(!reader.newest()->devices[0].processes);
+    clock.step(1);
+    reader.request(true);
+    TRY_VERIFY(reader.newest()->devices[0].processes);
+    clock.step(1);
+    reader.request();
+    TRY_VERIFY(!reader.newest()->devices[0].processes);
 }
 
 void TestNvidiaReader::endsWhileTheLibraryStalls()
