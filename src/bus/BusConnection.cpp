@@ -1,16 +1,15 @@
 #include "bus/BusConnection.h"
 
+#include "bus/BusOpening.h"
 #include "bus/SessionBus.h"
+#include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
-#include "threads/ThreadStart.h"
 
 namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-BusConnection::BusConnection(const QString &name, std::chrono::milliseconds retryInterval)
-    : m_name(name),
-      m_bus(QString())
+BusConnection::BusConnection(std::chrono::milliseconds retryInterval) : m_bus(QString())
 {
     assertMainThread();
     m_retry.setSingleShot(true);
@@ -20,10 +19,7 @@ BusConnection::BusConnection(const QString &name, std::chrono::milliseconds retr
     QMetaObject::invokeMethod(this, &BusConnection::probe, Qt::QueuedConnection);
 }
 
-BusConnection::~BusConnection()
-{
-    QDBusConnection::disconnectFromBus(m_name);
-}
+BusConnection::~BusConnection() = default;
 
 void BusConnection::probe()
 {
@@ -41,25 +37,27 @@ void BusConnection::probe()
 void BusConnection::open()
 {
     m_probe.reset();
-    // The first connection of a process starts the library's thread and waits for it.
-    if (!canStartThread()) {
+    const bool isTried = runThenDeliver(
+        this, [address = m_address] { return openBus(address); },
+        [this](const QDBusConnection &bus) { use(bus); });
+    if (!isTried)
         close();
-        return;
-    }
-    m_bus = QDBusConnection::connectToBus(m_address, m_name);
-    if (!m_bus.isConnected()) {
-        close();
-        return;
-    }
+}
+
+void BusConnection::use(const QDBusConnection &bus)
+{
+    m_bus = bus;
     m_bus.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
                   u"Disconnected"_s, this, SLOT(close()));
-    emit connected();
+    if (m_bus.isConnected())
+        emit connected();
+    else
+        close();
 }
 
 void BusConnection::close()
 {
     m_probe.reset();
-    QDBusConnection::disconnectFromBus(m_name);
     m_bus = QDBusConnection(QString());
     m_retry.start();
     emit lost();

@@ -12,15 +12,13 @@
 namespace corvane {
 
 /// A private connection to the user's session bus. Main thread, which never waits for a bus that
-/// hangs. It is opened once the event loop runs and the bus answers, and reopened after the bus has
-/// ended, and retried while there is none. It never starts a bus.
+/// hangs. It is opened on a background job once the event loop runs and the bus answers, and
+/// reopened after the bus has ended, and retried while there is none. It never starts a bus.
 class BusConnection : public QObject {
     Q_OBJECT
 
 public:
-    /// The name distinguishes it from the process's other connections.
-    explicit BusConnection(const QString &name,
-                           std::chrono::milliseconds retryInterval = std::chrono::seconds(3));
+    explicit BusConnection(std::chrono::milliseconds retryInterval = std::chrono::seconds(3));
     ~BusConnection() override;
 
     /// Not connected before `connected` and after `lost`.
@@ -38,8 +36,8 @@ private slots:
 private:
     void probe();
     void open();
+    void use(const QDBusConnection &bus);
 
-    const QString m_name;
     QString m_address;
     std::unique_ptr<BusProbe> m_probe; ///< Null unless a probe is running.
     QDBusConnection m_bus;

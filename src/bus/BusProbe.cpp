@@ -1,88 +1,69 @@
 #include "bus/BusProbe.h"
 
-#include "platform/UnixSocket.h"
 #include "threads/MainThread.h"
 
 #include <QSocketNotifier>
 
-#include <string_view>
-#include <utility>
+#include <algorithm>
 
 #include <poll.h>
-#include <sys/socket.h>
 
 namespace corvane {
 
 namespace {
 
-using namespace Qt::StringLiterals;
-using namespace std::string_view_literals;
+using State = BusHandshake::State;
 
-/// Asks for the authentication mechanisms: a client's first request, which every bus answers.
-constexpr auto request = "\0AUTH\r\n"sv;
-
-/// The socket on which the answer will arrive; empty if nothing listens at the path.
-FileDescriptor sendRequest(const std::string &path)
+bool isOver(State state)
 {
-    FileDescriptor socket = openUnixSocket();
-    const bool isSent = connectTo(socket, path)
-        && send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) > 0;
-    return isSent ? std::move(socket) : FileDescriptor();
+    return state != State::connecting && state != State::waiting;
 }
 
 } // namespace
 
-BusProbe::BusProbe(const QString &address, QObject *parent) : QObject(parent)
+BusProbe::BusProbe(const QString &address, QObject *parent) : QObject(parent), m_handshake(address)
 {
     assertMainThread();
-    const auto path = busSocket(address);
-    if (!path) {
-        QMetaObject::invokeMethod(this, &BusProbe::answered, Qt::QueuedConnection);
-        return;
-    }
-    m_socket = sendRequest(*path);
-    if (!m_socket) {
-        QMetaObject::invokeMethod(this, &BusProbe::refused, Qt::QueuedConnection);
-        return;
-    }
-    m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &BusProbe::readAnswer);
+    follow();
 }
 
 BusProbe::~BusProbe() = default;
 
-/// Whether a byte arrives is all that counts.
-void BusProbe::readAnswer()
+void BusProbe::follow()
 {
-    m_notifier->setEnabled(false);
-    char first = 0;
-    if (recv(m_socket.get(), &first, sizeof first, 0) > 0)
-        emit answered();
-    else
-        emit refused();
+    const State state = m_handshake.state();
+    if (isOver(state)) {
+        const bool hasAnswered = state == State::answered || state == State::unknown;
+        QMetaObject::invokeMethod(this, hasAnswered ? &BusProbe::answered : &BusProbe::refused,
+                                  Qt::QueuedConnection);
+        return;
+    }
+    m_notifier = std::make_unique<QSocketNotifier>(
+        m_handshake.descriptor(),
+        state == State::connecting ? QSocketNotifier::Write : QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
+        // The descriptor may be closed, and the notifier is in use until this function returns.
+        m_notifier->setEnabled(false);
+        m_notifier.release()->deleteLater();
+        m_handshake.goOn();
+        follow();
+    });
 }
 
 bool busHangs(const QString &address, std::chrono::milliseconds timeout)
 {
-    const auto path = busSocket(address);
-    const FileDescriptor socket = path ? sendRequest(*path) : FileDescriptor();
-    pollfd answer = {.fd = socket.get(), .events = POLLIN, .revents = 0};
-    return socket && poll(&answer, 1, static_cast<int>(timeout.count())) == 0;
-}
-
-std::optional<std::string> busSocket(const QString &address)
-{
-    constexpr auto kind = "unix:"_L1;
-    if (!address.startsWith(kind) || address.contains(u';'))
-        return std::nullopt;
-    for (const QString &part : address.sliced(kind.size()).split(u',')) {
-        const QByteArray value = QByteArray::fromPercentEncoding(part.section(u'=', 1).toUtf8());
-        if (part.startsWith("path="_L1))
-            return value.toStdString();
-        if (part.startsWith("abstract="_L1))
-            return '\0' + value.toStdString();
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point deadline = Clock::now() + timeout;
+    BusHandshake handshake(address);
+    while (!isOver(handshake.state())) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        const short events = handshake.state() == State::connecting ? POLLOUT : POLLIN;
+        pollfd answer = {.fd = handshake.descriptor(), .events = events, .revents = 0};
+        if (left.count() <= 0 || poll(&answer, 1, static_cast<int>(left.count())) == 0)
+            return true;
+        handshake.goOn();
     }
-    return std::nullopt;
+    return handshake.state() != State::answered && handshake.state() != State::refused;
 }
 
 } // namespace corvane

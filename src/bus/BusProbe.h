@@ -1,21 +1,18 @@
 #pragma once
 
-#include "platform/FileDescriptor.h"
+#include "bus/BusHandshake.h"
 
 #include <QObject>
 #include <QString>
 
 #include <chrono>
 #include <memory>
-#include <optional>
-#include <string>
 
 class QSocketNotifier;
 
 namespace corvane {
 
-/// Finds out whether a bus answers, without blocking: the bus library connects synchronously and
-/// would block its caller for as long as the bus hangs. Main thread. Emits exactly one of the two
+/// Finds out whether a bus answers, without blocking. Main thread. Emits exactly one of the two
 /// signals, once and from the event loop; neither while the bus hangs.
 class BusProbe : public QObject {
     Q_OBJECT
@@ -31,17 +28,14 @@ signals:
     void refused();
 
 private:
-    void readAnswer();
+    void follow();
 
-    FileDescriptor m_socket;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    BusHandshake m_handshake;
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< Null unless something is waited for.
 };
 
-/// Whether something listens at the address and gives no answer within the time-out; blocks until
-/// it is known. False for an address of a kind that cannot be probed.
+/// Whether something listens at the address and gives no answer within the time-out, or the address
+/// is of a kind that cannot be probed; blocks until it is known.
 bool busHangs(const QString &address, std::chrono::milliseconds timeout);
-
-/// The Unix socket that an address names, as connectTo takes it; absent for other addresses.
-std::optional<std::string> busSocket(const QString &address);
 
 } // namespace corvane

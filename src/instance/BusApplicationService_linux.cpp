@@ -27,7 +27,7 @@ QString objectPath()
 BusApplicationService::BusApplicationService(const std::string &activationToken,
                                              std::chrono::milliseconds retryInterval)
     : m_activationToken(QString::fromStdString(activationToken)),
-      m_connection(u"corvane-application"_s, retryInterval)
+      m_connection(retryInterval)
 {
     assertMainThread();
     new ApplicationAdaptor(*this);

@@ -71,12 +71,12 @@ void runJob(std::function<void()> job, const std::shared_ptr<ReturnPath> &path)
 
 } // namespace
 
-void runThenCall(QObject *owner, std::function<void()> job, std::function<void()> deliver)
+bool runThenCall(QObject *owner, std::function<void()> job, std::function<void()> deliver)
 {
     Q_ASSERT(owner->thread() == QThread::currentThread());
     if (++runningJobs > mostBackgroundJobs) {
         --runningJobs;
-        return;
+        return false;
     }
     const auto path = std::make_shared<ReturnPath>();
     auto *receiver = new JobReceiver(owner, path, std::move(deliver));
@@ -84,11 +84,12 @@ void runThenCall(QObject *owner, std::function<void()> job, std::function<void()
         startThread([job = std::move(job), path]() mutable { runJob(std::move(job), path); });
     if (thread.joinable()) {
         thread.detach();
-        return;
+        return true;
     }
     // The job counts as one too many.
     --runningJobs;
     delete receiver;
+    return false;
 }
 
 } // namespace corvane

@@ -1,6 +1,8 @@
 #include "tray/NotifierItems_linux.h"
 
+#include "bus/BusOpening.h"
 #include "controls/Logo.h"
+#include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
 #include "tray/StatusNotifierItem_linux.h"
 #include "tray/TrayPicture.h"
@@ -48,12 +50,13 @@ NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host, QM
     connect(&m_settling, &QTimer::timeout, this, &NotifierItems::settled);
     if (host.form != LabelForm::squares) {
         addItem(u"corvane"_s, u"Corvane"_s);
-        return;
+    } else {
+        // Some desktops sort the items by title.
+        addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s);
+        addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s);
+        addItem(u"corvane-power"_s, u"Corvane 3 Power"_s);
     }
-    // Some desktops sort the items by title.
-    addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s);
-    addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s);
-    addItem(u"corvane-power"_s, u"Corvane 3 Power"_s);
+    openConnections();
 }
 
 NotifierItems::~NotifierItems() = default;
@@ -66,8 +69,33 @@ void NotifierItems::show(const MetricValues &current)
         updatePicture(item, numbers);
     }
     m_numbers = numbers;
-    if (m_registered == 0)
+    if (m_isExported && m_registered == 0)
         registerNext();
+}
+
+void NotifierItems::openConnections()
+{
+    constexpr auto retryInterval = std::chrono::seconds(3);
+    const auto open = [address = m_busAddress, count = m_items.size()] {
+        std::vector<QDBusConnection> connections;
+        for (std::size_t item = 0; item < count; ++item)
+            connections.push_back(openBus(address));
+        return connections;
+    };
+    const bool isTried =
+        runThenDeliver(this, open, [this](const std::vector<QDBusConnection> &connections) {
+            exportItems(connections);
+        });
+    if (!isTried)
+        QTimer::singleShot(retryInterval, this, &NotifierItems::openConnections);
+}
+
+void NotifierItems::exportItems(const std::vector<QDBusConnection> &connections)
+{
+    for (std::size_t item = 0; item < m_items.size(); ++item)
+        m_items[item].notifier->exportOver(connections[item]);
+    m_isExported = true;
+    registerNext();
 }
 
 bool NotifierItems::areInTray(const QStringList &listed) const
@@ -80,7 +108,7 @@ void NotifierItems::addItem(const QString &id, const QString &title)
 {
     Item item;
     item.number = m_items.size();
-    item.notifier = std::make_unique<StatusNotifierItem>(m_busAddress, id, title, m_menu, m_waits);
+    item.notifier = std::make_unique<StatusNotifierItem>(id, title, m_menu, m_waits);
     const StatusNotifierItem *notifier = item.notifier.get();
     connect(notifier, &StatusNotifierItem::activated, this, &NotifierItems::activated);
     connect(notifier, &StatusNotifierItem::secondaryActivated, this,

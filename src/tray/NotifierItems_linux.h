@@ -4,6 +4,7 @@
 #include "tray/TrayWaits.h"
 #include "ui/MetricText.h"
 
+#include <QDBusConnection>
 #include <QObject>
 #include <QPoint>
 #include <QTimer>
@@ -28,7 +29,7 @@ public:
                   const TrayWaits &waits, QObject *parent = nullptr);
     ~NotifierItems() override;
 
-    /// The first call registers the items at the tray, one after the other.
+    /// Registers the items at the tray, one after the other, once their connections are open.
     void show(const MetricValues &current);
 
     /// Whether the desktop has read every item and the watcher's list contains them all.
@@ -46,6 +47,8 @@ private:
         std::unique_ptr<StatusNotifierItem> notifier;
     };
     void addItem(const QString &id, const QString &title);
+    void openConnections();
+    void exportItems(const std::vector<QDBusConnection> &connections);
     void popUpMenu(const QPoint &position);
     void updatePicture(Item &item, const LabelNumbers &numbers);
     void registerNext();
@@ -55,6 +58,7 @@ private:
     QMenu &m_menu;
     const TrayWaits m_waits;
     std::vector<Item> m_items; ///< From left to right.
+    bool m_isExported = false;
     std::size_t m_registered = 0;
     LabelNumbers m_numbers = {};
     QTimer m_settling; ///< Runs after the last registration.

@@ -12,27 +12,28 @@ namespace corvane {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-StatusNotifierItem::StatusNotifierItem(const QString &busAddress, const QString &id,
-                                       const QString &title, QMenu &menu, const TrayWaits &waits,
-                                       QObject *parent)
+StatusNotifierItem::StatusNotifierItem(const QString &id, const QString &title, QMenu &menu,
+                                       const TrayWaits &waits, QObject *parent)
     : QObject(parent),
       m_id(id),
       m_title(title),
-      m_bus(QDBusConnection::connectToBus(busAddress, id)),
+      m_bus(QString()),
       m_menu(menu),
       m_waits(waits)
 {
     assertMainThread();
     registerStatusNotifierTypes();
-    m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
-    m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
     m_settling.setSingleShot(true);
     connect(&m_settling, &QTimer::timeout, this, &StatusNotifierItem::settled);
 }
 
-StatusNotifierItem::~StatusNotifierItem()
+StatusNotifierItem::~StatusNotifierItem() = default;
+
+void StatusNotifierItem::exportOver(const QDBusConnection &bus)
 {
-    QDBusConnection::disconnectFromBus(m_id);
+    m_bus = bus;
+    m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
+    m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
 }
 
 void StatusNotifierItem::showPictures(Pictures pictures)

@@ -46,9 +46,12 @@ public:
     using Pictures = std::function<QList<QImage>()>;
 
     /// `id` has to be the same in every run: desktops remember an item's place by it.
-    StatusNotifierItem(const QString &busAddress, const QString &id, const QString &title,
-                       QMenu &menu, const TrayWaits &waits, QObject *parent = nullptr);
+    StatusNotifierItem(const QString &id, const QString &title, QMenu &menu, const TrayWaits &waits,
+                       QObject *parent = nullptr);
     ~StatusNotifierItem() override;
+
+    /// Exports the item over a connection of its own. Called once, before the registration.
+    void exportOver(const QDBusConnection &bus);
 
     /// `pictures` paints the icon in all sizes; called at the desktop's first request.
     void showPictures(Pictures pictures);

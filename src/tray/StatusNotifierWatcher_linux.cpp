@@ -22,9 +22,7 @@ QDBusMessage busCall(const QString &method)
 
 } // namespace
 
-StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent)
-    : QObject(parent),
-      m_connection(u"corvane-tray"_s)
+StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent) : QObject(parent)
 {
     assertMainThread();
     connect(&m_connection, &BusConnection::connected, this, &StatusNotifierWatcher::onConnected);

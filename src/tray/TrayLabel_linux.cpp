@@ -118,7 +118,6 @@ QMenu &TrayLabel::Bar::sharedMenu()
 
 void TrayLabel::Bar::createItems()
 {
-    items.reset(); // The new connections have the same names.
     items =
         std::make_unique<NotifierItems>(watcher.busAddress(), *watcher.host(), sharedMenu(), waits);
     connect(items.get(), &NotifierItems::activated, &label,

@@ -1,6 +1,7 @@
 #include "updates/PackageCheck_linux.h"
 
-#include "bus/SystemBusConnection.h"
+#include "bus/BusOpening.h"
+#include "bus/SystemBus.h"
 #include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
 
@@ -27,14 +28,14 @@ constexpr unsigned int errorBadSignature = 30;
 PackageCheck::PackageCheck(Lists lists, std::chrono::milliseconds timeout)
     : m_lists(lists),
       m_timeout(timeout),
-      m_probe(SystemBusConnection::address())
+      m_probe(systemBusAddress())
 {
     assertMainThread();
     connect(&m_probe, &BusProbe::answered, this, &PackageCheck::openConnection);
     connect(&m_probe, &BusProbe::refused, this,
             [this] { finish(UpdateReport::Outcome::noService); });
     QTimer::singleShot(timeout, this, [this] {
-        if (!m_connection)
+        if (!m_bus)
             finish(UpdateReport::Outcome::failed);
     });
 }
@@ -44,9 +45,9 @@ PackageCheck::~PackageCheck() = default;
 void PackageCheck::openConnection()
 {
     runThenDeliver(
-        this, [] { return std::make_shared<SystemBusConnection>(); },
-        [this](std::shared_ptr<SystemBusConnection> connection) {
-            m_connection = std::move(connection);
+        this, [] { return openBus(systemBusAddress()); },
+        [this](const QDBusConnection &bus) {
+            m_bus = bus;
             findService();
         });
 }
@@ -54,7 +55,7 @@ void PackageCheck::openConnection()
 /// Asks the bus first: a call to a service that is not installed would still try to start it.
 void PackageCheck::findService()
 {
-    if (!m_connection->bus().isConnected()) {
+    if (!m_bus->isConnected()) {
         finish(UpdateReport::Outcome::noService);
         return;
     }
@@ -133,14 +134,14 @@ void PackageCheck::finish(UpdateReport::Outcome outcome)
 
 void PackageCheck::call(const QDBusMessage &message, const BusCall::ReplyHandler &onReply)
 {
-    BusCall::send(m_connection->bus(), message, this, onReply, m_timeout);
+    BusCall::send(*m_bus, message, this, onReply, m_timeout);
 }
 
 void PackageCheck::transact(const QString &action, const QVariantList &arguments,
                             const AnswerHandler &onAnswer)
 {
-    auto transaction = std::make_unique<PackageTransaction>(m_connection->bus(), action, arguments,
-                                                            packageName, m_timeout);
+    auto transaction =
+        std::make_unique<PackageTransaction>(*m_bus, action, arguments, packageName, m_timeout);
     // Queued: the handler replaces the transaction that emits the signal.
     connect(
         transaction.get(), &PackageTransaction::finished, this,

@@ -5,15 +5,15 @@
 #include "updates/PackageTransaction_linux.h"
 #include "updates/UpdateReport.h"
 
+#include <QDBusConnection>
 #include <QObject>
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace corvane {
-
-class SystemBusConnection;
 
 /// One check for updates of this program's package: queries PackageKit over the system bus and
 /// installs nothing. One object for each check; main thread, which it never blocks. It has its own
@@ -52,7 +52,7 @@ private:
     const Lists m_lists;
     const std::chrono::milliseconds m_timeout;
     const BusProbe m_probe;
-    std::shared_ptr<SystemBusConnection> m_connection; ///< Null until it is open.
+    std::optional<QDBusConnection> m_bus; ///< Absent until it was tried.
     std::unique_ptr<PackageTransaction> m_transaction;
     UpdateReport m_report;
     bool m_isFinished = false;

@@ -2,6 +2,7 @@
 #include "instance/InstanceMessage.h"
 #include "platform/FolderLock.h"
 #include "platform/UnixSocket.h"
+#include "support/HalfBus.h"
 #include "support/OddFiles.h"
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
@@ -71,6 +72,7 @@ private slots:
     void survivesTheEndOfItsBus();
     void runsWhileItsBusHangs_data();
     void runsWhileItsBusHangs();
+    void runsWithHalfABus();
     void endsWithItsDisplay();
     void reportsAMissingDisplayInOneLine_data();
     void reportsAMissingDisplayInOneLine();
@@ -462,6 +464,23 @@ void TestRunningProgram::runsWhileItsBusHangs()
     m_session->bus->goOn();
     TRY_COMPARE(m_session->tray->items().size(), 3);
     m_session->bus->hang();
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.exitStatus(), 0);
+}
+
+/// Both buses authenticate the program and then say nothing.
+void TestRunningProgram::runsWithHalfABus()
+{
+    const HalfBus bus(HalfBus::Transport::unixSocket,
+                      m_session->path(u"runtime/half"_s).toStdString());
+    const QString address = u"unix:path=/nowhere/bus;"_s + bus.address();
+    m_session->environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
+    m_session->environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, address);
+    const ProgramRun corvane = start();
+    TRY_VERIFY(isAnswering());
+    TRY_VERIFY(records().size() > 2);
+    QVERIFY(bus.greetings() > 0);
+    QCOMPARE(start().exitStatus(), 0); // The main thread is free.
     corvane.send(SIGTERM);
     QCOMPARE(corvane.exitStatus(), 0);
 }

@@ -1,11 +1,16 @@
 #include "bus/BusConnection.h"
 
+#include "support/HalfBus.h"
 #include "support/PrivateBus.h"
 #include "support/Waiting.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 
 using namespace corvane;
@@ -31,6 +36,8 @@ private slots:
     void survivesTheEndOfABusThatHangs();
     void canBeDeletedWhileTheBusHangs_data();
     void canBeDeletedWhileTheBusHangs();
+    void halfABusBlocksNothing_data();
+    void halfABusBlocksNothing();
 
 private:
     std::unique_ptr<PrivateBus> m_bus;
@@ -42,7 +49,7 @@ void TestBusConnection::init()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY(m_bus->start());
-    m_connection = std::make_unique<BusConnection>(u"connection"_s, retryInterval);
+    m_connection = std::make_unique<BusConnection>(retryInterval);
     m_signals.clear();
     connect(m_connection.get(), &BusConnection::connected, this, [this] {
         m_signals.append(m_connection->bus().isConnected() ? u"connected"_s : u"not yet"_s);
@@ -112,13 +119,51 @@ void TestBusConnection::canBeDeletedWhileTheBusHangs()
     m_bus->hang();
     QTest::qWait(50);
     m_connection.reset();
-    // A new connection of the same name works as well.
-    m_connection = std::make_unique<BusConnection>(u"connection"_s, retryInterval);
+    m_connection = std::make_unique<BusConnection>(retryInterval);
     QSignalSpy connected(m_connection.get(), &BusConnection::connected);
     QTest::qWait(50);
     QCOMPARE(connected.count(), 0);
     m_bus->goOn();
     QVERIFY(connected.wait(patience));
+}
+
+void TestBusConnection::halfABusBlocksNothing_data()
+{
+    QTest::addColumn<QString>("address"); // %1 stands for that of the half bus.
+    QTest::addColumn<bool>("isTCP");
+    QTest::addColumn<int>("wholeClients");
+    QTest::newRow("at a path") << u"%1"_s << false << 0;
+    QTest::newRow("at a port") << u"%1"_s << true << 0;
+    QTest::newRow("in a list") << u"unix:path=/nowhere/bus;%1"_s << false << 0;
+    // The probe is answered, and then the bus library waits for up to 25 seconds.
+    QTest::newRow("after it answered the probe") << u"%1"_s << false << 1;
+}
+
+void TestBusConnection::halfABusBlocksNothing()
+{
+    QFETCH(const QString, address);
+    QFETCH(const bool, isTCP);
+    QFETCH(const int, wholeClients);
+    const QTemporaryDir folder;
+    const auto transport = isTCP ? HalfBus::Transport::tcp : HalfBus::Transport::unixSocket;
+    const HalfBus half(transport, folder.filePath(u"bus"_s).toStdString(), wholeClients);
+    QVERIFY(!half.address().isEmpty());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", QString(address).replace(u"%1"_s, half.address()).toUtf8());
+    m_connection = std::make_unique<BusConnection>(retryInterval);
+    QSignalSpy connected(m_connection.get(), &BusConnection::connected);
+    QElapsedTimer longestTurn;
+    qint64 longest = 0;
+    while (half.greetings() <= wholeClients) {
+        longestTurn.start();
+        QCoreApplication::processEvents();
+        longest = std::max(longest, longestTurn.elapsed());
+    }
+    longestTurn.start();
+    QTest::qWait(50);
+    m_connection.reset();
+    longest = std::max(longest, longestTurn.elapsed());
+    QVERIFY2(longest < 10'000, qPrintable(QString::number(longest)));
+    QCOMPARE(connected.count(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestBusConnection)

@@ -1,5 +1,6 @@
 #include "bus/SessionBus.h"
 
+#include "support/HalfBus.h"
 #include "support/PrivateBus.h"
 
 #include <QFile>
@@ -119,6 +120,12 @@ void TestSessionBus::disablesABusThatHangsForLibraries()
     disableHangingBus(100ms);
     QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), QByteArray("disabled:"));
     QCOMPARE(sessionBusAddress(), bus.address());
+
+    const HalfBus half(HalfBus::Transport::unixSocket, m_runtime.filePath(u"half"_s).toStdString());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", half.address().toUtf8());
+    disableHangingBus(100ms);
+    QCOMPARE(qgetenv("DBUS_SESSION_BUS_ADDRESS"), QByteArray("disabled:"));
+    QCOMPARE(sessionBusAddress(), half.address());
 }
 
 QTEST_GUILESS_MAIN(TestSessionBus)

@@ -49,7 +49,7 @@ QStringList BusMonitor::membersSince(const QStringList &connections)
     return hasAll ? std::exchange(m_members, {}) : QStringList{u"monitor received nothing"_s};
 }
 
-/// Parses one line a message: fields separated by tabs, the member last; replies have none.
+/// Parses one line a message: fields separated by tabs, the member last. Replies have none.
 void BusMonitor::read()
 {
     std::array<char, 4096> piece = {};
@@ -61,7 +61,7 @@ void BusMonitor::read()
     for (const QByteArray &text : lines) {
         const QString line = QString::fromUtf8(text).trimmed();
         const QString member = line.section(u'\t', -1);
-        if (line.startsWith(u'#'))
+        if (line.startsWith(u'#') || line.startsWith("mr\t"_L1))
             continue;
         if (member == mark)
             ++m_marks;

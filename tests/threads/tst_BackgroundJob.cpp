@@ -207,7 +207,7 @@ void TestBackgroundJob::limitsTheJobsThatRunAtOnce()
         return 1;
     };
     for (int i = 0; i < mostBackgroundJobs + 5; ++i)
-        runThenDeliver(&owner, waiting, count);
+        QCOMPARE(runThenDeliver(&owner, waiting, count), i < mostBackgroundJobs);
     gate.open();
     QTRY_COMPARE(delivered, mostBackgroundJobs);
 

@@ -3,6 +3,7 @@
 #include "platform/UnixSocket.h"
 #include "support/BusMonitor.h"
 #include "support/FakePackageKit.h"
+#include "support/HalfBus.h"
 #include "support/PrivateBus.h"
 
 #include <QCoreApplication>
@@ -100,6 +101,7 @@ private slots:
     void doesNotStartAMissingService();
     void failsWithAServiceThatCannotStart();
     void hasNoServiceWithoutABus();
+    void failsWithABusThatHangs_data();
     void failsWithABusThatHangs();
 
     void cannotCheckWhileACheckRuns();
@@ -400,13 +402,27 @@ void TestPackageUpdater::hasNoServiceWithoutABus()
     QVERIFY(!updates->canCheck());
 }
 
+void TestPackageUpdater::failsWithABusThatHangs_data()
+{
+    QTest::addColumn<bool>("authenticates");
+    QTest::newRow("from the first byte") << false;
+    QTest::newRow("after the authentication") << true;
+}
+
 void TestPackageUpdater::failsWithABusThatHangs()
 {
+    QFETCH(const bool, authenticates);
     m_fake.reset();
     m_bus.kill();
     const QString path = m_bus.address().section(u'=', 1);
-    const FileDescriptor silent = openUnixSocket();
-    QVERIFY(listenAt(silent, path.toStdString()));
+    FileDescriptor silent;
+    std::optional<HalfBus> half;
+    if (authenticates) {
+        half.emplace(HalfBus::Transport::unixSocket, path.toStdString());
+    } else {
+        silent = openUnixSocket();
+        QVERIFY(listenAt(silent, path.toStdString()));
+    }
     const auto updates = updater(u"/usr/bin/corvane"_s, 100ms);
     QVERIFY(completes(*updates, &PackageUpdater::check));
     QCOMPARE(updates->finding(), noAnswer);
