@@ -3,9 +3,8 @@
 // table; both sides are measured in turn, in CPU time of this thread.
 
 #include "Ratio.h"
-#include "processes/AIProcessDetector.h"
 #include "processes/ProcessSampler.h"
-#include "processes/Survey.h"
+#include "processes/Surveyor.h"
 
 #include <algorithm>
 #include <string>
@@ -92,7 +91,8 @@ void comparePass(benchmark::State &state, Pass pass)
 
 void processPass(benchmark::State &state)
 {
-    comparePass(state, [] { benchmark::DoNotOptimize(takeSurvey()); });
+    Surveyor surveyor;
+    comparePass(state, [&surveyor] { benchmark::DoNotOptimize(surveyor.take()); });
 }
 
 /// The ranking by memory alone.
@@ -101,19 +101,12 @@ void ranking(benchmark::State &state)
     comparePass(state, [] { benchmark::DoNotOptimize(ProcessSampler::topByRAM(20)); });
 }
 
-/// The search for AI workloads alone.
-void detection(benchmark::State &state)
-{
-    comparePass(state, [] { benchmark::DoNotOptimize(AIProcessDetector::detectAll()); });
-}
-
 void withCrowds(benchmark::internal::Benchmark *benchmark)
 {
     benchmark->Arg(200)->Arg(1000)->Arg(3000)->UseManualTime()->Unit(benchmark::kMicrosecond);
 }
 BENCHMARK(processPass)->Apply(withCrowds);
 BENCHMARK(ranking)->Apply(withCrowds);
-BENCHMARK(detection)->Apply(withCrowds);
 
 } // namespace
 

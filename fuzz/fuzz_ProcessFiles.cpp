@@ -29,6 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         __builtin_trap();
     if (const auto swapped = parseSwapped(text); swapped && *swapped > largestByteCount)
         __builtin_trap();
+    parseStartTime(text);
 
     // The same bytes as a name with its link behind the first NUL.
     const std::string_view comm = text.substr(0, text.find('\0'));

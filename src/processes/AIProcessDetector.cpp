@@ -1,6 +1,7 @@
 #include "processes/AIProcessDetector.h"
 
-#include "processes/ArgumentCache.h"
+#include "platform/Wipe.h"
+#include "processes/FactsCache.h"
 
 #include <algorithm>
 #include <array>
@@ -35,15 +36,20 @@ bool containsAny(const QString &text, const Fragments &fragments)
     return std::ranges::any_of(fragments, [&text](auto part) { return text.contains(part); });
 }
 
-bool isStrictModelFlag(const QString &argument)
+/// Longer arguments are not copied for it, since they may be secrets.
+bool isStrictModelFlag(QStringView argument)
 {
-    const QString lower = argument.toLower();
+    constexpr qsizetype longestFlag = 12;
+    if (argument.size() > longestFlag)
+        return false;
+    const QString lower = argument.toString().toLower();
     return std::ranges::find(strictModelFlags, lower) != strictModelFlags.end();
 }
 
 bool isModelFile(const QString &name)
 {
-    const QString lower = name.toLower();
+    constexpr qsizetype longestSuffix = 12;
+    const QString lower = name.last(std::min(name.size(), longestSuffix)).toLower();
     return std::ranges::any_of(modelFileSuffixes,
                                [&lower](auto suffix) { return lower.endsWith(suffix); });
 }
@@ -54,7 +60,7 @@ std::optional<QString> modelFromStrictFlags(const QStringList &argv)
         if (i + 1 < argv.size() && isStrictModelFlag(argv[i]))
             return AIProcessDetector::basename(argv[i + 1]);
         const qsizetype equals = argv[i].indexOf(u'=');
-        if (equals >= 0 && isStrictModelFlag(argv[i].first(equals)))
+        if (equals >= 0 && isStrictModelFlag(QStringView(argv[i]).first(equals)))
             return AIProcessDetector::basename(argv[i].sliced(equals + 1));
     }
     return std::nullopt;
@@ -74,11 +80,10 @@ using Match = AIProcessDetector::Match;
 
 /// What an interpreter runs. A fragment that contains another one of its rule ("/comfyui/" and
 /// "comfyui") is left out.
-std::optional<Match> classifyInterpreter(const QStringList &argv)
+std::optional<Match> classifyInterpreter(const QStringList &argv, const QString &all)
 {
     const auto flagsModel = [&argv] { return AIProcessDetector::modelFromFlags(argv); };
     const auto checkpointModel = [&argv] { return AIProcessDetector::modelFromCheckpoint(argv); };
-    const QString all = argv.join(u' ').toLower();
 
     constexpr std::array mlxMarks{"mlx_lm"_L1, "mlx_vlm"_L1, "mlx-examples"_L1, "/mlx/"_L1};
     if (containsAny(all, mlxMarks) || AIProcessDetector::hasModule(argv, u"mlx"_s))
@@ -101,38 +106,36 @@ std::optional<Match> classifyInterpreter(const QStringList &argv)
     return std::nullopt;
 }
 
-QStringList decoded(const std::vector<std::string> &arguments)
+/// A longer name is cut: only an argument that is no name can be longer than any path.
+void shorten(std::optional<QString> &model)
 {
-    QStringList list;
-    list.reserve(static_cast<qsizetype>(arguments.size()));
-    for (const std::string &argument : arguments)
-        list.append(QString::fromStdString(argument));
-    return list;
+    constexpr qsizetype longestModel = 4096; // Linux's PATH_MAX; a Mac's is shorter.
+    if (model && model->size() > longestModel)
+        model->truncate(longestModel);
 }
 
 /// Reads without holding the cache's lock: two callers may both read, and the later one wins.
-QStringList argumentsOf(std::int32_t pid, const ArgumentReader &read, ArgumentCache &cache)
+ArgumentFacts factsOfProcess(std::int32_t pid, const IdentityReader &identify,
+                             const FactsReader &read, FactsCache &cache)
 {
-    if (auto cached = cache.find(pid))
+    const auto process = identify(pid);
+    if (!process)
+        return {};
+    if (auto cached = cache.find(*process))
         return *std::move(cached);
-    const auto record = read(pid);
-    const QStringList arguments = record ? decoded(record->argv) : QStringList();
-    cache.remember(pid, arguments);
-    return arguments;
+    auto facts = read(*process);
+    if (!facts)
+        return {};
+    cache.remember(*process, *facts);
+    return *std::move(facts);
 }
 
 } // namespace
 
-ArgumentCache &AIProcessDetector::processWideCache()
-{
-    // Never destroyed: a background job may still use it while the program ends.
-    static auto *const cache = new ArgumentCache;
-    return *cache;
-}
-
 std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranking,
-                                                     const ArgumentReader &readArguments,
-                                                     ArgumentCache &cache)
+                                                     const IdentityReader &identify,
+                                                     const FactsReader &readFacts,
+                                                     FactsCache &cache)
 {
     std::vector<AIWorkload> workloads;
     std::unordered_set<std::int64_t> seen;
@@ -145,7 +148,7 @@ std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranki
         const QString processName = QString::fromStdString(*name);
         if (!nameLooksRelevant(processName))
             continue;
-        auto match = classify(processName, argumentsOf(*pid, readArguments, cache));
+        auto match = classify(processName, factsOfProcess(*pid, identify, readFacts, cache));
         if (match)
             workloads.push_back({.id = *pid,
                                  .pid = *pid,
@@ -164,28 +167,61 @@ bool AIProcessDetector::nameLooksRelevant(const QString &name)
     return containsAny(name.toLower(), relevantNameFragments);
 }
 
-std::optional<AIProcessDetector::Match> AIProcessDetector::classify(const QString &name,
-                                                                    const QStringList &argv)
+ArgumentFacts AIProcessDetector::takeFacts(std::optional<ArgumentRecord> record)
+{
+    if (!record)
+        return {};
+    QStringList argv;
+    argv.reserve(static_cast<qsizetype>(record->argv.size()));
+    for (std::string &argument : record->argv) {
+        argv.append(QString::fromStdString(argument));
+        wipe(argument);
+    }
+    ArgumentFacts facts = factsOf(argv);
+    shorten(facts.model);
+    shorten(facts.ollamaModel);
+    if (facts.interpreted)
+        shorten(facts.interpreted->model);
+    for (QString &argument : argv)
+        wipe(argument); // What a fact shares with it stays: Qt gives the argument a copy then.
+    return facts;
+}
+
+ArgumentFacts AIProcessDetector::factsOf(const QStringList &argv)
+{
+    QString all = argv.join(u' ').toLower();
+    ArgumentFacts facts{.namesGGUF = all.contains(".gguf"_L1),
+                        .model = modelFromFlags(argv),
+                        .ollamaModel = ollamaModel(argv),
+                        .interpreted = classifyInterpreter(argv, all)};
+    wipe(all);
+    return facts;
+}
+
+std::optional<AIMatch> AIProcessDetector::classify(const QString &name, const QStringList &argv)
+{
+    return classify(name, factsOf(argv));
+}
+
+std::optional<AIMatch> AIProcessDetector::classify(const QString &name, const ArgumentFacts &facts)
 {
     const QString lower = name.toLower();
     if (lower.contains("ollama"_L1))
-        return Match{AIFramework::ollama, ollamaModel(argv)};
+        return Match{AIFramework::ollama, facts.ollamaModel};
     if (lower.contains("kobold"_L1))
-        return Match{AIFramework::koboldCpp, modelFromFlags(argv)};
+        return Match{AIFramework::koboldCpp, facts.model};
     if (lower.startsWith("llama-"_L1) || lower == "llama.cpp"_L1)
-        return Match{AIFramework::llamaCpp, modelFromFlags(argv)};
-    if (lower == "main"_L1) {
-        if (argv.join(u' ').toLower().contains(".gguf"_L1))
-            return Match{AIFramework::llamaCpp, modelFromFlags(argv)};
-        return std::nullopt;
-    }
+        return Match{AIFramework::llamaCpp, facts.model};
+    if (lower == "main"_L1)
+        return facts.namesGGUF ? std::optional(Match{AIFramework::llamaCpp, facts.model})
+                               : std::nullopt;
     if (lower.contains("whisper"_L1))
-        return Match{AIFramework::whisperCpp, modelFromFlags(argv)};
+        return Match{AIFramework::whisperCpp, facts.model};
     // Its command lines do not carry the model.
     if (lower.contains("lm studio"_L1) || lower.contains("lms-"_L1) || lower == "lms"_L1)
         return Match{AIFramework::lmStudio, std::nullopt};
     if (lower.startsWith("python"_L1) || lower == "torch"_L1 || lower.contains("huggingface"_L1))
-        return classifyInterpreter(argv);
+        return facts.interpreted;
     return std::nullopt;
 }
 

@@ -1,40 +1,41 @@
 #pragma once
 
 #include "processes/AIWorkload.h"
+#include "processes/ArgumentFacts.h"
 #include "processes/ProcessBridge.h"
 
 #include <QStringList>
 
 namespace corvane {
 
-class ArgumentCache;
+class FactsCache;
 
 /// Finds local AI inference among the heaviest processes, by their names and arguments alone. Safe
 /// from any thread. A process whose arguments cannot be read is classified by its name.
 class AIProcessDetector {
 public:
-    /// The classification of a process.
-    struct Match {
-        AIFramework framework = AIFramework::generic;
-        std::optional<QString> model = {};
-
-        friend bool operator==(const Match &, const Match &) = default;
-    };
+    using Match = AIMatch;
 
     static constexpr std::int32_t processesExamined = 80;
     static constexpr std::uint64_t leastMemory = 200 << 20; ///< In bytes; lighter ones are skipped.
 
     /// The workloads among the first `processesExamined` of a ranking, largest first. A record
-    /// below `leastMemory` needs no name. The arguments of a process are read once and kept while
-    /// the process stays in the ranking.
-    static std::vector<AIWorkload> detectAll(
-        const ProcessRanking &ranking = ProcessBridge::ranking({.first = 0,
-                                                                .fromMemory = leastMemory}),
-        const ArgumentReader &readArguments = ProcessBridge::argumentReader(),
-        ArgumentCache &cache = processWideCache());
+    /// below `leastMemory` needs no name. The facts of a process are read once and kept while the
+    /// process stays in the ranking.
+    static std::vector<AIWorkload> detectAll(const ProcessRanking &ranking,
+                                             const IdentityReader &identify,
+                                             const FactsReader &readFacts, FactsCache &cache);
+
+    /// The facts in arguments, which are overwritten: they may hold secrets. Empty facts where the
+    /// arguments could not be read.
+    static ArgumentFacts takeFacts(std::optional<ArgumentRecord> record);
 
     /// Absent for a process that no rule matches. Pure, as are the functions below.
+    static std::optional<Match> classify(const QString &name, const ArgumentFacts &facts);
     static std::optional<Match> classify(const QString &name, const QStringList &argv);
+
+    /// What the rules make of the arguments, whatever the name of the process.
+    static ArgumentFacts factsOf(const QStringList &argv);
 
     /// Whether a process of that name is worth classifying.
     static bool nameLooksRelevant(const QString &name);
@@ -53,10 +54,6 @@ public:
 
     /// The part of a path or model identifier that is worth showing.
     static QString basename(const QString &path);
-
-private:
-    /// Kept for the life of the program.
-    static ArgumentCache &processWideCache();
 };
 
 } // namespace corvane

@@ -65,6 +65,20 @@ std::optional<std::uint64_t> parseSwapped(std::string_view status)
     return bytesOfLine(status, "VmSwap");
 }
 
+std::optional<std::uint64_t> parseStartTime(std::string_view stat)
+{
+    constexpr int fieldsBetween = 19; // From the third, behind the name, to the 22nd.
+    const std::size_t nameEnd = stat.rfind(')');
+    if (nameEnd == std::string_view::npos)
+        return std::nullopt;
+    stat.remove_prefix(nameEnd + 1);
+    for (int field = 0; field < fieldsBetween; ++field) {
+        if (!takeWord(stat))
+            return std::nullopt;
+    }
+    return takeCount(stat);
+}
+
 bool mayBeCut(std::string_view name)
 {
     constexpr std::size_t longestName = 15; // TASK_COMM_LEN without its NUL.

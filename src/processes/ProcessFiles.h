@@ -28,6 +28,10 @@ std::optional<FootprintBounds> parseStatm(std::int32_t pid, std::string_view sta
 /// Swapped-out memory according to `status`, in bytes; absent when the process has ended.
 std::optional<std::uint64_t> parseSwapped(std::string_view status);
 
+/// When a process was started according to `stat`, in clock ticks since the machine's start. Its
+/// name stands there in parentheses and may hold any byte, parentheses too.
+std::optional<std::uint64_t> parseStartTime(std::string_view stat);
+
 /// Whether a name from `comm` has the length to which the kernel cuts names.
 bool mayBeCut(std::string_view name);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "processes/ArgumentBlock.h"
+#include "processes/ArgumentFacts.h"
 #include "processes/FootprintRanking.h"
 
 namespace corvane {
@@ -17,8 +18,11 @@ struct ProcessSource {
     /// The system's short name for a process, as bytes; absent when it has none.
     std::function<std::optional<std::string>(std::int32_t pid)> name;
 
+    /// Who has a number now, from an inexpensive read.
+    IdentityReader identity;
+
     /// Executable and arguments of a process with a positive number; absent when they cannot be
-    /// read.
+    /// read. The call may never return: its answer can depend on what the process waits for.
     ArgumentReader arguments;
 
     /// The system that the program runs on.

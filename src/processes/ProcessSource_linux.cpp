@@ -1,13 +1,17 @@
 #include "processes/ProcessSource_linux.h"
 
+#include "platform/FileDescriptor.h"
 #include "platform/KernelFile_linux.h"
 #include "platform/KernelFolder_linux.h"
 #include "platform/KernelText.h"
+#include "platform/Wipe.h"
 #include "processes/ProcessFiles.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <memory>
+#include <span>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -124,14 +128,60 @@ std::optional<std::string> readName(std::int32_t pid, const std::string &root)
     return std::string(completedName(name, linkTarget(processFile(pid, "exe", root))));
 }
 
+std::optional<ProcessIdentity> identify(std::int32_t pid, const std::string &root)
+{
+    const auto stat = readKernelFile(processFile(pid, "stat", root));
+    const auto startTime = stat ? parseStartTime(*stat) : std::nullopt;
+    if (!startTime)
+        return std::nullopt;
+    return ProcessIdentity{.pid = pid, .startTime = *startTime};
+}
+
+/// The first part of a file that may hold secrets; overwritten at the end of its life.
+class ArgumentText {
+public:
+    explicit ArgumentText(const std::string &path)
+    {
+        const FileDescriptor file = openRegular(path, FileAccess::read);
+        while (file && m_length < longest) {
+            const ssize_t count = read(file.get(), m_text.get() + m_length, longest - m_length);
+            if (count <= 0)
+                return;
+            m_length += static_cast<std::size_t>(count);
+        }
+    }
+
+    ~ArgumentText()
+    {
+        std::span contents(m_text.get(), m_length);
+        wipe(contents);
+    }
+
+    ArgumentText(const ArgumentText &) = delete;
+    ArgumentText &operator=(const ArgumentText &) = delete;
+
+    /// Without the last argument where the text was cut within it. Empty if it cannot be read.
+    std::string_view text() const
+    {
+        const std::string_view all(m_text.get(), m_length);
+        return m_length < longest ? all : all.substr(0, all.rfind('\0') + 1);
+    }
+
+private:
+    static constexpr std::size_t longest = 256 << 10; ///< A thousand times the usual.
+
+    // Memory that is not written costs nothing: it is asked for uninitialised.
+    std::unique_ptr<char[]> m_text = std::make_unique_for_overwrite<char[]>(longest);
+    std::size_t m_length = 0;
+};
+
 std::optional<ArgumentRecord> readArguments(std::int32_t pid, const std::string &root)
 {
-    constexpr std::size_t longest = 8 << 20; // The kernel starts nothing with more than 6 MiB.
     const std::string link = linkTarget(processFile(pid, "exe", root));
-    const auto commandLine = readKernelFile(processFile(pid, "cmdline", root), longest);
-    if (link.empty() && !commandLine)
+    const ArgumentText commandLine(processFile(pid, "cmdline", root));
+    if (link.empty() && commandLine.text().empty())
         return std::nullopt;
-    auto argv = parseCommandLine(commandLine.value_or(std::string()));
+    auto argv = parseCommandLine(commandLine.text());
     if (!argv)
         return std::nullopt;
     const std::string_view path = executablePath(link);
@@ -147,6 +197,7 @@ ProcessSource linuxProcesses(const std::string &root)
         .footprints = [root] { return listFootprints(root); },
         .footprint = [root](const FootprintBounds &bounds) { return readFootprint(bounds, root); },
         .name = [root](std::int32_t pid) { return readName(pid, root); },
+        .identity = [root](std::int32_t pid) { return identify(pid, root); },
         .arguments = [root](std::int32_t pid) { return readArguments(pid, root); },
     };
 }

@@ -1,5 +1,7 @@
 #include "processes/ProcessSource.h"
 
+#include "platform/Wipe.h"
+
 #include <libproc.h>
 #include <sys/resource.h>
 #include <sys/sysctl.h>
@@ -8,6 +10,7 @@
 #include <array>
 #include <memory>
 #include <new>
+#include <span>
 
 #include <string.h>
 
@@ -74,7 +77,10 @@ std::optional<ArgumentRecord> readArguments(std::int32_t pid)
     std::size_t size = room;
     if (!block || sysctl(query.data(), queryLength, block.get(), &size, nullptr, 0) != 0)
         return std::nullopt;
-    return parseArgumentBlock({block.get(), std::min(size, room)});
+    std::span contents(block.get(), std::min(size, room));
+    auto record = parseArgumentBlock({contents.data(), contents.size()});
+    wipe(contents);
+    return record;
 }
 
 } // namespace
@@ -86,6 +92,8 @@ ProcessSource ProcessSource::system()
         // The kernel has counted compressed and swapped memory already.
         .footprint = [](const FootprintBounds &bounds) { return std::optional(bounds.least); },
         .name = readName,
+        // The kernel gives a number anew only after all the others.
+        .identity = [](std::int32_t pid) { return std::optional(ProcessIdentity{.pid = pid}); },
         .arguments = readArguments,
     };
 }

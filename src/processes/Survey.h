@@ -4,11 +4,10 @@
 #include "processes/ProcessRow.h"
 #include "records/GPUHolders.h"
 
+#include <functional>
 #include <vector>
 
 namespace corvane {
-
-struct ProcessSource;
 
 /// The processes of a machine at one time.
 struct Survey {
@@ -19,11 +18,11 @@ struct Survey {
     friend bool operator==(const Survey &, const Survey &) = default;
 };
 
-/// Ranks this machine's processes and looks for AI workloads among them. Safe from any thread;
-/// meant for a background one.
-Survey takeSurvey();
+/// Takes the ranking of a survey that is not complete yet.
+using RankingReport = std::function<void(std::vector<ProcessRow>)>;
 
-/// The same for any source.
-Survey surveyOf(const ProcessSource &source);
+/// Takes a survey. Before it reads a file that may keep it waiting it reports the ranking, at most
+/// once. Safe from any thread; meant for a background one.
+using SurveySource = std::function<Survey(const RankingReport &report)>;
 
 } // namespace corvane

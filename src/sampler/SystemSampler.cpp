@@ -62,19 +62,57 @@ void SystemSampler::tick()
     ++m_tickCount;
     if (m_tickCount % processSampleEveryNTicks == 0 && m_sources.survey)
         survey();
+    emptyOldLists();
     if (m_tickCount % trimEveryNTicks == 0)
         m_store.trim(trimKeepSeconds);
 }
 
 void SystemSampler::survey()
 {
-    runThenDeliver(this, m_sources.survey, [this](Survey survey) {
-        m_processes = std::move(survey.processes);
-        emit processesChanged();
-        m_aiWorkloads = std::move(survey.workloads);
-        m_gpuHolders = std::move(survey.gpuHolders);
-        emit aiWorkloadsChanged();
-    });
+    if (m_surveysOut == mostSurveys)
+        return;
+    const qint64 begin = m_tickCount;
+    const bool runs = runReporting<std::vector<ProcessRow>>(
+        this, m_sources.survey,
+        [this, begin](std::vector<ProcessRow> ranking) {
+            publishProcesses(std::move(ranking), begin);
+        },
+        [this, begin](Survey survey) {
+            --m_surveysOut;
+            publishProcesses(std::move(survey.processes), begin);
+            publishWorkloads(std::move(survey.workloads), std::move(survey.gpuHolders), begin);
+        });
+    m_surveysOut += runs ? 1 : 0;
+}
+
+/// A survey that was kept waiting may end after a later one; what it found is dropped.
+void SystemSampler::publishProcesses(std::vector<ProcessRow> processes, qint64 tick)
+{
+    if (tick < m_processesTick)
+        return;
+    m_processesTick = tick;
+    m_processes = std::move(processes);
+    emit processesChanged();
+}
+
+void SystemSampler::publishWorkloads(std::vector<AIWorkload> workloads,
+                                     std::vector<GPUHolders> holders, qint64 tick)
+{
+    if (tick < m_workloadsTick)
+        return;
+    m_workloadsTick = tick;
+    m_aiWorkloads = std::move(workloads);
+    m_gpuHolders = std::move(holders);
+    emit aiWorkloadsChanged();
+}
+
+void SystemSampler::emptyOldLists()
+{
+    const qint64 oldest = m_tickCount - surveyLastsTicks;
+    if (m_processesTick < oldest && !m_processes.empty())
+        publishProcesses({}, m_processesTick);
+    if (m_workloadsTick < oldest && !(m_aiWorkloads.empty() && m_gpuHolders.empty()))
+        publishWorkloads({}, {}, m_workloadsTick);
 }
 
 void SystemSampler::applyWindowChange(qint64 windowSeconds)

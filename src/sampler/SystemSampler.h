@@ -3,7 +3,7 @@
 #include "chip/ChipSource.h"
 #include "history/HistoryStore.h"
 #include "memory/MemorySampler.h"
-#include "processes/Survey.h"
+#include "processes/Surveyor.h"
 #include "records/ReferenceDate.h"
 #include "records/SystemMetrics.h"
 #include "sampler/AppSettings.h"
@@ -23,7 +23,7 @@ namespace corvane {
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
     ChipSource chip = openChipSource();             ///< Empty: no reading of the chip.
-    std::function<Survey()> survey = takeSurvey;    ///< Runs in the background. Empty: no survey.
+    SurveySource survey = systemSurveys();          ///< Runs in the background. Empty: no survey.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);
@@ -31,7 +31,8 @@ struct SamplerSources {
 
 /// The spine of the program: takes one whole-system sample a second, publishes it, keeps those of
 /// the history window and adds each to the history file. Every third second it surveys the
-/// processes, every minute it trims the file.
+/// processes, every minute it trims the file. Lists of processes that no survey could renew for 12
+/// seconds are emptied.
 ///
 /// Made once by the application state and kept for the life of the process. Main thread, and so are
 /// its signals. A source that fails leaves its part of the sample absent or zero.
@@ -46,6 +47,8 @@ class SystemSampler : public QObject {
 public:
     static constexpr double interval = 1.0; ///< Seconds from tick to tick.
     static constexpr qint64 processSampleEveryNTicks = 3;
+    static constexpr int mostSurveys = 2;          ///< That run at a time: a file may never answer.
+    static constexpr qint64 surveyLastsTicks = 12; ///< Older lists are emptied.
     static constexpr qint64 trimEveryNTicks = 60;
     static constexpr qint64 trimKeepSeconds = 120;
 
@@ -77,6 +80,10 @@ signals:
 
 private:
     void survey();
+    void publishProcesses(std::vector<ProcessRow> processes, qint64 tick);
+    void publishWorkloads(std::vector<AIWorkload> workloads, std::vector<GPUHolders> holders,
+                          qint64 tick);
+    void emptyOldLists();
     void applyWindowChange(qint64 windowSeconds);
     std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
     std::vector<SystemMetrics> takeLoaded(std::chrono::milliseconds patience);
@@ -87,6 +94,11 @@ private:
     HistoryStore m_store;
     QTimer m_timer{this};   ///< A child, so that tests can find and stop it.
     qint64 m_tickCount = 0; ///< Completed ticks.
+
+    int m_surveysOut = 0; ///< Surveys that run.
+    // Completed ticks when the survey of what is shown was begun.
+    qint64 m_processesTick = 0;
+    qint64 m_workloadsTick = 0;
 
     std::shared_ptr<PendingRecords> m_load; ///< Null unless the disk has records to deliver.
     qint64 m_ticksAtLoad = 0;               ///< Completed ticks when they were asked for.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "threads/Mutex.h"
+
 #include <QObject>
 
 #include <functional>
@@ -17,10 +19,14 @@ inline constexpr int mostBackgroundJobs = 16;
 /// Runs `job` on a thread of its own at low priority, then `deliver` on the owner's thread, which
 /// must be the caller's. What `job` writes is visible to `deliver`. Once the owner is gone,
 /// `deliver` is not called. A job that still runs at the end of the program is abandoned, so it
-/// must not use anything that ends with `main`.
-///
-/// False if the job is neither run nor delivered: too many run, or the system refuses a thread.
+/// must not use anything that ends with `main`. False when the job is not run: too many run, or the
+/// system refuses a thread.
 bool runThenCall(QObject *owner, std::function<void()> job, std::function<void()> deliver);
+
+/// The same for a job that may report before its end. Each report leads to one call of `onReport`
+/// on the owner's thread, in order and before `deliver`.
+bool runThenCall(QObject *owner, std::function<void(const std::function<void()> &report)> job,
+                 std::function<void()> onReport, std::function<void()> deliver);
 
 /// The same for a job that returns a value, which is passed to `deliver`. Jobs may overlap; values
 /// are delivered in the order in which the jobs finish.
@@ -30,6 +36,42 @@ bool runThenDeliver(QObject *owner, Job job, Deliver deliver)
     const auto value = std::make_shared<std::optional<std::invoke_result_t<Job &>>>();
     return runThenCall(
         owner, [value, job = std::move(job)]() mutable { value->emplace(job()); },
+        [value, deliver = std::move(deliver)]() mutable { deliver(std::move(**value)); });
+}
+
+/// The same for a job that may report values of type `Report` before its end: it is called with a
+/// function that takes one. The newest that was not yet delivered is passed to `onReport`.
+template <typename Report, typename Job, typename OnReport, typename Deliver>
+bool runReporting(QObject *owner, Job job, OnReport onReport, Deliver deliver)
+{
+    struct Slot {
+        Mutex mutex;
+        std::optional<Report> report GUARDED_BY(mutex) = {};
+
+        std::optional<Report> exchange(std::optional<Report> value)
+        {
+            const MutexLock lock(mutex);
+            return std::exchange(report, std::move(value));
+        }
+    };
+    const auto slot = std::make_shared<Slot>();
+    const auto reportTo = [slot](const std::function<void()> &post) {
+        return [slot, &post](Report report) {
+            slot->exchange(std::move(report));
+            post();
+        };
+    };
+    using Value = decltype(job(reportTo({})));
+    const auto value = std::make_shared<std::optional<Value>>();
+    return runThenCall(
+        owner,
+        [value, reportTo, job = std::move(job)](const std::function<void()> &post) mutable {
+            value->emplace(job(reportTo(post)));
+        },
+        [slot, onReport = std::move(onReport)] {
+            if (auto report = slot->exchange({}))
+                onReport(*std::move(report));
+        },
         [value, deliver = std::move(deliver)]() mutable { deliver(std::move(**value)); });
 }
 

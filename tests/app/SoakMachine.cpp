@@ -167,6 +167,10 @@ void SoakMachine::addProcess(int pid)
     const std::string pages = std::to_string(random(1000, 2'000'000));
     m_tree.write(folder + "/statm", pages + ' ' + pages + " 500 1 0 400 0\n");
     m_tree.write(folder + "/comm", name + '\n');
+    std::string stat = std::to_string(pid) + " (" + name + ") S";
+    for (int field = 4; field < 22; ++field)
+        stat += " 0";
+    m_tree.write(folder + "/stat", stat + ' ' + std::to_string(++m_starts) + " 0 0\n");
     std::string arguments = "/usr/bin/" + name;
     arguments += '\0';
     arguments += "--model";

@@ -76,6 +76,7 @@ private:
     std::set<int> m_offline;
     std::set<std::string> m_unplugged;
     std::set<int> m_pids;
+    int m_starts = 0;         ///< Processes started so far.
     double m_seconds = 0;     ///< Time since the last measurement.
     double m_joules = 0;      ///< Energy of the processor in that time.
     bool m_restarted = false; ///< Whether the energy counter wrapped in that time.

@@ -230,11 +230,12 @@ void TestSoak::initTestCase()
     const auto memory = std::make_shared<MemoryFiles>(m_machine->root());
     m_sampler = std::make_unique<SystemSampler>(
         *m_settings,
-        SamplerSources{.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
-                       .chip = openChipSourceBelow(m_machine->root()),
-                       .survey = [processes = linuxProcesses(
-                                      m_machine->root())] { return surveyOf(processes); },
-                       .now = [this] { return m_machine->now(); }},
+        SamplerSources{
+            .memory = [memory] { return MemorySampler::snapshot(memory->read()); },
+            .chip = openChipSourceBelow(m_machine->root()),
+            .survey = [surveyor = std::make_shared<Surveyor>(linuxProcesses(m_machine->root()))](
+                          const RankingReport &report) { return surveyor->take(report); },
+            .now = [this] { return m_machine->now(); }},
         m_folder.path());
     m_sampler->findChild<QTimer *>()->stop();
     m_usedAndFree = m_sampler->current().memory.used + m_machine->freeBytes();

@@ -65,6 +65,9 @@ void ProcTree::add(int pid, const FakeProcess &process)
     addFolder(QByteArray::number(pid));
     write("statm", process.statm.value_or(statmText(process)));
     write("status", process.status || !process.swapped ? process.status : statusText(process));
+    write("stat",
+          QByteArray::number(pid) + " (x) S 1" + QByteArray(" 0").repeated(17) + ' '
+              + QByteArray::number(static_cast<qulonglong>(process.startTime)) + " 0 0\n");
     write("comm", process.comm);
     write("cmdline", process.cmdline);
     const std::string exe = root() + '/' + path(pid, "exe");

@@ -18,6 +18,7 @@ struct FakeProcess {
     std::uint64_t shared = 0;                  ///< RssFile and RssShmem in bytes.
     std::uint64_t room = 0;                    ///< Address space on top of these, in bytes.
     std::optional<std::uint64_t> swapped = {}; ///< VmSwap in bytes; absent: no `status`.
+    std::uint64_t startTime = 1;               ///< In `stat`.
     std::optional<QByteArray> comm = {};
     std::optional<QByteArray> cmdline = {};
     std::optional<QByteArray> exe = {};    ///< Where the link leads.

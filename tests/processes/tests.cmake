@@ -1,7 +1,7 @@
 corvane_test(processes/tst_AIFramework)
 corvane_test(processes/tst_AIProcessDetector)
 corvane_test(processes/tst_ArgumentBlock)
-corvane_test(processes/tst_ArgumentCache THREADED)
+corvane_test(processes/tst_FactsCache THREADED)
 corvane_test(processes/tst_CommandLines)
 corvane_test(processes/tst_FootprintRanking)
 corvane_test(processes/tst_ProcessFiles)
@@ -11,7 +11,7 @@ corvane_test(processes/tst_LiveProcesses SYSTEM linux SOURCES processes/LiveProc
 corvane_test(processes/tst_ProcessBridge SYSTEM linux SOURCES processes/ProcTree.cpp)
 corvane_test(processes/tst_ProcessSampler SYSTEM linux)
 corvane_test(processes/tst_ProcessStorm SYSTEM linux SOURCES processes/LiveProcess.cpp)
-corvane_test(processes/tst_Survey SYSTEM linux THREADED SOURCES processes/ProcTree.cpp)
+corvane_test(processes/tst_Surveyor SYSTEM linux THREADED SOURCES processes/ProcTree.cpp)
 if(TARGET tst_CommandLines)
   target_compile_definitions(
     tst_CommandLines PRIVATE CORVANE_COMMAND_LINES="${CMAKE_CURRENT_LIST_DIR}/command_lines.tsv")

@@ -1,5 +1,5 @@
 #include "processes/AIProcessDetector.h"
-#include "processes/ArgumentCache.h"
+#include "processes/FactsCache.h"
 
 #include <QTest>
 
@@ -27,23 +27,29 @@ struct CommandLines {
     std::map<std::int32_t, std::vector<std::string>> byPid = {};
     std::vector<std::int32_t> reads = {};
 
-    ArgumentReader reader()
+    FactsReader reader()
     {
-        return [this](std::int32_t pid) -> std::optional<ArgumentRecord> {
-            reads.push_back(pid);
-            const auto found = byPid.find(pid);
+        return [this](const ProcessIdentity &process) -> std::optional<ArgumentFacts> {
+            reads.push_back(process.pid);
+            const auto found = byPid.find(process.pid);
             if (found == byPid.end())
-                return std::nullopt;
-            return ArgumentRecord{.path = {}, .argv = found->second};
+                return ArgumentFacts();
+            return AIProcessDetector::takeFacts(ArgumentRecord{.path = {}, .argv = found->second});
         };
     }
 };
 
-/// The workloads of a machine with these processes.
-std::vector<AIWorkload> detect(const Records &records, const ArgumentReader &read,
-                               ArgumentCache &cache)
+/// Every process was started at the same time.
+std::optional<ProcessIdentity> identify(std::int32_t pid)
 {
-    return AIProcessDetector::detectAll([&records](std::int32_t) { return records; }, read, cache);
+    return ProcessIdentity{.pid = pid, .startTime = 1};
+}
+
+/// The workloads of a machine with these processes.
+std::vector<AIWorkload> detect(const Records &records, const FactsReader &read, FactsCache &cache)
+{
+    return AIProcessDetector::detectAll([&records](std::int32_t) { return records; }, identify,
+                                        read, cache);
 }
 
 QList<qint64> pids(const std::vector<AIWorkload> &workloads)
@@ -82,6 +88,10 @@ private slots:
     void readsArgumentsOnce();
     void keepsTheArgumentsOfTheFirstSighting();
     void doesNotRetryAFailedRead();
+    void readsThoseOfAnotherProcessWithTheSameNumber();
+    void asksAgainWhatCouldNotBeAskedFor();
+    void reportsByItsNameAProcessThatHasJustEnded();
+    void keepsOfArgumentsOnlyWhatTheRulesMakeOfThem();
     void readsWithoutLockingTheCache();
     void forgetsProcessesThatLeftTheRanking();
     void remembersProcessesThatShrankButStayed();
@@ -346,7 +356,7 @@ void TestAIProcessDetector::makesBasenames()
 void TestAIProcessDetector::describesWorkloads()
 {
     CommandLines lines{.byPid = {{7, {"Ollama", "run", "llama3"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     const auto workloads = detect(Records{{7, "Ollama", 300 * MiB}}, lines.reader(), cache);
     const std::vector<AIWorkload> expected{{.id = 7,
                                             .pid = 7,
@@ -359,13 +369,13 @@ void TestAIProcessDetector::describesWorkloads()
 
 void TestAIProcessDetector::examinesEightyProcesses()
 {
-    ArgumentCache cache;
+    FactsCache cache;
     std::int32_t asked = 0;
     const auto ranking = [&asked](std::int32_t limit) {
         asked = limit;
         return Records();
     };
-    AIProcessDetector::detectAll(ranking, CommandLines().reader(), cache);
+    AIProcessDetector::detectAll(ranking, identify, CommandLines().reader(), cache);
     QCOMPARE(asked, 80);
 }
 
@@ -397,7 +407,7 @@ void TestAIProcessDetector::reports()
     QFETCH(Records, records);
     QFETCH(int, reads);
     CommandLines lines{.byPid = {{1, {"python3", "-m", "mlx_lm.server"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     QTEST(pids(detect(records, lines.reader(), cache)), "expected");
     QCOMPARE(lines.reads.size(), static_cast<std::size_t>(reads));
 }
@@ -405,7 +415,7 @@ void TestAIProcessDetector::reports()
 void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
 {
     CommandLines lines;
-    ArgumentCache cache;
+    FactsCache cache;
     const Records records{{5, "ollama", enough},       {2, "lms", enough},
                           {9, "whisper", 900 * MiB},   {1, "koboldcpp", enough},
                           {3, "llama-cli", 901 * MiB}, {4, "firefox", 950 * MiB}};
@@ -424,7 +434,7 @@ void TestAIProcessDetector::sortsByMemoryAndKeepsTheOrderOfEqualOnes()
 void TestAIProcessDetector::readsArgumentsOnce()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     const Records records{{7, "ollama", enough}};
     for (int pass = 0; pass < 3; ++pass)
         QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model(u"a"_s));
@@ -433,9 +443,9 @@ void TestAIProcessDetector::readsArgumentsOnce()
 
 void TestAIProcessDetector::keepsTheArgumentsOfTheFirstSighting()
 {
-    // Even for another process that got the same number in the meantime.
+    // Whatever the process calls itself later.
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
     lines.byPid[7] = {"llama-server", "-m", "/m/b.gguf"};
     const auto workloads = detect(Records{{7, "llama-server", enough}}, lines.reader(), cache);
@@ -447,7 +457,7 @@ void TestAIProcessDetector::keepsTheArgumentsOfTheFirstSighting()
 void TestAIProcessDetector::doesNotRetryAFailedRead()
 {
     CommandLines lines;
-    ArgumentCache cache;
+    FactsCache cache;
     const Records records{{7, "ollama", enough}};
     detect(records, lines.reader(), cache);
     lines.byPid[7] = {"ollama", "run", "a"};
@@ -455,45 +465,107 @@ void TestAIProcessDetector::doesNotRetryAFailedRead()
     QCOMPARE(lines.reads.size(), std::size_t(1));
 }
 
+void TestAIProcessDetector::readsThoseOfAnotherProcessWithTheSameNumber()
+{
+    CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
+    FactsCache cache;
+    const auto ranking = [](std::int32_t) { return Records{{7, "ollama", enough}}; };
+    AIProcessDetector::detectAll(ranking, identify, lines.reader(), cache);
+    lines.byPid[7] = {"ollama", "run", "b"};
+    const auto later = [](std::int32_t pid) {
+        return std::optional(ProcessIdentity{.pid = pid, .startTime = 2});
+    };
+    const auto workloads = AIProcessDetector::detectAll(ranking, later, lines.reader(), cache);
+    QCOMPARE(workloads.at(0).model, Model(u"b"_s));
+}
+
+void TestAIProcessDetector::asksAgainWhatCouldNotBeAskedFor()
+{
+    FactsCache cache;
+    const Records records{{7, "ollama", enough}};
+    const auto refuse = [](const ProcessIdentity &) { return std::optional<ArgumentFacts>(); };
+    QCOMPARE(detect(records, refuse, cache).at(0).model, Model());
+    CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
+    QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model(u"a"_s));
+}
+
+void TestAIProcessDetector::reportsByItsNameAProcessThatHasJustEnded()
+{
+    FactsCache cache;
+    CommandLines lines;
+    const auto workloads = AIProcessDetector::detectAll(
+        [](std::int32_t) {
+            return Records{{7, "ollama", enough}};
+        },
+        [](std::int32_t) { return std::optional<ProcessIdentity>(); }, lines.reader(), cache);
+    QCOMPARE(pids(workloads), QList<qint64>{7});
+    QVERIFY(lines.reads.empty());
+}
+
+void TestAIProcessDetector::keepsOfArgumentsOnlyWhatTheRulesMakeOfThem()
+{
+    const auto facts = [](std::vector<std::string> argv) {
+        return AIProcessDetector::takeFacts(ArgumentRecord{.argv = std::move(argv)});
+    };
+    QCOMPARE(AIProcessDetector::takeFacts({}), ArgumentFacts());
+    QCOMPARE(facts({}), ArgumentFacts());
+    QCOMPARE(facts({"python3", "--token", "secret", "-m", "vllm"}),
+             (ArgumentFacts{.interpreted = Match{AIFramework::vllm, {}}}));
+    const Model model = u"b.gguf"_s;
+    QCOMPARE(facts({"main", "-m", "/a/b.gguf"}),
+             (ArgumentFacts{.namesGGUF = true,
+                            .model = model,
+                            .ollamaModel = model,
+                            .interpreted = Match{AIFramework::generic, model}}));
+    // Longer than any path.
+    const Model kept = QString(4096, u'x');
+    QCOMPARE(facts({"ollama", "run", std::string(4096, 'x')}).ollamaModel, kept);
+    QCOMPARE(facts({"ollama", "run", std::string(5000, 'x')}).ollamaModel, kept);
+    QCOMPARE(facts({"vllm", "--model", std::string(5000, 'x')}),
+             (ArgumentFacts{.model = kept,
+                            .ollamaModel = kept,
+                            .interpreted = Match{AIFramework::vllm, kept}}));
+}
+
 void TestAIProcessDetector::readsWithoutLockingTheCache()
 {
     // Another caller uses the cache while the arguments are read; the later store wins.
-    ArgumentCache cache;
-    const auto read = [&cache](std::int32_t pid) {
-        cache.remember(pid, {u"ollama"_s, u"run"_s, u"other"_s});
-        return std::optional(ArgumentRecord{.argv = {"ollama", "run", "own"}});
+    FactsCache cache;
+    const auto read = [&cache](const ProcessIdentity &process) {
+        cache.remember(process, {.ollamaModel = u"other"_s});
+        return std::optional(ArgumentFacts{.ollamaModel = u"own"_s});
     };
     const auto workloads = detect(Records{{7, "ollama", enough}}, read, cache);
     QCOMPARE(workloads.at(0).model, Model(u"own"_s));
-    QCOMPARE(cache.find(7), std::optional(QStringList{u"ollama"_s, u"run"_s, u"own"_s}));
+    QCOMPARE(cache.find(*identify(7)), std::optional(ArgumentFacts{.ollamaModel = u"own"_s}));
 }
 
 void TestAIProcessDetector::forgetsProcessesThatLeftTheRanking()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     const Records records{{7, "ollama", enough}};
     detect(records, lines.reader(), cache);
     detect(Records{{8, "firefox", enough}}, lines.reader(), cache);
-    QVERIFY(!cache.find(7));
+    QVERIFY(!cache.find(*identify(7)));
     lines.byPid[7] = {"ollama", "run", "b"};
     QCOMPARE(detect(records, lines.reader(), cache).at(0).model, Model(u"b"_s));
 
     // A record that cannot be read does not count as seen.
     detect(Records{{7, {}, enough}}, lines.reader(), cache);
-    QVERIFY(!cache.find(7));
+    QVERIFY(!cache.find(*identify(7)));
 }
 
 void TestAIProcessDetector::remembersProcessesThatShrankButStayed()
 {
     CommandLines lines{.byPid = {{7, {"ollama", "run", "a"}}}};
-    ArgumentCache cache;
+    FactsCache cache;
     detect(Records{{7, "ollama", enough}}, lines.reader(), cache);
     detect(Records{{7, "ollama", MiB}}, lines.reader(), cache);
-    QVERIFY(cache.find(7));
+    QVERIFY(cache.find(*identify(7)));
     detect(Records{{7, {}, MiB}}, lines.reader(),
            cache); // Not named, too light.
-    QVERIFY(cache.find(7));
+    QVERIFY(cache.find(*identify(7)));
 }
 
 QTEST_APPLESS_MAIN(TestAIProcessDetector)

@@ -3,7 +3,7 @@
 
 #include "processes/LiveProcess.h"
 #include "processes/ProcessBridge.h"
-#include "processes/Survey.h"
+#include "processes/Surveyor.h"
 
 #include <QTest>
 
@@ -108,7 +108,7 @@ void TestLiveProcesses::recognises()
     LiveProcess process(name, arguments, 250);
     QVERIFY(process.isReady());
     const ProcView view{process.pid()};
-    const Survey survey = surveyOf(view.source());
+    const Survey survey = Surveyor(view.source()).take();
     const auto footprint = footprintByStatus(process.pid());
     QVERIFY(footprint && isAbout(*footprint, 250 * MiB));
 
@@ -133,7 +133,8 @@ void TestLiveProcesses::ranksThemAndReportsNoLightOne()
     LiveProcess heavy(u"ollama"_s, {u"serve"_s}, 280);
     LiveProcess middle(u"llama-cli"_s, {u"-m"_s, u"x.gguf"_s}, 250);
     QVERIFY(light.isReady() && heavy.isReady() && middle.isReady());
-    const Survey survey = surveyOf(ProcView{light.pid(), heavy.pid(), middle.pid()}.source());
+    const Survey survey =
+        Surveyor(ProcView{light.pid(), heavy.pid(), middle.pid()}.source()).take();
     QList<qint64> rows;
     for (const ProcessRow &row : survey.processes)
         rows.append(row.id);
@@ -151,15 +152,15 @@ void TestLiveProcesses::completesTheNameOfAReplacedExecutable()
     process.removeExecutable();
     const auto comm = processText(process.pid(), "comm");
     QCOMPARE(comm, std::optional<QByteArray>("koboldcpp-linux\n"));
-    const auto survey = surveyOf(ProcView{process.pid()}.source());
+    const auto survey = Surveyor(ProcView{process.pid()}.source()).take();
     QCOMPARE(survey.processes.at(0).name, u"koboldcpp-linux-x64"_s);
 }
 
 void TestLiveProcesses::findsThemAmongAllProcesses()
 {
-    LiveProcess process(u"ollama"_s, {u"run"_s, QString(100'000, u'x')}, 250);
+    LiveProcess process(u"ollama"_s, {u"run"_s, QString(4000, u'x')}, 250);
     QVERIFY(process.isReady());
-    const Survey survey = takeSurvey();
+    const Survey survey = systemSurveys()({});
     // A machine may have so many heavier processes that this one is off the lists.
     const int heavier = heavierProcesses(240 * MiB);
     if (heavier <= 20) {
@@ -171,7 +172,7 @@ void TestLiveProcesses::findsThemAmongAllProcesses()
         const auto workload = find(survey.workloads, process.pid());
         QVERIFY(workload != survey.workloads.end());
         QCOMPARE(workload->framework, AIFramework::ollama);
-        QCOMPARE(workload->model, Model(QString(100'000, u'x')));
+        QCOMPARE(workload->model, Model(QString(4000, u'x')));
     } else {
         QSKIP("More than 80 processes of this machine are heavier.");
     }

@@ -269,9 +269,14 @@ void TestProcessBridge::readsArguments_data()
     for (int i = 0; i < 4097; ++i)
         many += nulText({"x"});
     row("4097 arguments count as none", many, "/usr/bin/a", Expected());
-    const std::string large(4 << 20, 'y');
-    row("megabytes of arguments", nulText({"a", large, "b"}), {},
-        Expected({"", {"a", large, "b"}}));
+    const std::string large(200 << 10, 'y');
+    row("200 KiB of arguments", nulText({"a", large, "b"}), {}, Expected({"", {"a", large, "b"}}));
+    row("an argument in which the first 256 KiB end is left out with all that follow",
+        nulText({"a", large, large, "b"}), {}, Expected({"", {"a", large}}));
+    row("256 KiB to the byte", nulText({"a", std::string((256 << 10) - 3, 'y')}), {},
+        Expected({"", {"a", std::string((256 << 10) - 3, 'y')}}));
+    row("one argument of megabytes", std::string(4 << 20, 'y'), "/usr/bin/a",
+        Expected({"/usr/bin/a", {}}));
 }
 
 void TestProcessBridge::readsArguments()

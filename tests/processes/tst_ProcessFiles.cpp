@@ -22,6 +22,8 @@ private slots:
     void takesThePageSizeOfTheMachine();
     void readsSwappedMemory_data();
     void readsSwappedMemory();
+    void readsTheTimeOfTheStart_data();
+    void readsTheTimeOfTheStart();
     void completesNames_data();
     void completesNames();
 };
@@ -128,6 +130,32 @@ void TestProcessFiles::readsSwappedMemory()
 {
     QFETCH(std::string, text);
     QTEST(parseSwapped(text), "expected");
+}
+
+void TestProcessFiles::readsTheTimeOfTheStart_data()
+{
+    using Expected = std::optional<quint64>;
+    QTest::addColumn<QByteArray>("stat");
+    QTest::addColumn<Expected>("expected");
+    const QByteArray fields =
+        " S 29918 29918 27721 0 -1 4194304 113 0 0 0 0 0 0 0 20 0 1 0 390663 2990080 407";
+    QTest::newRow("as the kernel writes it")
+        << "30014 (deleted-exe-wit)" + fields << Expected(390663);
+    QTest::newRow("a name with blanks and parentheses")
+        << "7 (a) R 1 (b))" + fields << Expected(390663);
+    QTest::newRow("a name with a line end") << "7 (a\nb)" + fields << Expected(390663);
+    QTest::newRow("cut before it") << QByteArray("7 (a) S 29918 29918 27721 0 -1") << Expected();
+    QTest::newRow("cut in it") << "7 (a)" + fields.first(fields.indexOf(" 390663")) << Expected();
+    QTest::newRow("no name") << QByteArray("7 S 1 2 3") << Expected();
+    QTest::newRow("no number there") << "7 (a)" + QByteArray(" x").repeated(25) << Expected();
+    QTest::newRow("nothing") << QByteArray() << Expected();
+}
+
+void TestProcessFiles::readsTheTimeOfTheStart()
+{
+    QFETCH(QByteArray, stat);
+    const auto time = parseStartTime({stat.constData(), static_cast<std::size_t>(stat.size())});
+    QTEST(time ? std::optional<quint64>(*time) : std::nullopt, "expected");
 }
 
 void TestProcessFiles::completesNames_data()

@@ -2,7 +2,7 @@
 
 #include "processes/LiveProcess.h"
 #include "processes/ProcessBridge.h"
-#include "processes/Survey.h"
+#include "processes/Surveyor.h"
 #include "support/ProcessState.h"
 
 #include <QMap>
@@ -60,9 +60,10 @@ void TestProcessStorm::surveysAChangingProcessTable()
                {getpid(), u"tst_ProcessStorm"_s}};
     m_lasting = {rock.pid(), getpid()};
     const qsizetype descriptors = openDescriptors();
+    Surveyor surveyor;
     int passes = 0;
     for (; storm.state() != QProcess::NotRunning; ++passes) {
-        const Survey survey = takeSurvey();
+        const Survey survey = surveyor.take();
         checkRows(survey.processes);
         if (QTest::currentTestFailed())
             break;

@@ -1,7 +1,7 @@
 #include "chip/ChipSource_linux.h"
 #include "memory/MemoryFiles_linux.h"
 #include "processes/ProcessSource_linux.h"
-#include "processes/Survey.h"
+#include "processes/Surveyor.h"
 #include "sampler/SystemSampler.h"
 #include "support/FaultyCalls.h"
 #include "support/MachineTree.h"
@@ -221,7 +221,7 @@ QString TestDamagedMachine::ticks(SystemSampler &sampler, const std::string &roo
     SteppedClock::pass(1);
     const double before = sampler.current().timestamp;
     sampler.tick();
-    const Survey survey = surveyOf(linuxProcesses(root));
+    const Survey survey = Surveyor(linuxProcesses(root)).take();
     const bool goesOn = sampler.current().timestamp > before;
     if (!wasPlausible || !goesOn || !isPlausible(sampler.current()) || survey.processes.size() > 3)
         return {};
@@ -304,7 +304,7 @@ void TestDamagedMachine::survivesDamage()
             restore(path, kept / path.lexically_relative(whole.root()), damage.inPlace);
     }
     QCOMPARE(ticks(sampler, whole.root()), before);
-    QCOMPARE(surveyOf(linuxProcesses(whole.root())).processes.size(), std::size_t(3));
+    QCOMPARE(Surveyor(linuxProcesses(whole.root())).take().processes.size(), std::size_t(3));
 }
 
 void TestDamagedMachine::survivesFailingCalls_data()
@@ -341,7 +341,7 @@ void TestDamagedMachine::survivesFailingCalls()
         FaultyCalls::clear();
     }
     QCOMPARE(ticks(sampler, whole.root()), before);
-    QCOMPARE(surveyOf(linuxProcesses(whole.root())).processes.size(), std::size_t(3));
+    QCOMPARE(Surveyor(linuxProcesses(whole.root())).take().processes.size(), std::size_t(3));
 }
 
 void TestDamagedMachine::noTickWaitsForADiskThatStalls()

@@ -25,7 +25,7 @@ struct ScriptedMachine {
     double now = 1000;
     MemorySnapshot memory = {.total = 1000, .used = 250};
     std::optional<ChipReading> chip = {};
-    std::function<Survey()> survey = {};
+    SurveySource survey = {};
 
     SamplerSources sources()
     {
@@ -96,7 +96,10 @@ private slots:
     void goesOnWithAnyHistory();
     void surveysOnEveryThirdTick();
     void publishesProcessesThenWorkloads();
-    void aSlowSurveyDelaysNoTick();
+    void aSlowSurveyDelaysNoTickAndTwoAreEnough();
+    void publishesTheRankingWhileArgumentsAreAwaited();
+    void dropsASurveyThatEndsAfterALaterOne();
+    void emptiesListsOfWhichNoSurveyEnds();
     void aSurveyMayOutliveTheSampler();
     void trimsOnEverySixtiethTick();
     void settingTheSameWindowAgainChangesNothing();
@@ -268,7 +271,7 @@ void TestSystemSampler::goesOnWithAnyHistory()
     QVERIFY(QDir().mkpath(m_directory));
     QVERIFY(put(m_directory + "/history.jsonl"_L1));
     m_machine.chip = ChipReading{.cpuWatts = 3};
-    m_machine.survey = [] { return Survey{.processes = {{.id = 7}}}; };
+    m_machine.survey = [](const RankingReport &) { return Survey{.processes = {{.id = 7}}}; };
     {
         SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
         timerOf(sampler).stop();
@@ -293,7 +296,7 @@ void TestSystemSampler::goesOnWithAnyHistory()
 void TestSystemSampler::surveysOnEveryThirdTick()
 {
     std::atomic<int> surveys = 0;
-    m_machine.survey = [&surveys] {
+    m_machine.survey = [&surveys](const RankingReport &) {
         ++surveys;
         return Survey{};
     };
@@ -309,7 +312,7 @@ void TestSystemSampler::surveysOnEveryThirdTick()
 
 void TestSystemSampler::publishesProcessesThenWorkloads()
 {
-    m_machine.survey = [] {
+    m_machine.survey = [](const RankingReport &) {
         return Survey{.processes = {{.id = 7, .name = u"ollama"_s, .memory = 300}},
                       .workloads = {{.id = 7, .pid = 7, .processName = u"ollama"_s}}};
     };
@@ -327,23 +330,110 @@ void TestSystemSampler::publishesProcessesThenWorkloads()
     QTRY_COMPARE(order, (QStringList{u"processes 1, workloads 0"_s, u"workloads 1"_s}));
 }
 
-void TestSystemSampler::aSlowSurveyDelaysNoTick()
+void TestSystemSampler::aSlowSurveyDelaysNoTickAndTwoAreEnough()
 {
     std::mutex gate;
     std::unique_lock closed(gate);
-    m_machine.survey = [&gate] {
+    std::atomic<int> begun = 0;
+    m_machine.survey = [&gate, &begun](const RankingReport &) {
+        ++begun;
         const std::lock_guard wait(gate);
         return Survey{};
     };
     SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
     timerOf(sampler).stop();
     QSignalSpy published(&sampler, &SystemSampler::processesChanged);
-    for (int tick = 2; tick <= 9; ++tick)
+    for (int tick = 2; tick <= 30; ++tick)
         sampler.tick();
-    QCOMPARE(sampler.history().size(), std::size_t(9));
+    QCOMPARE(sampler.history().size(), std::size_t(30));
     QCOMPARE(published.count(), 0);
     closed.unlock();
+    QTRY_COMPARE(published.count(), 2);
+    QCOMPARE(begun.load(), 2);
+    for (int tick = 31; tick <= 33; ++tick)
+        sampler.tick();
     QTRY_COMPARE(published.count(), 3);
+}
+
+void TestSystemSampler::publishesTheRankingWhileArgumentsAreAwaited()
+{
+    std::mutex gate;
+    std::unique_lock closed(gate);
+    m_machine.survey = [&gate](const RankingReport &report) {
+        report({{.id = 7}});
+        const std::lock_guard wait(gate);
+        return Survey{.processes = {{.id = 7}}, .workloads = {{.id = 7}}};
+    };
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    timerOf(sampler).stop();
+    sampler.tick();
+    sampler.tick();
+    QTRY_COMPARE(sampler.processes().size(), std::size_t(1));
+    QVERIFY(sampler.aiWorkloads().empty());
+    closed.unlock();
+    QTRY_COMPARE(sampler.aiWorkloads().size(), std::size_t(1));
+}
+
+void TestSystemSampler::dropsASurveyThatEndsAfterALaterOne()
+{
+    std::mutex gate;
+    std::unique_lock closed(gate);
+    std::atomic<int> begun = 0;
+    std::atomic<int> ended = 0;
+    m_machine.survey = [&](const RankingReport &) {
+        const int number = ++begun;
+        if (number == 1)
+            const std::lock_guard wait(gate);
+        ++ended;
+        return Survey{.processes = {{.id = number}}, .workloads = {{.id = number}}};
+    };
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    timerOf(sampler).stop();
+    for (int tick = 2; tick <= 3; ++tick)
+        sampler.tick();
+    QTRY_COMPARE(begun.load(), 1);
+    for (int tick = 4; tick <= 6; ++tick)
+        sampler.tick();
+    QTRY_COMPARE(sampler.aiWorkloads().size(), std::size_t(1));
+    closed.unlock();
+    QTRY_COMPARE(ended.load(), 2);
+    for (int tick = 7; tick <= 9; ++tick) // The delivery of the third follows that of the first.
+        sampler.tick();
+    const QSignalSpy published(&sampler, &SystemSampler::processesChanged);
+    QTRY_COMPARE(sampler.processes().at(0).id, 3);
+    QCOMPARE(sampler.aiWorkloads().at(0).id, 3);
+    QCOMPARE(published.count(), 1);
+}
+
+void TestSystemSampler::emptiesListsOfWhichNoSurveyEnds()
+{
+    std::mutex gate;
+    std::unique_lock closed(gate, std::defer_lock);
+    m_machine.survey = [&gate](const RankingReport &) {
+        const std::lock_guard wait(gate);
+        return Survey{.processes = {{.id = 7}}, .workloads = {{.id = 7}}, .gpuHolders = {{}}};
+    };
+    SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
+    timerOf(sampler).stop();
+    sampler.tick();
+    sampler.tick(); // Tick 3 surveys.
+    QTRY_COMPARE(sampler.aiWorkloads().size(), std::size_t(1));
+    closed.lock();
+    for (int tick = 4; tick <= 15; ++tick)
+        sampler.tick();
+    QCOMPARE(sampler.processes().size(), std::size_t(1));
+    QCOMPARE(sampler.aiWorkloads().size(), std::size_t(1));
+    const QSignalSpy processes(&sampler, &SystemSampler::processesChanged);
+    const QSignalSpy workloads(&sampler, &SystemSampler::aiWorkloadsChanged);
+    for (int tick = 16; tick <= 20; ++tick)
+        sampler.tick();
+    QVERIFY(sampler.processes().empty());
+    QVERIFY(sampler.aiWorkloads().empty());
+    QVERIFY(sampler.gpuHolders().empty());
+    QCOMPARE(processes.count(), 1);
+    QCOMPARE(workloads.count(), 1);
+    closed.unlock();
+    QTRY_COMPARE(sampler.processes().size(), std::size_t(1)); // The last one that was begun.
 }
 
 void TestSystemSampler::aSurveyMayOutliveTheSampler()
@@ -354,7 +444,7 @@ void TestSystemSampler::aSurveyMayOutliveTheSampler()
     };
     const auto gate = std::make_shared<Gate>();
     std::unique_lock closed(gate->mutex);
-    m_machine.survey = [gate] {
+    m_machine.survey = [gate](const RankingReport &) {
         const std::lock_guard wait(gate->mutex);
         gate->done = true;
         return Survey{.processes = {{.id = 1}}};

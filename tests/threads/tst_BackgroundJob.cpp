@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -55,6 +56,8 @@ private slots:
     void dropsTheValueOfAnOwnerThatIsGone();
     void dropsAValueWhoseOwnerGoesMeanwhile();
     void letsTheDeliveryDeleteTheOwner();
+    void deliversReportsBeforeTheValue();
+    void dropsTheReportsOfAnOwnerThatIsGone();
     void limitsTheJobsThatRunAtOnce();
     void abandonsTheJobOfAProgramThatEnds_data();
     void abandonsTheJobOfAProgramThatEnds();
@@ -194,6 +197,53 @@ void TestBackgroundJob::letsTheDeliveryDeleteTheOwner()
         });
     QTRY_VERIFY(delivered);
     QVERIFY(!owner);
+}
+
+void TestBackgroundJob::deliversReportsBeforeTheValue()
+{
+    QObject owner;
+    Gate gate;
+    QStringList received;
+    const bool runs = runReporting<QString>(
+        &owner,
+        [opened = gate.opened()](const auto &report) {
+            report(QStringLiteral("first"));
+            opened.wait();
+            report(QStringLiteral("second"));
+            return 3;
+        },
+        [&received](const QString &report) { received.append(report); },
+        [&received](int value) { received.append(QString::number(value)); });
+    QVERIFY(runs);
+    QTRY_COMPARE(received, QStringList{"first"_L1});
+    gate.open();
+    QTRY_COMPARE(received, (QStringList{"first"_L1, "second"_L1, "3"_L1}));
+}
+
+void TestBackgroundJob::dropsTheReportsOfAnOwnerThatIsGone()
+{
+    auto owner = std::make_unique<QObject>();
+    End end;
+    Gate gate;
+    int received = 0;
+    runReporting<int>(
+        owner.get(),
+        [opened = gate.opened(), token = end.token()](const auto &report) {
+            report(1);
+            opened.wait();
+            report(2);
+            return 3;
+        },
+        [&](int) {
+            ++received;
+            owner.reset(); // The report may delete the owner.
+        },
+        [&received](int) { ++received; });
+    QTRY_VERIFY(!owner);
+    gate.open();
+    QTRY_VERIFY(end.isReached());
+    QCoreApplication::processEvents();
+    QCOMPARE(received, 1);
 }
 
 void TestBackgroundJob::limitsTheJobsThatRunAtOnce()

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "processes/AIFramework.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace corvane {
+
+/// What was recognised in a process.
+struct AIMatch {
+    AIFramework framework = AIFramework::generic;
+    std::optional<QString> model = {}; ///< Absent when none is named.
+
+    friend bool operator==(const AIMatch &, const AIMatch &) = default;
+};
+
+/// What is kept of a process's arguments: what the rules need of them, whatever the process is
+/// called, and nothing else. Those of a process whose arguments cannot be read are empty.
+struct ArgumentFacts {
+    bool namesGGUF = false;                  ///< A ".gguf" stands somewhere in them.
+    std::optional<QString> model = {};       ///< Of model flags, else of a model file.
+    std::optional<QString> ollamaModel = {}; ///< The same, else as `ollama run` takes it.
+    std::optional<AIMatch> interpreted = {}; ///< What they make an interpreter run.
+
+    friend bool operator==(const ArgumentFacts &, const ArgumentFacts &) = default;
+};
+
+/// One process for its whole life. Numbers alone are given anew.
+struct ProcessIdentity {
+    std::int32_t pid = 0;
+    std::uint64_t startTime = 0; ///< In the system's unit; 0 where numbers alone must do.
+
+    friend bool operator==(const ProcessIdentity &, const ProcessIdentity &) = default;
+};
+
+/// Who has this number now; absent when nobody does any more.
+using IdentityReader = std::function<std::optional<ProcessIdentity>(std::int32_t pid)>;
+
+/// Reads the facts of a process. Absent when they could not be asked for this time.
+using FactsReader = std::function<std::optional<ArgumentFacts>(const ProcessIdentity &)>;
+
+} // namespace corvane
