@@ -13,6 +13,18 @@ namespace corvane {
 
 namespace {
 
+/// Intel's drivers tell the memory in use of a card to administrators alone; what this user's own
+/// processes hold of it is a lower bound.
+void addHeldMemory(GPUReading &reading, const GPUDevice &device, const GPUHandOver &handOver,
+                   double now)
+{
+    const bool isIntels = device.driver == GPUDriver::i915 || device.driver == GPUDriver::xe;
+    if (!isIntels || device.integrated || reading.memoryUsed)
+        return;
+    reading.memoryUsed = handOver.heldBytes(reading.device, now);
+    reading.memoryIsLowerBound = reading.memoryUsed.has_value();
+}
+
 /// A GPU whose driver publishes its values in files.
 class FileGPU {
 public:
@@ -24,11 +36,25 @@ public:
 
     const GPUDevice &device() const { return m_device; }
 
+    GPUAccess access() const
+    {
+        return {.device = m_device.folder,
+                .address = m_device.address,
+                .folder = m_device.folder,
+                .integrated = m_device.integrated,
+                .state = m_state};
+    }
+
     /// Absent when it is asleep, or left alone so that it may fall asleep.
     std::optional<GPUReading> read(double now)
     {
-        if (m_gate.isQuiet(now) || !m_gate.admits(m_runtimeStatus.read()))
+        m_state = GPUAccess::State::leftAlone;
+        if (m_gate.isQuiet(now))
             return std::nullopt;
+        m_state = GPUAccess::State::asleep;
+        if (!m_gate.admits(m_runtimeStatus.read()))
+            return std::nullopt;
+        m_state = GPUAccess::State::open;
         if (!m_files)
             m_files = std::make_unique<GPUFiles>(m_device);
         GPUReading reading = m_files->read(now);
@@ -37,14 +63,17 @@ public:
         // An integrated GPU is awake for as long as its display is, and saves little by sleeping.
         if (m_device.integrated || !m_gate.isQuietDue(idle))
             return reading;
-        if (const auto seconds = m_quietTime.secondsFor(m_device, now))
+        if (const auto seconds = m_quietTime.secondsFor(m_device, now)) {
             m_gate.keepQuietUntil(now + *seconds);
+            m_state = GPUAccess::State::leftAlone;
+        }
         return reading;
     }
 
 private:
     GPUDevice m_device;
     KernelFile m_runtimeStatus;
+    GPUAccess::State m_state = GPUAccess::State::asleep; ///< Until it is read.
     GPUSleepGate m_gate = {};
     GPUQuietTime m_quietTime = {};
     std::unique_ptr<GPUFiles> m_files = {}; ///< Made when the GPU is first seen awake.
@@ -57,6 +86,7 @@ struct GPUWatch::Devices {
     std::string root;
     std::function<double()> clock;
     NvidiaGPUs nvidia;
+    std::shared_ptr<GPUHandOver> handOver;
     std::vector<FileGPU> gpus = {};
     double nextScan = -std::numeric_limits<double>::infinity();
     OneThread thread = {};
@@ -87,9 +117,11 @@ void GPUWatch::Devices::scanWhenDue(double now)
 }
 
 GPUWatch::GPUWatch(const std::string &root, std::string nvidiaLibrary,
-                   std::function<double()> clock)
-    : m_devices(new Devices{
-        .root = root, .clock = clock, .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock, root)})
+                   std::function<double()> clock, std::shared_ptr<GPUHandOver> handOver)
+    : m_devices(new Devices{.root = root,
+                            .clock = clock,
+                            .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock, root),
+                            .handOver = std::move(handOver)})
 {
     m_devices->scanWhenDue(m_devices->clock());
 }
@@ -102,11 +134,18 @@ std::vector<GPUReading> GPUWatch::read()
     const double now = m_devices->clock();
     m_devices->scanWhenDue(now);
     std::vector<GPUReading> readings;
+    std::vector<GPUAccess> access;
     for (FileGPU &gpu : m_devices->gpus) {
-        if (auto reading = gpu.read(now))
+        if (auto reading = gpu.read(now)) {
+            addHeldMemory(*reading, gpu.device(), *m_devices->handOver, now);
             readings.push_back(std::move(*reading));
+        }
+        access.push_back(gpu.access());
     }
-    m_devices->nvidia.appendReadings(readings, now);
+    GPUHandOver &handOver = *m_devices->handOver;
+    m_devices->nvidia.appendReadings(readings, now, handOver.isAsked(now));
+    m_devices->nvidia.appendAccess(access);
+    handOver.publish(std::move(access));
     return readings;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gpu/GPUHandOver.h"
 #include "gpu/GPUReading.h"
 #include "platform/BootClock.h"
 
@@ -15,9 +16,11 @@ namespace corvane {
 class GPUWatch {
 public:
     /// `root` is the folder below which the kernel files lie. NVIDIA's management library is opened
-    /// from `nvidiaLibrary`; an empty name: never.
+    /// from `nvidiaLibrary`; an empty name: never. `handOver` is told at each reading which GPUs
+    /// may be touched.
     explicit GPUWatch(const std::string &root, std::string nvidiaLibrary = {},
-                      std::function<double()> clock = secondsSinceBoot);
+                      std::function<double()> clock = secondsSinceBoot,
+                      std::shared_ptr<GPUHandOver> handOver = std::make_shared<GPUHandOver>());
     ~GPUWatch();
 
     /// The GPUs that can be read in this tick. To be called once a tick.

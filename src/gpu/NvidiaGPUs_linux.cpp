@@ -13,6 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr double secondsKept = 10; ///< Of lists of processes.
+
 /// Identifies a GPU across readings, whether its address is the library's or the kernel's. A GPU
 /// whose address the system hides is "nvidia" until the library tells more.
 std::string deviceName(const std::string &address)
@@ -143,16 +145,20 @@ std::optional<std::uint64_t> NvidiaGPUs::machineMemory()
     return m_machineMemory;
 }
 
-void NvidiaGPUs::appendReadings(std::vector<GPUReading> &readings, double now)
+void NvidiaGPUs::appendReadings(std::vector<GPUReading> &readings, double now, bool withProcesses)
 {
     m_thread.check();
+    m_state = GPUAccess::State::leftAlone;
     if (m_library.empty() || m_gate.isQuiet(now))
         return;
+    m_state = GPUAccess::State::asleep;
     if (!areAwake()) {
+        m_processes.clear();
         setCoverageWhileAsleep();
         closeLibrary();
         return;
     }
+    m_state = GPUAccess::State::open;
     if (!m_reader)
         m_reader = std::make_unique<NvidiaReader>(m_library, m_clock);
     const auto newest = m_reader->newest();
@@ -161,13 +167,39 @@ void NvidiaGPUs::appendReadings(std::vector<GPUReading> &readings, double now)
     else
         setCoverage(m_reader->coverage());
     if (newest) {
+        keepProcesses(*newest, now);
         for (const NvidiaDeviceReading &device : newest->devices)
             readings.push_back(gpuReading(device, newest->seconds));
-        if (startQuietTimeIfIdle(*newest, now))
+        if (startQuietTimeIfIdle(*newest, now)) {
+            m_state = GPUAccess::State::leftAlone;
             return;
+        }
     }
-    m_reader->request();
+    m_reader->request(withProcesses);
     m_mayBeOpen = true;
+}
+
+/// They are read less often than the GPUs; those of a GPU that is left alone stay.
+void NvidiaGPUs::keepProcesses(const NvidiaReading &reading, double now)
+{
+    for (const NvidiaDeviceReading &device : reading.devices) {
+        if (device.processes)
+            m_processes[deviceName(device.address)] = {reading.seconds, *device.processes};
+    }
+    std::erase_if(m_processes,
+                  [now](const auto &entry) { return now - entry.second.seconds > secondsKept; });
+}
+
+void NvidiaGPUs::appendAccess(std::vector<GPUAccess> &gpus) const
+{
+    for (const GPUCoverage &gpu : m_coverage) {
+        GPUAccess access = {
+            .device = gpu.device.toStdString(), .integrated = gpu.integrated, .state = m_state};
+        const auto known = m_processes.find(access.device);
+        if (known != m_processes.end())
+            access.processes = known->second.list;
+        gpus.push_back(std::move(access));
+    }
 }
 
 /// True when a quiet time began, in which the library is closed.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gpu/GPUHandOver.h"
 #include "gpu/GPUQuietTime_linux.h"
 #include "gpu/GPUReading.h"
 #include "gpu/GPUSleepGate.h"
@@ -10,6 +11,7 @@
 
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,8 +35,12 @@ public:
     bool canBeRead() const { return !m_members.empty() && !m_library.empty(); }
 
     /// Appends the newest reading of each GPU, and asks for the next. None without such a reading,
-    /// or while a GPU is asleep or to fall asleep.
-    void appendReadings(std::vector<GPUReading> &readings, double now);
+    /// or while a GPU is asleep or to fall asleep. `withProcesses`: asks for the processes too.
+    void appendReadings(std::vector<GPUReading> &readings, double now, bool withProcesses = false);
+
+    /// Appends what others may know of each GPU, with the processes that were read last. There are
+    /// no files about them that others could read.
+    void appendAccess(std::vector<GPUAccess> &gpus) const;
 
     /// What each GPU is and tells at the moment, in the order of their addresses. Its name and its
     /// amount of memory stay known once they were read. A GPU whose first reading is awaited counts
@@ -49,7 +55,13 @@ private:
         bool awake = true; ///< By the last look at it.
     };
 
+    struct Processes {
+        double seconds = 0; ///< When they were read.
+        std::vector<GPUProcessUse> list = {};
+    };
+
     bool areAwake();
+    void keepProcesses(const NvidiaReading &reading, double now);
     void setCoverage(Coverage coverage);
     void setCoverageWhileAsleep();
     void setCoverage(const NvidiaReading &reading);
@@ -64,7 +76,9 @@ private:
     std::string m_root;
     std::vector<Member> m_members = {};
     std::vector<GPUCoverage> m_coverage = {};
-    std::optional<std::uint64_t> m_machineMemory = {}; ///< Bytes; read when it is first needed.
+    GPUAccess::State m_state = GPUAccess::State::asleep; ///< Until they are read.
+    std::map<std::string, Processes> m_processes = {};   ///< By device.
+    std::optional<std::uint64_t> m_machineMemory = {};   ///< Bytes; read when it is first needed.
     GPUSleepGate m_gate = {};
     std::unique_ptr<NvidiaReader> m_reader = {}; ///< Made when the GPUs are first seen awake.
     bool m_mayBeOpen = false;                    ///< Whether the library may be open.

@@ -38,11 +38,17 @@ public:
     std::vector<GPUReading> tick()
     {
         if (!m_watch)
-            m_watch =
-                std::make_unique<GPUWatch>(tree.root(), m_library, [this] { return m_now.load(); });
+            m_watch = std::make_unique<GPUWatch>(
+                tree.root(), m_library, [this] { return m_now.load(); }, m_handOver);
         m_now = m_now + 1;
         return m_watch->read();
     }
+
+    GPUHandOver &handOver() { return *m_handOver; }
+    double now() const { return m_now; }
+
+    /// What others may know of the GPUs.
+    std::vector<GPUAccess> access() const { return m_handOver->ask(m_now); }
 
     std::size_t countAfter(int ticks)
     {
@@ -57,6 +63,7 @@ public:
 private:
     std::string m_library;
     std::atomic<double> m_now = 1000;
+    std::shared_ptr<GPUHandOver> m_handOver = std::make_shared<GPUHandOver>();
     std::unique_ptr<GPUWatch> m_watch = {};
 };
 
@@ -78,6 +85,8 @@ private slots:
     void aGPUThatCameAwakeIsRead();
     void aGPUThatIsPluggedInIsFound();
     void readsNvidiaGPUsBesideOthers();
+    void tellsOthersWhatTheyMayTouch();
+    void addsUpTheMemoryOfIntelsCards();
     void hasNoDevicesWithoutALibrary();
 };
 
@@ -247,6 +256,41 @@ void TestGPUWatch::readsNvidiaGPUsBesideOthers()
     TRY_COMPARE(bench.readAgain().size(), std::size_t(2));
     bench.tree.write(nvidiaCard + "/power/runtime_status", "suspended\n");
     QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::tellsOthersWhatTheyMayTouch()
+{
+    using State = GPUAccess::State;
+    Bench bench("amd-desktop");
+    bench.tree.write(amdCard + "/power/runtime_status", "active\n");
+    bench.tree.write(amdCard + "/power/control", "auto\n");
+    bench.tree.write(amdCard + "/gpu_busy_percent", "0\n");
+    bench.tick();
+    QCOMPARE(bench.access().size(), std::size_t(1));
+    QCOMPARE(bench.access()[0].device, bench.tree.root() + '/' + amdCard);
+    QCOMPARE(bench.access()[0].address, std::string("0000:0b:00.0"));
+    QVERIFY(bench.access()[0].state == State::open);
+    bench.tick();
+    bench.tick();
+    QVERIFY(bench.access()[0].state == State::leftAlone);
+    bench.tree.write(amdCard + "/power/runtime_status", "suspended\n");
+    for (int tick = 0; tick < 60; ++tick)
+        bench.tick();
+    QVERIFY(bench.access()[0].state == State::asleep);
+}
+
+void TestGPUWatch::addsUpTheMemoryOfIntelsCards()
+{
+    Bench bench("intel-arc-desktop");
+    auto readings = bench.tick();
+    QCOMPARE(readings.size(), std::size_t(1));
+    QVERIFY(!readings[0].memoryUsed);
+    bench.handOver().setHeldBytes({{readings[0].device, 5'000'000}}, bench.now());
+    readings = bench.tick();
+    QCOMPARE(readings[0].memoryUsed, std::optional<std::uint64_t>(5'000'000));
+    QVERIFY(readings[0].memoryIsLowerBound);
+    bench.countAfter(10);
+    QVERIFY(!bench.tick()[0].memoryUsed); // Nobody adds it up any more.
 }
 
 void TestGPUWatch::hasNoDevicesWithoutALibrary()

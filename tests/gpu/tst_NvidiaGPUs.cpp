@@ -80,8 +80,17 @@ public:
     {
         m_now = m_now + seconds;
         std::vector<GPUReading> readings;
-        m_gpus.appendReadings(readings, m_now);
+        m_gpus.appendReadings(readings, m_now, asksForProcesses);
         return readings;
+    }
+
+    bool asksForProcesses = false;
+
+    GPUAccess access() const
+    {
+        std::vector<GPUAccess> gpus;
+        m_gpus.appendAccess(gpus);
+        return gpus.at(0);
     }
 
     /// Ticks until the library has given a reading. A reading is asked for at one tick and there at
@@ -111,6 +120,8 @@ private slots:
     void tellsOfMemoryThatIsTheMachines();
     void tellsOfGPUsThatTheSystemHides();
     void tellsOfAnUpdatedDriver();
+    void handsOverProcessesWhenAsked();
+    void keepsProcessesWhileLeftAlone();
     void cannotBeReadWithoutALibraryOrADevice();
 };
 
@@ -263,6 +274,46 @@ void TestNvidiaGPUs::tellsOfAnUpdatedDriver()
     bench.tick(61);
     QVERIFY(bench.waitForReading());
     QVERIFY(bench.coverage() != newDriver);
+}
+
+void TestNvidiaGPUs::handsOverProcessesWhenAsked()
+{
+    const StandInNvidia nvidia;
+    Bench bench("active\n");
+    QVERIFY(bench.waitForReading());
+    QVERIFY(!bench.access().processes);
+    QCOMPARE(bench.access().device, std::string("nvidia 0000:01:00.0"));
+    QVERIFY(bench.access().folder.empty());
+
+    bench.asksForProcesses = true;
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            bench.tick(0.2);
+            return bench.access().processes.has_value();
+        },
+        patience));
+    QCOMPARE(bench.access().processes->size(), std::size_t(3));
+
+    bench.tree.write(card + "/power/runtime_status", "suspended\n");
+    bench.tick();
+    QVERIFY(!bench.access().processes);
+    QVERIFY(bench.access().state == GPUAccess::State::asleep);
+}
+
+void TestNvidiaGPUs::keepsProcessesWhileLeftAlone()
+{
+    const StandInNvidia nvidia;
+    nvidia.script("nvmlDeviceGetUtilizationRates 0\n");
+    Bench bench("active\n");
+    bench.asksForProcesses = true;
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            bench.tick(0.2);
+            return bench.access().state == GPUAccess::State::leftAlone;
+        },
+        patience));
+    bench.tick();
+    QVERIFY(bench.access().processes);
 }
 
 void TestNvidiaGPUs::cannotBeReadWithoutALibraryOrADevice()
