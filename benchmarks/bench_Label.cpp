@@ -24,7 +24,7 @@ void labelRedraw(benchmark::State &state)
     const auto redraw = [&current] {
         current.memory.used = (current.memory.used + 1) % 100;
         const auto numbers = labelNumbers(current);
-        benchmark::DoNotOptimize(trayIcon(numbers[0], LabelPosition::left));
+        benchmark::DoNotOptimize(trayIcon(numbers[0], {0, numbers.size()}));
     };
     compare(state, redraw, clearPictures);
 }

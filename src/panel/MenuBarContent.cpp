@@ -61,9 +61,11 @@ Qt::WindowFlags panelFlags()
 
 } // namespace
 
-MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent)
+MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent,
+                               const QString &chipName)
     : QWidget(parent, panelFlags()),
-      m_clock(std::move(clock))
+      m_clock(std::move(clock)),
+      m_chipName(chipName)
 {
     assertMainThread();
     setWindowTitle(u"Corvane"_s);
@@ -78,15 +80,12 @@ void MenuBarContent::build()
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(0);
-    m_header = new PanelHeader(this);
+    m_header = new PanelHeader(m_chipName, this);
     column->addWidget(m_header);
     column->addWidget(new Divider(this));
-    for (PanelRow *&row : m_rows) {
-        row = new PanelRow(this);
-        if (&row != &m_rows.front())
-            column->addSpacing(rowGap);
-        column->addWidget(row);
-    }
+    m_rowColumn = new QVBoxLayout;
+    m_rowColumn->setSpacing(rowGap);
+    column->addLayout(m_rowColumn);
     column->addWidget(new Divider(this));
 
     auto *openWindow = new PanelButton(u"Open Window"_s, u"macwindow"_s, this);
@@ -120,16 +119,43 @@ void MenuBarContent::setVisible(bool visible)
 void MenuBarContent::show(const SystemMetrics &current)
 {
     m_current = current;
-    if (isVisible())
-        showNumbers();
+    if (!isVisible())
+        return;
+    showNumbers();
+    const QSize before = size();
+    adjustSize();
+    if (size() != before && m_anchor)
+        place();
 }
 
 void MenuBarContent::showNumbers()
 {
-    m_header->show(m_current.totalWatts);
-    const auto rows = metricRows(m_current);
+    m_header->show(powerText(m_current));
+    showRows(metricRows(m_current));
+}
+
+void MenuBarContent::showRows(const std::vector<MetricRow> &rows)
+{
+    while (m_rows.size() > rows.size()) {
+        delete m_rows.back();
+        m_rows.pop_back();
+    }
+    while (m_rows.size() < rows.size()) {
+        m_rows.push_back(new PanelRow(this));
+        m_rowColumn->addWidget(m_rows.back());
+        m_rows.back()->setVisible(true); // An open panel's layout would do it, but later.
+    }
     for (std::size_t row = 0; row < rows.size(); ++row)
         m_rows[row]->show(rows[row]);
+}
+
+/// Moves the panel to its anchor, from which it extends according to its size.
+void MenuBarContent::place()
+{
+    const QScreen *screen = QGuiApplication::screenAt(*m_anchor);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    move(panelOrigin(*m_anchor, size(), screen->availableGeometry()));
 }
 
 void MenuBarContent::toggleAt(const QPoint &anchor)
@@ -143,11 +169,9 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     }
     if (m_hiddenAt && m_clock() - *m_hiddenAt < sameClick)
         return;
-    const QScreen *screen = QGuiApplication::screenAt(anchor);
-    if (!screen)
-        screen = QGuiApplication::primaryScreen();
+    m_anchor = anchor;
     prepare(); // The position depends on the size.
-    move(panelOrigin(anchor, size(), screen->availableGeometry()));
+    place();
     QWidget::show();
     activateWindow();
     setFocus(); // So that the first Tab goes to the first button.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "chip/ChipIdentity.h"
 #include "platform/BootClock.h"
 #include "ui/MetricText.h"
 
@@ -9,6 +10,7 @@
 #include <functional>
 #include <optional>
 
+class QBoxLayout;
 class QMenu;
 
 namespace corvane {
@@ -16,17 +18,18 @@ namespace corvane {
 class PanelHeader;
 class PanelRow;
 
-/// The panel that drops down from the label: name, chip and total power, five live rows and two
-/// buttons. Its actions are in its context menu. The application owns it and passes it each new
-/// sample. Its content is created when it is first opened, and updated while it is open. It closes
-/// on a click elsewhere and on Escape. Main thread.
+/// The panel that drops down from the label: name, chip and total power, a live row for each metric
+/// of this machine and two buttons. Its actions are in its context menu. The application owns it
+/// and passes it each new sample. Its content is created when it is first opened, and updated while
+/// it is open. It closes on a click elsewhere and on Escape. Main thread.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 
 public:
     /// `clock` returns seconds; a test steps its own.
     explicit MenuBarContent(std::function<double()> clock = secondsSinceBoot,
-                            QWidget *parent = nullptr);
+                            QWidget *parent = nullptr,
+                            const QString &chipName = SystemInfo::chipName());
 
     /// Shows the numbers of a sample; an absent chip reading as 0.
     void show(const SystemMetrics &current);
@@ -53,11 +56,16 @@ private:
     void prepare();
     void build();
     void showNumbers();
+    void showRows(const std::vector<MetricRow> &rows);
+    void place();
 
     MetricValues m_current = SystemMetrics::placeholder();
     PanelHeader *m_header = nullptr; ///< Null until the panel is first opened, like the rows.
-    std::array<PanelRow *, 5> m_rows = {};
+    QBoxLayout *m_rowColumn = nullptr;
+    std::vector<PanelRow *> m_rows = {};
+    std::optional<QPoint> m_anchor = {}; ///< Where it was opened last; absent before that.
     std::function<double()> m_clock;
+    const QString m_chipName;
     QPointer<QMenu> m_menu;                ///< Null while no context menu is open.
     std::optional<double> m_hiddenAt = {}; ///< Of the last closing; absent before it.
 };

@@ -1,7 +1,5 @@
 #include "panel/PanelHeader.h"
 
-#include "chip/ChipIdentity.h"
-#include "ui/NumberText.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
 
@@ -15,17 +13,19 @@ using namespace Qt::StringLiterals;
 
 constexpr TextLine nameLine{0, 16};
 constexpr TextLine chipLine{17, 13};
+constexpr double partsGap = 12; ///< At least, after the chip's name.
 
 } // namespace
 
-PanelHeader::PanelHeader(QWidget *parent) : AccessibleWidget(parent)
+PanelHeader::PanelHeader(const QString &chipName, QWidget *parent)
+    : AccessibleWidget(parent),
+      m_chipName(singleLine(chipName))
 {
     setFixedHeight(static_cast<int>(chipLine.bottom()));
 }
 
-void PanelHeader::show(std::optional<double> watts)
+void PanelHeader::show(const PowerText &power)
 {
-    const QString power = wattsText(watts, 1);
     if (power == m_power)
         return;
     m_power = power;
@@ -35,8 +35,12 @@ void PanelHeader::show(std::optional<double> watts)
 
 std::vector<AccessibleText> PanelHeader::accessibleTexts() const
 {
-    return {{.value = u"Corvane on %1: %2 in all"_s.arg(SystemInfo::chipName(), m_power),
-             .place = rect()}};
+    QString text = u"Corvane on "_s + m_chipName;
+    if (!m_power.watts.isEmpty()) {
+        text += u": "_s + m_power.watts + u' '
+            + (m_power.parts.isEmpty() ? u"in all"_s : m_power.parts);
+    }
+    return {{.value = text, .place = rect()}};
 }
 
 void PanelHeader::paintEvent(QPaintEvent *)
@@ -46,11 +50,15 @@ void PanelHeader::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setPen(Theme::textPrimary);
     drawText(painter, QPointF(0, nameLine.baseline(nameFont)), u"Corvane"_s, nameFont);
-    painter.setPen(Theme::power);
-    drawTextRight(painter, QPointF(width(), nameLine.baseline(nameFont)), m_power, nameFont);
+    painter.setPen(m_power.color);
+    drawTextRight(painter, QPointF(width(), nameLine.baseline(nameFont)), m_power.watts, nameFont);
     painter.setPen(Theme::textTertiary);
-    drawText(painter, QPointF(0, chipLine.baseline(chipFont)),
-             elided(SystemInfo::chipName(), chipFont, width()), chipFont);
+    const double chipBaseline = chipLine.baseline(chipFont);
+    drawTextRight(painter, QPointF(width(), chipBaseline), m_power.parts, chipFont);
+    const double partsWidth =
+        m_power.parts.isEmpty() ? 0 : partsGap + textWidth(m_power.parts, chipFont);
+    drawText(painter, QPointF(0, chipBaseline), elided(m_chipName, chipFont, width() - partsWidth),
+             chipFont);
 }
 
 } // namespace corvane

@@ -1,20 +1,19 @@
 #pragma once
 
 #include "controls/AccessibleWidget.h"
-
-#include <optional>
+#include "ui/MetricText.h"
 
 namespace corvane {
 
-/// Top of the panel: the program's name, the chip's name below it, and the total power.
+/// Top of the panel: the program's name and the total power, below them the chip's name and what
+/// the power is the sum of, where that is not all.
 class PanelHeader : public AccessibleWidget {
     Q_OBJECT
 
 public:
-    explicit PanelHeader(QWidget *parent = nullptr);
+    explicit PanelHeader(const QString &chipName, QWidget *parent = nullptr);
 
-    /// `watts` is absent when a part of the total is denied.
-    void show(std::optional<double> watts);
+    void show(const PowerText &power);
 
     std::vector<AccessibleText> accessibleTexts() const override;
 
@@ -22,7 +21,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QString m_power;
+    const QString m_chipName;
+    PowerText m_power;
 };
 
 } // namespace corvane

@@ -27,6 +27,7 @@ void PanelRow::show(const MetricRow &row)
     if (row == m_row)
         return;
     m_row = row;
+    setFixedHeight(static_cast<int>((row.detail.isEmpty() ? valueLine : detailLine).bottom()));
     announceText(0);
     update();
 }

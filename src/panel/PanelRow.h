@@ -5,8 +5,8 @@
 
 namespace corvane {
 
-/// One metric of the panel: a dot in its colour, its title, its value and a detail below the value.
-/// The whole row is one accessible text.
+/// One metric of the panel: a dot in its colour, its title, its value and a detail below the value,
+/// without which it is one line high. The whole row is one accessible text.
 class PanelRow : public AccessibleWidget {
     Q_OBJECT
 

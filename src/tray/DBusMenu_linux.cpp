@@ -97,8 +97,10 @@ bool DBusMenu::AboutToShow(int id)
 {
     if (id != rootId)
         return false;
+    const uint revision = m_revision;
     refresh();
-    return sendChanges();
+    const bool haveChanged = sendChanges();
+    return haveChanged || m_revision != revision;
 }
 
 QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &unknown)

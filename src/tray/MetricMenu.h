@@ -21,7 +21,8 @@ private:
     void updateRows();
 
     MetricValues m_current = SystemMetrics::placeholder();
-    std::array<QAction *, 5> m_rows = {};
+    std::vector<QAction *> m_rows = {};
+    QAction *m_separator; ///< After the rows.
     int m_openings = 0; ///< Each aboutToShow opens the menu once more, each aboutToHide once less.
 };
 

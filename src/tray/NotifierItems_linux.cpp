@@ -18,11 +18,12 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The widest label that has to fit.
-const LabelNumbers &widestNumbers()
+/// The widest label of these quantities that has to fit.
+QString widestLabel(LabelNumbers numbers)
 {
-    static const LabelNumbers widest{{{.text = u"100"_s}, {.text = u"100"_s}, {.text = u"999W"_s}}};
-    return widest;
+    for (LabelNumber &number : numbers)
+        number.text = number.kind == LabelKind::power ? u"999W"_s : u"100"_s;
+    return inOneLine(numbers);
 }
 
 template <typename Paint>
@@ -48,15 +49,8 @@ NotifierItems::NotifierItems(const QString &busAddress, const TrayHost &host, QM
     m_settling.setSingleShot(true);
     m_settling.setInterval(waits.check);
     connect(&m_settling, &QTimer::timeout, this, &NotifierItems::settled);
-    if (host.form != LabelForm::squares) {
-        addItem(u"corvane"_s, u"Corvane"_s);
-    } else {
-        // Some desktops sort the items by title.
-        addItem(u"corvane-memory"_s, u"Corvane 1 Memory"_s);
-        addItem(u"corvane-gpu"_s, u"Corvane 2 GPU"_s);
-        addItem(u"corvane-power"_s, u"Corvane 3 Power"_s);
-    }
-    openConnections();
+    if (host.form != LabelForm::squares)
+        addItem(u"corvane"_s);
 }
 
 NotifierItems::~NotifierItems() = default;
@@ -64,58 +58,51 @@ NotifierItems::~NotifierItems() = default;
 void NotifierItems::show(const MetricValues &current)
 {
     const LabelNumbers numbers = labelNumbers(current);
-    for (Item &item : m_items) {
-        item.notifier->showToolTip(inWords(numbers));
-        updatePicture(item, numbers);
+    switch (m_host.form) {
+    case LabelForm::text:
+        showText(numbers);
+        break;
+    case LabelForm::widePicture:
+        showWidePicture(numbers);
+        break;
+    case LabelForm::squares:
+        showSquares(numbers);
+        break;
     }
+    for (const auto &item : m_items)
+        item->showToolTip(inWords(numbers));
     m_numbers = numbers;
-    if (m_isExported && m_registered == 0)
+    if (!m_isRegistering && m_registered < m_items.size())
         registerNext();
-}
-
-void NotifierItems::openConnections()
-{
-    constexpr auto retryInterval = std::chrono::seconds(3);
-    const auto open = [address = m_busAddress, count = m_items.size()] {
-        std::vector<QDBusConnection> connections;
-        for (std::size_t item = 0; item < count; ++item)
-            connections.push_back(openBus(address));
-        return connections;
-    };
-    const bool isTried =
-        runThenDeliver(this, open, [this](const std::vector<QDBusConnection> &connections) {
-            exportItems(connections);
-        });
-    if (!isTried)
-        QTimer::singleShot(retryInterval, this, &NotifierItems::openConnections);
-}
-
-void NotifierItems::exportItems(const std::vector<QDBusConnection> &connections)
-{
-    for (std::size_t item = 0; item < m_items.size(); ++item)
-        m_items[item].notifier->exportOver(connections[item]);
-    m_isExported = true;
-    registerNext();
 }
 
 bool NotifierItems::areInTray(const QStringList &listed) const
 {
-    return std::ranges::all_of(
-        m_items, [&listed](const Item &item) { return item.notifier->isInTray(listed); });
+    return std::ranges::all_of(m_items,
+                               [&listed](const auto &item) { return item->isInTray(listed); });
 }
 
-void NotifierItems::addItem(const QString &id, const QString &title)
+void NotifierItems::setItemCount(std::size_t count)
 {
-    Item item;
-    item.number = m_items.size();
-    item.notifier = std::make_unique<StatusNotifierItem>(id, title, m_menu, m_waits);
-    const StatusNotifierItem *notifier = item.notifier.get();
-    connect(notifier, &StatusNotifierItem::activated, this, &NotifierItems::activated);
-    connect(notifier, &StatusNotifierItem::secondaryActivated, this,
+    while (m_items.size() < count)
+        addItem(u"corvane-%1"_s.arg(m_items.size() + 1));
+    m_items.resize(count);
+    if (m_registered <= count)
+        return;
+    m_registered = count;
+    registerNext(); // The desktop may not have read the item that left.
+}
+
+/// An item's id never changes: desktops remember its place by it.
+void NotifierItems::addItem(const QString &id)
+{
+    m_items.push_back(std::make_unique<StatusNotifierItem>(id, m_menu, m_waits));
+    const StatusNotifierItem *item = m_items.back().get();
+    connect(item, &StatusNotifierItem::activated, this, &NotifierItems::activated);
+    connect(item, &StatusNotifierItem::secondaryActivated, this,
             &NotifierItems::secondaryActivated);
-    connect(notifier, &StatusNotifierItem::contextMenuRequested, this, &NotifierItems::popUpMenu);
-    connect(notifier, &StatusNotifierItem::settled, this, &NotifierItems::registerNext);
-    m_items.push_back(std::move(item));
+    connect(item, &StatusNotifierItem::contextMenuRequested, this, &NotifierItems::popUpMenu);
+    connect(item, &StatusNotifierItem::settled, this, &NotifierItems::registerNext);
 }
 
 void NotifierItems::popUpMenu(const QPoint &position)
@@ -129,31 +116,41 @@ void NotifierItems::popUpMenu(const QPoint &position)
     m_menu.popup(position);
 }
 
-void NotifierItems::updatePicture(Item &item, const LabelNumbers &numbers)
+void NotifierItems::showText(const LabelNumbers &numbers)
 {
-    const bool isFirst = m_registered == 0;
-    switch (m_host.form) {
-    case LabelForm::text:
-        if (isFirst)
-            item.notifier->showPictures([] { return inAllSizes(signPicture); });
-        item.notifier->showLabel(inOneLine(numbers), inOneLine(widestNumbers()));
-        break;
-    case LabelForm::widePicture:
-        if (isFirst || numbers != m_numbers)
-            item.notifier->showPictures([numbers] {
-                return inAllSizes([&](int pixels) { return widePicture(numbers, pixels); });
-            });
-        break;
-    case LabelForm::squares: {
-        const LabelNumber &number = numbers[item.number];
-        const auto position = static_cast<LabelPosition>(item.number);
-        if (isFirst || number != m_numbers[item.number])
-            item.notifier->showPictures([number, position] {
-                return inAllSizes(
-                    [&](int pixels) { return trayPicture(number, position, pixels); });
-            });
-        break;
-    }
+    StatusNotifierItem &item = *m_items.front();
+    item.showTitle(u"Corvane"_s);
+    if (m_numbers.empty())
+        item.showPictures([] { return inAllSizes(signPicture); });
+    item.showLabel(inOneLine(numbers), widestLabel(numbers));
+}
+
+void NotifierItems::showWidePicture(const LabelNumbers &numbers)
+{
+    StatusNotifierItem &item = *m_items.front();
+    item.showTitle(u"Corvane"_s);
+    if (numbers != m_numbers)
+        item.showPictures([numbers] {
+            return inAllSizes([&](int pixels) { return widePicture(numbers, pixels); });
+        });
+}
+
+void NotifierItems::showSquares(const LabelNumbers &numbers)
+{
+    const std::size_t count = numbers.size();
+    const std::size_t before = m_items.size();
+    setItemCount(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t place = m_host.order == ItemOrder::oldestLeft ? i : count - 1 - i;
+        const LabelNumber &number = numbers[place];
+        // Some desktops sort the items by title.
+        m_items[i]->showTitle(
+            u"Corvane %1 %2"_s.arg(QString::number(place + 1), labelName(number.kind)));
+        if (count == before && number == m_numbers[place])
+            continue;
+        m_items[i]->showPictures([number, position = LabelPosition{place, count}] {
+            return inAllSizes([&](int pixels) { return trayPicture(number, position, pixels); });
+        });
     }
 }
 
@@ -161,14 +158,31 @@ void NotifierItems::updatePicture(Item &item, const LabelNumbers &numbers)
 /// order.
 void NotifierItems::registerNext()
 {
-    if (m_registered == m_items.size()) {
+    if (m_isOpening)
+        return;
+    m_isRegistering = m_registered < m_items.size();
+    if (!m_isRegistering) {
         m_settling.start();
         return;
     }
-    const std::size_t next =
-        m_host.order == ItemOrder::oldestLeft ? m_registered : m_items.size() - 1 - m_registered;
+    constexpr auto retryInterval = std::chrono::seconds(3);
+    m_isOpening = runThenDeliver(
+        this, [address = m_busAddress] { return openBus(address); },
+        [this](const QDBusConnection &bus) { registerOver(bus); });
+    if (!m_isOpening)
+        QTimer::singleShot(retryInterval, this, &NotifierItems::registerNext);
+}
+
+void NotifierItems::registerOver(const QDBusConnection &bus)
+{
+    m_isOpening = false;
+    if (m_registered == m_items.size()) { // The item has left in the meantime.
+        registerNext();
+        return;
+    }
+    m_items[m_registered]->exportOver(bus);
+    m_items[m_registered]->registerAtWatcher();
     ++m_registered;
-    m_items[next].notifier->registerAtWatcher();
 }
 
 } // namespace corvane

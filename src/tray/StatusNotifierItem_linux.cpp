@@ -12,11 +12,10 @@ namespace corvane {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-StatusNotifierItem::StatusNotifierItem(const QString &id, const QString &title, QMenu &menu,
-                                       const TrayWaits &waits, QObject *parent)
+StatusNotifierItem::StatusNotifierItem(const QString &id, QMenu &menu, const TrayWaits &waits,
+                                       QObject *parent)
     : QObject(parent),
       m_id(id),
-      m_title(title),
       m_bus(QString()),
       m_menu(menu),
       m_waits(waits)
@@ -34,6 +33,14 @@ void StatusNotifierItem::exportOver(const QDBusConnection &bus)
     m_bus = bus;
     m_bus.registerObject(m_menuPath.path(), &m_menu, QDBusConnection::ExportScriptableContents);
     m_bus.registerObject(u"/StatusNotifierItem"_s, this, QDBusConnection::ExportScriptableContents);
+}
+
+void StatusNotifierItem::showTitle(const QString &title)
+{
+    if (title == m_title)
+        return;
+    m_title = title;
+    emit NewTitle();
 }
 
 void StatusNotifierItem::showPictures(Pictures pictures)

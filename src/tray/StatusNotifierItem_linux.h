@@ -24,7 +24,7 @@ class StatusNotifierItem : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")
     Q_PROPERTY(QString Category MEMBER m_category CONSTANT)
     Q_PROPERTY(QString Id MEMBER m_id CONSTANT)
-    Q_PROPERTY(QString Title MEMBER m_title CONSTANT)
+    Q_PROPERTY(QString Title READ title)
     Q_PROPERTY(QString Status MEMBER m_status CONSTANT)
     Q_PROPERTY(int WindowId MEMBER m_windowId CONSTANT)
     Q_PROPERTY(QString IconThemePath MEMBER m_none CONSTANT)
@@ -46,12 +46,15 @@ public:
     using Pictures = std::function<QList<QImage>()>;
 
     /// `id` has to be the same in every run: desktops remember an item's place by it.
-    StatusNotifierItem(const QString &id, const QString &title, QMenu &menu, const TrayWaits &waits,
+    StatusNotifierItem(const QString &id, QMenu &menu, const TrayWaits &waits,
                        QObject *parent = nullptr);
     ~StatusNotifierItem() override;
 
     /// Exports the item over a connection of its own. Called once, before the registration.
     void exportOver(const QDBusConnection &bus);
+
+    /// The item's name in lists of items, by which some desktops sort them.
+    void showTitle(const QString &title);
 
     /// `pictures` paints the icon in all sizes; called at the desktop's first request.
     void showPictures(Pictures pictures);
@@ -93,6 +96,7 @@ signals:
 
 private:
     StatusNotifierPixmaps iconPixmaps();
+    QString title() const { return m_title; }
     QString description() const { return m_toolTip; }
     StatusNotifierToolTip toolTip() const;
 
@@ -105,7 +109,7 @@ private:
     const QDBusObjectPath m_menuPath{QStringLiteral("/MenuBar")};
 
     const QString m_id;
-    const QString m_title;
+    QString m_title;
     QString m_toolTip;
     QString m_label;
     QString m_widestLabel;

@@ -1,51 +1,50 @@
 #include "tray/TrayIcons_linux.h"
 
 #include "threads/MainThread.h"
+#include "tray/TrayPicture.h"
 
 #include <QSystemTrayIcon>
 
 namespace corvane {
 
-TrayIcons::TrayIcons(QMenu &menu, QObject *parent) : QObject(parent)
+TrayIcons::TrayIcons(QMenu &menu, QObject *parent) : QObject(parent), m_menu(menu)
 {
     assertMainThread();
-    for (const auto position : {LabelPosition::left, LabelPosition::middle, LabelPosition::right})
-        addItem(position, menu);
-    show(SystemMetrics::placeholder());
-    for (const Item &item : m_items)
-        item.icon->show();
 }
 
 TrayIcons::~TrayIcons() = default;
 
 void TrayIcons::show(const MetricValues &current)
 {
-    const auto numbers = labelNumbers(current);
-    const QString toolTip = inWords(numbers);
-    for (std::size_t index = 0; index < numbers.size(); ++index) {
-        Item &item = m_items[index];
-        if (toolTip != m_toolTip)
-            item.icon->setToolTip(toolTip);
-        if (item.number == numbers[index])
-            continue;
-        item.number = numbers[index];
-        item.icon->setIcon(trayIcon(item.number, item.position));
+    const LabelNumbers numbers = labelNumbers(current);
+    if (numbers == m_numbers)
+        return;
+    const std::size_t before = m_icons.size();
+    while (m_icons.size() < numbers.size())
+        addIcon();
+    m_icons.resize(numbers.size());
+    for (std::size_t place = 0; place < numbers.size(); ++place) {
+        QSystemTrayIcon &icon = *m_icons[place];
+        icon.setToolTip(inWords(numbers));
+        if (numbers.size() != before || numbers[place] != m_numbers[place])
+            icon.setIcon(trayIcon(numbers[place], {place, numbers.size()}));
+        icon.show();
     }
-    m_toolTip = toolTip;
+    m_numbers = numbers;
 }
 
-void TrayIcons::addItem(LabelPosition position, QMenu &menu)
+void TrayIcons::addIcon()
 {
-    Item item{.position = position, .icon = std::make_unique<QSystemTrayIcon>()};
-    item.icon->setContextMenu(&menu);
-    connect(item.icon.get(), &QSystemTrayIcon::activated, this,
+    auto icon = std::make_unique<QSystemTrayIcon>();
+    icon->setContextMenu(&m_menu);
+    connect(icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::MiddleClick)
                     emit secondaryActivated();
                 else if (reason != QSystemTrayIcon::Context)
                     emit activated();
             });
-    m_items.push_back(std::move(item));
+    m_icons.push_back(std::move(icon));
 }
 
 } // namespace corvane

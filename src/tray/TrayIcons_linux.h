@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tray/TrayPicture.h"
 #include "ui/MetricText.h"
 
 #include <QObject>
@@ -13,10 +12,11 @@ class QSystemTrayIcon;
 
 namespace corvane {
 
-/// The label as three square icons, one number each, for X11's older tray protocol (XEmbed), which
-/// shows only square icons. Owned by the label, whose menu all icons share and which outlives them;
-/// main thread. An icon is drawn again only when its text changed. The icons appear as soon as such
-/// a tray exists.
+/// The label as square icons, one number each, for X11's older tray protocol (XEmbed), which shows
+/// only square icons. Owned by the label, whose menu all icons share and which outlives them; main
+/// thread. An icon is drawn again only when its text changed, and belongs to a place in the bar:
+/// the rightmost comes and goes with the count of numbers. The icons appear as soon as such a tray
+/// exists.
 class TrayIcons : public QObject {
     Q_OBJECT
 
@@ -31,15 +31,11 @@ signals:
     void secondaryActivated();
 
 private:
-    struct Item {
-        LabelPosition position;
-        LabelNumber number = {};
-        std::unique_ptr<QSystemTrayIcon> icon;
-    };
-    void addItem(LabelPosition position, QMenu &menu);
+    void addIcon();
 
-    std::vector<Item> m_items; ///< Memory, GPU, power.
-    QString m_toolTip;
+    QMenu &m_menu;
+    std::vector<std::unique_ptr<QSystemTrayIcon>> m_icons; ///< From left to right.
+    LabelNumbers m_numbers = {};                           ///< Shown now.
 };
 
 } // namespace corvane

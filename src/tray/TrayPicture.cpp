@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <tuple>
+#include <vector>
 
 namespace corvane {
 
@@ -25,20 +27,19 @@ constexpr double borderWidth = 1;
 constexpr double numberSize = 13; ///< Smaller where the number would be too wide.
 constexpr double numberRoom = 20;
 constexpr double numberMiddle = 9.6; ///< Above the centre, since the mark stands below it.
-constexpr QSizeF markSize(4, 2);
 constexpr double markTop = 17;
+constexpr double markHeight = 2;
+constexpr double markStart = 4; ///< Left end of the first item's mark.
+constexpr double markEnd = 18;  ///< Right end of the last item's.
 
-double markLeft(LabelPosition position)
+/// The marks of one to three items are 4 wide; more would run into one another.
+QRectF markOf(const LabelPosition &position)
 {
-    switch (position) {
-    case LabelPosition::left:
-        return 4;
-    case LabelPosition::middle:
-        return 9;
-    case LabelPosition::right:
-        break;
-    }
-    return 14;
+    const double width = position.count > 3 ? 3 : 4;
+    const double share = position.count > 1
+        ? static_cast<double>(position.index) / static_cast<double>(position.count - 1)
+        : 0;
+    return {markStart + share * (markEnd - width - markStart), markTop, width, markHeight};
 }
 
 void paintPlate(QPainter &painter, double width, double height)
@@ -71,11 +72,6 @@ void paintNumber(QPainter &painter, const LabelNumber &number, double scale)
     drawText(painter, QPointF(left, baseline), text, font, Digits::proportional);
 }
 
-void paintMark(QPainter &painter, const QColor &color, LabelPosition position)
-{
-    fillRounded(painter, QRectF(QPointF(markLeft(position), markTop), markSize), 1, color);
-}
-
 QImage emptyPicture(int width, int height)
 {
     QImage picture(width, height, QImage::Format_ARGB32_Premultiplied);
@@ -95,7 +91,7 @@ QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixels / side, pixels / side);
     paintPlate(painter, side, side);
-    paintMark(painter, color, position);
+    fillRounded(painter, markOf(position), 1, color);
     return square;
 }
 
@@ -104,6 +100,12 @@ constexpr double wideHeight = 18;
 constexpr double widePadding = 5;
 constexpr double wideGap = 5;
 constexpr double wideNumberSize = 12;
+
+/// Room for two digits, and for the unit of watts.
+double leastWidth(const LabelNumber &number, const QFont &font)
+{
+    return textWidth(number.text.endsWith(u'W') ? u"00W"_s : u"00"_s, font);
+}
 
 } // namespace
 
@@ -128,14 +130,12 @@ QImage widePicture(const LabelNumbers &numbers, int pixels)
     const double scale = pixels / wideHeight;
     QFont font = Theme::systemFont(1, QFont::Bold);
     font.setPixelSize(qRound(wideNumberSize * scale));
-    const double twoDigits = textWidth(u"00"_s, font);
-    const double unit = textWidth(u"W"_s, font);
-    std::array<double, 3> widths = {twoDigits, twoDigits, twoDigits + unit};
-    double width = 2 * (widePadding + wideGap) * scale;
-    for (std::size_t index = 0; index < numbers.size(); ++index) {
-        widths[index] = std::max(widths[index], textWidth(numbers[index].text, font));
-        width += widths[index];
-    }
+    std::vector<double> widths;
+    for (const LabelNumber &number : numbers)
+        widths.push_back(std::max(leastWidth(number, font), textWidth(number.text, font)));
+    const double gaps = wideGap * static_cast<double>(numbers.size() - 1);
+    const double width =
+        std::accumulate(widths.begin(), widths.end(), (2 * widePadding + gaps) * scale);
 
     QImage picture = emptyPicture(static_cast<int>(std::ceil(width)), pixels);
     QPainter painter(&picture);

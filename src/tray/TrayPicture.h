@@ -6,12 +6,18 @@
 #include <QImage>
 
 #include <array>
+#include <compare>
 
 namespace corvane {
 
-/// The place of a square item among the label's three. A mark below the number shows it, so that
-/// the items can be distinguished without colour.
-enum class LabelPosition { left, middle, right };
+/// The place of a square item among the label's. A mark below the number shows it, so that the
+/// items can be distinguished without colour.
+struct LabelPosition {
+    std::size_t index = 0; ///< From the left.
+    std::size_t count = 1;
+
+    friend auto operator<=>(const LabelPosition &, const LabelPosition &) = default;
+};
 
 /// One number of the label as a square of `pixels` a side, on a dark plate that makes it readable
 /// on light and dark bars. Watts of three and more digits are shown without their unit.
@@ -20,7 +26,7 @@ QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels
 /// The same picture in all sizes of `trayPictureSizes`.
 QIcon trayIcon(const LabelNumber &number, LabelPosition position);
 
-/// All three numbers side by side on one plate, `pixels` high. Each number has room for two digits,
+/// All numbers side by side on one plate, `pixels` high. Each number has room for two digits,
 /// so that the width changes only when a number has three.
 QImage widePicture(const LabelNumbers &numbers, int pixels);
 

@@ -53,4 +53,11 @@ QString celsiusText(double celsius)
     return fixedText(celsius, 0) + u"\u00B0C"_s;
 }
 
+QString frequencyText(double megahertz)
+{
+    if (megahertz >= 1000)
+        return fixedText(megahertz / 1000, 2) + u" GHz"_s;
+    return fixedText(megahertz, 0) + u" MHz"_s;
+}
+
 } // namespace corvane

@@ -14,6 +14,7 @@ QString spacedPercentText(std::optional<double> percent);                ///< "7
 QString wattsText(std::optional<double> watts, int fractionDigits);      ///< "16.69 W"
 QString tightWattsText(std::optional<double> watts, int fractionDigits); ///< "49.7W"
 QString celsiusText(double celsius);                                     ///< "74°C"
+QString frequencyText(double megahertz);                                 ///< "3.27 GHz", "996 MHz"
 
 /// `number` with that many fraction digits.
 QString fixedText(double number, int fractionDigits);

@@ -109,7 +109,7 @@ QImage rendered(std::size_t index, int value)
         labelNumbers(SystemMetrics{.memory = {.total = 100, .used = static_cast<quint64>(value)},
                                    .chip = ChipReading{.cpuWatts = static_cast<double>(value),
                                                        .gpuActiveFraction = (value + 0.5) / 100}});
-    return trayPicture(numbers[index], static_cast<LabelPosition>(index), itemSize);
+    return trayPicture(numbers[index], {index, numbers.size()}, itemSize);
 }
 
 /// The number up to `highest` whose picture is most similar to the item on the screen; absent if

@@ -16,10 +16,13 @@
 #include "controls/InfoPopover.h"
 #include "dashboard/MainWindow.h"
 #include "gallery/ScriptedSamples.h"
+#include "gallery/ShownMachines.h"
 #include "login/LaunchAtLoginManager.h"
+#include "panel/MenuBarContent.h"
 #include "settings/SettingsWindow.h"
 #include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
+#include "tray/TrayPicture.h"
 #include "ui/Theme.h"
 #include "updates/UpdaterManager.h"
 
@@ -230,6 +233,95 @@ bool about(const Gallery &gallery)
     return gallery.save(mac, u"about-mac"_s) && good;
 }
 
+/// The panel on this machine, as it opens.
+bool panel(const Gallery &gallery, const QString &name, const ShownMachine &machine)
+{
+    MenuBarContent content(secondsSinceBoot, nullptr, machine.chipName);
+    content.show(machine.sample);
+    return gallery.save(content, name);
+}
+
+bool panels(const Gallery &gallery)
+{
+    bool good = panel(gallery, u"panel"_s, {.chipName = chip.name, .sample = scriptedCurrent()});
+    good &= panel(gallery, u"linux-panel-nvidia"_s, oneCard());
+    good &= panel(gallery, u"linux-panel-apu"_s, apuWithNPU());
+    good &= panel(gallery, u"linux-panel-workstation-4"_s, fourCards());
+    good &= panel(gallery, u"linux-panel-asleep"_s, cardAsleep());
+    good &= panel(gallery, u"linux-panel-integrated"_s, integratedAlone());
+    return panel(gallery, u"linux-panel-vm"_s, virtualMachine()) && good;
+}
+
+/// The label as a wide picture and as squares, on a dark and on a light bar, a row for each
+/// machine.
+class Labels : public QWidget {
+public:
+    explicit Labels(const QList<ShownMachine> &machines) : m_machines(machines)
+    {
+        resize(760, 10 + rowHeight * static_cast<int>(machines.size()));
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), QColor(46, 56, 76));
+        double top = 10;
+        for (const ShownMachine &machine : m_machines) {
+            const LabelNumbers numbers = labelNumbers(machine.sample);
+            double left = 20;
+            for (const QColor &bar : {QColor(28, 30, 36), QColor(236, 237, 241)}) {
+                painter.fillRect(QRectF(left, top, 171, 30), bar);
+                painter.fillRect(QRectF(left + 366, top, 171, 30), bar);
+                paintWide(painter, numbers, QPointF(left + 161, top + 6));
+                paintSquares(painter, numbers, QPointF(left + 366 + 161, top + 4));
+                left += 183;
+            }
+            top += rowHeight;
+        }
+    }
+
+private:
+    static constexpr int rowHeight = 40;
+    static constexpr int wideHeight = 18;
+    static constexpr int side = 22;
+
+    /// Paints it in device pixels, to the left of that corner.
+    void paintRight(QPainter &painter, QImage picture, const QPointF &topRight) const
+    {
+        picture.setDevicePixelRatio(devicePixelRatio());
+        painter.drawImage(topRight - QPointF(picture.deviceIndependentSize().width(), 0), picture);
+    }
+
+    void paintWide(QPainter &painter, const LabelNumbers &numbers, const QPointF &topRight) const
+    {
+        paintRight(painter, widePicture(numbers, qRound(wideHeight * devicePixelRatio())),
+                   topRight);
+    }
+
+    void paintSquares(QPainter &painter, const LabelNumbers &numbers, QPointF topRight) const
+    {
+        for (std::size_t place = numbers.size(); place-- > 0;) {
+            paintRight(painter,
+                       trayPicture(numbers[place], {place, numbers.size()},
+                                   qRound(side * devicePixelRatio())),
+                       topRight);
+            topRight.rx() -= side + 2;
+        }
+    }
+
+    QList<ShownMachine> m_machines;
+};
+
+bool labels(const Gallery &gallery)
+{
+    Labels mac({{.sample = scriptedCurrent()}});
+    Labels linuxMachines(
+        {oneCard(), apuWithNPU(), fourCards(), cardAsleep(), integratedAlone(), virtualMachine()});
+    const bool good = gallery.save(mac, u"labels"_s);
+    return gallery.save(linuxMachines, u"linux-labels"_s) && good;
+}
+
 int renderAll(const QDir &folder, const QString &scale)
 {
     const Gallery gallery(folder, scale);
@@ -239,6 +331,8 @@ int renderAll(const QDir &folder, const QString &scale)
     good &= cards(gallery);
     good &= settings(gallery);
     good &= about(gallery);
+    good &= panels(gallery);
+    good &= labels(gallery);
     return good ? 0 : 1;
 }
 

@@ -1,1 +1,1 @@
-corvane_test(panel/tst_MenuBarContent)
+corvane_test(panel/tst_MenuBarContent LINK corvane_scripted_samples)

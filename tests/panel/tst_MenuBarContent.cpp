@@ -2,6 +2,7 @@
 
 #include "chip/ChipIdentity.h"
 #include "controls/PanelButton.h"
+#include "gallery/ShownMachines.h"
 #include "panel/PanelHeader.h"
 #include "panel/PanelRow.h"
 #include "support/Rendering.h"
@@ -57,6 +58,13 @@ private slots:
     void maskFollowsTheRoundCorners();
     void everyRowIsAccessible();
     void headerNamesChipAndPower();
+    void isAsHighAsTheMachinesRows_data();
+    void isAsHighAsTheMachinesRows();
+    void headerSaysWhatTheMachinesPowerIs_data();
+    void headerSaysWhatTheMachinesPowerIs();
+    void aLongChipNameEndsBeforeThePartsOfThePower();
+    void rowsComeAndGoWhileItIsOpen();
+    void staysAtItsBarWhenItGrows();
     void isCreatedWhenFirstOpened();
     void updatesWhileOpen();
     void equalNumbersCauseNoRepaint();
@@ -200,6 +208,105 @@ void TestMenuBarContent::headerNamesChipAndPower()
     const QString name = panel.findChild<PanelHeader *>()->accessibleTexts().front().value;
     QVERIFY(name.contains(SystemInfo::chipName()));
     QVERIFY(name.contains(u"0.3 W"_s));
+}
+
+void TestMenuBarContent::isAsHighAsTheMachinesRows_data()
+{
+    QTest::addColumn<SystemMetrics>("current");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<int>("height");
+    const auto withSwap = [](const ShownMachine &machine) {
+        SystemMetrics current = machine.sample;
+        current.memory.swapTotal = quint64(8) << 30;
+        return current;
+    };
+    QTest::newRow("a whole chip") << busySample() << 5 << 296;
+    QTest::newRow("one graphics card") << oneCard().sample << 5 << 296;
+    QTest::newRow("six rows") << apuWithNPU().sample << 6 << 332;
+    QTest::newRow("four cards, no swap") << fourCards().sample << 5 << 283;
+    QTest::newRow("four cards and swap") << withSwap(fourCards()) << 5 << 296;
+    QTest::newRow("a card asleep") << cardAsleep().sample << 5 << 296;
+    QTest::newRow("an integrated GPU") << integratedAlone().sample << 4 << 260;
+    QTest::newRow("a virtual machine") << virtualMachine().sample << 3 << 211;
+    QTest::newRow("a virtual machine with swap") << withSwap(virtualMachine()) << 3 << 224;
+}
+
+void TestMenuBarContent::isAsHighAsTheMachinesRows()
+{
+    QFETCH(SystemMetrics, current);
+    MenuBarContent panel;
+    panel.show(current);
+    panel.toggleAt({400, 10});
+    QTEST(static_cast<int>(textsOfRows(panel).size()), "rows");
+    QTEST(panel.height(), "height");
+    const auto rows = panel.findChildren<PanelRow *>();
+    for (int row = 0; row < rows.size(); ++row)
+        QCOMPARE(rows[row]->y(), 63 + 36 * row);
+    QCOMPARE(panel.findChildren<PanelButton *>()[0]->geometry().bottom() + 1, panel.height() - 12);
+}
+
+void TestMenuBarContent::headerSaysWhatTheMachinesPowerIs_data()
+{
+    QTest::addColumn<SystemMetrics>("current");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("a whole chip") << busySample() << u"Corvane on Chip: 0.3 W in all"_s;
+    QTest::newRow("one card") << oneCard().sample << u"Corvane on Chip: 318.4 W GPU only"_s;
+    QTest::newRow("all parts") << fourCards().sample << u"Corvane on Chip: 835.5 W in all"_s;
+    QTest::newRow("a card asleep")
+        << cardAsleep().sample << u"Corvane on Chip: – nothing to read"_s;
+    QTest::newRow("no watts, no number") << virtualMachine().sample << u"Corvane on Chip"_s;
+}
+
+void TestMenuBarContent::headerSaysWhatTheMachinesPowerIs()
+{
+    QFETCH(SystemMetrics, current);
+    MenuBarContent panel(secondsSinceBoot, nullptr, u"Chip"_s);
+    panel.show(current);
+    panel.toggleAt({400, 10});
+    QTEST(panel.findChild<PanelHeader *>()->accessibleTexts().front().value, "expected");
+}
+
+void TestMenuBarContent::aLongChipNameEndsBeforeThePartsOfThePower()
+{
+    const auto pictureOf = [](const QString &chipName) {
+        MenuBarContent panel(secondsSinceBoot, nullptr, chipName);
+        panel.show(oneCard().sample);
+        panel.toggleAt({400, 10});
+        return rendered(*panel.findChild<PanelHeader *>(), 2);
+    };
+    const QImage none = pictureOf(QString());
+    const QImage longest = pictureOf(QString(200, u'M'));
+    QVERIFY(none != longest);
+    const QRect parts(none.width() - 2 * 45, 0, 2 * 45, none.height());
+    QCOMPARE(longest.copy(parts), none.copy(parts));
+}
+
+void TestMenuBarContent::rowsComeAndGoWhileItIsOpen()
+{
+    MenuBarContent panel;
+    panel.show(virtualMachine().sample);
+    panel.toggleAt({400, 10});
+    QCOMPARE(panel.height(), 211);
+    panel.show(apuWithNPU().sample);
+    QCOMPARE(panel.height(), 332);
+    QCOMPARE(textsOfRows(panel).at(4), u"NPU: 17 %, 1.35 W"_s);
+    panel.show(virtualMachine().sample);
+    QCOMPARE(panel.height(), 211);
+    QCOMPARE(textsOfRows(panel).size(), 3);
+    QCOMPARE(panel.pos(), QPoint(260, 14));
+}
+
+/// Above a bar at the lower edge of the screen it grows upwards.
+void TestMenuBarContent::staysAtItsBarWhenItGrows()
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    MenuBarContent panel;
+    panel.show(virtualMachine().sample);
+    panel.toggleAt({400, screen.bottom() - 10});
+    const int bottom = panel.geometry().bottom();
+    panel.show(oneCard().sample);
+    QCOMPARE(panel.height(), 296);
+    QCOMPARE(panel.geometry().bottom(), bottom);
 }
 
 /// A panel that is never opened creates nothing, and a closed one is not updated.

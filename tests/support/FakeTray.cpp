@@ -1,6 +1,7 @@
 #include "support/FakeTray.h"
 #include "support/Waiting.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QTest>
@@ -98,7 +99,9 @@ void FakeTray::RegisterStatusNotifierItem(const QString &item)
 
 void FakeTray::take(const QString &item, int number)
 {
-    if (number < m_firstLost || number >= m_firstLost + m_lost) {
+    const bool isLost = number >= m_firstLost && number < m_firstLost + m_lost;
+    const bool isThere = m_bus.interface()->isServiceRegistered(item); // It may have left since.
+    if (isThere && !isLost) {
         m_items.append(item);
         m_nameWatcher.addWatchedService(item);
     }

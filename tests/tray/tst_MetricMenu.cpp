@@ -1,9 +1,12 @@
 #include "tray/MetricMenu.h"
 
+#include "gallery/ShownMachines.h"
+
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -11,6 +14,15 @@ namespace {
 SystemMetrics withGPU(double fraction)
 {
     return {.chip = ChipReading{.gpuActiveFraction = fraction}};
+}
+
+/// Up to the colon; a dash for a separator.
+QStringList titlesOf(const QMenu &menu)
+{
+    QStringList titles;
+    for (const QAction *action : menu.actions())
+        titles.append(action->isSeparator() ? u"-"_s : action->text().section(u':', 0, 0));
+    return titles;
 }
 
 } // namespace
@@ -23,6 +35,7 @@ private slots:
     void rowsDoNotChangeWhileItIsClosed();
     void rowsFollowWhileItIsOpen();
     void rowsFollowUntilItIsClosedEverywhere();
+    void rowsComeAndGoWithTheMachinesParts();
 };
 
 void TestMetricMenu::showsFiveRowsAndTheCommands()
@@ -30,10 +43,7 @@ void TestMetricMenu::showsFiveRowsAndTheCommands()
     QAction openWindow(u"Open Window"_s);
     QAction quit(u"Quit"_s);
     const MetricMenu menu({&openWindow, &quit});
-    QStringList texts;
-    for (const QAction *action : menu.actions())
-        texts.append(action->isSeparator() ? u"-"_s : action->text().section(u':', 0, 0));
-    QCOMPARE(texts,
+    QCOMPARE(titlesOf(menu),
              (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s, u"ANE"_s, u"Swap"_s, u"-"_s,
                           u"Open Window"_s, u"Quit"_s}));
 }
@@ -77,6 +87,23 @@ void TestMetricMenu::rowsFollowUntilItIsClosedEverywhere()
     emit menu.aboutToHide();
     menu.show(withGPU(0.75));
     QCOMPARE(menu.actions().at(1)->text(), u"GPU: 25 %, 0.00 W"_s);
+}
+
+void TestMetricMenu::rowsComeAndGoWithTheMachinesParts()
+{
+    QAction quit(u"Quit"_s);
+    MetricMenu menu({&quit});
+    emit menu.aboutToShow();
+    menu.show(virtualMachine().sample);
+    QCOMPARE(titlesOf(menu), (QStringList{u"Memory"_s, u"CPU"_s, u"Swap"_s, u"-"_s, u"Quit"_s}));
+    menu.show(apuWithNPU().sample);
+    QCOMPARE(titlesOf(menu),
+             (QStringList{u"Memory"_s, u"GPU Memory"_s, u"GPU"_s, u"CPU"_s, u"NPU"_s, u"Swap"_s,
+                          u"-"_s, u"Quit"_s}));
+    for (int row = 0; row < 6; ++row)
+        QVERIFY(!menu.actions().at(row)->isEnabled());
+    menu.show(oneCard().sample);
+    QCOMPARE(menu.actions().at(1)->text(), u"VRAM: 21.59 GB / 23.99 GB, 90 %"_s);
 }
 
 QTEST_MAIN(TestMetricMenu)

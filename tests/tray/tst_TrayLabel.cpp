@@ -1,11 +1,13 @@
 #include "tray/TrayLabel.h"
 
+#include "gallery/ShownMachines.h"
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
 #include "support/Waiting.h"
 #include "tray/DBusMenuTypes_linux.h"
 #include "tray/StatusNotifierTypes_linux.h"
+#include "ui/MetricText.h"
 
 #include <QAction>
 #include <QApplication>
@@ -59,7 +61,8 @@ private:
     QDBusConnection m_bus;
 };
 
-const QStringList squareIds{u"corvane-memory"_s, u"corvane-gpu"_s, u"corvane-power"_s};
+/// In the order of registration.
+const QStringList squareIds{u"corvane-1"_s, u"corvane-2"_s, u"corvane-3"_s};
 
 } // namespace
 
@@ -88,6 +91,13 @@ private slots:
     void aChangingTextSendsTheText();
     void menuRowsAreSentOnlyWhileOpen();
     void menuRowsAreSentByTheItemsWhoseMenuIsOpen();
+    void takesTheFormOfTheMachine_data();
+    void takesTheFormOfTheMachine();
+    void squaresComeAndGoAtTheEndOfTheBar_data();
+    void squaresComeAndGoAtTheEndOfTheBar();
+    void squaresThatLeaveWhileTheyRegisterHoldUpNothing();
+    void textAndWidePictureFollowTheMachine();
+    void menuRowsFollowTheMachine();
     void appearsInATrayThatStartsLate();
     void returnsToATrayThatRestarts();
     void takesAnotherFormForAnotherTray();
@@ -112,6 +122,7 @@ private:
     void waitForTheCheck();
     QStringList membersSince(BusMonitor &monitor);
     QStringList ids();
+    QStringList titles();
     QString text(const QString &name, int item = 0);
     StatusNotifierPixmaps pictures(int item = 0);
     void callItem(const QString &method, const QVariantList &arguments);
@@ -183,6 +194,15 @@ QStringList TestTrayLabel::ids()
     return ids;
 }
 
+/// In the order of their registration.
+QStringList TestTrayLabel::titles()
+{
+    QStringList titles;
+    for (int item = 0; item < m_tray->items().size(); ++item)
+        titles.append(text(u"Title"_s, item));
+    return titles;
+}
+
 QString TestTrayLabel::text(const QString &name, int item)
 {
     return m_tray->property(m_tray->items().value(item), name).toString();
@@ -234,22 +254,27 @@ QStringList TestTrayLabel::menuTexts()
 void TestTrayLabel::takesTheFormOfTheHost_data()
 {
     const QStringList one{u"corvane"_s};
-    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
+    const QStringList fromTheLeft{u"Corvane 1 Memory"_s, u"Corvane 2 GPU"_s, u"Corvane 3 Power"_s};
+    const QStringList fromTheRight{fromTheLeft[2], fromTheLeft[1], fromTheLeft[0]};
     QTest::addColumn<QByteArray>("program");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("GNOME: one item") << "gnome-shell"_ba << one;
-    QTest::newRow("a bar that keeps proportions: one item") << "waybar"_ba << one;
-    QTest::newRow("Plasma: three squares") << "kded6"_ba << squareIds;
-    QTest::newRow("LXQt: three squares") << "lxqt-panel"_ba << squareIds;
-    QTest::newRow("a tray that puts new items first") << "panel-6-systray"_ba << reversed;
-    QTest::newRow("a tray that nobody knows") << "my-own-bar"_ba << squareIds;
+    QTest::addColumn<QStringList>("expectedIds");
+    QTest::addColumn<QStringList>("expectedTitles");
+    const QStringList name{u"Corvane"_s};
+    QTest::newRow("GNOME: one item") << "gnome-shell"_ba << one << name;
+    QTest::newRow("a bar that keeps proportions: one item") << "waybar"_ba << one << name;
+    QTest::newRow("Plasma: three squares") << "kded6"_ba << squareIds << fromTheLeft;
+    QTest::newRow("LXQt: three squares") << "lxqt-panel"_ba << squareIds << fromTheLeft;
+    QTest::newRow("a tray that puts new items first")
+        << "panel-6-systray"_ba << squareIds << fromTheRight;
+    QTest::newRow("a tray that nobody knows") << "my-own-bar"_ba << squareIds << fromTheLeft;
 }
 
 void TestTrayLabel::takesTheFormOfTheHost()
 {
     QFETCH(QByteArray, program);
     startTray(program.constData());
-    QTEST(ids(), "expected");
+    QTEST(ids(), "expectedIds");
+    QTEST(titles(), "expectedTitles");
     QVERIFY(m_label->isAvailable());
 }
 
@@ -472,6 +497,144 @@ void TestTrayLabel::menuRowsAreSentByTheItemsWhoseMenuIsOpen()
     QCOMPARE(updatesAfter(4), QStringList());
 }
 
+void TestTrayLabel::takesTheFormOfTheMachine_data()
+{
+    QTest::addColumn<SystemMetrics>("current");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("a graphics card: four numbers")
+        << oneCard().sample
+        << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 VRAM"_s, u"Corvane 3 GPU"_s,
+                       u"Corvane 4 Power"_s};
+    QTest::newRow("an integrated GPU: three numbers")
+        << integratedAlone().sample
+        << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 GPU"_s, u"Corvane 3 CPU"_s};
+    QTest::newRow("a virtual machine: two numbers")
+        << virtualMachine().sample << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 CPU"_s};
+}
+
+/// Only the items of the machine's own numbers are ever registered.
+void TestTrayLabel::takesTheFormOfTheMachine()
+{
+    QFETCH(SystemMetrics, current);
+    QFETCH(QStringList, expected);
+    m_label->show(current);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "kded6");
+    TRY_COMPARE(m_tray->items().size(), expected.size());
+    waitForTheCheck();
+    QCOMPARE(titles(), expected);
+    QCOMPARE(m_tray->registrations(), expected.size());
+    QCOMPARE(text(u"IconAccessibleDesc"_s), inWords(labelNumbers(current)));
+}
+
+void TestTrayLabel::squaresComeAndGoAtTheEndOfTheBar_data()
+{
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<bool>("newestIsLeft");
+    QTest::newRow("a tray that puts new items last") << "lxqt-panel"_ba << false;
+    QTest::newRow("a tray that puts new items first") << "panel-6-systray"_ba << true;
+}
+
+/// A card is plugged in and unplugged: the items that stay keep their places in the bar.
+void TestTrayLabel::squaresComeAndGoAtTheEndOfTheBar()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(bool, newestIsLeft);
+    const auto fromTheLeft = [&] {
+        QStringList names;
+        for (const QString &title : titles()) {
+            const QString name = title.section(u' ', 2);
+            newestIsLeft ? names.prepend(name) : names.append(name);
+        }
+        return names;
+    };
+    m_label->show(integratedAlone().sample);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), program.constData());
+    TRY_COMPARE(m_tray->items().size(), 3);
+    waitForTheCheck();
+    const QStringList three = m_tray->items();
+    QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s}));
+
+    m_label->show(oneCard().sample);
+    TRY_COMPARE(m_tray->items().size(), 4);
+    TRY_COMPARE(m_tray->listings(), 2);
+    QCOMPARE(m_tray->items().first(3), three);
+    QCOMPARE(m_tray->registrations(), 4);
+    QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"VRAM"_s, u"GPU"_s, u"Power"_s}));
+
+    m_label->show(integratedAlone().sample);
+    TRY_COMPARE(m_tray->items().size(), 3);
+    QCOMPARE(m_tray->items(), three);
+    QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s}));
+    m_label->show(virtualMachine().sample);
+    TRY_COMPARE(m_tray->items().size(), 2);
+    QCOMPARE(m_tray->items(), three.first(2));
+    QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"CPU"_s}));
+    QCOMPARE(m_tray->registrations(), 4);
+}
+
+void TestTrayLabel::squaresThatLeaveWhileTheyRegisterHoldUpNothing()
+{
+    m_label->show(oneCard().sample);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
+    m_tray->setDelay(200ms);
+    TRY_COMPARE(m_tray->registrations(), 3);
+    m_label->show(virtualMachine().sample); // While the desktop has not read the third.
+    waitForTheCheck();
+    TRY_COMPARE(m_tray->items().size(), 2);
+    m_tray->setDelay(0ms);
+    m_label->show(oneCard().sample);
+    TRY_COMPARE(m_tray->items().size(), 4);
+    QCOMPARE(titles().last(), u"Corvane 4 Power"_s);
+}
+
+void TestTrayLabel::textAndWidePictureFollowTheMachine()
+{
+    startTray("gnome-shell");
+    const QString item = m_tray->items().first();
+    m_label->show(oneCard().sample);
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"19 90 97 318W"_s);
+    QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"100 100 100 999W"_s);
+    m_label->show(cardAsleep().sample);
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"25 zz 6 –"_s);
+    QCOMPARE(text(u"IconAccessibleDesc"_s),
+             u"Memory 25 %, VRAM asleep, Integrated GPU 6 %, Power –"_s);
+    m_label->show(virtualMachine().sample);
+    QCOMPARE(text(u"XAyatanaLabel"_s), u"20 57"_s);
+    QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"100 100"_s);
+    QCOMPARE(m_tray->items(), QStringList{item});
+
+    m_tray.reset();
+    startTray("waybar");
+    const int two = pictures().last().width;
+    m_label->show(oneCard().sample);
+    QVERIFY(pictures().last().width > two);
+}
+
+void TestTrayLabel::menuRowsFollowTheMachine()
+{
+    startTray("gnome-shell");
+    waitForTheCheck();
+    const QStringList commands{u"-"_s, u"Open Window"_s, u"Quit"_s};
+    sendMenuEvent(0, u"opened"_s);
+    BusMonitor monitor(m_bus->address());
+    m_label->show(virtualMachine().sample);
+    QVERIFY(membersSince(monitor).contains(u"LayoutUpdated"_s));
+    QCOMPARE(menuTexts(),
+             (QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
+                          u"Swap: off"_s}
+              + commands));
+    sendMenuEvent(0, u"closed"_s);
+
+    m_label->show(apuWithNPU().sample);
+    QCOMPARE(callMenu(u"AboutToShow"_s, {0}).value(0), QVariant(true));
+    QCOMPARE(menuTexts().size(), 6 + commands.size());
+    QCOMPARE(menuTexts().value(4), u"NPU: 17 %, 1.35 W"_s);
+    const QSignalSpy quit(&m_quit, &QAction::triggered);
+    const auto answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
+    sendMenuEvent(qdbus_cast<DBusMenuLayout>(answer.value(1)).children.last().id, u"clicked"_s);
+    TRY_COMPARE(quit.count(), 1);
+}
+
 void TestTrayLabel::appearsInATrayThatStartsLate()
 {
     QSignalSpy missing(m_label.get(), &TrayLabel::trayIsMissing);
@@ -565,12 +728,11 @@ void TestTrayLabel::aTrayWithAllItemsGetsNoFurtherCalls()
 
 void TestTrayLabel::aTrayThatLosesAnItemGetsAllItemsAgain_data()
 {
-    const QStringList reversed{squareIds[2], squareIds[1], squareIds[0]};
     QTest::addColumn<QByteArray>("program");
     QTest::addColumn<int>("lost");
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("one of three") << "lxqt-panel"_ba << 2 << squareIds;
-    QTest::newRow("in a tray that puts new ones first") << "panel-6-systray"_ba << 2 << reversed;
+    QTest::newRow("in a tray that puts new ones first") << "panel-6-systray"_ba << 2 << squareIds;
     QTest::newRow("the only one") << "gnome-shell"_ba << 1 << QStringList{u"corvane"_s};
 }
 
@@ -602,7 +764,7 @@ void TestTrayLabel::registersInOrderAtATrayThatAnswersLate()
     m_tray->setDelay(200ms);
     TRY_COMPARE(m_tray->items().size(), 3);
     QCOMPARE(m_tray->mostPending(), 1);
-    QCOMPARE(ids(), (QStringList{squareIds[2], squareIds[1], squareIds[0]}));
+    QCOMPARE(ids(), squareIds);
 }
 
 void TestTrayLabel::registersInOrderAtATrayThatRestartsInBetween()

@@ -10,6 +10,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr LabelPosition leftmost{0, 3};
+constexpr LabelPosition middle{1, 3};
+constexpr LabelPosition rightmost{2, 3};
+
 LabelNumber number(const QString &text)
 {
     return {.text = text, .color = Theme::memory};
@@ -35,9 +39,9 @@ QPair<double, double> inkBetween(const QImage &picture, double top, double botto
 
 LabelNumbers numbers(const QString &memory, const QString &gpu, const QString &power)
 {
-    return {{{.text = memory, .color = Theme::memory},
-             {.text = gpu, .color = Theme::gpu},
-             {.text = power, .color = Theme::power}}};
+    return {{.kind = LabelKind::memory, .text = memory, .color = Theme::memory},
+            {.kind = LabelKind::gpu, .text = gpu, .color = Theme::gpu},
+            {.kind = LabelKind::power, .text = power, .color = Theme::power}};
 }
 
 /// First and last column with pixels of that colour; an empty range for none.
@@ -71,9 +75,10 @@ private slots:
     void leavesOutTheUnitOfThreeDigits_data();
     void leavesOutTheUnitOfThreeDigits();
     void iconHasAllSizes();
-    void widePictureShowsAllThreeInOrder_data();
-    void widePictureShowsAllThreeInOrder();
+    void widePictureShowsAllInOrder_data();
+    void widePictureShowsAllInOrder();
     void widePictureKeepsItsWidthUpToTwoDigits();
+    void widePictureGrowsWithTheCountOfNumbers();
     void signPictureFillsItsSquare();
 };
 
@@ -87,7 +92,7 @@ void TestTrayPicture::hasTheSizeAskedFor_data()
 void TestTrayPicture::hasTheSizeAskedFor()
 {
     QFETCH(int, pixels);
-    const QImage picture = trayPicture(number(u"71"_s), LabelPosition::left, pixels);
+    const QImage picture = trayPicture(number(u"71"_s), leftmost, pixels);
     QCOMPARE(picture.size(), QSize(pixels, pixels));
     const auto [first, last] = inkBetween(picture, 3, 15);
     QVERIFY2(last - first > 8, "the number is too small to read");
@@ -95,7 +100,7 @@ void TestTrayPicture::hasTheSizeAskedFor()
 
 void TestTrayPicture::hasADarkPlateWithRoundCorners()
 {
-    const QImage picture = trayPicture(number(QString()), LabelPosition::left, 44);
+    const QImage picture = trayPicture(number(QString()), leftmost, 44);
     QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
     QCOMPARE(picture.pixelColor(43, 43).alpha(), 0);
     const QColor middle = picture.pixelColor(22, 8);
@@ -107,18 +112,27 @@ void TestTrayPicture::marksItsPosition_data()
 {
     QTest::addColumn<LabelPosition>("position");
     QTest::addColumn<double>("left");
-    QTest::newRow("memory on the left") << LabelPosition::left << 4.0;
-    QTest::newRow("GPU in the middle") << LabelPosition::middle << 9.0;
-    QTest::newRow("power on the right") << LabelPosition::right << 14.0;
+    QTest::addColumn<double>("right");
+    QTest::newRow("the first of three") << leftmost << 4.0 << 8.0;
+    QTest::newRow("the second of three") << middle << 9.0 << 13.0;
+    QTest::newRow("the last of three") << rightmost << 14.0 << 18.0;
+    QTest::newRow("the first of two") << LabelPosition{0, 2} << 4.0 << 8.0;
+    QTest::newRow("the last of two") << LabelPosition{1, 2} << 14.0 << 18.0;
+    QTest::newRow("the first of four") << LabelPosition{0, 4} << 4.0 << 7.0;
+    QTest::newRow("the second of four") << LabelPosition{1, 4} << 7.67 << 10.67;
+    QTest::newRow("the third of four") << LabelPosition{2, 4} << 11.33 << 14.33;
+    QTest::newRow("the last of four") << LabelPosition{3, 4} << 15.0 << 18.0;
+    QTest::newRow("the only one") << LabelPosition{0, 1} << 4.0 << 8.0;
 }
 
 void TestTrayPicture::marksItsPosition()
 {
     QFETCH(LabelPosition, position);
     QFETCH(double, left);
+    QFETCH(double, right);
     const auto [first, last] = inkBetween(trayPicture(number(u"71"_s), position, 88), 17.25, 18.75);
     QVERIFY(qAbs(first - left) <= 0.5);
-    QVERIFY(qAbs(last - (left + 4)) <= 0.5);
+    QVERIFY(qAbs(last - right) <= 0.5);
 }
 
 void TestTrayPicture::keepsEveryNumberInside_data()
@@ -128,6 +142,8 @@ void TestTrayPicture::keepsEveryNumberInside_data()
     QTest::newRow("a full hundred") << u"100"_s;
     QTest::newRow("fifty watts") << u"50W"_s;
     QTest::newRow("four hundred watts") << u"400W"_s;
+    QTest::newRow("a sleeping card") << u"zz"_s;
+    QTest::newRow("at least a third") << u"≥33"_s;
     QTest::newRow("a text longer than any machine's") << u"1000000000000000"_s;
 }
 
@@ -135,8 +151,7 @@ void TestTrayPicture::keepsEveryNumberInside()
 {
     QFETCH(QString, text);
     for (const int pixels : {16, 22, 44, 64}) {
-        const auto [first, last] =
-            inkBetween(trayPicture(number(text), LabelPosition::left, pixels), 2, 16);
+        const auto [first, last] = inkBetween(trayPicture(number(text), leftmost, pixels), 2, 16);
         QVERIFY(first >= 0.5);
         QVERIFY(last <= 21.5);
     }
@@ -155,20 +170,20 @@ void TestTrayPicture::leavesOutTheUnitOfThreeDigits()
     QFETCH(QString, text);
     QFETCH(QString, seen);
     for (const int pixels : {22, 44})
-        QCOMPARE(trayPicture(number(text), LabelPosition::right, pixels),
-                 trayPicture(number(seen), LabelPosition::right, pixels));
-    QVERIFY(trayPicture(number(u"99W"_s), LabelPosition::right, 44)
-            != trayPicture(number(u"99"_s), LabelPosition::right, 44));
+        QCOMPARE(trayPicture(number(text), rightmost, pixels),
+                 trayPicture(number(seen), rightmost, pixels));
+    QVERIFY(trayPicture(number(u"99W"_s), rightmost, 44)
+            != trayPicture(number(u"99"_s), rightmost, 44));
 }
 
 void TestTrayPicture::iconHasAllSizes()
 {
-    const QIcon icon = trayIcon(number(u"71"_s), LabelPosition::left);
+    const QIcon icon = trayIcon(number(u"71"_s), leftmost);
     for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
         QVERIFY(icon.availableSizes().contains(QSize(pixels, pixels)));
 }
 
-void TestTrayPicture::widePictureShowsAllThreeInOrder_data()
+void TestTrayPicture::widePictureShowsAllInOrder_data()
 {
     QTest::addColumn<LabelNumbers>("shown");
     QTest::newRow("typical values") << numbers(u"63"_s, u"41"_s, u"12W"_s);
@@ -176,7 +191,7 @@ void TestTrayPicture::widePictureShowsAllThreeInOrder_data()
     QTest::newRow("the highest values") << numbers(u"100"_s, u"100"_s, u"999W"_s);
 }
 
-void TestTrayPicture::widePictureShowsAllThreeInOrder()
+void TestTrayPicture::widePictureShowsAllInOrder()
 {
     QFETCH(LabelNumbers, shown);
     for (const int pixels : trayPictureSizes) {
@@ -199,6 +214,19 @@ void TestTrayPicture::widePictureKeepsItsWidthUpToTwoDigits()
     const int width = widePicture(numbers(u"0"_s, u"1"_s, u"2W"_s), 22).width();
     QCOMPARE(widePicture(numbers(u"88"_s, u"41"_s, u"12W"_s), 22).width(), width);
     QVERIFY(widePicture(numbers(u"100"_s, u"41"_s, u"12W"_s), 22).width() > width);
+}
+
+void TestTrayPicture::widePictureGrowsWithTheCountOfNumbers()
+{
+    LabelNumbers shown = numbers(u"19"_s, u"97"_s, u"31W"_s);
+    const int three = widePicture(shown, 44).width();
+    shown.insert(shown.begin() + 1,
+                 {.kind = LabelKind::vram, .text = u"90"_s, .color = Theme::gpu});
+    const int four = widePicture(shown, 44).width();
+    QVERIFY(four > three);
+    QVERIFY(widePicture({shown[0], shown[2]}, 44).width() < three);
+    shown[1].text = u"zz"_s;
+    QCOMPARE(widePicture(shown, 44).width(), four);
 }
 
 void TestTrayPicture::signPictureFillsItsSquare()

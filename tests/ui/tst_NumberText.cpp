@@ -57,6 +57,8 @@ void TestNumberText::appendsTheUnit()
     QCOMPARE(wattsText(16.694, 2), u"16.69 W"_s);
     QCOMPARE(tightWattsText(49.66, 1), u"49.7W"_s);
     QCOMPARE(celsiusText(73.8), u"74°C"_s);
+    QCOMPARE(frequencyText(3268), u"3.27 GHz"_s);
+    QCOMPARE(frequencyText(996.4), u"996 MHz"_s);
     for (const QString &text :
          {percentText({}), spacedPercentText({}), wattsText({}, 2), tightWattsText({}, 0)})
         QCOMPARE(text, u"–"_s);

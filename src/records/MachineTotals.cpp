@@ -1,0 +1,236 @@
+#include "records/MachineTotals.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace corvane {
+
+namespace {
+
+/// Coverage and present values of one GPU.
+struct GPU {
+    const GPUCoverage *coverage;
+    const GPUMetrics *metrics; ///< Null where it could not be read.
+};
+
+/// The GPUs of that kind, in the order of their addresses.
+std::vector<GPU> gpusOf(const SystemMetrics &sample, bool cards)
+{
+    std::vector<GPU> gpus;
+    for (const GPUCoverage &coverage : coverageOf(sample).gpus) {
+        if (isGraphicsCard(coverage) != cards)
+            continue;
+        const auto &metrics = sample.chip->gpus; // Only a reading has a coverage with GPUs.
+        const auto same = std::ranges::find(metrics, coverage.device, &GPUMetrics::device);
+        gpus.push_back({&coverage, same == metrics.end() ? nullptr : &*same});
+    }
+    return gpus;
+}
+
+/// A value that a source delivers; absent where it has none, or an impossible one.
+std::optional<double> present(Coverage coverage, const std::optional<double> &value)
+{
+    const bool isUsable = coverage == Coverage::known && value && std::isfinite(*value);
+    return isUsable ? value : std::nullopt;
+}
+
+std::optional<double> load(const GPU &gpu)
+{
+    return gpu.metrics ? present(gpu.coverage->load, gpu.metrics->activeFraction) : std::nullopt;
+}
+
+std::optional<double> watts(const GPU &gpu)
+{
+    return gpu.metrics ? present(gpu.coverage->watts, gpu.metrics->watts) : std::nullopt;
+}
+
+std::optional<std::uint64_t> memoryUsed(const GPU &gpu)
+{
+    const bool isKnown = gpu.metrics && gpu.coverage->memory == Coverage::known;
+    return isKnown ? gpu.metrics->memoryUsed : std::nullopt;
+}
+
+bool hasLoad(const GPU &gpu)
+{
+    return load(gpu).has_value();
+}
+
+/// Whether its source tells a quantity, or will once the GPU is awake or its driver is in order.
+bool canTell(Coverage coverage)
+{
+    return coverage == Coverage::known || coverage == Coverage::asleep
+        || coverage == Coverage::newDriver || coverage == Coverage::noLibrary;
+}
+
+/// Whether the GPU has memory figures, now or later.
+bool hasMemory(const GPU &gpu)
+{
+    const Coverage memory = gpu.coverage->memory;
+    return canTell(memory) || (isDenied(memory) && gpu.coverage->memoryTotal);
+}
+
+/// Whether the machine has watts of its parts, now or later.
+bool hasWatts(const MachineCoverage &coverage)
+{
+    return canTell(coverage.cpuWatts) || canTell(coverage.packageWatts)
+        || canTell(coverage.npuWatts)
+        || std::ranges::any_of(coverage.gpus, canTell, &GPUCoverage::watts);
+}
+
+/// All asleep, or the reason of the first that is awake.
+void setDenial(FigureState &state, Coverage &reason, const std::vector<GPU> &gpus,
+               Coverage GPUCoverage::*quantity)
+{
+    const auto awake = std::ranges::find_if(
+        gpus, [&](const GPU &gpu) { return gpu.coverage->*quantity != Coverage::asleep; });
+    state = awake == gpus.end() ? FigureState::asleep : FigureState::unreadable;
+    reason = awake == gpus.end() ? Coverage::asleep : awake->coverage->*quantity;
+}
+
+/// Adds without wrapping: counts come from drivers.
+void add(std::uint64_t &sum, std::uint64_t count)
+{
+    sum += std::min(count, std::numeric_limits<std::uint64_t>::max() - sum);
+}
+
+GPULoadShare loadShare(const GPU &gpu)
+{
+    if (const auto fraction = load(gpu))
+        return {FigureState::known, *fraction};
+    return {gpu.coverage->load == Coverage::asleep ? FigureState::asleep : FigureState::unreadable};
+}
+
+PowerParts partsOfGPUs(int told)
+{
+    return told == 1 ? PowerParts::gpuOnly : PowerParts::gpusOnly;
+}
+
+PowerParts partsWithCPU(int told, int untold)
+{
+    if (untold == 0)
+        return PowerParts::all;
+    return told == 0 ? PowerParts::cpuOnly : PowerParts::notAllGPUs;
+}
+
+/// The watts of CPU, integrated GPU and NPU; absent where the CPU's are not known.
+std::optional<double> packageWatts(const SystemMetrics &sample)
+{
+    const MachineCoverage &coverage = coverageOf(sample);
+    const ChipReading &chip = *sample.chip;
+    if (const auto whole = present(coverage.packageWatts, chip.packageWatts))
+        return whole;
+    auto sum = present(coverage.cpuWatts, unlessDenied(chip.cpuWatts, chip.denied.cpuWatts));
+    if (!sum)
+        return std::nullopt;
+    for (const GPU &gpu : gpusOf(sample, false))
+        *sum += watts(gpu).value_or(0);
+    if (chip.npu)
+        *sum += present(coverage.npuWatts, chip.npu->watts).value_or(0);
+    return sum;
+}
+
+} // namespace
+
+GPUMemoryTotal gpuMemoryTotal(const SystemMetrics &sample)
+{
+    std::vector<GPU> gpus = gpusOf(sample, true);
+    GPUMemoryTotal memory{.ofCards = !gpus.empty()};
+    if (gpus.empty())
+        gpus = gpusOf(sample, false);
+    std::erase_if(gpus, [](const GPU &gpu) { return !hasMemory(gpu); });
+    if (gpus.empty())
+        return memory;
+
+    bool allTotalsAreKnown = true;
+    std::uint64_t totalOfAll = 0;
+    for (const GPU &gpu : gpus) {
+        add(totalOfAll, gpu.coverage->memoryTotal.value_or(0));
+        memory.sleeping += gpu.coverage->memory == Coverage::asleep ? 1 : 0;
+        const auto used = memoryUsed(gpu);
+        if (!used)
+            continue;
+        memory.state = FigureState::known;
+        add(memory.used, *used);
+        add(memory.total, gpu.coverage->memoryTotal.value_or(0));
+        allTotalsAreKnown = allTotalsAreKnown && gpu.coverage->memoryTotal.value_or(0) > 0;
+        memory.isLowerBound = memory.isLowerBound || gpu.metrics->memoryIsLowerBound;
+    }
+    if (memory.state == FigureState::known) {
+        if (!allTotalsAreKnown)
+            memory.total = 0;
+        return memory;
+    }
+    memory.total = totalOfAll;
+    setDenial(memory.state, memory.reason, gpus, &GPUCoverage::memory);
+    return memory;
+}
+
+std::optional<double> usedPercent(const GPUMemoryTotal &memory)
+{
+    if (memory.state != FigureState::known || memory.total == 0)
+        return std::nullopt;
+    return static_cast<double>(std::min(memory.used, memory.total))
+        / static_cast<double>(memory.total) * 100;
+}
+
+GPULoadTotal gpuLoadTotal(const SystemMetrics &sample)
+{
+    std::vector<GPU> gpus = gpusOf(sample, true);
+    std::vector<GPU> integrated = gpusOf(sample, false);
+    const bool standsIn =
+        !std::ranges::any_of(gpus, hasLoad) && std::ranges::any_of(integrated, hasLoad);
+    GPULoadTotal total{.isStandIn = standsIn && !gpus.empty()};
+    if (standsIn || gpus.empty())
+        gpus = std::move(integrated);
+    if (gpus.empty())
+        return total;
+
+    int known = 0;
+    for (const GPU &gpu : gpus) {
+        total.shares.push_back(loadShare(gpu));
+        if (total.shares.back().state != FigureState::known)
+            continue;
+        total.fraction += total.shares.back().fraction;
+        ++known;
+    }
+    if (gpus.size() == 1 && gpus.front().metrics) {
+        total.watts = watts(gpus.front());
+        total.megahertz = gpus.front().metrics->megahertz;
+    }
+    if (known > 0) {
+        total.state = FigureState::known;
+        total.fraction /= known;
+    } else {
+        setDenial(total.state, total.reason, gpus, &GPUCoverage::load);
+    }
+    return total;
+}
+
+PowerTotal powerTotal(const SystemMetrics &sample)
+{
+    if (!hasWatts(coverageOf(sample)))
+        return {};
+    PowerTotal total{.state = FigureState::unreadable};
+    const auto package = packageWatts(sample);
+    total.watts = package.value_or(0);
+    int told = 0;
+    int untold = 0;
+    const auto addGPUs = [&](bool cards) {
+        for (const GPU &gpu : gpusOf(sample, cards)) {
+            const auto ofGPU = watts(gpu);
+            total.watts += ofGPU.value_or(0);
+            ++(ofGPU ? told : untold);
+        }
+    };
+    addGPUs(true);
+    if (!package)
+        addGPUs(false); // Else they are part of the package.
+    if (!package && told == 0)
+        return total;
+    total.state = FigureState::known;
+    total.parts = package ? partsWithCPU(told, untold) : partsOfGPUs(told);
+    return total;
+}
+
+} // namespace corvane
