@@ -60,6 +60,14 @@ target_compile_definitions(
             CORVANE_IDENTIFIER="${CORVANE_IDENTIFIER}"
             CORVANE_VERSION="${PROJECT_VERSION}"
             CORVANE_BUILD="${CORVANE_BUILD_NUMBER}")
+# What users run is hardened: it reads what other programs wrote. A distribution's own choice of FORTIFY is kept.
+if(CORVANE_SYSTEM STREQUAL "linux" AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(corvane_flags INTERFACE -fstack-protector-strong)
+  if(NOT CMAKE_CXX_FLAGS MATCHES FORTIFY_SOURCE)
+    target_compile_options(corvane_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  endif()
+  add_link_options(LINKER:-z,relro LINKER:-z,now)
+endif()
 if(CORVANE_SANITIZE)
   # Their reports need lines, no variables.
   target_compile_options(corvane_flags INTERFACE -g1 -fsanitize=${CORVANE_SANITIZE} -fno-omit-frame-pointer

@@ -193,6 +193,7 @@ void CorvaneApp::connectMainWindow()
 int run(int argc, char **argv)
 {
     openStandardDescriptors();
+    dropRelativeFolders();
     ignoreWriteSignals();
     raiseDescriptorLimit();
     shareOneHeap();

@@ -2,12 +2,44 @@
 
 #include "threads/MainThread.h"
 
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
 #include <csignal>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 namespace corvane {
+
+namespace {
+
+bool isAbsolute(const char *path)
+{
+    return path && *path == '/';
+}
+
+/// Leaves the absolute paths of a list with colons; unsets the variable if there is none.
+void keepAbsolute(const char *variable)
+{
+    const char *value = std::getenv(variable);
+    if (!value)
+        return;
+    std::string kept;
+    std::istringstream paths{std::string(value)};
+    for (std::string path; std::getline(paths, path, ':');) {
+        if (isAbsolute(path.c_str()))
+            kept += (kept.empty() ? "" : ":") + path;
+    }
+    if (kept.empty())
+        unsetenv(variable);
+    else
+        setenv(variable, kept.c_str(), 1);
+}
+
+} // namespace
 
 void openStandardDescriptors()
 {
@@ -17,6 +49,23 @@ void openStandardDescriptors()
         if (fcntl(number, F_GETFD) < 0 && open("/dev/null", O_RDWR) != number)
             return;
     }
+}
+
+void dropRelativeFolders()
+{
+    assertMainThread();
+    if (!isAbsolute(std::getenv("HOME"))) {
+        const passwd *user = getpwuid(getuid());
+        const char *home = user ? user->pw_dir : nullptr;
+        setenv("HOME", isAbsolute(home) ? home : "/", 1);
+    }
+    for (const char *folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
+                               "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
+        if (const char *path = std::getenv(folder); path && !isAbsolute(path))
+            unsetenv(folder);
+    }
+    keepAbsolute("XDG_CONFIG_DIRS");
+    keepAbsolute("XDG_DATA_DIRS");
 }
 
 void ignoreWriteSignals()

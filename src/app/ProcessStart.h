@@ -9,6 +9,11 @@ namespace corvane {
 /// would get that number, and what libraries print would be written into it.
 void openStandardDescriptors();
 
+/// Makes HOME absolute, by the system's list of users if need be, and drops relative paths from the
+/// XDG variables, as the XDG base directory standard requires. Libraries would take them below the
+/// folder in which the program happens to be started.
+void dropRelativeFolders();
+
 /// Makes a write fail instead of ending the process: to a closed pipe or socket, or beyond the
 /// largest file that the process may write.
 void ignoreWriteSignals();

@@ -1,5 +1,6 @@
 #include "processes/AIProcessDetector.h"
 
+#include "platform/ForeignText.h"
 #include "platform/Wipe.h"
 #include "processes/FactsCache.h"
 
@@ -145,7 +146,7 @@ std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranki
         seen.insert(*pid);
         if (*memory < leastMemory)
             continue;
-        const QString processName = QString::fromStdString(*name);
+        const QString processName = foreignText(*name);
         if (!nameLooksRelevant(processName))
             continue;
         auto match = classify(processName, factsOfProcess(*pid, identify, readFacts, cache));

@@ -1,5 +1,7 @@
 #include "processes/ProcessSampler.h"
 
+#include "platform/ForeignText.h"
+
 #include <cstdlib>
 #include <utility>
 
@@ -12,7 +14,7 @@ std::vector<ProcessRow> ProcessSampler::topByRAM(std::int64_t n, const ProcessRa
     std::vector<ProcessRow> rows;
     for (const auto &[pid, name, memory] : ranking(static_cast<std::int32_t>(n))) {
         if (pid && name && memory)
-            rows.push_back({.id = *pid, .name = QString::fromStdString(*name), .memory = *memory});
+            rows.push_back({.id = *pid, .name = foreignText(*name), .memory = *memory});
     }
     return rows;
 }

@@ -15,7 +15,6 @@ constexpr auto historyWindowKey = "historyWindow"_L1;
 AppSettings::AppSettings(QObject *parent) : QObject(parent)
 {
     assertMainThread();
-    m_store.setFallbacksEnabled(false);
     m_historyWindow = corvane::historyWindow(m_store.value(historyWindowKey).toLongLong())
                           .value_or(HistoryWindow::oneMin);
 }

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "platform/Preferences.h"
 #include "records/HistoryWindow.h"
 
 #include <QObject>
-#include <QSettings>
+
 
 namespace corvane {
 
@@ -26,7 +27,7 @@ signals:
     void historyWindowChanged(corvane::HistoryWindow window);
 
 private:
-    QSettings m_store;
+    Preferences m_store;
     HistoryWindow m_historyWindow = HistoryWindow::oneMin;
 };
 

@@ -180,17 +180,36 @@ QString elided(const QString &text, const QFont &font, double width)
     return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
 }
 
+namespace {
+
+/// Whether a character takes its place in a line. Others are invisible or reorder the line; half of
+/// a pair is none.
+bool isShowable(char32_t character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
 QString singleLine(const QString &text)
 {
     constexpr qsizetype mostCharacters = 512; // No view has room for more; shaping more costs time.
-    QString line = text.left(mostCharacters);
-    for (QChar &character : line) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Other_Format
-            || category == QChar::Separator_Line || category == QChar::Separator_Paragraph)
-            character = QChar(0xFFFD);
+    auto characters = text.left(mostCharacters).toUcs4();
+    for (auto &character : characters) {
+        if (!isShowable(character))
+            character = QChar::ReplacementCharacter;
     }
-    return line;
+    return QString::fromUcs4(reinterpret_cast<const char32_t *>(characters.constData()),
+                             characters.size());
 }
 
 } // namespace corvane

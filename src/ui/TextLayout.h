@@ -38,9 +38,10 @@ void drawTextRight(QPainter &painter, const QPointF &baselineEnd, const QString 
 /// `text` cut at its end, with an ellipsis, so that it is at most `width` wide.
 QString elided(const QString &text, const QFont &font, double width);
 
-/// Makes text from outside safe for one line: control characters and bidirectional marks become
-/// replacement characters, so that a hostile name can neither break a line nor reorder what stands
-/// beside it. At most 512 characters are kept.
+/// Makes text from outside safe for one line: control characters, bidirectional marks and other
+/// invisible characters become replacement characters, so that a hostile name can neither break a
+/// line, reorder what stands beside it, nor look like another name. At most 512 characters are
+/// kept.
 QString singleLine(const QString &text);
 
 } // namespace corvane

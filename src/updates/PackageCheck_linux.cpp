@@ -25,18 +25,22 @@ constexpr unsigned int errorBadSignature = 30;
 
 } // namespace
 
-PackageCheck::PackageCheck(Lists lists, std::chrono::milliseconds timeout)
+PackageCheck::PackageCheck(Lists lists, const PackageCheckTimes &times)
     : m_lists(lists),
-      m_timeout(timeout),
+      m_times(times),
       m_probe(systemBusAddress())
 {
     assertMainThread();
     connect(&m_probe, &BusProbe::answered, this, &PackageCheck::openConnection);
     connect(&m_probe, &BusProbe::refused, this,
             [this] { finish(UpdateReport::Outcome::noService); });
-    QTimer::singleShot(timeout, this, [this] {
+    QTimer::singleShot(times.silence, this, [this] {
         if (!m_bus)
             finish(UpdateReport::Outcome::failed);
+    });
+    QTimer::singleShot(times.whole, this, [this] {
+        m_transaction.reset(); // Cancels it.
+        finish(UpdateReport::Outcome::failed);
     });
 }
 
@@ -134,14 +138,14 @@ void PackageCheck::finish(UpdateReport::Outcome outcome)
 
 void PackageCheck::call(const QDBusMessage &message, const BusCall::ReplyHandler &onReply)
 {
-    BusCall::send(*m_bus, message, this, onReply, m_timeout);
+    BusCall::send(*m_bus, message, this, onReply, m_times.silence);
 }
 
 void PackageCheck::transact(const QString &action, const QVariantList &arguments,
                             const AnswerHandler &onAnswer)
 {
-    auto transaction =
-        std::make_unique<PackageTransaction>(*m_bus, action, arguments, packageName, m_timeout);
+    auto transaction = std::make_unique<PackageTransaction>(*m_bus, action, arguments, packageName,
+                                                            m_times.silence);
     // Queued: the handler replaces the transaction that emits the signal.
     connect(
         transaction.get(), &PackageTransaction::finished, this,

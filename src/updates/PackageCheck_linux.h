@@ -15,6 +15,12 @@
 
 namespace corvane {
 
+/// How long a check waits.
+struct PackageCheckTimes {
+    std::chrono::milliseconds silence; ///< Of the service at a time.
+    std::chrono::milliseconds whole;   ///< A service that says something all the time ends too.
+};
+
 /// One check for updates of this program's package: queries PackageKit over the system bus and
 /// installs nothing. One object for each check; main thread, which it never blocks. It has its own
 /// connection, so that none remains between two checks. Emits `finished` once.
@@ -25,8 +31,7 @@ public:
     /// Whether the service first refreshes the package lists, or uses those that it has.
     enum class Lists { refreshed, cached };
 
-    /// The time-out holds for each silence of the service.
-    PackageCheck(Lists lists, std::chrono::milliseconds timeout);
+    PackageCheck(Lists lists, const PackageCheckTimes &times);
     ~PackageCheck() override;
 
     Lists lists() const { return m_lists; }
@@ -50,7 +55,7 @@ private:
                   const AnswerHandler &onAnswer);
 
     const Lists m_lists;
-    const std::chrono::milliseconds m_timeout;
+    const PackageCheckTimes m_times;
     const BusProbe m_probe;
     std::optional<QDBusConnection> m_bus; ///< Absent until it was tried.
     std::unique_ptr<PackageTransaction> m_transaction;

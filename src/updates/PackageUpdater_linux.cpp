@@ -25,7 +25,7 @@ bool isInPackageFolder(const QString &program)
     return program.startsWith("/usr/"_L1) && !program.startsWith("/usr/local/"_L1);
 }
 
-std::optional<double> lastCheck(const QSettings &store)
+std::optional<double> lastCheck(const Preferences &store)
 {
     bool isNumber = false;
     const double date = store.value(lastCheckKey).toDouble(&isNumber);
@@ -40,7 +40,6 @@ PackageUpdater::PackageUpdater(PackageUpdaterSources sources)
       m_isPossible(m_isInPackageFolder)
 {
     assertMainThread();
-    m_store.setFallbacksEnabled(false);
     // Compared as text: toBool() is true for nearly any text.
     m_automaticallyChecks =
         m_isInPackageFolder && m_store.value(automaticKey).toString() == "true"_L1;
@@ -120,7 +119,8 @@ void PackageUpdater::receiveCached(const UpdateReport &report)
 /// Replaces a cached check that still runs.
 void PackageUpdater::start(PackageCheck::Lists lists)
 {
-    m_check = std::make_unique<PackageCheck>(lists, m_sources.timeout);
+    m_check = std::make_unique<PackageCheck>(
+        lists, PackageCheckTimes{.silence = m_sources.timeout, .whole = m_sources.longestCheck});
     connect(m_check.get(), &PackageCheck::finished, this, &PackageUpdater::receive);
     if (lists == PackageCheck::Lists::cached)
         return;

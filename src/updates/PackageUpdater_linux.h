@@ -1,11 +1,11 @@
 #pragma once
 
 #include "platform/BootClock.h"
+#include "platform/Preferences.h"
 #include "records/ReferenceDate.h"
 #include "updates/PackageCheck_linux.h"
 #include "updates/SystemUpdater.h"
 
-#include <QSettings>
 #include <QTimer>
 
 #include <chrono>
@@ -21,6 +21,7 @@ struct PackageUpdaterSources {
     std::function<double()> now = secondsSince2001;
     std::function<double()> sinceBoot = secondsSinceBoot;
     std::chrono::milliseconds timeout = std::chrono::minutes(1); ///< For a service that is silent.
+    std::chrono::milliseconds longestCheck = std::chrono::minutes(30); ///< For a whole check.
 };
 
 /// Updates through the system's packages: checks for them on request and, if the user wants it,
@@ -58,7 +59,7 @@ private:
 
     const PackageUpdaterSources m_sources;
     const bool m_isInPackageFolder;
-    QSettings m_store;
+    Preferences m_store;
     bool m_automaticallyChecks;
     bool m_isPossible; ///< Whether updates can come; assumed until the first report.
     QTimer m_timer;

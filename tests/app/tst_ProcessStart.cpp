@@ -7,12 +7,14 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace corvane;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -43,6 +45,8 @@ class TestProcessStart : public QObject {
 private slots:
     void opensClosedStandardDescriptors_data();
     void opensClosedStandardDescriptors();
+    void dropsRelativeFolders_data();
+    void dropsRelativeFolders();
     void writesToBrokenPipesFail();
     void writesBeyondTheLargestFileFail();
     void raisesTheDescriptorLimit();
@@ -80,6 +84,54 @@ void TestProcessStart::opensClosedStandardDescriptors()
                 return 10 + number;
         }
         return open("/dev/null", O_RDONLY) > 2 ? 0 : 1;
+    });
+    QCOMPARE(status, 0);
+}
+
+void TestProcessStart::dropsRelativeFolders_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QByteArray>("expected"); // Null: unset.
+    const passwd *user = getpwuid(getuid());
+    const QByteArray home = user ? QByteArray(user->pw_dir) : "/"_ba;
+    const auto row = [](const QByteArray &name, const QByteArray &variable, const QByteArray &value,
+                        const QByteArray &expected) {
+        QTest::newRow(name.constData()) << variable << value << expected;
+    };
+    row("an absolute home", "HOME", "/home/me", "/home/me");
+    row("a relative home", "HOME", "me", home);
+    row("an empty home", "HOME", "", home);
+    row("no home", "HOME", {}, home);
+    for (const QByteArray variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
+                                      "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
+        row(variable + ", absolute", variable, "/some/where", "/some/where");
+        row(variable + ", relative", variable, "some/where", {});
+        row(variable + ", below the present folder", variable, "./x", {});
+        row(variable + ", empty", variable, "", {});
+        row(variable + ", unset", variable, {}, {});
+    }
+    for (const QByteArray variable : {"XDG_CONFIG_DIRS", "XDG_DATA_DIRS"}) {
+        row(variable + ", absolute", variable, "/a:/b", "/a:/b");
+        row(variable + ", some relative", variable, "x:/a:../y::/b:", "/a:/b");
+        row(variable + ", all relative", variable, "x:y", {});
+        row(variable + ", unset", variable, {}, {});
+    }
+}
+
+void TestProcessStart::dropsRelativeFolders()
+{
+    QFETCH(const QByteArray, variable);
+    QFETCH(const QByteArray, value);
+    QFETCH(const QByteArray, expected);
+    const int status = statusOfChild([&] {
+        if (value.isNull())
+            unsetenv(variable.constData());
+        else
+            setenv(variable.constData(), value.constData(), 1);
+        dropRelativeFolders();
+        const char *now = getenv(variable.constData());
+        return expected.isNull() ? now != nullptr : !now || expected != QByteArray(now);
     });
     QCOMPARE(status, 0);
 }

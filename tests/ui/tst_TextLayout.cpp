@@ -215,6 +215,12 @@ void TestTextLayout::makesOneLine_data()
     QTest::newRow("a line and a paragraph separator") << u"a\u2028b\u2029"_s << u"a\uFFFDb\uFFFD"_s;
     QTest::newRow("overrides and isolates")
         << u"a\u202Eb\u2066c\u200F"_s << u"a\uFFFDb\uFFFDc\uFFFD"_s;
+    QTest::newRow("a leading byte-order mark") << u"\uFEFFa"_s << u"\uFFFDa"_s;
+    QTest::newRow("tags and format characters beyond the first plane")
+        << u"a\U000E0041\U0001D173b\U000110BDc"_s << u"a\uFFFD\uFFFDb\uFFFDc"_s;
+    QTest::newRow("half of a pair") << QString(u"a"_s + QChar(0xD83D) + u"b"_s) << u"a\uFFFDb"_s;
+    QTest::newRow("a pair at the cut")
+        << QString(QString(511, u'x') + u"😀"_s) << QString(QString(511, u'x') + QChar(0xFFFD));
     QTest::newRow("4,000 characters are cut") << QString(4000, u'x') << QString(512, u'x');
     QTest::newRow("an empty text") << QString() << QString();
 }
