@@ -20,9 +20,9 @@ void bind(Function *&function, void *library, std::initializer_list<const char *
 
 } // namespace
 
-void NvidiaFunctions::Closer::operator()(void *library) const
+void NvidiaFunctions::Closer::operator()(void *handle) const
 {
-    dlclose(library);
+    dlclose(handle);
 }
 
 Coverage NvidiaFunctions::load(const std::string &path)

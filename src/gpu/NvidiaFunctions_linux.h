@@ -123,7 +123,7 @@ static_assert(sizeof(NewProcessSamples) == 24 && sizeof(VersionedTemperature) ==
 /// versions; null where it lacks one. Owned by the library's object, used on its thread.
 struct NvidiaFunctions {
     struct Closer {
-        void operator()(void *library) const;
+        void operator()(void *handle) const;
     };
     std::unique_ptr<void, Closer> library = nullptr;
 

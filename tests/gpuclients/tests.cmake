@@ -1,0 +1,7 @@
+corvane_test(gpuclients/tst_DrmClient)
+corvane_test(gpuclients/tst_DrmLoads)
+corvane_test(gpuclients/tst_KfdText)
+corvane_test(gpuclients/tst_GPUUse)
+corvane_test(gpuclients/tst_DrmClientFiles SYSTEM linux)
+corvane_test(gpuclients/tst_KfdFiles SYSTEM linux)
+corvane_test(gpuclients/tst_GPUClients SYSTEM linux)
