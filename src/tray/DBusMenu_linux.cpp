@@ -4,6 +4,9 @@
 
 #include <QActionEvent>
 #include <QMenu>
+#include <QSet>
+
+#include <algorithm>
 
 namespace corvane {
 
@@ -12,6 +15,23 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int rootId = 0;
+
+/// Of one group; a desktop sends a few. Each may start a command or a message.
+constexpr qsizetype mostEvents = 64;
+
+/// Each id once, where it comes first: the answer to an id is many times as long as the id.
+QList<int> withoutRepeats(const QList<int> &ids)
+{
+    QSet<int> seen;
+    QList<int> once;
+    for (const int id : ids) {
+        if (seen.contains(id))
+            continue;
+        seen.insert(id);
+        once.append(id);
+    }
+    return once;
+}
 
 } // namespace
 
@@ -47,7 +67,7 @@ QList<DBusMenuProperties> DBusMenu::GetGroupProperties(const QList<int> &ids,
                                                        const QStringList &names)
 {
     refresh();
-    QList<int> wanted = ids;
+    QList<int> wanted = withoutRepeats(ids);
     if (wanted.isEmpty()) {
         wanted = m_actions.keys();
         wanted.prepend(rootId);
@@ -84,7 +104,7 @@ void DBusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
 QList<int> DBusMenu::EventGroup(const QList<corvane::DBusMenuEvent> &events)
 {
     QList<int> unknown;
-    for (const DBusMenuEvent &event : events) {
+    for (const DBusMenuEvent &event : events.first(std::min(events.size(), mostEvents))) {
         if (isKnown(event.id))
             Event(event.id, event.type, event.data, event.time);
         else
@@ -106,7 +126,7 @@ bool DBusMenu::AboutToShow(int id)
 QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &unknown)
 {
     QList<int> updated;
-    for (const int id : ids) {
+    for (const int id : withoutRepeats(ids)) {
         if (!isKnown(id))
             unknown.append(id);
         else if (AboutToShow(id))

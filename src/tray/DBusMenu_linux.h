@@ -18,7 +18,8 @@ namespace corvane {
 ///
 /// Emits the menu's aboutToShow and aboutToHide when the desktop opens and closes it. Changes of
 /// the actions are sent while it is open here; changes made before are sent when it opens. Requests
-/// for unknown ids get empty answers.
+/// for unknown ids get empty answers. An id counts once however often a request repeats it, and of
+/// a group of events the first 64 are used.
 class DBusMenu : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")

@@ -76,6 +76,7 @@ void StatusNotifierItem::registerAtWatcher()
             m_settling.start(0ms);
     });
     m_settling.start(m_waits.read);
+    m_longest = QDeadlineTimer(m_waits.read);
 }
 
 bool StatusNotifierItem::isInTray(const QStringList &listed) const
@@ -122,7 +123,8 @@ StatusNotifierPixmaps StatusNotifierItem::iconPixmaps()
     }
     m_wasRead = true;
     if (m_settling.isActive())
-        m_settling.start(m_waits.quiet);
+        m_settling.start(
+            std::min(m_waits.quiet, std::chrono::milliseconds(m_longest.remainingTime())));
     return m_pixmaps;
 }
 

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusObjectPath>
+#include <QDeadlineTimer>
 #include <QPoint>
 #include <QTimer>
 
@@ -119,8 +120,9 @@ private:
     QDBusConnection m_bus;
     DBusMenu m_menu;
     const TrayWaits m_waits;
-    bool m_wasRead = false; ///< By the desktop.
-    QTimer m_settling;      ///< Runs from the registration until `settled`.
+    bool m_wasRead = false;   ///< By the desktop.
+    QTimer m_settling;        ///< Runs from the registration until `settled`.
+    QDeadlineTimer m_longest; ///< For the desktop's reads, which may never pause.
 };
 
 } // namespace corvane

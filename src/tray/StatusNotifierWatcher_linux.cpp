@@ -6,6 +6,8 @@
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
+#include <utility>
+
 namespace corvane {
 
 namespace {
@@ -61,6 +63,8 @@ void StatusNotifierWatcher::onLost()
 
 void StatusNotifierWatcher::setOwner(const QString &owner)
 {
+    if (owner != m_owner)
+        m_isAsking = false; // The reply of the owner before is dropped.
     if (owner.isEmpty()) {
         m_owner.clear();
         publish(std::nullopt);
@@ -83,10 +87,17 @@ void StatusNotifierWatcher::setOwner(const QString &owner)
     });
 }
 
-/// A watcher without a registered host shows no items.
+/// A watcher without a registered host shows no items. Any program can send its signals, so a
+/// question is repeated once, however many arrive before the reply.
 void StatusNotifierWatcher::requestHost()
 {
+    m_hasToAsk = std::exchange(m_isAsking, true);
+    if (m_hasToAsk)
+        return;
     requestProperty(u"IsStatusNotifierHostRegistered"_s, [this](const QVariant &isThere) {
+        m_isAsking = false;
+        if (m_hasToAsk)
+            requestHost();
         publish(isThere.toBool() ? std::optional(m_kind) : std::nullopt);
     });
 }

@@ -63,6 +63,8 @@ private:
     TrayHost m_kind; ///< The kind of bar that the owner is.
     std::optional<TrayHost> m_host;
     bool m_isKnown = false;
+    bool m_isAsking = false; ///< Whether the owner has a host; one question at a time.
+    bool m_hasToAsk = false; ///< Again, after the present question.
 };
 
 } // namespace corvane

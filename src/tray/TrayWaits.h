@@ -11,7 +11,8 @@ struct TrayWaits {
     /// order, and a panel that restarts is gone for a moment.
     std::chrono::milliseconds tray{1500};
 
-    /// For the desktop to read a registered item; then the next one is registered anyway.
+    /// For the desktop to read a registered item, once or again and again; then the next one is
+    /// registered anyway.
     std::chrono::milliseconds read{5000};
 
     /// Between the last read of one item and the registration of the next. Xfce's panel reads three

@@ -10,6 +10,12 @@
 #include <QShortcut>
 #include <QWidget>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include <stdlib.h>
+
 namespace corvane {
 
 namespace {
@@ -54,9 +60,15 @@ void bringForward(QWidget &window)
 void useActivationToken(const QByteArray &token)
 {
     assertMainThread();
-    // Qt passes the variable to the compositor with the next window that requests the focus.
-    if (isActivationToken({token.constData(), static_cast<std::size_t>(token.size())}))
-        qputenv("XDG_ACTIVATION_TOKEN", token);
+    // Qt passes the variable to the compositor with the next window that requests the focus. It
+    // stands in one place: setenv would keep each token in memory for good.
+    constexpr std::string_view name = "XDG_ACTIVATION_TOKEN=";
+    static std::array<char, name.size() + longestActivationToken + 1> variable = {};
+    const std::string_view text(token.constData(), static_cast<std::size_t>(token.size()));
+    if (!isActivationToken(text))
+        return;
+    *std::ranges::copy(text, std::ranges::copy(name, variable.begin()).out).out = '\0';
+    putenv(variable.data());
 }
 
 void closeOnControlW(QWidget &window)

@@ -60,6 +60,12 @@ void FakeTray::loseRegistrations(int number, int count)
     m_lost = count;
 }
 
+void FakeTray::readPictures()
+{
+    for (const QString &item : m_items)
+        m_bus.asyncCall(propertyCall(item, u"IconPixmap"_s));
+}
+
 QVariant FakeTray::property(const QString &item, const QString &name)
 {
     const QDBusPendingCall answer = m_bus.asyncCall(propertyCall(item, name));

@@ -49,6 +49,9 @@ public:
     /// How often the list of items was requested.
     int listings() const { return m_listings; }
 
+    /// Reads the pictures of all items without waiting for them.
+    void readPictures();
+
     /// Replies of one item, for which they wait; invalid or empty after an error.
     QVariant property(const QString &item, const QString &name);
     QVariantList call(const QString &item, const QString &path, const QString &interface,

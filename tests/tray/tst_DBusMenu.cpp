@@ -55,6 +55,8 @@ private slots:
     void sendsChangesTogetherWhileOpen();
     void announcesAddedAndRemovedActions();
     void closesTheMenuWhenDeleted();
+    void answersRepeatedIdsOnce();
+    void usesTheFirstEventsOfAGroup();
 
 private:
     std::unique_ptr<QMenu> m_menu;
@@ -241,6 +243,32 @@ void TestDBusMenu::closesTheMenuWhenDeleted()
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
     m_dbusMenu.reset();
     QCOMPARE(closed.count(), 1);
+}
+
+void TestDBusMenu::answersRepeatedIdsOnce()
+{
+    constexpr int many = 100'000;
+    QCOMPARE(m_dbusMenu->GetGroupProperties(QList<int>(many, 3), {u"label"_s}).size(), 1);
+    QList<int> ids = QList<int>(many, 3) + QList<int>(many, 1);
+    const auto items = m_dbusMenu->GetGroupProperties(ids, {u"label"_s});
+    QCOMPARE(items.size(), 2);
+    QCOMPARE(items[0].id, 3);
+    QCOMPARE(items[1].id, 1);
+    const QSignalSpy shown(m_menu.get(), &QMenu::aboutToShow);
+    QList<int> unknown;
+    m_dbusMenu->AboutToShowGroup(QList<int>(many, 0) + QList<int>(many, 99), unknown);
+    QCOMPARE(unknown, QList<int>{99});
+    QCOMPARE(shown.count(), 1);
+}
+
+void TestDBusMenu::usesTheFirstEventsOfAGroup()
+{
+    const QSignalSpy clicks(m_command, &QAction::triggered);
+    const DBusMenuEvent click{.id = 3, .type = u"clicked"_s};
+    m_dbusMenu->EventGroup(QList<DBusMenuEvent>(3, click));
+    QTRY_COMPARE(clicks.count(), 3);
+    m_dbusMenu->EventGroup(QList<DBusMenuEvent>(100'000, click));
+    QTRY_COMPARE(clicks.count(), 3 + 64);
 }
 
 QTEST_MAIN(TestDBusMenu)

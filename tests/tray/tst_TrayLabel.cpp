@@ -112,6 +112,8 @@ private slots:
     void registersInOrderAtATrayThatAnswersLate();
     void registersInOrderAtATrayThatRestartsInBetween();
     void appearsInATrayThatAnswersWithErrors();
+    void aTrayThatReadsAllTheTimeGetsAllItems();
+    void manySignalsOfATrayAreOneQuestion();
     void aTrayThatHangsBlocksNothing();
     void reportsAMissingTrayOnce();
     void reportsNoMissingTrayWhereThereIsOne();
@@ -785,6 +787,34 @@ void TestTrayLabel::appearsInATrayThatAnswersWithErrors()
     m_tray->refuseRegistrations();
     TRY_COMPARE(m_tray->items().size(), 3);
     QCOMPARE(ids(), squareIds);
+}
+
+/// The desktop reads the picture of each item more often than an item counts as read.
+void TestTrayLabel::aTrayThatReadsAllTheTimeGetsAllItems()
+{
+    makeLabel({.tray = 50ms, .read = 500ms, .quiet = 200ms, .check = 50ms});
+    QTimer reader;
+    connect(&reader, &QTimer::timeout, this, [this] { m_tray->readPictures(); });
+    reader.start(20ms);
+    m_tray = std::make_unique<FakeTray>(m_bus->address(), "kded6");
+    TRY_COMPARE(ids(), squareIds);
+}
+
+void TestTrayLabel::manySignalsOfATrayAreOneQuestion()
+{
+    constexpr int many = 5000;
+    startTray("kded6");
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    for (int number = 0; number < many; ++number)
+        m_tray->setHost(true);
+    const QStringList members = membersSince(monitor);
+    QCOMPARE(members.count("StatusNotifierHostRegistered"_L1), many);
+    const auto questions = members.count("Get"_L1);
+    QVERIFY2(questions < many / 10, qPrintable(QString::number(questions)));
+    // The last signal counts.
+    m_tray->setHost(false);
+    TRY_VERIFY(m_tray->items().isEmpty());
 }
 
 void TestTrayLabel::aTrayThatHangsBlocksNothing()

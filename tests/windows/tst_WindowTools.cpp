@@ -5,6 +5,8 @@
 #include <QTest>
 #include <QWindow>
 
+#include <cstdlib>
+
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
@@ -16,6 +18,7 @@ private slots:
     void restoresAMinimizedWindowAsItWas();
     void usesAValidToken_data();
     void usesAValidToken();
+    void keepsOneTokenInMemory();
     void hasTheProgramsIcon();
     void closesOnItsShortcuts_data();
     void closesOnItsShortcuts();
@@ -63,6 +66,22 @@ void TestWindowTools::usesAValidToken()
     qputenv("XDG_ACTIVATION_TOKEN", "earlier");
     useActivationToken(token);
     QTEST(qgetenv("XDG_ACTIVATION_TOKEN"), "expected");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+void TestWindowTools::keepsOneTokenInMemory()
+{
+    useActivationToken("first");
+    const char *place = std::getenv("XDG_ACTIVATION_TOKEN");
+    for (int number = 0; number < 100'000; ++number) {
+        useActivationToken(QByteArray::number(number));
+        QVERIFY(std::getenv("XDG_ACTIVATION_TOKEN") == place);
+    }
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), "99999"_ba);
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    useActivationToken("again");
+    QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), "again"_ba);
+    QVERIFY(std::getenv("XDG_ACTIVATION_TOKEN") == place);
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
