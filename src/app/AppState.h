@@ -1,5 +1,7 @@
 #pragma once
 
+#include "chip/ChipIdentity.h"
+#include "figures/MetricsFile.h"
 #include "login/LaunchAtLoginManager.h"
 #include "sampler/AppSettings.h"
 #include "sampler/SystemSampler.h"
@@ -14,6 +16,7 @@ struct AppState {
     SystemSampler sampler{settings}; ///< Samples from its construction on.
     LaunchAtLoginManager launch;
     UpdaterManager updater;
+    MetricsFile metrics{sampler, ChipInfo::current().name}; ///< Written where the settings say.
 };
 
 } // namespace corvane

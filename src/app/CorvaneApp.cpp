@@ -1,6 +1,7 @@
 #include "app/CorvaneApp.h"
 
 #include "app/AboutPanel.h"
+#include "app/CommandLine.h"
 #include "app/DesktopSession.h"
 #include "app/DisplayGuard.h"
 #include "app/PaintingThread.h"
@@ -26,6 +27,9 @@
 #include <memory>
 #include <optional>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace corvane {
 
 namespace {
@@ -40,6 +44,51 @@ void nameProgram()
     QCoreApplication::setApplicationName(u"Corvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral(CORVANE_IDENTIFIER));
+}
+
+QStringList words(int argc, char **argv)
+{
+    QStringList words;
+    for (int place = 0; place < argc; ++place)
+        words.append(QString::fromLocal8Bit(argv[place]));
+    return words;
+}
+
+void printLine(std::FILE *file, const QString &text)
+{
+    std::fputs((text + u'\n').toLocal8Bit().constData(), file);
+}
+
+/// Prints samples until standard output closes or all is printed.
+int printFigures(FiguresForm form)
+{
+    AppSettings settings;
+    const SystemSampler sampler(settings, {}, keepsNoHistory);
+    const FiguresOutput output(sampler, form, ChipInfo::current().name, STDOUT_FILENO);
+    QObject::connect(&output, &FiguresOutput::finished, qApp, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    return QCoreApplication::exec();
+}
+
+/// The exit status of a start that shows no window; absent for one that does.
+std::optional<int> statusWithoutWindows(const CommandLine &line, bool hasOutput, int &argc,
+                                        char **argv)
+{
+    if (!line.error.isEmpty()) {
+        printLine(stderr, u"Corvane: "_s + line.error);
+        return wrongCommandLine;
+    }
+    if (!line.asksForHelp && !line.asksForVersion && !line.figures)
+        return std::nullopt;
+    if (!hasOutput)
+        return EXIT_FAILURE;
+    const QCoreApplication application(argc, argv);
+    if (line.figures)
+        return printFigures(*line.figures);
+    printLine(stdout,
+              line.asksForHelp ? helpText().trimmed()
+                               : u"Corvane "_s + QCoreApplication::applicationVersion());
+    return EXIT_SUCCESS;
 }
 
 /// The exit status of a start that is not the first; absent for the first.
@@ -73,12 +122,13 @@ std::unique_ptr<QApplication> makeApplication(int &argc, char **argv)
 
 } // namespace
 
-CorvaneApp::CorvaneApp(QObject *parent) : QObject(parent)
+CorvaneApp::CorvaneApp(bool isBackground, QObject *parent) : QObject(parent)
 {
     assertMainThread();
     connectCommands();
-    connectLabel();
+    connectLabel(isBackground);
     connectPanel();
+    connectMetrics();
     if (hostSystem() == HostSystem::mac)
         m_menuBar = m_commands.makeMenuBar();
 }
@@ -109,7 +159,8 @@ void CorvaneApp::openMainWindow()
 void CorvaneApp::openSettings()
 {
     if (!isOpen(m_settings)) {
-        m_settings = new SettingsWindow(m_state.launch, m_state.updater);
+        m_settings =
+            new SettingsWindow(m_state.launch, m_state.updater, m_state.settings, m_state.metrics);
         deleteOnClose(*m_settings);
         m_settings->addActions(m_commands.inMenuOrder()); // For their shortcuts.
     }
@@ -148,15 +199,26 @@ void CorvaneApp::connectRequests(const InstanceSocket &socket, const Application
     connect(&service, &ApplicationService::anotherAnswered, qApp, &QCoreApplication::quit);
 }
 
-void CorvaneApp::connectLabel()
+void CorvaneApp::connectLabel(bool isBackground)
 {
     const auto show = [this] { m_label.show(m_state.sampler.current()); };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
-    // A program that runs and shows nothing is a defect.
-    connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
+    // A program that runs and shows nothing is a defect, unless it was started like that.
+    if (!isBackground)
+        connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
     show();
+}
+
+void CorvaneApp::connectMetrics()
+{
+    const auto follow = [this] {
+        const AppSettings &settings = m_state.settings;
+        m_state.metrics.setFolder(settings.writesMetrics() ? settings.metricsFolder() : QString());
+    };
+    connect(&m_state.settings, &AppSettings::metricsChanged, this, follow);
+    follow();
 }
 
 void CorvaneApp::connectPanel()
@@ -192,14 +254,19 @@ void CorvaneApp::connectMainWindow()
 
 int run(int argc, char **argv)
 {
+    const bool hasOutput = fcntl(STDOUT_FILENO, F_GETFD) >= 0;
     openStandardDescriptors();
     dropRelativeFolders();
     ignoreWriteSignals();
     raiseDescriptorLimit();
     shareOneHeap();
     nameProgram();
+    const CommandLine line = parsedCommandLine(words(argc, argv));
+    if (const auto status = statusWithoutWindows(line, hasOutput, argc, argv))
+        return *status;
+
     const InstanceMessage message = messageOfThisStart();
-    const SingleInstance instance(message);
+    const SingleInstance instance(line.isBackground ? std::nullopt : std::optional(message));
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
@@ -211,7 +278,7 @@ int run(int argc, char **argv)
     if (!startPaintingThread())
         endWithoutThreads();
     const QuitSignals quitSignals;
-    CorvaneApp corvane;
+    CorvaneApp corvane(line.isBackground);
     const InstanceSocket socket(instance.socketPath());
     const auto service = makeApplicationService(message.activationToken);
     corvane.connectRequests(socket, *service);

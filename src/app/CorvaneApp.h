@@ -22,7 +22,8 @@ class CorvaneApp : public QObject {
     Q_OBJECT
 
 public:
-    explicit CorvaneApp(QObject *parent = nullptr);
+    /// Started in the background, it opens no window by itself, even without a label.
+    explicit CorvaneApp(bool isBackground = false, QObject *parent = nullptr);
     ~CorvaneApp() override;
 
     /// Opens the dashboard, or brings it to the front, restored if it was minimized.
@@ -37,7 +38,8 @@ public:
 private:
     void checkForUpdates();
     void connectCommands();
-    void connectLabel();
+    void connectLabel(bool isBackground);
+    void connectMetrics();
     void connectPanel();
     void connectMainWindow();
 

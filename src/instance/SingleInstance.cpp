@@ -54,8 +54,8 @@ bool requestOpen(const std::string &path, const InstanceMessage &message,
 
 } // namespace
 
-SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::milliseconds timeout,
-                               const std::string &folder)
+SingleInstance::SingleInstance(const std::optional<InstanceMessage> &message,
+                               std::chrono::milliseconds timeout, const std::string &folder)
     : m_lock(folder)
 {
     if (folder.empty())
@@ -63,7 +63,9 @@ SingleInstance::SingleInstance(const InstanceMessage &message, std::chrono::mill
     m_socketPath = instanceSocket(folder);
     const Clock::time_point deadline = Clock::now() + timeout;
     for (auto holder = m_lock.take(); holder != FolderLock::Holder::self; holder = m_lock.take()) {
-        if (requestOpen(m_socketPath, message, deadline)) {
+        const bool isSecond = message ? requestOpen(m_socketPath, *message, deadline)
+                                      : holder == FolderLock::Holder::other;
+        if (isSecond) {
             m_standing = Standing::second;
             return;
         }

@@ -5,25 +5,26 @@
 #include "platform/FolderLock.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace corvane {
 
 /// Makes this process the user's only Corvane or, if one runs already, asks that one to open its
-/// dashboard. Created before everything else and kept until the process ends, because it holds the
-/// lock. Without a folder that can be locked, this process counts as the first unless another one
-/// answers at once.
+/// dashboard, unless there is no message for it. Created before everything else and kept until the
+/// process ends, because it holds the lock. Without a folder that can be locked, this process
+/// counts as the first unless another one answers at once.
 class SingleInstance {
 public:
     enum class Standing {
         first,      ///< No other runs.
-        second,     ///< Another runs and has opened its dashboard.
+        second,     ///< Another runs and has opened its dashboard, if asked.
         unanswered, ///< Another runs but does not answer.
     };
 
     /// Blocks until the result is known, at most for the time-out: the other process may be
     /// starting or ending.
-    explicit SingleInstance(const InstanceMessage &message,
+    explicit SingleInstance(const std::optional<InstanceMessage> &message,
                             std::chrono::milliseconds timeout = std::chrono::seconds(10),
                             const std::string &folder = instanceFolder());
 

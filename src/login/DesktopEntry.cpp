@@ -215,7 +215,8 @@ QByteArray autostartEntry(const QString &program)
                          "Comment=System monitor\n"
                          "Icon="_s
         + QStringLiteral(CORVANE_IDENTIFIER) + u"\nTryExec="_s + escaped(program) + u"\nExec="_s
-        + escaped(commandOf(program)) + u"\nTerminal=false\nStartupNotify=false\n"_s;
+        + escaped(commandOf(program) + " --background"_L1)
+        + u"\nTerminal=false\nStartupNotify=false\n"_s;
     return text.toUtf8();
 }
 

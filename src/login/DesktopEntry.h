@@ -29,8 +29,8 @@ bool isStarted(const DesktopEntry &entry, const QStringList &desktops);
 /// The desktops of this session.
 QStringList currentDesktops();
 
-/// The bytes of an entry that starts a program with every session. The program is given by an
-/// absolute path without an equals sign.
+/// The bytes of an entry that starts a program with every session, in the background. The program
+/// is given by an absolute path without an equals sign.
 QByteArray autostartEntry(const QString &program);
 
 } // namespace corvane

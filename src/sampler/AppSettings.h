@@ -12,6 +12,8 @@ namespace corvane {
 /// Main thread. An unknown stored value counts as the one-minute window.
 class AppSettings : public QObject {
     Q_OBJECT
+    Q_PROPERTY(QString metricsFolder READ metricsFolder NOTIFY metricsChanged)
+    Q_PROPERTY(bool writesMetrics READ writesMetrics NOTIFY metricsChanged)
     Q_PROPERTY(corvane::HistoryWindow historyWindow READ historyWindow WRITE setHistoryWindow NOTIFY
                    historyWindowChanged)
 
@@ -23,12 +25,23 @@ public:
     /// Notifies observers, then stores; also if the value is the present one.
     void setHistoryWindow(HistoryWindow window);
 
+    /// Where the metrics file is written if that is wanted; empty: no folder was chosen.
+    const QString &metricsFolder() const { return m_metricsFolder; }
+    bool writesMetrics() const { return m_writesMetrics; }
+
+    /// Store the choice, then notify observers if it is a new one.
+    void setMetricsFolder(const QString &folder);
+    void setWritesMetrics(bool writes);
+
 signals:
+    void metricsChanged();
     void historyWindowChanged(corvane::HistoryWindow window);
 
 private:
     Preferences m_store;
     HistoryWindow m_historyWindow = HistoryWindow::oneMin;
+    QString m_metricsFolder = {};
+    bool m_writesMetrics = false;
 };
 
 } // namespace corvane

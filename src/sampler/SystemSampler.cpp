@@ -25,7 +25,8 @@ SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
     : QObject(parent),
       m_settings(settings),
       m_sources(std::move(sources)),
-      m_store(historyDirectory)
+      m_store(historyDirectory.isEmpty() ? nullptr
+                                         : std::make_unique<HistoryStore>(historyDirectory))
 {
     assertMainThread();
     m_history = loadHistory(seconds(settings.historyWindow()));
@@ -57,14 +58,15 @@ void SystemSampler::tick()
     keepNewest(m_history, seconds(m_settings.historyWindow()));
     emit historyChanged();
 
-    m_store.append(PersistedMetric::from(m_current));
+    if (m_store)
+        m_store->append(PersistedMetric::from(m_current));
 
     ++m_tickCount;
     if (m_tickCount % processSampleEveryNTicks == 0 && m_sources.survey)
         survey();
     emptyOldLists();
-    if (m_tickCount % trimEveryNTicks == 0)
-        m_store.trim(trimKeepSeconds);
+    if (m_tickCount % trimEveryNTicks == 0 && m_store)
+        m_store->trim(trimKeepSeconds);
 }
 
 void SystemSampler::survey()
@@ -124,7 +126,9 @@ void SystemSampler::applyWindowChange(qint64 windowSeconds)
 
 std::vector<SystemMetrics> SystemSampler::loadHistory(qint64 windowSeconds)
 {
-    m_load = m_store.startLoad(static_cast<int>(windowSeconds));
+    if (!m_store)
+        return {};
+    m_load = m_store->startLoad(static_cast<int>(windowSeconds));
     m_ticksAtLoad = m_tickCount;
     return takeLoaded(m_sources.diskPatience);
 }

@@ -54,6 +54,7 @@ public:
 
     /// Loads the newest records of the file, takes the first sample and starts the timer. A disk
     /// that hangs delays none of it: its records join the history when they arrive.
+    /// In an empty directory (`keepsNoHistory`) it neither reads nor writes a file.
     explicit SystemSampler(AppSettings &settings, SamplerSources sources = {},
                            const QString &historyDirectory = HistoryStore::defaultDirectory(),
                            QObject *parent = nullptr);
@@ -91,9 +92,9 @@ private:
 
     AppSettings &m_settings;
     SamplerSources m_sources;
-    HistoryStore m_store;
-    QTimer m_timer{this};   ///< A child, so that tests can find and stop it.
-    qint64 m_tickCount = 0; ///< Completed ticks.
+    std::unique_ptr<HistoryStore> m_store; ///< Null: no file is kept.
+    QTimer m_timer{this};                  ///< A child, so that tests can find and stop it.
+    qint64 m_tickCount = 0;                ///< Completed ticks.
 
     int m_surveysOut = 0; ///< Surveys that run.
     // Completed ticks when the survey of what is shown was begun.
@@ -109,6 +110,9 @@ private:
     std::vector<AIWorkload> m_aiWorkloads;
     std::vector<GPUHolders> m_gpuHolders;
 };
+
+/// The directory of a sampler without a file.
+inline const QString keepsNoHistory = {};
 
 /// The history for a new window length: its newest samples if it is longer than the window, else
 /// what `load` returns if these are more samples.

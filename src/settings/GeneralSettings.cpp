@@ -2,6 +2,7 @@
 
 #include "controls/Switch.h"
 #include "login/LaunchAtLoginManager.h"
+#include "settings/MetricsSettings.h"
 #include "settings/SettingsNote.h"
 #include "settings/SettingsTexts.h"
 #include "ui/Theme.h"
@@ -10,11 +11,13 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent)
+GeneralSettings::GeneralSettings(LaunchAtLoginManager &launch, AppSettings &settings,
+                                 const MetricsFile &metrics, QWidget *parent)
     : SettingsPage(u"Startup"_s, 1, parent),
       m_launch(new Switch(u"Launch Corvane at login"_s, this)),
       m_error(SettingsNote::outcome(Theme::critical, this)),
-      m_note(SettingsNote::explanation(this))
+      m_note(SettingsNote::explanation(this)),
+      m_metrics(new MetricsSettings(settings, metrics, this))
 {
     m_note->showMarkdown(loginNote());
     connect(m_launch, &QAbstractButton::clicked, &launch, &LaunchAtLoginManager::setEnabled);
@@ -39,7 +42,8 @@ void GeneralSettings::resizeEvent(QResizeEvent *)
 void GeneralSettings::layOut()
 {
     m_launch->setGeometry(row(0));
-    placeNote(*m_note, placeNote(*m_error, groupBottom()));
+    const int top = placeNote(*m_note, placeNote(*m_error, groupBottom()));
+    m_metrics->setGeometry(0, top, width(), height() - top);
 }
 
 } // namespace corvane

@@ -4,15 +4,20 @@
 
 namespace corvane {
 
+class AppSettings;
 class LaunchAtLoginManager;
+class MetricsFile;
+class MetricsSettings;
 class Switch;
 
-/// The switch for the start at login. Owned by the settings window; main thread.
+/// The switch for the start at login, and below it the metrics file. Owned by the settings window;
+/// main thread.
 class GeneralSettings : public SettingsPage {
     Q_OBJECT
 
 public:
-    explicit GeneralSettings(LaunchAtLoginManager &launch, QWidget *parent = nullptr);
+    GeneralSettings(LaunchAtLoginManager &launch, AppSettings &settings, const MetricsFile &metrics,
+                    QWidget *parent = nullptr);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
@@ -24,6 +29,7 @@ private:
     Switch *m_launch;
     SettingsNote *m_error;
     SettingsNote *m_note;
+    MetricsSettings *m_metrics;
 };
 
 } // namespace corvane

@@ -27,12 +27,13 @@ constexpr int barHeight = SettingsTabs::barHeight;
 } // namespace
 
 SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater,
-                               QWidget *parent)
+                               AppSettings &settings, const MetricsFile &metrics, QWidget *parent)
     : QWidget(parent, Qt::Dialog),
       m_launch(launch),
       m_updater(updater),
       m_tabs(new SettingsTabs(this)),
-      m_pages{new GeneralSettings(launch, this), new UpdateSettings(updater, this)}
+      m_pages{new GeneralSettings(launch, settings, metrics, this),
+              new UpdateSettings(updater, this)}
 {
     assertMainThread();
     setAttribute(Qt::WA_OpaquePaintEvent);

@@ -6,22 +6,24 @@
 
 namespace corvane {
 
+class AppSettings;
 class LaunchAtLoginManager;
+class MetricsFile;
 class SettingsPage;
 class SettingsTabs;
 class UpdaterManager;
 
 enum class SettingsTab { general, updates };
 
-/// The settings window, with a tab for the start at login and one for updates. Created by the
-/// application when it is opened; main thread. It reads the system's state again each time that it
-/// comes to the front. Escape closes it.
+/// The settings window, with a tab for the start at login and the metrics file, and one for
+/// updates. Created by the application when it is opened; main thread. It reads the system's state
+/// again each time that it comes to the front. Escape closes it.
 class SettingsWindow : public QWidget {
     Q_OBJECT
 
 public:
-    SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater,
-                   QWidget *parent = nullptr);
+    SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &updater, AppSettings &settings,
+                   const MetricsFile &metrics, QWidget *parent = nullptr);
 
     void showTab(SettingsTab tab);
 

@@ -1,6 +1,7 @@
 corvane_test(app/tst_CorvaneApp)
 corvane_test(app/tst_AboutTexts)
 corvane_test(app/tst_AboutPanel SYSTEM linux simulated-mac)
+corvane_test(app/tst_CommandLine)
 corvane_test(app/tst_Commands)
 corvane_test(app/tst_DisplayGuard)
 corvane_test(app/tst_QuitSignals)

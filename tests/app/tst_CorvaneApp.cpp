@@ -52,6 +52,7 @@ class TestCorvaneApp : public QObject {
 
 private slots:
     void opensOneDashboard();
+    void opensNothingByItselfInTheBackground();
     void aClosedDashboardIsDeletedAndCanBeOpenedAgain();
     void aDashboardThatWasJustClosedOpensAgain();
     void thePanelOpensTheDashboard();
@@ -78,6 +79,18 @@ void TestCorvaneApp::opensOneDashboard()
     QCOMPARE(windows<MainWindow>().size(), 1);
     QVERIFY(windows<MainWindow>().first()->isVisible());
     QVERIFY(!windows<MainWindow>().first()->isMinimized());
+}
+
+/// The other label notices later that there is no tray.
+void TestCorvaneApp::opensNothingByItselfInTheBackground()
+{
+    const CorvaneApp corvane(true);
+    const TrayLabel other({});
+    if (other.isAvailable())
+        QSKIP("This desktop has a tray.");
+    QSignalSpy missing(&other, &TrayLabel::trayIsMissing);
+    QVERIFY(missing.wait());
+    QVERIFY(windows<MainWindow>().isEmpty());
 }
 
 void TestCorvaneApp::aClosedDashboardIsDeletedAndCanBeOpenedAgain()

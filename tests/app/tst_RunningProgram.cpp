@@ -76,6 +76,8 @@ private slots:
     void endsWithItsDisplay();
     void reportsAMissingDisplayInOneLine_data();
     void reportsAMissingDisplayInOneLine();
+    void answersWithoutADisplay_data();
+    void answersWithoutADisplay();
 
 private:
     QString historyFolder() const { return m_session->path(u"data/Corvane"_s); }
@@ -523,6 +525,44 @@ void TestRunningProgram::reportsAMissingDisplayInOneLine()
     ProgramRun corvane = start();
     QCOMPARE(corvane.exitStatus(), 1);
     QCOMPARE(corvane.errors(), line.toUtf8() + ".\n");
+}
+
+void TestRunningProgram::answersWithoutADisplay_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("begin");
+    QTest::addColumn<QByteArray>("errors");
+
+    QTest::newRow("help") << u"--help"_s << 0 << QByteArray("Usage: ") << QByteArray();
+    QTest::newRow("version") << u"--version"_s << 0 << QByteArray("Corvane ") << QByteArray();
+    QTest::newRow("figures") << u"--json"_s << 0 << QByteArray("{") << QByteArray();
+    QTest::newRow("figures of which one line is read")
+        << u"--json=stream | head -n 1"_s << 0 << QByteArray("{") << QByteArray();
+    QTest::newRow("figures for a closed output")
+        << u"--json=stream >&-"_s << 1 << QByteArray() << QByteArray();
+    QTest::newRow("figures for a full disk")
+        << u"--json=stream >/dev/full"_s << 0 << QByteArray() << QByteArray();
+    QTest::newRow("an unknown option")
+        << u"--jsno"_s << 2 << QByteArray() << QByteArray("Corvane: Unknown option 'jsno'.\n");
+}
+
+/// And writes no file.
+void TestRunningProgram::answersWithoutADisplay()
+{
+    QFETCH(const QString, command);
+    QFETCH(const QByteArray, begin);
+    m_session->environment.remove(u"QT_QPA_PLATFORM"_s);
+    QProcess shell;
+    shell.setProcessEnvironment(m_session->environment);
+    shell.start(u"sh"_s, {u"-c"_s, u'"' + programFile() + u"\" "_s + command});
+    QVERIFY(shell.waitForFinished());
+    QTEST(shell.exitCode(), "status");
+    QTEST(shell.readAllStandardError(), "errors");
+    const QByteArray output = shell.readAllStandardOutput();
+    QVERIFY2(output.startsWith(begin) && output.isEmpty() == begin.isEmpty(), output.constData());
+    for (const QString &folder : {u"config"_s, u"data"_s, u"cache"_s, u"runtime"_s})
+        QVERIFY2(QDir(m_session->path(folder)).isEmpty(), qPrintable(folder));
 }
 
 QTEST_GUILESS_MAIN(TestRunningProgram)

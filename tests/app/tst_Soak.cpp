@@ -5,6 +5,7 @@
 #include "charts/Sparkline.h"
 #include "chip/ChipSource_linux.h"
 #include "dashboard/MainWindow.h"
+#include "figures/MetricsFile.h"
 #include "login/LaunchAtLoginManager.h"
 #include "memory/MemoryFiles_linux.h"
 #include "panel/MenuBarContent.h"
@@ -208,6 +209,7 @@ private:
     std::unique_ptr<SystemSampler> m_sampler;
     std::unique_ptr<MenuBarContent> m_panel;
     std::unique_ptr<LaunchAtLoginManager> m_launch;
+    std::unique_ptr<MetricsFile> m_metrics;
     std::unique_ptr<UpdaterManager> m_updater;
     QPointer<MainWindow> m_window;
     QPointer<SettingsWindow> m_settingsWindow;
@@ -241,6 +243,7 @@ void TestSoak::initTestCase()
     m_usedAndFree = m_sampler->current().memory.used + m_machine->freeBytes();
     m_panel = std::make_unique<MenuBarContent>();
     m_launch = std::make_unique<LaunchAtLoginManager>();
+    m_metrics = std::make_unique<MetricsFile>(*m_sampler, u"Chip"_s);
     m_updater = std::make_unique<UpdaterManager>();
     connect(m_sampler.get(), &SystemSampler::currentChanged, this, [this] {
         ++m_samples;
@@ -275,7 +278,7 @@ void TestSoak::toggleSettings()
         m_settingsWindow->close();
         return;
     }
-    m_settingsWindow = new SettingsWindow(*m_launch, *m_updater);
+    m_settingsWindow = new SettingsWindow(*m_launch, *m_updater, *m_settings, *m_metrics);
     m_settingsWindow->setAttribute(Qt::WA_DeleteOnClose);
     m_settingsWindow->show();
     m_settingsWindow->showTab(random(0, 1) == 0 ? SettingsTab::general : SettingsTab::updates);

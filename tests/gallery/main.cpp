@@ -15,10 +15,12 @@
 #include "controls/InfoButton.h"
 #include "controls/InfoPopover.h"
 #include "dashboard/MainWindow.h"
+#include "figures/MetricsFile.h"
 #include "gallery/ScriptedSamples.h"
 #include "gallery/ShownMachines.h"
 #include "login/LaunchAtLoginManager.h"
 #include "panel/MenuBarContent.h"
+#include "sampler/SystemSampler.h"
 #include "settings/SettingsWindow.h"
 #include "support/ScriptedLoginItem.h"
 #include "support/ScriptedUpdater.h"
@@ -212,15 +214,20 @@ bool settings(const Gallery &gallery)
     found->find(u"Corvane 0.2.0 is available. Your system's software updater installs it."_s);
     UpdaterManager withFinding(std::move(found));
 
-    SettingsWindow general(on, updater);
+    AppSettings settings;
+    SystemSampler sampler(settings,
+                          {.memory = [] { return MemorySnapshot{}; }, .chip = {}, .survey = {}},
+                          keepsNoHistory);
+    const MetricsFile metrics(sampler, {});
+    SettingsWindow general(on, updater, settings, metrics);
     bool good = gallery.save(general, u"settings-general"_s);
     refused.setEnabled(true);
-    SettingsWindow error(refused, updater);
+    SettingsWindow error(refused, updater, settings, metrics);
     good &= gallery.save(error, u"settings-general-error"_s);
-    SettingsWindow updates(on, updater);
+    SettingsWindow updates(on, updater, settings, metrics);
     updates.showTab(SettingsTab::updates);
     good &= gallery.save(updates, u"settings-updates"_s);
-    SettingsWindow finding(on, withFinding);
+    SettingsWindow finding(on, withFinding, settings, metrics);
     finding.showTab(SettingsTab::updates);
     return gallery.save(finding, u"settings-updates-finding"_s) && good;
 }

@@ -46,15 +46,15 @@ void TestSingleInstance::initTestCase()
 void TestSingleInstance::isTheFirstIfNoneRuns()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     QCOMPARE(first.standing(), Standing::first);
     QCOMPARE(first.socketPath(), starts.path() + "/socket");
 }
 
 void TestSingleInstance::isTheFirstWithoutAFolder()
 {
-    const SingleInstance first({}, 0ms, "");
-    const SingleInstance second({}, 0ms, "");
+    const SingleInstance first(InstanceMessage{}, 0ms, "");
+    const SingleInstance second(InstanceMessage{}, 0ms, "");
     QCOMPARE(second.standing(), Standing::first);
     QCOMPARE(second.socketPath(), std::string());
 }
@@ -62,7 +62,7 @@ void TestSingleInstance::isTheFirstWithoutAFolder()
 void TestSingleInstance::asksTheFirstToOpen()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     const InstanceSocket socket(first.socketPath());
     QSignalSpy requests(&socket, &InstanceSocket::openRequested);
     auto second = starts.second();
@@ -74,7 +74,7 @@ void TestSingleInstance::asksTheFirstToOpen()
 void TestSingleInstance::waitsUntilTheFirstListens()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     auto second = starts.second();
     QCOMPARE(second.wait_for(100ms), std::future_status::timeout);
     const InstanceSocket socket(first.socketPath());
@@ -94,7 +94,7 @@ void TestSingleInstance::succeedsOneThatEnds()
 void TestSingleInstance::givesUpOnOneThatDoesNotListen()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     auto second = starts.second(50ms);
     TRY_COMPARE_STANDING(second, Standing::unanswered);
 }
@@ -103,7 +103,7 @@ void TestSingleInstance::givesUpOnOneThatDoesNotListen()
 void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     const FileDescriptor stopped = openUnixSocket();
     QVERIFY(listenAt(stopped, first.socketPath()));
     auto second = starts.second(50ms);
@@ -113,7 +113,7 @@ void TestSingleInstance::givesUpOnOneThatDoesNotAnswer()
 void TestSingleInstance::givesUpOnOneThatClosesTheConnection()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     const FileDescriptor listener = openUnixSocket();
     QVERIFY(listenAt(listener, first.socketPath()));
     auto second = starts.second(200ms);
@@ -127,7 +127,7 @@ void TestSingleInstance::givesUpOnOneThatClosesTheConnection()
 void TestSingleInstance::rejectsAnotherAnswer()
 {
     const InstanceStarts starts;
-    const SingleInstance first({}, 0ms, starts.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
     const FileDescriptor listener = openUnixSocket();
     QVERIFY(listenAt(listener, first.socketPath()));
     auto second = starts.second(200ms);
@@ -148,8 +148,8 @@ void TestSingleInstance::ignoresOneOfAnotherFolder()
 {
     const InstanceStarts starts;
     const InstanceStarts others;
-    const SingleInstance first({}, 0ms, starts.path());
-    const SingleInstance second({}, 0ms, others.path());
+    const SingleInstance first(InstanceMessage{}, 0ms, starts.path());
+    const SingleInstance second(InstanceMessage{}, 0ms, others.path());
     QCOMPARE(second.standing(), Standing::first);
 }
 

@@ -49,7 +49,7 @@ void TestUnlockableFolder::isTheFirstIfNoneAnswers()
     QFETCH(const int, error);
     const InstanceStarts starts;
     FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), error);
-    const SingleInstance first({}, timeout, starts.path());
+    const SingleInstance first(InstanceMessage{}, timeout, starts.path());
     QCOMPARE(first.standing(), Standing::first);
     QCOMPARE(first.socketPath(), starts.path() + "/socket");
 }
@@ -58,7 +58,7 @@ void TestUnlockableFolder::asksTheFirstNonetheless()
 {
     const InstanceStarts starts;
     FaultyCalls::fail(FaultyCalls::Call::lock, starts.path(), ENOLCK);
-    const SingleInstance first({}, timeout, starts.path());
+    const SingleInstance first(InstanceMessage{}, timeout, starts.path());
     const InstanceSocket socket(first.socketPath());
     const QSignalSpy requests(&socket, &InstanceSocket::openRequested);
     auto second = starts.second(timeout);

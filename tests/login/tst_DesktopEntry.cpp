@@ -179,10 +179,12 @@ void TestDesktopEntry::writesEscapedAndQuotedPaths()
     const QList<QByteArray> lines = autostartEntry(u"/opt/a $b/corvane"_s).split('\n');
     QCOMPARE(lines.constFirst(), QByteArray("[Desktop Entry]"));
     QVERIFY(lines.contains("Type=Application"));
-    QVERIFY(lines.contains(R"(Exec="/opt/a \\$b/corvane")"));
+    QVERIFY(lines.contains(R"(Exec="/opt/a \\$b/corvane" --background)"));
     QVERIFY(lines.contains(R"(TryExec=/opt/a $b/corvane)"));
-    QVERIFY(autostartEntry(u"/100%/corvane"_s).contains("\nExec=/usr/bin/env /100%%/corvane\n"));
-    QVERIFY(autostartEntry(u"/usr/bin/corvane"_s).contains("\nExec=/usr/bin/corvane\n"));
+    QVERIFY(autostartEntry(u"/100%/corvane"_s)
+                .contains("\nExec=/usr/bin/env /100%%/corvane --background\n"));
+    QVERIFY(
+        autostartEntry(u"/usr/bin/corvane"_s).contains("\nExec=/usr/bin/corvane --background\n"));
 }
 
 QTEST_GUILESS_MAIN(TestDesktopEntry)

@@ -1,3 +1,4 @@
+corvane_test(settings/tst_MetricsSettings)
 corvane_test(settings/tst_SettingsTexts)
 corvane_test(settings/tst_SettingsTabs)
 corvane_test(settings/tst_SettingsNote)

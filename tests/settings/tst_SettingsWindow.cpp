@@ -1,6 +1,8 @@
 #include "controls/PanelButton.h"
 #include "controls/Switch.h"
+#include "figures/MetricsFile.h"
 #include "login/LaunchAtLoginManager.h"
+#include "sampler/SystemSampler.h"
 #include "settings/GeneralSettings.h"
 #include "settings/SettingsNote.h"
 #include "settings/SettingsTabs.h"
@@ -12,6 +14,8 @@
 #include "updates/UpdaterManager.h"
 
 #include <QTest>
+
+#include <algorithm>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -26,11 +30,11 @@ struct Shown {
         window.show();
     }
 
-    /// The switch of the visible page.
+    /// The first switch of the visible page.
     Switch &visibleSwitch() const
     {
         const auto switches = window.findChildren<Switch *>();
-        return *(switches[0]->isVisible() ? switches[0] : switches[1]);
+        return **std::ranges::find_if(switches, &QWidget::isVisible);
     }
 
     /// The visible texts: headings and rows first, then the notes from top to bottom.
@@ -50,7 +54,12 @@ struct Shown {
     ScriptedUpdater *updates; ///< The manager's.
     LaunchAtLoginManager launch{login.item()};
     UpdaterManager updater{std::unique_ptr<SystemUpdater>(updates)};
-    SettingsWindow window{launch, updater};
+    AppSettings settings;
+    SystemSampler sampler{settings,
+                          {.memory = [] { return MemorySnapshot{}; }, .chip = {}, .survey = {}},
+                          keepsNoHistory};
+    MetricsFile metrics{sampler, {}};
+    SettingsWindow window{launch, updater, settings, metrics};
 };
 
 } // namespace
@@ -102,9 +111,10 @@ void TestSettingsWindow::beginsWithTheGeneralTab()
     QVERIFY(shown.window.findChild<GeneralSettings *>()->isVisible());
     QVERIFY(!shown.window.findChild<UpdateSettings *>()->isVisible());
     const QStringList texts = shown.texts();
-    QCOMPARE(texts.size(), 2);
+    QCOMPARE(texts.size(), 5);
     QCOMPARE(texts[0], u"Startup"_s);
     QVERIFY(texts[1].startsWith(u"Launch at login uses "_s));
+    QCOMPARE(texts[2], u"Metrics"_s);
     QCOMPARE(shown.visibleSwitch().text(), u"Launch Corvane at login"_s);
 }
 
@@ -134,7 +144,7 @@ void TestSettingsWindow::aFailureIsUndoneAndExplained()
     shown.login.refusal = {};
     shown.visibleSwitch().click();
     QVERIFY(shown.visibleSwitch().isChecked());
-    QCOMPARE(shown.texts().size(), 2);
+    QCOMPARE(shown.texts().size(), 5);
     QCOMPARE(note->y(), place);
 }
 
@@ -195,7 +205,7 @@ void TestSettingsWindow::disablesItsControlsIfNoUpdatesCanCome()
     shown.visibleSwitch().click();
     QVERIFY(!shown.visibleSwitch().isChecked());
     QVERIFY(!none->automatic);
-    QVERIFY(!shown.window.findChild<PanelButton *>()->isEnabled());
+    QVERIFY(!shown.window.findChild<UpdateSettings *>()->findChild<PanelButton *>()->isEnabled());
     QCOMPARE(shown.texts().value(2), updatesNote(false));
 }
 
@@ -203,7 +213,7 @@ void TestSettingsWindow::checksOnceAtATime()
 {
     Shown shown;
     shown.window.showTab(SettingsTab::updates);
-    auto *checkNow = shown.window.findChild<PanelButton *>();
+    auto *checkNow = shown.window.findChild<UpdateSettings *>()->findChild<PanelButton *>();
     QCOMPARE(checkNow->text(), u"Check Now"_s);
     QVERIFY(checkNow->isEnabled());
     checkNow->click();
@@ -223,7 +233,8 @@ void TestSettingsWindow::showsTheFindingBesideTheButton()
     QCOMPARE(shown.texts().last(), u"Corvane is up to date."_s);
     const SettingsNote *finding =
         shown.window.findChild<UpdateSettings *>()->findChildren<SettingsNote *>().last();
-    const QRect button = shown.window.findChild<PanelButton *>()->geometry();
+    const QRect button =
+        shown.window.findChild<UpdateSettings *>()->findChild<PanelButton *>()->geometry();
     QVERIFY2(std::abs(finding->geometry().center().y() - button.center().y()) <= 1,
              "one line is vertically centred on the button");
     QVERIFY(finding->geometry().right() < button.left());
@@ -236,7 +247,8 @@ void TestSettingsWindow::aLongFindingKeepsAwayFromTheButton()
     shown.updates->find(u"word "_s.repeated(60));
     const SettingsNote *finding =
         shown.window.findChild<UpdateSettings *>()->findChildren<SettingsNote *>().last();
-    const QRect button = shown.window.findChild<PanelButton *>()->geometry();
+    const QRect button =
+        shown.window.findChild<UpdateSettings *>()->findChild<PanelButton *>()->geometry();
     QVERIFY(finding->height() >= 3 * 15);
     QCOMPARE(finding->y(), button.y());
     QVERIFY(finding->geometry().right() < button.left());

@@ -22,7 +22,8 @@ public:
         std::chrono::milliseconds timeout = std::chrono::minutes(1)) const
     {
         return std::async(std::launch::async, [this, timeout] {
-            return SingleInstance({.activationToken = "token"}, timeout, m_path).standing();
+            return SingleInstance(InstanceMessage{.activationToken = "token"}, timeout, m_path)
+                .standing();
         });
     }
 

@@ -1,0 +1,7 @@
+corvane_test(figures/tst_EnergyTotals)
+corvane_test(figures/tst_Figures)
+corvane_test(figures/tst_FiguresJSON)
+corvane_test(figures/tst_FiguresOutput)
+corvane_test(figures/tst_LineOutput)
+corvane_test(figures/tst_MetricsFile)
+corvane_test(figures/tst_MetricsText)
