@@ -16,6 +16,7 @@ corvane_fuzz(GPUClients LINK corvane::gpuclients)
 corvane_fuzz(TemperatureSensors LINK corvane::thermal)
 corvane_fuzz(Markdown LINK corvane::ui)
 corvane_fuzz(SingleLine LINK corvane::ui)
+corvane_fuzz(TrayAdvice LINK corvane::tray)
 corvane_fuzz(TrayHost LINK corvane::tray)
 corvane_fuzz(MenuRequests LINK corvane::tray)
 

@@ -7,6 +7,7 @@
 #include "app/PaintingThread.h"
 #include "app/ProcessStart.h"
 #include "app/QuitSignals.h"
+#include "controls/NoticeBar.h"
 #include "dashboard/MainWindow.h"
 #include "instance/ApplicationService.h"
 #include "instance/InstanceSocket.h"
@@ -201,14 +202,30 @@ void CorvaneApp::connectRequests(const InstanceSocket &socket, const Application
 
 void CorvaneApp::connectLabel(bool isBackground)
 {
-    const auto show = [this] { m_label.show(m_state.sampler.current()); };
+    const auto show = [this] {
+        m_label.show(m_state.sampler.current());
+        if (m_trayAdvice && m_label.isAvailable()) // A tray turned up.
+            m_trayAdvice->deleteLater();
+    };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
     // A program that runs and shows nothing is a defect, unless it was started like that.
     if (!isBackground)
-        connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::openMainWindow);
+        connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::showTrayAdvice);
     show();
+}
+
+/// Opens the dashboard, which says what would bring the label.
+void CorvaneApp::showTrayAdvice(const QString &advice)
+{
+    openMainWindow();
+    if (!m_state.settings.wantsTrayAdvice())
+        return;
+    m_trayAdvice = new NoticeBar(advice);
+    connect(m_trayAdvice, &NoticeBar::dismissedForGood, this,
+            [this] { m_state.settings.declineTrayAdvice(); });
+    m_mainWindow->showNotice(m_trayAdvice);
 }
 
 void CorvaneApp::connectMetrics()

@@ -14,6 +14,7 @@ namespace corvane {
 class ApplicationService;
 class InstanceSocket;
 class MainWindow;
+class NoticeBar;
 class SettingsWindow;
 
 /// The program: owns the state and shows it in the label, the panel and the dashboard. Created
@@ -36,6 +37,7 @@ public:
     void connectRequests(const InstanceSocket &socket, const ApplicationService &service);
 
 private:
+    void showTrayAdvice(const QString &advice);
     void checkForUpdates();
     void connectCommands();
     void connectLabel(bool isBackground);
@@ -50,6 +52,7 @@ private:
     MenuBarContent m_panel;
     std::unique_ptr<QMenuBar> m_menuBar; ///< A Mac's; null elsewhere.
     QPointer<MainWindow> m_mainWindow;   ///< Deletes itself when it is closed.
+    QPointer<NoticeBar> m_trayAdvice;    ///< In the dashboard; null while there is none.
     QPointer<SettingsWindow> m_settings; ///< Deletes itself when it is closed.
     int m_openings = 0;                  ///< Dashboards so far.
 };

@@ -23,6 +23,9 @@
 #include <QPainter>
 #include <QScreen>
 
+#include <algorithm>
+#include <utility>
+
 namespace corvane {
 
 namespace {
@@ -117,9 +120,45 @@ void MainWindow::paintEvent(QPaintEvent *event)
     paintWindowBackground(painter, *this, event->region());
 }
 
+void MainWindow::showNotice(QWidget *bar)
+{
+    delete m_notice;
+    bar->setParent(this);
+    setNotice(bar);
+    bar->show();
+}
+
+/// The grid keeps its height, as far as the window's size is the window's own choice.
+void MainWindow::setNotice(QWidget *bar)
+{
+    const int before = std::exchange(m_noticeHeight, bar ? bar->height() : 0);
+    m_notice = bar;
+    setMinimumSize(DashboardLayout::minimum + QSize(0, m_noticeHeight));
+    if (!isMaximized() && !isFullScreen()) {
+        const int room = std::max(screen()->availableSize().height(), height());
+        resize(width(), std::min(height() + m_noticeHeight - before, room));
+    }
+    arrange();
+}
+
+void MainWindow::childEvent(QChildEvent *event)
+{
+    if (event->removed() && event->child() == m_notice)
+        setNotice(nullptr);
+    QWidget::childEvent(event);
+}
+
 void MainWindow::resizeEvent(QResizeEvent *)
 {
-    const DashboardLayout layout = dashboardLayout(size());
+    arrange();
+}
+
+void MainWindow::arrange()
+{
+    const int bottom = height() - m_noticeHeight;
+    if (m_notice)
+        m_notice->setGeometry(0, bottom, width(), m_noticeHeight);
+    const DashboardLayout layout = dashboardLayout({width(), bottom});
     const std::array<QWidget *, 7> cards{m_memory,         m_power,          m_utilization[0],
                                          m_utilization[1], m_utilization[2], m_workloads,
                                          m_processes};

@@ -38,6 +38,10 @@ public:
     void showProcesses(const std::vector<ProcessRow> &processes);
     void showWorkloads(const std::vector<AIWorkload> &workloads);
 
+    /// Shows a bar of a fixed height below the cards until it is deleted, in a window that is
+    /// higher by as much. Takes ownership.
+    void showNotice(QWidget *bar);
+
 signals:
     /// Emitted when the window is visible and does not show the newest samples, processes and
     /// workloads: when it is opened, and when it is shown again. The receiver calls the functions
@@ -47,12 +51,15 @@ signals:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void childEvent(QChildEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     bool canBeSeen() const;
+    void setNotice(QWidget *bar);
+    void arrange();
 
     /// Whether new contents are to be shown; if not, the window is outdated from now on.
     bool takesContents();
@@ -64,6 +71,8 @@ private:
     std::array<UtilizationCard *, 3> m_utilization;
     AIWorkloadsCard *m_workloads;
     ProcessCard *m_processes;
+    QWidget *m_notice = nullptr; ///< Below the cards; null without one.
+    int m_noticeHeight = 0;
     std::uint64_t m_totalMemory = 0;
     bool m_isOutdated = true; ///< Nothing was shown yet, or something was ignored.
 };

@@ -13,6 +13,7 @@ using namespace Qt::StringLiterals;
 constexpr auto historyWindowKey = "historyWindow"_L1;
 constexpr auto metricsFolderKey = "metricsFolder"_L1;
 constexpr auto writesMetricsKey = "writeMetrics"_L1;
+constexpr auto trayAdviceKey = "trayAdvice"_L1;
 
 } // namespace
 
@@ -23,6 +24,7 @@ AppSettings::AppSettings(QObject *parent) : QObject(parent)
                           .value_or(HistoryWindow::oneMin);
     m_metricsFolder = m_store.value(metricsFolderKey).toString();
     m_writesMetrics = m_store.value(writesMetricsKey).toBool();
+    m_wantsTrayAdvice = m_store.value(trayAdviceKey).toString() != "false"_L1;
 }
 
 void AppSettings::setHistoryWindow(HistoryWindow window)
@@ -44,6 +46,12 @@ void AppSettings::setWritesMetrics(bool writes)
     m_store.setValue(writesMetricsKey, writes);
     if (std::exchange(m_writesMetrics, writes) != writes)
         emit metricsChanged();
+}
+
+void AppSettings::declineTrayAdvice()
+{
+    m_wantsTrayAdvice = false;
+    m_store.setValue(trayAdviceKey, false);
 }
 
 } // namespace corvane

@@ -5,7 +5,6 @@
 
 #include <QObject>
 
-
 namespace corvane {
 
 /// The user's choices, kept in the system's store of preferences. Owned by the application state.
@@ -33,6 +32,11 @@ public:
     void setMetricsFolder(const QString &folder);
     void setWritesMetrics(bool writes);
 
+    /// Whether the user wants to be told what brings the label to a desktop without a tray. True
+    /// until it was declined.
+    bool wantsTrayAdvice() const { return m_wantsTrayAdvice; }
+    void declineTrayAdvice();
+
 signals:
     void metricsChanged();
     void historyWindowChanged(corvane::HistoryWindow window);
@@ -42,6 +46,7 @@ private:
     HistoryWindow m_historyWindow = HistoryWindow::oneMin;
     QString m_metricsFolder = {};
     bool m_writesMetrics = false;
+    bool m_wantsTrayAdvice = true;
 };
 
 } // namespace corvane

@@ -33,7 +33,9 @@ public:
 signals:
     void activated(const QPoint &anchor); ///< A click at this point, to open the panel.
     void openWindowRequested();           ///< A click with the middle button.
-    void trayIsMissing(); ///< Emitted at most once, soon after the start: there is no tray so far.
+    /// Emitted at most once, soon after the start: there is no tray so far. `advice` is a sentence
+    /// on what would change that.
+    void trayIsMissing(const QString &advice);
 
 private:
     struct Bar; ///< The parts of the label on this system.

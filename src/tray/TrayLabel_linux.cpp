@@ -2,6 +2,7 @@
 #include "tray/MetricMenu.h"
 #include "tray/NotifierItems_linux.h"
 #include "tray/StatusNotifierWatcher_linux.h"
+#include "tray/TrayAdvice.h"
 #include "tray/TrayIcons_linux.h"
 #include "tray/TrayLabel.h"
 
@@ -72,7 +73,7 @@ TrayLabel::TrayLabel(const QList<QAction *> &commands, QObject *parent, const Tr
     QTimer::singleShot(waits.tray, this, [this, bar] {
         bar->useXEmbed();
         if (!isAvailable())
-            emit trayIsMissing();
+            emit trayIsMissing(trayAdviceForSession());
     });
 }
 

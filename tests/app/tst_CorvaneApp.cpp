@@ -2,10 +2,13 @@
 
 #include "app/AboutPanel.h"
 #include "cards/MemoryCard.h"
+#include "controls/NoticeBar.h"
+#include "controls/PanelButton.h"
 #include "dashboard/MainWindow.h"
 #include "settings/SettingsWindow.h"
 #include "settings/UpdateSettings.h"
 #include "support/NativeWindows.h"
+#include "tray/TrayAdvice.h"
 #include "windows/WindowLifecycleCoordinator.h"
 
 #include <QApplication>
@@ -13,6 +16,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -51,6 +55,10 @@ class TestCorvaneApp : public QObject {
     Q_OBJECT
 
 private slots:
+    void init();
+
+    void theDashboardSaysOnceWhatBringsTheLabel();
+    void adviceThatWasDeclinedIsNotShownAgain();
     void opensOneDashboard();
     void opensNothingByItselfInTheBackground();
     void aClosedDashboardIsDeletedAndCanBeOpenedAgain();
@@ -69,6 +77,51 @@ private slots:
     void openWindowsAreDeletedWithTheProgram();
     void onlyTheLabelAndThePanelExistAtStart();
 };
+
+/// Without the choices of another test or run.
+void TestCorvaneApp::init()
+{
+    QSettings settings;
+    settings.clear();
+    settings.sync();
+}
+
+/// It is not in the next dashboard of the same start.
+void TestCorvaneApp::theDashboardSaysOnceWhatBringsTheLabel()
+{
+    if (hostSystem() == HostSystem::mac)
+        QSKIP("A Mac always has a menu bar");
+    CorvaneApp corvane;
+    QTRY_COMPARE(windows<MainWindow>().size(), 1);
+    const QPointer<MainWindow> window = windows<MainWindow>().first();
+    const auto *bar = window->findChild<NoticeBar *>();
+    QVERIFY(bar);
+    QVERIFY(bar->isVisible());
+    QCOMPARE(bar->accessibleTexts()[0].value, trayAdviceForSession());
+    window->close();
+    QTRY_VERIFY(!window);
+    corvane.openMainWindow();
+    QVERIFY(!windows<MainWindow>().first()->findChild<NoticeBar *>());
+}
+
+void TestCorvaneApp::adviceThatWasDeclinedIsNotShownAgain()
+{
+    if (hostSystem() == HostSystem::mac)
+        QSKIP("A Mac always has a menu bar");
+    {
+        const CorvaneApp corvane;
+        QTRY_COMPARE(windows<MainWindow>().size(), 1);
+        const QPointer<NoticeBar> bar = windows<MainWindow>().first()->findChild<NoticeBar *>();
+        for (PanelButton *button : bar->findChildren<PanelButton *>()) {
+            if (button->text() == u"Don’t Show Again"_s)
+                button->click();
+        }
+        QTRY_VERIFY(!bar);
+    }
+    const CorvaneApp corvane;
+    QTRY_COMPARE(windows<MainWindow>().size(), 1);
+    QVERIFY(!windows<MainWindow>().first()->findChild<NoticeBar *>());
+}
 
 void TestCorvaneApp::opensOneDashboard()
 {

@@ -195,6 +195,7 @@ private:
     void warmUp();
     void use(int what);
     void useLabel(int what);
+    qsizetype labelSize() const;
     void tick();
     void checkCharts();
     void settle();
@@ -463,16 +464,22 @@ void TestSoak::checkGrowth(const std::vector<Resources> &all) const
     }
 }
 
+/// How many numbers the label has on the machine as it is now.
+qsizetype TestSoak::labelSize() const
+{
+    return std::ssize(labelNumbers(m_sampler->current()));
+}
+
 /// An action of the desktop or its user on the label.
 void TestSoak::useLabel(int what)
 {
-    const QString item = m_tray ? m_tray->items().value(random(0, 2)) : QString();
+    const QString item = m_tray ? m_tray->items().value(random(0, 1)) : QString();
     switch (what) {
     case 0:
         m_tray.reset();
         TRY_VERIFY(!m_label->isAvailable());
         m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
-        TRY_COMPARE(m_tray->items().size(), 3);
+        TRY_COMPARE(m_tray->items().size(), labelSize());
         break;
     case 1:
         QVERIFY(m_tray->property(item, u"ToolTip"_s).isValid());
@@ -521,7 +528,7 @@ void TestSoak::theLabelDoesNotGrow()
             all.push_back(resources());
         }
         QVERIFY(m_label->isAvailable());
-        QCOMPARE(m_tray->items().size(), 3);
+        TRY_COMPARE(m_tray->items().size(), labelSize()); // Cards come and go.
         if (QTest::currentTestFailed())
             return;
     }

@@ -12,6 +12,8 @@
 #include "support/Rendering.h"
 
 #include <QAccessible>
+#include <QPointer>
+#include <QScreen>
 #include <QTest>
 
 using namespace corvane;
@@ -111,6 +113,8 @@ class TestMainWindow : public QObject {
 
 private slots:
     void hasAMinimumSize();
+    void aNoticeTakesNothingFromTheGrid();
+    void aNoticeReplacesTheOneBefore();
     void showsQuickNumbers();
     void showsZerosWithoutAReading();
     void reducesTheHistory();
@@ -132,6 +136,51 @@ void TestMainWindow::hasAMinimumSize()
 {
     Shown shown({100, 100});
     QCOMPARE(shown.window.size(), QSize(920, 760));
+}
+
+void TestMainWindow::aNoticeTakesNothingFromTheGrid()
+{
+    const int room = QGuiApplication::primaryScreen()->availableSize().height();
+    Shown shown({920, 760});
+    QVERIFY(room >= 760 + 40);
+    const auto places = [&shown] {
+        QList<QRect> all;
+        for (const Card *card : shown.window.findChildren<Card *>())
+            all.append(card->geometry());
+        return all;
+    };
+    const QList<QRect> before = places();
+    auto *bar = new QWidget;
+    bar->setFixedHeight(40);
+    shown.window.showNotice(bar);
+    QCOMPARE(shown.window.size(), QSize(920, 800));
+    QCOMPARE(shown.window.minimumSize(), QSize(920, 800));
+    QCOMPARE(bar->geometry(), QRect(0, 760, 920, 40));
+    QVERIFY(bar->isVisible());
+    QCOMPARE(places(), before);
+    shown.window.resize(1000, 790 + 40);
+    QCOMPARE(bar->geometry(), QRect(0, 790, 1000, 40));
+
+    delete bar;
+    QCOMPARE(shown.window.minimumSize(), QSize(920, 760));
+    QCOMPARE(shown.window.size(), QSize(1000, 790));
+    shown.window.resize(920, 760);
+    QCOMPARE(places(), before);
+}
+
+/// A second notice replaces the first, and one that is still open ends with the window.
+void TestMainWindow::aNoticeReplacesTheOneBefore()
+{
+    const QPointer<QWidget> first = new QWidget;
+    const QPointer<QWidget> second = new QWidget;
+    {
+        Shown shown;
+        shown.window.showNotice(first);
+        shown.window.showNotice(second);
+        QVERIFY(!first);
+        QCOMPARE(second->parentWidget(), &shown.window);
+    }
+    QVERIFY(!second);
 }
 
 void TestMainWindow::showsQuickNumbers()

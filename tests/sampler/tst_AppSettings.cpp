@@ -32,6 +32,8 @@ private slots:
     void notifiesObserversOfEveryWrite();
     void readsWhatItStored();
     void keepsOtherKeys();
+    void remembersThatAdviceWasDeclined_data();
+    void remembersThatAdviceWasDeclined();
     void survivesADiskThatTakesNothing_data();
     void survivesADiskThatTakesNothing();
 
@@ -164,6 +166,29 @@ void TestAppSettings::keepsOtherKeys()
     QCOMPARE(stored.value("later"_L1).toInt(), 42);
     QCOMPARE(stored.value("window/x"_L1).toInt(), 7);
     QCOMPARE(stored.value("historyWindow"_L1).toInt(), 60);
+}
+
+void TestAppSettings::remembersThatAdviceWasDeclined_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<bool>("wanted");
+    QTest::newRow("no file") << QByteArray() << true;
+    QTest::newRow("declined") << QByteArray("[General]\ntrayAdvice=false\n") << false;
+    QTest::newRow("taken back by hand") << QByteArray("[General]\ntrayAdvice=true\n") << true;
+    QTest::newRow("garbage") << QByteArray("[General]\ntrayAdvice=@Rect(1 2 3 4)\n") << true;
+}
+
+void TestAppSettings::remembersThatAdviceWasDeclined()
+{
+    QFETCH(QByteArray, contents);
+    writeFile(contents);
+    {
+        AppSettings settings;
+        QTEST(settings.wantsTrayAdvice(), "wanted");
+        settings.declineTrayAdvice();
+        QVERIFY(!settings.wantsTrayAdvice());
+    }
+    QVERIFY(!AppSettings().wantsTrayAdvice());
 }
 
 void TestAppSettings::survivesADiskThatTakesNothing_data()

@@ -34,6 +34,9 @@ public:
     /// Starts the display; false on failure. Programs use it from here on.
     bool startDisplay();
 
+    /// Whether the tray shows the label, which has two numbers on every machine, and more on some.
+    bool hasLabel() const { return tray->items().size() >= 2; }
+
     QProcessEnvironment environment;         ///< Of the programs to be started.
     std::unique_ptr<PrivateBus> bus;         ///< Null before `startBus`.
     std::unique_ptr<FakeTray> tray;          ///< On the bus.

@@ -1,6 +1,7 @@
 corvane_test(tray/tst_TrayPicture)
 corvane_test(tray/tst_StatusLabel)
 corvane_test(tray/tst_MetricMenu LINK corvane_scripted_samples)
+corvane_test(tray/tst_TrayAdvice SYSTEM linux simulated-mac)
 corvane_test(tray/tst_TrayHost)
 corvane_test(tray/tst_TrayProgram SYSTEM linux simulated-mac)
 corvane_test(tray/tst_StatusNotifierTypes SYSTEM linux simulated-mac)
