@@ -7,8 +7,11 @@
 #include "chip/SteadyPower.h"
 #include "cpu/CoreTicks_mac.h"
 #include "thermal/ThermalBridge_mac.h"
+#include "threads/PatientReader.h"
 
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace corvane {
@@ -18,6 +21,21 @@ namespace {
 using Channels = ChipChannels<IOReportBridge>;
 using PowerSampler = IOReportPowerSampler<Channels>;
 
+/// Degrees Celsius by sensor name.
+using Temperatures = std::map<std::string, double>;
+
+/// A hub of sensors answers in milliseconds, but can also take seconds.
+std::shared_ptr<PatientReader<Temperatures>> makeSensorReader(const std::function<double()> &now)
+{
+    return std::make_shared<PatientReader<Temperatures>>(
+        [] {
+            return [bridge = std::make_shared<ThermalBridge>()] {
+                return bridge->readAllTemperatures();
+            };
+        },
+        now);
+}
+
 /// The power sampler over this Mac's channels, and its watts made steady.
 class MacChip {
 public:
@@ -25,8 +43,8 @@ public:
         : m_now(now),
           m_sampler(PowerSampler::open({
               .cores = CPUCoreSampler(readCoreTicks),
-              .temperatures = ThermalSampler([bridge = std::make_shared<ThermalBridge>()] {
-                  return bridge->readAllTemperatures();
+              .temperatures = ThermalSampler([sensors = makeSensorReader(m_now)] {
+                  return sensors->read().value_or(Temperatures());
               }),
               .frequencies = readFrequencyTables(),
               .openBridge =

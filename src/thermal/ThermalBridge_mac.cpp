@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 // Exported by IOKit without a public declaration.
@@ -83,6 +84,21 @@ struct ThermalBridge::Sensors {
     CFOwned<IOHIDEventSystemClientRef> client;
     CFOwned<CFArrayRef> services; ///< Keeps the sensors alive.
     std::vector<std::string> names;
+    int readsUntilListing = 0;
+
+    /// Keeps the sensors that it has when the system lists none.
+    void list()
+    {
+        if (!client)
+            client.reset(IOHIDEventSystemClientCreate(kCFAllocatorDefault));
+        auto listed = copyTemperatureSensors(client.get());
+        if (!listed)
+            return;
+        services = std::move(listed);
+        names.clear();
+        for (CFIndex index = 0; index < count(); ++index)
+            names.push_back(productName(at(index)));
+    }
 
     CFIndex count() const { return services ? CFArrayGetCount(services.get()) : 0; }
 
@@ -93,19 +109,19 @@ struct ThermalBridge::Sensors {
     }
 };
 
-ThermalBridge::ThermalBridge() : m_sensors(std::make_unique<Sensors>())
-{
-    m_sensors->client.reset(IOHIDEventSystemClientCreate(kCFAllocatorDefault));
-    m_sensors->services = copyTemperatureSensors(m_sensors->client.get());
-    for (CFIndex index = 0; index < m_sensors->count(); ++index)
-        m_sensors->names.push_back(productName(m_sensors->at(index)));
-}
+ThermalBridge::ThermalBridge() : m_sensors(std::make_unique<Sensors>()) { }
 
 ThermalBridge::~ThermalBridge() = default;
 
 std::map<std::string, double> ThermalBridge::readAllTemperatures()
 {
+    constexpr int readsOfAListing = 60;
     m_thread.check();
+    if (m_sensors->readsUntilListing == 0) {
+        m_sensors->list();
+        m_sensors->readsUntilListing = readsOfAListing;
+    }
+    --m_sensors->readsUntilListing;
     std::map<std::string, double> temperatures;
     for (std::size_t index = 0; index < m_sensors->names.size(); ++index) {
         const std::string &name = m_sensors->names[index];

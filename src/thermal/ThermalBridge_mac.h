@@ -8,8 +8,9 @@
 
 namespace corvane {
 
-/// Reads every temperature sensor of a Mac, by name. Owned by the thermal sampler; used on one
-/// thread. A system without sensors reads as an empty map.
+/// Reads every temperature sensor of a Mac, by name, and lists the sensors anew at the first and
+/// every 60th read: the system starts some late. Owned by the thermal sampler; used on one thread,
+/// which a sensor hub can stall. A system without sensors reads as an empty map.
 class ThermalBridge {
 public:
     ThermalBridge();

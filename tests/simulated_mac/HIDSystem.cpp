@@ -1,3 +1,4 @@
+#include "simulated_mac/SensorHub.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <IOKit/hidsystem/IOHIDEventSystemClient.h>
@@ -49,6 +50,14 @@ public:
     const double celsius;
 };
 
+/// Null for a sensor that was removed since it was listed.
+const Sensor *sensorOf(IOHIDServiceClientRef service)
+{
+    const std::vector<Sensor> &sensors = mac().machine.sensors;
+    const std::size_t place = objectAs<Service>(service).sensor;
+    return place < sensors.size() ? &sensors[place] : nullptr;
+}
+
 bool asksForTemperatureSensors(const Dictionary &matching)
 {
     const auto number = [&matching](const char *key) {
@@ -59,6 +68,12 @@ bool asksForTemperatureSensors(const Dictionary &matching)
 }
 
 } // namespace
+
+SensorHub &corvane::simulated::sensorHub()
+{
+    static SensorHub hub;
+    return hub;
+}
 
 IOHIDEventSystemClientRef IOHIDEventSystemClientCreate(CFAllocatorRef)
 {
@@ -101,8 +116,8 @@ CFArrayRef IOHIDEventSystemClientCopyServices(IOHIDEventSystemClientRef client)
 
 CFTypeRef IOHIDServiceClientCopyProperty(IOHIDServiceClientRef service, CFStringRef key)
 {
-    const Sensor &sensor = mac().machine.sensors[objectAs<Service>(service).sensor];
-    if (objectAs<String>(key).text != "Product")
+    const Sensor *sensor = sensorOf(service);
+    if (!sensor || objectAs<String>(key).text != "Product")
         return nullptr;
     switch (faults().ask(Call::IOHIDServiceClientCopyProperty).value_or(Way::error)) {
     case Way::null:
@@ -117,17 +132,18 @@ CFTypeRef IOHIDServiceClientCopyProperty(IOHIDServiceClientRef service, CFString
     default:
         break;
     }
-    return sensor.product ? referenceTo<CFTypeRef>(new String(*sensor.product)) : nullptr;
+    return sensor->product ? referenceTo<CFTypeRef>(new String(*sensor->product)) : nullptr;
 }
 
 CFTypeRef IOHIDServiceClientCopyEvent(IOHIDServiceClientRef service, std::int64_t type,
                                       std::int32_t, std::int64_t)
 {
-    const Sensor &sensor = mac().machine.sensors[objectAs<Service>(service).sensor];
-    if (faults().ask(Call::IOHIDServiceClientCopyEvent) || type != temperatureType
-        || !sensor.celsius)
+    sensorHub().wait();
+    const Sensor *sensor = sensorOf(service);
+    if (faults().ask(Call::IOHIDServiceClientCopyEvent) || type != temperatureType || !sensor
+        || !sensor->celsius)
         return nullptr;
-    return referenceTo<CFTypeRef>(new Event(*sensor.celsius));
+    return referenceTo<CFTypeRef>(new Event(*sensor->celsius));
 }
 
 double IOHIDEventGetFloatValue(CFTypeRef event, std::int32_t field)

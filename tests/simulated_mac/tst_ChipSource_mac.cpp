@@ -1,4 +1,5 @@
 #include "chip/ChipSource.h"
+#include "simulated_mac/SensorHub.h"
 #include "simulated_mac/SimulatedMac.h"
 
 #include <QTest>
@@ -16,6 +17,7 @@ private slots:
     void readsEveryMachine_data();
     void readsEveryMachine();
     void isEmptyWithoutALibrary();
+    void aStalledSensorHubCostsNothingButTheTemperatures();
     void staysWhenTheLibraryStopsAnswering();
     void releasesEverything();
 };
@@ -66,6 +68,28 @@ void TestChipSourceOnMac::isEmptyWithoutALibrary()
     const Accounts before = accounts();
     QVERIFY(!openChipSource());
     QVERIFY(accounts() == before); // The sensors that were asked for meanwhile are given back too.
+}
+
+void TestChipSourceOnMac::aStalledSensorHubCostsNothingButTheTemperatures()
+{
+    mac().boot(baseM1());
+    const ChipSource chip = openChipSource([] { return mac().clock(); });
+    const auto tick = [&chip] {
+        mac().advance(1);
+        return chip();
+    };
+    tick();
+    QVERIFY(tick()->cpuTempC);
+    sensorHub().stall();
+    std::optional<ChipReading> reading;
+    for (int second = 0; second < 5; ++second) {
+        reading = tick();
+        QVERIFY(reading);
+        QCOMPARE(bool(reading->cpuTempC), second < 2); // The last ones stay for 2.5 s.
+        QVERIFY(reading->cpuActiveFraction > 0);
+    }
+    sensorHub().resume();
+    QTRY_VERIFY(tick()->cpuTempC);
 }
 
 void TestChipSourceOnMac::staysWhenTheLibraryStopsAnswering()

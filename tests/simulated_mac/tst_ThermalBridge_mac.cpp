@@ -21,6 +21,8 @@ private slots:
     void readsAnewEachTime();
     void hasNoSensorsWhenAskingFails_data();
     void hasNoSensorsWhenAskingFails();
+    void listsItsSensorsAnew();
+    void keepsItsSensorsWhenListingFails();
     void leavesOutWhatDoesNotAnswer();
     void releasesEverything();
 };
@@ -97,6 +99,35 @@ void TestThermalBridge::hasNoSensorsWhenAskingFails()
     QVERIFY(accounts() == before);
 }
 
+/// At the first and every 60th read.
+void TestThermalBridge::listsItsSensorsAnew()
+{
+    mac().machine.sensors = {{"old", 34.0}, {"kept", 35.0}};
+    const Accounts before = accounts();
+    {
+        ThermalBridge bridge;
+        QCOMPARE(bridge.readAllTemperatures(), (Temperatures{{"old", 34.0}, {"kept", 35.0}}));
+        mac().machine.sensors = {{"kept", 35.0}, {"new", 36.0}, {"newer", 37.0}};
+        for (int read = 1; read < 60; ++read)
+            QVERIFY(!bridge.readAllTemperatures().contains("new"));
+        QCOMPARE(bridge.readAllTemperatures(),
+                 (Temperatures{{"kept", 35.0}, {"new", 36.0}, {"newer", 37.0}}));
+        mac().machine.sensors = {{"kept", 35.0}};
+        QCOMPARE(bridge.readAllTemperatures(), (Temperatures{{"kept", 35.0}}));
+    }
+    QVERIFY(accounts() == before);
+}
+
+void TestThermalBridge::keepsItsSensorsWhenListingFails()
+{
+    mac().machine.sensors = {{"a", 34.0}};
+    ThermalBridge bridge;
+    QVERIFY(!bridge.readAllTemperatures().empty());
+    faults().failAlways(Call::IOHIDEventSystemClientCopyServices, Way::null);
+    for (int read = 0; read < 120; ++read)
+        QCOMPARE(bridge.readAllTemperatures(), (Temperatures{{"a", 34.0}}));
+}
+
 void TestThermalBridge::leavesOutWhatDoesNotAnswer()
 {
     mac().machine.sensors = {{"a", 31.0}, {"b", 32.0}, {"c", 33.0}};
@@ -130,6 +161,7 @@ void TestThermalBridge::releasesEverything()
     const Accounts before = accounts();
     {
         ThermalBridge bridge;
+        QVERIFY(!bridge.readAllTemperatures().empty());
         const Accounts held = accounts();
         QVERIFY(held.objects > before.objects);
         for (int tick = 0; tick < 10; ++tick)

@@ -1,6 +1,7 @@
 corvane_test(threads/tst_MainThread)
 corvane_test(threads/tst_OneThread)
 corvane_test(threads/tst_Mutex THREADED)
+corvane_test(threads/tst_PatientReader THREADED)
 corvane_test(threads/tst_BackgroundJob THREADED)
 corvane_test(threads/tst_ThreadStart SYSTEM linux)
 corvane_test(threads/tst_ThreadPriority SYSTEM linux THREADED)
