@@ -172,7 +172,8 @@ void AIWorkloadsCard::paintShapes(QPainter &painter, const QRect &dirty)
 {
     if (m_workloads.empty()) {
         if (emptyIconRect().intersects(dirty))
-            paintIcon(painter, u"moon.zzz"_s, emptyIconRect(), Theme::textSecondary);
+            paintIcon(painter, u"moon.zzz"_s, emptyIconRect(), Theme::textSecondary,
+                      SymbolWeight::light);
         return;
     }
     fillRounded(painter, tagRect(), tagRadius, Theme::tag);
@@ -186,7 +187,7 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     fillRounded(painter, tile, tileRadius, Theme::withOpacity(color, 0.18));
     constexpr double inset = (tileSide - tileIconSide) / 2;
     paintIcon(painter, symbol(workload.framework), tile.adjusted(inset, inset, -inset, -inset),
-              color);
+              color, SymbolWeight::semibold);
 
     const QFont memoryFont = Theme::systemFont(11, QFont::DemiBold);
     const QFont frameworkFont = Theme::systemFont(12, QFont::DemiBold);

@@ -141,7 +141,7 @@ void Card::paintEvent(QPaintEvent *event)
     const QRectF icon(CardStyle::padding, CardStyle::padding + (headerHeight - iconSide) / 2.0,
                       iconSide, iconSide);
     if (icon.intersects(dirty))
-        paintIcon(painter, m_heading.symbol, icon, m_heading.color);
+        paintIcon(painter, m_heading.symbol, icon, m_heading.color, SymbolWeight::semibold);
     paintShapes(painter, dirty);
     for (const CardText &text : m_texts) {
         if (!text.text.isEmpty() && text.bounds().intersects(dirty))

@@ -41,7 +41,7 @@ const QFont &valueFont(PillRow::Style style)
 {
     static const QFont total = Theme::systemFont(13, QFont::DemiBold);
     static const QFont values = Theme::systemFont(11, QFont::DemiBold);
-    static const QFont component = Theme::systemFont(10, QFont::DemiBold);
+    static const QFont component = Theme::roundedFont(10, QFont::DemiBold);
     switch (style) {
     case PillRow::Style::total:
         return total;

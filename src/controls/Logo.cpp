@@ -40,8 +40,12 @@ void paintLogo(QPainter &painter, const QRectF &square, LogoSize size)
     gradient.setColorAt(0, Theme::withOpacity(Theme::cpu, opacity));
     gradient.setColorAt(1, Theme::withOpacity(Theme::gpu, opacity));
     fillRounded(painter, square, plateRadius * scale, gradient);
-    paintDrawing(painter, u"waveform.path.ecg"_s, square.adjusted(inset, inset, -inset, -inset),
-                 Qt::white);
+    const QRectF glyph = square.adjusted(inset, inset, -inset, -inset);
+    const QString symbol = u"waveform.path.ecg"_s;
+    if (size == LogoSize::small)
+        paintIcon(painter, symbol, glyph, Qt::white, SymbolWeight::bold);
+    else
+        paintDrawing(painter, symbol, glyph, Qt::white); // A program's icon may show no symbol.
 }
 
 QImage signPicture(int pixels)

@@ -6,8 +6,8 @@ class QRectF;
 
 namespace corvane {
 
-/// The small logo stands beside a line of text, the large one alone; its heartbeat fills more of
-/// it.
+/// The small logo stands beside a line of text, with the system's symbol on a Mac. The large one
+/// stands alone, as the program's icon does; its heartbeat is a drawing and fills more of it.
 enum class LogoSize { small, large };
 
 /// Corner radius of the large logo's plate as a share of its width.

@@ -27,16 +27,17 @@ enum class Origin { system, drawing };
 struct Rendering {
     Origin origin;
     QString symbol;
+    SymbolWeight weight;
     QRgb color;
-    QSizeF pixels;
+    QSizeF pixels = {};
 
     bool operator==(const Rendering &) const = default;
 };
 
 size_t qHash(const Rendering &rendering, size_t seed)
 {
-    return qHashMulti(seed, rendering.symbol, rendering.color, rendering.pixels.width(),
-                      rendering.pixels.height());
+    return qHashMulti(seed, rendering.symbol, static_cast<int>(rendering.weight), rendering.color,
+                      rendering.pixels.width(), rendering.pixels.height());
 }
 
 /// The drawing from the resources, tinted; empty for an unknown symbol.
@@ -60,7 +61,8 @@ QImage emptyPicture(const Rendering &wanted, QImage::Format format)
 QImage renderSymbol(const Rendering &wanted)
 {
     QImage image = emptyPicture(wanted, QImage::Format_RGBA8888_Premultiplied);
-    if (!drawSystemSymbol(wanted.symbol.toStdString(), image.bits(), image.width(), image.height()))
+    if (!drawSystemSymbol(wanted.symbol.toStdString(), wanted.weight, image.bits(), image.width(),
+                          image.height()))
         return {};
     QPainter painter(&image);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
@@ -102,15 +104,15 @@ const QImage &picture(const Rendering &wanted)
     return *made;
 }
 
-void paint(QPainter &painter, Origin origin, const QString &symbol, const QRectF &target,
-           const QColor &color)
+/// What is requested of the picture; its size is set here.
+void paint(QPainter &painter, Rendering wanted, const QRectF &target)
 {
     if (!(target.width() > 0 && target.height() > 0))
         return;
     // The scale of the device is enough: no icon is drawn rotated.
     const QTransform toDevice = painter.deviceTransform();
-    const QSizeF pixels(target.width() * toDevice.m11(), target.height() * toDevice.m22());
-    const QImage &image = picture({origin, symbol, color.rgba(), pixels});
+    wanted.pixels = {target.width() * toDevice.m11(), target.height() * toDevice.m22()};
+    const QImage &image = picture(wanted);
     if (image.isNull())
         return;
     const QPointF place = snappedToPixels(painter, target.topLeft());
@@ -120,15 +122,16 @@ void paint(QPainter &painter, Origin origin, const QString &symbol, const QRectF
 
 } // namespace
 
-void paintIcon(QPainter &painter, const QString &symbol, const QRectF &target, const QColor &color)
+void paintIcon(QPainter &painter, const QString &symbol, const QRectF &target, const QColor &color,
+               SymbolWeight weight)
 {
-    paint(painter, Origin::system, symbol, target, color);
+    paint(painter, {Origin::system, symbol, weight, color.rgba()}, target);
 }
 
 void paintDrawing(QPainter &painter, const QString &symbol, const QRectF &target,
                   const QColor &color)
 {
-    paint(painter, Origin::drawing, symbol, target, color);
+    paint(painter, {Origin::drawing, symbol, SymbolWeight::medium, color.rgba()}, target);
 }
 
 } // namespace corvane

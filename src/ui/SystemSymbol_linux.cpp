@@ -5,7 +5,7 @@
 namespace corvane {
 
 /// No icon theme has symbols of these names.
-bool drawSystemSymbol(const std::string &, unsigned char *, int, int)
+bool drawSystemSymbol(const std::string &, SymbolWeight, unsigned char *, int, int)
 {
     assertMainThread();
     return false;

@@ -11,6 +11,21 @@ namespace corvane {
 
 namespace {
 
+CGFloat nativeWeight(SymbolWeight weight)
+{
+    switch (weight) {
+    case SymbolWeight::light:
+        return NSFontWeightLight;
+    case SymbolWeight::medium:
+        return NSFontWeightMedium;
+    case SymbolWeight::semibold:
+        return NSFontWeightSemibold;
+    case SymbolWeight::bold:
+        break;
+    }
+    return NSFontWeightBold;
+}
+
 NSRect centred(NSSize size, CGFloat width, CGFloat height)
 {
     const CGFloat scale = std::min(width / size.width, height / size.height);
@@ -20,7 +35,8 @@ NSRect centred(NSSize size, CGFloat width, CGFloat height)
 
 } // namespace
 
-bool drawSystemSymbol(const std::string &name, unsigned char *pixels, int width, int height)
+bool drawSystemSymbol(const std::string &name, SymbolWeight weight, unsigned char *pixels,
+                      int width, int height)
 {
     assertMainThread();
     NSImage *plain = [NSImage imageWithSystemSymbolName:nativeText(name)
@@ -28,7 +44,7 @@ bool drawSystemSymbol(const std::string &name, unsigned char *pixels, int width,
     NSImage *symbol =
         [plain imageWithSymbolConfiguration:[NSImageSymbolConfiguration
                                                 configurationWithPointSize:height
-                                                                    weight:NSFontWeightMedium]];
+                                                                    weight:nativeWeight(weight)]];
     NSBitmapImageRep *bitmap =
         [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:&pixels
                                                 pixelsWide:width

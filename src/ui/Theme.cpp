@@ -1,8 +1,10 @@
 #include "ui/Theme.h"
 
 #include "threads/MainThread.h"
+#include "ui/SystemStyle.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QSizeF>
 
 namespace corvane::Theme {
@@ -46,24 +48,48 @@ QLinearGradient windowGradient(const QSizeF &size)
     return gradient;
 }
 
+QColor faintText(float share)
+{
+    static const std::optional<QColor> system = systemSecondaryColor();
+    return system ? withOpacity(*system, share) : srgb8(240, 243, 255, 0.82F * share);
+}
+
 QFont systemFont(double pixelSize, QFont::Weight weight)
 {
     assertMainThread();
-    // The variable form has TrueType outlines. Qt darkens the stems of the other form's, which
-    // makes small text up to 1.4 times as bold at scales below 2. Before Inter 4.0 both have one
-    // name; which of them Qt takes is then up to fontconfig.
-    static const QString family =
-        installedFamily({u"Inter Variable"_s, u"Inter"_s, u"Noto Sans"_s},
-                        QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    static const QString family = [] {
+        const QString system = systemFontFamily();
+        // The variable form has TrueType outlines. Qt darkens the stems of the other form's, which
+        // makes small text up to 1.4 times as bold at scales below 2. Before Inter 4.0 both have
+        // one name; which of them Qt takes is then up to fontconfig.
+        return system.isEmpty()
+            ? installedFamily({u"Inter Variable"_s, u"Inter"_s, u"Noto Sans"_s},
+                              QFontDatabase::systemFont(QFontDatabase::GeneralFont))
+            : system;
+    }();
     return sized(family, pixelSize, weight);
+}
+
+QFont roundedFont(double pixelSize, QFont::Weight weight)
+{
+    assertMainThread();
+    static const bool isFound = [] {
+        const QString family = systemRoundedFamily();
+        return !family.isEmpty() && QFontInfo(QFont(family)).family() == family;
+    }();
+    return isFound ? sized(systemRoundedFamily(), pixelSize, weight)
+                   : systemFont(pixelSize, weight);
 }
 
 QFont monospacedFont(double pixelSize)
 {
     assertMainThread();
-    static const QString family =
-        installedFamily({u"Noto Sans Mono"_s, u"DejaVu Sans Mono"_s},
-                        QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    static const QString family = [] {
+        const QFont system = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        return systemFontFamily().isEmpty()
+            ? installedFamily({u"Noto Sans Mono"_s, u"DejaVu Sans Mono"_s}, system)
+            : system.family();
+    }();
     return sized(family, pixelSize, QFont::Normal);
 }
 

@@ -33,11 +33,8 @@ constexpr QColor lightBlue(float opacity)
     return srgb(0.3F, 0.65F, 1.0F, opacity);
 }
 
-/// The colour of explanatory text at `share` of its opacity.
-constexpr QColor faintText(float share)
-{
-    return srgb8(240, 243, 255, 0.82F * share);
-}
+/// The colour of explanatory text at `share` of its opacity: the system's own on a Mac.
+QColor faintText(float share);
 
 // These five identify their quantity everywhere.
 inline constexpr QColor cpu = lightBlue(1);
@@ -47,8 +44,8 @@ inline constexpr QColor power = srgb(1.0F, 0.85F, 0.3F);
 inline constexpr QColor memory = srgb(0.2F, 0.8F, 0.55F);
 
 inline constexpr QColor textPrimary = srgb8(247, 248, 252); ///< Titles, names, values.
-inline constexpr QColor textSecondary = faintText(1);       ///< Explanatory text.
-inline constexpr QColor textTertiary = faintText(0.6F);     ///< The info icon and faint captions.
+inline const QColor textSecondary = faintText(1);           ///< Explanatory text.
+inline const QColor textTertiary = faintText(0.6F);         ///< The info icon and faint captions.
 inline constexpr QColor critical = srgb8(255, 69, 58);      ///< Critical pressure, failures.
 
 inline constexpr QColor cardFill = white(0.045F);
@@ -60,7 +57,7 @@ inline constexpr QColor focusRing = lightBlue(0.6F);
 
 inline constexpr QColor chartGrid = white(0.05F);
 inline constexpr QColor chartCursor = white(0.35F);
-inline constexpr QColor timeLabel = faintText(0.5F);
+inline const QColor timeLabel = faintText(0.5F);
 /// Keeps a time label readable on a chart's fill and above a line that crosses it.
 inline constexpr QColor timeLabelTag = srgb8(11, 13, 20, 0.8F);
 /// Behind the values at a chart's cursor.
@@ -108,9 +105,12 @@ QColor withOpacity(const QColor &color, double opacity);
 /// Background of the dashboard and of the other windows, corner to corner.
 QLinearGradient windowGradient(const QSizeF &size);
 
-/// Inter where it is installed, its variable form first; else the system's interface font. Sizes
-/// are pixels at scale 1. Both fonts are for the main thread.
+/// On a Mac the system's font. Elsewhere Inter where it is installed, its variable form first; else
+/// the system's interface font. Sizes are pixels at scale 1. All fonts are for the main thread.
 QFont systemFont(double pixelSize, QFont::Weight weight = QFont::Normal);
+
+/// The same font with round ends, where there is one.
+QFont roundedFont(double pixelSize, QFont::Weight weight = QFont::Normal);
 
 QFont monospacedFont(double pixelSize);
 

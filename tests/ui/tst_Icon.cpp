@@ -26,9 +26,15 @@ QStringList symbols()
 
 using Paint = void (*)(QPainter &, const QString &, const QRectF &, const QColor &);
 
+void paintMedium(QPainter &painter, const QString &symbol, const QRectF &target,
+                 const QColor &color)
+{
+    paintIcon(painter, symbol, target, color);
+}
+
 /// The icon in a box of that size with an empty margin around it.
 QImage painted(const QString &name, double size, double scale, const QColor &color = Qt::white,
-               Paint paint = paintIcon)
+               Paint paint = paintMedium)
 {
     const int pixels = qCeil((size + 2 * margin) * scale);
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);

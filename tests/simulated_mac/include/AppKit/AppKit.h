@@ -3,7 +3,6 @@
 // The part of AppKit that this program uses, declared for machines without it.
 
 #import <Foundation/Foundation.h>
-#import <QuartzCore/QuartzCore.h>
 
 extern "C" {
 
@@ -15,8 +14,10 @@ extern NSString *const NSAppearanceNameAqua;
 extern NSString *const NSAppearanceNameDarkAqua;
 
 extern NSString *const NSFontDescriptorSystemDesignRounded;
+extern const CGFloat NSFontWeightLight;
 extern const CGFloat NSFontWeightMedium;
 extern const CGFloat NSFontWeightSemibold;
+extern const CGFloat NSFontWeightBold;
 
 extern NSString *const NSDeviceRGBColorSpace;
 
@@ -48,8 +49,23 @@ enum NSApplicationActivationPolicy : NSInteger {
     NSApplicationActivationPolicyAccessory,
 };
 
+typedef NSUInteger NSWindowStyleMask;
+enum : NSWindowStyleMask {
+    NSWindowStyleMaskTitled = 1 << 0,
+    NSWindowStyleMaskClosable = 1 << 1,
+    NSWindowStyleMaskMiniaturizable = 1 << 2,
+    NSWindowStyleMaskResizable = 1 << 3,
+    NSWindowStyleMaskNonactivatingPanel = 1 << 7,
+    NSWindowStyleMaskFullScreen = 1 << 14,
+};
+
+typedef NSInteger NSWindowLevel;
+static const NSWindowLevel NSPopUpMenuWindowLevel = 101;
+
 typedef NSUInteger NSWindowCollectionBehavior;
 enum : NSWindowCollectionBehavior {
+    NSWindowCollectionBehaviorMoveToActiveSpace = 1 << 1,
+    NSWindowCollectionBehaviorTransient = 1 << 3,
     NSWindowCollectionBehaviorFullScreenPrimary = 1 << 7,
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
@@ -58,7 +74,11 @@ enum NSWindowButton : NSUInteger { NSWindowZoomButton = 2 };
 
 enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 
-@class NSButton, NSWindow;
+@class NSButton, NSMenu, NSWindow;
+
+@interface NSColorSpace : NSObject
+@property (class, readonly, strong) NSColorSpace *sRGBColorSpace;
+@end
 
 @interface NSColor : NSObject
 + (NSColor *)colorWithSRGBRed:(CGFloat)red
@@ -66,7 +86,12 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
                          blue:(CGFloat)blue
                         alpha:(CGFloat)alpha;
 @property (class, readonly, strong) NSColor *secondaryLabelColor;
-@property (readonly) CGColorRef CGColor;
+@property (readonly) CGFloat redComponent;
+@property (readonly) CGFloat greenComponent;
+@property (readonly) CGFloat blueComponent;
+@property (readonly) CGFloat alphaComponent;
+- (NSColor *)colorUsingColorSpace:(NSColorSpace *)space;
+- (void)setFill;
 @end
 
 @interface NSFontDescriptor : NSObject
@@ -78,11 +103,25 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 + (NSFont *)systemFontOfSize:(CGFloat)size weight:(CGFloat)weight;
 + (NSFont *)fontWithDescriptor:(NSFontDescriptor *)descriptor size:(CGFloat)size;
 @property (readonly, strong) NSFontDescriptor *fontDescriptor;
+@property (readonly, copy) NSString *familyName;
+@end
+
+@interface NSAttributedString (Drawing)
+- (NSSize)size;
+- (void)drawAtPoint:(NSPoint)point;
+@end
+
+@interface NSBezierPath : NSObject
++ (NSBezierPath *)bezierPathWithRoundedRect:(NSRect)rect
+                                    xRadius:(CGFloat)xRadius
+                                    yRadius:(CGFloat)yRadius;
+- (void)fill;
 @end
 
 @interface NSAppearance : NSObject
 + (NSAppearance *)appearanceNamed:(NSString *)name;
 - (NSString *)bestMatchFromAppearancesWithNames:(NSArray<NSString *> *)names;
+- (void)performAsCurrentDrawingAppearance:(void (^)(void))block;
 @end
 
 @interface NSImageSymbolConfiguration : NSObject
@@ -92,6 +131,9 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 @interface NSImage : NSObject
 + (instancetype)imageWithSystemSymbolName:(NSString *)name
                  accessibilityDescription:(NSString *)description;
++ (NSImage *)imageWithSize:(NSSize)size
+                   flipped:(BOOL)flipped
+            drawingHandler:(BOOL (^)(NSRect rect))handler;
 - (NSImage *)imageWithSymbolConfiguration:(NSImageSymbolConfiguration *)configuration;
 @property NSSize size;
 - (void)drawInRect:(NSRect)rect;
@@ -128,11 +170,12 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 @property (readonly) NSEventModifierFlags modifierFlags;
 @end
 
-@interface NSView : NSObject
+@interface NSResponder : NSObject
+@end
+
+@interface NSView : NSResponder
 @property (readonly, assign) NSWindow *window;
 @property NSRect bounds;
-@property BOOL wantsLayer;
-@property (strong) CALayer *layer;
 @property (copy) NSString *toolTip;
 @property (readonly, strong) NSAppearance *effectiveAppearance;
 @property (copy) NSString *accessibilityTitle;
@@ -146,10 +189,16 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 @property SEL action;
 @property (getter=isEnabled) BOOL enabled;
 - (NSInteger)sendActionOn:(NSEventMask)mask;
+- (void)performClick:(id)sender;
+@end
+
+@interface NSText : NSView
+- (void)copy:(id)sender;
+- (void)selectAll:(id)sender;
 @end
 
 @interface NSButton : NSControl
-@property (copy) NSAttributedString *attributedTitle;
+@property (strong) NSImage *image;
 @end
 
 @interface NSStatusBarButton : NSButton
@@ -157,6 +206,7 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 
 @interface NSStatusItem : NSObject
 @property (readonly, strong) NSStatusBarButton *button;
+@property (strong) NSMenu *menu;
 @end
 
 @interface NSStatusBar : NSObject
@@ -165,7 +215,16 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 - (void)removeStatusItem:(NSStatusItem *)item;
 @end
 
-@interface NSWindow : NSObject
+@interface NSMenu : NSObject
+@end
+
+@interface NSWindow : NSResponder
+@property NSWindowStyleMask styleMask;
+@property NSWindowLevel level;
+@property BOOL hasShadow;
+@property (readonly, getter=isVisible) BOOL visible;
+@property (readonly, getter=isMiniaturized) BOOL miniaturized;
+@property (readonly) NSResponder *firstResponder;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property (copy) NSColor *backgroundColor;
 @property (strong) NSAppearance *appearance;
@@ -174,11 +233,25 @@ enum NSWindowTitleVisibility : NSInteger { NSWindowTitleHidden = 1 };
 - (NSButton *)standardWindowButton:(NSWindowButton)button;
 - (NSRect)convertRectToScreen:(NSRect)rect;
 - (void)makeKeyAndOrderFront:(id)sender;
+- (void)performClose:(id)sender;
+- (void)performMiniaturize:(id)sender;
+- (void)performZoom:(id)sender;
+- (void)toggleFullScreen:(id)sender;
 @end
 
 @interface NSApplication : NSObject
 @property (class, readonly, strong) NSApplication *sharedApplication;
 @property (readonly, strong) NSEvent *currentEvent;
+@property (readonly, getter=isActive) BOOL active;
+@property (readonly, getter=isHidden) BOOL hidden;
+@property (readonly, strong) NSWindow *keyWindow;
+@property (readonly, copy) NSArray<NSWindow *> *windows;
+@property (strong) NSMenu *windowsMenu;
+@property (strong) NSMenu *helpMenu;
+- (void)hide:(id)sender;
+- (void)unhideWithoutActivation;
+- (void)arrangeInFront:(id)sender;
+- (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender;
 - (NSApplicationActivationPolicy)activationPolicy;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)activateIgnoringOtherApps:(BOOL)ignoringOtherApps;

@@ -81,10 +81,21 @@ __attribute__((objc_root_class))
 
 @interface NSNumber : NSObject <NSCopying>
 + (NSNumber *)numberWithDouble:(double)value;
++ (NSNumber *)numberWithBool:(BOOL)value;
 @end
+
+struct NSFastEnumerationState {
+    unsigned long state;
+    id __unsafe_unretained *itemsPtr;
+    unsigned long *mutationsPtr;
+    unsigned long extra[5];
+};
 
 @interface NSArray<Element> : NSObject
 + (instancetype)arrayWithObjects:(const Element[])objects count:(NSUInteger)count;
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState *)state
+                                  objects:(id __unsafe_unretained[])buffer
+                                    count:(NSUInteger)count;
 @property (readonly) Element firstObject;
 @end
 
@@ -112,6 +123,11 @@ __attribute__((objc_root_class))
 @interface NSBundle : NSObject
 @property (class, readonly, strong) NSBundle *mainBundle;
 - (id)objectForInfoDictionaryKey:(NSString *)key;
+@end
+
+@interface NSUserDefaults : NSObject
+@property (class, readonly, strong) NSUserDefaults *standardUserDefaults;
+- (void)registerDefaults:(NSDictionary<NSString *, id> *)values;
 @end
 
 typedef unsigned long long NSActivityOptions;
