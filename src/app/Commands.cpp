@@ -4,8 +4,6 @@
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
-#include <QMenu>
-#include <QMenuBar>
 
 namespace corvane {
 
@@ -70,14 +68,6 @@ QList<QAction *> Commands::inMenuOrder() const
 QList<QAction *> Commands::besidesOpenWindow() const
 {
     return {m_about, m_checkForUpdates, m_settings, m_separators[1], m_quit};
-}
-
-std::unique_ptr<QMenuBar> Commands::makeMenuBar() const
-{
-    auto bar = std::make_unique<QMenuBar>();
-    bar->addMenu(u"File"_s)->addActions({m_about, m_checkForUpdates, m_settings, m_quit});
-    bar->addMenu(u"Window"_s)->addAction(m_openWindow);
-    return bar;
 }
 
 } // namespace corvane

@@ -5,10 +5,7 @@
 #include <QList>
 #include <QObject>
 
-#include <memory>
-
 class QAction;
-class QMenuBar;
 
 namespace corvane {
 
@@ -37,10 +34,6 @@ public:
 
     /// The same for the dashboard, which is that window.
     QList<QAction *> besidesOpenWindow() const;
-
-    /// A Mac's menu bar, in which the system moves each action to its usual menu. There is no
-    /// command for a new window: there is only one dashboard.
-    std::unique_ptr<QMenuBar> makeMenuBar() const;
 
 private:
     QAction *m_openWindow;

@@ -4,6 +4,7 @@
 #include "app/CommandLine.h"
 #include "app/DesktopSession.h"
 #include "app/DisplayGuard.h"
+#include "app/MenuBar.h"
 #include "app/PaintingThread.h"
 #include "app/ProcessStart.h"
 #include "app/QuitSignals.h"
@@ -130,8 +131,9 @@ CorvaneApp::CorvaneApp(bool isBackground, QObject *parent) : QObject(parent)
     connectLabel(isBackground);
     connectPanel();
     connectMetrics();
+    connect(qApp, &QGuiApplication::lastWindowClosed, this, systemWindowPlatform().giveFocusBack);
     if (hostSystem() == HostSystem::mac)
-        m_menuBar = m_commands.makeMenuBar();
+        m_menuBar = makeMenuBar(m_commands);
 }
 
 CorvaneApp::~CorvaneApp()

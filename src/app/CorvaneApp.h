@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QPointer>
 
+class QMenuBar;
+
 namespace corvane {
 
 class ApplicationService;

@@ -192,6 +192,15 @@ void RowList::contextMenuEvent(QContextMenuEvent *event)
     popUpCopy(*this, copiedText(hasPlace ? event->pos() : QPointF(-1, -1)), event->globalPos());
 }
 
+/// The key of Copy is for the list, although a menu bar may have a command of that key.
+bool RowList::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride
+        && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy))
+        event->accept();
+    return AccessibleWidget::event(event);
+}
+
 void RowList::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Copy)) {

@@ -218,6 +218,15 @@ void Sparkline::leaveEvent(QEvent *)
     setCursorX(std::nullopt);
 }
 
+/// The key of Copy is for the chart, although a menu bar may have a command of that key.
+bool Sparkline::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride
+        && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy))
+        event->accept();
+    return AccessibleWidget::event(event);
+}
+
 void Sparkline::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Copy))

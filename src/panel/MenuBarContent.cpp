@@ -8,6 +8,7 @@
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
+#include "windows/PanelWindow.h"
 
 #include <QBoxLayout>
 #include <QGuiApplication>
@@ -50,20 +51,11 @@ protected:
     }
 };
 
-/// A Wayland compositor opens a pop-up only in response to an input event of one of the program's
-/// own windows, and a click on the desktop's bar is none. There the panel is a plain window that
-/// closes when it loses the focus.
-Qt::WindowFlags panelFlags()
-{
-    const bool canGrab = QGuiApplication::platformName() != "wayland"_L1;
-    return (canGrab ? Qt::Popup : Qt::Tool) | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
-}
-
 } // namespace
 
 MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent,
                                const QString &chipName)
-    : QWidget(parent, panelFlags()),
+    : QWidget(parent, panelWindowFlags()),
       m_clock(std::move(clock)),
       m_chipName(chipName)
 {
@@ -172,8 +164,7 @@ void MenuBarContent::toggleAt(const QPoint &anchor)
     m_anchor = anchor;
     prepare(); // The position depends on the size.
     place();
-    QWidget::show();
-    activateWindow();
+    showPanelWindow(*this);
     setFocus(); // So that the first Tab goes to the first button.
 }
 

@@ -39,6 +39,10 @@ struct WindowPlatform {
     /// Brings the program and this window to the front.
     std::function<void(NativeWindow)> activate;
 
+    /// Called when the last window is closed: gives the key focus back to the program that had it
+    /// before, unless a window of the system's own is still open.
+    std::function<void()> giveFocusBack;
+
     /// Calls `onClose` on the main thread when that window is about to close. `onClose` may delete
     /// the observer.
     std::function<std::unique_ptr<CloseObserver>(NativeWindow, std::function<void()> onClose)>

@@ -54,6 +54,7 @@ WindowPlatform systemWindowPlatform()
         .activationPolicy = [] { return policy(); },
         .setActivationPolicy = [](ActivationPolicy wanted) { policy() = wanted; },
         .activate = [](NativeWindow window) { asWindow(window)->requestActivate(); },
+        .giveFocusBack = [] {}, // Every window manager does.
         .observeClose = [](NativeWindow window,
                            const std::function<void()> &onClose) -> std::unique_ptr<CloseObserver> {
             return std::make_unique<HideObserver>(asWindow(window), onClose);

@@ -36,6 +36,25 @@ NativeWindow hostingWindow(const QWidget &view)
     return reinterpret_cast<NativeWindow>((__bridge void *)native.window);
 }
 
+bool isOpen(NSWindow *window)
+{
+    const bool isPlain = (window.styleMask & NSWindowStyleMaskTitled) != 0;
+    return isPlain && (window.visible || window.miniaturized);
+}
+
+/// An accessory that has no window any more would keep the focus. The system gives that of a hidden
+/// program to the one that was active before it.
+void giveFocusBack()
+{
+    if (!NSApp.active)
+        return;
+    for (NSWindow *window in NSApp.windows) {
+        if (isOpen(window))
+            return;
+    }
+    [NSApp hide:nil];
+}
+
 class WillCloseObserver : public CloseObserver {
 public:
     WillCloseObserver(NSWindow *window, std::function<void()> onClose)
@@ -96,6 +115,7 @@ WindowPlatform systemWindowPlatform()
                 [NSApp activateIgnoringOtherApps:YES];
                 [asWindow(window) makeKeyAndOrderFront:nil];
             },
+        .giveFocusBack = giveFocusBack,
         .observeClose = [](NativeWindow window,
                            std::function<void()> onClose) -> std::unique_ptr<CloseObserver> {
             return std::make_unique<WillCloseObserver>(asWindow(window), std::move(onClose));

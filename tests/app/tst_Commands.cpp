@@ -4,8 +4,6 @@
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
-#include <QMenu>
-#include <QMenuBar>
 #include <QTest>
 
 using namespace corvane;
@@ -32,7 +30,6 @@ private slots:
     void haveTheirUsualShortcuts_data();
     void haveTheirUsualShortcuts();
     void haveTheirRolesInAMacsMenus();
-    void theMenuBarHasNoNewWindow();
     void updatesAreDisabledDuringACheck();
     void nameANewerVersion();
 };
@@ -75,18 +72,6 @@ void TestCommands::haveTheirRolesInAMacsMenus()
     QCOMPARE(commands.settings()->menuRole(), QAction::PreferencesRole);
     QCOMPARE(commands.quit()->menuRole(), QAction::QuitRole);
     QCOMPARE(commands.openWindow()->menuRole(), QAction::NoRole);
-}
-
-void TestCommands::theMenuBarHasNoNewWindow()
-{
-    const Commands commands;
-    const auto bar = commands.makeMenuBar();
-    QStringList all;
-    for (const QAction *menu : bar->actions())
-        all += texts(menu->menu()->actions());
-    QCOMPARE(all,
-             QStringList({u"About Corvane"_s, u"Check for Updates…"_s, u"Settings…"_s, u"Quit"_s,
-                          u"Open Window"_s}));
 }
 
 void TestCommands::updatesAreDisabledDuringACheck()
