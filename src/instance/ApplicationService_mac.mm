@@ -11,14 +11,14 @@
 // sent to the running process as a "reopen" event, which carries no token.
 
 /// Calls `open` for each reopen event until it is stopped. Main thread.
-@interface CorvaneReopenHandler : NSObject
+@interface CorvaneReopenHandler : NSObject {
+    std::function<void()> _open;
+}
 - (instancetype)initWithAction:(std::function<void()>)open;
 - (void)stop;
 @end
 
-@implementation CorvaneReopenHandler {
-    std::function<void()> _open;
-}
+@implementation CorvaneReopenHandler
 
 - (instancetype)initWithAction:(std::function<void()>)open
 {
@@ -47,8 +47,9 @@
 
 - (void)reopen:(NSAppleEventDescriptor *)event withReply:(NSAppleEventDescriptor *)reply
 {
-    if (_open)
-        _open();
+    const std::function<void()> open = _open; // It may stop this object.
+    if (open)
+        open();
 }
 
 - (void)stop

@@ -38,8 +38,8 @@ struct StatusPlace {
 struct StatusActions {
     /// A click, or a press through the accessibility interface.
     std::function<void(const StatusPlace &)> open;
-    /// A click with the right button or with Control held.
-    std::function<void(const StatusPlace &)> menu;
+    /// A click with the right button or with Control held: returns the menu to show, an NSMenu.
+    std::function<void *()> menu;
 };
 
 /// An item in a Mac's menu bar, as wide as its text. Owned by the label, which passes it each

@@ -5,17 +5,24 @@
 
 #import <AppKit/AppKit.h>
 
+#include <cmath>
 #include <utility>
 
 // A button sends its clicks to an Objective-C object, which calls the handlers. The same object
 // observes whether the bar is light, which changes with the desktop picture behind it.
 
 /// The target of the item's button; owned by the item.
-@interface CorvaneStatusTarget : NSObject
-- (instancetype)initWithButton:(NSStatusBarButton *)button
-                       actions:(corvane::StatusActions)actions
-                         plate:(NSColor *)plate;
+@interface CorvaneStatusTarget : NSObject {
+    NSStatusItem *_item;
+    NSColor *_plate;
+    NSAttributedString *_text;
+    corvane::StatusActions _actions;
+}
+- (instancetype)initWithItem:(NSStatusItem *)item
+                     actions:(corvane::StatusActions)actions
+                       plate:(NSColor *)plate;
 - (void)clicked:(id)sender;
+- (void)showText:(NSAttributedString *)text;
 - (void)stop;
 @end
 
@@ -80,40 +87,88 @@ bool wantsMenu(NSEvent *event)
             && (event.modifierFlags & NSEventModifierFlagControl) != 0);
 }
 
-} // namespace
-
-@implementation CorvaneStatusTarget {
-    NSStatusBarButton *_button;
-    NSColor *_plate;
-    corvane::StatusActions _actions;
+/// The item places its menu and looks pressed while it is open, which is until this returns.
+void showMenu(NSStatusItem *item, NSMenu *menu)
+{
+    item.menu = menu;
+    [item.button performClick:nil];
+    item.menu = nil; // Otherwise a plain click would open it too.
 }
 
-- (instancetype)initWithButton:(NSStatusBarButton *)button
-                       actions:(corvane::StatusActions)actions
-                         plate:(NSColor *)plate
+bool isLight(NSAppearance *appearance)
+{
+    NSArray *kinds = @[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ];
+    return
+        [[appearance bestMatchFromAppearancesWithNames:kinds] isEqualToString:NSAppearanceNameAqua];
+}
+
+/// The text as a picture, which the system draws at the scale of each screen; on a plate unless
+/// that is nil.
+NSImage *picture(NSAttributedString *text, NSColor *plate)
+{
+    constexpr CGFloat height = 18;
+    constexpr CGFloat platePadding = 6;
+    constexpr CGFloat plateRadius = 5;
+    const NSSize textSize = text.size;
+    const CGFloat padding = plate ? platePadding : 0;
+    const NSSize size = {std::ceil(textSize.width) + 2 * padding, height};
+    return [NSImage imageWithSize:size
+                          flipped:NO
+                   drawingHandler:^BOOL(NSRect place) {
+                       if (plate) {
+                           [plate setFill];
+                           [[NSBezierPath bezierPathWithRoundedRect:place
+                                                            xRadius:plateRadius
+                                                            yRadius:plateRadius] fill];
+                       }
+                       [text drawAtPoint:{padding, (height - textSize.height) / 2}];
+                       return YES;
+                   }];
+}
+
+} // namespace
+
+@implementation CorvaneStatusTarget
+
+- (instancetype)initWithItem:(NSStatusItem *)item
+                     actions:(corvane::StatusActions)actions
+                       plate:(NSColor *)plate
 {
     self = [super init];
     if (self) {
-        _button = button;
+        _item = item;
         _plate = plate;
         _actions = std::move(actions);
-        _button.wantsLayer = YES;
-        _button.target = self;
-        _button.action = @selector(clicked:);
-        [_button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
-        [_button addObserver:self
-                  forKeyPath:appearanceKey
-                     options:NSKeyValueObservingOptionInitial
-                     context:nullptr];
+        NSStatusBarButton *button = _item.button;
+        button.target = self;
+        button.action = @selector(clicked:);
+        [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
+        [button addObserver:self forKeyPath:appearanceKey options:0 context:nullptr];
     }
     return self;
 }
 
 - (void)clicked:(id)sender
 {
-    const auto &action = wantsMenu(NSApp.currentEvent) ? _actions.menu : _actions.open;
-    if (action)
-        action(placeOf(_button));
+    // An action may delete the item, and with it this object.
+    const corvane::StatusActions actions = _actions;
+    if (wantsMenu(NSApp.currentEvent))
+        showMenu(_item, (__bridge NSMenu *)actions.menu());
+    else
+        actions.open(placeOf(_item.button));
+}
+
+- (void)showText:(NSAttributedString *)text
+{
+    _text = text;
+    [self redraw];
+}
+
+- (void)redraw
+{
+    NSStatusBarButton *button = _item.button;
+    if (_text)
+        button.image = picture(_text, isLight(button.effectiveAppearance) ? _plate : nil);
 }
 
 - (void)observeValueForKeyPath:(NSString *)keyPath
@@ -121,17 +176,14 @@ bool wantsMenu(NSEvent *event)
                         change:(NSDictionary *)change
                        context:(void *)context
 {
-    NSArray *kinds = @[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ];
-    NSString *kind = [_button.effectiveAppearance bestMatchFromAppearancesWithNames:kinds];
-    const bool isLight = [kind isEqualToString:NSAppearanceNameAqua];
-    _button.layer.cornerRadius = 5;
-    _button.layer.backgroundColor = isLight ? _plate.CGColor : nullptr;
+    [self redraw];
 }
 
 - (void)stop
 {
-    [_button removeObserver:self forKeyPath:appearanceKey];
-    _button.target = nil;
+    NSStatusBarButton *button = _item.button;
+    [button removeObserver:self forKeyPath:appearanceKey];
+    button.target = nil;
 }
 
 @end
@@ -142,6 +194,7 @@ struct StatusItem::Native {
     NSStatusItem *item;
     NSFont *font;
     CorvaneStatusTarget *target;
+    std::string words; ///< Set last.
 };
 
 StatusItem::StatusItem(StatusActions actions, const StatusColor &plate)
@@ -152,10 +205,10 @@ StatusItem::StatusItem(StatusActions actions, const StatusColor &plate)
         [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
     item.button.accessibilityTitle = @"Corvane";
     item.button.accessibilityLabel = @"Corvane";
-    CorvaneStatusTarget *target = [[CorvaneStatusTarget alloc] initWithButton:item.button
-                                                                      actions:std::move(actions)
-                                                                        plate:nativeColor(plate)];
-    m_native.reset(new Native{item, labelFont(), target});
+    CorvaneStatusTarget *target = [[CorvaneStatusTarget alloc] initWithItem:item
+                                                                    actions:std::move(actions)
+                                                                      plate:nativeColor(plate)];
+    m_native.reset(new Native{item, labelFont(), target, {}});
 }
 
 StatusItem::~StatusItem()
@@ -166,13 +219,19 @@ StatusItem::~StatusItem()
 
 void StatusItem::show(const std::vector<StatusRun> &runs, const std::string &words)
 {
-    NSMutableAttributedString *title = [[NSMutableAttributedString alloc] init];
-    for (const StatusRun &run : runs)
-        [title appendAttributedString:nativeRun(run, m_native->font)];
-    NSStatusBarButton *button = m_native->item.button;
-    button.attributedTitle = title;
-    button.accessibilityValue = nativeText(words);
-    button.toolTip = nativeText(words);
+    @autoreleasepool { // The event loop empties its own only when it is idle for long.
+        NSMutableAttributedString *text = [[NSMutableAttributedString alloc] init];
+        for (const StatusRun &run : runs)
+            [text appendAttributedString:nativeRun(run, m_native->font)];
+        [m_native->target showText:text];
+        if (m_native->words == words)
+            return;
+        // Each of the two is a message to another process.
+        m_native->words = words;
+        NSStatusBarButton *button = m_native->item.button;
+        button.accessibilityValue = nativeText(words);
+        button.toolTip = nativeText(words);
+    }
 }
 
 } // namespace corvane

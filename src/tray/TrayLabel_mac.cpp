@@ -18,7 +18,7 @@ TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
     : menu(commands),
       item({.open =
                 [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
-            .menu = [this](const StatusPlace &place) { menu.popup(statusAnchor(place)); }},
+            .menu = [this]() -> void * { return menu.toNSMenu(); }},
            statusColor(Theme::plate))
 {
 }

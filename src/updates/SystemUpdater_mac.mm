@@ -9,7 +9,10 @@
 
 /// Reports each value of the updater's `canCheckForUpdates` on the main queue, the present one
 /// first, until it is stopped.
-@interface CorvaneCheckObserver : NSObject
+@interface CorvaneCheckObserver : NSObject {
+    SPUUpdater *_updater;
+    std::function<void(bool)> _onChange;
+}
 - (instancetype)initWithUpdater:(SPUUpdater *)updater onChange:(std::function<void(bool)>)onChange;
 - (void)stop;
 @end
@@ -20,10 +23,7 @@ NSString *const canCheckKey = @"canCheckForUpdates";
 
 } // namespace
 
-@implementation CorvaneCheckObserver {
-    SPUUpdater *_updater;
-    std::function<void(bool)> _onChange;
-}
+@implementation CorvaneCheckObserver
 
 - (instancetype)initWithUpdater:(SPUUpdater *)updater onChange:(std::function<void(bool)>)onChange
 {
@@ -51,8 +51,9 @@ NSString *const canCheckKey = @"canCheckForUpdates";
 
 - (void)report:(bool)canCheck
 {
-    if (_onChange)
-        _onChange(canCheck);
+    const std::function<void(bool)> onChange = _onChange; // It may stop this object.
+    if (onChange)
+        onChange(canCheck);
 }
 
 - (void)stop

@@ -17,15 +17,28 @@ endif()
 if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
   set(CMAKE_OBJCXX_COMPILER ${CMAKE_CXX_COMPILER})
   enable_language(OBJCXX)
-  add_library(corvane_recorded_mac STATIC simulated_mac/recorded/Foundation.mm simulated_mac/recorded/ServiceManagement.mm
-              ${PROJECT_SOURCE_DIR}/src/app/Activity_mac.mm ${PROJECT_SOURCE_DIR}/src/login/LoginItem_mac.mm)
-  set_target_properties(corvane_recorded_mac PROPERTIES AUTOMOC OFF)
+  add_library(corvane_recorded_mac STATIC
+    simulated_mac/recorded/AppKit.mm simulated_mac/recorded/Foundation.mm
+    simulated_mac/recorded/ServiceManagement.mm simulated_mac/recorded/Sparkle.mm
+    ${PROJECT_SOURCE_DIR}/src/instance/ApplicationService.h ${PROJECT_SOURCE_DIR}/src/updates/SystemUpdater.h)
+  foreach(source app/AboutPanel app/Activity instance/ApplicationService login/LoginItem tray/StatusItem ui/SystemStyle
+                 ui/SystemSymbol updates/BundleVersion updates/SystemUpdater windows/PanelStyle windows/StandardCommands
+                 windows/WindowPlatform windows/WindowStyle)
+    target_sources(corvane_recorded_mac PRIVATE ${PROJECT_SOURCE_DIR}/src/${source}_mac.mm)
+  endforeach()
+  target_sources(corvane_recorded_mac PRIVATE ${PROJECT_SOURCE_DIR}/src/app/AboutTexts.cpp
+                                              ${PROJECT_SOURCE_DIR}/src/platform/HostSystem_mac.cpp)
   target_include_directories(corvane_recorded_mac BEFORE PRIVATE simulated_mac/include simulated_mac/libc
                              PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
-  target_compile_options(corvane_recorded_mac PRIVATE -Wall -Wextra -Werror -fobjc-runtime=gcc -fblocks
-                         -fconstant-string-class=NSConstantString -Wno-incomplete-implementation -Wno-deprecated-objc-isa-usage)
-  target_link_libraries(corvane_recorded_mac PUBLIC objc ${CORVANE_BLOCKS_RUNTIME} Qt6::Core)
-  corvane_test(simulated_mac/tst_Activity_mac LINK corvane_recorded_mac)
-  corvane_test(simulated_mac/tst_LoginItem_mac LINK corvane_recorded_mac)
+  # Without weak references: objects live as long as the process.
+  target_compile_options(corvane_recorded_mac PRIVATE -Wall -Wextra -Werror -fobjc-runtime=gcc -fblocks -F${CMAKE_CURRENT_LIST_DIR}
+                         -fconstant-string-class=NSConstantString -Wno-incomplete-implementation -Wno-objc-property-implementation -Wno-deprecated-objc-isa-usage
+                         -U__weak -D__weak=)
+  target_link_libraries(corvane_recorded_mac PUBLIC objc ${CORVANE_BLOCKS_RUNTIME} Qt6::Widgets)
+  foreach(test AboutPanel Activity ApplicationService LoginItem PanelStyle StandardCommands StatusItem
+               SystemStyle SystemSymbol SystemUpdater WindowPlatform)
+    corvane_test(simulated_mac/tst_${test}_mac LINK corvane_recorded_mac)
+  endforeach()
+  target_link_libraries(tst_WindowPlatform_mac PRIVATE corvane::windows)
   corvane_test(simulated_mac/tst_DesktopSession_mac SOURCES ../src/app/DesktopSession_mac.cpp)
 endif()
