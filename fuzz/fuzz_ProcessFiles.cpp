@@ -25,6 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     checkStatm(text, {});
     checkStatm(text, {.inUse = 1 << 20});
     checkStatm(text, {.inUse = 1 << 20, .pagesMerged = true});
+    if (const auto parent = parseParent(text); parent && *parent < 0)
+        __builtin_trap();
     if (parseSwapInUse(text) > largestByteCount)
         __builtin_trap();
     if (const auto swapped = parseSwapped(text); swapped && *swapped > largestByteCount)

@@ -1,5 +1,6 @@
 #include "processes/AIProcessDetector.h"
 
+#include "arguments/ModelArgument.h"
 #include "platform/ForeignText.h"
 #include "platform/Wipe.h"
 #include "processes/FactsCache.h"
@@ -27,10 +28,6 @@ constexpr std::array strictModelFlags{"--model"_L1,      "--model-path"_L1, "--m
 /// May stand for a module as well as for a model.
 constexpr QLatin1StringView ambiguousModelFlag = "-m"_L1;
 
-/// Deliberately without ".pt".
-constexpr std::array modelFileSuffixes{".gguf"_L1, ".safetensors"_L1, ".bin"_L1, ".ckpt"_L1,
-                                       ".pth"_L1};
-
 template <typename Fragments>
 bool containsAny(const QString &text, const Fragments &fragments)
 {
@@ -45,14 +42,6 @@ bool isStrictModelFlag(QStringView argument)
         return false;
     const QString lower = argument.toString().toLower();
     return std::ranges::find(strictModelFlags, lower) != strictModelFlags.end();
-}
-
-bool isModelFile(const QString &name)
-{
-    constexpr qsizetype longestSuffix = 12;
-    const QString lower = name.last(std::min(name.size(), longestSuffix)).toLower();
-    return std::ranges::any_of(modelFileSuffixes,
-                               [&lower](auto suffix) { return lower.endsWith(suffix); });
 }
 
 std::optional<QString> modelFromStrictFlags(const QStringList &argv)
@@ -71,7 +60,7 @@ std::optional<QString> modelFromAmbiguousFlag(const QStringList &argv)
 {
     for (qsizetype i = 0; i + 1 < argv.size(); ++i) {
         const QString &next = argv[i + 1];
-        if (argv[i] == ambiguousModelFlag && (isModelFile(next) || next.contains(u'/')))
+        if (argv[i] == ambiguousModelFlag && (isModelFileName(next) || next.contains(u'/')))
             return AIProcessDetector::basename(next);
     }
     return std::nullopt;
@@ -115,19 +104,24 @@ void shorten(std::optional<QString> &model)
         model->truncate(longestModel);
 }
 
-/// Reads without holding the cache's lock: two callers may both read, and the later one wins.
-ArgumentFacts factsOfProcess(std::int32_t pid, const IdentityReader &identify,
-                             const FactsReader &read, FactsCache &cache)
+void shorten(std::optional<Recognition> &found)
 {
-    const auto process = identify(pid);
-    if (!process)
-        return {};
-    if (auto cached = cache.find(*process))
+    if (!found)
+        return;
+    shorten(found->model);
+    shorten(found->details.path);
+}
+
+/// Reads without holding the cache's lock: two callers may both read, and the later one wins.
+ArgumentFacts factsOfProcess(const ProcessIdentity &process, const FactsReader &read,
+                             FactsCache &cache)
+{
+    if (auto cached = cache.find(process))
         return *std::move(cached);
-    auto facts = read(*process);
+    auto facts = read(process);
     if (!facts)
         return {};
-    cache.remember(*process, *facts);
+    cache.remember(process, *facts);
     return *std::move(facts);
 }
 
@@ -147,16 +141,21 @@ std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranki
         if (*memory < leastMemory)
             continue;
         const QString processName = foreignText(*name);
-        if (!nameLooksRelevant(processName))
+        if (!nameLooksRelevant(processName) && !nameMayBeARunner(processName))
             continue;
-        auto match = classify(processName, factsOfProcess(*pid, identify, readFacts, cache));
-        if (match)
+        const auto process = identify(*pid);
+        const ArgumentFacts facts =
+            process ? factsOfProcess(*process, readFacts, cache) : ArgumentFacts();
+        auto found = recognition(processName, facts);
+        if (found)
             workloads.push_back({.id = *pid,
                                  .pid = *pid,
                                  .processName = processName,
-                                 .framework = match->framework,
-                                 .model = std::move(match->model),
-                                 .memory = *memory});
+                                 .framework = found->framework,
+                                 .model = std::move(found->model),
+                                 .memory = *memory,
+                                 .startTime = process ? process->startTime : 0,
+                                 .details = std::move(found->details)});
     }
     cache.keepOnly(seen);
     std::ranges::stable_sort(workloads, std::greater(), &AIWorkload::memory);
@@ -168,10 +167,11 @@ bool AIProcessDetector::nameLooksRelevant(const QString &name)
     return containsAny(name.toLower(), relevantNameFragments);
 }
 
-ArgumentFacts AIProcessDetector::takeFacts(std::optional<ArgumentRecord> record)
+ArgumentFacts AIProcessDetector::takeFacts(std::optional<ArgumentRecord> record,
+                                           const QString &name, const FolderReader &folder)
 {
     if (!record)
-        return {};
+        record.emplace();
     QStringList argv;
     argv.reserve(static_cast<qsizetype>(record->argv.size()));
     for (std::string &argument : record->argv) {
@@ -183,9 +183,24 @@ ArgumentFacts AIProcessDetector::takeFacts(std::optional<ArgumentRecord> record)
     shorten(facts.ollamaModel);
     if (facts.interpreted)
         shorten(facts.interpreted->model);
+    if (!name.isEmpty()) {
+        facts.name = name;
+        facts.recognised = recognise({name, QString::fromStdString(record->path), argv, folder});
+        shorten(facts.recognised);
+    }
     for (QString &argument : argv)
         wipe(argument); // What a fact shares with it stays: Qt gives the argument a copy then.
     return facts;
+}
+
+std::optional<Recognition> AIProcessDetector::recognition(const QString &name,
+                                                          const ArgumentFacts &facts)
+{
+    if (facts.name == name && !name.isEmpty())
+        return facts.recognised;
+    if (auto match = nameLooksRelevant(name) ? classify(name, facts) : std::nullopt)
+        return Recognition{.framework = match->framework, .model = std::move(match->model)};
+    return facts.recognised;
 }
 
 ArgumentFacts AIProcessDetector::factsOf(const QStringList &argv)
@@ -247,7 +262,7 @@ std::optional<QString> AIProcessDetector::modelFromFlags(const QStringList &argv
 
 std::optional<QString> AIProcessDetector::modelFromCheckpoint(const QStringList &argv)
 {
-    const auto found = std::ranges::find_if(argv, isModelFile);
+    const auto found = std::ranges::find_if(argv, isModelFileName);
     if (found == argv.end())
         return std::nullopt;
     return basename(*found);
@@ -264,13 +279,7 @@ bool AIProcessDetector::hasModule(const QStringList &argv, const QString &module
 
 QString AIProcessDetector::basename(const QString &path)
 {
-    const QString whole = path.trimmed();
-    const QStringList pieces = whole.split(u'/', Qt::SkipEmptyParts);
-    if (!whole.contains(u'/') || pieces.isEmpty())
-        return whole;
-    // A relative "owner/name" is the identifier of a model and stays whole.
-    const bool identifier = pieces.size() == 2 && !whole.startsWith(u'/');
-    return identifier && !isModelFile(pieces.last()) ? whole : pieces.last();
+    return shortModelName(path);
 }
 
 } // namespace corvane

@@ -27,8 +27,13 @@ public:
                                              const FactsReader &readFacts, FactsCache &cache);
 
     /// The facts in arguments, which are overwritten: they may hold secrets. Empty facts where the
-    /// arguments could not be read.
-    static ArgumentFacts takeFacts(std::optional<ArgumentRecord> record);
+    /// arguments could not be read. A process with a name is recognised by all rules.
+    static ArgumentFacts takeFacts(std::optional<ArgumentRecord> record, const QString &name = {},
+                                   const FolderReader &folder = {});
+
+    /// What a process is under its present name. Under another than that of its facts it is what
+    /// the first rules say, or still what it was.
+    static std::optional<Recognition> recognition(const QString &name, const ArgumentFacts &facts);
 
     /// Absent for a process that no rule matches. Pure, as are the functions below.
     static std::optional<Match> classify(const QString &name, const ArgumentFacts &facts);

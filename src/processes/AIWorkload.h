@@ -1,5 +1,6 @@
 #pragma once
 
+#include "arguments/ModelDetails.h"
 #include "processes/AIFramework.h"
 
 #include <QHashFunctions>
@@ -20,6 +21,8 @@ struct AIWorkload {
     /// where it is part of the footprint).
     std::optional<std::uint64_t> gpuMemory = {};
     std::optional<double> gpuFraction = {}; ///< Its share of the GPUs' time, 0…1.
+    std::uint64_t startTime = 0; ///< As in `ProcessIdentity`; tells users of one number apart.
+    ModelDetails details = {};
 
     friend bool operator==(const AIWorkload &, const AIWorkload &) = default;
 };

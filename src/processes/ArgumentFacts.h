@@ -1,6 +1,6 @@
 #pragma once
 
-#include "processes/AIFramework.h"
+#include "processes/SecondRules.h"
 
 #include <QString>
 
@@ -25,6 +25,8 @@ struct ArgumentFacts {
     std::optional<QString> model = {};       ///< Of model flags, else of a model file.
     std::optional<QString> ollamaModel = {}; ///< The same, else as `ollama run` takes it.
     std::optional<AIMatch> interpreted = {}; ///< What they make an interpreter run.
+    QString name = {}; ///< What the process was called; empty: only the first rules were asked.
+    std::optional<Recognition> recognised = {}; ///< What all rules made of it under that name.
 
     friend bool operator==(const ArgumentFacts &, const ArgumentFacts &) = default;
 };

@@ -4,6 +4,7 @@
 #include "platform/Plausible.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -26,6 +27,20 @@ std::optional<std::uint64_t> takeCount(std::string_view &text)
 {
     const auto word = takeWord(text);
     return word ? parseUnsigned(*word) : std::nullopt;
+}
+
+/// The count behind the name, which may hold any byte, and so many more fields of `stat`.
+std::optional<std::uint64_t> countBehindName(std::string_view stat, int fieldsBetween)
+{
+    const std::size_t nameEnd = stat.rfind(')');
+    if (nameEnd == std::string_view::npos)
+        return std::nullopt;
+    stat.remove_prefix(nameEnd + 1);
+    for (int field = 0; field < fieldsBetween; ++field) {
+        if (!takeWord(stat))
+            return std::nullopt;
+    }
+    return takeCount(stat);
 }
 
 } // namespace
@@ -68,15 +83,16 @@ std::optional<std::uint64_t> parseSwapped(std::string_view status)
 std::optional<std::uint64_t> parseStartTime(std::string_view stat)
 {
     constexpr int fieldsBetween = 19; // From the third, behind the name, to the 22nd.
-    const std::size_t nameEnd = stat.rfind(')');
-    if (nameEnd == std::string_view::npos)
+    return countBehindName(stat, fieldsBetween);
+}
+
+std::optional<std::int32_t> parseParent(std::string_view stat)
+{
+    constexpr int fieldsBetween = 1; // The state.
+    const auto parent = countBehindName(stat, fieldsBetween);
+    if (!parent || !std::in_range<std::int32_t>(*parent))
         return std::nullopt;
-    stat.remove_prefix(nameEnd + 1);
-    for (int field = 0; field < fieldsBetween; ++field) {
-        if (!takeWord(stat))
-            return std::nullopt;
-    }
-    return takeCount(stat);
+    return static_cast<std::int32_t>(*parent);
 }
 
 bool mayBeCut(std::string_view name)

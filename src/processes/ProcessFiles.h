@@ -32,6 +32,9 @@ std::optional<std::uint64_t> parseSwapped(std::string_view status);
 /// name stands there in parentheses and may hold any byte, parentheses too.
 std::optional<std::uint64_t> parseStartTime(std::string_view stat);
 
+/// The parent of a process according to `stat`.
+std::optional<std::int32_t> parseParent(std::string_view stat);
+
 /// Whether a name from `comm` has the length to which the kernel cuts names.
 bool mayBeCut(std::string_view name);
 

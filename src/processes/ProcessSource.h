@@ -25,6 +25,12 @@ struct ProcessSource {
     /// read. The call may never return: its answer can depend on what the process waits for.
     ArgumentReader arguments;
 
+    /// The process that started it, or that took it over; absent when that is not known.
+    std::function<std::optional<std::int32_t>(std::int32_t pid)> parent = {};
+
+    /// The working folder; absent when it cannot be read, as of other users' processes.
+    std::function<std::optional<std::string>(std::int32_t pid)> folder = {};
+
     /// The system that the program runs on.
     static ProcessSource system();
 };

@@ -137,6 +137,18 @@ std::optional<ProcessIdentity> identify(std::int32_t pid, const std::string &roo
     return ProcessIdentity{.pid = pid, .startTime = *startTime};
 }
 
+std::optional<std::int32_t> readParent(std::int32_t pid, const std::string &root)
+{
+    const auto stat = readKernelFile(processFile(pid, "stat", root));
+    return stat ? parseParent(*stat) : std::nullopt;
+}
+
+std::optional<std::string> readFolder(std::int32_t pid, const std::string &root)
+{
+    std::string folder = linkTarget(processFile(pid, "cwd", root));
+    return folder.empty() || !isUtf8(folder) ? std::nullopt : std::optional(std::move(folder));
+}
+
 /// The first part of a file that may hold secrets; overwritten at the end of its life.
 class ArgumentText {
 public:
@@ -199,6 +211,8 @@ ProcessSource linuxProcesses(const std::string &root)
         .name = [root](std::int32_t pid) { return readName(pid, root); },
         .identity = [root](std::int32_t pid) { return identify(pid, root); },
         .arguments = [root](std::int32_t pid) { return readArguments(pid, root); },
+        .parent = [root](std::int32_t pid) { return readParent(pid, root); },
+        .folder = [root](std::int32_t pid) { return readFolder(pid, root); },
     };
 }
 

@@ -1,5 +1,6 @@
 #include "processes/ProcessSource.h"
 
+#include "platform/KernelText.h"
 #include "platform/Wipe.h"
 
 #include <libproc.h>
@@ -66,6 +67,24 @@ std::optional<std::string> readName(std::int32_t pid)
     return std::string(name.data(), strnlen(name.data(), name.size()));
 }
 
+std::optional<std::int32_t> readParent(std::int32_t pid)
+{
+    proc_bsdinfo info = {};
+    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != sizeof info)
+        return std::nullopt;
+    return static_cast<std::int32_t>(info.pbi_ppid);
+}
+
+std::optional<std::string> readFolder(std::int32_t pid)
+{
+    proc_vnodepathinfo info = {};
+    if (proc_pidinfo(pid, PROC_PIDVNODEPATHINFO, 0, &info, sizeof info) != sizeof info)
+        return std::nullopt;
+    const char *path = info.pvi_cdir.vip_path;
+    std::string folder(path, strnlen(path, sizeof info.pvi_cdir.vip_path));
+    return folder.empty() || !isUtf8(folder) ? std::nullopt : std::optional(std::move(folder));
+}
+
 std::optional<ArgumentRecord> readArguments(std::int32_t pid)
 {
     std::array<int, 3> query = {CTL_KERN, KERN_PROCARGS2, pid};
@@ -95,6 +114,8 @@ ProcessSource ProcessSource::system()
         // The kernel gives a number anew only after all the others.
         .identity = [](std::int32_t pid) { return std::optional(ProcessIdentity{.pid = pid}); },
         .arguments = readArguments,
+        .parent = readParent,
+        .folder = readFolder,
     };
 }
 

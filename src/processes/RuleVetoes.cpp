@@ -96,9 +96,12 @@ bool runsATool(const ProgramRun &run)
 /// "miniforge3", "conda-forge", "forgejo" or "sourceforge".
 bool namesForge(const QString &text)
 {
-    return text == "forge"_L1 || text.startsWith("forge-"_L1) || text.startsWith("--forge"_L1)
-        || text.contains("reforge"_L1) || text.contains("webui-forge"_L1)
-        || text.contains("webui_forge"_L1);
+    constexpr std::array parts{"reforge"_L1, "webui-forge"_L1, "webui_forge"_L1};
+    constexpr auto sensitivity = Qt::CaseInsensitive;
+    return text.compare("forge"_L1, sensitivity) == 0 || text.startsWith("forge-"_L1, sensitivity)
+        || text.startsWith("--forge"_L1, sensitivity)
+        || std::ranges::any_of(parts,
+                               [&text](auto part) { return text.contains(part, sensitivity); });
 }
 
 /// What distinguishes a framework in a command line, beyond the first rules' fragments.
@@ -121,7 +124,7 @@ constexpr std::array marks{
 bool holdsAny(const QString &text, const Marks &row)
 {
     return std::ranges::any_of(row.fragments, [&text](QLatin1StringView fragment) {
-        return !fragment.isEmpty() && text.contains(fragment);
+        return !fragment.isEmpty() && text.contains(fragment, Qt::CaseInsensitive);
     });
 }
 
@@ -156,8 +159,7 @@ bool isNamed(const ProgramRun &run, const QString &interpreter, const Marks &row
     if (holdsAny(run.module, row) || holdsAny(script, row) || anyFolderOf(run.script, row))
         return true;
     for (const QString &argument : run.arguments) {
-        const QString lower = argument.toLower();
-        if (holdsAny(lower, row) || (forge && namesForge(lower)))
+        if (holdsAny(argument, row) || (forge && namesForge(argument)))
             return true;
     }
     return !script.isEmpty() && isOneOf(script, row.scripts) && anyFolderOf(interpreter, row);

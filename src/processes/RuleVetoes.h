@@ -1,7 +1,7 @@
 #pragma once
 
 #include "processes/AIFramework.h"
-#include "processes/ProgramRun.h"
+#include "arguments/ProgramRun.h"
 
 namespace corvane {
 

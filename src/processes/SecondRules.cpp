@@ -1,7 +1,7 @@
 #include "processes/SecondRules.h"
 
 #include "processes/AIProcessDetector.h"
-#include "processes/ModelArgument.h"
+#include "arguments/ModelArgument.h"
 #include "processes/RuleVetoes.h"
 
 #include <algorithm>
@@ -14,6 +14,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using enum AIFramework;
+
+bool isOneOf(const QString &text, const auto &list)
+{
+    return std::ranges::find(list, text) != list.end();
+}
 
 /// A process with what it runs, as the rows of the tables look at it.
 struct Candidate {
@@ -41,19 +46,21 @@ QString Candidate::scriptFolder() const
 bool startsOllamaRunner(const Candidate &candidate, const Recognition &found)
 {
     const QString program = candidate.facts.argv.value(0);
-    return (found.modelPath && ollamaBlob(*found.modelPath))
+    return (found.details.path && ollamaBlob(*found.details.path))
         || candidate.facts.executable.contains("/ollama/"_L1) || program.contains("/ollama/"_L1);
 }
 
 bool isDockerModelRunner(const Candidate &candidate, const Recognition &found)
 {
-    return (found.modelPath && found.modelPath->contains("/bundles/sha256/"_L1))
-        || candidate.run.arguments.join(u' ').contains("inference-runner-"_L1);
+    return (found.details.path && found.details.path->contains("/bundles/sha256/"_L1))
+        || std::ranges::any_of(candidate.run.arguments, [](const QString &argument) {
+               return argument.startsWith("inference-runner-"_L1);
+           });
 }
 
 bool isRamaLama(const Candidate &, const Recognition &found)
 {
-    return found.modelPath == u"/mnt/models/model.file"_s;
+    return found.details.path == u"/mnt/models/model.file"_s;
 }
 
 bool isLocalAI(const Candidate &candidate, const Recognition &)
@@ -121,7 +128,7 @@ enum class ModelForm {
 void setModel(Recognition &found, const ModelArgument &argument)
 {
     found.model = modelNameOf(argument);
-    found.modelPath = argument.isRepository ? std::nullopt : std::optional(argument.text);
+    found.details.path = argument.isRepository ? std::nullopt : std::optional(argument.text);
 }
 
 void setName(Recognition &found, const QString &text)
@@ -221,7 +228,7 @@ void refineModel(Recognition &found, const Candidate &candidate)
 /// `ollama run --nowordwrap llama3.2`
 void refineOllama(Recognition &found, const Candidate &candidate)
 {
-    if (candidate.run.arguments.value(0) == "run"_L1 && !found.modelPath)
+    if (candidate.run.arguments.value(0) == "run"_L1 && !found.details.path)
         found.model = argumentBehind(candidate.run.arguments, "run"_L1);
 }
 
@@ -379,15 +386,31 @@ std::optional<Recognition> recognise(const ProcessFacts &facts)
     if (!found)
         return std::nullopt;
     preferAlias(*found, facts.argv);
-    found->contextLength = contextArgument(facts.argv);
+    found->details.contextLength = contextArgument(facts.argv);
     return found;
 }
 
-Recognition joined(const Recognition &part, const Recognition &ancestor)
+bool nameMayBeARunner(const QString &name)
 {
-    Recognition whole = ancestor;
-    if (part.framework != AIFramework::generic)
-        whole.framework = part.framework;
+    const ProgramRun run{.name = name.toLower()};
+    // Scripts that these run are told by their arguments; a name that was cut may hide an ending.
+    constexpr std::array hosts{"node"_L1, "chat"_L1, "pt_main_thread"_L1};
+    return isOneOf(run.name, hosts) || run.name.endsWith(".llamafile"_L1) || isCut(run.name)
+        || std::ranges::any_of(secondRules, [&run](const SecondRule &row) {
+               return row.how == How::is ? run.runs(row.mark) : run.runsNamedLike(row.mark);
+           });
+}
+
+bool isServerOf(const Recognition &part, const Recognition &ancestor)
+{
+    return !ancestor.isPart
+        && (part.framework == AIFramework::generic || part.framework == ancestor.framework);
+}
+
+Recognition joined(const Recognition &, const Recognition &server)
+{
+    Recognition whole = server;
+    whole.details.origin = ModelOrigin::server;
     return whole;
 }
 

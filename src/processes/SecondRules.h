@@ -1,7 +1,8 @@
 #pragma once
 
+#include "arguments/ModelDetails.h"
+#include "arguments/ProgramRun.h"
 #include "processes/AIFramework.h"
-#include "processes/ProgramRun.h"
 
 #include <cstdint>
 
@@ -11,10 +12,8 @@ namespace corvane {
 struct Recognition {
     AIFramework framework = AIFramework::generic;
     std::optional<QString> model = {}; ///< As a person reads it; absent when nothing names it.
-    /// The argument that names the model, in full, where it may be a path.
-    std::optional<QString> modelPath = {};
-    std::optional<std::uint64_t> contextLength = {}; ///< Tokens that the command line asks for.
-    /// A part of a server whose arguments name no model: that of the nearest ancestor holds.
+    ModelDetails details = {};
+    /// A part of a server whose arguments name no model: those of an ancestor do.
     bool isPart = false;
 
     friend bool operator==(const Recognition &, const Recognition &) = default;
@@ -25,8 +24,13 @@ struct Recognition {
 /// they found nothing. Absent for a process that is no local inference. Pure but for `folder`.
 std::optional<Recognition> recognise(const ProcessFacts &facts);
 
-/// A part with the model of that ancestor. A part that is any interpreter's worker takes its
-/// framework too.
-Recognition joined(const Recognition &part, const Recognition &ancestor);
+/// Whether a process of that name may be one that the first rules do not look at. Cheap.
+bool nameMayBeARunner(const QString &name);
+
+/// Whether that ancestor is the server of which a process is a part.
+bool isServerOf(const Recognition &part, const Recognition &ancestor);
+
+/// A part with the framework and the model of its server.
+Recognition joined(const Recognition &part, const Recognition &server);
 
 } // namespace corvane

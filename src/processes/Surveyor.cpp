@@ -12,6 +12,48 @@ namespace {
 
 constexpr std::int32_t rowsShown = 20;
 
+/// What all rules make of a process. The call may never return.
+ArgumentFacts readFactsOf(std::int32_t pid, const ProcessSource &source)
+{
+    const auto name = source.name(pid);
+    const FolderReader folder = [&source, pid]() -> std::optional<QString> {
+        const auto path = source.folder ? source.folder(pid) : std::nullopt;
+        return path ? std::optional(QString::fromStdString(*path)) : std::nullopt;
+    };
+    return AIProcessDetector::takeFacts(
+        source.arguments(pid), QString::fromStdString(name.value_or(std::string())), folder);
+}
+
+/// The nearest ancestor that is the server of a part.
+std::optional<Recognition> serverOf(const Recognition &part, std::int32_t pid,
+                                    const ProcessSource &source)
+{
+    constexpr int generations = 8;
+    for (int generation = 0; generation < generations && source.parent; ++generation) {
+        const auto parent = source.parent(pid);
+        if (!parent || *parent <= 1)
+            return std::nullopt;
+        pid = *parent;
+        const auto found = readFactsOf(pid, source).recognised;
+        if (found && isServerOf(part, *found))
+            return found;
+    }
+    return std::nullopt;
+}
+
+/// The same, with a part joined with its server. A worker of unknown purpose alone is nothing.
+ArgumentFacts readWithServer(std::int32_t pid, const ProcessSource &source)
+{
+    ArgumentFacts facts = readFactsOf(pid, source);
+    if (!facts.recognised || !facts.recognised->isPart)
+        return facts;
+    if (const auto server = serverOf(*facts.recognised, pid, source))
+        facts.recognised = joined(*facts.recognised, *server);
+    else if (facts.recognised->framework == AIFramework::generic)
+        facts.recognised.reset();
+    return facts;
+}
+
 } // namespace
 
 Surveyor::Surveyor(ProcessSource source, std::chrono::milliseconds patience)
@@ -51,8 +93,8 @@ std::optional<ArgumentFacts> Surveyor::readFacts(const ProcessIdentity &process)
 {
     if (isLeftAlone(process))
         return ArgumentFacts();
-    const std::function<ArgumentFacts()> read = [arguments = m_source.arguments, process] {
-        return AIProcessDetector::takeFacts(arguments(process.pid));
+    const std::function<ArgumentFacts()> read = [source = m_source, process] {
+        return readWithServer(process.pid, source);
     };
     auto result = m_calls.call(read, m_patience);
     if (result.outcome == TimedCalls::Outcome::tooSlow) {

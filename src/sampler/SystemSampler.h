@@ -3,7 +3,7 @@
 #include "chip/ChipSource.h"
 #include "history/HistoryStore.h"
 #include "memory/MemorySampler.h"
-#include "processes/Surveyor.h"
+#include "models/ModelNames.h"
 #include "records/ReferenceDate.h"
 #include "records/SystemMetrics.h"
 #include "sampler/AppSettings.h"
@@ -23,7 +23,7 @@ namespace corvane {
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
     ChipSource chip = openChipSource();             ///< Empty: no reading of the chip.
-    SurveySource survey = systemSurveys();          ///< Runs in the background. Empty: no survey.
+    SurveySource survey = namedSurveys();           ///< Runs in the background. Empty: no survey.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);

@@ -66,13 +66,18 @@ void ProcTree::add(int pid, const FakeProcess &process)
     write("statm", process.statm.value_or(statmText(process)));
     write("status", process.status || !process.swapped ? process.status : statusText(process));
     write("stat",
-          QByteArray::number(pid) + " (x) S 1" + QByteArray(" 0").repeated(17) + ' '
+          QByteArray::number(pid) + " (x) S " + QByteArray::number(process.parent)
+              + QByteArray(" 0").repeated(17) + ' '
               + QByteArray::number(static_cast<qulonglong>(process.startTime)) + " 0 0\n");
     write("comm", process.comm);
     write("cmdline", process.cmdline);
-    const std::string exe = root() + '/' + path(pid, "exe");
-    if (process.exe && symlink(process.exe->constData(), exe.c_str()) != 0)
-        qFatal("The made-up machine could not be written.");
+    const auto link = [this, pid](const char *file, const std::optional<QByteArray> &target) {
+        const std::string place = root() + '/' + path(pid, file);
+        if (target && symlink(target->constData(), place.c_str()) != 0)
+            qFatal("The made-up machine could not be written.");
+    };
+    link("exe", process.exe);
+    link("cwd", process.cwd);
 }
 
 void ProcTree::setSwap(std::uint64_t total, std::uint64_t free)

@@ -19,9 +19,11 @@ struct FakeProcess {
     std::uint64_t room = 0;                    ///< Address space on top of these, in bytes.
     std::optional<std::uint64_t> swapped = {}; ///< VmSwap in bytes; absent: no `status`.
     std::uint64_t startTime = 1;               ///< In `stat`.
+    int parent = 1;                            ///< The same.
     std::optional<QByteArray> comm = {};
     std::optional<QByteArray> cmdline = {};
     std::optional<QByteArray> exe = {};    ///< Where the link leads.
+    std::optional<QByteArray> cwd = {};    ///< The same.
     std::optional<QByteArray> statm = {};  ///< In place of the text that follows from the above.
     std::optional<QByteArray> status = {}; ///< The same.
 };

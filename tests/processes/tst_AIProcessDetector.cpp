@@ -363,7 +363,8 @@ void TestAIProcessDetector::describesWorkloads()
                                             .processName = u"Ollama"_s,
                                             .framework = AIFramework::ollama,
                                             .model = u"llama3"_s,
-                                            .memory = 300 * MiB}};
+                                            .memory = 300 * MiB,
+                                            .startTime = 1}};
     QCOMPARE(workloads, expected);
 }
 

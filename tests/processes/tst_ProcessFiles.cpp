@@ -24,6 +24,7 @@ private slots:
     void readsSwappedMemory();
     void readsTheTimeOfTheStart_data();
     void readsTheTimeOfTheStart();
+    void readsTheParent();
     void completesNames_data();
     void completesNames();
 };
@@ -156,6 +157,18 @@ void TestProcessFiles::readsTheTimeOfTheStart()
     QFETCH(QByteArray, stat);
     const auto time = parseStartTime({stat.constData(), static_cast<std::size_t>(stat.size())});
     QTEST(time ? std::optional<quint64>(*time) : std::nullopt, "expected");
+}
+
+void TestProcessFiles::readsTheParent()
+{
+    using Expected = std::optional<std::int32_t>;
+    QCOMPARE(parseParent("7 (a) S 29918 29918 27721 0"), Expected(29918));
+    QCOMPARE(parseParent("7 (a (b) c) R 1 (x)"), Expected(1));
+    QCOMPARE(parseParent("7 (a) S 0 0"), Expected(0));
+    QCOMPARE(parseParent("7 (a) S 99999999999"), Expected());
+    QCOMPARE(parseParent("7 (a) S"), Expected());
+    QCOMPARE(parseParent("7 (a) S -1"), Expected());
+    QCOMPARE(parseParent(""), Expected());
 }
 
 void TestProcessFiles::completesNames_data()

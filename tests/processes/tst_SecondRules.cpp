@@ -135,7 +135,7 @@ void TestSecondRules::keepsTheWholeArgumentOfAModel_data()
 void TestSecondRules::keepsTheWholeArgumentOfAModel()
 {
     QFETCH(QString, commandLine);
-    QTEST(recognised(u"llama-server"_s, u"-"_s, commandLine)->modelPath, "path");
+    QTEST(recognised(u"llama-server"_s, u"-"_s, commandLine)->details.path, "path");
 }
 
 void TestSecondRules::asksForTheFolderOnlyWhereARuleNamesOne()
@@ -175,7 +175,7 @@ void TestSecondRules::readsTheContextLength()
 {
     const auto context = [](const QString &options) {
         return recognised(u"llama-server"_s, u"-"_s, u"llama-server -m q.gguf "_s + options)
-            ->contextLength;
+            ->details.contextLength;
     };
     QCOMPARE(context(u"--ctx-size 8192"_s), std::optional<std::uint64_t>(8192));
     QCOMPARE(context(u"--ctx-size=4096"_s), std::optional<std::uint64_t>(4096));

@@ -28,8 +28,8 @@ void addCrowd(ProcTree &tree, int first, int count, std::uint64_t heaviest)
     for (int i = 0; i < count; ++i)
         tree.add(first + i,
                  {.own = heaviest - static_cast<std::uint64_t>(i) * MiB,
-                  .comm = "node\n",
-                  .cmdline = QByteArray("node\0app.js\0", 12)});
+                  .comm = "java\n",
+                  .cmdline = QByteArray("java\0app.js\0", 12)});
 }
 
 constexpr std::chrono::milliseconds noPatience(1);
@@ -99,7 +99,8 @@ std::vector<AIWorkload> workloads(const ProcTree &tree)
     FactsCache cache;
     const auto read = [&tree](const ProcessIdentity &process) {
         return std::optional(AIProcessDetector::takeFacts(
-            ProcessBridge::processArgsForPID(process.pid, tree.source())));
+            ProcessBridge::processArgsForPID(process.pid, tree.source()),
+            QString::fromStdString(tree.source().name(process.pid).value_or(std::string()))));
     };
     return AIProcessDetector::detectAll(ProcessBridge::ranking({}, tree.source()),
                                         tree.source().identity, read, cache);
@@ -114,6 +115,9 @@ private slots:
     void equalsRankingAndDetection();
     void equalsThemOnAnyMachine();
     void examinesTheEightyHeaviest();
+    void namesThePartsOfAServer();
+    void looksAtTheWorkingFolder();
+    void keepsWhatAProcessWasWhenItRenamesItself();
     void findsNothingWhereNothingIs();
     void findsProcessesOfThisMachine();
     void reportsTheRankingBeforeItReadsArguments();
@@ -135,11 +139,23 @@ void TestSurveyor::equalsRankingAndDetection()
     const Survey survey = surveyOf(tree);
     QCOMPARE(survey.processes.size(), std::size_t(20));
     QCOMPARE(survey.processes.at(0), (ProcessRow{2, u"python3"_s, 2000 * MiB}));
-    QCOMPARE(survey.processes.at(19), (ProcessRow{1018, u"node"_s, 882 * MiB}));
-    QCOMPARE(
-        survey.workloads,
-        (std::vector<AIWorkload>{{2, 2, u"python3"_s, AIFramework::vllm, u"b"_s, 2000 * MiB},
-                                 {1, 1, u"ollama"_s, AIFramework::ollama, u"a"_s, 300 * MiB}}));
+    QCOMPARE(survey.processes.at(19), (ProcessRow{1018, u"java"_s, 882 * MiB}));
+    const AIWorkload served{.id = 2,
+                            .pid = 2,
+                            .processName = u"python3"_s,
+                            .framework = AIFramework::vllm,
+                            .model = u"b"_s,
+                            .memory = 2000 * MiB,
+                            .startTime = 1,
+                            .details = {.path = u"b"_s}};
+    const AIWorkload run{.id = 1,
+                         .pid = 1,
+                         .processName = u"ollama"_s,
+                         .framework = AIFramework::ollama,
+                         .model = u"a"_s,
+                         .memory = 300 * MiB,
+                         .startTime = 1};
+    QCOMPARE(survey.workloads, (std::vector<AIWorkload>{served, run}));
     QCOMPARE(survey.processes, rows(tree));
     QCOMPARE(survey.workloads, workloads(tree));
 }
@@ -149,7 +165,7 @@ void TestSurveyor::equalsThemOnAnyMachine()
     // Few sizes, so that equal footprints lie at the ends of both lists; swap in use; names that
     // cannot be read.
     constexpr std::array sizes{1 * MiB, 199 * MiB, 200 * MiB, 300 * MiB};
-    const std::array<std::optional<QByteArray>, 4> names{"ollama\n", "python3\n", "node\n", {}};
+    const std::array<std::optional<QByteArray>, 4> names{"ollama\n", "python3\n", "java\n", {}};
     std::mt19937 random(7);
     const auto oneOf = [&random](const auto &list) { return list[random() % list.size()]; };
     for (int machine = 0; machine < 2; ++machine) {
@@ -179,6 +195,57 @@ void TestSurveyor::examinesTheEightyHeaviest()
     addCrowd(tree, 2000, 1, 301 * MiB); // Now it is the 81st.
     QCOMPARE(surveyOf(tree).workloads.size(), std::size_t(0));
     QCOMPARE(workloads(tree).size(), std::size_t(0));
+}
+
+void TestSurveyor::namesThePartsOfAServer()
+{
+    // A light server, its engine under a title, and a worker whose own parent is that engine.
+    ProcTree tree;
+    tree.add(10,
+             {.own = 50 * MiB,
+              .comm = "vllm\n",
+              .cmdline = QByteArray("python3\0/bin/vllm\0serve\0Qwen/Qwen3-8B\0", 40)});
+    tree.add(11,
+             {.own = 900 * MiB,
+              .parent = 10,
+              .comm = "VLLM::EngineCor\n",
+              .cmdline = QByteArray("VLLM::EngineCore\0\0\0", 19)});
+    const QByteArray worker("python3\0-c\0from multiprocessing.spawn import spawn_main\0", 57);
+    tree.add(12, {.own = 800 * MiB, .parent = 11, .comm = "python3\n", .cmdline = worker});
+    // The same without a server, and one whose ancestors run in a circle.
+    tree.add(20, {.own = 700 * MiB, .comm = "python3\n", .cmdline = worker});
+    tree.add(21, {.own = 600 * MiB, .parent = 21, .comm = "python3\n", .cmdline = worker});
+    tree.add(22,
+             {.own = 500 * MiB, .parent = 99, .comm = "VLLM::Worker\n", .cmdline = "VLLM::Worker"});
+    const Survey survey = surveyOf(tree);
+    QCOMPARE(models(survey), (QStringList{u"Qwen/Qwen3-8B"_s, u"Qwen/Qwen3-8B"_s, u"-"_s}));
+    for (const AIWorkload &workload : survey.workloads)
+        QCOMPARE(workload.framework, AIFramework::vllm);
+    QCOMPARE(survey.workloads.at(0).details.origin, ModelOrigin::server);
+}
+
+void TestSurveyor::looksAtTheWorkingFolder()
+{
+    ProcTree tree;
+    const QByteArray script("python3\0main.py\0", 16);
+    tree.add(1, {.own = 400 * MiB, .comm = "python3\n", .cmdline = script, .cwd = "/srv/ComfyUI"});
+    tree.add(2, {.own = 300 * MiB, .comm = "python3\n", .cmdline = script, .cwd = "/srv/site"});
+    tree.add(3, {.own = 300 * MiB, .comm = "python3\n", .cmdline = script});
+    const Survey survey = surveyOf(tree);
+    QCOMPARE(survey.workloads.size(), std::size_t(1));
+    QCOMPARE(survey.workloads.at(0).pid, 1);
+    QCOMPARE(survey.workloads.at(0).framework, AIFramework::comfyUI);
+}
+
+void TestSurveyor::keepsWhatAProcessWasWhenItRenamesItself()
+{
+    ProcTree tree;
+    const QByteArray served("python3\0/bin/vllm\0serve\0a/b\0", 30);
+    tree.add(1, {.own = 400 * MiB, .comm = "vllm\n", .cmdline = served});
+    Surveyor surveyor(tree.source());
+    QCOMPARE(models(surveyor.take()), QStringList{u"a/b"_s});
+    tree.add(1, {.own = 400 * MiB, .comm = "VLLM::Router\n", .cmdline = served});
+    QCOMPARE(models(surveyor.take()), QStringList{u"a/b"_s});
 }
 
 void TestSurveyor::findsNothingWhereNothingIs()

@@ -55,6 +55,8 @@ const std::vector<WaysOfCall> &waysToFail()
         CORVANE_WAYS(proc_listpids, error, shortAnswer, garbage),
         CORVANE_WAYS(proc_pid_rusage, error, garbage),
         CORVANE_WAYS(proc_name, error, garbage),
+        CORVANE_WAYS(proc_pidinfo, error, garbage),
+        CORVANE_WAYS(proc_pidfdinfo, error, garbage),
         CORVANE_WAYS(pthread_set_qos_class_self_np, error),
     };
 #undef CORVANE_WAYS

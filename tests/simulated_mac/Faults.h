@@ -53,6 +53,8 @@ enum class Call {
     proc_listpids,
     proc_pid_rusage,
     proc_name,
+    proc_pidinfo,
+    proc_pidfdinfo,
     pthread_set_qos_class_self_np,
 };
 inline constexpr std::size_t callCount =

@@ -40,6 +40,14 @@ struct Process {
     std::uint64_t footprint = 0;
     bool inspectable = true;                  ///< Another user's process refuses to be looked at.
     std::vector<std::uint8_t> arguments = {}; ///< The kernel's argument block.
+    int parent = 1;
+    std::string folder = "/"; ///< Its working folder.
+    std::vector<std::string> openFiles = {};
+    struct Mapping {
+        std::string path; ///< Empty: memory of its own.
+        std::uint64_t size = 0;
+    };
+    std::vector<Mapping> mappings = {};
 };
 
 /// The kernel's argument block of a process.

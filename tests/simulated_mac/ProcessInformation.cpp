@@ -27,6 +27,55 @@ const Process *inspectable(int pid)
     return found == processes.end() || !found->inspectable ? nullptr : &*found;
 }
 
+constexpr int firstDescriptor = 3;
+constexpr std::uint64_t firstAddress = 0x100000000;
+
+template <typename Info>
+int answer(const Info &info, void *buffer, int bufferSize)
+{
+    if (bufferSize < static_cast<int>(sizeof info))
+        return refusal(ENOMEM, 0);
+    std::memcpy(buffer, &info, sizeof info);
+    return sizeof info;
+}
+
+/// A path as the kernel cuts it.
+void putPath(vnode_info_path &info, const std::string &path)
+{
+    const std::string cut = path.substr(0, sizeof info.vip_path - 1);
+    std::memcpy(info.vip_path, cut.c_str(), cut.size() + 1);
+}
+
+int listDescriptors(const Process &process, void *buffer, int bufferSize)
+{
+    constexpr int size = sizeof(proc_fdinfo);
+    const int count = static_cast<int>(process.openFiles.size());
+    if (!buffer)
+        return (count + 20) * size;
+    const int listed = std::min(count, bufferSize / size);
+    auto *list = static_cast<proc_fdinfo *>(buffer);
+    for (int i = 0; i < listed; ++i)
+        list[i] = {.proc_fd = firstDescriptor + i, .proc_fdtype = PROX_FDTYPE_VNODE};
+    return listed * size;
+}
+
+/// The mapping at that address, or the first behind it.
+int describeRegion(const Process &process, std::uint64_t address, void *buffer, int bufferSize)
+{
+    std::uint64_t start = firstAddress;
+    for (const Process::Mapping &mapping : process.mappings) {
+        if (start + mapping.size > address) {
+            proc_regionwithpathinfo info = {};
+            info.prp_prinfo.pri_address = start;
+            info.prp_prinfo.pri_size = mapping.size;
+            putPath(info.prp_vip, mapping.path);
+            return answer(info, buffer, bufferSize);
+        }
+        start += mapping.size;
+    }
+    return refusal(EINVAL, 0);
+}
+
 } // namespace
 
 int proc_listpids(std::uint32_t type, std::uint32_t, void *buffer, int bufferSize)
@@ -80,4 +129,46 @@ int proc_name(int pid, void *buffer, std::uint32_t bufferSize)
         fault ? std::string("\xff\xfe\x80") : process->name.substr(0, longestName);
     std::memcpy(buffer, name.c_str(), name.size() + 1);
     return static_cast<int>(name.size());
+}
+
+int proc_pidinfo(int pid, int flavor, std::uint64_t argument, void *buffer, int bufferSize)
+{
+    const auto fault = faults().ask(Call::proc_pidinfo);
+    const corvane::MutexLock lock(mac().processesMutex);
+    const Process *process = inspectable(pid);
+    if (!process || fault == Way::error)
+        return refusal(EPERM, 0);
+    switch (flavor) {
+    case PROC_PIDTBSDINFO: {
+        proc_bsdinfo info = {};
+        info.pbi_ppid = fault ? static_cast<std::uint32_t>(faults().garbage())
+                              : static_cast<std::uint32_t>(process->parent);
+        return answer(info, buffer, bufferSize);
+    }
+    case PROC_PIDVNODEPATHINFO: {
+        proc_vnodepathinfo info = {};
+        putPath(info.pvi_cdir, fault ? std::string("\xff\xfe") : process->folder);
+        return answer(info, buffer, bufferSize);
+    }
+    case PROC_PIDLISTFDS:
+        return listDescriptors(*process, buffer, bufferSize);
+    case PROC_PIDREGIONPATHINFO:
+        return describeRegion(*process, argument, buffer, bufferSize);
+    default:
+        return refusal(EINVAL, 0);
+    }
+}
+
+int proc_pidfdinfo(int pid, int descriptor, int flavor, void *buffer, int bufferSize)
+{
+    const auto fault = faults().ask(Call::proc_pidfdinfo);
+    const corvane::MutexLock lock(mac().processesMutex);
+    const Process *process = inspectable(pid);
+    const auto place = static_cast<std::size_t>(descriptor - firstDescriptor);
+    if (!process || flavor != PROC_PIDFDVNODEPATHINFO || place >= process->openFiles.size()
+        || fault == Way::error)
+        return refusal(EBADF, 0);
+    vnode_fdinfowithpath info = {};
+    putPath(info.pvip, fault ? std::string("\xff\xfe") : process->openFiles[place]);
+    return answer(info, buffer, bufferSize);
 }

@@ -29,5 +29,7 @@ struct rusage_info_v4 {
 int proc_listpids(std::uint32_t type, std::uint32_t typeInfo, void *buffer, int bufferSize);
 int proc_pid_rusage(int pid, int flavor, rusage_info_t *buffer);
 int proc_name(int pid, void *buffer, std::uint32_t bufferSize);
+int proc_pidinfo(int pid, int flavor, std::uint64_t argument, void *buffer, int bufferSize);
+int proc_pidfdinfo(int pid, int descriptor, int flavor, void *buffer, int bufferSize);
 
 } // extern "C"

@@ -7,14 +7,15 @@
 
 namespace corvane {
 
+/// The working folder of a process; absent where it cannot be read.
+using FolderReader = std::function<std::optional<QString>()>;
+
 /// What the system tells of a process that the rules look at.
 struct ProcessFacts {
     QString name = {};       ///< The system's short name; Linux cuts some at 15 bytes.
     QString executable = {}; ///< Path; empty when it cannot be read.
     QStringList argv = {};
-    /// The working folder, asked only for scripts that are named by a relative path. Absent where
-    /// it cannot be read; empty: it is never asked.
-    std::function<std::optional<QString>()> folder = {};
+    FolderReader folder = {}; ///< Asked only for scripts that a relative path names; may be empty.
 };
 
 /// What a command line runs: a program, or a script or module of an interpreter. Pure.
@@ -38,6 +39,9 @@ struct ProgramRun {
     /// The same for the beginning of a name.
     bool runsNamedLike(QLatin1StringView beginning) const;
 };
+
+/// Whether a name has the length at which Linux cuts names.
+bool isCut(const QString &name);
 
 /// The part of a path behind its last "/", in lower case.
 QString lowerFileName(const QString &path);

@@ -1,4 +1,4 @@
-#include "processes/ModelArgument.h"
+#include "arguments/ModelArgument.h"
 
 #include <QTest>
 

@@ -1,6 +1,4 @@
-#include "processes/ModelArgument.h"
-
-#include "processes/AIProcessDetector.h"
+#include "arguments/ModelArgument.h"
 
 #include <QRegularExpression>
 
@@ -12,6 +10,10 @@ namespace corvane {
 namespace {
 
 using namespace Qt::StringLiterals;
+
+/// Deliberately without ".pt".
+constexpr std::array modelFileSuffixes{".gguf"_L1, ".safetensors"_L1, ".bin"_L1, ".ckpt"_L1,
+                                       ".pth"_L1};
 
 constexpr std::array modelFlags{"--model"_L1,
                                 "--model-path"_L1,
@@ -52,10 +54,14 @@ constexpr std::array valuedOptions{
 constexpr std::array plainOptions{"--nowordwrap"_L1, "--verbose"_L1,      "--insecure"_L1,
                                   "--think"_L1,      "--hidethinking"_L1, "--truncate"_L1};
 
+/// Long flags in any case, as the first rules compare them; short ones as they are. Arguments are
+/// not copied for it: they may be secrets.
 template <typename Flags>
-bool isOneOf(const Flags &flags, const QString &argument)
+bool isOneOf(const Flags &flags, QStringView argument)
 {
-    return std::ranges::find(flags, argument) != flags.end();
+    const auto sensitivity = argument.startsWith("--"_L1) ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    return std::ranges::any_of(
+        flags, [&](QLatin1StringView flag) { return argument.compare(flag, sensitivity) == 0; });
 }
 
 /// The value of the first of these flags, behind it or behind its "=".
@@ -66,35 +72,16 @@ std::optional<QString> valueOf(const QStringList &argv, const Flags &flags)
         if (i + 1 < argv.size() && isOneOf(flags, argv[i]))
             return argv[i + 1];
         const qsizetype equals = argv[i].indexOf(u'=');
-        if (equals > 0 && isOneOf(flags, argv[i].first(equals)))
+        if (equals > 0 && isOneOf(flags, QStringView(argv[i]).first(equals)))
             return argv[i].sliced(equals + 1);
     }
     return std::nullopt;
 }
 
-/// With the flags in lower case, as the first rules compare them; their values as they are.
-QStringList withLowerFlags(const QStringList &argv)
-{
-    QStringList result = argv;
-    for (QString &argument : result) {
-        if (!argument.startsWith("--"_L1))
-            continue;
-        const qsizetype equals = argument.indexOf(u'=');
-        argument = equals < 0 ? argument.toLower()
-                              : argument.first(equals).toLower() + argument.sliced(equals);
-    }
-    return result;
-}
-
-bool isModelFile(const QString &name)
-{
-    return AIProcessDetector::modelFromCheckpoint({name}).has_value();
-}
-
 std::optional<QString> ambiguousModel(const QStringList &argv)
 {
     for (qsizetype i = 1; i + 1 < argv.size(); ++i) {
-        if (argv[i] == "-m"_L1 && (isModelFile(argv[i + 1]) || argv[i + 1].contains(u'/')))
+        if (argv[i] == "-m"_L1 && (isModelFileName(argv[i + 1]) || argv[i + 1].contains(u'/')))
             return argv[i + 1];
     }
     return std::nullopt;
@@ -103,7 +90,7 @@ std::optional<QString> ambiguousModel(const QStringList &argv)
 std::optional<QString> modelFile(const QStringList &argv)
 {
     for (qsizetype i = 0; i < argv.size(); ++i) {
-        if (isModelFile(argv[i]) && (i == 0 || !isOneOf(besidesFlags, argv[i - 1]))
+        if (isModelFileName(argv[i]) && (i == 0 || !isOneOf(besidesFlags, argv[i - 1]))
             && !argv[i].startsWith(u'-'))
             return argv[i];
     }
@@ -172,14 +159,32 @@ std::optional<QString> nameOfUrl(const QString &text)
     const QString path = text.sliced(scheme + 3);
     const QString withoutQuery = path.first(
         std::min(path.size(), path.indexOf(u'?') >= 0 ? path.indexOf(u'?') : path.size()));
-    return AIProcessDetector::basename(u'/' + withoutQuery);
+    return shortModelName(u'/' + withoutQuery);
 }
 
 } // namespace
 
-std::optional<ModelArgument> modelArgument(const QStringList &given)
+bool isModelFileName(const QString &name)
 {
-    const QStringList argv = withLowerFlags(given);
+    constexpr qsizetype longestSuffix = 12; // Longer arguments are not copied: they may be secrets.
+    const QString lower = name.last(std::min(name.size(), longestSuffix)).toLower();
+    return std::ranges::any_of(modelFileSuffixes,
+                               [&lower](auto suffix) { return lower.endsWith(suffix); });
+}
+
+QString shortModelName(const QString &path)
+{
+    const QString whole = path.trimmed();
+    const QStringList pieces = whole.split(u'/', Qt::SkipEmptyParts);
+    if (!whole.contains(u'/') || pieces.isEmpty())
+        return whole;
+    // A relative "owner/name" is the identifier of a model and stays whole.
+    const bool identifier = pieces.size() == 2 && !whole.startsWith(u'/');
+    return identifier && !isModelFileName(pieces.last()) ? whole : pieces.last();
+}
+
+std::optional<ModelArgument> modelArgument(const QStringList &argv)
+{
     if (auto text = valueOf(argv, modelFlags))
         return ModelArgument{.text = *std::move(text)};
     if (auto text = valueOf(argv, repositoryFlags))
@@ -220,7 +225,7 @@ std::optional<QString> argumentBehind(const QStringList &arguments, QLatin1Strin
 std::optional<std::uint64_t> contextArgument(const QStringList &argv)
 {
     constexpr std::uint64_t most = 1 << 30; // A thousand times the longest of today's.
-    const auto text = valueOf(withLowerFlags(argv), contextFlags);
+    const auto text = valueOf(argv, contextFlags);
     bool isNumber = false;
     const auto tokens = text ? text->toULongLong(&isNumber) : 0;
     // 0 means the model's own.
@@ -236,7 +241,7 @@ QString modelNameOf(const QString &text)
         return withFile(cached->repository, cached->file);
     if (auto name = nameOfUrl(whole))
         return *std::move(name);
-    const QString base = AIProcessDetector::basename(whole);
+    const QString base = shortModelName(whole);
     if (const auto digest = digestOf(base))
         return shortDigest(*digest);
     return base;
@@ -288,7 +293,7 @@ bool saysNothing(const QString &fileName)
         return true;
     const QString stem = stemOf(name);
     return isOneOf(emptyStems, stem) || stem.startsWith("ggml-model-"_L1)
-        || (isModelFile(name) && isOneOf(emptyStems, name.first(name.lastIndexOf(u'.'))));
+        || (isModelFileName(name) && isOneOf(emptyStems, name.first(name.lastIndexOf(u'.'))));
 }
 
 } // namespace corvane

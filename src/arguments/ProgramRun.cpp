@@ -1,4 +1,4 @@
-#include "processes/ProgramRun.h"
+#include "arguments/ProgramRun.h"
 
 #include <algorithm>
 #include <array>
@@ -8,8 +8,6 @@ namespace corvane {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr qsizetype longestCutName = 15; ///< TASK_COMM_LEN without the closing NUL.
 
 bool isPython(const QString &program)
 {
@@ -61,6 +59,12 @@ void readInterpreter(ProgramRun &run, const QStringList &argv)
 
 } // namespace
 
+bool isCut(const QString &name)
+{
+    constexpr qsizetype longest = 15; // TASK_COMM_LEN without the closing NUL.
+    return name.size() == longest;
+}
+
 QString lowerFileName(const QString &path)
 {
     return path.sliced(path.lastIndexOf(u'/') + 1).toLower();
@@ -88,9 +92,8 @@ QString ProgramRun::scriptName() const
 
 bool ProgramRun::runs(QLatin1StringView wanted) const
 {
-    const bool isCutName = name.size() == longestCutName && wanted.startsWith(name);
-    return isCutName || name == wanted || program == wanted || module == wanted
-        || scriptName() == wanted;
+    return (isCut(name) && wanted.startsWith(name)) || name == wanted || program == wanted
+        || module == wanted || scriptName() == wanted;
 }
 
 bool ProgramRun::runsNamedLike(QLatin1StringView beginning) const

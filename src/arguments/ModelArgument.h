@@ -30,6 +30,12 @@ std::optional<QString> argumentBehind(const QStringList &arguments, QLatin1Strin
 /// Tokens of context that the command line asks for.
 std::optional<std::uint64_t> contextArgument(const QStringList &argv);
 
+/// Whether that is a file of weights, by its suffix.
+bool isModelFileName(const QString &name);
+
+/// The part of a path or model identifier that is worth showing.
+QString shortModelName(const QString &path);
+
 /// What a person calls the model of such an argument, without looking at any file: "org/name" of a
 /// path in the cache of Hugging Face, "blob 8eeb52dfb3bb" for a file that is named by its digest,
 /// else the file's own name. Empty for an empty text.

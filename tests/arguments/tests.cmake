@@ -1,0 +1,1 @@
+corvane_test(arguments/tst_ModelArgument)
