@@ -46,32 +46,80 @@ GPUMetrics gpuMetrics(const ChipSnapshot &from, const ChipSnapshot &to, const GP
                           .limit = gpu.limit};
     if (!gpu.state.empty())
         metrics.state = QString::fromStdString(gpu.state);
-    if (!gpu.integrated)
+    if (!gpu.integrated || gpu.coreWatts)
         metrics.watts = gpuWatts(earlier(from, gpu), gpu);
     return metrics;
 }
 
-/// Watts of all packages that count their energy, else of an APU's socket.
-double cpuWatts(const ChipSnapshot &from, const ChipSnapshot &to)
+struct ChipWatts {
+    std::optional<double> cpu = {};
+    std::optional<double> graphics = {}; ///< Of an integrated GPU.
+    std::optional<double> package = {};  ///< Where the CPU's are told beside it.
+};
+
+int countOf(const std::vector<PackageEnergyReading> &counters, EnergyPart part)
+{
+    return int(std::ranges::count(counters, part, &PackageEnergyReading::part));
+}
+
+/// Watts of all counters of one part; absent without any, and while one of them restarts.
+std::optional<double> countedWatts(const ChipSnapshot &from, const ChipSnapshot &to,
+                                   EnergyPart part)
 {
     constexpr double leastSeconds = 0.05; // Two snapshots may follow each other at once.
     const double seconds = std::max(to.seconds - from.seconds, 0.0);
-    bool counted = false;
-    double joules = 0;
+    std::optional<double> sum;
     for (const PackageEnergyReading &now : to.packages) {
-        const auto before = std::ranges::find(from.packages, now.zone, &PackageEnergyReading::zone);
-        if (before == from.packages.end())
+        if (now.part != part)
             continue;
-        counted = true;
-        joules += packageJoules(*before, now, seconds).value_or(0);
+        const auto before = std::ranges::find(from.packages, now.zone, &PackageEnergyReading::zone);
+        const auto joules =
+            before == from.packages.end() ? std::nullopt : packageJoules(*before, now, seconds);
+        if (!joules)
+            return std::nullopt;
+        sum = sum.value_or(0) + *joules;
     }
-    if (counted)
-        return joules / std::max(seconds, leastSeconds);
+    return sum ? std::optional(*sum / std::max(seconds, leastSeconds)) : std::nullopt;
+}
 
-    double watts = 0;
-    for (const GPUReading &gpu : to.gpus)
-        watts += gpu.packageWatts.value_or(0);
-    return watts;
+/// Sum of a value over all APUs; absent without any, and unless each of them tells it.
+std::optional<double> apuWatts(const ChipSnapshot &snapshot,
+                               std::optional<double> GPUReading::*value)
+{
+    std::optional<double> sum;
+    for (const GPUReading &gpu : snapshot.gpus) {
+        if (!gpu.packageWatts)
+            continue;
+        if (!(gpu.*value))
+            return std::nullopt;
+        sum = sum.value_or(0) + *(gpu.*value);
+    }
+    return sum;
+}
+
+/// A package whose parts are not told counts as the CPU.
+ChipWatts chipWatts(const ChipSnapshot &from, const ChipSnapshot &to)
+{
+    const auto counted = countedWatts(from, to, EnergyPart::package);
+    const auto package = counted ? counted : apuWatts(to, &GPUReading::packageWatts);
+    if (const auto cores = apuWatts(to, &GPUReading::coreWatts))
+        return {.cpu = cores, .package = package};
+    const auto cores = countedWatts(from, to, EnergyPart::cores);
+    const auto graphics = countedWatts(from, to, EnergyPart::graphics);
+    const int packages = countOf(to.packages, EnergyPart::package);
+    const bool areWhole = countOf(to.packages, EnergyPart::cores) == packages
+        && countOf(to.packages, EnergyPart::graphics) == packages;
+    if (counted && cores && graphics && areWhole)
+        return {.cpu = cores, .graphics = graphics, .package = package};
+    return {.cpu = package};
+}
+
+/// Watts of an integrated GPU that its package counts.
+void setGraphicsWatts(std::vector<GPUMetrics> &gpus, double watts)
+{
+    const auto lacksWatts = [](const GPUMetrics &gpu) { return gpu.integrated && !gpu.watts; };
+    if (std::ranges::count_if(gpus, lacksWatts) == 1)
+        std::ranges::find_if(gpus, lacksWatts)->watts = watts;
 }
 
 /// Sums up the GPUs of one kind; false when none of them has a load.
@@ -93,12 +141,15 @@ bool setLoad(ChipReading &reading, bool integrated)
     return count > 0;
 }
 
-void setGPUs(ChipReading &reading, const ChipSnapshot &from, const ChipSnapshot &to)
+void setGPUs(ChipReading &reading, const ChipSnapshot &from, const ChipSnapshot &to,
+             std::optional<double> graphicsWatts)
 {
-    for (const GPUReading &gpu : to.gpus) {
+    for (const GPUReading &gpu : to.gpus)
         reading.gpus.push_back(gpuMetrics(from, to, gpu));
-        reading.gpuWatts += reading.gpus.back().watts.value_or(0);
-    }
+    if (graphicsWatts)
+        setGraphicsWatts(reading.gpus, *graphicsWatts);
+    for (const GPUMetrics &gpu : reading.gpus)
+        reading.gpuWatts += gpu.watts.value_or(0);
     // While a discrete GPU has a load, integrated ones do not count: they are idle then, and would
     // halve it.
     if (!setLoad(reading, false))
@@ -123,10 +174,14 @@ ChipReading chipReading(const ChipSnapshot &from, const ChipSnapshot &to,
                         const std::vector<CPUCluster> &clusters)
 {
     const CPULoad cpu = cpuLoad(from.cpu, to.cpu, clusters);
-    ChipReading reading = {.cpuWatts = cpuWatts(from, to),
+    const ChipWatts watts = chipWatts(from, to);
+    ChipReading reading = {.cpuWatts = watts.cpu.value_or(0),
                            .cpuActiveFraction = cpu.activeFraction,
-                           .cpuActiveMHz = cpu.activeMHz};
-    setGPUs(reading, from, to);
+                           .cpuActiveMHz = cpu.activeMHz,
+                           .packageWatts = watts.package};
+    reading.denied.cpuLoad = from.cpu.ticks.empty() || to.cpu.ticks.empty();
+    reading.denied.cpuWatts = !watts.cpu;
+    setGPUs(reading, from, to, watts.graphics);
     setTemperatures(reading, temperatures(to));
     return reading;
 }

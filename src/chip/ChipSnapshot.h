@@ -21,7 +21,8 @@ struct ChipSnapshot {
 };
 
 /// The reading of the time between two snapshots of a chip with these clusters, without the
-/// utilisations of its cores. A value that either of them lacks is 0 or absent.
+/// utilisations of its cores. A value that either of them lacks is 0 or absent; load and watts of
+/// the CPU are then denied.
 ChipReading chipReading(const ChipSnapshot &from, const ChipSnapshot &to,
                         const std::vector<CPUCluster> &clusters);
 

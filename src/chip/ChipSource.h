@@ -8,8 +8,9 @@
 
 namespace corvane {
 
-/// Returns the chip reading of a tick; absent when the chip could not be read. Empty: this machine
-/// has nothing to read. Copies share one sampler; used on one thread.
+/// Returns the chip reading of a tick; absent when the chip could not be read. Empty: a Mac without
+/// anything to read. A Linux machine always has a reading, whose coverage says what it tells.
+/// Copies share one sampler; used on one thread.
 using ChipSource = std::function<std::optional<ChipReading>()>;
 
 /// Opens this machine's chip sampler. `now` returns monotonic seconds, sleep included; a test steps

@@ -1,14 +1,18 @@
 #include "chip/ChipSource_linux.h"
 
 #include "chip/ChipSnapshot.h"
+#include "chip/CoverageWatch.h"
+#include "chip/GPUWatch_linux.h"
+#include "chip/SystemPowerWatch_linux.h"
 #include "cpu/CPUClusterFiles_linux.h"
 #include "cpu/CPUCoreSampler.h"
 #include "cpu/CPUFrequencyFiles_linux.h"
 #include "cpu/PackageEnergyFiles_linux.h"
 #include "cpu/ProcStatFile_linux.h"
-#include "gpu/GPUWatch_linux.h"
 #include "thermal/TemperatureFiles_linux.h"
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -20,38 +24,55 @@ namespace {
 class LinuxChip {
 public:
     LinuxChip(const std::string &root, std::function<double()> now,
-              const std::string &nvidiaLibrary)
+              const std::string &nvidiaLibrary, ReaderPatience patience)
         : m_now(now),
           m_clusters(readCPUClusters(root)),
           m_frequencies(m_clusters.begin(), m_clusters.end()),
           m_stat(root),
           m_packages(root, now),
-          m_gpus(root, nvidiaLibrary, now),
-          m_temperatures(root)
+          m_gpus(root, nvidiaLibrary, now, std::make_shared<GPUHandOver>(), patience),
+          m_temperatures(root),
+          m_systemPower(root, now, patience)
     {
         m_last = readCounters();
-    }
-
-    bool hasAnything() const
-    {
-        return !m_clusters.empty() || m_gpus.hasDevices() || m_packages.exist();
     }
 
     ChipReading sample()
     {
         ChipSnapshot now = readCounters();
         now.gpus = m_gpus.read();
-        now.temperatures = m_temperatures.read(m_gpus);
+        now.temperatures = m_temperatures.read(m_isGPU);
         ChipReading reading = chipReading(m_last, now, m_clusters);
         if (!now.cpu.ticks.empty()) {
             reading.cpuCoreUtilizations = coreUtilizations(m_lastTicks, now.cpu.ticks);
             m_lastTicks = now.cpu.ticks;
         }
+        setRest(reading, now.seconds);
         m_last = std::move(now);
         return reading;
     }
 
 private:
+    /// What is read by itself, and the coverage.
+    void setRest(ChipReading &reading, double now)
+    {
+        MachineFacts facts = {.countsPackages = m_packages.exist(),
+                              .hasFrequency = m_hasFrequency,
+                              .frequencyIsNominal = m_frequencyIsNominal,
+                              .gpus = m_gpus.coverage()};
+        if (const auto &npu = m_gpus.npu()) {
+            reading.npu = npu->metrics;
+            reading.aneWatts = npu->metrics.watts.value_or(0);
+            facts.npuLoad = npu->load;
+            facts.npuWatts = npu->watts;
+        }
+        if (const auto power = m_systemPower.read(m_isGPU)) {
+            reading.systemWatts = power->watts;
+            facts.systemWattsSource = QLatin1StringView(sourceName(power->source));
+        }
+        m_coverage.apply(reading, facts, now);
+    }
+
     /// What a reading needs the difference of.
     ChipSnapshot readCounters()
     {
@@ -78,6 +99,17 @@ private:
     PackageEnergyFiles m_packages;
     GPUWatch m_gpus;
     TemperatureFiles m_temperatures;
+    SystemPowerWatch m_systemPower;
+    CoverageWatch m_coverage = {};
+    std::function<bool(const std::string &)> m_isGPU = [this](const std::string &folder) {
+        return m_gpus.isGPU(folder);
+    };
+    bool m_hasFrequency = std::ranges::any_of(
+        m_clusters, [](const CPUCluster &cluster) { return !cluster.kHz.empty(); });
+    bool m_frequencyIsNominal =
+        m_hasFrequency && std::ranges::all_of(m_clusters, [](const CPUCluster &cluster) {
+            return cluster.policies.empty() && cluster.kHz.size() <= 1;
+        });
     std::vector<CoreTicks> m_lastTicks = {}; ///< Of the last reading that had any.
     ChipSnapshot m_last = {};
 };
@@ -86,15 +118,15 @@ private:
 
 ChipSource openChipSource(std::function<double()> now)
 {
-    return openChipSourceBelow("/", std::move(now), "libnvidia-ml.so.1");
+    constexpr std::chrono::milliseconds patienceAtStart(100);
+    return openChipSourceBelow("/", std::move(now), "libnvidia-ml.so.1",
+                               {.first = patienceAtStart});
 }
 
 ChipSource openChipSourceBelow(const std::string &root, std::function<double()> now,
-                               const std::string &nvidiaLibrary)
+                               const std::string &nvidiaLibrary, ReaderPatience patience)
 {
-    const auto chip = std::make_shared<LinuxChip>(root, std::move(now), nvidiaLibrary);
-    if (!chip->hasAnything())
-        return {};
+    const auto chip = std::make_shared<LinuxChip>(root, std::move(now), nvidiaLibrary, patience);
     return [chip] { return chip->sample(); };
 }
 

@@ -31,4 +31,10 @@ bool isPackageZone(const std::string &zone, const std::string &name, const std::
         && name.starts_with("package-");
 }
 
+bool isInsideZone(const std::string &zone, const std::string &package)
+{
+    return zone.starts_with(package + ":")
+        && std::ranges::count(zone, ':') == std::ranges::count(package, ':') + 1;
+}
+
 } // namespace corvane

@@ -5,6 +5,8 @@
 #include "platform/KernelText.h"
 
 #include <limits>
+#include <map>
+#include <string_view>
 
 namespace corvane {
 
@@ -13,21 +15,45 @@ namespace {
 constexpr double secondsBetweenTries = 60;
 
 struct Zone {
+    std::string path;
+    EnergyPart part;
     std::string name;
     std::uint64_t range;
     KernelFile energy;
-    double nextTry = -std::numeric_limits<double>::infinity();
+    bool isRefused = false;
+    double nextOpening = -std::numeric_limits<double>::infinity();
 };
 
-std::vector<std::string> packageZones(const std::string &folder, const std::string &controlType)
+using ZoneNames = std::map<std::string, std::string>; ///< What each zone is about.
+
+ZoneNames readZones(const std::string &folder)
 {
-    std::vector<std::string> zones;
+    ZoneNames zones;
     for (const std::string &zone : namesInFolder(folder)) {
-        const auto name = readKernelFile(folder + "/" + zone + "/name");
-        if (name && isPackageZone(zone, *name, controlType))
-            zones.push_back(zone);
+        if (const auto name = readKernelFile(folder + "/" + zone + "/name"))
+            zones[zone] = trimmed(*name);
     }
     return zones;
+}
+
+std::vector<std::string> packageZones(const ZoneNames &zones, const std::string &controlType)
+{
+    std::vector<std::string> packages;
+    for (const auto &[zone, name] : zones) {
+        if (isPackageZone(zone, name, controlType))
+            packages.push_back(zone);
+    }
+    return packages;
+}
+
+/// The zone of this name inside a package; empty without one.
+std::string zoneInside(const ZoneNames &zones, const std::string &package, std::string_view name)
+{
+    for (const auto &[zone, zoneName] : zones) {
+        if (zoneName == name && isInsideZone(zone, package))
+            return zone;
+    }
+    return {};
 }
 
 } // namespace
@@ -40,17 +66,38 @@ struct PackageEnergyFiles::Zones {
 
     void scan()
     {
+        const ZoneNames names = readZones(folder);
         // A second register counts the same packages: only one of the two is read.
-        std::vector<std::string> names = packageZones(folder, "intel-rapl");
-        if (names.empty())
-            names = packageZones(folder, "intel-rapl-mmio");
-        for (const std::string &name : names) {
-            const std::string path = folder + "/" + name;
-            const std::string range = readTrimmedFile(path + "/max_energy_range_uj");
-            zones.push_back({.name = name,
-                             .range = parseUnsigned(range).value_or(0),
-                             .energy = KernelFile(path + "/energy_uj")});
+        std::vector<std::string> packages = packageZones(names, "intel-rapl");
+        if (packages.empty())
+            packages = packageZones(names, "intel-rapl-mmio");
+        for (const std::string &package : packages) {
+            add(package, EnergyPart::package);
+            addParts(names, package);
         }
+    }
+
+    /// Only chips with graphics count both parts. AMD's count a "core" alone, and it is a single
+    /// one.
+    void addParts(const ZoneNames &names, const std::string &package)
+    {
+        const std::string cores = zoneInside(names, package, "core");
+        const std::string graphics = zoneInside(names, package, "uncore");
+        if (cores.empty() || graphics.empty())
+            return;
+        add(cores, EnergyPart::cores);
+        add(graphics, EnergyPart::graphics);
+    }
+
+    void add(const std::string &name, EnergyPart part)
+    {
+        const std::string path = folder + "/" + name;
+        const std::string range = readTrimmedFile(path + "/max_energy_range_uj");
+        zones.push_back({.path = path + "/energy_uj",
+                         .part = part,
+                         .name = name,
+                         .range = parseUnsigned(range).value_or(0),
+                         .energy = KernelFile(path + "/energy_uj")});
     }
 
     /// The driver may be loaded later than the program.
@@ -78,13 +125,19 @@ std::vector<PackageEnergyReading> PackageEnergyFiles::read()
     m_zones->scanWhenDue(now);
     std::vector<PackageEnergyReading> readings;
     for (Zone &zone : m_zones->zones) {
-        if (now < zone.nextTry)
+        if (now >= zone.nextOpening) {
+            // An open file stays readable when an administrator takes the permission back.
+            zone.energy = KernelFile(zone.path);
+            zone.isRefused = false;
+            zone.nextOpening = now + secondsBetweenTries;
+        }
+        if (zone.isRefused)
             continue;
         const auto text = zone.energy.read();
         if (!text)
-            zone.nextTry = now + secondsBetweenTries;
+            zone.isRefused = true;
         else if (const auto microjoules = parseUnsigned(trimmed(*text)))
-            readings.push_back({zone.name, *microjoules, zone.range});
+            readings.push_back({zone.name, *microjoules, zone.range, zone.part});
     }
     return readings;
 }

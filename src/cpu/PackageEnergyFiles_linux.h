@@ -11,9 +11,10 @@
 
 namespace corvane {
 
-/// Reads the energy counter of every CPU package of a Linux machine. By default the kernel lets
-/// only root read them, which an administrator may change while the program runs: a refused counter
-/// is tried again once a minute. Owned by one reader, used on one thread.
+/// Reads the energy counter of every CPU package of a Linux machine, and those of its cores and its
+/// GPU where it counts both. By default the kernel lets only root read them, which an administrator
+/// may change while the program runs, in both directions: a counter is opened anew once a minute,
+/// and one that was refused is not tried before. Owned by one reader, used on one thread.
 class PackageEnergyFiles {
 public:
     /// `root` is the folder below which the kernel files lie.
@@ -21,7 +22,7 @@ public:
                                 std::function<double()> clock = secondsSinceBoot);
     ~PackageEnergyFiles();
 
-    /// The packages that can be read now; empty when there is none.
+    /// The counters that can be read now; empty when there is none.
     std::vector<PackageEnergyReading> read();
 
     /// Whether the kernel counts the energy of any package, readable or not.

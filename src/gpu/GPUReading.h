@@ -18,10 +18,11 @@ struct GPUReading {
     std::optional<double> busyFraction = {}; ///< 0…1, as the device itself averages it.
     std::optional<std::uint64_t> idleMilliseconds = {}; ///< Grows while the GPU is idle.
     std::optional<std::uint64_t> microjoules = {}; ///< Energy counter; absent on integrated GPUs.
-    std::optional<double> watts = {};              ///< Absent on integrated GPUs.
-    std::optional<double> packageWatts = {};       ///< Power of an APU: CPU and GPU together.
-    std::vector<double> temperatures = {};         ///< Degrees Celsius.
-    std::optional<double> megahertz = {};          ///< Present clock of its cores.
+    std::optional<double> watts = {}; ///< Of an integrated GPU: where its package tells the parts.
+    std::optional<double> packageWatts = {}; ///< Power of an APU: CPU and GPU together.
+    std::optional<double> coreWatts = {};    ///< Of that the CPU's, where `watts` is the GPU's.
+    std::vector<double> temperatures = {};   ///< Degrees Celsius.
+    std::optional<double> megahertz = {};    ///< Present clock of its cores.
     std::optional<std::uint64_t> memoryUsed =
         {};                          ///< Bytes, shared ones of an integrated GPU included.
     bool memoryIsLowerBound = false; ///< Only this user's own processes could be added up.

@@ -4,6 +4,7 @@
 #include "platform/Plausible.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace corvane {
@@ -93,6 +94,21 @@ std::string performanceStateName(std::optional<int> state)
     if (!state || *state < 0 || *state > lowest)
         return {};
     return "P" + std::to_string(*state);
+}
+
+std::optional<std::uint64_t> parseMemoryBytes(std::string_view text)
+{
+    text = trimmed(text);
+    if (!text.starts_with("0x")) {
+        const auto bytes = parseUnsigned(text);
+        return bytes ? byteCount(*bytes, 1) : std::nullopt;
+    }
+    text.remove_prefix(2);
+    std::uint64_t bytes = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bytes, 16);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return byteCount(bytes, 1);
 }
 
 std::optional<double> parseMicrowatts(std::string_view text)

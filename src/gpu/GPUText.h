@@ -36,6 +36,9 @@ std::string clockStateName(std::optional<double> megahertz);
 /// Names NVIDIA's performance state: "P0" to "P15"; empty for any other number.
 std::string performanceStateName(std::optional<int> state);
 
+/// The bytes in a file about a GPU's memory, decimal or "0x…"; absent above `largestByteCount`.
+std::optional<std::uint64_t> parseMemoryBytes(std::string_view text);
+
 /// Watts of a sensor's microwatts.
 std::optional<double> parseMicrowatts(std::string_view text);
 

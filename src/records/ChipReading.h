@@ -63,8 +63,11 @@ struct ChipReading {
     /// Apple.
     std::shared_ptr<const MachineCoverage> coverage = {};
     std::optional<NPUMetrics> npu = {};
-    std::optional<double> packageWatts = {}; ///< The whole package where a source measures it.
-    std::optional<double> systemWatts = {};  ///< The whole machine; never part of the sum of watts.
+    /// The whole package, where the watts of its parts are told too: `cpuWatts` is then that of the
+    /// cores, and those of an integrated GPU and of the NPU are parts of it. Else `cpuWatts` is all
+    /// that is known of the package.
+    std::optional<double> packageWatts = {};
+    std::optional<double> systemWatts = {}; ///< The whole machine; never part of the sum of watts.
 };
 
 /// A value of a reading as it is shown; absent when it is denied.

@@ -17,7 +17,7 @@ struct GPUMetrics {
     std::optional<double> activeFraction = {}; ///< 0…1
     std::optional<QString> state = {};         ///< Present performance state.
     std::optional<double> megahertz = {};      ///< Present clock of its cores.
-    std::optional<double> watts = {};          ///< Absent on integrated GPUs.
+    std::optional<double> watts = {};          ///< Of an integrated GPU: its share of the package.
     std::optional<double> tempC = {};          ///< Mean of its sensors.
     std::optional<std::uint64_t> memoryUsed =
         {};                          ///< Bytes, shared ones of an integrated GPU included.

@@ -24,41 +24,41 @@ std::optional<std::string> sensorStem(const std::string &name)
 }
 
 /// By the device that it monitors; reading even its name could wake a GPU.
-bool belongsToGPU(const std::string &monitor, const GPUWatch &gpus)
+bool belongsToGPU(const std::string &monitor, const TemperatureFiles::IsGPU &isGPU)
 {
     std::error_code error;
     const fs::path device = fs::canonical(monitor + "device", error);
-    return !error && gpus.isGPU(device.string());
+    return !error && isGPU(device.string());
 }
 
 } // namespace
 
 TemperatureFiles::TemperatureFiles(const std::string &root) : m_root(root) { }
 
-std::vector<PartTemperature> TemperatureFiles::read(const GPUWatch &gpus)
+std::vector<PartTemperature> TemperatureFiles::read(const IsGPU &isGPU)
 {
     m_thread.check();
     if (m_readsUntilScan-- == 0) {
-        scanMonitors(gpus);
+        scanMonitors(isGPU);
         scanZones();
         m_readsUntilScan = readsBetweenScans;
     }
     std::vector<PartTemperature> temperatures = readMonitors();
-    const auto isGPU = [](const PartTemperature &sensor) { return sensor.part == ChipPart::gpu; };
-    if (std::ranges::all_of(temperatures, isGPU)) {
+    const auto isOfGPU = [](const PartTemperature &sensor) { return sensor.part == ChipPart::gpu; };
+    if (std::ranges::all_of(temperatures, isOfGPU)) {
         if (const auto zone = readZones())
             temperatures.push_back(*zone);
     }
     return temperatures;
 }
 
-void TemperatureFiles::scanMonitors(const GPUWatch &gpus)
+void TemperatureFiles::scanMonitors(const IsGPU &isGPU)
 {
     m_sensors.clear();
     const std::string folder = m_root + "/sys/class/hwmon/";
     for (const std::string &monitor : namesInFolder(folder)) {
         const std::string path = folder + monitor + "/";
-        if (belongsToGPU(path, gpus))
+        if (belongsToGPU(path, isGPU))
             continue;
         SensorDevice device = {.driver = readTrimmedFile(path + "name")};
         if (!isChipDriver(device.driver))

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "gpu/GPUWatch_linux.h"
 #include "platform/KernelFile_linux.h"
 #include "thermal/TemperatureSensors.h"
 #include "threads/OneThread.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,9 +18,12 @@ public:
     /// `root` is the folder below which the kernel files lie.
     explicit TemperatureFiles(const std::string &root = "/");
 
+    /// Whether this device folder is that of a GPU.
+    using IsGPU = std::function<bool(const std::string &folder)>;
+
     /// The sensors that can be read now. The files of GPUs are left to their watch, which reads
     /// their temperatures too.
-    std::vector<PartTemperature> read(const GPUWatch &gpus);
+    std::vector<PartTemperature> read(const IsGPU &isGPU);
 
 private:
     struct Sensor {
@@ -32,7 +35,7 @@ private:
         KernelFile file;
     };
 
-    void scanMonitors(const GPUWatch &gpus);
+    void scanMonitors(const IsGPU &isGPU);
     void scanZones();
     std::vector<PartTemperature> readMonitors();
     std::optional<PartTemperature> readZones();

@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <filesystem>
+
 using namespace corvane;
 using corvane::test::AccessWatch;
 using corvane::test::MachineTree;
@@ -14,23 +16,27 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The sensors of a machine, with a watch over its GPUs.
+/// The sensors of a machine whose GPUs have display nodes.
 class Sensors {
 public:
-    explicit Sensors(const std::string &root) : m_gpus(root), m_files(root) { }
+    explicit Sensors(const std::string &root) : m_files(root) { }
 
     /// "cpu 54.125, gpu 45", in the order of the sensors.
     QString text()
     {
         static const QStringList parts = {u"cpu"_s, u"gpu"_s, u"ane"_s, u"package"_s};
         QStringList texts;
-        for (const PartTemperature &sensor : m_files.read(m_gpus))
+        for (const PartTemperature &sensor : m_files.read(hasDisplayNode))
             texts << parts[int(sensor.part)] + u' ' + QString::number(sensor.celsius, 'g', 8);
         return texts.join(u", "_s);
     }
 
 private:
-    GPUWatch m_gpus;
+    static bool hasDisplayNode(const std::string &device)
+    {
+        return std::filesystem::exists(device + "/drm");
+    }
+
     TemperatureFiles m_files;
 };
 

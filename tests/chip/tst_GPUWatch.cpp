@@ -1,4 +1,4 @@
-#include "gpu/GPUWatch_linux.h"
+#include "chip/GPUWatch_linux.h"
 
 #include "gpu/StandInNvidia.h"
 #include "support/AccessWatch.h"
@@ -20,8 +20,11 @@ namespace {
 
 const std::string amdCard =
     "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
-const std::string intelChip = "sys/devices/pci0000:00/0000:00:02.0";
 const std::string nvidiaCard = "sys/devices/pci0000:00/0000:00:01.0/0000:01:00.0";
+
+/// For the driver's files of a tick, so that each reading is of its own tick.
+constexpr ReaderPatience patience = {.first = std::chrono::minutes(1),
+                                     .later = std::chrono::minutes(1)};
 
 /// A machine and a watch over it, whose clock is stepped by a second a tick.
 class Bench {
@@ -39,7 +42,7 @@ public:
     {
         if (!m_watch)
             m_watch = std::make_unique<GPUWatch>(
-                tree.root(), m_library, [this] { return m_now.load(); }, m_handOver);
+                tree.root(), m_library, [this] { return m_now.load(); }, m_handOver, patience);
         m_now = m_now + 1;
         return m_watch->read();
     }
@@ -87,7 +90,6 @@ private slots:
     void readsNvidiaGPUsBesideOthers();
     void tellsOthersWhatTheyMayTouch();
     void addsUpTheMemoryOfIntelsCards();
-    void hasNoDevicesWithoutALibrary();
 };
 
 void TestGPUWatch::aSleepingGPUIsNotTouched()
@@ -97,7 +99,9 @@ void TestGPUWatch::aSleepingGPUIsNotTouched()
     AccessWatch files(bench.tree.root() + '/' + amdCard);
     for (int tick = 0; tick < 130; ++tick) // Over two searches for devices.
         QVERIFY(bench.tick().empty());
-    QCOMPARE(files.touched(), QStringList{u"power/runtime_status"_s});
+    // Its numbers in the list of names are kept by the kernel, not by the card.
+    const QStringList harmless = {u"device"_s, u"power/runtime_status"_s, u"vendor"_s};
+    QCOMPARE(files.touched(), harmless);
 
     // The check can fail: awake, its files are read.
     bench.tree.write(amdCard + "/power/runtime_status", "active\n");
@@ -291,14 +295,6 @@ void TestGPUWatch::addsUpTheMemoryOfIntelsCards()
     QVERIFY(readings[0].memoryIsLowerBound);
     bench.countAfter(10);
     QVERIFY(!bench.tick()[0].memoryUsed); // Nobody adds it up any more.
-}
-
-void TestGPUWatch::hasNoDevicesWithoutALibrary()
-{
-    const MachineTree tree("intel-hybrid-nvidia");
-    tree.remove(intelChip);
-    QVERIFY(!GPUWatch(tree.root()).hasDevices());
-    QVERIFY(GPUWatch(tree.root(), STAND_IN_NVML).hasDevices());
 }
 
 QTEST_GUILESS_MAIN(TestGPUWatch)

@@ -1,4 +1,4 @@
-#include "gpu/GPUFiles_linux.h"
+#include "drivers/GPUFiles_linux.h"
 
 #include "support/MachineTree.h"
 #include "support/Machines.h"

@@ -1,4 +1,4 @@
-#include "gpu/GPUFiles_linux.h"
+#include "drivers/GPUFiles_linux.h"
 
 #include "gpu/GPUText.h"
 #include "platform/KernelFolder_linux.h"
@@ -84,11 +84,37 @@ bool neverRests(const GPUDevice &device)
     return isLabelled(device.card + "/power/rc6_enable", "0");
 }
 
+std::optional<std::uint64_t> readBytes(const std::string &path)
+{
+    return parseMemoryBytes(readTrimmedFile(path));
+}
+
+/// A card may have several pieces of memory, each with a file of its own.
+std::vector<std::string> tileMemoryFiles(const std::string &device)
+{
+    std::vector<std::string> files;
+    for (const std::string &name : namesInFolder(device)) {
+        if (name.starts_with("tile"))
+            files.push_back(device + "/" + name + "/physical_vram_size_bytes");
+    }
+    return files;
+}
+
+/// Whether the firmware counts the watts of a package's parts in the unit that its format says: the
+/// whole package is then as much as its sensor measures.
+bool agrees(const APUMetrics &metrics, std::optional<double> packageWatts)
+{
+    if (!metrics.packageWatts || !packageWatts)
+        return false;
+    return *metrics.packageWatts >= *packageWatts / 2 && *metrics.packageWatts <= *packageWatts * 2;
+}
+
 } // namespace
 
 GPUFiles::GPUFiles(const GPUDevice &device) : m_device(device)
 {
     addLoad(device);
+    addMemory(device);
     addSensors(device);
 }
 
@@ -119,6 +145,34 @@ void GPUFiles::addLoad(const GPUDevice &device)
         m_idleTime.reset();
 }
 
+void GPUFiles::addMemory(const GPUDevice &device)
+{
+    const std::string &folder = device.folder;
+    switch (device.driver) {
+    case GPUDriver::amdgpu:
+        m_ownMemoryTotals = {folder + "/mem_info_vram_total"};
+        m_ownMemoryUsed = firstOf({folder + "/mem_info_vram_used"});
+        if (device.integrated) {
+            m_sharedMemoryTotal = folder + "/mem_info_gtt_total";
+            m_sharedMemoryUsed = firstOf({folder + "/mem_info_gtt_used"});
+            m_packageParts = firstOf({folder + "/gpu_metrics"});
+        }
+        break;
+    case GPUDriver::i915:
+        if (firstOf({device.card + "/lmem_total_bytes"}))
+            m_ownMemoryTotals = {device.card + "/lmem_total_bytes"};
+        else
+            m_ownMemoryTotals = {folder + "/lmem_total_bytes"};
+        break;
+    case GPUDriver::xe:
+        m_ownMemoryTotals = tileMemoryFiles(folder);
+        break;
+    case GPUDriver::nouveau:
+    case GPUDriver::nvidia:
+        break;
+    }
+}
+
 void GPUFiles::addSensors(const GPUDevice &device)
 {
     for (const std::string &folder : sensorFolders(device.folder)) {
@@ -145,16 +199,9 @@ GPUReading GPUFiles::read(double now)
     if (!clock)
         clock = parsed(m_requestedClock, parseClockMHz);
     reading.state = clockStateName(clock);
-
-    const auto watts = parsed(m_power, parseMicrowatts);
-    if (m_device.integrated) {
-        // An APU's sensor measures the whole socket.
-        reading.packageWatts = watts;
-    } else {
-        reading.watts = watts;
-        reading.microjoules =
-            parsed(m_energy, [](std::string_view text) { return parseUnsigned(trimmed(text)); });
-    }
+    reading.megahertz = clock;
+    readMemory(reading);
+    readPower(reading);
 
     for (KernelFile &file : m_temperatures) {
         if (const auto text = file.read()) {
@@ -163,6 +210,62 @@ GPUReading GPUFiles::read(double now)
         }
     }
     return reading;
+}
+
+/// Absent unless all pieces can be read.
+void GPUFiles::readMemoryTotals()
+{
+    std::uint64_t own = 0;
+    for (const std::string &path : m_ownMemoryTotals) {
+        const auto bytes = readBytes(path);
+        if (!bytes)
+            return;
+        own += *bytes;
+    }
+    const auto shared = m_sharedMemoryTotal ? readBytes(*m_sharedMemoryTotal) : std::uint64_t(0);
+    if (!shared || own + *shared == 0)
+        return;
+    m_memoryTotal = own + *shared;
+    if (m_device.integrated)
+        m_memoryOwn = own;
+}
+
+void GPUFiles::readMemory(GPUReading &reading)
+{
+    if (!m_memoryTotal)
+        readMemoryTotals();
+    const auto own = parsed(m_ownMemoryUsed, parseMemoryBytes);
+    const auto shared =
+        m_sharedMemoryTotal ? parsed(m_sharedMemoryUsed, parseMemoryBytes) : std::uint64_t(0);
+    if (!own || !shared || !m_memoryTotal || *own + *shared > *m_memoryTotal)
+        return;
+    reading.memoryUsed = *own + *shared;
+    if (m_device.integrated)
+        reading.memoryOwnUsed = own;
+}
+
+void GPUFiles::readPower(GPUReading &reading)
+{
+    const auto watts = parsed(m_power, parseMicrowatts);
+    if (!m_device.integrated) {
+        reading.watts = watts;
+        reading.microjoules =
+            parsed(m_energy, [](std::string_view text) { return parseUnsigned(trimmed(text)); });
+        return;
+    }
+    reading.packageWatts = watts; // An APU's sensor measures the whole socket.
+    readPackage(reading);
+}
+
+void GPUFiles::readPackage(GPUReading &reading)
+{
+    m_apuMetrics = parsed(m_packageParts, parseAPUMetrics);
+    if (!m_apuMetrics || !agrees(*m_apuMetrics, reading.packageWatts))
+        return;
+    if (!m_apuMetrics->coreWatts || !m_apuMetrics->graphicsWatts)
+        return;
+    reading.coreWatts = m_apuMetrics->coreWatts;
+    reading.watts = m_apuMetrics->graphicsWatts;
 }
 
 } // namespace corvane

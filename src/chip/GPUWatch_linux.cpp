@@ -1,0 +1,176 @@
+#include "chip/GPUWatch_linux.h"
+
+#include "drivers/GPUNames_linux.h"
+#include "gpu/NvidiaGPUs_linux.h"
+#include "threads/OneThread.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+/// Both the kernel's folder of a device and the identity of NVIDIA's end in the address.
+QStringView addressOf(const GPUCoverage &gpu)
+{
+    constexpr qsizetype length = 12; // "0000:01:00.0"
+    return QStringView(gpu.device).last(std::min(length, gpu.device.size()));
+}
+
+/// Intel's drivers tell the memory in use of a card to administrators alone; what this user's own
+/// processes hold of it is a lower bound.
+void addHeldMemory(GPUReading &reading, GPUCoverage &coverage, const GPUHandOver &handOver,
+                   double now)
+{
+    if (reading.integrated || reading.memoryUsed || !coverage.memoryTotal)
+        return;
+    reading.memoryUsed = handOver.heldBytes(reading.device, now);
+    reading.memoryIsLowerBound = reading.memoryUsed.has_value();
+    if (reading.memoryUsed)
+        coverage.memory = Coverage::known;
+}
+
+} // namespace
+
+struct GPUWatch::Devices {
+    using Reader = BackgroundReader<FileGPUsReading>;
+
+    std::string root;
+    std::function<double()> clock;
+    ReaderPatience patience;
+    NvidiaGPUs nvidia;
+    std::shared_ptr<GPUHandOver> handOver;
+    std::vector<GPUDevice> gpus = {};       ///< Whose drivers publish files.
+    std::unique_ptr<Reader> reader = {};    ///< Null where there is nothing to read.
+    bool hasAsked = false;                  ///< Whether the reader was asked for anything yet.
+    std::vector<GPUCoverage> coverage = {}; ///< Of `gpus`.
+    std::vector<GPUAccess> access = {};     ///< Of `gpus`.
+    std::optional<NPUReading> npu = {};
+    double nextScan = -std::numeric_limits<double>::infinity();
+    OneThread thread = {};
+
+    void scanWhenDue(double now);
+    void setReader(bool isNeeded);
+    std::vector<GPUReading> readFiles(double now);
+};
+
+/// Opens no file: that is left to the reader, which searches at the same times.
+void GPUWatch::Devices::scanWhenDue(double now)
+{
+    if (now < nextScan)
+        return;
+    nextScan = now + FileGPUs::secondsBetweenScans;
+
+    std::vector<GPUDevice> found = findGPUDevices(root);
+    const auto isOfFiles = [](const GPUDevice &gpu) { return gpu.driver != GPUDriver::nvidia; };
+    const auto nvidias = std::ranges::stable_partition(found, isOfFiles);
+    nvidia.setDevices({nvidias.begin(), nvidias.end()});
+    found.erase(nvidias.begin(), nvidias.end());
+    const bool hasNPU = findNPUDevice(root).has_value();
+    if (!hasNPU)
+        npu.reset();
+    else if (!npu)
+        npu.emplace();
+    if (found != gpus) {
+        gpus = std::move(found);
+        coverage.clear();
+        access.clear();
+    }
+    setReader(!gpus.empty() || hasNPU);
+}
+
+void GPUWatch::Devices::setReader(bool isNeeded)
+{
+    if (!isNeeded)
+        reader.reset();
+    if (!isNeeded || reader)
+        return;
+    // Made and destroyed on the reader's thread, or left to it: opening a file may take long too.
+    const auto files = std::make_shared<std::optional<FileGPUs>>();
+    reader = std::make_unique<Reader>([files, root = root, next = nextScan](double now) {
+        if (!*files)
+            files->emplace(root, next);
+        return (*files)->read(now);
+    });
+    hasAsked = false;
+}
+
+std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
+{
+    if (!reader)
+        return {};
+    reader->request(now, std::exchange(hasAsked, true) ? patience.later : patience.first);
+    auto newest = reader->newest(now);
+    if (!newest) {
+        if (npu)
+            npu->metrics = {};
+        for (GPUAccess &gpu : access)
+            gpu.state = GPUAccess::State::leftAlone; // Its driver hangs.
+        return {};
+    }
+    coverage = std::move(newest->coverage);
+    access = std::move(newest->access);
+    npu = std::move(newest->npu);
+    for (GPUReading &gpu : newest->gpus) {
+        const QString device = QString::fromStdString(gpu.device);
+        const auto known = std::ranges::find(coverage, device, &GPUCoverage::device);
+        if (known != coverage.end())
+            addHeldMemory(gpu, *known, *handOver, now);
+    }
+    return std::move(newest->gpus);
+}
+
+GPUWatch::GPUWatch(const std::string &root, std::string nvidiaLibrary,
+                   std::function<double()> clock, std::shared_ptr<GPUHandOver> handOver,
+                   ReaderPatience patience)
+    : m_devices(new Devices{.root = root,
+                            .clock = clock,
+                            .patience = patience,
+                            .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock, root),
+                            .handOver = std::move(handOver)})
+{
+    m_devices->scanWhenDue(m_devices->clock());
+}
+
+GPUWatch::~GPUWatch() = default;
+
+std::vector<GPUReading> GPUWatch::read()
+{
+    m_devices->thread.check();
+    const double now = m_devices->clock();
+    m_devices->scanWhenDue(now);
+    std::vector<GPUReading> readings = m_devices->readFiles(now);
+    GPUHandOver &handOver = *m_devices->handOver;
+    m_devices->nvidia.appendReadings(readings, now, handOver.isAsked(now));
+    std::vector<GPUAccess> access = m_devices->access;
+    m_devices->nvidia.appendAccess(access);
+    handOver.publish(std::move(access));
+    return readings;
+}
+
+std::vector<GPUCoverage> GPUWatch::coverage() const
+{
+    std::vector<GPUCoverage> all = m_devices->coverage;
+    if (all.empty() && !m_devices->gpus.empty()) {
+        const auto names = numberedGPUNames(m_devices->gpus);
+        std::ranges::transform(m_devices->gpus, names, std::back_inserter(all), expectedCoverage);
+    }
+    std::ranges::copy(m_devices->nvidia.coverage(), std::back_inserter(all));
+    std::ranges::sort(all, {}, addressOf);
+    return all;
+}
+
+const std::optional<NPUReading> &GPUWatch::npu() const
+{
+    return m_devices->npu;
+}
+
+bool GPUWatch::isGPU(const std::string &folder) const
+{
+    return std::ranges::find(m_devices->gpus, folder, &GPUDevice::folder) != m_devices->gpus.end();
+}
+
+} // namespace corvane

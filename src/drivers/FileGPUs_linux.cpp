@@ -1,0 +1,213 @@
+#include "drivers/FileGPUs_linux.h"
+
+#include "drivers/GPUFiles_linux.h"
+#include "drivers/GPUNames_linux.h"
+#include "gpu/GPUQuietTime_linux.h"
+#include "gpu/GPUSleepGate.h"
+#include "platform/KernelFile_linux.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+Coverage whenAsleep(Coverage awake)
+{
+    return awake == Coverage::known ? Coverage::asleep : awake;
+}
+
+Coverage expected(bool isPublished)
+{
+    return isPublished ? Coverage::known : Coverage::unpublished;
+}
+
+} // namespace
+
+GPUCoverage expectedCoverage(const GPUDevice &device, const std::string &name)
+{
+    return {.device = QString::fromStdString(device.folder),
+            .name = QString::fromStdString(name),
+            .integrated = device.integrated,
+            .usesSystemMemory = device.integrated,
+            .load = expected(device.driver != GPUDriver::nouveau),
+            .watts = expected(!device.integrated),
+            .memory = expected(device.driver == GPUDriver::amdgpu)};
+}
+
+/// One GPU with its gate.
+class FileGPUs::Member {
+public:
+    Member(const GPUDevice &device, const std::string &name)
+        : m_device(device),
+          m_runtimeStatus(device.folder + "/power/runtime_status"),
+          m_awake(expectedCoverage(device, name))
+    {
+    }
+
+    const GPUDevice &device() const { return m_device; }
+
+    /// Its files are searched for anew at the next reading: more of them may have appeared.
+    void forgetFiles() { m_files.reset(); }
+
+    /// Absent when it is asleep, or left alone so that it may fall asleep.
+    std::optional<GPUReading> read(double now)
+    {
+        m_state = State::leftAlone;
+        if (m_gate.isQuiet(now))
+            return std::nullopt;
+        m_isAwake = m_gate.admits(m_runtimeStatus.read());
+        m_state = m_isAwake ? State::open : State::asleep;
+        if (!m_isAwake)
+            return std::nullopt;
+        if (!m_files)
+            open();
+        const GPUReading raw = m_files->read(now);
+        setCoverage(raw, now);
+        const bool idle = wasIdle(m_last ? &*m_last : nullptr, raw);
+        GPUReading reading = withShares(raw);
+        m_last = raw;
+        // An integrated GPU is awake for as long as its display is, and saves little by sleeping.
+        if (m_device.integrated || !m_gate.isQuietDue(idle))
+            return reading;
+        if (const auto seconds = m_quietTime.secondsFor(m_device, now)) {
+            m_gate.keepQuietUntil(now + *seconds);
+            m_state = State::leftAlone;
+        }
+        return reading;
+    }
+
+    GPUAccess access() const
+    {
+        return {.device = m_device.folder,
+                .address = m_device.address,
+                .folder = m_device.folder,
+                .integrated = m_device.integrated,
+                .state = m_state};
+    }
+
+    /// Null while it cannot be read.
+    const APUMetrics *apuMetrics() const
+    {
+        return m_isAwake && m_files && m_files->apuMetrics() ? &*m_files->apuMetrics() : nullptr;
+    }
+
+    GPUCoverage coverage() const
+    {
+        GPUCoverage coverage = m_awake;
+        if (!m_isAwake) {
+            coverage.load = whenAsleep(coverage.load);
+            coverage.watts = whenAsleep(coverage.watts);
+            coverage.memory = whenAsleep(coverage.memory);
+        }
+        return coverage;
+    }
+
+private:
+    using State = GPUAccess::State;
+
+    void open()
+    {
+        m_files = std::make_unique<GPUFiles>(m_device);
+        if (m_device.driver != GPUDriver::amdgpu)
+            return;
+        if (const std::string name = amdProductName(m_device); !name.empty())
+            m_awake.name = QString::fromStdString(name);
+    }
+
+    void setCoverage(const GPUReading &reading, double now)
+    {
+        const bool load = reading.busyFraction || reading.idleMilliseconds;
+        const bool watts = reading.watts || reading.microjoules;
+        m_awake.load = expected(m_load.update(load, now));
+        m_awake.watts = expected(m_watts.update(watts, now));
+        m_awake.memory = expected(m_memory.update(reading.memoryUsed.has_value(), now));
+        m_awake.memoryTotal = m_files->memoryTotal();
+        m_awake.memoryOwn = m_files->memoryOwn();
+    }
+
+    /// With load and watts of the time since the last reading, so that whoever gets the reading
+    /// late, or twice, still gets the same. Idle times stand still while the machine sleeps, and a
+    /// GPU would look busy for all of that time: after a long gap they give no load.
+    GPUReading withShares(GPUReading reading) const
+    {
+        constexpr double longestGap = 3; // Seconds; there is a reading a second.
+        const bool live = m_last && reading.seconds - m_last->seconds <= longestGap;
+        const GPUReading *before = live ? &*m_last : nullptr;
+        reading.busyFraction = gpuBusyShare(before, reading);
+        reading.watts = gpuWatts(before, reading);
+        return reading;
+    }
+
+    GPUDevice m_device;
+    KernelFile m_runtimeStatus;
+    GPUSleepGate m_gate = {};
+    GPUQuietTime m_quietTime = {};
+    std::unique_ptr<GPUFiles> m_files = {}; ///< Made when the GPU is seen awake.
+    std::optional<GPUReading> m_last = {};
+    bool m_isAwake = true;
+    State m_state = State::asleep; ///< Until it is read.
+    GPUCoverage m_awake;           ///< What it tells while it is awake.
+    KnownLately m_load = {};
+    KnownLately m_watts = {};
+    KnownLately m_memory = {};
+};
+
+FileGPUs::FileGPUs(std::string root, double nextScan)
+    : m_root(std::move(root)),
+      m_nextScan(nextScan)
+{
+    scan();
+}
+
+FileGPUs::~FileGPUs() = default;
+
+/// A GPU that stays keeps its gate.
+void FileGPUs::scan()
+{
+    std::vector<GPUDevice> devices = findGPUDevices(m_root);
+    std::erase_if(devices, [](const GPUDevice &gpu) { return gpu.driver == GPUDriver::nvidia; });
+    if (!std::ranges::equal(devices, m_members, {}, {}, &Member::device)) {
+        const std::vector<std::string> names = gpuNames(devices, m_root);
+        std::vector<Member> found;
+        for (std::size_t place = 0; place < devices.size(); ++place) {
+            const auto known = std::ranges::find(m_members, devices[place], &Member::device);
+            found.push_back(known == m_members.end() ? Member(devices[place], names[place])
+                                                     : std::move(*known));
+        }
+        m_members = std::move(found);
+    }
+
+    for (Member &member : m_members)
+        member.forgetFiles();
+
+    const auto npu = findNPUDevice(m_root);
+    if (!npu)
+        m_npu.reset();
+    else if (!m_npu || m_npu->device() != *npu)
+        m_npu.emplace(*npu);
+}
+
+FileGPUsReading FileGPUs::read(double now)
+{
+    if (now >= m_nextScan) {
+        m_nextScan = now + secondsBetweenScans;
+        scan();
+    }
+    FileGPUsReading reading;
+    const APUMetrics *apu = nullptr;
+    for (Member &member : m_members) {
+        if (auto gpu = member.read(now))
+            reading.gpus.push_back(std::move(*gpu));
+        reading.coverage.push_back(member.coverage());
+        reading.access.push_back(member.access());
+        if (member.apuMetrics())
+            apu = member.apuMetrics();
+    }
+    if (m_npu)
+        reading.npu = m_npu->read(apu, now);
+    return reading;
+}
+
+} // namespace corvane

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "drivers/NPUFiles_linux.h"
+#include "gpu/GPUDevices_linux.h"
+#include "gpu/GPUHandOver.h"
+#include "gpu/GPUReading.h"
+#include "records/MachineCoverage.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// One reading of all GPUs and NPUs whose drivers publish files.
+struct FileGPUsReading {
+    std::vector<GPUReading> gpus = {};      ///< Those that are awake and not to fall asleep.
+    std::vector<GPUCoverage> coverage = {}; ///< Of all, in the order of their addresses.
+    std::vector<GPUAccess> access = {};     ///< Of all.
+    std::optional<NPUReading> npu = {};     ///< Absent: the machine has none.
+};
+
+/// Reads every GPU whose driver publishes files, unless that would wake it or keep it awake, and
+/// the NPU. Nothing else may touch these files. A driver may take long to answer, so it belongs on
+/// a background thread; used on one thread.
+class FileGPUs {
+public:
+    /// `root` is the folder below which the kernel files lie. Devices are searched for at once and
+    /// from `nextScan` on every minute: drivers are loaded late and boxes with a GPU plugged in.
+    FileGPUs(std::string root, double nextScan);
+    ~FileGPUs();
+
+    FileGPUsReading read(double now);
+
+    static constexpr double secondsBetweenScans = 60;
+
+private:
+    class Member;
+    void scan();
+
+    std::string m_root;
+    double m_nextScan;
+    std::vector<Member> m_members;
+    std::optional<NPUFiles> m_npu;
+};
+
+/// What such a GPU is expected to tell, before anything was read of it.
+GPUCoverage expectedCoverage(const GPUDevice &device, const std::string &name);
+
+} // namespace corvane

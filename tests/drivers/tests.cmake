@@ -1,0 +1,1 @@
+corvane_test(drivers/tst_GPUFiles SYSTEM linux)
