@@ -13,6 +13,7 @@
 #include "instance/ApplicationService.h"
 #include "instance/InstanceSocket.h"
 #include "instance/SingleInstance.h"
+#include "platform/FileDescriptor.h"
 #include "platform/Heap.h"
 #include "settings/SettingsWindow.h"
 #include "threads/MainThread.h"
@@ -145,6 +146,8 @@ CorvaneApp::~CorvaneApp()
 void CorvaneApp::openMainWindow()
 {
     if (!isOpen(m_mainWindow)) {
+        if (!hasDescriptorsForAWindow())
+            return;
         // A Mac's menu bar takes no click when the program becomes regular after its window is
         // shown.
         systemWindowPlatform().setActivationPolicy(ActivationPolicy::regular);
@@ -162,6 +165,8 @@ void CorvaneApp::openMainWindow()
 void CorvaneApp::openSettings()
 {
     if (!isOpen(m_settings)) {
+        if (!hasDescriptorsForAWindow())
+            return;
         m_settings =
             new SettingsWindow(m_state.launch, m_state.updater, m_state.settings, m_state.metrics);
         deleteOnClose(*m_settings);
@@ -175,7 +180,8 @@ void CorvaneApp::checkForUpdates()
 {
     if (hostSystem() == HostSystem::linuxDesktop) {
         openSettings();
-        m_settings->showTab(SettingsTab::updates);
+        if (m_settings)
+            m_settings->showTab(SettingsTab::updates);
     }
     m_state.updater.checkForUpdates();
 }
@@ -183,7 +189,10 @@ void CorvaneApp::checkForUpdates()
 void CorvaneApp::connectCommands()
 {
     connect(m_commands.openWindow(), &QAction::triggered, this, &CorvaneApp::openMainWindow);
-    connect(m_commands.about(), &QAction::triggered, this, showAboutPanel);
+    connect(m_commands.about(), &QAction::triggered, this, [] {
+        if (hasDescriptorsForAWindow())
+            showAboutPanel();
+    });
     connect(m_commands.settings(), &QAction::triggered, this, &CorvaneApp::openSettings);
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
     m_commands.connectUpdater(m_state.updater);
@@ -210,7 +219,10 @@ void CorvaneApp::connectLabel(bool isBackground)
             m_trayAdvice->deleteLater();
     };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
-    connect(&m_label, &TrayLabel::activated, &m_panel, &MenuBarContent::toggleAt);
+    connect(&m_label, &TrayLabel::activated, &m_panel, [this](const QPoint &position) {
+        if (m_panel.isVisible() || hasDescriptorsForAWindow())
+            m_panel.toggleAt(position);
+    });
     connect(&m_label, &TrayLabel::openWindowRequested, this, &CorvaneApp::openMainWindow);
     // A program that runs and shows nothing is a defect, unless it was started like that.
     if (!isBackground)

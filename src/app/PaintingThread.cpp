@@ -10,6 +10,12 @@
 
 namespace corvane {
 
+namespace {
+
+void dropMessage(QtMsgType, const QMessageLogContext &, const QString &) { }
+
+} // namespace
+
 bool startPaintingThread()
 {
     constexpr int patience = 10'000; // In milliseconds; for a machine under load.
@@ -21,8 +27,12 @@ bool startPaintingThread()
     pool.setMaxThreadCount(1);
     pool.setExpiryTimeout(-1);
     const auto started = std::make_shared<QSemaphore>();
+    // A failure is reported by the caller, in one line.
+    const QtMessageHandler before = qInstallMessageHandler(dropMessage);
     pool.start([started] { started->release(); });
-    return started->tryAcquire(1, patience);
+    const bool hasStarted = started->tryAcquire(1, patience);
+    qInstallMessageHandler(before);
+    return hasStarted;
 }
 
 } // namespace corvane

@@ -5,9 +5,11 @@
 #include <QGuiApplication>
 #include <QSessionManager>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <array>
 #include <atomic>
+#include <chrono>
 
 #include <cerrno>
 #include <csignal>
@@ -30,6 +32,9 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 /// Seconds that the program has for its end.
 constexpr unsigned int mostSeconds = 4;
+
+/// For a pipe, while the system has none left.
+constexpr auto retryInterval = std::chrono::seconds(1);
 
 /// Two signals within this time count as one: session managers send several.
 constexpr std::int64_t repeatSeconds = 1;
@@ -107,9 +112,17 @@ QuitSignals::QuitSignals(QObject *parent) : QObject(parent)
     connect(qGuiApp, &QGuiApplication::saveStateRequest, this, disableRestart,
             Qt::DirectConnection);
 
+    handleSignals();
+}
+
+/// Until there is a pipe, a signal has its default action.
+void QuitSignals::handleSignals()
+{
     std::array<int, 2> ends = {};
-    if (pipe(ends.data()) != 0)
+    if (pipe(ends.data()) != 0) {
+        QTimer::singleShot(retryInterval, this, &QuitSignals::handleSignals);
         return;
+    }
     m_readingEnd = FileDescriptor(ends[0]);
     m_writingEnd = FileDescriptor(ends[1]);
     for (const int end : ends)

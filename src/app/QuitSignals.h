@@ -23,6 +23,8 @@ public:
     ~QuitSignals() override;
 
 private:
+    void handleSignals();
+
     FileDescriptor m_readingEnd; ///< Of a pipe to which the signal handler writes.
     FileDescriptor m_writingEnd;
 };

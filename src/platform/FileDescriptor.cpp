@@ -1,5 +1,7 @@
 #include "platform/FileDescriptor.h"
 
+#include <array>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,6 +37,17 @@ std::optional<FileIdentity> fileIdentity(const FileDescriptor &file)
     if (fstat(file.get(), &status) != 0)
         return std::nullopt;
     return identityOf(status);
+}
+
+bool hasDescriptorsForAWindow()
+{
+    std::array<FileDescriptor, 16> files;
+    for (FileDescriptor &file : files) {
+        file = FileDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        if (!file)
+            return false;
+    }
+    return true;
 }
 
 FileDescriptor openRegular(const std::string &path, FileAccess access)

@@ -44,6 +44,10 @@ struct FileIdentity {
 std::optional<FileIdentity> fileIdentity(const std::string &path);
 std::optional<FileIdentity> fileIdentity(const FileDescriptor &file);
 
+/// Whether the process may open as many more files as a window takes: for fonts and images, and for
+/// what threads wait with. Libraries abort or hang where they are refused one of these.
+bool hasDescriptorsForAWindow();
+
 enum class FileAccess { read, append };
 
 /// Opens a regular file that exists, and nothing else. Never blocks: a FIFO, device or folder in

@@ -21,10 +21,16 @@ if(CORVANE_SM_HEADERS AND CORVANE_SM AND CORVANE_ICE)
   corvane_test(app/tst_SessionEnd SYSTEM linux SOURCES support/SessionManager.cpp
                LINK ${CORVANE_SM} ${CORVANE_ICE})
 endif()
-corvane_program_tests(tst_RunningProgram tst_TracedProgram tst_SessionEnd)
+corvane_test(app/tst_FailingCalls SYSTEM linux TIMEOUT 1800 LONG --all 40)
+corvane_program_tests(tst_RunningProgram tst_TracedProgram tst_SessionEnd tst_FailingCalls)
 if(TARGET tst_TracedProgram)
   add_library(quick_clock MODULE app/quick_clock.cpp)
   add_dependencies(tst_TracedProgram quick_clock)
   target_compile_definitions(tst_TracedProgram PRIVATE QUICK_CLOCK="$<TARGET_FILE:quick_clock>")
   target_compile_definitions(tst_RunningProgram PRIVATE CORVANE_SANITIZERS="${CORVANE_SANITIZE}")
+  add_library(failing_call MODULE app/failing_call.cpp)
+  add_dependencies(tst_FailingCalls quick_clock failing_call)
+  target_compile_definitions(
+    tst_FailingCalls PRIVATE CORVANE_SANITIZERS="${CORVANE_SANITIZE}" QUICK_CLOCK="$<TARGET_FILE:quick_clock>"
+                             FAILING_CALL="$<TARGET_FILE:failing_call>")
 endif()

@@ -13,6 +13,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
@@ -60,6 +61,7 @@ private slots:
     void runsWithoutRuntimeAndTemporaryFolders();
     void runsWithAnyHistory_data();
     void runsWithAnyHistory();
+    void runsWithPreferencesThatHang();
     void ignoresHostileClients();
 
     void theDesktopOpensTheDashboard();
@@ -213,13 +215,13 @@ void TestRunningProgram::twoSessionsRunSideBySideAndOneWritesTheHistory()
     TRY_VERIFY(records().size() > count); // The second writes now.
 }
 
-/// No file and no connection can be opened for a while. Only the label is shown: Qt paints a large
-/// window on threads and aborts when it cannot create what these wait with.
+/// No file and no connection can be opened for a while, and so no window.
 void TestRunningProgram::survivesATimeWithoutDescriptors()
 {
     if (*CORVANE_SANITIZERS)
         QSKIP("Sanitizers need descriptors to look at memory.");
     QVERIFY(m_session->startBus());
+    QVERIFY(m_session->startDisplay());
     const ProgramRun first = start();
     TRY_COMPARE(m_session->tray->listings(), 1); // The label has all its items.
     TRY_VERIFY(isAnswering());
@@ -235,14 +237,19 @@ void TestRunningProgram::survivesATimeWithoutDescriptors()
     QCOMPARE(prlimit(process, RLIMIT_NOFILE, &none, nullptr), 0);
     const std::size_t known = records().size();
     const ProgramRun second = start(); // Waits for its connection.
+    for (const QString &method : {u"SecondaryActivate"_s, u"Activate"_s})
+        m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
+                              QString::fromLatin1(FakeTray::itemInterface), method, {0, 0});
     const qint64 read = bytesRead(process);
     QVERIFY(read > 0);
     TRY_VERIFY(bytesRead(process) > read + 5000); // It still samples.
     QVERIFY(records().size() <= known + 1);
+    QCOMPARE(m_session->display->visibleWindows(u"Corvane"_s), 0);
 
     QCOMPARE(prlimit(process, RLIMIT_NOFILE, &before, nullptr), 0);
     TRY_VERIFY(records().size() > known + 1);
     QCOMPARE(second.exitStatus(), 0);
+    TRY_COMPARE(m_session->display->visibleWindows(u"Corvane"_s), 1);
     first.send(SIGTERM);
     QCOMPARE(first.exitStatus(), 0);
 }
@@ -321,6 +328,23 @@ void TestRunningProgram::runsWithAnyHistory()
     QCOMPARE(callDesktop(u"ActivateAction"_s, {u"quit"_s, QVariantList(), QVariantMap()}).type(),
              QDBusMessage::ReplyMessage);
     QCOMPARE(first.exitStatus(), 0);
+}
+
+/// The file is a FIFO: whoever opens it waits for a writer.
+void TestRunningProgram::runsWithPreferencesThatHang()
+{
+    QVERIFY(m_session->makeFolder(u"config/Corvane"_s));
+    QVERIFY(putFIFO(m_session->path(u"config/Corvane/Corvane.conf"_s)));
+    QVERIFY(m_session->startBus());
+    const ProgramRun corvane = start();
+    TRY_COMPARE(m_session->tray->items().size(), 3);
+    TRY_VERIFY(isAnswering());
+    TRY_VERIFY(records().size() > 1);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.exitStatus(), 0);
+    QVERIFY2(elapsed.elapsed() < 8'000, qPrintable(QString::number(elapsed.elapsed())));
 }
 
 void TestRunningProgram::ignoresHostileClients()

@@ -1,0 +1,155 @@
+#include "support/NumberArgument.h"
+#include "support/ProgramRun.h"
+#include "support/ProgramSession.h"
+#include "support/Waiting.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QFile>
+#include <QTest>
+
+#include <optional>
+
+#include <csignal>
+
+using namespace corvane;
+using namespace corvane::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Bytes that the process has read from files since it began; 0 once it has ended.
+qint64 bytesRead(qint64 process)
+{
+    QFile file(u"/proc/%1/io"_s.arg(process));
+    if (!file.open(QFile::ReadOnly))
+        return 0;
+    return file.readAll().split('\n').first().split(' ').last().toLongLong();
+}
+
+} // namespace
+
+enum class Phase { start, dashboard, later };
+Q_DECLARE_METATYPE(Phase)
+
+/// The real program while one call of the system fails. The clock is quick: a second takes 50 ms.
+class TestFailingCalls : public QObject {
+    Q_OBJECT
+
+public:
+    /// With each number up to `most`; 0: a few.
+    explicit TestFailingCalls(int most) : m_isWhole(most > 0)
+    {
+        for (int number = 1; number <= most; ++number)
+            m_numbers.append(number);
+        if (!m_isWhole)
+            m_numbers = {1, 3, 13};
+    }
+
+private slots:
+    void init();
+    void goesOnOrEndsInOneLine_data();
+    void goesOnOrEndsInOneLine();
+
+private:
+    void openDashboard();
+    bool isSampling(const ProgramRun &corvane) const;
+
+    const bool m_isWhole;
+    QList<int> m_numbers;
+    std::optional<ProgramSession> m_session;
+};
+
+void TestFailingCalls::init()
+{
+    if (*CORVANE_SANITIZERS)
+        QSKIP("Sanitizers make such calls themselves.");
+    m_session.emplace();
+}
+
+void TestFailingCalls::goesOnOrEndsInOneLine_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<Phase>("phase");
+    // A program that runs makes few such calls.
+    const int mostLater = m_isWhole ? 10 : 1;
+    for (const QString &call :
+         {u"clone"_s, u"socket"_s, u"pipe"_s, u"eventfd"_s, u"mmap"_s, u"open"_s, u"connect"_s}) {
+        for (const int number : m_numbers) {
+            const auto row = [&](const char *when, Phase phase) {
+                QTest::addRow("%s %d %s", qPrintable(call), number, when)
+                    << call << number << phase;
+            };
+            row("from the start on", Phase::start);
+            if (number <= mostLater) {
+                row("from the opening of the dashboard on", Phase::dashboard);
+                row("later", Phase::later);
+            }
+        }
+    }
+}
+
+void TestFailingCalls::openDashboard()
+{
+    m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
+                          QString::fromLatin1(FakeTray::itemInterface), u"SecondaryActivate"_s,
+                          {0, 0});
+}
+
+/// Whether it ends or reads what several samples need.
+bool TestFailingCalls::isSampling(const ProgramRun &corvane) const
+{
+    const qint64 before = bytesRead(corvane.id());
+    return QTest::qWaitFor(
+        [&] { return !corvane.isRunning() || bytesRead(corvane.id()) > before + 50'000; },
+        patience);
+}
+
+void TestFailingCalls::goesOnOrEndsInOneLine()
+{
+    QFETCH(const QString, call);
+    QFETCH(const int, number);
+    QFETCH(const Phase, phase);
+    const QString failed = m_session->path(u"failed"_s);
+    QVERIFY(m_session->startBus("gnome-shell"));
+    QProcessEnvironment &environment = m_session->environment;
+    environment.insert(u"LD_PRELOAD"_s,
+                       QStringLiteral(QUICK_CLOCK) + u':' + QStringLiteral(FAILING_CALL));
+    environment.insert(u"FAILING_CALL"_s, call);
+    environment.insert(u"FAILING_CALL_N"_s, QString::number(number));
+    environment.insert(u"FAILING_CALL_FILE"_s, failed);
+    if (phase != Phase::start)
+        environment.insert(u"FAILING_CALL_LATER"_s, u"1"_s);
+    ProgramRun corvane(environment);
+    TRY_VERIFY(!corvane.isRunning() || m_session->tray->items().size() == 1);
+    if (phase != Phase::start)
+        corvane.send(SIGUSR2);
+    if (phase == Phase::dashboard)
+        openDashboard();
+    QVERIFY2(isSampling(corvane), "it hangs");
+    if (phase == Phase::start && number == 1)
+        QVERIFY2(QFile::exists(failed), "the program makes no such call");
+    const bool goesOn = corvane.isRunning();
+    if (goesOn)
+        corvane.send(SIGTERM);
+    const int status = corvane.exitStatus();
+    QByteArray errors = corvane.errors();
+    if (goesOn) {
+        QVERIFY2(status == 0, errors.constData());
+        return;
+    }
+    QVERIFY2(status == 1 && phase == Phase::start, errors.constData());
+    QCOMPARE(errors.count('\n'), 1);
+    QVERIFY2(errors.startsWith("Corvane cannot start"), errors.constData());
+}
+
+int main(int argc, char **argv)
+{
+    const int most = takeNumber("--all", 0, argc, argv);
+    QCoreApplication application(argc, argv);
+    TestFailingCalls test(most);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_FailingCalls.moc"
