@@ -83,8 +83,10 @@ void Preferences::read(Store &store)
     {
         QSettings settings;
         settings.setFallbacksEnabled(false);
-        for (const QString &key : settings.allKeys())
-            values.insert(key, settings.value(key));
+        for (const QString &key : settings.allKeys()) {
+            if (!key.isEmpty()) // A damaged file may have one; the library warns of it.
+                values.insert(key, settings.value(key));
+        }
     }
     const MutexLock lock(store.mutex);
     store.read = std::move(values);
