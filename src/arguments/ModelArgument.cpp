@@ -15,6 +15,8 @@ using namespace Qt::StringLiterals;
 constexpr std::array modelFileSuffixes{".gguf"_L1, ".safetensors"_L1, ".bin"_L1, ".ckpt"_L1,
                                        ".pth"_L1};
 
+constexpr auto repositoryMark = "models--"_L1; ///< Of a folder in Hugging Face's cache.
+
 constexpr std::array modelFlags{"--model"_L1,
                                 "--model-path"_L1,
                                 "--model_path"_L1,
@@ -257,13 +259,12 @@ QString modelNameOf(const ModelArgument &argument)
 
 std::optional<CachedRepository> cachedRepository(const QString &path)
 {
-    constexpr auto mark = "models--"_L1;
     const QStringList pieces = path.split(u'/', Qt::SkipEmptyParts);
-    const auto found =
-        std::ranges::find_if(pieces, [](const QString &piece) { return piece.startsWith(mark); });
-    if (found == pieces.end() || found->size() == mark.size())
+    const auto found = std::ranges::find_if(
+        pieces, [](const QString &piece) { return piece.startsWith(repositoryMark); });
+    if (found == pieces.end() || found->size() == repositoryMark.size())
         return std::nullopt;
-    QString repository = found->sliced(mark.size());
+    QString repository = found->sliced(repositoryMark.size());
     const qsizetype separator = repository.indexOf("--"_L1);
     if (separator > 0)
         repository.replace(separator, 2, u"/"_s);

@@ -126,7 +126,7 @@ bool holdsIgnoringCase(std::string_view text, std::string_view part)
         return std::tolower(static_cast<unsigned char>(left))
             == std::tolower(static_cast<unsigned char>(right));
     };
-    return !std::ranges::search(text, part, same).empty();
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 } // namespace
