@@ -6,12 +6,15 @@
 
 namespace corvane::test {
 
-LiveProcess::LiveProcess(const QString &name, const QStringList &arguments, int mebibytes)
+LiveProcess::LiveProcess(const QString &name, const QStringList &arguments, int mebibytes,
+                         const QString &mappedFile)
     : m_executable(m_directory.filePath(name))
 {
     QFile::copy(QStringLiteral(STAND_IN), m_executable);
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOLD_MIB"), QString::number(mebibytes));
+    if (!mappedFile.isEmpty())
+        environment.insert(QStringLiteral("MAP_FILE"), mappedFile);
     m_process.setProcessEnvironment(environment);
     m_process.start(m_executable, arguments);
 }

@@ -15,7 +15,8 @@ namespace corvane::test {
 /// holding memory. It ends with this object.
 class LiveProcess {
 public:
-    LiveProcess(const QString &name, const QStringList &arguments, int mebibytes);
+    LiveProcess(const QString &name, const QStringList &arguments, int mebibytes,
+                const QString &mappedFile = {});
     ~LiveProcess();
 
     bool isReady();
