@@ -58,9 +58,11 @@ MetricRow memoryRow(const GPUMemoryTotal &memory)
                   absentValue(memory.state)};
     const QString total = memory.total > 0 ? byteText(memory.total) : QString();
     if (memory.state != FigureState::known) {
-        row.detail = memory.state == FigureState::asleep && !total.isEmpty()
-            ? total
-            : absenceText(memory.state, memory.reason);
+        row.detail = absenceText(memory.state, memory.reason);
+        if (memory.state == FigureState::asleep && !total.isEmpty())
+            row.detail = total;
+        else if (!total.isEmpty())
+            row.value += u" / "_s + total;
         return row;
     }
     const QString least = leastText(memory);

@@ -260,9 +260,12 @@ EXPORTED int nvmlDeviceGetHandleByIndex_v2(unsigned int index, void **device)
 
 EXPORTED int nvmlDeviceGetPciInfo_v3(void *device, PCIInfo *info)
 {
+    // The script's values are the numbers of bus and domain.
+    const Answer answer = answerOf("nvmlDeviceGetPciInfo_v3", {indexOf(device) + 1, 0}, device);
     std::memset(info, 'x', sizeof *info);
-    std::snprintf(info->address, sizeof info->address, "00000000:%02lx:00.0", indexOf(device) + 1);
-    return answerOf("nvmlDeviceGetPciInfo_v3", {}, device).result;
+    std::snprintf(info->address, sizeof info->address, "%08llx:%02llx:00.0", answer.values.at(1),
+                  answer.values.at(0));
+    return answer.result;
 }
 
 #endif

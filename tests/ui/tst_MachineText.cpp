@@ -188,9 +188,9 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
                        u"Swap: off"_s};
     QTest::newRow("an updated driver")
         << oneCardDenied(Coverage::newDriver)
-        << QStringList{u"Memory: 11.94 GB / 62.72 GB, 19 %"_s, u"VRAM: –, restart needed"_s,
-                       u"GPU: –, restart needed"_s, u"CPU: 23 %, 4.32 GHz"_s,
-                       u"Swap: 0 MB, of 8 GB"_s};
+        << QStringList{u"Memory: 11.94 GB / 62.72 GB, 19 %"_s,
+                       u"VRAM: – / 23.99 GB, restart needed"_s, u"GPU: –, restart needed"_s,
+                       u"CPU: 23 %, 4.32 GHz"_s, u"Swap: 0 MB, of 8 GB"_s};
     QTest::newRow("a card that sleeps alone")
         << oneCardDenied(Coverage::asleep)
         << QStringList{u"Memory: 11.94 GB / 62.72 GB, 19 %"_s, u"VRAM: asleep, 23.99 GB"_s,
