@@ -4,6 +4,7 @@
 #include "records/ChipReading.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace corvane {
@@ -13,8 +14,11 @@ namespace corvane {
 /// Copies share one sampler; used on one thread.
 using ChipSource = std::function<std::optional<ChipReading>()>;
 
+class GPUHandOver;
+
 /// Opens this machine's chip sampler. `now` returns monotonic seconds, sleep included; a test steps
-/// its own.
-ChipSource openChipSource(std::function<double()> now = secondsSinceBoot);
+/// its own. `gpus` is told which GPUs there are, on a system that tells them apart; null: nobody.
+ChipSource openChipSource(std::function<double()> now = secondsSinceBoot,
+                          const std::shared_ptr<GPUHandOver> &gpus = nullptr);
 
 } // namespace corvane

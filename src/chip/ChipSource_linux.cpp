@@ -24,13 +24,14 @@ namespace {
 class LinuxChip {
 public:
     LinuxChip(const std::string &root, std::function<double()> now,
-              const std::string &nvidiaLibrary, ReaderPatience patience)
+              const std::string &nvidiaLibrary, ReaderPatience patience,
+              std::shared_ptr<GPUHandOver> gpus)
         : m_now(now),
           m_clusters(readCPUClusters(root)),
           m_frequencies(m_clusters.begin(), m_clusters.end()),
           m_stat(root),
           m_packages(root, now),
-          m_gpus(root, nvidiaLibrary, now, std::make_shared<GPUHandOver>(), patience),
+          m_gpus(root, nvidiaLibrary, now, std::move(gpus), patience),
           m_temperatures(root),
           m_systemPower(root, now, patience)
     {
@@ -116,17 +117,19 @@ private:
 
 } // namespace
 
-ChipSource openChipSource(std::function<double()> now)
+ChipSource openChipSource(std::function<double()> now, const std::shared_ptr<GPUHandOver> &gpus)
 {
     constexpr std::chrono::milliseconds patienceAtStart(100);
-    return openChipSourceBelow("/", std::move(now), "libnvidia-ml.so.1",
-                               {.first = patienceAtStart});
+    return openChipSourceBelow("/", std::move(now), "libnvidia-ml.so.1", {.first = patienceAtStart},
+                               gpus);
 }
 
 ChipSource openChipSourceBelow(const std::string &root, std::function<double()> now,
-                               const std::string &nvidiaLibrary, ReaderPatience patience)
+                               const std::string &nvidiaLibrary, ReaderPatience patience,
+                               const std::shared_ptr<GPUHandOver> &gpus)
 {
-    const auto chip = std::make_shared<LinuxChip>(root, std::move(now), nvidiaLibrary, patience);
+    const auto chip = std::make_shared<LinuxChip>(root, std::move(now), nvidiaLibrary, patience,
+                                                  gpus ? gpus : std::make_shared<GPUHandOver>());
     return [chip] { return chip->sample(); };
 }
 

@@ -15,6 +15,7 @@ ChipSource openChipSourceBelow(const std::string &root,
                                std::function<double()> now = secondsSinceBoot,
                                const std::string &nvidiaLibrary = {},
                                ReaderPatience patience = {.first = std::chrono::minutes(1),
-                                                          .later = std::chrono::minutes(1)});
+                                                          .later = std::chrono::minutes(1)},
+                               const std::shared_ptr<GPUHandOver> &gpus = nullptr);
 
 } // namespace corvane

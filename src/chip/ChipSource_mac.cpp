@@ -84,7 +84,7 @@ private:
 
 } // namespace
 
-ChipSource openChipSource(std::function<double()> now)
+ChipSource openChipSource(std::function<double()> now, const std::shared_ptr<GPUHandOver> &)
 {
     const auto chip = std::make_shared<MacChip>(std::move(now));
     if (!chip->hasChannels())

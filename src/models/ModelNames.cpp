@@ -106,10 +106,10 @@ void ModelNames::keepOnly(const std::vector<AIWorkload> &workloads)
     });
 }
 
-SurveySource namedSurveys()
+SurveySource namedSurveys(const std::shared_ptr<GPUHandOver> &gpus)
 {
     // Shared with surveys that still run when the program ends.
-    return [surveys = systemSurveys(),
+    return [surveys = systemSurveys(gpus),
             names = std::make_shared<ModelNames>()](const RankingReport &report) {
         Survey survey = surveys(report);
         names->name(survey.workloads);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gpu/GPUHandOver.h"
 #include "models/ModelResolver.h"
 #include "processes/Survey.h"
 #include "threads/TimedCalls.h"
@@ -55,6 +56,7 @@ private:
 };
 
 /// The surveys of this machine, with the names of the models.
-SurveySource namedSurveys();
+SurveySource namedSurveys(
+    const std::shared_ptr<GPUHandOver> &gpus = std::make_shared<GPUHandOver>());
 
 } // namespace corvane

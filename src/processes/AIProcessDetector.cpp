@@ -130,15 +130,19 @@ ArgumentFacts factsOfProcess(const ProcessIdentity &process, const FactsReader &
 std::vector<AIWorkload> AIProcessDetector::detectAll(const ProcessRanking &ranking,
                                                      const IdentityReader &identify,
                                                      const FactsReader &readFacts,
-                                                     FactsCache &cache)
+                                                     FactsCache &cache,
+                                                     const std::unordered_set<std::int64_t> &onGPU)
 {
     std::vector<AIWorkload> workloads;
     std::unordered_set<std::int64_t> seen;
     for (const auto &[pid, name, memory] : ranking(processesExamined)) {
-        if (!pid || !memory || (!name && *memory >= leastMemory))
+        if (!pid || !memory)
+            continue;
+        const bool isHeavy = *memory >= leastMemory || onGPU.contains(*pid);
+        if (!name && isHeavy)
             continue;
         seen.insert(*pid);
-        if (*memory < leastMemory)
+        if (!isHeavy)
             continue;
         const QString processName = foreignText(*name);
         if (!nameLooksRelevant(processName) && !nameMayBeARunner(processName))

@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <unordered_set>
+
 namespace corvane {
 
 class FactsCache;
@@ -20,11 +22,13 @@ public:
     static constexpr std::uint64_t leastMemory = 200 << 20; ///< In bytes; lighter ones are skipped.
 
     /// The workloads among the first `processesExamined` of a ranking, largest first. A record
-    /// below `leastMemory` needs no name. The facts of a process are read once and kept while the
+    /// below `leastMemory` needs no name, unless it is one of `onGPU`: these are examined whatever
+    /// their footprint and place. The facts of a process are read once and kept while the
     /// process stays in the ranking.
     static std::vector<AIWorkload> detectAll(const ProcessRanking &ranking,
                                              const IdentityReader &identify,
-                                             const FactsReader &readFacts, FactsCache &cache);
+                                             const FactsReader &readFacts, FactsCache &cache,
+                                             const std::unordered_set<std::int64_t> &onGPU = {});
 
     /// The facts in arguments, which are overwritten: they may hold secrets. Empty facts where the
     /// arguments could not be read. A process with a name is recognised by all rules.

@@ -2,19 +2,32 @@
 
 #include "platform/KernelText.h"
 
+#include <algorithm>
+
 namespace corvane {
 
 namespace {
 
-std::string nameOf(std::int32_t pid, const ProcessSource &source)
+std::vector<FootprintBounds> boundsOf(const std::vector<std::int32_t> &wanted,
+                                      const std::vector<FootprintBounds> &footprints)
+{
+    std::vector<FootprintBounds> found;
+    for (const FootprintBounds &bounds : footprints) {
+        if (std::ranges::find(wanted, bounds.pid) != wanted.end())
+            found.push_back(bounds);
+    }
+    return found;
+}
+
+} // namespace
+
+std::string ProcessBridge::nameOf(std::int32_t pid, const ProcessSource &source)
 {
     auto name = source.name(pid);
     if (!name || name->empty() || !isUtf8(*name))
         return "pid " + std::to_string(pid);
     return std::move(*name);
 }
-
-} // namespace
 
 std::vector<ProcessRecord> ProcessBridge::allProcesses(const ProcessSource &source)
 {
@@ -28,18 +41,26 @@ std::vector<ProcessRecord> ProcessBridge::allProcesses(const ProcessSource &sour
     return records;
 }
 
-std::vector<ProcessRecord> ProcessBridge::topProcessesByMemory(std::int32_t limit,
-                                                               const NamesWanted &names,
-                                                               const ProcessSource &source)
+std::vector<ProcessRecord> ProcessBridge::topProcessesByMemory(
+    std::int32_t limit, const NamesWanted &names, const ProcessSource &source,
+    const std::vector<std::int32_t> &also)
 {
     if (limit < 1)
         return {};
+    auto footprints = source.footprints();
+    const auto wanted = boundsOf(also, footprints);
     auto records =
-        heaviestProcesses(source.footprints(), static_cast<std::size_t>(limit), source.footprint);
+        heaviestProcesses(std::move(footprints), static_cast<std::size_t>(limit), source.footprint);
     for (std::size_t place = 0; place < records.size(); ++place) {
         ProcessRecord &record = records[place];
         if (place < names.first || record.memory >= names.fromMemory)
             record.name = nameOf(*record.pid, source);
+    }
+    for (const FootprintBounds &bounds : wanted) {
+        if (std::ranges::find(records, bounds.pid, &ProcessRecord::pid) != records.end())
+            continue;
+        if (const auto memory = exactFootprint(bounds, source.footprint))
+            records.push_back({bounds.pid, nameOf(bounds.pid, source), memory});
     }
     return records;
 }

@@ -24,10 +24,15 @@ public:
     static std::vector<ProcessRecord> allProcesses(
         const ProcessSource &source = ProcessSource::system());
 
-    /// The heaviest of them, largest first.
+    /// The heaviest of them, largest first, and those of `also` that are none of these, with their
+    /// names.
     static std::vector<ProcessRecord> topProcessesByMemory(
         std::int32_t limit, const NamesWanted &names = {},
-        const ProcessSource &source = ProcessSource::system());
+        const ProcessSource &source = ProcessSource::system(),
+        const std::vector<std::int32_t> &also = {});
+
+    /// What the process is called; "pid 123" without a readable name.
+    static std::string nameOf(std::int32_t pid, const ProcessSource &source);
 
     /// Executable and arguments of one process; absent when they cannot be read.
     static std::optional<ArgumentRecord> processArgsForPID(

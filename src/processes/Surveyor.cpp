@@ -1,7 +1,9 @@
 #include "processes/Surveyor.h"
 
+#include "platform/ForeignText.h"
 #include "processes/AIProcessDetector.h"
 #include "processes/ProcessSampler.h"
+#include "processes/WorkloadGroups.h"
 
 #include <algorithm>
 #include <memory>
@@ -54,39 +56,89 @@ ArgumentFacts readWithServer(std::int32_t pid, const ProcessSource &source)
     return facts;
 }
 
+std::vector<std::int32_t> pidsOf(const std::vector<ProcessRecord> &processes)
+{
+    std::vector<std::int32_t> pids;
+    for (const ProcessRecord &process : processes)
+        pids.push_back(process.pid.value_or(0));
+    return pids;
+}
+
 } // namespace
 
-Surveyor::Surveyor(ProcessSource source, std::chrono::milliseconds patience)
+Surveyor::Surveyor(ProcessSource source, std::chrono::milliseconds patience,
+                   std::shared_ptr<GPUClients> gpus)
     : m_source(std::move(source)),
-      m_patience(patience)
+      m_patience(patience),
+      m_gpus(std::move(gpus))
 {
 }
 
 Survey Surveyor::take(const RankingReport &report)
 {
-    const auto processes = heaviest();
+    const auto told = readGPUs([gpus = m_gpus] { return gpus->told(); }, {});
+    const auto holding = GPUShares(told).holding(AIProcessDetector::leastMemory);
+    const auto processes = heaviest(holding);
+    const auto uses = readGPUs(
+        [gpus = m_gpus, told, pids = pidsOf(processes)] { return gpus->used(told, pids); }, told);
+    const GPUShares shares(uses);
+
     const ProcessRanking ranking = [&processes](std::int32_t limit) {
         const auto count = std::min(std::ssize(processes), std::ptrdiff_t(limit));
         return std::vector(processes.begin(), processes.begin() + count);
     };
     Survey survey{.processes = ProcessSampler::topByRAM(rowsShown, ranking)};
+    for (ProcessRow &row : survey.processes)
+        row.gpuMemory = shares.of({static_cast<std::int32_t>(row.id)}).bytes;
     bool reported = !report;
     const FactsReader read = [&](const ProcessIdentity &process) {
         if (!std::exchange(reported, true))
             report(survey.processes);
         return readFacts(process);
     };
-    survey.workloads = AIProcessDetector::detectAll(ranking, m_source.identity, read, m_facts);
+    const ProcessRanking candidates = [&processes](std::int32_t) { return processes; };
+    const auto onGPU = shares.holding(AIProcessDetector::leastMemory);
+    survey.workloads = AIProcessDetector::detectAll(candidates, m_source.identity, read, m_facts,
+                                                    {onGPU.begin(), onGPU.end()});
+    addGPUs(survey, uses);
     return survey;
+}
+
+/// What `read` returns, which may keep it waiting for a driver; else `otherwise`.
+std::vector<GPUUse> Surveyor::readGPUs(const std::function<std::vector<GPUUse>()> &read,
+                                       std::vector<GPUUse> otherwise)
+{
+    if (!m_gpus)
+        return {};
+    if (!m_gpus->readsFiles())
+        return read();
+    return m_gpuCalls.call(read, m_patience).value.value_or(std::move(otherwise));
+}
+
+/// Joins the workloads' processes, and tells who holds the GPUs.
+void Surveyor::addGPUs(Survey &survey, const std::vector<GPUUse> &uses) const
+{
+    ProcessFamily family(m_source.parent);
+    const ProcessName name = [this](std::int32_t pid) {
+        return foreignText(ProcessBridge::nameOf(pid, m_source));
+    };
+    survey.workloads = joinedWorkloads(survey.workloads, family);
+    addGPUUse(survey.workloads, GPUShares(uses), family, name);
+    std::unordered_set<std::int32_t> ai;
+    for (const AIWorkload &workload : survey.workloads) {
+        const auto pids = pidsOf(workload);
+        ai.insert(pids.begin(), pids.end());
+    }
+    survey.gpuHolders = gpuHolders(uses, ai, name);
 }
 
 /// The listing is the expensive part: ranking and detection share one, with no more names than they
 /// need.
-std::vector<ProcessRecord> Surveyor::heaviest() const
+std::vector<ProcessRecord> Surveyor::heaviest(const std::vector<std::int32_t> &also) const
 {
     return ProcessBridge::topProcessesByMemory(
         AIProcessDetector::processesExamined,
-        {.first = rowsShown, .fromMemory = AIProcessDetector::leastMemory}, m_source);
+        {.first = rowsShown, .fromMemory = AIProcessDetector::leastMemory}, m_source, also);
 }
 
 std::optional<ArgumentFacts> Surveyor::readFacts(const ProcessIdentity &process)
@@ -120,12 +172,12 @@ void Surveyor::leaveAlone(const ProcessIdentity &process)
     m_leftAlone.push_back(process);
 }
 
-SurveySource systemSurveys()
+SurveySource systemSurveys(const std::shared_ptr<GPUHandOver> &gpus)
 {
     // Shared with surveys that still run when the program ends.
-    return [surveyor = std::make_shared<Surveyor>()](const RankingReport &report) {
-        return surveyor->take(report);
-    };
+    const auto surveyor = std::make_shared<Surveyor>(
+        ProcessSource::system(), Surveyor::argumentsPatience, std::make_shared<GPUClients>(gpus));
+    return [surveyor](const RankingReport &report) { return surveyor->take(report); };
 }
 
 } // namespace corvane

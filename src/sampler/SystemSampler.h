@@ -22,8 +22,10 @@ namespace corvane {
 /// replace them.
 struct SamplerSources {
     std::function<MemorySnapshot()> memory = MemorySampler::sample;
-    ChipSource chip = openChipSource();             ///< Empty: no reading of the chip.
-    SurveySource survey = namedSurveys();           ///< Runs in the background. Empty: no survey.
+    /// What the chip's source and the surveys tell each other; for these two alone.
+    std::shared_ptr<GPUHandOver> gpus = std::make_shared<GPUHandOver>();
+    ChipSource chip = openChipSource(secondsSinceBoot, gpus); ///< Empty: no reading of the chip.
+    SurveySource survey = namedSurveys(gpus);       ///< Runs in the background. Empty: no survey.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);

@@ -121,6 +121,9 @@ private slots:
     void findsNothingWhereNothingIs();
     void findsProcessesOfThisMachine();
     void reportsTheRankingBeforeItReadsArguments();
+    void examinesWhoHoldsMuchOfAGPU();
+    void tellsWhatRowsAndWorkloadsHoldOfGPUs();
+    void joinsAServerWithItsRunner();
     void leavesAProcessAloneThatDoesNotAnswer();
     void readsNoMoreWhileTwoDoNotAnswer();
     void isSafeFromManyThreads();
@@ -218,7 +221,8 @@ void TestSurveyor::namesThePartsOfAServer()
     tree.add(22,
              {.own = 500 * MiB, .parent = 99, .comm = "VLLM::Worker\n", .cmdline = "VLLM::Worker"});
     const Survey survey = surveyOf(tree);
-    QCOMPARE(models(survey), (QStringList{u"Qwen/Qwen3-8B"_s, u"Qwen/Qwen3-8B"_s, u"-"_s}));
+    QCOMPARE(models(survey), (QStringList{u"Qwen/Qwen3-8B"_s, u"-"_s}));
+    QCOMPARE(survey.workloads.at(0).parts.size(), std::size_t(2)); // Engine and worker.
     for (const AIWorkload &workload : survey.workloads)
         QCOMPARE(workload.framework, AIFramework::vllm);
     QCOMPARE(survey.workloads.at(0).details.origin, ModelOrigin::server);
@@ -345,6 +349,66 @@ void TestSurveyor::isSafeFromManyThreads()
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(differing.load(), 0);
+}
+
+void TestSurveyor::examinesWhoHoldsMuchOfAGPU()
+{
+    ProcTree tree;
+    addCrowd(tree, 1000, 100, 900 * MiB);
+    tree.add(7, ollama(50 * MiB)); // Neither heavy nor among the heaviest.
+    tree.add(8, ollama(50 * MiB)); // Holds too little.
+    const auto gpus = std::make_shared<GPUHandOver>();
+    gpus->publish({{.device = "card",
+                    .processes = {{{.pid = 7, .bytes = 200 * MiB, .busyFraction = 0.5},
+                                   {.pid = 8, .bytes = 200 * MiB - 1}}}}});
+    Surveyor surveyor(tree.source(), Surveyor::argumentsPatience,
+                      std::make_shared<GPUClients>(gpus, tree.root()));
+    const Survey survey = surveyor.take();
+    QCOMPARE(survey.workloads.size(), std::size_t(1));
+    QCOMPARE(survey.workloads[0].pid, 7);
+    QCOMPARE(survey.workloads[0].memory, 50 * MiB);
+    QCOMPARE(survey.workloads[0].gpuMemory, std::optional(200 * MiB));
+    QCOMPARE(survey.workloads[0].gpuFraction, std::optional(0.5));
+    QCOMPARE(survey.processes.size(), std::size_t(20)); // The ranking is by memory alone.
+}
+
+void TestSurveyor::tellsWhatRowsAndWorkloadsHoldOfGPUs()
+{
+    ProcTree tree;
+    tree.add(7, ollama(300 * MiB));
+    tree.add(8, {.own = 400 * MiB, .comm = "game\n"});
+    tree.add(9, {.own = 500 * MiB, .comm = "editor\n"});
+    const auto gpus = std::make_shared<GPUHandOver>();
+    gpus->publish(
+        {{.device = "card",
+          .processes = {{{.pid = 7, .bytes = 5000 * MiB}, {.pid = 8, .bytes = 70 * MiB}}}}});
+    Surveyor surveyor(tree.source(), Surveyor::argumentsPatience,
+                      std::make_shared<GPUClients>(gpus, tree.root()));
+    const Survey survey = surveyor.take();
+    QCOMPARE(survey.processes.size(), std::size_t(3));
+    QVERIFY(!survey.processes[0].gpuMemory);
+    QCOMPARE(survey.processes[1].gpuMemory, std::optional(70 * MiB));
+    QCOMPARE(survey.processes[2].gpuMemory, std::optional(5000 * MiB));
+    QCOMPARE(survey.gpuHolders.size(), std::size_t(1));
+    QVERIFY((survey.gpuHolders[0] == GPUHolders{u"card"_s, 5000 * MiB, u"ollama"_s, 5000 * MiB}));
+}
+
+void TestSurveyor::joinsAServerWithItsRunner()
+{
+    ProcTree tree;
+    FakeProcess server = ollama(300 * MiB);
+    server.cmdline = QByteArray("ollama\0serve\0", 13);
+    tree.add(7, server);
+    FakeProcess runner = ollama(400 * MiB);
+    runner.parent = 7;
+    tree.add(8, runner);
+    const Survey survey = surveyOf(tree);
+    QCOMPARE(survey.workloads.size(), std::size_t(1));
+    QCOMPARE(survey.workloads[0].pid, 8); // It names the model.
+    QCOMPARE(survey.workloads[0].memory, 700 * MiB);
+    QCOMPARE(survey.workloads[0].model, std::optional(u"a"_s));
+    QCOMPARE(survey.workloads[0].parts.size(), std::size_t(2));
+    QCOMPARE(survey.workloads[0].parts[1].pid, 7);
 }
 
 QTEST_APPLESS_MAIN(TestSurveyor)
