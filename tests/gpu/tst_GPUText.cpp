@@ -12,6 +12,8 @@ class TestGPUText : public QObject {
     Q_OBJECT
 
 private slots:
+    void parsesMemory_data();
+    void parsesMemory();
     void knowsAddresses_data();
     void knowsAddresses();
     void writesAddressesAsTheKernelDoes_data();
@@ -184,6 +186,29 @@ void TestGPUText::readsPower()
 {
     QFETCH(QByteArray, text);
     QTEST(parseMicrowatts(text.toStdString()), "watts");
+}
+
+void TestGPUText::parsesMemory_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("decimal") << QByteArray("12868124672\n") << 12'868'124'672ll;
+    QTest::newRow("hexadecimal") << QByteArray("0x00000002fa800000\n") << 12'792'627'200ll;
+    QTest::newRow("zero") << QByteArray("0\n") << 0ll;
+    QTest::newRow("more than any machine has") << QByteArray("1125899906842625\n") << -1ll;
+    QTest::newRow("beyond 64 bits") << QByteArray("18446744073709551616\n") << -1ll;
+    QTest::newRow("beyond 64 bits, hexadecimal") << QByteArray("0x10000000000000000\n") << -1ll;
+    QTest::newRow("no digits") << QByteArray("0x\n") << -1ll;
+    QTest::newRow("negative") << QByteArray("-5\n") << -1ll;
+    QTest::newRow("two numbers") << QByteArray("1 2\n") << -1ll;
+    QTest::newRow("empty") << QByteArray() << -1ll;
+}
+
+void TestGPUText::parsesMemory()
+{
+    QFETCH(QByteArray, text);
+    const auto bytes = parseMemoryBytes(text.toStdString());
+    QTEST(bytes ? qint64(*bytes) : -1, "bytes");
 }
 
 QTEST_GUILESS_MAIN(TestGPUText)
