@@ -1,10 +1,10 @@
 // The cost of a tick of the open dashboard on the main thread: passing the data to every part and
 // painting what changed, as a ratio to clearing as many pixels as the whole window has.
 
-#include "cards/AIWorkloadsCard.h"
+#include "lists/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
-#include "cards/PowerCard.h"
-#include "cards/ProcessCard.h"
+#include "devices/PowerCard.h"
+#include "lists/ProcessCard.h"
 #include "cards/UtilizationCard.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"

@@ -19,9 +19,9 @@ using namespace corvane;
 
 constexpr QSize powerChart(585, 174);
 
-std::vector<double> watts(std::size_t samples, double mean, std::size_t shift)
+std::vector<std::optional<double>> watts(std::size_t samples, double mean, std::size_t shift)
 {
-    std::vector<double> values;
+    std::vector<std::optional<double>> values;
     for (std::size_t i = 0; i < samples; ++i) {
         const auto t = static_cast<double>(i + shift);
         values.push_back(mean * (1 + 0.5 * std::sin(t * 0.3) + 0.1 * std::sin(t * 2.1)));

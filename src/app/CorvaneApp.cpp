@@ -151,7 +151,8 @@ void CorvaneApp::openMainWindow()
         // A Mac's menu bar takes no click when the program becomes regular after its window is
         // shown.
         systemWindowPlatform().setActivationPolicy(ActivationPolicy::regular);
-        m_mainWindow = new MainWindow;
+        m_mainWindow =
+            new MainWindow(nullptr, ChipInfo::current(), coverageOf(m_state.sampler.current()));
         deleteOnClose(*m_mainWindow);
         connect(m_mainWindow, &QObject::destroyed, this, [this, opening = ++m_openings] {
             if (opening == m_openings) // The lifecycle does not know one that was closed at once.
@@ -272,14 +273,16 @@ void CorvaneApp::connectMainWindow()
         window->show(sampler.current(), sampler.history());
     };
     const auto showProcesses = [&sampler, window] { window->showProcesses(sampler.processes()); };
-    const auto showWorkloads = [&sampler, window] { window->showWorkloads(sampler.aiWorkloads()); };
+    const auto showWorkloads = [&sampler, window] {
+        window->showWorkloads(sampler.aiWorkloads(), sampler.gpuHolders());
+    };
     connect(&sampler, &SystemSampler::historyChanged, window, showSamples);
     connect(&sampler, &SystemSampler::processesChanged, window, showProcesses);
     connect(&sampler, &SystemSampler::aiWorkloadsChanged, window, showWorkloads);
     connect(window, &MainWindow::contentsNeeded, window, [=] {
+        showWorkloads(); // First, since the samples' cards show what these hold of the GPUs.
         showSamples();
         showProcesses();
-        showWorkloads();
     });
 }
 

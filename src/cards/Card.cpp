@@ -4,6 +4,7 @@
 #include "controls/WindowBackground.h"
 #include "ui/CardStyle.h"
 #include "ui/Icon.h"
+#include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 
 #include <QPaintEvent>
@@ -18,6 +19,15 @@ namespace {
 constexpr int iconSide = 16;
 constexpr int iconGap = 6;
 constexpr int statGap = 8; ///< Between a text of the header line and the info glyph.
+
+constexpr double tagGap = 8;
+constexpr double tagPadding = 6;
+constexpr double tagHeight = 16;
+constexpr double tagRadius = 5;
+constexpr double noticeIconSide = 24;
+constexpr double noticeHeight = 68;
+constexpr TextLine noticeLine{34, 15.5}; ///< From the top of the notice, as is the hint.
+constexpr TextLine noticeHint{54, 14};
 
 QFont statFont()
 {
@@ -56,6 +66,32 @@ QString Card::accessibleText(const QString &name) const
 {
     const auto found = std::ranges::find(m_texts, name, &CardText::name);
     return found == m_texts.end() ? QString() : found->text;
+}
+
+void Card::setTitle(const QString &title)
+{
+    if (title == m_heading.title)
+        return;
+    m_heading.title = title;
+    setAccessibleName(title);
+    setText(m_texts.front(), title);
+    placeTag();
+    layOut(); // What stands behind the title moves.
+    update();
+}
+
+void Card::setInfo(const InfoText &info)
+{
+    m_infoButton->setInfo(info);
+}
+
+void Card::setNotes(const QStringList &notes)
+{
+    const QString text = notes.join(u'\n');
+    if (text == accessibleDescription())
+        return;
+    setToolTip(text.toHtmlEscaped());
+    setAccessibleDescription(text);
 }
 
 CardText &Card::addText(const CardText &text)
@@ -99,6 +135,73 @@ void Card::updateShape(const QRectF &before, const QRectF &now)
     update((before | now).toAlignedRect().adjusted(-1, -1, 1, 1));
 }
 
+void Card::showTag(const QString &name, const QString &words)
+{
+    if (!m_tag) {
+        m_tag = &addText({.name = name,
+                          .font = Theme::systemFont(10, QFont::DemiBold),
+                          .color = Theme::textSecondary});
+        placeTag();
+    }
+    const QRectF before = tagRect();
+    setText(*m_tag, words);
+    if (tagRect() != before)
+        updateShape(before, tagRect());
+}
+
+void Card::placeTag()
+{
+    if (m_tag)
+        m_tag->baseline = {titleText().bounds().right() + tagGap + tagPadding - 2,
+                           TextLine{CardStyle::padding, headerHeight}.baseline(m_tag->font)};
+}
+
+QRectF Card::tagRect() const
+{
+    if (!m_tag || m_tag->text.isEmpty())
+        return {};
+    const double top = CardStyle::padding + (headerHeight - tagHeight) / 2.0;
+    return {m_tag->baseline.x() - tagPadding, top, m_tag->width() + 2 * tagPadding, tagHeight};
+}
+
+void Card::showNotice(const QString &symbol, const QString &line, const QString &hint)
+{
+    if (!m_noticeLine) {
+        if (line.isEmpty())
+            return;
+        m_noticeLine = &addText({.font = Theme::systemFont(12, QFont::Medium),
+                                 .color = Theme::textPrimary,
+                                 .alignment = Qt::AlignHCenter});
+        m_noticeHint = &addText({.font = Theme::systemFont(11),
+                                 .color = Theme::textTertiary,
+                                 .alignment = Qt::AlignHCenter});
+        placeNotice();
+    }
+    if (m_noticeSymbol != symbol || m_noticeLine->text.isEmpty() != line.isEmpty())
+        update(noticeIcon().toAlignedRect());
+    m_noticeSymbol = symbol;
+    setText(*m_noticeLine, line);
+    setText(*m_noticeHint, hint);
+}
+
+void Card::placeNotice()
+{
+    if (!m_noticeLine)
+        return;
+    const QRectF icon = noticeIcon();
+    const double middle = width() / 2.0;
+    for (CardText *line : {m_noticeLine, m_noticeHint})
+        line->maxWidth = contentRight() - contentLeft();
+    m_noticeLine->baseline = {middle, icon.top() + noticeLine.baseline(m_noticeLine->font)};
+    m_noticeHint->baseline = {middle, icon.top() + noticeHint.baseline(m_noticeHint->font)};
+}
+
+QRectF Card::noticeIcon() const
+{
+    const double top = (bodyTop + height() - CardStyle::padding - noticeHeight) / 2.0;
+    return {(width() - noticeIconSide) / 2.0, top, noticeIconSide, noticeIconSide};
+}
+
 QPointF Card::headerStatEnd() const
 {
     return {m_infoButton->x() + InfoButton::glyph().left() - statGap,
@@ -107,7 +210,8 @@ QPointF Card::headerStatEnd() const
 
 double Card::headerStatWidth() const
 {
-    return headerStatEnd().x() - titleText().bounds().right() - statGap;
+    const double titleEnd = std::max(titleText().bounds().right(), tagRect().right());
+    return headerStatEnd().x() - titleEnd - statGap;
 }
 
 CardText Card::headerStat(const QString &name)
@@ -143,6 +247,10 @@ void Card::paintEvent(QPaintEvent *event)
     if (icon.intersects(dirty))
         paintIcon(painter, m_heading.symbol, icon, m_heading.color, SymbolWeight::semibold);
     paintShapes(painter, dirty);
+    if (tagRect().intersects(dirty))
+        fillRounded(painter, tagRect(), tagRadius, Theme::tag);
+    if (m_noticeLine && !m_noticeLine->text.isEmpty() && noticeIcon().intersects(dirty))
+        paintIcon(painter, m_noticeSymbol, noticeIcon(), Theme::textSecondary, SymbolWeight::light);
     for (const CardText &text : m_texts) {
         if (!text.text.isEmpty() && text.bounds().intersects(dirty))
             text.paint(painter);
@@ -152,6 +260,8 @@ void Card::paintEvent(QPaintEvent *event)
 void Card::resizeEvent(QResizeEvent *)
 {
     placeHeader();
+    placeTag();
+    placeNotice();
     layOut();
     update();
 }

@@ -42,6 +42,16 @@ protected:
 
     Card(const Heading &heading, const InfoText &info, QWidget *parent);
 
+    /// Another title with the same icon; does nothing if it is the same.
+    void setTitle(const QString &title);
+
+    /// Another explanation; does nothing if it is the same.
+    void setInfo(const InfoText &info);
+
+    /// What the card cannot show and why, as its tool tip and accessible description; one sentence
+    /// each.
+    void setNotes(const QStringList &notes);
+
     /// Adds a text; the reference stays valid as long as the card. An empty text is neither painted
     /// nor accessible.
     CardText &addText(const CardText &text);
@@ -58,6 +68,13 @@ protected:
     /// Repaints the places of a shape before and after a change, with a margin for the antialiasing
     /// at scales where a point is not a whole number of pixels.
     void updateShape(const QRectF &before, const QRectF &now);
+
+    /// A small count on a box behind the title, with its accessible name; without words it is gone.
+    void showTag(const QString &name, const QString &words);
+
+    /// An icon, a line and a hint, centred in the body as one block: for a card that has nothing to
+    /// show. Without a line it is gone.
+    void showNotice(const QString &symbol, const QString &line, const QString &hint);
 
     /// Right end of the baseline of a text at the right of the header line.
     QPointF headerStatEnd() const;
@@ -83,10 +100,18 @@ private:
     static constexpr TextLine headerLine{CardStyle::padding - 0.5, headerHeight};
 
     void placeHeader();
+    void placeTag();
+    QRectF tagRect() const;
+    void placeNotice();
+    QRectF noticeIcon() const;
 
     Heading m_heading;
     InfoButton *m_infoButton;
     std::deque<CardText> m_texts; ///< The title first. A deque, since its elements do not move.
+    CardText *m_tag = nullptr;    ///< Null until there is a tag.
+    QString m_noticeSymbol;
+    CardText *m_noticeLine = nullptr; ///< Null until there is a notice.
+    CardText *m_noticeHint = nullptr;
 };
 
 } // namespace corvane

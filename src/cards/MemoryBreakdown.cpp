@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory)
+std::array<BarSegment, 4> breakdownSegments(const MemorySnapshot &memory)
 {
     const double total = memory.total == 0 ? 1 : static_cast<double>(memory.total);
     const auto wired = static_cast<double>(memory.wired);
@@ -14,13 +14,13 @@ std::array<MemorySegment, 4> breakdownSegments(const MemorySnapshot &memory)
     // The app figure includes wired and compressed memory, which have segments of their own.
     const double apps = std::max(static_cast<double>(memory.appMemory) - wired - compressed, 0.0);
 
-    std::array<MemorySegment, 4> segments{
-        MemorySegment{wired / total, Theme::withOpacity(Theme::memory, 0.95)},
-        MemorySegment{apps / total, Theme::white(0.85)},
-        MemorySegment{compressed / total, Theme::withOpacity(Theme::cpu, 0.85)},
-        MemorySegment{static_cast<double>(memory.cached) / total, Theme::white(0.18)}};
+    std::array<BarSegment, 4> segments{
+        BarSegment{wired / total, Theme::withOpacity(Theme::memory, 0.95)},
+        BarSegment{apps / total, Theme::white(0.85)},
+        BarSegment{compressed / total, Theme::withOpacity(Theme::cpu, 0.85)},
+        BarSegment{static_cast<double>(memory.cached) / total, Theme::white(0.18)}};
     double sum = 0;
-    for (MemorySegment &segment : segments) {
+    for (BarSegment &segment : segments) {
         segment.fraction = std::min(std::max(segment.fraction, 0.0), std::max(1 - sum, 0.0));
         sum += segment.fraction;
     }

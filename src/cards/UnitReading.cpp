@@ -1,5 +1,7 @@
 #include "cards/UnitReading.h"
 
+#include "records/GPUTotals.h"
+#include "records/MachineParts.h"
 #include "records/SeriesReduction.h"
 #include "ui/NumberText.h"
 
@@ -16,15 +18,90 @@ double percentOfCeiling(double watts, double ceiling)
     return ceiling > 0 ? std::min(watts / ceiling * 100, 100.0) : 0;
 }
 
-/// "3.27 GHz" or "996 MHz", with `space` between number and unit.
-QString frequencyText(double megahertz, const QString &space)
+QString gigahertzText(double megahertz)
 {
-    if (megahertz >= 1000)
-        return fixedText(megahertz / 1000, 2) + space + u"GHz"_s;
-    return fixedText(megahertz, 0) + space + u"MHz"_s;
+    return fixedText(megahertz / 1000, 2) + u" GHz"_s;
+}
+
+/// Sets load and watts; absent ones are denied.
+void setLoadAndWatts(UnitReading &reading, const std::optional<double> &fraction,
+                     const std::optional<double> &watts)
+{
+    reading.loadPercent = fraction.value_or(0) * 100;
+    reading.loadIsDenied = !fraction;
+    reading.isGap = !fraction;
+    reading.watts = watts.value_or(0);
+    reading.wattsAreDenied = !watts;
+}
+
+UnitReading cpuReading(const std::optional<ChipReading> &chip, const MachineCoverage &machine)
+{
+    UnitReading reading{.frequencyIsNominal = machine.cpuFrequencyIsNominal};
+    reading.hasWatts = machine.cpuWatts == Coverage::known;
+    if (!chip) {
+        setLoadAndWatts(reading, {}, {});
+        return reading;
+    }
+    const bool wattsAreKnown = chip->coverage && chip->coverage->cpuWatts == Coverage::known;
+    setLoadAndWatts(reading, chip->cpuActiveFraction, unlessDenied(chip->cpuWatts, !wattsAreKnown));
+    reading.tempC = chip->cpuTempC ? chip->cpuTempC : chip->packageTempC;
+    if (chip->coverage && chip->coverage->cpuFrequency == Coverage::known)
+        reading.megahertz = chip->cpuActiveMHz;
+    return reading;
+}
+
+UnitReading gpuReading(const std::optional<ChipReading> &chip, const MachineCoverage &machine)
+{
+    const GPUTotals gpus = gpuTotals(chip, machine);
+    UnitReading reading{.tempC = gpus.tempC, .megahertz = gpus.megahertz};
+    setLoadAndWatts(reading, gpus.activeFraction, gpus.watts);
+    reading.hasWatts = std::ranges::any_of(
+        countedGPUs(machine), [](const GPUCoverage &gpu) { return gpu.watts == Coverage::known; });
+    const QString clock = gpuClockText(gpus.state, gpus.megahertz);
+    if (!clock.isEmpty())
+        reading.dominantState = clock;
+    reading.integratedStandsIn = gpus.integratedStandsIn;
+    return reading;
+}
+
+UnitReading npuReading(const std::optional<ChipReading> &chip, const MachineCoverage &machine)
+{
+    const NPUMetrics npu = (chip ? chip->npu : std::nullopt).value_or(NPUMetrics());
+    UnitReading reading{.megahertz = npu.megahertz};
+    setLoadAndWatts(reading, npu.activeFraction, npu.watts);
+    reading.hasWatts = machine.npuWatts == Coverage::known;
+    if (npu.megahertz)
+        reading.dominantState = gigahertzText(*npu.megahertz);
+    return reading;
 }
 
 } // namespace
+
+UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip,
+                        const MachineCoverage &machine)
+{
+    switch (unit) {
+    case ComputeUnit::cpu:
+        return cpuReading(chip, machine);
+    case ComputeUnit::gpu:
+        return gpuReading(chip, machine);
+    case ComputeUnit::ane:
+        break;
+    }
+    return npuReading(chip, machine);
+}
+
+QString gpuClockText(const std::optional<QString> &state, const std::optional<double> &megahertz)
+{
+    // Where a driver has no performance states, the clock in round numbers stands for one.
+    const bool isClock = state && state->endsWith(u" MHz"_s);
+    QStringList parts;
+    if (state && !state->isEmpty() && !(isClock && megahertz))
+        parts.append(*state);
+    if (megahertz)
+        parts.append(gigahertzText(*megahertz));
+    return parts.join(u" · "_s);
+}
 
 UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip,
                         const ChipInfo &info)
@@ -61,6 +138,9 @@ UnitReading newestUnitReading(ComputeUnit unit, const SystemMetrics &current,
                               const std::vector<SystemMetrics> &history, const ChipInfo &info)
 {
     constexpr int newest = 5;
+    const MachineCoverage &machine = coverageOf(current);
+    if (!machine.isWhole)
+        return unitReading(unit, current.chip, machine);
     UnitReading reading = unitReading(unit, current.chip, info);
     if (unit != ComputeUnit::gpu)
         return reading;
@@ -71,26 +151,35 @@ UnitReading newestUnitReading(ComputeUnit unit, const SystemMetrics &current,
 
 QString unitStatText(const UnitReading &reading)
 {
-    const QString watts = wattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2);
-    return reading.tempC && *reading.tempC > 0 ? watts + u" · "_s + celsiusText(*reading.tempC)
-                                               : watts;
+    QStringList parts;
+    if (reading.hasWatts)
+        parts.append(wattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2));
+    if (reading.tempC && *reading.tempC > 0)
+        parts.append(celsiusText(*reading.tempC));
+    return parts.join(u" · "_s);
 }
 
 std::optional<QString> unitSubtitle(const UnitReading &reading)
 {
     if (reading.ceilingWatts)
         return u"≈%1W max"_s.arg(static_cast<int>(*reading.ceilingWatts));
-    if (reading.megahertz && *reading.megahertz > 0)
-        return frequencyText(*reading.megahertz, u" "_s);
-    return reading.dominantState;
+    if (reading.integratedStandsIn) {
+        return reading.dominantState ? *reading.dominantState + u" · integrated"_s
+                                     : u"integrated"_s;
+    }
+    if (reading.dominantState || !reading.megahertz || *reading.megahertz <= 0)
+        return reading.dominantState;
+    const QString frequency = frequencyText(*reading.megahertz);
+    return reading.frequencyIsNominal ? frequency + u" nominal"_s : frequency;
 }
 
 QStringList unitPillTexts(const UnitReading &reading)
 {
-    QStringList texts{percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied)),
-                      tightWattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2)};
+    QStringList texts{percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied))};
+    if (reading.hasWatts)
+        texts.append(tightWattsText(unlessDenied(reading.watts, reading.wattsAreDenied), 2));
     if (reading.megahertz)
-        texts.append(frequencyText(*reading.megahertz, {}));
+        texts.append(frequencyText(*reading.megahertz).remove(u' '));
     return texts;
 }
 

@@ -1,10 +1,12 @@
 #include "cards/UtilizationCard.h"
 
+#include "cards/DeniedTexts.h"
 #include "cards/HistoryChart.h"
 #include "cards/InfoTexts.h"
 #include "charts/CoreBars.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
+#include "records/MachineParts.h"
 #include "ui/CardStyle.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
@@ -26,7 +28,7 @@ constexpr double figureShift = -1; ///< Aligns the ink, not the side bearing, wi
 constexpr TextLine subtitleLine{83.5, 14};
 constexpr double minFigureColumn = 96;
 constexpr double barsGap = 16;
-constexpr double absentOpacity = 0.65; ///< Distinguishes an absent reading from a true zero.
+constexpr TextLine stateLine{52, 28};
 
 /// What differs between the cards of the units.
 struct Look {
@@ -53,17 +55,22 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
       m_kind(kind),
       m_color(look(kind).heading.color),
       m_chip(chip),
+      m_note(addText(headerStat({}))),
       m_stat(addText(headerStat(u"Power and temperature"_s))),
       m_figure(addText({.name = u"Load"_s,
                         .font = Theme::systemFont(34, QFont::DemiBold),
                         .color = m_color,
                         .digits = Digits::proportional})),
+      m_state(addText({.name = u"Load"_s,
+                       .font = Theme::systemFont(22, QFont::DemiBold),
+                       .color = Theme::withOpacity(m_color, Theme::absentOpacity)})),
       m_subtitle(addText({.name = look(kind).subtitleName,
                           .font = Theme::systemFont(11),
                           .color = Theme::textSecondary})),
       m_coreBars(new CoreBars(this)),
       m_chart(new Sparkline(this))
 {
+    m_note.color = Theme::textTertiary;
     m_figure.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.8);
     m_coreBars->hide();
     m_coreBars->setAccessibleName(u"Load of the cores"_s);
@@ -73,25 +80,106 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
 
 void UtilizationCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
+    const MachineCoverage &machine = coverageOf(current);
     const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
-    setText(m_stat, unitStatText(reading));
-    setText(m_figure, percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied)),
-            current.chip ? m_color : Theme::withOpacity(m_color, absentOpacity));
-    setText(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
+    showMachine(machine);
+    showChart(current, history);
+    const Coverage coverage = loadCoverage(current, reading);
+    if (coverage == Coverage::known)
+        showReading(reading, current.chip && (machine.isWhole || !reading.loadIsDenied));
+    else
+        showDenied(coverage, machine);
+    if (m_kind == Kind::cpu && !machine.isWhole && machine.cpuWatts == Coverage::locked
+        && !hasWatts(machine))
+        showStat(u"watts locked"_s, unitStatText(reading));
     showCores(current);
-    showChart(history);
 }
 
-void UtilizationCard::showChart(const std::vector<SystemMetrics> &history)
+void UtilizationCard::showMachine(const MachineCoverage &machine)
 {
+    setInfo(infoText(look(m_kind).topic, machine));
+    if (machine.isWhole)
+        return;
+    if (m_kind == Kind::cpu)
+        setNotes(cpuNotes(machine));
+    if (m_kind == Kind::gpu)
+        setNotes(gpuNotes(machine));
+    if (m_kind != Kind::ane)
+        return;
+    setTitle(u"NPU"_s);
+    setNotes(npuNotes(machine));
+    m_subtitle.name = u"Clock"_s;
+    m_chart->setAccessibleName(u"NPU load over time"_s);
+}
+
+void UtilizationCard::showReading(const UnitReading &reading, bool isKnown)
+{
+    showNotice({}, {}, {});
+    m_chart->setVisible(true);
+    setText(m_state, {});
+    showStat({}, unitStatText(reading));
+    setText(m_figure, percentText(unlessDenied(reading.loadPercent, reading.loadIsDenied)),
+            isKnown ? m_color : Theme::withOpacity(m_color, Theme::absentOpacity));
+    setText(m_subtitle, singleLine(unitSubtitle(reading).value_or(QString())));
+}
+
+void UtilizationCard::showStat(const QString &note, const QString &stat)
+{
+    setText(m_stat, stat);
+    setText(m_note, note.isEmpty() || stat.isEmpty() ? note : note + u" · "_s);
+    moveText(m_note, {m_stat.baseline.x() - m_stat.width(), m_stat.baseline.y()});
+}
+
+Coverage UtilizationCard::loadCoverage(const SystemMetrics &current,
+                                       const UnitReading &reading) const
+{
+    const MachineCoverage &machine = coverageOf(current);
+    if (machine.isWhole || m_kind == Kind::cpu || reading.integratedStandsIn)
+        return Coverage::known;
+    if (m_kind == Kind::ane)
+        return machine.npuLoad == Coverage::absent ? Coverage::known : machine.npuLoad;
+    const std::vector<GPUCoverage> gpus = countedGPUs(machine);
+    return gpus.empty() ? Coverage::known : gpus.front().load;
+}
+
+void UtilizationCard::showDenied(Coverage coverage, const MachineCoverage &machine)
+{
+    setText(m_figure, {});
+    setText(m_subtitle, {});
+    const std::vector<GPUCoverage> gpus = countedGPUs(machine);
+    const bool isGPU = m_kind == Kind::gpu && !gpus.empty();
+    showStat({}, isGPU ? singleLine(gpus.front().name) : QString());
+    const DeniedNotice notice = gpuNotice(coverage);
+    // A card that has just fallen asleep keeps its chart.
+    const bool keepsChart = coverage == Coverage::asleep && hasChart();
+    m_chart->setVisible(keepsChart);
+    setText(m_state, keepsChart ? notice.line : QString());
+    if (keepsChart)
+        showNotice({}, {}, {});
+    else
+        showNotice(notice.symbol, notice.line, notice.hint);
+}
+
+bool UtilizationCard::hasChart() const
+{
+    return std::ranges::any_of(m_readings,
+                               [](const UnitReading &reading) { return !reading.isGap; });
+}
+
+void UtilizationCard::showChart(const SystemMetrics &current,
+                                const std::vector<SystemMetrics> &history)
+{
+    const MachineCoverage &machine = coverageOf(current);
     SparklineData chart = historyChart(history);
     SparklineSeries series{
         .lineColor = m_color, .lineWidth = 1, .fillColors = {Theme::withOpacity(m_color, 0.55)}};
     series.values.reserve(history.size());
     m_readings.clear();
     for (const SystemMetrics &sample : history) {
-        m_readings.push_back(unitReading(m_kind, sample.chip, m_chip));
-        series.values.push_back(m_readings.back().loadPercent);
+        m_readings.push_back(machine.isWhole ? unitReading(m_kind, sample.chip, m_chip)
+                                             : unitReading(m_kind, sample.chip, machine));
+        const UnitReading &reading = m_readings.back();
+        series.values.push_back(unlessDenied(reading.loadPercent, reading.isGap));
     }
     chart.series.push_back(std::move(series));
     chart.yDomain = {0, 100};
@@ -122,6 +210,8 @@ void UtilizationCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
     m_stat.maxWidth = headerStatWidth();
+    m_note.baseline = {m_stat.baseline.x() - m_stat.width(), m_stat.baseline.y()};
+    m_state.baseline = {contentLeft(), stateLine.baseline(m_state.font)};
     m_figure.baseline = {contentLeft() + figureShift, figureLine.baseline(m_figure.font)};
     m_subtitle.baseline = {contentLeft(), subtitleLine.baseline(m_subtitle.font)};
     const double widest = textWidth(u"100%"_s, m_figure.font, m_figure.digits);

@@ -10,7 +10,7 @@ class CoreBars;
 class Sparkline;
 
 /// The card of one compute unit: its current load, its load over time and, for the CPU, a bar for
-/// every core.
+/// every core. The GPU's is for one GPU, or for all together on a whole chip of Apple.
 class UtilizationCard : public Card {
     Q_OBJECT
 
@@ -31,16 +31,26 @@ protected:
     void layOut() override;
 
 private:
-    void showChart(const std::vector<SystemMetrics> &history);
+    void showMachine(const MachineCoverage &machine);
+    void showReading(const UnitReading &reading, bool isKnown);
+    void showStat(const QString &note, const QString &stat);
+    void showChart(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
     void showCores(const SystemMetrics &current);
     void fitCoreBars();
+    bool hasChart() const; ///< Something was known in the time that is shown.
+
+    /// What the unit does not tell, and why; `Coverage::known` on a whole chip.
+    Coverage loadCoverage(const SystemMetrics &current, const UnitReading &reading) const;
+    void showDenied(Coverage coverage, const MachineCoverage &machine);
     PillContent pill(std::size_t index) const;
 
     Kind m_kind;
     QColor m_color;
     ChipInfo m_chip;
+    CardText &m_note;
     CardText &m_stat;
     CardText &m_figure;
+    CardText &m_state;
     CardText &m_subtitle;
     CoreBars *m_coreBars;
     Sparkline *m_chart;

@@ -313,10 +313,9 @@ void Sparkline::prepare()
     m_timeLabels =
         m_data.showsTimeLabels ? timeLabels(m_data.xDomain, locale()) : std::array<QString, 3>{};
     m_layers.clear();
-    std::vector<SeriesShape> shapes = seriesShapes(m_data, size());
-    for (std::size_t i = 0; i < shapes.size(); ++i) {
-        const SparklineSeries &series = m_data.series[i];
-        m_layers.push_back({std::move(shapes[i]), fillBrush(series.fillColors, height()),
+    for (SeriesShape &shape : seriesShapes(m_data, size())) {
+        const SparklineSeries &series = m_data.series[shape.series];
+        m_layers.push_back({std::move(shape), fillBrush(series.fillColors, height()),
                             linePen(series.lineColor, series.lineWidth)});
     }
 }
@@ -362,9 +361,10 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
     const double free = width() - 2 * inset - widths[0] - widths[1] - widths[2];
     const std::array<double, 3> lefts = {inset, inset + widths[0] + free / 2,
                                          width() - inset - widths[2]};
+    constexpr std::array<double, 3> neededWidths{0, 160, 72}; // Of the chart, for each label.
     for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
-        if (m_timeLabels[i].isEmpty() || (i == 1 && free < 4 * tagMargin))
-            continue; // The middle label is left out if it would touch the others.
+        if (m_timeLabels[i].isEmpty() || width() < neededWidths[i])
+            continue; // It would touch the others.
         fillRounded(painter,
                     QRectF(lefts[i] - tagMargin, tag.top, widths[i] + 2 * tagMargin, tag.height), 3,
                     Theme::timeLabelTag);

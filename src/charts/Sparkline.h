@@ -67,7 +67,7 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    /// One series ready to paint, made after the data or the size changed.
+    /// One run of a series ready to paint, made after the data or the size changed.
     struct Layer {
         SeriesShape shape;
         QBrush fill;

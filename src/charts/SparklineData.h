@@ -2,6 +2,7 @@
 
 #include <QColor>
 
+#include <optional>
 #include <vector>
 
 namespace corvane {
@@ -21,7 +22,8 @@ enum class Stacking { overlay, stacked };
 
 /// One line of a chart. A value belongs to the timestamp of the same index.
 struct SparklineSeries {
-    std::vector<double> values = {}; ///< In the unit of `yDomain`.
+    /// In the unit of `yDomain`; absent where nothing was known: line and fill have a gap there.
+    std::vector<std::optional<double>> values = {};
     QColor lineColor = {};
     double lineWidth = 1;                ///< Points.
     std::vector<QColor> fillColors = {}; ///< From the top edge of the chart to its bottom.

@@ -13,22 +13,29 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-InfoButton::InfoButton(const InfoText &info, QWidget *parent)
-    : QAbstractButton(parent),
-      m_info(info)
+InfoButton::InfoButton(const InfoText &info, QWidget *parent) : QAbstractButton(parent)
 {
     assertMainThread();
     setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
     setFixedSize(side, side);
-    setToolTip(info.title.toHtmlEscaped());
-    setAccessibleName(info.title);
-    setAccessibleDescription(plainText(info.text));
+    setInfo(info);
     connect(this, &QAbstractButton::clicked, this, &InfoButton::toggle);
 }
 
 InfoButton::~InfoButton()
 {
     close();
+}
+
+void InfoButton::setInfo(const InfoText &info)
+{
+    if (info == m_info)
+        return;
+    close();
+    m_info = info;
+    setToolTip(info.title.toHtmlEscaped());
+    setAccessibleName(info.title);
+    setAccessibleDescription(plainText(info.text));
 }
 
 InfoPopover *InfoButton::popover() const

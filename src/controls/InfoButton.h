@@ -12,6 +12,8 @@ class InfoPopover;
 struct InfoText {
     QString title = {};
     QString text = {}; ///< Inline Markdown: bold, italics, code.
+
+    friend bool operator==(const InfoText &, const InfoText &) = default;
 };
 
 /// The small "info.circle" in the header of a card; a click opens or closes a popover that explains
@@ -33,6 +35,9 @@ public:
     ~InfoButton() override;
 
     const InfoText &info() const { return m_info; }
+
+    /// Another explanation; an open popover closes. Does nothing if it is the same.
+    void setInfo(const InfoText &info);
 
     /// Null while the popover is closed.
     InfoPopover *popover() const;

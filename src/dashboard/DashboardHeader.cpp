@@ -2,7 +2,6 @@
 
 #include "controls/Logo.h"
 #include "controls/WindowBackground.h"
-#include "ui/NumberText.h"
 #include "ui/Theme.h"
 
 #include <QPaintEvent>
@@ -60,43 +59,63 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
              .font = Theme::systemFont(11),
              .color = Theme::textSecondary,
              .digits = Digits::proportional},
-      m_stats{QuickStat{statLabel(u"MEM"_s), statValue(u"Memory"_s, Theme::memory), 34},
-              QuickStat{statLabel(u"CPU"_s), statValue(u"CPU"_s, Theme::cpu), 34},
-              QuickStat{statLabel(u"GPU"_s), statValue(u"GPU"_s, Theme::gpu), 34},
-              QuickStat{statLabel(u"PWR"_s), statValue(u"Power"_s, Theme::power), 46}}
+      m_note(m_chip)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Corvane"_s);
     m_name.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.1);
     m_name.baseline = {logoSide + gap, nameLine.baseline(m_name.font)};
     m_chip.baseline = {logoSide + gap, chipLine.baseline(m_chip.font)};
+    m_note.name = u"Note"_s;
+    m_note.text.clear();
+    m_note.color = Theme::textTertiary;
 }
 
 void DashboardHeader::show(const SystemMetrics &current)
 {
-    const ChipReading chip = current.chip.value_or(ChipReading{});
-    const std::array<QString, 4> values{
-        percentText(usedPercent(current.memory)),
-        percentText(unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad)),
-        percentText(unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad)),
-        tightWattsText(shownTotalWatts(current.chip), 1)};
+    setNote(machineNote(current));
+    setNumbers(quickNumbers(current));
+}
+
+void DashboardHeader::setNumbers(const std::vector<QuickNumber> &numbers)
+{
+    if (!std::ranges::equal(numbers, m_stats, {}, &QuickNumber::label,
+                            [](const QuickStat &stat) { return stat.label.text; })) {
+        m_stats.clear();
+        for (const QuickNumber &number : numbers)
+            m_stats.push_back(
+                {statLabel(number.label), statValue(number.name, number.color), number.minWidth});
+        layOut();
+    }
+    const int firstIndex = m_note.text.isEmpty() ? 2 : 3;
     for (std::size_t i = 0; i < m_stats.size(); ++i) {
         QuickStat &stat = m_stats[i];
-        if (stat.value.text == values[i])
+        if (stat.value.text == numbers[i].value && stat.value.color == numbers[i].color)
             continue;
         const double previousWidth = stat.width();
         update(stat.value.bounds().toAlignedRect());
-        stat.value.text = values[i];
+        stat.value.text = numbers[i].value;
+        stat.value.color = numbers[i].color;
         update(stat.value.bounds().toAlignedRect());
-        announceText(static_cast<int>(i) + 2);
+        announceText(static_cast<int>(i) + firstIndex);
         if (stat.width() != previousWidth)
             layOut();
     }
 }
 
+void DashboardHeader::setNote(const QString &note)
+{
+    if (note == m_note.text)
+        return;
+    m_note.text = note;
+    layOut();
+}
+
 std::vector<CardText> DashboardHeader::texts() const
 {
     std::vector<CardText> texts{m_name, m_chip};
+    if (!m_note.text.isEmpty())
+        texts.push_back(m_note);
     for (const QuickStat &stat : m_stats)
         texts.insert(texts.end(), {stat.label, stat.value});
     return texts;
@@ -105,6 +124,8 @@ std::vector<CardText> DashboardHeader::texts() const
 std::vector<AccessibleText> DashboardHeader::accessibleTexts() const
 {
     std::vector<AccessibleText> texts{m_name.accessible(), m_chip.accessible()};
+    if (!m_note.text.isEmpty())
+        texts.push_back(m_note.accessible());
     for (const QuickStat &stat : m_stats)
         texts.push_back(stat.value.accessible());
     return texts;
@@ -125,6 +146,8 @@ void DashboardHeader::layOut()
         right -= stat.width() + statGap;
     }
     m_chip.maxWidth = std::max(right - m_chip.baseline.x(), 1.0);
+    m_note.baseline = {m_chip.baseline.x() + m_chip.width(), m_chip.baseline.y()};
+    m_note.maxWidth = std::max(right - m_note.baseline.x(), 1.0);
     update();
 }
 

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "cards/CardText.h"
-#include "records/SystemMetrics.h"
+#include "dashboard/QuickNumbers.h"
 
-#include <array>
+#include <vector>
 
 namespace corvane {
 
-/// The dashboard's first line: logo, name and chip, and four quick numbers at the right.
+/// The dashboard's first line: logo, name and chip, and quick numbers at the right, one for each
+/// quantity that the machine has.
 class DashboardHeader : public AccessibleWidget {
     Q_OBJECT
 
@@ -17,7 +18,8 @@ public:
     using QWidget::show;
     void show(const SystemMetrics &current);
 
-    /// All texts that are painted: name, chip, and the label and value of each quick number.
+    /// All texts that are painted: name, chip, a note on the machine, and the label and value of
+    /// each quick number.
     std::vector<CardText> texts() const;
 
     std::vector<AccessibleText> accessibleTexts() const override;
@@ -36,11 +38,14 @@ private:
         double width() const;
     };
 
+    void setNumbers(const std::vector<QuickNumber> &numbers);
+    void setNote(const QString &note);
     void layOut();
 
     CardText m_name;
     CardText m_chip;
-    std::array<QuickStat, 4> m_stats;
+    CardText m_note;
+    std::vector<QuickStat> m_stats;
 };
 
 } // namespace corvane

@@ -1,11 +1,17 @@
 #include "dashboard/DashboardLayout.h"
 
+#include "records/MachineParts.h"
+
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace corvane {
 
 namespace {
+
+using enum DashboardCard;
+using Cell = DashboardRow::Cell;
 
 constexpr int padding = 16;
 constexpr int gap = 14;
@@ -13,30 +19,129 @@ constexpr int headerHeight = 34;
 constexpr std::array minimumHeights{236, 176, 240};
 constexpr std::array naturalHeights{258, 222, 300};
 
-/// One of `count` even shares of a row, its edges rounded.
-QRect share(const QRect &row, int index, int count)
+/// Equal shares of a row for all cards.
+DashboardRow evenly(std::initializer_list<DashboardCard> cards)
 {
-    const double width = static_cast<double>(row.width() - gap * (count - 1)) / count;
-    const double left = row.left() + index * (width + gap);
+    DashboardRow row;
+    for (const DashboardCard card : cards)
+        row.cells.push_back({card});
+    return row;
+}
+
+DashboardRow lists()
+{
+    return evenly({workloads, processes});
+}
+
+DashboardGrid gridWithGPUMemory(const MachineCoverage &machine)
+{
+    const bool watts = hasWatts(machine);
+    const bool npuToo = hasNPU(machine);
+    const DashboardRow memories = evenly({memory, gpuMemory});
+    if (countedGPUs(machine).size() == 1) {
+        DashboardRow units = evenly({cpu, gpu});
+        if (npuToo)
+            units.cells.push_back({npu});
+        if (watts)
+            units.cells.push_back({smallPower});
+        return {memories, units, lists()};
+    }
+    if (npuToo && watts) // Four quarters are too narrow for the columns of several GPUs.
+        return {evenly({memory, gpuMemory, smallPower}), {{{cpu}, {npu}, {gpus, 2}}}, lists()};
+    if (npuToo)
+        return {memories, {{{cpu}, {npu}, {gpus, 2}}}, lists()};
+    if (watts)
+        return {memories, {{{cpu}, {smallPower}, {gpus, 2}}}, lists()};
+    return {memories, evenly({cpu, gpus}), lists()};
+}
+
+DashboardGrid gridWithGPU(const MachineCoverage &machine)
+{
+    const bool npuToo = hasNPU(machine);
+    const DashboardCard load = countedGPUs(machine).size() == 1 ? gpu : gpus;
+    if (hasWatts(machine)) {
+        return {evenly({memory, power}), npuToo ? evenly({cpu, load, npu}) : evenly({cpu, load}),
+                lists()};
+    }
+    if (npuToo)
+        return {evenly({memory, cpu}), evenly({load, npu}), lists()};
+    if (load == gpus)
+        return {evenly({memory, cpu, gpus}), lists()};
+    return {{{{memory, 2}, {cpu}, {gpu}}}, lists()};
+}
+
+DashboardGrid gridWithoutGPU(const MachineCoverage &machine)
+{
+    const bool npuToo = hasNPU(machine);
+    if (hasWatts(machine) && npuToo)
+        return {evenly({memory, power}), evenly({cpu, npu}), lists()};
+    if (hasWatts(machine))
+        return {{{{memory, 2}, {cpu}, {smallPower}}}, lists()};
+    if (npuToo)
+        return {{{{memory, 2}, {cpu}, {npu}}}, lists()};
+    return {evenly({memory, cpu}), lists()};
+}
+
+/// The place of a card that starts at a column of a row, its edges rounded.
+QRect placeOf(const QRect &row, int column, int span, int columns)
+{
+    const double width = static_cast<double>(row.width() - gap * (columns - 1)) / columns;
+    const double left = row.left() + column * (width + gap);
+    const double right = left + span * (width + gap) - gap;
     const int first = qRound(left);
-    return {first, row.top(), qRound(left + width) - first, row.height()};
+    return {first, row.top(), qRound(right) - first, row.height()};
+}
+
+std::vector<int> twoRowHeights(int windowHeight)
+{
+    const int both = std::max(windowHeight, DashboardLayout::minimum.height()) - 2 * padding
+        - headerHeight - 2 * gap;
+    constexpr int first = naturalHeights[0];
+    constexpr int last = naturalHeights[2];
+    const int firstHeight = first + 2 * (both - first - last) / 3;
+    return {firstHeight, both - firstHeight};
 }
 
 } // namespace
 
-std::array<int, 3> dashboardRowHeights(int windowHeight)
+int DashboardRow::columns() const
 {
-    std::array<int, 3> heights = naturalHeights;
-    const int rows = windowHeight - 2 * padding - headerHeight - 3 * gap;
+    return std::accumulate(cells.begin(), cells.end(), 0,
+                           [](int sum, const Cell &cell) { return sum + cell.columns; });
+}
+
+DashboardGrid dashboardGrid(const MachineCoverage &machine)
+{
+    if (machine.isWhole)
+        return {evenly({memory, power}), evenly({cpu, gpu, npu}), lists()};
+    if (!gpusWithMemory(machine).empty())
+        return gridWithGPUMemory(machine);
+    if (!machine.gpus.empty())
+        return gridWithGPU(machine);
+    return gridWithoutGPU(machine);
+}
+
+QRect DashboardLayout::card(DashboardCard which) const
+{
+    const auto found = std::ranges::find(cards, which, &Place::card);
+    return found == cards.end() ? QRect() : found->rect;
+}
+
+std::vector<int> dashboardRowHeights(int windowHeight, std::size_t rows)
+{
+    if (rows == 2)
+        return twoRowHeights(windowHeight);
+    std::vector<int> heights(naturalHeights.begin(), naturalHeights.end());
+    const int available = windowHeight - 2 * padding - headerHeight - 3 * gap;
     const int natural = std::accumulate(heights.begin(), heights.end(), 0);
-    if (rows >= natural) {
-        const int third = (rows - natural) / 3;
+    if (available >= natural) {
+        const int third = (available - natural) / 3;
         heights[0] += third;
         heights[1] += third;
-        heights[2] += rows - natural - 2 * third;
+        heights[2] += available - natural - 2 * third;
         return heights;
     }
-    int missing = natural - rows;
+    int missing = natural - available;
     for (const std::size_t row : {1U, 0U, 2U}) {
         const int given = std::min(missing, heights[row] - minimumHeights[row]);
         heights[row] -= given;
@@ -45,19 +150,19 @@ std::array<int, 3> dashboardRowHeights(int windowHeight)
     return heights;
 }
 
-DashboardLayout dashboardLayout(const QSize &window)
+DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid)
 {
     const int width = window.width() - 2 * padding;
-    const std::array<int, 3> heights = dashboardRowHeights(window.height());
-    const std::array<int, 3> cardsInRow{2, 3, 2};
+    const std::vector<int> heights = dashboardRowHeights(window.height(), grid.size());
 
     DashboardLayout layout{.header = {padding, padding, width, headerHeight}};
     int top = padding + headerHeight + gap;
-    std::size_t next = 0;
-    for (std::size_t row = 0; row < heights.size(); ++row) {
-        for (int index = 0; index < cardsInRow[row]; ++index) {
-            layout.cards[next++] =
-                share({padding, top, width, heights[row]}, index, cardsInRow[row]);
+    for (std::size_t row = 0; row < grid.size(); ++row) {
+        int column = 0;
+        for (const auto &[card, span] : grid[row].cells) {
+            const QRect line(padding, top, width, heights[row]);
+            layout.cards.push_back({card, placeOf(line, column, span, grid[row].columns())});
+            column += span;
         }
         top += heights[row] + gap;
     }

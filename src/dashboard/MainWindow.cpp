@@ -1,14 +1,17 @@
 #include "dashboard/MainWindow.h"
 
-#include "cards/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
-#include "cards/PowerCard.h"
-#include "cards/ProcessCard.h"
 #include "cards/UtilizationCard.h"
 #include "controls/ContextMenu.h"
 #include "controls/WindowBackground.h"
 #include "dashboard/DashboardHeader.h"
-#include "dashboard/DashboardLayout.h"
+#include "devices/GPUCard.h"
+#include "devices/GPUMemoryCard.h"
+#include "devices/PowerCard.h"
+#include "devices/SmallPowerCard.h"
+#include "lists/AIWorkloadsCard.h"
+#include "lists/ProcessCard.h"
+#include "records/MachineParts.h"
 #include "records/SeriesReduction.h"
 #include "threads/MainThread.h"
 #include "ui/Theme.h"
@@ -37,16 +40,10 @@ constexpr QSize defaultSize{1280, 900};
 
 } // namespace
 
-MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
+MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip, const MachineCoverage &machine)
     : QWidget(parent),
-      m_header(new DashboardHeader(chip.name, this)),
-      m_memory(new MemoryCard(this)),
-      m_power(new PowerCard(this)),
-      m_utilization{new UtilizationCard(ComputeUnit::cpu, this, chip),
-                    new UtilizationCard(ComputeUnit::gpu, this, chip),
-                    new UtilizationCard(ComputeUnit::ane, this, chip)},
-      m_workloads(new AIWorkloadsCard(this)),
-      m_processes(new ProcessCard(this))
+      m_chip(chip),
+      m_header(new DashboardHeader(chip.name, this))
 {
     assertMainThread();
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -54,6 +51,7 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
     setFocusPolicy(Qt::StrongFocus);
     setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
+    setGrid(dashboardGrid(machine));
     resize(defaultSize.boundedTo(screen()->availableSize()));
     closeOnControlW(*this);
     new WindowAccessor(
@@ -67,8 +65,9 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip)
 void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
     m_totalMemory = current.memory.total;
+    setGrid(dashboardGrid(coverageOf(current)));
     if (!takesContents()) {
-        m_power->recomputeYMax(history); // The scale covers spikes while the window is hidden too.
+        recomputeScales(history); // The scale covers spikes while the window is hidden too.
         return;
     }
     // A history that is short enough is not copied.
@@ -76,23 +75,150 @@ void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetr
     if (std::ssize(history) > maxChartPoints)
         reduced = chartDownsampled(history, maxChartPoints);
     const std::vector<SystemMetrics> &shown = reduced.empty() ? history : reduced;
+    showMachine(coverageOf(current));
     m_header->show(current);
-    m_memory->show(current, shown);
-    m_power->show(current, shown);
-    for (UtilizationCard *card : m_utilization)
-        card->show(current, shown);
+    for (const DashboardRow &row : m_grid) {
+        for (const DashboardRow::Cell &cell : row.cells)
+            showCard(cell.card, current, shown);
+    }
+}
+
+void MainWindow::showCard(DashboardCard which, const SystemMetrics &current,
+                          const std::vector<SystemMetrics> &history)
+{
+    const auto show = [&]<typename CardType>(CardType *shown) { shown->show(current, history); };
+    switch (which) {
+    case DashboardCard::memory:
+        return show(static_cast<MemoryCard *>(card(which)));
+    case DashboardCard::gpuMemory:
+        return show(static_cast<GPUMemoryCard *>(card(which)));
+    case DashboardCard::power:
+        return show(static_cast<PowerCard *>(card(which)));
+    case DashboardCard::smallPower:
+        return show(static_cast<SmallPowerCard *>(card(which)));
+    case DashboardCard::cpu:
+    case DashboardCard::gpu:
+    case DashboardCard::npu:
+        return show(static_cast<UtilizationCard *>(card(which)));
+    case DashboardCard::gpus:
+        return show(static_cast<GPUCard *>(card(which)));
+    case DashboardCard::workloads:
+    case DashboardCard::processes:
+        return; // These have data of their own.
+    }
+}
+
+/// What the lists need to know of the machine.
+void MainWindow::showMachine(const MachineCoverage &machine)
+{
+    const std::vector<GPUCoverage> gpus =
+        machine.isWhole ? std::vector<GPUCoverage>() : gpusWithMemory(machine);
+    std::uint64_t total = 0;
+    for (const GPUCoverage &gpu : gpus)
+        total += gpu.memoryTotal.value_or(0);
+    const bool isVRAM = !gpus.empty() && hasVRAM(machine);
+    static_cast<AIWorkloadsCard *>(card(DashboardCard::workloads))
+        ->setGPUMemory(gpus.empty() ? QString()
+                           : isVRAM ? u"VRAM"_s
+                                    : u"GPU memory"_s,
+                       total);
+    static_cast<ProcessCard *>(card(DashboardCard::processes))
+        ->setGPUMemoryLabel(isVRAM ? u"VRAM"_s : QString());
+}
+
+void MainWindow::recomputeScales(const std::vector<SystemMetrics> &history)
+{
+    if (const auto found = m_cards.find(DashboardCard::power); found != m_cards.end())
+        static_cast<PowerCard *>(found->second)->recomputeYMax(history);
+    if (const auto found = m_cards.find(DashboardCard::smallPower); found != m_cards.end())
+        static_cast<SmallPowerCard *>(found->second)->recomputeYMax(history);
 }
 
 void MainWindow::showProcesses(const std::vector<ProcessRow> &processes)
 {
     if (takesContents())
-        m_processes->show(processes, m_totalMemory);
+        static_cast<ProcessCard *>(card(DashboardCard::processes))->show(processes, m_totalMemory);
 }
 
-void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads)
+void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads,
+                               const std::vector<GPUHolders> &holders)
 {
-    if (takesContents())
-        m_workloads->show(workloads);
+    if (!takesContents())
+        return;
+    static_cast<AIWorkloadsCard *>(card(DashboardCard::workloads))->show(workloads);
+    m_holders = holders;
+    if (const auto found = m_cards.find(DashboardCard::gpuMemory); found != m_cards.end())
+        static_cast<GPUMemoryCard *>(found->second)->setHolders(holders);
+}
+
+void MainWindow::setGrid(DashboardGrid grid)
+{
+    if (grid == m_grid)
+        return;
+    m_grid = std::move(grid);
+    std::vector<Card *> shown;
+    for (const DashboardRow &row : m_grid) {
+        for (const DashboardRow::Cell &cell : row.cells)
+            shown.push_back(card(cell.card));
+    }
+    for (const auto &[which, each] : m_cards)
+        each->setVisible(std::ranges::find(shown, each) != shown.end());
+    setTabOrderOfCards();
+    arrange();
+}
+
+/// In reading order: each card's info button, then its charts or list.
+void MainWindow::setTabOrderOfCards()
+{
+    QWidget *last = m_header;
+    for (const DashboardRow &row : m_grid) {
+        for (const DashboardRow::Cell &cell : row.cells) {
+            for (QWidget *part : card(cell.card)->findChildren<QWidget *>()) {
+                if (part->focusPolicy() == Qt::NoFocus)
+                    continue;
+                setTabOrder(last, part);
+                last = part;
+            }
+        }
+    }
+}
+
+Card *MainWindow::card(DashboardCard which)
+{
+    const auto [place, isNew] = m_cards.try_emplace(which, nullptr);
+    if (isNew)
+        place->second = madeCard(which);
+    return place->second;
+}
+
+Card *MainWindow::madeCard(DashboardCard which)
+{
+    switch (which) {
+    case DashboardCard::memory:
+        return new MemoryCard(this);
+    case DashboardCard::gpuMemory: {
+        auto *made = new GPUMemoryCard(this);
+        made->setHolders(m_holders);
+        return made;
+    }
+    case DashboardCard::power:
+        return new PowerCard(this);
+    case DashboardCard::smallPower:
+        return new SmallPowerCard(this);
+    case DashboardCard::cpu:
+        return new UtilizationCard(ComputeUnit::cpu, this, m_chip);
+    case DashboardCard::gpu:
+        return new UtilizationCard(ComputeUnit::gpu, this, m_chip);
+    case DashboardCard::gpus:
+        return new GPUCard(this);
+    case DashboardCard::npu:
+        return new UtilizationCard(ComputeUnit::ane, this, m_chip);
+    case DashboardCard::workloads:
+        return new AIWorkloadsCard(this);
+    case DashboardCard::processes:
+        break;
+    }
+    return new ProcessCard(this);
 }
 
 bool MainWindow::canBeSeen() const
@@ -158,13 +284,10 @@ void MainWindow::arrange()
     const int bottom = height() - m_noticeHeight;
     if (m_notice)
         m_notice->setGeometry(0, bottom, width(), m_noticeHeight);
-    const DashboardLayout layout = dashboardLayout({width(), bottom});
-    const std::array<QWidget *, 7> cards{m_memory,         m_power,          m_utilization[0],
-                                         m_utilization[1], m_utilization[2], m_workloads,
-                                         m_processes};
+    const DashboardLayout layout = dashboardLayout({width(), bottom}, m_grid);
     m_header->setGeometry(layout.header);
-    for (std::size_t i = 0; i < cards.size(); ++i)
-        cards[i]->setGeometry(layout.cards[i]);
+    for (const DashboardLayout::Place &place : layout.cards)
+        card(place.card)->setGeometry(place.rect);
 }
 
 void MainWindow::showEvent(QShowEvent *event)

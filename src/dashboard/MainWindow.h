@@ -1,25 +1,26 @@
 #pragma once
 
 #include "chip/ChipIdentity.h"
+#include "dashboard/DashboardLayout.h"
 #include "processes/AIWorkload.h"
 #include "processes/ProcessRow.h"
+#include "records/GPUHolders.h"
 #include "records/SystemMetrics.h"
 
 #include <QWidget>
 
-#include <array>
+#include <map>
 #include <vector>
 
 namespace corvane {
 
 class AIWorkloadsCard;
+class Card;
 class DashboardHeader;
-class MemoryCard;
-class PowerCard;
 class ProcessCard;
-class UtilizationCard;
 
-/// The dashboard window: a header above seven cards. Its actions are in its context menu. The
+/// The dashboard window: a header above the cards that the machine has, which change when the
+/// machine does. Its actions are in its context menu. The
 /// application creates it when it is opened and destroys it when it is closed. While it is hidden
 /// or minimised it ignores what it is given to show, and requests the newest when it is visible
 /// again. Main thread.
@@ -27,7 +28,9 @@ class MainWindow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit MainWindow(QWidget *parent = nullptr, const ChipInfo &chip = ChipInfo::current());
+    /// `machine` decides which cards there are until the first sample is shown.
+    explicit MainWindow(QWidget *parent = nullptr, const ChipInfo &chip = ChipInfo::current(),
+                        const MachineCoverage &machine = {});
 
     using QWidget::show;
 
@@ -36,7 +39,8 @@ public:
 
     /// Largest first.
     void showProcesses(const std::vector<ProcessRow> &processes);
-    void showWorkloads(const std::vector<AIWorkload> &workloads);
+    void showWorkloads(const std::vector<AIWorkload> &workloads,
+                       const std::vector<GPUHolders> &holders = {});
 
     /// Shows a bar of a fixed height below the cards until it is deleted, in a window that is
     /// higher by as much. Takes ownership.
@@ -65,12 +69,20 @@ private:
     bool takesContents();
     void requestContents();
 
+    void setGrid(DashboardGrid grid);
+    void setTabOrderOfCards();
+    Card *card(DashboardCard which);
+    Card *madeCard(DashboardCard which);
+    void showCard(DashboardCard which, const SystemMetrics &current,
+                  const std::vector<SystemMetrics> &history);
+    void recomputeScales(const std::vector<SystemMetrics> &history);
+    void showMachine(const MachineCoverage &machine);
+
+    ChipInfo m_chip;
     DashboardHeader *m_header;
-    MemoryCard *m_memory;
-    PowerCard *m_power;
-    std::array<UtilizationCard *, 3> m_utilization;
-    AIWorkloadsCard *m_workloads;
-    ProcessCard *m_processes;
+    DashboardGrid m_grid;
+    std::map<DashboardCard, Card *> m_cards; ///< All that were needed so far.
+    std::vector<GPUHolders> m_holders;
     QWidget *m_notice = nullptr; ///< Below the cards; null without one.
     int m_noticeHeight = 0;
     std::uint64_t m_totalMemory = 0;

@@ -18,6 +18,12 @@ public:
     /// trailing zeros; ties are rounded to even. The unit is chosen before rounding.
     QString string(quint64 bytes) const;
 
+    /// The same always in gigabytes, as a part beside a whole is shown: "0.29 GB".
+    QString gigabytes(quint64 bytes) const;
+
+    /// The same without the unit: "0.29".
+    QString gigabyteNumber(quint64 bytes) const;
+
 private:
     QLocale m_locale;
 };

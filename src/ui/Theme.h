@@ -96,6 +96,9 @@ inline constexpr QColor comfyUI = srgb(0.50F, 0.60F, 1.0F);
 inline constexpr QColor sdWebUI = srgb(1.0F, 0.85F, 0.40F);
 inline constexpr QColor transformers = srgb(0.95F, 0.55F, 0.85F);
 
+/// Opacity of what stands for an absent value, to distinguish it from a true zero.
+inline constexpr double absentOpacity = 0.65;
+
 /// Opacity of a disabled control's content.
 inline constexpr double disabledOpacity = 0.4;
 

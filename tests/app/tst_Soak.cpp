@@ -1,15 +1,16 @@
 #include "app/AboutPanel.h"
 #include "app/Commands.h"
 #include "app/SoakMachine.h"
-#include "cards/PowerCard.h"
 #include "charts/Sparkline.h"
 #include "chip/ChipSource_linux.h"
 #include "dashboard/MainWindow.h"
+#include "devices/PowerCard.h"
 #include "figures/MetricsFile.h"
 #include "login/LaunchAtLoginManager.h"
 #include "memory/MemoryFiles_linux.h"
 #include "panel/MenuBarContent.h"
 #include "processes/ProcessSource_linux.h"
+#include "processes/Surveyor.h"
 #include "sampler/SystemSampler.h"
 #include "settings/SettingsWindow.h"
 #include "support/FakeTray.h"
@@ -120,20 +121,21 @@ bool isPlausible(const SparklineData &chart, double most)
 {
     return std::ranges::all_of(chart.series, [&](const SparklineSeries &series) {
         return series.values.size() == chart.timestamps.size()
-            && std::ranges::all_of(series.values,
-                                   [most](double value) { return isWithin(value, 0, most); });
+            && std::ranges::all_of(series.values, [most](const std::optional<double> &value) {
+                   return !value || isWithin(*value, 0, most);
+               });
     });
 }
 
 bool isPlausible(const MainWindow &window)
 {
     constexpr double mostWatts = SoakMachine::mostCPUWatts + SoakMachine::mostGPUWatts;
-    const Sparkline *power = window.findChild<PowerCard *>()->chart();
-    // The scale only grows: a single spike would remain visible.
-    return power->shown().yDomain.upper <= powerScale(mostWatts)
-        && std::ranges::all_of(window.findChildren<Sparkline *>(), [&](const Sparkline *chart) {
-               return isPlausible(chart->shown(), chart == power ? mostWatts : 100);
-           });
+    // The scale of power only grows: a single spike would remain visible.
+    return std::ranges::all_of(window.findChildren<Sparkline *>(), [&](const Sparkline *chart) {
+        const bool isPower = chart->shown().stacking == Stacking::stacked;
+        return (!isPower || chart->shown().yDomain.upper <= powerScale(mostWatts))
+            && isPlausible(chart->shown(), isPower ? mostWatts : 100);
+    });
 }
 
 /// Whether there is a gap between two samples, from a sleep or a clock that was set forward.
@@ -144,8 +146,8 @@ bool hasGap(const std::vector<double> &timestamps)
         != timestamps.end();
 }
 
-/// Whether each line has exactly one point for each sample, from left to right, and so is straight
-/// across a gap.
+/// Whether each line has exactly one point for each sample with a value, from left to right, and so
+/// is straight across a gap in time.
 bool isDrawnThroughItsSamples(const Sparkline &chart)
 {
     const SparklineData &data = chart.shown();
@@ -153,11 +155,18 @@ bool isDrawnThroughItsSamples(const Sparkline &chart)
         return one.x() < other.x();
     };
     const auto shapes = seriesShapes(data, chart.size());
-    return shapes.size() == data.series.size()
-        && std::ranges::all_of(shapes, [&](const SeriesShape &shape) {
-               return shape.line.size() == std::ssize(data.timestamps)
-                   && std::ranges::is_sorted(shape.line, leftOf);
-           });
+    std::vector<std::ptrdiff_t> points(data.series.size());
+    for (const SeriesShape &shape : shapes) {
+        if (!std::ranges::is_sorted(shape.line, leftOf))
+            return false;
+        points[shape.series] += shape.line.size();
+    }
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const auto isKnown = [](const std::optional<double> &value) { return value.has_value(); };
+        if (points[i] < std::ranges::count_if(data.series[i].values, isKnown))
+            return false;
+    }
+    return true;
 }
 
 /// Null while it is closed.

@@ -7,10 +7,10 @@ using namespace corvane;
 
 namespace {
 
-double sum(const std::array<MemorySegment, 4> &segments)
+double sum(const std::array<BarSegment, 4> &segments)
 {
     double total = 0;
-    for (const MemorySegment &segment : segments)
+    for (const BarSegment &segment : segments)
         total += segment.fraction;
     return total;
 }
@@ -59,7 +59,7 @@ void TestMemoryBreakdown::dividesTheTotal()
 {
     QFETCH(MemorySnapshot, memory);
     QFETCH(QList<double>, expected);
-    const std::array<MemorySegment, 4> segments = breakdownSegments(memory);
+    const std::array<BarSegment, 4> segments = breakdownSegments(memory);
     for (std::size_t i = 0; i < segments.size(); ++i)
         QVERIFY(qAbs(segments[i].fraction - expected[static_cast<qsizetype>(i)]) < 1e-12);
     QCOMPARE(segments[0].color, Theme::withOpacity(Theme::memory, 0.95));

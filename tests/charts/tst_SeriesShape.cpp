@@ -10,7 +10,7 @@ namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-SparklineSeries series(std::vector<double> values)
+SparklineSeries series(std::vector<std::optional<double>> values)
 {
     return {.values = std::move(values)};
 }
@@ -39,6 +39,8 @@ private slots:
     void clampsTheSumAndNotItsParts();
     void valuesAreMeasuredFromTheBottomOfTheDomain();
     void seriesMayBeShorterOrLonger();
+    void anAbsentValueEndsAShape();
+    void anAbsentValueCountsAsZeroInAStack();
     void oneSampleHasNoArea();
     void gapsAreStraight();
     void leavesOutSamplesWithoutAPlace();
@@ -96,8 +98,34 @@ void TestSeriesShape::seriesMayBeShorterOrLonger()
         chart({series({1, 1}), series({2, 2, 2, 2, 2}), series({})}, Stacking::stacked), size);
     QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 90}, {100, 90}}));
     QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 80}}));
-    QVERIFY(shapes[2].line.isEmpty());
-    QVERIFY(shapes[2].fill.isEmpty());
+    QCOMPARE(shapes.size(), std::size_t(2)); // A series without values has no shape.
+}
+
+void TestSeriesShape::anAbsentValueEndsAShape()
+{
+    const std::vector<SeriesShape> shapes =
+        seriesShapes(chart({series({2, std::nullopt, 8})}), size);
+    QCOMPARE(shapes.size(), std::size_t(2));
+    QCOMPARE(shapes[0].line, QPolygonF({{-0.5, 80}, {0.5, 80}})); // Alone: a dot.
+    QCOMPARE(shapes[1].line, QPolygonF({{199.5, 20}, {200.5, 20}}));
+    QCOMPARE(shapes[1].fill,
+             QPolygonF({{199.5, 100}, {199.5, 20}, {200.5, 20}, {200.5, 100}, {199.5, 100}}));
+
+    const std::vector<SeriesShape> two =
+        seriesShapes(chart({series({2, 4, std::nullopt}), series({std::nullopt, 1, 1})}), size);
+    QCOMPARE(two[0].line, QPolygonF({{0, 80}, {100, 60}}));
+    QCOMPARE(two[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
+    QCOMPARE(two[1].series, std::size_t(1));
+    QCOMPARE(two[1].line, QPolygonF({{100, 90}, {200, 90}}));
+    QVERIFY(seriesShapes(chart({series({std::nullopt, std::nullopt})}), size).empty());
+}
+
+void TestSeriesShape::anAbsentValueCountsAsZeroInAStack()
+{
+    const std::vector<SeriesShape> shapes = seriesShapes(
+        chart({series({2, std::nullopt, 2}), series({1, 1, 1})}, Stacking::stacked), size);
+    QCOMPARE(shapes.back().series, std::size_t(1));
+    QCOMPARE(shapes.back().line, QPolygonF({{0, 70}, {100, 90}, {200, 70}}));
 }
 
 void TestSeriesShape::oneSampleHasNoArea()

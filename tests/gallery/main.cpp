@@ -5,19 +5,21 @@
 // Without a scale it runs itself at 1 and at 2, since Qt reads the scale when a program starts.
 
 #include "app/AboutPanel.h"
-#include "cards/AIWorkloadsCard.h"
 #include "cards/InfoTexts.h"
 #include "cards/MemoryCard.h"
-#include "cards/PowerCard.h"
-#include "cards/ProcessCard.h"
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
 #include "controls/InfoButton.h"
 #include "controls/InfoPopover.h"
 #include "dashboard/MainWindow.h"
+#include "devices/PowerCard.h"
+#include "devices/SmallPowerCard.h"
 #include "figures/MetricsFile.h"
+#include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
 #include "gallery/ShownMachines.h"
+#include "lists/AIWorkloadsCard.h"
+#include "lists/ProcessCard.h"
 #include "login/LaunchAtLoginManager.h"
 #include "panel/MenuBarContent.h"
 #include "sampler/SystemSampler.h"
@@ -120,6 +122,59 @@ bool dashboards(const Gallery &gallery)
     empty.QWidget::show();
     empty.show(historyWithoutChip().back(), historyWithoutChip());
     return gallery.save(empty, u"dashboard-empty"_s) && good;
+}
+
+std::unique_ptr<MainWindow> dashboard(const ScriptedMachine &machine, const QSize &size)
+{
+    auto window =
+        std::make_unique<MainWindow>(nullptr, ChipInfo{.name = machine.chip}, machine.coverage());
+    window->resize(size);
+    window->QWidget::show();
+    window->showWorkloads(machine.workloads, machine.holders);
+    window->show(machine.current(), machine.history);
+    window->showProcesses(machine.processes);
+    return window;
+}
+
+bool linuxDashboards(const Gallery &gallery)
+{
+    bool good = true;
+    for (const ScriptedMachine &machine : allScriptedMachines()) {
+        good &= gallery.save(*dashboard(machine, {1280, 900}), machine.name);
+        good &= gallery.save(*dashboard(machine, {920, 760}), machine.name + u"-min"_s);
+    }
+    return good;
+}
+
+bool unreadableGPU(const Gallery &gallery)
+{
+    Backdrop window({1280, 258});
+    int left = 16;
+    for (const Coverage coverage : {Coverage::asleep, Coverage::newDriver, Coverage::noLibrary}) {
+        ScriptedMachine machine = oneCardMinute().with([coverage](MachineCoverage &tells) {
+            tells.gpus[0].load = coverage;
+            if (coverage == Coverage::asleep)
+                tells.gpus[0].name = u"NVIDIA GeForce RTX 3060"_s;
+        });
+        for (SystemMetrics &sample : machine.history)
+            sample.chip->gpus.clear();
+        auto *card = new UtilizationCard(ComputeUnit::gpu, &window, chip);
+        card->setGeometry(left, 16, 407, 226);
+        card->show(machine.current(), machine.history);
+        left += 407 + 14;
+    }
+    return gallery.save(window, u"linux-gpu-unreadable"_s);
+}
+
+bool lockedPopover(const Gallery &gallery)
+{
+    Backdrop window({438, 392});
+    SmallPowerCard card(&window);
+    card.setGeometry(16, 16, 406, 226);
+    card.show(oneCardMinute().current(), oneCardMinute().history);
+    window.show();
+    card.findChild<InfoButton *>()->click();
+    return gallery.save(window, u"linux-popover-locked"_s);
 }
 
 bool memoryPressure(const Gallery &gallery)
@@ -340,6 +395,9 @@ int renderAll(const QDir &folder, const QString &scale)
     good &= about(gallery);
     good &= panels(gallery);
     good &= labels(gallery);
+    good &= linuxDashboards(gallery);
+    good &= unreadableGPU(gallery);
+    good &= lockedPopover(gallery);
     return good ? 0 : 1;
 }
 

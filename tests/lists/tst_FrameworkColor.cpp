@@ -1,4 +1,4 @@
-#include "cards/FrameworkColor.h"
+#include "lists/FrameworkColor.h"
 #include "ui/Icon.h"
 #include "ui/Theme.h"
 

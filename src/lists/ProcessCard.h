@@ -20,6 +20,10 @@ public:
     /// Largest first. `totalMemory` is the machine's, in bytes, for the shares.
     void show(const std::vector<ProcessRow> &processes, std::uint64_t totalMemory);
 
+    /// The column of GPU memory, where any process tells its own; an empty label is for a machine
+    /// without graphics cards.
+    void setGPUMemoryLabel(const QString &label);
+
     RowList *list() const { return m_list; }
 
 protected:
@@ -31,7 +35,8 @@ private:
         QString name = {};
         QString bytes = {};
         QString share = {};
-        double fraction = 0; ///< Relative to the largest process, 0…1.
+        QString gpuBytes = {}; ///< Empty: not told.
+        double fraction = 0;   ///< Relative to the largest process, 0…1.
 
         friend bool operator==(const Row &, const Row &) = default;
     };
@@ -40,6 +45,9 @@ private:
 
     CardText &m_empty;
     RowList *m_list;
+    QString m_gpuLabel;
+    bool m_hasGPUColumn =
+        false; ///< Stays while the machine has cards, so that the bars keep still.
     std::vector<Row> m_rows;
 };
 

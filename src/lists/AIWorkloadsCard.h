@@ -20,23 +20,28 @@ public:
     /// Largest first.
     void show(const std::vector<AIWorkload> &workloads);
 
+    /// A column of GPU memory beside that of RAM, where the workloads tell it. `label` names it,
+    /// `total` is that of all GPUs in bytes; an empty label is for a machine without.
+    void setGPUMemory(const QString &label, std::uint64_t total);
+
     RowList *list() const { return m_list; }
 
 protected:
     void layOut() override;
-    void paintShapes(QPainter &painter, const QRect &dirty) override;
 
 private:
     void showEmptyState(bool empty);
     AccessibleText accessibleRow(int index) const;
+    bool hasGPUColumn() const;
     void paintRow(QPainter &painter, int index, const QRectF &place) const;
-    QRectF tagRect() const;
-    QRectF emptyIconRect() const;
 
-    CardText &m_count;
-    CardText &m_emptyLine;
-    CardText &m_emptyHint;
+    /// Paints what stands at the right of a row; returns where the texts at the left have to end.
+    double paintMemory(QPainter &painter, const AIWorkload &workload, const QRectF &place) const;
+    double paintColumns(QPainter &painter, const AIWorkload &workload, const QRectF &place) const;
+
     RowList *m_list;
+    QString m_gpuLabel;
+    std::uint64_t m_gpuTotal = 0;
     std::vector<AIWorkload> m_workloads; ///< Names and models as `singleLine` returns them.
 };
 

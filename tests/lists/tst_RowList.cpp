@@ -1,4 +1,4 @@
-#include "cards/RowList.h"
+#include "lists/RowList.h"
 #include "support/Rendering.h"
 #include "ui/Theme.h"
 

@@ -1,5 +1,5 @@
-#include "cards/ProcessCard.h"
-#include "cards/RowList.h"
+#include "lists/ProcessCard.h"
+#include "lists/RowList.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
 #include "support/ShownCard.h"

@@ -1,4 +1,4 @@
-#include "cards/PowerCard.h"
+#include "devices/PowerCard.h"
 #include "charts/Sparkline.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"

@@ -1,7 +1,8 @@
-#include "cards/ProcessCard.h"
+#include "lists/ProcessCard.h"
 
 #include "cards/InfoTexts.h"
-#include "cards/RowList.h"
+#include "lists/RowList.h"
+#include "lists/ShareBar.h"
 #include "ui/ByteFormatter.h"
 #include "ui/CardStyle.h"
 #include "ui/NumberText.h"
@@ -11,6 +12,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -24,8 +26,8 @@ constexpr double columnGap = 10;
 constexpr double nameWidth = 130;
 constexpr double bytesWidth = 60;
 constexpr double shareWidth = 38;
+constexpr double gpuWidth = 84;
 constexpr double barHeight = 6;
-constexpr double minFill = 2;
 
 } // namespace
 
@@ -50,7 +52,9 @@ ProcessCard::ProcessCard(QWidget *parent)
            .accessibleRow =
                [this](int row) {
                    const Row &shown = m_rows[static_cast<std::size_t>(row)];
-                   return AccessibleText{shown.name, shown.bytes + u", "_s + shown.share};
+                   const QString gpu =
+                       shown.gpuBytes.isEmpty() ? QString() : u", "_s + shown.gpuBytes;
+                   return AccessibleText{shown.name, shown.bytes + u", "_s + shown.share + gpu};
                }},
           this))
 {
@@ -63,10 +67,17 @@ void ProcessCard::show(const std::vector<ProcessRow> &processes, std::uint64_t t
     std::vector<Row> rows;
     rows.reserve(processes.size());
     for (const ProcessRow &process : processes) {
+        const QString gpuBytes = process.gpuMemory && !m_gpuLabel.isEmpty()
+            ? ByteFormatter::f().string(*process.gpuMemory) + u' ' + m_gpuLabel
+            : QString();
         rows.push_back({singleLine(process.name), ByteFormatter::f().string(process.memory),
                         fixedText(footprintFraction(process.memory, totalMemory) * 100, 1) + u'%',
-                        std::min(footprintFraction(process.memory, largest), 1.0)});
+                        gpuBytes, std::min(footprintFraction(process.memory, largest), 1.0)});
     }
+    const bool hasGPUColumn = m_hasGPUColumn
+        || std::ranges::any_of(rows, [](const Row &row) { return !row.gpuBytes.isEmpty(); });
+    if (std::exchange(m_hasGPUColumn, hasGPUColumn) != hasGPUColumn)
+        m_list->update();
     setText(m_empty, rows.empty() ? u"No process data yet"_s : QString());
 
     const std::vector<Row> previous = std::exchange(m_rows, std::move(rows));
@@ -76,6 +87,15 @@ void ProcessCard::show(const std::vector<ProcessRow> &processes, std::uint64_t t
         if (previous[i] != m_rows[i])
             m_list->updateRow(static_cast<int>(i));
     }
+}
+
+void ProcessCard::setGPUMemoryLabel(const QString &label)
+{
+    if (label == m_gpuLabel)
+        return;
+    m_gpuLabel = label;
+    m_hasGPUColumn = m_hasGPUColumn && !label.isEmpty();
+    m_list->update();
 }
 
 void ProcessCard::layOut()
@@ -100,24 +120,22 @@ void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) co
     const double shareEnd = place.right();
     const double bytesEnd = shareEnd - shareWidth - columnGap;
     const double barLeft = place.left() + nameWidth + columnGap;
-    const double barEnd = bytesEnd - bytesWidth - columnGap;
+    const double gpuEnd = bytesEnd - bytesWidth - columnGap;
+    const double barEnd = m_hasGPUColumn ? gpuEnd - gpuWidth - columnGap : gpuEnd;
     const QRectF bar(barLeft, place.center().y() - barHeight / 2, barEnd - barLeft, barHeight);
     fillRounded(painter, bar, barHeight / 2, Theme::track);
 
-    QRectF fill = bar;
-    fill.setWidth(std::max(bar.width() * row.fraction, minFill));
-    QLinearGradient gradient(fill.topLeft(), fill.topRight());
-    gradient.setColorAt(0, Theme::withOpacity(Theme::memory, 0.85));
-    gradient.setColorAt(1, Theme::withOpacity(Theme::memory, 0.45));
-    painter.setBrush(gradient);
-    const double radius = std::min(barHeight, fill.width()) / 2;
-    painter.drawRoundedRect(fill, radius, barHeight / 2);
+    fillShareBar(painter, bar, row.fraction, Theme::memory);
 
     painter.setPen(Theme::textSecondary);
     const QFont font = Theme::systemFont(10);
     drawTextRight(painter, {bytesEnd, base}, row.bytes, font);
     painter.setPen(Theme::textTertiary);
     drawTextRight(painter, {shareEnd, base}, row.share, font);
+    if (m_hasGPUColumn) {
+        painter.setPen(Theme::gpu);
+        drawTextRight(painter, {gpuEnd, base}, row.gpuBytes, font);
+    }
 }
 
 } // namespace corvane

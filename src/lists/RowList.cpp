@@ -1,4 +1,4 @@
-#include "cards/RowList.h"
+#include "lists/RowList.h"
 
 #include "controls/ContextMenu.h"
 #include "ui/FocusRing.h"

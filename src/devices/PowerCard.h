@@ -1,0 +1,41 @@
+#pragma once
+
+#include "cards/Card.h"
+#include "devices/PowerChart.h"
+
+namespace corvane {
+
+/// The wide card of power: a legend and a stacked chart of the parts that exist.
+class PowerCard : public Card {
+    Q_OBJECT
+
+public:
+    explicit PowerCard(QWidget *parent = nullptr);
+
+    using QWidget::show;
+
+    /// History oldest first.
+    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+
+    /// Raises the scale as `show` does and changes nothing else.
+    void recomputeYMax(const std::vector<SystemMetrics> &history);
+
+    double stableYMax() const { return m_power.stableYMax(); }
+    Sparkline *chart() const { return m_power.chart(); }
+
+protected:
+    void layOut() override;
+    void paintShapes(QPainter &painter, const QRect &dirty) override;
+
+private:
+    void showLegend(const MachineCoverage &machine);
+    void placeLegend();
+
+    PowerChart m_power;
+    CardText &m_stat;
+    CardText &m_system;
+    std::vector<CardText *> m_legend; ///< As many as there were parts at the most.
+    std::vector<PowerPart> m_parts;
+};
+
+} // namespace corvane

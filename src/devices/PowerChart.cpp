@@ -1,0 +1,144 @@
+#include "devices/PowerChart.h"
+
+#include "cards/HistoryChart.h"
+#include "charts/HoverTime.h"
+#include "charts/Sparkline.h"
+#include "ui/NumberText.h"
+#include "ui/Theme.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+using Values = std::vector<std::vector<PowerValue>>;
+
+Values valuesOf(const std::vector<SystemMetrics> &history, const std::vector<PowerPart> &parts,
+                const MachineCoverage &machine)
+{
+    Values values;
+    values.reserve(history.size());
+    for (const SystemMetrics &sample : history)
+        values.push_back(powerValues(parts, sample.chip, machine));
+    return values;
+}
+
+/// Mean total of the known samples among those from `first` to `last`.
+std::optional<double> meanTotal(const Values &values, std::size_t first, std::size_t last)
+{
+    std::vector<double> sums(values[first].size());
+    int samples = 0;
+    for (std::size_t near = first; near <= last; ++near) {
+        bool isKnown = false;
+        for (std::size_t part = 0; part < sums.size(); ++part) {
+            isKnown |= values[near][part].watts.has_value();
+            sums[part] += values[near][part].watts.value_or(0);
+        }
+        samples += isKnown ? 1 : 0;
+    }
+    if (samples == 0)
+        return std::nullopt;
+    double total = 0;
+    for (const double sum : sums)
+        total += sum / samples;
+    return total;
+}
+
+std::optional<double> peakOf(const Values &values)
+{
+    std::optional<double> peak;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::size_t first = i > 0 ? i - 1 : 0;
+        const std::size_t last = std::min(i + 1, values.size() - 1);
+        if (const std::optional<double> total = meanTotal(values, first, last))
+            peak = std::max(peak.value_or(0), *total);
+    }
+    return peak;
+}
+
+bool isAlwaysDenied(const Values &values)
+{
+    return !values.empty()
+        && std::ranges::all_of(values, [](const std::vector<PowerValue> &sample) {
+               return std::ranges::any_of(sample, &PowerValue::isDenied);
+           });
+}
+
+const MachineCoverage &newestCoverage(const std::vector<SystemMetrics> &history)
+{
+    return coverageOf(history.empty() ? SystemMetrics::placeholder() : history.back());
+}
+
+} // namespace
+
+double peakTotal(const std::vector<SystemMetrics> &history)
+{
+    const MachineCoverage &machine = newestCoverage(history);
+    return peakOf(valuesOf(history, powerParts(machine), machine)).value_or(0);
+}
+
+double powerScale(double peak)
+{
+    const double room = peak * 1.18;
+    if (room < 5)
+        return 5;
+    if (room < 10)
+        return 10;
+    const double step = room < 25 ? 5 : room < 100 ? 10 : 25;
+    return std::ceil(room / step) * step;
+}
+
+PowerChart::PowerChart(QWidget *card) : m_chart(new Sparkline(card))
+{
+    m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
+}
+
+void PowerChart::show(const std::vector<SystemMetrics> &history, const MachineCoverage &machine)
+{
+    m_parts = powerParts(machine);
+    m_values = valuesOf(history, m_parts, machine);
+    m_peak = peakOf(m_values);
+    m_stableYMax = std::max(m_stableYMax, powerScale(m_peak.value_or(0)));
+    if (isAlwaysDenied(m_values))
+        m_peak.reset();
+    else if (machine.isWhole)
+        m_peak = m_peak.value_or(0); // A whole chip has no history yet.
+
+    SparklineData chart = historyChart(history);
+    for (std::size_t part = 0; part < m_parts.size(); ++part) {
+        SparklineSeries series{
+            .lineColor = m_parts[part].color, .lineWidth = 1, .fillColors = {m_parts[part].fill}};
+        series.values.reserve(m_values.size());
+        for (const std::vector<PowerValue> &sample : m_values)
+            series.values.push_back(sample[part].watts);
+        chart.series.push_back(std::move(series));
+    }
+    chart.yDomain = {0, m_stableYMax};
+    chart.stacking = Stacking::stacked;
+    chart.showsGrid = false;
+    m_chart->show(std::move(chart));
+}
+
+void PowerChart::recomputeYMax(const std::vector<SystemMetrics> &history)
+{
+    m_stableYMax = std::max(m_stableYMax, powerScale(peakTotal(history)));
+}
+
+PillContent PowerChart::pill(std::size_t index) const
+{
+    const std::vector<PowerValue> &values = m_values[index];
+    PillContent content{HoverTime::string(m_chart->shown().timestamps[index]),
+                        {totalRow(wattsText(totalWatts(values), 2), Theme::power)}};
+    for (std::size_t part = 0; part < m_parts.size(); ++part) {
+        const std::optional<double> watts = values[part].shown();
+        content.rows.push_back(componentRow(
+            m_parts[part].label, watts ? fixedText(*watts, 2) : u"–"_s, m_parts[part].color));
+    }
+    return content;
+}
+
+} // namespace corvane

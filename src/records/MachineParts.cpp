@@ -1,0 +1,62 @@
+#include "records/MachineParts.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace corvane {
+
+namespace {
+
+/// Whether the device tells the quantity, or will once it is awake or its driver is in order.
+bool canTell(Coverage coverage)
+{
+    return isDenied(coverage) ? coverage != Coverage::locked && coverage != Coverage::unpublished
+                              : coverage == Coverage::known;
+}
+
+bool hasMemory(const GPUCoverage &gpu)
+{
+    return canTell(gpu.memory) || (gpu.memoryTotal && isDenied(gpu.memory));
+}
+
+} // namespace
+
+std::vector<GPUCoverage> countedGPUs(const MachineCoverage &machine)
+{
+    std::vector<GPUCoverage> cards;
+    std::ranges::copy_if(machine.gpus, std::back_inserter(cards),
+                         [](const GPUCoverage &gpu) { return !gpu.integrated; });
+    return cards.empty() ? machine.gpus : cards;
+}
+
+std::vector<GPUCoverage> gpusWithMemory(const MachineCoverage &machine)
+{
+    std::vector<GPUCoverage> gpus = countedGPUs(machine);
+    std::erase_if(gpus, [](const GPUCoverage &gpu) { return !hasMemory(gpu); });
+    return gpus;
+}
+
+bool hasVRAM(const MachineCoverage &machine)
+{
+    const std::vector<GPUCoverage> gpus = gpusWithMemory(machine);
+    return !gpus.empty() && !gpus.front().integrated;
+}
+
+bool hasWatts(const MachineCoverage &machine)
+{
+    return canTell(machine.cpuWatts) || canTell(machine.packageWatts) || canTell(machine.npuWatts)
+        || std::ranges::any_of(machine.gpus,
+                               [](const GPUCoverage &gpu) { return canTell(gpu.watts); });
+}
+
+bool hasNPU(const MachineCoverage &machine)
+{
+    return machine.npuLoad != Coverage::absent;
+}
+
+bool tellsCPUAndMemoryAlone(const MachineCoverage &machine)
+{
+    return machine.gpus.empty() && !hasWatts(machine) && machine.cpuTemperature != Coverage::known;
+}
+
+} // namespace corvane

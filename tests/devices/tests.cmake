@@ -1,0 +1,1 @@
+corvane_test(devices/tst_PowerCard LINK corvane_scripted_samples)

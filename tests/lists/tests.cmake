@@ -1,0 +1,4 @@
+corvane_test(lists/tst_FrameworkColor)
+corvane_test(lists/tst_RowList)
+corvane_test(lists/tst_ProcessCard LINK corvane_scripted_samples)
+corvane_test(lists/tst_AIWorkloadsCard LINK corvane_scripted_samples)
