@@ -27,6 +27,7 @@ if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
     target_sources(corvane_recorded_mac PRIVATE ${PROJECT_SOURCE_DIR}/src/${source}_mac.mm)
   endforeach()
   target_sources(corvane_recorded_mac PRIVATE ${PROJECT_SOURCE_DIR}/src/app/AboutTexts.cpp
+                                              ${PROJECT_SOURCE_DIR}/src/windows/PanelWindow_mac.cpp
                                               ${PROJECT_SOURCE_DIR}/src/platform/HostSystem_mac.cpp)
   target_include_directories(corvane_recorded_mac BEFORE PRIVATE simulated_mac/include simulated_mac/libc
                              PUBLIC ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
@@ -35,7 +36,7 @@ if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
                          -fconstant-string-class=NSConstantString -Wno-incomplete-implementation -Wno-objc-property-implementation -Wno-deprecated-objc-isa-usage
                          -U__weak -D__weak=)
   target_link_libraries(corvane_recorded_mac PUBLIC objc ${CORVANE_BLOCKS_RUNTIME} Qt6::Widgets)
-  foreach(test AboutPanel Activity ApplicationService LoginItem PanelStyle StandardCommands StatusItem
+  foreach(test AboutPanel Activity ApplicationService LoginItem PanelStyle PanelWindow StandardCommands StatusItem
                SystemStyle SystemSymbol SystemUpdater WindowPlatform)
     corvane_test(simulated_mac/tst_${test}_mac LINK corvane_recorded_mac)
   endforeach()
