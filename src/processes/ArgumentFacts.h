@@ -1,10 +1,10 @@
 #pragma once
 
+#include "processes/ProcessIdentity.h"
 #include "processes/SecondRules.h"
 
 #include <QString>
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -30,17 +30,6 @@ struct ArgumentFacts {
 
     friend bool operator==(const ArgumentFacts &, const ArgumentFacts &) = default;
 };
-
-/// One process for its whole life. Numbers alone are given anew.
-struct ProcessIdentity {
-    std::int32_t pid = 0;
-    std::uint64_t startTime = 0; ///< In the system's unit; 0 where numbers alone must do.
-
-    friend bool operator==(const ProcessIdentity &, const ProcessIdentity &) = default;
-};
-
-/// Who has this number now; absent when nobody does any more.
-using IdentityReader = std::function<std::optional<ProcessIdentity>(std::int32_t pid)>;
 
 /// Reads the facts of a process. Absent when they could not be asked for this time.
 using FactsReader = std::function<std::optional<ArgumentFacts>(const ProcessIdentity &)>;

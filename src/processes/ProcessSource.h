@@ -1,8 +1,8 @@
 #pragma once
 
 #include "processes/ArgumentBlock.h"
-#include "processes/ArgumentFacts.h"
 #include "processes/FootprintRanking.h"
+#include "processes/ProcessIdentity.h"
 
 namespace corvane {
 
