@@ -1,5 +1,7 @@
 #include "figures/MetricsText.h"
 
+#include <QLocale>
+
 #include <cmath>
 #include <initializer_list>
 #include <map>
