@@ -66,7 +66,7 @@ void printLine(std::FILE *file, const QString &text)
 int printFigures(FiguresForm form)
 {
     AppSettings settings;
-    const SystemSampler sampler(settings, {}, keepsNoHistory);
+    SystemSampler sampler(settings, {}, keepsNoHistory);
     const FiguresOutput output(sampler, form, ChipInfo::current().name, STDOUT_FILENO);
     QObject::connect(&output, &FiguresOutput::finished, qApp, &QCoreApplication::quit,
                      Qt::QueuedConnection);
@@ -151,6 +151,8 @@ void CorvaneApp::openMainWindow()
         // A Mac's menu bar takes no click when the program becomes regular after its window is
         // shown.
         systemWindowPlatform().setActivationPolicy(ActivationPolicy::regular);
+        // The survey runs while the window is built.
+        m_processInterest = m_state.sampler.lookAtProcesses();
         m_mainWindow =
             new MainWindow(nullptr, ChipInfo::current(), coverageOf(m_state.sampler.current()));
         deleteOnClose(*m_mainWindow);
@@ -266,7 +268,7 @@ void CorvaneApp::connectPanel()
 
 void CorvaneApp::connectMainWindow()
 {
-    const SystemSampler &sampler = m_state.sampler;
+    SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
     window->addActions(m_commands.besidesOpenWindow());
     const auto showSamples = [&sampler, window] {
@@ -279,7 +281,11 @@ void CorvaneApp::connectMainWindow()
     connect(&sampler, &SystemSampler::historyChanged, window, showSamples);
     connect(&sampler, &SystemSampler::processesChanged, window, showProcesses);
     connect(&sampler, &SystemSampler::aiWorkloadsChanged, window, showWorkloads);
-    connect(window, &MainWindow::contentsNeeded, window, [=] {
+    connect(window, &MainWindow::noLongerSeen, this, [this] { m_processInterest.reset(); });
+    connect(window, &MainWindow::contentsNeeded, window, [=, this, &sampler] {
+        if (!m_processInterest)
+            m_processInterest = sampler.lookAtProcesses();
+        sampler.awaitSurvey();
         showWorkloads(); // First, since the samples' cards show what these hold of the GPUs.
         showSamples();
         showProcesses();

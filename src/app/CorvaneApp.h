@@ -53,6 +53,7 @@ private:
     TrayLabel m_label{m_commands.inMenuOrder()};
     MenuBarContent m_panel;
     std::unique_ptr<QMenuBar> m_menuBar; ///< A Mac's; null elsewhere.
+    ProcessInterest m_processInterest;   ///< Held while the dashboard can be seen.
     QPointer<MainWindow> m_mainWindow;   ///< Deletes itself when it is closed.
     QPointer<NoticeBar> m_trayAdvice;    ///< In the dashboard; null while there is none.
     QPointer<SettingsWindow> m_settings; ///< Deletes itself when it is closed.

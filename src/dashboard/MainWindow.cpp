@@ -25,6 +25,9 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QWindow>
+
+#include <utility>
 
 #include <algorithm>
 #include <utility>
@@ -223,7 +226,7 @@ Card *MainWindow::madeCard(DashboardCard which)
 
 bool MainWindow::canBeSeen() const
 {
-    return isVisible() && !isMinimized();
+    return isVisible() && !isMinimized() && !m_isCovered;
 }
 
 bool MainWindow::takesContents()
@@ -232,12 +235,15 @@ bool MainWindow::takesContents()
     return canBeSeen();
 }
 
-void MainWindow::requestContents()
+void MainWindow::followVisibility()
 {
-    if (!m_isOutdated || !canBeSeen())
-        return;
-    m_isOutdated = false;
-    emit contentsNeeded();
+    const bool wasSeen = std::exchange(m_wasSeen, canBeSeen());
+    if (wasSeen && !m_wasSeen) {
+        m_isOutdated = true;
+        emit noLongerSeen();
+    }
+    if (m_wasSeen && std::exchange(m_isOutdated, false))
+        emit contentsNeeded();
 }
 
 void MainWindow::paintEvent(QPaintEvent *event)
@@ -293,14 +299,32 @@ void MainWindow::arrange()
 void MainWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    requestContents();
+    windowHandle()->installEventFilter(this);
+    m_isCovered = false; // The window system has not told yet.
+    followVisibility();
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    followVisibility();
+}
+
+/// The contents are renewed before a window that was covered is painted.
+bool MainWindow::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == windowHandle() && event->type() == QEvent::Expose) {
+        m_isCovered = isVisible() && !windowHandle()->isExposed();
+        followVisibility();
+    }
+    return QWidget::eventFilter(object, event);
 }
 
 void MainWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::WindowStateChange)
-        requestContents();
+        followVisibility();
 }
 
 void MainWindow::contextMenuEvent(QContextMenuEvent *event)

@@ -20,10 +20,9 @@ class DashboardHeader;
 class ProcessCard;
 
 /// The dashboard window: a header above the cards that the machine has, which change when the
-/// machine does. Its actions are in its context menu. The
-/// application creates it when it is opened and destroys it when it is closed. While it is hidden
-/// or minimised it ignores what it is given to show, and requests the newest when it is visible
-/// again. Main thread.
+/// machine does. Its actions are in its context menu. The application creates it when it is opened
+/// and destroys it when it is closed. While it is hidden, minimised or covered it ignores what it is
+/// given to show, and requests the newest when it is visible again. Main thread.
 class MainWindow : public QWidget {
     Q_OBJECT
 
@@ -52,11 +51,16 @@ signals:
     /// above.
     void contentsNeeded();
 
+    /// Emitted when the window is hidden, minimised, or covered as far as the window system tells.
+    void noLongerSeen();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void childEvent(QChildEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
@@ -67,7 +71,7 @@ private:
 
     /// Whether new contents are to be shown; if not, the window is outdated from now on.
     bool takesContents();
-    void requestContents();
+    void followVisibility();
 
     void setGrid(DashboardGrid grid);
     void setTabOrderOfCards();
@@ -86,7 +90,9 @@ private:
     QWidget *m_notice = nullptr; ///< Below the cards; null without one.
     int m_noticeHeight = 0;
     std::uint64_t m_totalMemory = 0;
-    bool m_isOutdated = true; ///< Nothing was shown yet, or something was ignored.
+    bool m_isOutdated = true; ///< Nothing was shown yet, or the window was not seen since.
+    bool m_isCovered = false; ///< The window system has told so.
+    bool m_wasSeen = false;
 };
 
 } // namespace corvane

@@ -6,11 +6,12 @@
 
 namespace corvane {
 
-FiguresOutput::FiguresOutput(const SystemSampler &sampler, FiguresForm form, const QString &chip,
+FiguresOutput::FiguresOutput(SystemSampler &sampler, FiguresForm form, const QString &chip,
                              int descriptor, QObject *parent)
     : QObject(parent),
       m_sampler(sampler),
       m_form(form),
+      m_interest(form == FiguresForm::stream ? sampler.lookAtProcesses() : nullptr),
       m_chip(chip),
       m_output(descriptor)
 {

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "figures/LineOutput.h"
+#include "sampler/SystemSampler.h"
 
 #include <QObject>
 #include <QString>
 
 namespace corvane {
-
-class SystemSampler;
 
 /// What is printed of the samples.
 enum class FiguresForm {
@@ -23,8 +22,8 @@ class FiguresOutput : public QObject {
 
 public:
     /// The sampler has taken its first sample and outlives this. `chip` is the chip's name.
-    FiguresOutput(const SystemSampler &sampler, FiguresForm form, const QString &chip,
-                  int descriptor, QObject *parent = nullptr);
+    FiguresOutput(SystemSampler &sampler, FiguresForm form, const QString &chip, int descriptor,
+                  QObject *parent = nullptr);
 
 signals:
     void finished();
@@ -35,6 +34,7 @@ private:
 
     const SystemSampler &m_sampler;
     const FiguresForm m_form;
+    ProcessInterest m_interest; ///< Null for a form without processes.
     const QString m_chip;
     LineOutput m_output;
     bool m_hasSurvey = false; ///< One that was not printed yet.

@@ -78,6 +78,8 @@ void MetricsFile::setFolder(const QString &folder)
     if (m_file.isEmpty())
         return;
     m_isWanted = std::make_shared<std::atomic<bool>>(true);
+    m_interest = m_sampler.lookAtProcesses();
+    m_sampler.awaitSurvey();
     m_energy.add(figuresOf(m_sampler.current(), m_chip));
     write();
 }
@@ -114,6 +116,7 @@ void MetricsFile::removeFile()
     if (m_isWanted)
         *m_isWanted = false;
     m_isWanted.reset();
+    m_interest.reset();
     if (!m_file.isEmpty())
         QFile::remove(m_file);
     m_file.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "figures/EnergyTotals.h"
+#include "sampler/SystemSampler.h"
 
 #include <QObject>
 #include <QString>
@@ -10,8 +11,6 @@
 #include <optional>
 
 namespace corvane {
-
-class SystemSampler;
 
 /// Keeps `corvane.prom` in a folder up to date, for the textfile collector of Prometheus'
 /// node_exporter: written beside it and renamed every 15 s, readable by everybody, and removed when
@@ -46,6 +45,7 @@ private:
 
     SystemSampler &m_sampler;
     const QString m_chip;
+    ProcessInterest m_interest = {}; ///< Held while a file is wanted.
     EnergyTotals m_energy;
     QString m_file = {};                                ///< Empty: none is wanted.
     std::shared_ptr<std::atomic<bool>> m_isWanted = {}; ///< Shared with jobs that may outlive it.

@@ -108,13 +108,15 @@ void ModelNames::keepOnly(const std::vector<AIWorkload> &workloads)
 
 SurveySource namedSurveys(const std::shared_ptr<GPUHandOver> &gpus)
 {
+    SurveySource surveys = systemSurveys(gpus);
     // Shared with surveys that still run when the program ends.
-    return [surveys = systemSurveys(gpus),
-            names = std::make_shared<ModelNames>()](const RankingReport &report) {
-        Survey survey = surveys(report);
+    surveys.take = [take = std::move(surveys.take),
+                    names = std::make_shared<ModelNames>()](const RankingReport &report) {
+        Survey survey = take(report);
         names->name(survey.workloads);
         return survey;
     };
+    return surveys;
 }
 
 } // namespace corvane

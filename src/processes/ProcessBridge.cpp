@@ -76,9 +76,4 @@ ProcessRanking ProcessBridge::ranking(const NamesWanted &names, const ProcessSou
     return [=](std::int32_t limit) { return topProcessesByMemory(limit, names, source); };
 }
 
-ArgumentReader ProcessBridge::argumentReader(const ProcessSource &source)
-{
-    return [source](std::int32_t pid) { return processArgsForPID(pid, source); };
-}
-
 } // namespace corvane

@@ -38,10 +38,9 @@ public:
     static std::optional<ArgumentRecord> processArgsForPID(
         std::int32_t pid, const ProcessSource &source = ProcessSource::system());
 
-    /// The last two as functions, for those who need only a ranking or a reader of arguments.
+    /// The ranking as a function.
     static ProcessRanking ranking(const NamesWanted &names = {},
                                   const ProcessSource &source = ProcessSource::system());
-    static ArgumentReader argumentReader(const ProcessSource &source = ProcessSource::system());
 };
 
 } // namespace corvane

@@ -6,7 +6,8 @@
 
 namespace corvane {
 
-/// Reads processes from one system. The functions keep no state and are safe from any thread.
+/// Reads processes from one system. A source may keep files open from listing to listing, as
+/// long as a copy of it exists. Safe from any thread.
 struct ProcessSource {
     /// The processes in the kernel's order, each once. Those that hold no memory or may not be
     /// inspected are left out.
@@ -30,6 +31,9 @@ struct ProcessSource {
 
     /// The working folder; absent when it cannot be read, as of other users' processes.
     std::function<std::optional<std::string>(std::int32_t pid)> folder = {};
+
+    /// Closes what was kept open for the next listing. Empty: nothing is kept.
+    std::function<void()> rest = {};
 
     /// The system that the program runs on.
     static ProcessSource system();

@@ -21,8 +21,14 @@ struct Survey {
 /// Takes the ranking of a survey that is not complete yet.
 using RankingReport = std::function<void(std::vector<ProcessRow>)>;
 
-/// Takes a survey. Before it reads a file that may keep it waiting it reports the ranking, at most
-/// once. Safe from any thread; meant for a background one.
-using SurveySource = std::function<Survey(const RankingReport &report)>;
+/// Where surveys come from. Both functions are safe from any thread and meant for a background one.
+struct SurveySource {
+    /// Takes a survey. Before it reads a file that may keep it waiting it reports the ranking, at
+    /// most once. Empty: there are no surveys.
+    std::function<Survey(const RankingReport &report)> take = {};
+
+    /// Releases what was kept for the next survey, since nobody looks any more. Empty: nothing is.
+    std::function<void()> rest = {};
+};
 
 } // namespace corvane

@@ -172,12 +172,22 @@ void Surveyor::leaveAlone(const ProcessIdentity &process)
     m_leftAlone.push_back(process);
 }
 
+void Surveyor::rest()
+{
+    if (m_source.rest)
+        m_source.rest();
+}
+
+SurveySource surveysOf(std::shared_ptr<Surveyor> surveyor)
+{
+    return {.take = [surveyor](const RankingReport &report) { return surveyor->take(report); },
+            .rest = [surveyor] { surveyor->rest(); }};
+}
+
 SurveySource systemSurveys(const std::shared_ptr<GPUHandOver> &gpus)
 {
-    // Shared with surveys that still run when the program ends.
-    const auto surveyor = std::make_shared<Surveyor>(
-        ProcessSource::system(), Surveyor::argumentsPatience, std::make_shared<GPUClients>(gpus));
-    return [surveyor](const RankingReport &report) { return surveyor->take(report); };
+    return surveysOf(std::make_shared<Surveyor>(
+        ProcessSource::system(), Surveyor::argumentsPatience, std::make_shared<GPUClients>(gpus)));
 }
 
 } // namespace corvane

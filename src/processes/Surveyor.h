@@ -29,6 +29,9 @@ public:
 
     Survey take(const RankingReport &report = {});
 
+    /// Closes what is kept open for the next survey. What is remembered stays.
+    void rest();
+
 private:
     std::vector<ProcessRecord> heaviest(const std::vector<std::int32_t> &also) const;
     std::vector<GPUUse> readGPUs(const std::function<std::vector<GPUUse>()> &read,
@@ -47,6 +50,9 @@ private:
     Mutex m_mutex;
     std::vector<ProcessIdentity> m_leftAlone GUARDED_BY(m_mutex); ///< In order of their discovery.
 };
+
+/// The surveys of a surveyor, which lives as long as one of them runs.
+SurveySource surveysOf(std::shared_ptr<Surveyor> surveyor);
 
 /// The surveys of this machine. `gpus` tells which GPUs there are, and whose files may be read.
 SurveySource systemSurveys(

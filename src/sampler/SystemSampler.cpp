@@ -1,7 +1,10 @@
 #include "sampler/SystemSampler.h"
 
+#include "sampler/PendingSurvey.h"
 #include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
+
+#include <QPointer>
 
 #include <algorithm>
 #include <utility>
@@ -62,29 +65,79 @@ void SystemSampler::tick()
         m_store->append(PersistedMetric::from(m_current));
 
     ++m_tickCount;
-    if (m_tickCount % processSampleEveryNTicks == 0 && m_sources.survey)
+    if (m_tickCount % processSampleEveryNTicks == 0 && !m_interest.expired())
         survey();
-    emptyOldLists();
+    emptyListsOfBefore(m_tickCount - surveyLastsTicks);
     if (m_tickCount % trimEveryNTicks == 0 && m_store)
         m_store->trim(trimKeepSeconds);
 }
 
+ProcessInterest SystemSampler::lookAtProcesses()
+{
+    auto interest = m_interest.lock();
+    if (!interest) {
+        interest = ProcessInterest(this, [sampler = QPointer(this)](const void *) {
+            if (sampler)
+                sampler->rest();
+        });
+        m_interest = interest;
+    }
+    survey();
+    return interest;
+}
+
+void SystemSampler::awaitSurvey()
+{
+    if (m_newestSurvey)
+        publish(*m_newestSurvey, m_newestBegin, m_sources.surveyPatience);
+}
+
 void SystemSampler::survey()
 {
-    if (m_surveysOut == mostSurveys)
+    if (m_surveysOut == mostSurveys || !m_sources.survey.take)
         return;
-    const qint64 begin = m_tickCount;
-    const bool runs = runReporting<std::vector<ProcessRow>>(
-        this, m_sources.survey,
-        [this, begin](std::vector<ProcessRow> ranking) {
-            publishProcesses(std::move(ranking), begin);
-        },
-        [this, begin](Survey survey) {
-            --m_surveysOut;
-            publishProcesses(std::move(survey.processes), begin);
-            publishWorkloads(std::move(survey.workloads), std::move(survey.gpuHolders), begin);
-        });
-    m_surveysOut += runs ? 1 : 0;
+    const auto pending = std::make_shared<PendingSurvey>();
+    const auto job = [pending, take = m_sources.survey.take](const auto &report) {
+        pending->put(take([&pending, &report](std::vector<ProcessRow> ranking) {
+            pending->put(std::move(ranking));
+            report();
+        }));
+    };
+    const auto publishNews = [this, pending, begin = m_tickCount] {
+        publish(*pending, begin, std::chrono::milliseconds(0));
+    };
+    const bool runs = runThenCall(this, job, publishNews, [this, publishNews] {
+        --m_surveysOut;
+        publishNews();
+    });
+    if (!runs)
+        return;
+    ++m_surveysOut;
+    m_newestSurvey = pending;
+    m_newestBegin = m_tickCount;
+}
+
+/// Nobody looks any more. A survey that still runs has no receiver.
+void SystemSampler::rest()
+{
+    m_newestSurvey.reset();
+    emptyListsOfBefore(m_tickCount + 1);
+    if (m_sources.survey.rest)
+        runThenCall(this, m_sources.survey.rest, [] {});
+}
+
+void SystemSampler::publish(PendingSurvey &pending, qint64 begin,
+                            std::chrono::milliseconds patience)
+{
+    auto [ranking, survey] = pending.take(patience);
+    if (m_interest.expired())
+        return;
+    if (survey) {
+        publishProcesses(std::move(survey->processes), begin);
+        publishWorkloads(std::move(survey->workloads), std::move(survey->gpuHolders), begin);
+    } else if (ranking) {
+        publishProcesses(*std::move(ranking), begin);
+    }
 }
 
 /// A survey that was kept waiting may end after a later one; what it found is dropped.
@@ -108,12 +161,11 @@ void SystemSampler::publishWorkloads(std::vector<AIWorkload> workloads,
     emit aiWorkloadsChanged();
 }
 
-void SystemSampler::emptyOldLists()
+void SystemSampler::emptyListsOfBefore(qint64 tick)
 {
-    const qint64 oldest = m_tickCount - surveyLastsTicks;
-    if (m_processesTick < oldest && !m_processes.empty())
+    if (m_processesTick < tick && !m_processes.empty())
         publishProcesses({}, m_processesTick);
-    if (m_workloadsTick < oldest && !(m_aiWorkloads.empty() && m_gpuHolders.empty()))
+    if (m_workloadsTick < tick && !(m_aiWorkloads.empty() && m_gpuHolders.empty()))
         publishWorkloads({}, {}, m_workloadsTick);
 }
 

@@ -25,16 +25,24 @@ struct SamplerSources {
     /// What the chip's source and the surveys tell each other; for these two alone.
     std::shared_ptr<GPUHandOver> gpus = std::make_shared<GPUHandOver>();
     ChipSource chip = openChipSource(secondsSinceBoot, gpus); ///< Empty: no reading of the chip.
-    SurveySource survey = namedSurveys(gpus);       ///< Runs in the background. Empty: no survey.
+    SurveySource survey = namedSurveys(gpus);       ///< Runs in the background.
     std::function<double()> now = secondsSince2001; ///< Wall clock.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);
+    /// How long it waits for a survey that is about to be shown for the first time.
+    std::chrono::milliseconds surveyPatience = std::chrono::milliseconds(100);
 };
 
+class PendingSurvey;
+
+/// Held by those who look at the processes, as long as they do.
+using ProcessInterest = std::shared_ptr<const void>;
+
 /// The spine of the program: takes one whole-system sample a second, publishes it, keeps those of
-/// the history window and adds each to the history file. Every third second it surveys the
-/// processes, every minute it trims the file. Lists of processes that no survey could renew for 12
-/// seconds are emptied.
+/// the history window and adds each to the history file, which it trims every minute.
+///
+/// It surveys the processes every third second while somebody looks at them; otherwise their lists
+/// are empty. So are lists that no survey could renew for 12 seconds.
 ///
 /// Made once by the application state and kept for the life of the process. Main thread, and so are
 /// its signals. A source that fails leaves its part of the sample absent or zero.
@@ -69,6 +77,14 @@ public:
     /// Who holds the GPUs' memory; changes together with the workloads.
     const std::vector<GPUHolders> &gpuHolders() const { return m_gpuHolders; }
 
+    /// Takes surveys as long as the result, or one of another caller, is held. The first is begun
+    /// at once.
+    [[nodiscard]] ProcessInterest lookAtProcesses();
+
+    /// Waits a moment for the newest survey and publishes what it has found, so that whoever begins
+    /// to look need not show empty lists first.
+    void awaitSurvey();
+
     /// (Re)starts the timer; the next tick is one interval away.
     void start();
 
@@ -86,7 +102,9 @@ private:
     void publishProcesses(std::vector<ProcessRow> processes, qint64 tick);
     void publishWorkloads(std::vector<AIWorkload> workloads, std::vector<GPUHolders> holders,
                           qint64 tick);
-    void emptyOldLists();
+    void rest();
+    void publish(PendingSurvey &pending, qint64 begin, std::chrono::milliseconds patience);
+    void emptyListsOfBefore(qint64 tick);
     void applyWindowChange(qint64 windowSeconds);
     std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
     std::vector<SystemMetrics> takeLoaded(std::chrono::milliseconds patience);
@@ -98,7 +116,10 @@ private:
     QTimer m_timer{this};                  ///< A child, so that tests can find and stop it.
     qint64 m_tickCount = 0;                ///< Completed ticks.
 
-    int m_surveysOut = 0; ///< Surveys that run.
+    std::weak_ptr<const void> m_interest;          ///< Expired while nobody looks at the processes.
+    int m_surveysOut = 0;                          ///< Surveys that run.
+    std::shared_ptr<PendingSurvey> m_newestSurvey; ///< Null at rest and before the first one.
+    qint64 m_newestBegin = 0;                      ///< Completed ticks when it was begun.
     // Completed ticks when the survey of what is shown was begun.
     qint64 m_processesTick = 0;
     qint64 m_workloadsTick = 0;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "threads/Mutex.h"
-
 #include <QObject>
 
 #include <functional>
@@ -36,42 +34,6 @@ bool runThenDeliver(QObject *owner, Job job, Deliver deliver)
     const auto value = std::make_shared<std::optional<std::invoke_result_t<Job &>>>();
     return runThenCall(
         owner, [value, job = std::move(job)]() mutable { value->emplace(job()); },
-        [value, deliver = std::move(deliver)]() mutable { deliver(std::move(**value)); });
-}
-
-/// The same for a job that may report values of type `Report` before its end: it is called with a
-/// function that takes one. The newest that was not yet delivered is passed to `onReport`.
-template <typename Report, typename Job, typename OnReport, typename Deliver>
-bool runReporting(QObject *owner, Job job, OnReport onReport, Deliver deliver)
-{
-    struct Slot {
-        Mutex mutex;
-        std::optional<Report> report GUARDED_BY(mutex) = {};
-
-        std::optional<Report> exchange(std::optional<Report> value)
-        {
-            const MutexLock lock(mutex);
-            return std::exchange(report, std::move(value));
-        }
-    };
-    const auto slot = std::make_shared<Slot>();
-    const auto reportTo = [slot](const std::function<void()> &post) {
-        return [slot, &post](Report report) {
-            slot->exchange(std::move(report));
-            post();
-        };
-    };
-    using Value = decltype(job(reportTo({})));
-    const auto value = std::make_shared<std::optional<Value>>();
-    return runThenCall(
-        owner,
-        [value, reportTo, job = std::move(job)](const std::function<void()> &post) mutable {
-            value->emplace(job(reportTo(post)));
-        },
-        [slot, onReport = std::move(onReport)] {
-            if (auto report = slot->exchange({}))
-                onReport(*std::move(report));
-        },
         [value, deliver = std::move(deliver)]() mutable { deliver(std::move(**value)); });
 }
 

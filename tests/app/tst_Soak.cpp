@@ -221,6 +221,7 @@ private:
     std::unique_ptr<LaunchAtLoginManager> m_launch;
     std::unique_ptr<MetricsFile> m_metrics;
     std::unique_ptr<UpdaterManager> m_updater;
+    ProcessInterest m_interest;
     QPointer<MainWindow> m_window;
     QPointer<SettingsWindow> m_settingsWindow;
     const Commands m_commands;
@@ -242,12 +243,11 @@ void TestSoak::initTestCase()
     const auto memory = std::make_shared<MemoryFiles>(m_machine->root());
     m_sampler = std::make_unique<SystemSampler>(
         *m_settings,
-        SamplerSources{
-            .memory = [memory] { return MemorySampler::snapshot(memory->read()); },
-            .chip = openChipSourceBelow(m_machine->root()),
-            .survey = [surveyor = std::make_shared<Surveyor>(linuxProcesses(m_machine->root()))](
-                          const RankingReport &report) { return surveyor->take(report); },
-            .now = [this] { return m_machine->now(); }},
+        SamplerSources{.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
+                       .chip = openChipSourceBelow(m_machine->root()),
+                       .survey =
+                           surveysOf(std::make_shared<Surveyor>(linuxProcesses(m_machine->root()))),
+                       .now = [this] { return m_machine->now(); }},
         m_folder.path());
     m_sampler->findChild<QTimer *>()->stop();
     m_usedAndFree = m_sampler->current().memory.used + m_machine->freeBytes();
@@ -274,7 +274,10 @@ void TestSoak::openWindow()
     connect(m_sampler.get(), &SystemSampler::historyChanged, m_window, showSamples);
     connect(m_sampler.get(), &SystemSampler::processesChanged, m_window, showProcesses);
     connect(m_sampler.get(), &SystemSampler::aiWorkloadsChanged, m_window, showWorkloads);
-    connect(m_window, &MainWindow::contentsNeeded, this, [=] {
+    connect(m_window, &MainWindow::noLongerSeen, this, [this] { m_interest.reset(); });
+    connect(m_window, &MainWindow::contentsNeeded, this, [=, this] {
+        m_interest = m_sampler->lookAtProcesses();
+        m_sampler->awaitSurvey();
         showSamples();
         showProcesses();
         showWorkloads();

@@ -91,6 +91,7 @@ private slots:
     void cleanup();
     void changesOnlyItsOwnFiles_data();
     void changesOnlyItsOwnFiles();
+    void opensNoFileOfAProcessUnlessTheDashboardIsOpen();
     void trimsItsHistoryInItsOwnFolder();
     void writesItsSettingsToTheirFile();
     void startsAtLoginThroughOneFile();
@@ -324,6 +325,35 @@ void TestTracedProgram::changesOnlyItsOwnFiles()
     quit();
     checkTrace();
     QVERIFY(hasChanged(history));
+}
+
+void TestTracedProgram::opensNoFileOfAProcessUnlessTheDashboardIsOpen()
+{
+    start(u"offscreen"_s, {u"-e"_s, u"trace=openat,open"_s});
+    const QString history = m_session->historyFile();
+    const auto samples = [&history] { return contents(history).count('\n'); };
+    const QByteArray ownFolder = "/proc/" + QByteArray::number(processId()) + '/';
+    const auto opened = [&] {
+        static const QRegularExpression file(u"^(/proc/)?([0-9]+)/[a-z]"_s);
+        qsizetype count = 0;
+        for (const SystemCall &call : systemCalls(contents(path(u"trace"_s)))) {
+            const QStringList paths = call.paths();
+            count += std::ranges::any_of(paths, [&ownFolder](const QString &path) {
+                return file.match(path).hasMatch()
+                    && !path.startsWith(QLatin1StringView(ownFolder));
+            });
+        }
+        return count;
+    };
+    const auto pass = [&samples](qsizetype count) {
+        const qsizetype wanted = samples() + count;
+        return QTest::qWaitFor([&] { return samples() >= wanted; }, patience);
+    };
+    QVERIFY(pass(7));       // Two third ticks are among them.
+    QVERIFY(opened() <= 1); // The tray is known by its process's name.
+    click(u"Open Window"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(opened() > 5, patience);
+    quit();
 }
 
 /// The history is trimmed at every sixtieth sample: every three seconds by the quick clock.

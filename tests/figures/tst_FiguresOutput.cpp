@@ -37,15 +37,15 @@ struct Printed {
 
     QTemporaryFile file;
     AppSettings settings;
-    SystemSampler sampler{settings,
-                          {.memory = [] { return MemorySnapshot{.total = 100, .used = 63}; },
-                           .chip = {},
-                           .survey =
-                               [](const RankingReport &) {
-                                   return Survey{
-                                       .processes = {{.id = 7, .name = u"sh"_s, .memory = 5}}};
-                               }},
-                          keepsNoHistory};
+    SystemSampler sampler{
+        settings,
+        {.memory = [] { return MemorySnapshot{.total = 100, .used = 63}; },
+         .chip = {},
+         .survey = {.take =
+                        [](const RankingReport &) {
+                            return Survey{.processes = {{.id = 7, .name = u"sh"_s, .memory = 5}}};
+                        }}},
+        keepsNoHistory};
     std::unique_ptr<FiguresOutput> output;
 };
 

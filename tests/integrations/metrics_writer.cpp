@@ -31,14 +31,15 @@ struct Machine {
                            return memory;
                        },
                    .chip = [] { return cardMachine().chip; },
-                   .survey =
-                       [number](const RankingReport &) {
-                           return Survey{.workloads = {{.id = 1,
-                                                        .framework = AIFramework::llamaCpp,
-                                                        .model = u"a \"model\" %1"_s.arg(number),
-                                                        .memory = 5,
-                                                        .gpuMemory = 7}}};
-                       }},
+                   .survey = {.take =
+                                  [number](const RankingReport &) {
+                                      return Survey{
+                                          .workloads = {{.id = 1,
+                                                         .framework = AIFramework::llamaCpp,
+                                                         .model = u"a \"model\" %1"_s.arg(number),
+                                                         .memory = 5,
+                                                         .gpuMemory = 7}}};
+                                  }}},
                   keepsNoHistory),
           file(sampler, {})
     {

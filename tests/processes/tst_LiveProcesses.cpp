@@ -160,7 +160,7 @@ void TestLiveProcesses::findsThemAmongAllProcesses()
 {
     LiveProcess process(u"ollama"_s, {u"run"_s, QString(4000, u'x')}, 250);
     QVERIFY(process.isReady());
-    const Survey survey = systemSurveys()({});
+    const Survey survey = systemSurveys().take({});
     // A machine may have so many heavier processes that this one is off the lists.
     const int heavier = heavierProcesses(240 * MiB);
     if (heavier <= 20) {
