@@ -337,7 +337,7 @@ void TestRunningProgram::runsWithPreferencesThatHang()
     QVERIFY(putFIFO(m_session->path(u"config/Corvane/Corvane.conf"_s)));
     QVERIFY(m_session->startBus());
     const ProgramRun corvane = start();
-    TRY_COMPARE(m_session->tray->items().size(), 3);
+    TRY_VERIFY(m_session->hasLabel());
     TRY_VERIFY(isAnswering());
     TRY_VERIFY(records().size() > 1);
     QElapsedTimer elapsed;

@@ -12,37 +12,43 @@ class TestInfoTexts : public QObject {
     Q_OBJECT
 
 private slots:
-    void hasTheSameTitleOnBothSystems_data();
-    void hasTheSameTitleOnBothSystems();
+    void hasATitleForEachSystem_data();
+    void hasATitleForEachSystem();
     void isWordForWordOnTheMac_data();
     void isWordForWordOnTheMac();
     void hasParagraphsOnLinux();
     void closesEveryMark();
     void namesItsSourcesOnLinux_data();
     void namesItsSourcesOnLinux();
+    void saysWhatHoldsForTheMachine_data();
+    void saysWhatHoldsForTheMachine();
     void namesNoServiceOfTheOtherSystem();
     void takesThisSystemByDefault();
     void everyTextFitsTheSmallestWindow();
 };
 
-void TestInfoTexts::hasTheSameTitleOnBothSystems_data()
+void TestInfoTexts::hasATitleForEachSystem_data()
 {
     QTest::addColumn<InfoTopic>("topic");
-    QTest::addColumn<QString>("title");
-    QTest::newRow("memory") << InfoTopic::memory << u"Unified Memory"_s;
-    QTest::newRow("power") << InfoTopic::power << u"Package Power"_s;
-    QTest::newRow("CPU") << InfoTopic::cpu << u"CPU — Utilization"_s;
-    QTest::newRow("GPU") << InfoTopic::gpu << u"GPU — Utilization"_s;
-    QTest::newRow("Neural Engine") << InfoTopic::ane << u"Neural Engine — Power-derived load"_s;
-    QTest::newRow("workloads") << InfoTopic::workloads << u"AI Workloads"_s;
-    QTest::newRow("processes") << InfoTopic::processes << u"Top Processes"_s;
+    QTest::addColumn<QString>("mac");
+    QTest::addColumn<QString>("linux");
+    const QString cpu = u"CPU — Utilization"_s;
+    const QString gpu = u"GPU — Utilization"_s;
+    QTest::newRow("memory") << InfoTopic::memory << u"Unified Memory"_s << u"Memory"_s;
+    QTest::newRow("power") << InfoTopic::power << u"Package Power"_s << u"Power"_s;
+    QTest::newRow("CPU") << InfoTopic::cpu << cpu << cpu;
+    QTest::newRow("GPU") << InfoTopic::gpu << gpu << gpu;
+    QTest::newRow("Neural Engine or NPU")
+        << InfoTopic::ane << u"Neural Engine — Power-derived load"_s << u"NPU"_s;
+    QTest::newRow("workloads") << InfoTopic::workloads << u"AI Workloads"_s << u"AI Workloads"_s;
+    QTest::newRow("processes") << InfoTopic::processes << u"Top Processes"_s << u"Top Processes"_s;
 }
 
-void TestInfoTexts::hasTheSameTitleOnBothSystems()
+void TestInfoTexts::hasATitleForEachSystem()
 {
     QFETCH(InfoTopic, topic);
-    QTEST(infoText(topic, HostSystem::mac).title, "title");
-    QTEST(infoText(topic, HostSystem::linuxDesktop).title, "title");
+    QTEST(infoText(topic, HostSystem::mac).title, "mac");
+    QTEST(infoText(topic, HostSystem::linuxDesktop).title, "linux");
 }
 
 void TestInfoTexts::isWordForWordOnTheMac_data()
@@ -111,6 +117,49 @@ void TestInfoTexts::namesItsSourcesOnLinux()
     QFETCH(InfoTopic, topic);
     QFETCH(QString, source);
     QVERIFY(infoText(topic, HostSystem::linuxDesktop).text.contains(source));
+}
+
+void TestInfoTexts::saysWhatHoldsForTheMachine_data()
+{
+    QTest::addColumn<InfoTopic>("topic");
+    QTest::addColumn<MachineCoverage>("machine");
+    QTest::addColumn<QString>("words");
+
+    const auto withGPU = [](Coverage coverage, bool isIntegrated = false) {
+        return MachineCoverage{.isWhole = false,
+                               .gpus = {{.integrated = isIntegrated, .load = coverage}}};
+    };
+    QTest::newRow("CPU watts that are locked")
+        << InfoTopic::power << MachineCoverage{.isWhole = false, .cpuWatts = Coverage::locked}
+        << u"CPU watts are locked here."_s;
+    QTest::newRow("a package that is measured")
+        << InfoTopic::power << MachineCoverage{.isWhole = false, .packageWatts = Coverage::known}
+        << u"**Rest**"_s;
+    QTest::newRow("a machine that is measured")
+        << InfoTopic::power << MachineCoverage{.isWhole = false, .systemWatts = Coverage::known}
+        << u"**whole machine**"_s;
+    QTest::newRow("an NPU without a load")
+        << InfoTopic::ane << MachineCoverage{.isWhole = false, .npuLoad = Coverage::unpublished}
+        << u"publishes no load"_s;
+    QTest::newRow("a card without its library")
+        << InfoTopic::gpu << withGPU(Coverage::noLibrary) << u"is not installed"_s;
+    QTest::newRow("a card with a new driver")
+        << InfoTopic::gpu << withGPU(Coverage::newDriver) << u"waits for a restart"_s;
+    QTest::newRow("a card that sleeps")
+        << InfoTopic::gpuMemory << withGPU(Coverage::asleep) << u"would wake it"_s;
+    QTest::newRow("an integrated GPU")
+        << InfoTopic::gpuMemory << withGPU(Coverage::known, true) << u"set aside for it"_s;
+}
+
+void TestInfoTexts::saysWhatHoldsForTheMachine()
+{
+    QFETCH(const InfoTopic, topic);
+    QFETCH(const MachineCoverage, machine);
+    QFETCH(const QString, words);
+    QVERIFY2(infoText(topic, machine).text.contains(words),
+             qPrintable(infoText(topic, machine).text));
+    MachineCoverage other = {.isWhole = false, .gpus = {{.load = Coverage::known}}};
+    QVERIFY(!infoText(topic, other).text.contains(words));
 }
 
 void TestInfoTexts::namesNoServiceOfTheOtherSystem()

@@ -163,7 +163,7 @@ void TestProcessFiles::readsTheParent()
 {
     using Expected = std::optional<std::int32_t>;
     QCOMPARE(parseParent("7 (a) S 29918 29918 27721 0"), Expected(29918));
-    QCOMPARE(parseParent("7 (a (b) c) R 1 (x)"), Expected(1));
+    QCOMPARE(parseParent("7 (a (b) c) R 1 2"), Expected(1));
     QCOMPARE(parseParent("7 (a) S 0 0"), Expected(0));
     QCOMPARE(parseParent("7 (a) S 99999999999"), Expected());
     QCOMPARE(parseParent("7 (a) S"), Expected());

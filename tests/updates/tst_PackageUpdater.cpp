@@ -5,11 +5,13 @@
 #include "support/FakePackageKit.h"
 #include "support/HalfBus.h"
 #include "support/PrivateBus.h"
+#include "support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
