@@ -1,13 +1,13 @@
 // The cost of a tick of the open dashboard on the main thread: passing the data to every part and
 // painting what changed, as a ratio to clearing as many pixels as the whole window has.
 
-#include "lists/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
-#include "devices/PowerCard.h"
-#include "lists/ProcessCard.h"
 #include "cards/UtilizationCard.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
+#include "devices/PowerCard.h"
+#include "lists/AIWorkloadsCard.h"
+#include "lists/ProcessCard.h"
 
 #include <QApplication>
 #include <QImage>

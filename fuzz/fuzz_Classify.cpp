@@ -1,5 +1,5 @@
-#include "processes/AIProcessDetector.h"
 #include "arguments/ModelArgument.h"
+#include "processes/AIProcessDetector.h"
 #include "processes/SecondRules.h"
 
 #include <cstddef>

@@ -21,8 +21,8 @@ class ProcessCard;
 
 /// The dashboard window: a header above the cards that the machine has, which change when the
 /// machine does. Its actions are in its context menu. The application creates it when it is opened
-/// and destroys it when it is closed. While it is hidden, minimised or covered it ignores what it is
-/// given to show, and requests the newest when it is visible again. Main thread.
+/// and destroys it when it is closed. While it is hidden, minimised or covered it ignores what it
+/// is given to show, and requests the newest when it is visible again. Main thread.
 class MainWindow : public QWidget {
     Q_OBJECT
 

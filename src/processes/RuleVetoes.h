@@ -1,7 +1,7 @@
 #pragma once
 
-#include "processes/AIFramework.h"
 #include "arguments/ProgramRun.h"
+#include "processes/AIFramework.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #include "processes/SecondRules.h"
 
-#include "processes/AIProcessDetector.h"
 #include "arguments/ModelArgument.h"
+#include "processes/AIProcessDetector.h"
 #include "processes/RuleVetoes.h"
 
 #include <algorithm>

@@ -25,8 +25,8 @@ struct SamplerSources {
     /// What the chip's source and the surveys tell each other; for these two alone.
     std::shared_ptr<GPUHandOver> gpus = std::make_shared<GPUHandOver>();
     ChipSource chip = openChipSource(secondsSinceBoot, gpus); ///< Empty: no reading of the chip.
-    SurveySource survey = namedSurveys(gpus);       ///< Runs in the background.
-    std::function<double()> now = secondsSince2001; ///< Wall clock.
+    SurveySource survey = namedSurveys(gpus);                 ///< Runs in the background.
+    std::function<double()> now = secondsSince2001;           ///< Wall clock.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);
     /// How long it waits for a survey that is about to be shown for the first time.

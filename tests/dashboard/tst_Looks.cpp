@@ -1,11 +1,11 @@
-#include "lists/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
-#include "devices/PowerCard.h"
-#include "lists/ProcessCard.h"
 #include "cards/UtilizationCard.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
+#include "devices/PowerCard.h"
 #include "gallery/ScriptedSamples.h"
+#include "lists/AIWorkloadsCard.h"
+#include "lists/ProcessCard.h"
 #include "ui/Theme.h"
 
 #include <QTest>

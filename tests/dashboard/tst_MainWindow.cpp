@@ -1,14 +1,14 @@
-#include "lists/AIWorkloadsCard.h"
 #include "cards/MemoryCard.h"
-#include "devices/PowerCard.h"
-#include "lists/ProcessCard.h"
-#include "lists/RowList.h"
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
 #include "controls/InfoButton.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
+#include "devices/PowerCard.h"
 #include "gallery/ScriptedSamples.h"
+#include "lists/AIWorkloadsCard.h"
+#include "lists/ProcessCard.h"
+#include "lists/RowList.h"
 #include "support/Rendering.h"
 
 #include <QAccessible>

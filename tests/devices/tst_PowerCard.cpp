@@ -1,5 +1,5 @@
-#include "devices/PowerCard.h"
 #include "charts/Sparkline.h"
+#include "devices/PowerCard.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
 #include "support/ShownCard.h"

@@ -1,7 +1,7 @@
+#include "gallery/ScriptedSamples.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/FrameworkColor.h"
 #include "lists/RowList.h"
-#include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
 #include "support/ShownCard.h"
 #include "ui/Theme.h"

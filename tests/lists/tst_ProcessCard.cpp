@@ -1,6 +1,6 @@
+#include "gallery/ScriptedSamples.h"
 #include "lists/ProcessCard.h"
 #include "lists/RowList.h"
-#include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
 #include "support/ShownCard.h"
 #include "ui/Theme.h"

@@ -12,8 +12,9 @@ class BusMonitor {
 public:
     explicit BusMonitor(const QString &address);
 
-    /// The members of all calls and signals ("NewIcon") since the last call, including everything that these
-    /// connections have sent so far. Only "monitor received nothing" if that does not arrive.
+    /// The members of all calls and signals ("NewIcon") since the last call, including everything
+    /// that these connections have sent so far. Only "monitor received nothing" if that does not
+    /// arrive.
     QStringList membersSince(const QStringList &connections);
 
 private:
