@@ -11,12 +11,13 @@ FiguresOutput::FiguresOutput(SystemSampler &sampler, FiguresForm form, const QSt
     : QObject(parent),
       m_sampler(sampler),
       m_form(form),
-      m_interest(form == FiguresForm::stream ? sampler.lookAtProcesses() : nullptr),
       m_chip(chip),
       m_output(descriptor)
 {
     assertMainThread();
     connect(&sampler, &SystemSampler::aiWorkloadsChanged, this, [this] { m_hasSurvey = true; });
+    if (form != FiguresForm::waybar)
+        m_interest = sampler.lookAtProcesses();
     connect(&sampler, &SystemSampler::currentChanged, this, &FiguresOutput::print);
     connect(&m_output, &LineOutput::closed, this, &FiguresOutput::finished);
     if (form == FiguresForm::once)

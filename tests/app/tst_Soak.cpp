@@ -520,6 +520,7 @@ void TestSoak::theLabelDoesNotGrow()
                                           TrayWaits{.tray = 50ms, .quiet = 10ms, .check = 50ms});
     connect(m_sampler.get(), &SystemSampler::currentChanged, m_label.get(),
             [this] { m_label->show(m_sampler->current()); });
+    m_label->show(m_sampler->current());
     for (const int what : {0, 1, 2})
         useLabel(what);
     m_threads += busThreads;

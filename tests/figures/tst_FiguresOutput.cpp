@@ -65,12 +65,15 @@ void TestFiguresOutput::printsASecondOnce()
 {
     Printed printed(FiguresForm::once);
     QSignalSpy finished(printed.output.get(), &FiguresOutput::finished);
+    QSignalSpy surveyed(&printed.sampler, &SystemSampler::aiWorkloadsChanged);
+    TRY_VERIFY(!surveyed.isEmpty()); // In much less than a second.
     QVERIFY(printed.objects().isEmpty());
     printed.sampler.tick();
     QCOMPARE(finished.count(), 1);
     QCOMPARE(printed.objects().size(), 1);
     QCOMPARE(printed.objects()[0]["memory"_L1]["used_bytes"_L1].toInt(), 63);
     QCOMPARE(printed.objects()[0]["chip"_L1].toString(), u"Chip"_s);
+    QCOMPARE(printed.objects()[0]["processes"_L1][0]["name"_L1].toString(), u"sh"_s);
 }
 
 void TestFiguresOutput::printsEachSecond()
