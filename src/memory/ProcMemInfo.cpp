@@ -113,12 +113,13 @@ MemoryCounters::Pages pages(const MemInfo &info, const ProcMemoryTexts &texts)
     const auto reclaimable = info.reclaimable ? info.reclaimable : info.slabReclaimable;
     MemoryCounters::Pages pages;
     pages.free = *info.free;
-    pages.active = info.activeAnon.value_or(0);
+    // Fresh pages begin on the inactive list, so a process's memory is in both.
+    pages.active = info.activeAnon.value_or(0) + info.inactiveAnon.value_or(0);
     pages.compressor = info.zswap.value_or(0) + texts.zramBytes / kibibyte;
     pages.external = info.activeFile.value_or(0) + info.inactiveFile.value_or(0);
     pages.purgeable = reclaimable.value_or(0)
         + shrinkableCache(texts.arcStats.value_or(std::string_view())) / kibibyte;
-    pages.inactive = info.inactiveAnon.value_or(0) + pages.external + pages.purgeable;
+    pages.inactive = pages.external + pages.purgeable;
     pages.wired =
         remainder(*info.total, pages.free + pages.active + pages.compressor + pages.inactive);
     return pages;

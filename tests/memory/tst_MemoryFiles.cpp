@@ -31,9 +31,10 @@ private slots:
 /// For every machine, in KiB:
 ///   cached = Active(file) + Inactive(file) + KReclaimable + what the ZFS cache can release
 ///   compressed = Zswap + memory of compressed disks
-///   wired = MemTotal - MemFree - Active(anon) - compressed - Inactive(anon) - cached
-///   appMemory = wired + Active(anon) + compressed
-///   used = appMemory + Inactive(anon), which is MemTotal - MemFree - cached
+///   active = Active(anon) + Inactive(anon)
+///   wired = MemTotal - MemFree - active - compressed - cached
+///   appMemory = wired + active + compressed
+///   used = appMemory, which is MemTotal - MemFree - cached
 void TestMemoryFiles::readsMachines_data()
 {
     QTest::addColumn<QString>("name");
@@ -47,11 +48,11 @@ void TestMemoryFiles::readsMachines_data()
         << MemorySnapshot{.total = 16'177'412 * kib,
                           .used = 10'506'192 * kib,
                           .free = 1'034'220 * kib,
-                          .active = 4'210'376 * kib,
+                          .active = 6'315'720 * kib,
                           .wired = 3'111'176 * kib,
                           .compressed = 1'079'296 * kib,
                           .cached = 4'637'000 * kib,
-                          .appMemory = 8'400'848 * kib,
+                          .appMemory = 10'506'192 * kib,
                           .swapTotal = 8'388'604 * kib,
                           .swapUsed = 4'194'304 * kib,
                           .pressure = MemoryPressure::warning};
@@ -63,10 +64,10 @@ void TestMemoryFiles::readsMachines_data()
         << MemorySnapshot{.total = 2'113'546'240 * kib,
                           .used = 1'071'315'058 * kib,
                           .free = 412'345'678 * kib,
-                          .active = 351'234'560 * kib,
+                          .active = 431'234'560 * kib,
                           .wired = 640'080'498 * kib,
                           .cached = 629'885'504 * kib,
-                          .appMemory = 991'315'058 * kib};
+                          .appMemory = 1'071'315'058 * kib};
     // cached = 105112 + 98116 + 61440
     // wired = 3913088 - 50244 - 2105344 - 0 - 1204000 - 264668
     // full avg10 = 50.12
@@ -75,10 +76,10 @@ void TestMemoryFiles::readsMachines_data()
         << MemorySnapshot{.total = 3'913'088 * kib,
                           .used = 3'598'176 * kib,
                           .free = 50'244 * kib,
-                          .active = 2'105'344 * kib,
+                          .active = 3'309'344 * kib,
                           .wired = 288'832 * kib,
                           .cached = 264'668 * kib,
-                          .appMemory = 2'394'176 * kib,
+                          .appMemory = 3'598'176 * kib,
                           .pressure = MemoryPressure::critical};
     // cached = 300000 + 400000 + 120000; compressed = 204800
     // wired = 8000000 - 150000 - 3600000 - 204800 - 2500000 - 820000
@@ -88,11 +89,11 @@ void TestMemoryFiles::readsMachines_data()
         << MemorySnapshot{.total = 8'000'000 * kib,
                           .used = 7'030'000 * kib,
                           .free = 150'000 * kib,
-                          .active = 3'600'000 * kib,
+                          .active = 6'100'000 * kib,
                           .wired = 725'200 * kib,
                           .compressed = 204'800 * kib,
                           .cached = 820'000 * kib,
-                          .appMemory = 4'530'000 * kib,
+                          .appMemory = 7'030'000 * kib,
                           .swapTotal = 4'194'300 * kib,
                           .swapUsed = 3'145'724 * kib,
                           .pressure = MemoryPressure::warning};
@@ -102,10 +103,10 @@ void TestMemoryFiles::readsMachines_data()
                                                << MemorySnapshot{.total = 24'684'084 * kib,
                                                                  .used = 279'344 * kib,
                                                                  .free = 23'266'212 * kib,
-                                                                 .active = 1632 * kib,
+                                                                 .active = 142'748 * kib,
                                                                  .wired = 136'596 * kib,
                                                                  .cached = 1'138'528 * kib,
-                                                                 .appMemory = 138'228 * kib};
+                                                                 .appMemory = 279'344 * kib};
 }
 
 void TestMemoryFiles::readsMachines()
