@@ -66,9 +66,9 @@ void GPUWatch::Devices::scanWhenDue(double now)
 
     std::vector<GPUDevice> found = findGPUDevices(root);
     const auto isOfFiles = [](const GPUDevice &gpu) { return gpu.driver != GPUDriver::nvidia; };
-    const auto nvidias = std::ranges::stable_partition(found, isOfFiles);
-    nvidia.setDevices({nvidias.begin(), nvidias.end()});
-    found.erase(nvidias.begin(), nvidias.end());
+    const auto nvidias = std::stable_partition(found.begin(), found.end(), isOfFiles);
+    nvidia.setDevices({nvidias, found.end()});
+    found.erase(nvidias, found.end());
     const bool hasNPU = findNPUDevice(root).has_value();
     if (!hasNPU)
         npu.reset();

@@ -39,9 +39,9 @@ std::string pathOf(const char *file)
 using Values = std::vector<unsigned long long>;
 
 constexpr int invalidArgument = 2;
-constexpr int notFound = 6;
+[[maybe_unused]] constexpr int notFound = 6;
 constexpr int insufficientSize = 7;
-constexpr int versionMismatch = 25;
+[[maybe_unused]] constexpr int versionMismatch = 25;
 constexpr unsigned long long notAvailable = ~0ULL;
 
 struct Answer {

@@ -21,7 +21,7 @@ const std::string text = "drm-driver:\tamdgpu\ndrm-pdev:\t0000:c1:00.0\ndrm-clie
 /// A tree with the descriptors of process 7.
 class Bench {
 public:
-    const MachineTree tree;
+    MachineTree tree;
 
     void open(int descriptor, const std::string &target, const std::string &fdinfo) const
     {
