@@ -106,8 +106,8 @@ void TestSeriesShape::anAbsentValueEndsAShape()
     const std::vector<SeriesShape> shapes =
         seriesShapes(chart({series({2, std::nullopt, 8})}), size);
     QCOMPARE(shapes.size(), std::size_t(2));
-    QCOMPARE(shapes[0].line, QPolygonF({{-0.5, 80}, {0.5, 80}})); // Alone: a dot.
-    QCOMPARE(shapes[1].line, QPolygonF({{199.5, 20}, {200.5, 20}}));
+    QCOMPARE(shapes[0].line, QPolygonF({QPointF(-0.5, 80), QPointF(0.5, 80)})); // Alone: a dot.
+    QCOMPARE(shapes[1].line, QPolygonF({QPointF(199.5, 20), QPointF(200.5, 20)}));
     QCOMPARE(shapes[1].fill,
              QPolygonF({{199.5, 100}, {199.5, 20}, {200.5, 20}, {200.5, 100}, {199.5, 100}}));
 

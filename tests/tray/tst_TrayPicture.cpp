@@ -103,9 +103,9 @@ void TestTrayPicture::hasADarkPlateWithRoundCorners()
     const QImage picture = trayPicture(number(QString()), leftmost, 44);
     QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
     QCOMPARE(picture.pixelColor(43, 43).alpha(), 0);
-    const QColor middle = picture.pixelColor(22, 8);
-    QCOMPARE(middle.alpha(), Theme::plate.alpha());
-    QVERIFY(middle.lightness() < 40);
+    const QColor plate = picture.pixelColor(22, 8);
+    QCOMPARE(plate.alpha(), Theme::plate.alpha());
+    QVERIFY(plate.lightness() < 40);
 }
 
 void TestTrayPicture::marksItsPosition_data()
