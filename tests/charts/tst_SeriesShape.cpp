@@ -53,27 +53,30 @@ void TestSeriesShape::hasLineAndFill()
 {
     const std::vector<SeriesShape> shapes = seriesShapes(chart({series({2, 5, 10})}), size);
     QCOMPARE(shapes.size(), std::size_t(1));
-    QCOMPARE(shapes[0].line, QPolygonF({{0, 80}, {100, 50}, {200, 0}}));
+    QCOMPARE(shapes[0].line, QPolygonF({QPointF(0, 80), QPointF(100, 50), QPointF(200, 0)}));
     QCOMPARE(shapes[0].fill,
-             QPolygonF({{0, 100}, {0, 80}, {100, 50}, {200, 0}, {200, 100}, {100, 100}, {0, 100}}));
+             QPolygonF({QPointF(0, 100), QPointF(0, 80), QPointF(100, 50), QPointF(200, 0),
+                        QPointF(200, 100), QPointF(100, 100), QPointF(0, 100)}));
 }
 
 void TestSeriesShape::stackedSeriesStandOnEachOther()
 {
     const std::vector<SeriesShape> shapes = seriesShapes(
         chart({series({1, 1, 1}), series({2, 2, 2}), series({3, 3, 3})}, Stacking::stacked), size);
-    QCOMPARE(shapes[0].line, QPolygonF({{0, 90}, {100, 90}, {200, 90}}));
-    QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 70}}));
-    QCOMPARE(shapes[2].line, QPolygonF({{0, 40}, {100, 40}, {200, 40}})); // At 6 of 10.
+    QCOMPARE(shapes[0].line, QPolygonF({QPointF(0, 90), QPointF(100, 90), QPointF(200, 90)}));
+    QCOMPARE(shapes[1].line, QPolygonF({QPointF(0, 70), QPointF(100, 70), QPointF(200, 70)}));
+    QCOMPARE(shapes[2].line,
+             QPolygonF({QPointF(0, 40), QPointF(100, 40), QPointF(200, 40)})); // At 6 of 10.
     QCOMPARE(shapes[2].fill,
-             QPolygonF({{0, 70}, {0, 40}, {100, 40}, {200, 40}, {200, 70}, {100, 70}, {0, 70}}));
+             QPolygonF({QPointF(0, 70), QPointF(0, 40), QPointF(100, 40), QPointF(200, 40),
+                        QPointF(200, 70), QPointF(100, 70), QPointF(0, 70)}));
 }
 
 void TestSeriesShape::overlaidSeriesReachTheBottom()
 {
     const std::vector<SeriesShape> shapes =
         seriesShapes(chart({series({1, 1, 1}), series({2, 2, 2})}), size);
-    QCOMPARE(shapes[1].line, QPolygonF({{0, 80}, {100, 80}, {200, 80}}));
+    QCOMPARE(shapes[1].line, QPolygonF({QPointF(0, 80), QPointF(100, 80), QPointF(200, 80)}));
     QCOMPARE(shapes[1].fill.first(), QPointF(0, 100));
 }
 
@@ -81,15 +84,16 @@ void TestSeriesShape::clampsTheSumAndNotItsParts()
 {
     const std::vector<SeriesShape> shapes =
         seriesShapes(chart({series({8, -4, 8}), series({6, 6, -20})}, Stacking::stacked), size);
-    QCOMPARE(shapes[0].line, QPolygonF({{0, 20}, {100, 100}, {200, 20}}));
-    QCOMPARE(shapes[1].line, QPolygonF({{0, 0}, {100, 80}, {200, 100}}));
+    QCOMPARE(shapes[0].line, QPolygonF({QPointF(0, 20), QPointF(100, 100), QPointF(200, 20)}));
+    QCOMPARE(shapes[1].line, QPolygonF({QPointF(0, 0), QPointF(100, 80), QPointF(200, 100)}));
 }
 
 void TestSeriesShape::valuesAreMeasuredFromTheBottomOfTheDomain()
 {
     SparklineData data = chart({series({2, 4, 0})});
     data.yDomain = {10, 20};
-    QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {100, 60}, {200, 100}}));
+    QCOMPARE(seriesShapes(data, size)[0].line,
+             QPolygonF({QPointF(0, 80), QPointF(100, 60), QPointF(200, 100)}));
 }
 
 void TestSeriesShape::seriesMayBeShorterOrLonger()
@@ -97,7 +101,7 @@ void TestSeriesShape::seriesMayBeShorterOrLonger()
     const std::vector<SeriesShape> shapes = seriesShapes(
         chart({series({1, 1}), series({2, 2, 2, 2, 2}), series({})}, Stacking::stacked), size);
     QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 90}, {100, 90}}));
-    QCOMPARE(shapes[1].line, QPolygonF({{0, 70}, {100, 70}, {200, 80}}));
+    QCOMPARE(shapes[1].line, QPolygonF({QPointF(0, 70), QPointF(100, 70), QPointF(200, 80)}));
     QCOMPARE(shapes.size(), std::size_t(2)); // A series without values has no shape.
 }
 
@@ -109,14 +113,17 @@ void TestSeriesShape::anAbsentValueEndsAShape()
     QCOMPARE(shapes[0].line, QPolygonF({QPointF(-0.5, 80), QPointF(0.5, 80)})); // Alone: a dot.
     QCOMPARE(shapes[1].line, QPolygonF({QPointF(199.5, 20), QPointF(200.5, 20)}));
     QCOMPARE(shapes[1].fill,
-             QPolygonF({{199.5, 100}, {199.5, 20}, {200.5, 20}, {200.5, 100}, {199.5, 100}}));
+             QPolygonF({QPointF(199.5, 100), QPointF(199.5, 20), QPointF(200.5, 20),
+                        QPointF(200.5, 100), QPointF(199.5, 100)}));
 
     const std::vector<SeriesShape> two =
         seriesShapes(chart({series({2, 4, std::nullopt}), series({std::nullopt, 1, 1})}), size);
-    QCOMPARE(two[0].line, QPolygonF({{0, 80}, {100, 60}}));
-    QCOMPARE(two[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
+    QCOMPARE(two[0].line, QPolygonF({QPointF(0, 80), QPointF(100, 60)}));
+    QCOMPARE(two[0].fill,
+             QPolygonF({QPointF(0, 100), QPointF(0, 80), QPointF(100, 60), QPointF(100, 100),
+                        QPointF(0, 100)}));
     QCOMPARE(two[1].series, std::size_t(1));
-    QCOMPARE(two[1].line, QPolygonF({{100, 90}, {200, 90}}));
+    QCOMPARE(two[1].line, QPolygonF({QPointF(100, 90), QPointF(200, 90)}));
     QVERIFY(seriesShapes(chart({series({std::nullopt, std::nullopt})}), size).empty());
 }
 
@@ -125,7 +132,7 @@ void TestSeriesShape::anAbsentValueCountsAsZeroInAStack()
     const std::vector<SeriesShape> shapes = seriesShapes(
         chart({series({2, std::nullopt, 2}), series({1, 1, 1})}, Stacking::stacked), size);
     QCOMPARE(shapes.back().series, std::size_t(1));
-    QCOMPARE(shapes.back().line, QPolygonF({{0, 70}, {100, 90}, {200, 70}}));
+    QCOMPARE(shapes.back().line, QPolygonF({QPointF(0, 70), QPointF(100, 90), QPointF(200, 70)}));
 }
 
 void TestSeriesShape::oneSampleHasNoArea()
@@ -134,14 +141,15 @@ void TestSeriesShape::oneSampleHasNoArea()
     data.timestamps = {10};
     const std::vector<SeriesShape> shapes = seriesShapes(data, size);
     QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{100, 50}}));
-    QCOMPARE(shapes[0].fill, QPolygonF({{100, 100}, {100, 50}, {100, 100}}));
+    QCOMPARE(shapes[0].fill, QPolygonF({QPointF(100, 100), QPointF(100, 50), QPointF(100, 100)}));
 }
 
 void TestSeriesShape::gapsAreStraight()
 {
     SparklineData data = chart({series({2, 2, 8})});
     data.timestamps = {0, 1, 20};
-    QCOMPARE(seriesShapes(data, size)[0].line, QPolygonF({{0, 80}, {10, 80}, {200, 20}}));
+    QCOMPARE(seriesShapes(data, size)[0].line,
+             QPolygonF({QPointF(0, 80), QPointF(10, 80), QPointF(200, 20)}));
 }
 
 void TestSeriesShape::leavesOutSamplesWithoutAPlace()
@@ -151,7 +159,9 @@ void TestSeriesShape::leavesOutSamplesWithoutAPlace()
                        20.001}; // Too early, drawn, hidden by a clock jump, drawn, too late.
     const std::vector<SeriesShape> shapes = seriesShapes(data, size);
     QCOMPARE(shapes[0].line, QPolygonF(QList<QPointF>{{0, 80}, {100, 60}}));
-    QCOMPARE(shapes[0].fill, QPolygonF({{0, 100}, {0, 80}, {100, 60}, {100, 100}, {0, 100}}));
+    QCOMPARE(shapes[0].fill,
+             QPolygonF({QPointF(0, 100), QPointF(0, 80), QPointF(100, 60), QPointF(100, 100),
+                        QPointF(0, 100)}));
 }
 
 void TestSeriesShape::hostileNumbersStayOnTheChart()
