@@ -149,7 +149,7 @@ void TestModelNames::looksAtAnotherProcessOfTheSameNumber()
 void TestModelNames::leavesAProcessAloneWhoseFilesDoNotAnswer()
 {
     Machine machine;
-    ModelNames names(machine.silent(7), std::chrono::milliseconds(200), machine.clock());
+    ModelNames names(machine.silent(7), std::chrono::milliseconds(1000), machine.clock());
     const std::vector<AIWorkload> both{workload(7, u"blob 1234"_s), workload(8)};
     for (int survey = 0; survey < 5; ++survey) {
         QCOMPARE(named(names, both), (QStringList{u"blob 1234"_s, u"a.gguf"_s}));

@@ -207,7 +207,7 @@ void TestSurveyor::namesThePartsOfAServer()
     tree.add(10,
              {.own = 50 * MiB,
               .comm = "vllm\n",
-              .cmdline = QByteArray("python3\0/bin/vllm\0serve\0Qwen/Qwen3-8B\0", 40)});
+              .cmdline = QByteArray("python3\0/bin/vllm\0serve\0Qwen/Qwen3-8B\0", 38)});
     tree.add(11,
              {.own = 900 * MiB,
               .parent = 10,
