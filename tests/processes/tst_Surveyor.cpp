@@ -244,7 +244,7 @@ void TestSurveyor::looksAtTheWorkingFolder()
 void TestSurveyor::keepsWhatAProcessWasWhenItRenamesItself()
 {
     ProcTree tree;
-    const QByteArray served("python3\0/bin/vllm\0serve\0a/b\0", 30);
+    const QByteArray served("python3\0/bin/vllm\0serve\0a/b\0", 28);
     tree.add(1, {.own = 400 * MiB, .comm = "vllm\n", .cmdline = served});
     Surveyor surveyor(tree.source());
     QCOMPARE(models(surveyor.take()), QStringList{u"a/b"_s});
