@@ -113,7 +113,7 @@ std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
     }
     coverage = std::move(newest->coverage);
     access = std::move(newest->access);
-    npu = std::move(newest->npu);
+    npu = newest->npu;
     for (GPUReading &gpu : newest->gpus) {
         const QString device = QString::fromStdString(gpu.device);
         const auto known = std::ranges::find(coverage, device, &GPUCoverage::device);
