@@ -373,7 +373,7 @@ void TestSystemSampler::surveysAtOnceForEachWhoBeginsToLook()
 
 void TestSystemSampler::dropsASurveyThatEndsAfterTheLastLook()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate);
     std::atomic<bool> ended = false;
     m_machine.survey.take = [&](const RankingReport &) {
@@ -395,10 +395,10 @@ void TestSystemSampler::dropsASurveyThatEndsAfterTheLastLook()
 
 void TestSystemSampler::waitsForASurveyOnlySoLong()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate);
     m_machine.surveyPatience = std::chrono::milliseconds(1);
-    m_machine.survey.take = [&gate](const RankingReport &) {
+    m_machine.survey.take = [](const RankingReport &) {
         const std::lock_guard wait(gate);
         return Survey{.processes = {{.id = 7}}};
     };
@@ -433,10 +433,10 @@ void TestSystemSampler::publishesProcessesThenWorkloads()
 
 void TestSystemSampler::aSlowSurveyDelaysNoTickAndTwoAreEnough()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate);
-    std::atomic<int> begun = 0;
-    m_machine.survey.take = [&gate, &begun](const RankingReport &) {
+    static std::atomic<int> begun = 0;
+    m_machine.survey.take = [&](const RankingReport &) {
         ++begun;
         const std::lock_guard wait(gate);
         return Survey{};
@@ -452,7 +452,7 @@ void TestSystemSampler::aSlowSurveyDelaysNoTickAndTwoAreEnough()
     QCOMPARE(published.count(), 0);
     closed.unlock();
     QTRY_VERIFY(published.count() > 0);
-    const auto tickThrice = [&sampler, &begun] {
+    const auto tickThrice = [&sampler] {
         for (int i = 0; i < 3; ++i)
             sampler.tick();
         return begun.load();
@@ -462,9 +462,9 @@ void TestSystemSampler::aSlowSurveyDelaysNoTickAndTwoAreEnough()
 
 void TestSystemSampler::publishesTheRankingWhileArgumentsAreAwaited()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate);
-    m_machine.survey.take = [&gate](const RankingReport &report) {
+    m_machine.survey.take = [](const RankingReport &report) {
         report({{.id = 7}});
         const std::lock_guard wait(gate);
         return Survey{.processes = {{.id = 7}}, .workloads = {{.id = 7}}};
@@ -480,10 +480,10 @@ void TestSystemSampler::publishesTheRankingWhileArgumentsAreAwaited()
 
 void TestSystemSampler::dropsASurveyThatEndsAfterALaterOne()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate);
-    std::atomic<int> begun = 0;
-    std::atomic<int> ended = 0;
+    static std::atomic<int> begun = 0;
+    static std::atomic<int> ended = 0;
     m_machine.survey.take = [&](const RankingReport &) {
         const int number = ++begun;
         if (number == 1)
@@ -510,9 +510,9 @@ void TestSystemSampler::dropsASurveyThatEndsAfterALaterOne()
 
 void TestSystemSampler::emptiesListsOfWhichNoSurveyEnds()
 {
-    std::mutex gate;
+    static std::mutex gate; // Jobs may outlive the test.
     std::unique_lock closed(gate, std::defer_lock);
-    m_machine.survey.take = [&gate](const RankingReport &) {
+    m_machine.survey.take = [](const RankingReport &) {
         const std::lock_guard wait(gate);
         return Survey{.processes = {{.id = 7}}, .workloads = {{.id = 7}}, .gpuHolders = {{}}};
     };
