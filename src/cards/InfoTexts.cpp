@@ -155,12 +155,4 @@ const InfoText &infoText(InfoTopic topic, const MachineCoverage &machine)
     return place->second;
 }
 
-QStringList infoConditions()
-{
-    QStringList names;
-    for (const Condition &condition : conditions)
-        names.append(condition.name);
-    return names;
-}
-
 } // namespace corvane

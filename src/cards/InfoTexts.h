@@ -24,7 +24,4 @@ InfoText infoText(InfoTopic topic, HostSystem system = hostSystem());
 /// The explanation for that machine; for a whole one that of this system. Main thread.
 const InfoText &infoText(InfoTopic topic, const MachineCoverage &machine);
 
-/// The conditions that a line may name.
-QStringList infoConditions();
-
 } // namespace corvane

@@ -1,6 +1,7 @@
 #include "figures/Figures.h"
 
-#include <algorithm>
+#include "records/GPUTotals.h"
+#include "records/MachineParts.h"
 
 namespace corvane {
 
@@ -35,7 +36,7 @@ void setWholeChip(Figures &figures, const ChipReading &chip)
                              .celsius = chip.aneTempC};
 }
 
-GPUFigures gpuFigures(const GPUCoverage &coverage, const ChipReading &chip)
+GPUFigures gpuFigures(const GPUCoverage &coverage, const std::optional<ChipReading> &chip)
 {
     GPUFigures figures{.device = coverage.device,
                        .name = coverage.name,
@@ -43,8 +44,8 @@ GPUFigures gpuFigures(const GPUCoverage &coverage, const ChipReading &chip)
                        .isAsleep =
                            coverage.load == Coverage::asleep || coverage.memory == Coverage::asleep,
                        .memoryTotal = coverage.memoryTotal};
-    const auto gpu = std::ranges::find(chip.gpus, coverage.device, &GPUMetrics::device);
-    if (gpu == chip.gpus.end())
+    const GPUMetrics *gpu = metricsOf(coverage, chip);
+    if (!gpu)
         return figures;
     figures.busyRatio = gpu->activeFraction;
     figures.state = gpu->state;
@@ -57,13 +58,15 @@ GPUFigures gpuFigures(const GPUCoverage &coverage, const ChipReading &chip)
     return figures;
 }
 
-void setCoveredParts(Figures &figures, const ChipReading &chip, const MachineCoverage &coverage)
+void setCoveredParts(Figures &figures, const SystemMetrics &sample)
 {
+    const ChipReading &chip = *sample.chip;
+    const MachineCoverage &coverage = coverageOf(sample);
     figures.cpu.busyRatio = unlessDenied(chip.cpuActiveFraction, chip.cpuCoreUtilizations.empty());
     figures.cpu.watts = whenKnown(chip.cpuWatts, coverage.cpuWatts);
     for (const GPUCoverage &gpu : coverage.gpus)
-        figures.gpus.push_back(gpuFigures(gpu, chip));
-    if (coverage.npuLoad != Coverage::absent) {
+        figures.gpus.push_back(gpuFigures(gpu, sample.chip));
+    if (hasNPU(coverage)) {
         const NPUMetrics npu = chip.npu.value_or(NPUMetrics{});
         figures.npu = NPUFigures{.busyRatio = npu.activeFraction,
                                  .hertz = hertz(npu.megahertz),
@@ -90,11 +93,10 @@ Figures figuresOf(const SystemMetrics &sample, const QString &chip)
     if (!sample.chip)
         return figures;
     const ChipReading &reading = *sample.chip;
-    const MachineCoverage &coverage = coverageOf(sample);
-    if (coverage.isWhole)
+    if (coverageOf(sample).isWhole)
         setWholeChip(figures, reading);
     else
-        setCoveredParts(figures, reading, coverage);
+        setCoveredParts(figures, sample);
     figures.cpu.hertz = hertz(reading.cpuActiveMHz);
     figures.cpu.coreRatios = reading.cpuCoreUtilizations;
     figures.cpu.celsius = reading.cpuTempC;

@@ -80,25 +80,26 @@ void MetricsFile::setFolder(const QString &folder)
     m_isWanted = std::make_shared<std::atomic<bool>>(true);
     m_interest = m_sampler.lookAtProcesses();
     m_sampler.awaitSurvey();
-    m_energy.add(figuresOf(m_sampler.current(), m_chip));
-    write();
+    const Figures figures = figuresOf(m_sampler.current(), m_chip);
+    m_energy.add(figures);
+    write(figures);
 }
 
 void MetricsFile::tick()
 {
     if (m_file.isEmpty())
         return;
-    m_energy.add(figuresOf(m_sampler.current(), m_chip));
+    const Figures figures = figuresOf(m_sampler.current(), m_chip);
+    m_energy.add(figures);
     if (--m_ticksToWrite <= 0 && !m_isWriting)
-        write();
+        write(figures);
 }
 
-void MetricsFile::write()
+void MetricsFile::write(const Figures &figures)
 {
     m_ticksToWrite = writeEveryNTicks;
     m_isWriting = true;
-    const QByteArray text =
-        metricsText(figuresOf(m_sampler.current(), m_chip), m_energy, m_sampler.aiWorkloads());
+    const QByteArray text = metricsText(figures, m_energy, m_sampler.aiWorkloads());
     runThenDeliver(
         this, [file = m_file, text, wanted = m_isWanted] { return writeFile(file, text, *wanted); },
         [this, wanted = m_isWanted](const std::optional<QString> &error) {

@@ -39,7 +39,7 @@ signals:
 
 private:
     void tick();
-    void write();
+    void write(const Figures &figures);
     void removeFile();
     void setLastError(const std::optional<QString> &error);
 

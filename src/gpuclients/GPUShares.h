@@ -13,7 +13,7 @@
 
 namespace corvane {
 
-/// What processes hold and use of the GPUs, all GPUs together. What is not told is absent.
+/// What processes hold and use of the GPUs, all GPUs together. What is not known is absent.
 struct GPUShare {
     std::optional<std::uint64_t> bytes = {};
     std::optional<double> fraction = {}; ///< Mean over the GPUs that they use, 0…1.
@@ -25,8 +25,6 @@ struct GPUShare {
 class GPUShares {
 public:
     explicit GPUShares(const std::vector<GPUUse> &uses);
-
-    bool areEmpty() const { return m_byPid.empty(); }
 
     /// What these processes have together.
     GPUShare of(const std::vector<std::int32_t> &pids) const;

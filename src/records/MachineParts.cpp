@@ -1,6 +1,7 @@
 #include "records/MachineParts.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 
 namespace corvane {
@@ -14,39 +15,37 @@ bool canTell(Coverage coverage)
                               : coverage == Coverage::known;
 }
 
+} // namespace
+
 bool hasMemory(const GPUCoverage &gpu)
 {
     return canTell(gpu.memory) || (gpu.memoryTotal && isDenied(gpu.memory));
 }
 
-} // namespace
-
 std::vector<GPUCoverage> countedGPUs(const MachineCoverage &machine)
 {
     std::vector<GPUCoverage> cards;
-    std::ranges::copy_if(machine.gpus, std::back_inserter(cards),
-                         [](const GPUCoverage &gpu) { return !gpu.integrated; });
+    std::ranges::copy_if(machine.gpus, std::back_inserter(cards), isGraphicsCard);
     return cards.empty() ? machine.gpus : cards;
 }
 
 std::vector<GPUCoverage> gpusWithMemory(const MachineCoverage &machine)
 {
     std::vector<GPUCoverage> gpus = countedGPUs(machine);
-    std::erase_if(gpus, [](const GPUCoverage &gpu) { return !hasMemory(gpu); });
+    std::erase_if(gpus, std::not_fn(hasMemory));
     return gpus;
 }
 
 bool hasVRAM(const MachineCoverage &machine)
 {
     const std::vector<GPUCoverage> gpus = gpusWithMemory(machine);
-    return !gpus.empty() && !gpus.front().integrated;
+    return !gpus.empty() && isGraphicsCard(gpus.front());
 }
 
 bool hasWatts(const MachineCoverage &machine)
 {
     return canTell(machine.cpuWatts) || canTell(machine.packageWatts) || canTell(machine.npuWatts)
-        || std::ranges::any_of(machine.gpus,
-                               [](const GPUCoverage &gpu) { return canTell(gpu.watts); });
+        || std::ranges::any_of(machine.gpus, canTell, &GPUCoverage::watts);
 }
 
 bool hasNPU(const MachineCoverage &machine)

@@ -10,6 +10,15 @@ namespace corvane {
 /// not from what they tell at the moment, so that nothing moves when a card falls asleep. A whole
 /// chip of Apple has places of its own, and these functions do not apply to it.
 
+/// Whether this GPU is a graphics card with memory of its own.
+constexpr bool isGraphicsCard(const GPUCoverage &gpu)
+{
+    return !gpu.integrated && !gpu.usesSystemMemory;
+}
+
+/// Whether the GPU has memory figures, now or when it is awake.
+bool hasMemory(const GPUCoverage &gpu);
+
 /// The GPUs that count as the machine's: its graphics cards, else its integrated GPUs.
 std::vector<GPUCoverage> countedGPUs(const MachineCoverage &machine);
 

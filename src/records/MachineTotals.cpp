@@ -1,5 +1,8 @@
 #include "records/MachineTotals.h"
 
+#include "records/GPUTotals.h"
+#include "records/MachineParts.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -21,9 +24,7 @@ std::vector<GPU> gpusOf(const SystemMetrics &sample, bool cards)
     for (const GPUCoverage &coverage : coverageOf(sample).gpus) {
         if (isGraphicsCard(coverage) != cards)
             continue;
-        const auto &metrics = sample.chip->gpus; // Only a reading has a coverage with GPUs.
-        const auto same = std::ranges::find(metrics, coverage.device, &GPUMetrics::device);
-        gpus.push_back({&coverage, same == metrics.end() ? nullptr : &*same});
+        gpus.push_back({&coverage, metricsOf(coverage, sample.chip)});
     }
     return gpus;
 }
@@ -54,28 +55,6 @@ std::optional<std::uint64_t> memoryUsed(const GPU &gpu)
 bool hasLoad(const GPU &gpu)
 {
     return load(gpu).has_value();
-}
-
-/// Whether its source tells a quantity, or will once the GPU is awake or its driver is in order.
-bool canTell(Coverage coverage)
-{
-    return coverage == Coverage::known || coverage == Coverage::asleep
-        || coverage == Coverage::newDriver || coverage == Coverage::noLibrary;
-}
-
-/// Whether the GPU has memory figures, now or later.
-bool hasMemory(const GPU &gpu)
-{
-    const Coverage memory = gpu.coverage->memory;
-    return canTell(memory) || (isDenied(memory) && gpu.coverage->memoryTotal);
-}
-
-/// Whether the machine has watts of its parts, now or later.
-bool hasWatts(const MachineCoverage &coverage)
-{
-    return canTell(coverage.cpuWatts) || canTell(coverage.packageWatts)
-        || canTell(coverage.npuWatts)
-        || std::ranges::any_of(coverage.gpus, canTell, &GPUCoverage::watts);
 }
 
 /// All asleep, or the reason of the first that is awake.
@@ -138,7 +117,7 @@ GPUMemoryTotal gpuMemoryTotal(const SystemMetrics &sample)
     GPUMemoryTotal memory{.ofCards = !gpus.empty()};
     if (gpus.empty())
         gpus = gpusOf(sample, false);
-    std::erase_if(gpus, [](const GPU &gpu) { return !hasMemory(gpu); });
+    std::erase_if(gpus, [](const GPU &gpu) { return !hasMemory(*gpu.coverage); });
     if (gpus.empty())
         return memory;
 

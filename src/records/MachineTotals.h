@@ -16,12 +16,6 @@ enum class FigureState : std::uint8_t {
     known,
 };
 
-/// Whether this GPU is a graphics card with memory of its own.
-constexpr bool isGraphicsCard(const GPUCoverage &gpu)
-{
-    return !gpu.integrated && !gpu.usesSystemMemory;
-}
-
 /// The memory of all graphics cards together; on a machine without any, that of the integrated
 /// GPUs.
 struct GPUMemoryTotal {
