@@ -54,7 +54,7 @@ GPUMetrics gpuMetrics(const ChipSnapshot &from, const ChipSnapshot &to, const GP
 struct ChipWatts {
     std::optional<double> cpu = {};
     std::optional<double> graphics = {}; ///< Of an integrated GPU.
-    std::optional<double> package = {};  ///< Where the CPU's are told beside it.
+    std::optional<double> package = {};  ///< Where the CPU's watts are known beside it.
 };
 
 int countOf(const std::vector<PackageEnergyReading> &counters, EnergyPart part)

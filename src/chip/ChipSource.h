@@ -17,7 +17,8 @@ using ChipSource = std::function<std::optional<ChipReading>()>;
 class GPUHandOver;
 
 /// Opens this machine's chip sampler. `now` returns monotonic seconds, sleep included; a test steps
-/// its own. `gpus` is told which GPUs there are, on a system that tells them apart; null: nobody.
+/// its own. `gpus` receives the GPUs that there are, on a system that lists them one by one; may be
+/// null.
 ChipSource openChipSource(std::function<double()> now = secondsSinceBoot,
                           const std::shared_ptr<GPUHandOver> &gpus = nullptr);
 

@@ -21,8 +21,8 @@ namespace corvane {
 class GPUWatch {
 public:
     /// `root` is the folder below which the kernel files lie. NVIDIA's management library is opened
-    /// from `nvidiaLibrary`; an empty name: never. The library is not waited for. `handOver` is
-    /// told at each reading which GPUs may be touched.
+    /// from `nvidiaLibrary`; an empty name: never. The library is not waited for. `handOver`
+    /// receives at each reading which GPUs may be touched.
     explicit GPUWatch(const std::string &root, std::string nvidiaLibrary = {},
                       std::function<double()> clock = secondsSinceBoot,
                       std::shared_ptr<GPUHandOver> handOver = std::make_shared<GPUHandOver>(),

@@ -19,7 +19,7 @@ enum class PowerSource {
     gpu,
     ane,
     rest,   ///< What the told parts leave of the package.
-    package ///< The package where none of its parts is told.
+    package ///< The package where no watts of its parts are known.
 };
 
 /// One of a machine's power sources, from the bottom of the stack upwards.

@@ -25,7 +25,7 @@ struct GPUAccess {
     bool integrated = false;
     State state = State::open;
 
-    /// As a vendor's library told last; absent where none tells. Kept while the GPU is left alone.
+    /// As a vendor's library reported last; absent without one. Kept while the GPU is left alone.
     std::optional<std::vector<GPUProcessUse>> processes = {};
 };
 

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// What one process holds and uses of one GPU. What is not told is absent.
+/// What one process holds and uses of one GPU. What is not known is absent.
 struct GPUProcessUse {
     std::int32_t pid = 0;
     std::optional<std::uint64_t> bytes = {}; ///< Of the GPU's memory.

@@ -159,7 +159,7 @@ struct NvidiaFunctions {
     bool gpuIsLost = false;     ///< A call found that its GPU is gone.
     bool driverIsNewer = false; ///< A call found that the driver was updated.
 
-    /// Absence is told as why: `noLibrary` when the file is missing or lacks a function that
+    /// Its absence has a reason: `noLibrary` when the file is missing or lacks a function that
     /// cannot be done without.
     Coverage load(const std::string &path);
 

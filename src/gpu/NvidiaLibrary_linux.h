@@ -30,7 +30,7 @@ struct NvidiaDeviceReading {
     std::optional<std::uint64_t> memoryTotal = {}; ///< Bytes; absent for the machine's memory.
     std::optional<std::uint64_t> memoryUsed = {};  ///< Bytes.
 
-    /// Absent when it was not asked for, or is not told.
+    /// Absent when it was not asked for, or is not known.
     std::optional<std::vector<GPUProcessUse>> processes = {};
 
     Coverage load = Coverage::unpublished;

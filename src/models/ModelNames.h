@@ -15,9 +15,9 @@ namespace corvane {
 /// from any thread: surveys may overlap.
 ///
 /// A process whose files take longer than the patience is left alone for the rest of its life; its
-/// row says what the command line told. What a process maps may change, and a model may still be
-/// loading: a process is looked at again after 3 s, then after twice the time before, at most after
-/// a minute, and only while that can tell more.
+/// row says what the command line contains. What a process maps may change, and a model may still
+/// be loading: a process is looked at again after 3 s, then after twice the time before, at most
+/// after a minute, and only while that can tell more.
 class ModelNames {
 public:
     using Clock = std::function<std::chrono::steady_clock::time_point()>;

@@ -101,7 +101,7 @@ void ModelResolver::nameByStore(ModelFinding &finding, const QString &path,
         finding.details.otherNames.append(QString::fromStdString(answer.names[i]));
 }
 
-/// Quantisation and length of context in a GGUF file, and the name where none is told yet.
+/// Quantisation and length of context in a GGUF file, and the name where none is known yet.
 void ModelResolver::readHeader(ModelFinding &finding, const std::string &path, bool isTold)
 {
     const BoundedFile file(path);

@@ -14,7 +14,7 @@ struct ProcessRow {
     QString name = {};
     std::uint64_t memory = 0; ///< Physical footprint in bytes.
     std::optional<std::uint64_t> gpuMemory =
-        {}; ///< Bytes of all GPUs; absent where it is not told.
+        {}; ///< Bytes of all GPUs; absent where it is not known.
 
     friend bool operator==(const ProcessRow &, const ProcessRow &) = default;
 };

@@ -393,7 +393,8 @@ std::optional<Recognition> recognise(const ProcessFacts &facts)
 bool nameMayBeARunner(const QString &name)
 {
     const ProgramRun run{.name = name.toLower()};
-    // Scripts that these run are told by their arguments; a name that was cut may hide an ending.
+    // Scripts that these run are recognised by their arguments; a name that was cut may hide an
+    // ending.
     constexpr std::array hosts{"node"_L1, "chat"_L1, "pt_main_thread"_L1};
     return isOneOf(run.name, hosts) || run.name.endsWith(".llamafile"_L1) || isCut(run.name)
         || std::ranges::any_of(secondRules, [&run](const SecondRule &row) {

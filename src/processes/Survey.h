@@ -13,7 +13,7 @@ namespace corvane {
 struct Survey {
     std::vector<ProcessRow> processes = {};  ///< The 20 heaviest, largest first.
     std::vector<AIWorkload> workloads = {};  ///< Largest first.
-    std::vector<GPUHolders> gpuHolders = {}; ///< One a GPU whose memory is told by process.
+    std::vector<GPUHolders> gpuHolders = {}; ///< One a GPU whose memory is known by process.
 
     friend bool operator==(const Survey &, const Survey &) = default;
 };

@@ -63,9 +63,9 @@ struct ChipReading {
     /// Apple.
     std::shared_ptr<const MachineCoverage> coverage = {};
     std::optional<NPUMetrics> npu = {};
-    /// The whole package, where the watts of its parts are told too: `cpuWatts` is then that of the
-    /// cores, and those of an integrated GPU and of the NPU are parts of it. Else `cpuWatts` is all
-    /// that is known of the package.
+    /// The whole package, where the watts of its parts are known too: `cpuWatts` is then that of
+    /// the cores, and those of an integrated GPU and of the NPU are parts of it. Else `cpuWatts` is
+    /// all that is known of the package.
     std::optional<double> packageWatts = {};
     std::optional<double> systemWatts = {}; ///< The whole machine; never part of the sum of watts.
 };

@@ -8,7 +8,7 @@
 namespace corvane {
 
 /// Who holds the memory of one GPU, as the newest survey of processes found it. What is in use
-/// beyond that belongs to processes that cannot be told, and to the driver.
+/// beyond that belongs to processes that cannot be identified, and to the driver.
 struct GPUHolders {
     QString device = {};       ///< As in `GPUMetrics`.
     std::uint64_t aiBytes = 0; ///< Of the AI workloads with all their processes.

@@ -4,11 +4,12 @@
 
 namespace corvane {
 
-/// The counted GPUs of a machine in one sample, taken together. A value that none of them told is
+/// The counted GPUs of a machine in one sample, taken together. A value that none of them has is
 /// absent.
 struct GPUTotals {
     std::optional<double> activeFraction = {}; ///< Mean, 0…1.
-    bool integratedStandsIn = false; ///< No card told its load: it is that of the integrated GPU.
+    bool integratedStandsIn =
+        false; ///< No card has a known load: it is that of the integrated GPU.
     std::optional<double> megahertz = {};          ///< Of the only GPU whose load counts.
     std::optional<QString> state = {};             ///< Of the same.
     std::optional<double> watts = {};              ///< Sum.
@@ -19,7 +20,7 @@ struct GPUTotals {
     bool isAsleep = false; ///< All of them sleep.
 };
 
-/// The metrics of one GPU in a reading; null if it told nothing then.
+/// The metrics of one GPU in a reading; null if it could not be read then.
 const GPUMetrics *metricsOf(const GPUCoverage &gpu, const std::optional<ChipReading> &chip);
 
 /// `machine` is the newest coverage, which also knows the memory of a card that sleeps by now.
