@@ -145,6 +145,20 @@ AIWorkload workload(std::int64_t pid, const QString &process, AIFramework framew
     return result;
 }
 
+/// From that sample on the GPU is asleep and cannot be read.
+void fallAsleep(std::vector<SystemMetrics> &history, std::size_t from, std::size_t index)
+{
+    for (std::size_t i = from; i < history.size(); ++i) {
+        changeCoverage(history[i], [index](MachineCoverage &machine) {
+            GPUCoverage &gpu = machine.gpus[index];
+            gpu.load = gpu.watts = gpu.memory = Coverage::asleep;
+        });
+        std::erase_if(history[i].chip->gpus, [&](const GPUMetrics &gpu) {
+            return gpu.device == coverageOf(history[i]).gpus[index].device;
+        });
+    }
+}
+
 QString pci(int index)
 {
     return u"0000:%1:00.0"_s.arg(index + 1, 2, 16, QChar(u'0'));
@@ -171,7 +185,7 @@ ScriptedMachine oneCardMinute()
                       .megahertz = 2610,
                       .watts = now ? 318.42 : 30 + 290 * busy + 6 * wobble(index, 3),
                       .tempC = 66,
-                      .memoryUsed = gibibytes(now             ? 21.56
+                      .memoryUsed = gibibytes(now             ? 21.592
                                                   : index < 2 ? 21.2
                                                               : 21.55)}};
         chip.gpuActiveFraction = *chip.gpus[0].activeFraction;
@@ -180,7 +194,7 @@ ScriptedMachine oneCardMinute()
     };
     return {.name = u"linux-nvidia"_s,
             .chip = u"AMD Ryzen 9 5950X 16-Core Processor"_s,
-            .history = minute({62.72, 11.84, 1.87, 0, 27.41, 0, 8}, machine, chipAt),
+            .history = minute({62.72, 11.94, 1.87, 0, 27.41, 0, 8}, machine, chipAt),
             .processes = processes({{"firefox", 2365.4},
                                     {"code", 1966.1},
                                     {"llama-server", 1269.8},
@@ -231,7 +245,7 @@ ScriptedMachine apuMinute()
         chip.cpuCoreUtilizations = cores(24, 0.31);
         chip.gpus = {{.device = u"0000:c4:00.0"_s,
                       .integrated = true,
-                      .activeFraction = now ? 0.88 : 0.04 + 0.86 * busy + 0.02 * wobble(index, 2),
+                      .activeFraction = now ? 0.882 : 0.04 + 0.86 * busy + 0.02 * wobble(index, 2),
                       .state = u"2900 MHz"_s,
                       .megahertz = 2900,
                       .watts = now ? 21.63 : 1 + 20.5 * busy + 0.4 * wobble(index, 3),
@@ -433,14 +447,14 @@ ScriptedMachine integratedOnlyMinute()
     const auto chipAt = [](int index) {
         ChipReading chip;
         chip.cpuActiveFraction =
-            index == last ? 0.64 : 0.12 + 0.56 * bursts(index) + 0.05 * wobble(index, 1);
+            index == last ? 0.641 : 0.12 + 0.56 * bursts(index) + 0.05 * wobble(index, 1);
         chip.cpuActiveMHz = 2870;
         chip.cpuTempC = 82;
         chip.cpuCoreUtilizations = cores(16, 0.64);
         chip.gpus = {{.device = u"0000:00:02.0"_s,
                       .integrated = true,
                       .activeFraction = index == last
-                          ? 0.14
+                          ? 0.141
                           : 0.03 + 0.12 * bursts(index) + 0.01 * wobble(index, 2),
                       .state = u"600 MHz"_s,
                       .megahertz = 600}};
@@ -478,9 +492,7 @@ ScriptedMachine sleepingCardMinute()
     constexpr int asleepFrom = 31;
     MachineCoverage machine = pc();
     machine.cpuWatts = Coverage::locked;
-    GPUCoverage card = nvidia(pci(0), u"NVIDIA GeForce RTX 3060 Laptop GPU"_s, 6);
-    card.load = card.watts = card.memory = Coverage::asleep;
-    machine.gpus = {intelGraphics(), card};
+    machine.gpus = {intelGraphics(), nvidia(pci(0), u"NVIDIA GeForce RTX 3060 Laptop GPU"_s, 6)};
     const auto chipAt = [](int index) {
         ChipReading chip;
         chip.cpuActiveFraction = index == last ? 0.09 : 0.1 + 0.05 * wobble(index, 1);
@@ -489,19 +501,20 @@ ScriptedMachine sleepingCardMinute()
         chip.cpuCoreUtilizations = cores(20, 0.09);
         chip.gpus = {{.device = u"0000:00:02.0"_s,
                       .integrated = true,
-                      .activeFraction = index == last ? 0.06 : 0.03 + 0.04 * bursts(index),
+                      .activeFraction = index == last ? 0.0602 : 0.03 + 0.04 * bursts(index),
                       .state = u"500 MHz"_s,
                       .megahertz = 450}};
-        if (index < asleepFrom) {
-            chip.gpus.push_back({.device = pci(0),
-                                 .watts = 10.4 + 0.4 * wobble(index, 3),
-                                 .memoryUsed = gibibytes(1.86)});
-        }
+        chip.gpus.push_back({.device = pci(0),
+                             .watts = 10.4 + 0.4 * wobble(index, 3),
+                             .memoryUsed = gibibytes(1.86)});
         return chip;
     };
+    std::vector<SystemMetrics> history =
+        minute({31.06, 7.93, 1.21, 0, 9.64, 0, 8}, machine, chipAt);
+    fallAsleep(history, asleepFrom, 1);
     return {.name = u"linux-asleep"_s,
             .chip = u"12th Gen Intel(R) Core(TM) i7-12700H"_s,
-            .history = minute({31.06, 7.93, 1.21, 0, 9.64, 0, 8}, machine, chipAt),
+            .history = std::move(history),
             .processes = processes({{"firefox", 1761.3},
                                     {"Isolated Web Co", 742.8},
                                     {"gnome-shell", 466.3},
@@ -526,7 +539,7 @@ ScriptedMachine virtualMachineMinute()
     const auto chipAt = [](int index) {
         ChipReading chip;
         chip.cpuActiveFraction =
-            index == last ? 0.58 : 0.1 + 0.52 * bursts(index) + 0.04 * wobble(index, 1);
+            index == last ? 0.576 : 0.1 + 0.52 * bursts(index) + 0.04 * wobble(index, 1);
         chip.cpuActiveMHz = 2300;
         chip.cpuCoreUtilizations = {0.82, 0.71, 0.66, 0.12};
         return chip;
@@ -560,28 +573,36 @@ ScriptedMachine virtualMachineMinute()
 
 ScriptedMachine unlikeCardsMinute()
 {
-    ScriptedMachine machine = twoCardsMinute().with([](MachineCoverage &coverage) {
-        GPUCoverage &second = coverage.gpus[1];
-        second.name = u"AMD Radeon RX 7900 XTX"_s;
-        second.load = second.watts = second.memory = Coverage::asleep;
-    });
+    ScriptedMachine machine = twoCardsMinute().with(
+        [](MachineCoverage &coverage) { coverage.gpus[1].name = u"AMD Radeon RX 7900 XTX"_s; });
     machine.name = u"linux-unlike"_s;
-    for (std::size_t i = machine.history.size() / 2; i < machine.history.size(); ++i)
-        machine.history[i].chip->gpus.resize(1);
+    fallAsleep(machine.history, machine.history.size() / 2, 1);
+    machine.workloads = {workload(3187, u"llama-server"_s, AIFramework::llamaCpp,
+                                  u"Qwen2.5-32B-Instruct-Q4_K_M.gguf"_s, 1.61, 21.3)};
     return machine;
 }
 
 ScriptedMachine unifiedMemoryMinute()
 {
     ScriptedMachine machine = oneCardMinute().with([](MachineCoverage &coverage) {
+        coverage.cpuWatts = coverage.cpuFrequency = Coverage::absent;
         GPUCoverage &gpu = coverage.gpus[0];
         gpu.name = u"NVIDIA GB10"_s;
         gpu.integrated = gpu.usesSystemMemory = true;
-        gpu.memoryTotal = gibibytes(119.6);
+        gpu.watts = Coverage::absent;
+        gpu.memoryTotal = gibibytes(119.7);
     });
     machine.name = u"linux-unified"_s;
-    for (SystemMetrics &sample : machine.history)
+    machine.chip = u"NVIDIA GB10"_s;
+    for (int index = 0; index < sampleCount; ++index) {
+        SystemMetrics &sample = machine.history[static_cast<std::size_t>(index)];
+        sample.memory = snapshot({119.7, 48.01, 27.63, 0, 25.69, 0, 16}, index);
+        sample.chip->cpuActiveMHz = 0;
+        sample.chip->cpuCoreUtilizations = cores(20, 0.23);
+        sample.chip->gpuWatts = 0;
         sample.chip->gpus[0].integrated = true;
+        sample.chip->gpus[0].watts.reset();
+    }
     return machine;
 }
 
@@ -593,12 +614,28 @@ ScriptedMachine lowerBoundMinute()
         gpu.memoryTotal = gibibytes(15.9);
     });
     machine.name = u"linux-arc"_s;
-    machine.holders.clear();
+    machine.workloads = {workload(48213, u"llama-server"_s, AIFramework::llamaCpp,
+                                  u"Qwen2.5-7B-Instruct-Q4_K_M.gguf"_s, 1.24, 5.2)};
+    machine.holders = {{pci(0), gibibytes(5.2), u"llama-server"_s, gibibytes(5.2)}};
     for (SystemMetrics &sample : machine.history) {
-        sample.chip->gpus[0].memoryUsed = gibibytes(5.2);
-        sample.chip->gpus[0].memoryIsLowerBound = true;
+        GPUMetrics &gpu = sample.chip->gpus[0];
+        gpu.state = u"2400 MHz"_s;
+        gpu.megahertz = 2400;
+        gpu.watts = *gpu.watts * 0.6;
+        sample.chip->gpuWatts = *gpu.watts;
+        gpu.memoryUsed = gibibytes(5.2);
+        gpu.memoryIsLowerBound = true;
     }
     return machine;
+}
+
+SystemMetrics changed(
+    SystemMetrics sample,
+    const std::function<void(MachineCoverage &coverage, ChipReading &chip)> &change)
+{
+    ChipReading &chip = *sample.chip;
+    changeCoverage(sample, [&](MachineCoverage &coverage) { change(coverage, chip); });
+    return sample;
 }
 
 std::vector<ScriptedMachine> allScriptedMachines()

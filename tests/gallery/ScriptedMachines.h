@@ -5,9 +5,26 @@
 #include "records/GPUHolders.h"
 #include "records/SystemMetrics.h"
 
+#include <functional>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace corvane::test {
+
+/// Replaces what the machine tells in a sample with a reading.
+template <typename Change>
+void changeCoverage(SystemMetrics &sample, Change change)
+{
+    auto coverage = std::make_shared<MachineCoverage>(coverageOf(sample));
+    change(*coverage);
+    sample.chip->coverage = std::move(coverage);
+}
+
+/// The sample after `change` was applied to a copy of its coverage and its reading.
+SystemMetrics changed(
+    SystemMetrics sample,
+    const std::function<void(MachineCoverage &coverage, ChipReading &chip)> &change);
 
 /// An invented minute of a Linux machine, one sample a second, and its processes. For pictures and
 /// tests.
@@ -27,10 +44,8 @@ struct ScriptedMachine {
     ScriptedMachine with(Change change) const
     {
         ScriptedMachine changed = *this;
-        auto machine = std::make_shared<MachineCoverage>(coverage());
-        change(*machine);
         for (SystemMetrics &sample : changed.history)
-            sample.chip->coverage = machine;
+            changeCoverage(sample, change);
         return changed;
     }
 };

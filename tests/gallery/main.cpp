@@ -17,7 +17,6 @@
 #include "figures/MetricsFile.h"
 #include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
-#include "gallery/ShownMachines.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
 #include "login/LaunchAtLoginManager.h"
@@ -296,31 +295,39 @@ bool about(const Gallery &gallery)
 }
 
 /// The panel on this machine, as it opens.
-bool panel(const Gallery &gallery, const QString &name, const ShownMachine &machine)
+bool panel(const Gallery &gallery, const QString &name, const QString &chipName,
+           const SystemMetrics &sample)
 {
-    MenuBarContent content(secondsSinceBoot, nullptr, machine.chipName);
-    content.show(machine.sample);
+    MenuBarContent content(secondsSinceBoot, nullptr, chipName);
+    content.show(sample);
     return gallery.save(content, name);
+}
+
+/// Those whose panel and label are shown.
+QList<ScriptedMachine> panelMachines()
+{
+    return {oneCardMinute(),        apuMinute(),           fourCardsMinute(), sleepingCardMinute(),
+            integratedOnlyMinute(), virtualMachineMinute()};
 }
 
 bool panels(const Gallery &gallery)
 {
-    bool good = panel(gallery, u"panel"_s, {.chipName = chip.name, .sample = scriptedCurrent()});
-    good &= panel(gallery, u"linux-panel-nvidia"_s, oneCard());
-    good &= panel(gallery, u"linux-panel-apu"_s, apuWithNPU());
-    good &= panel(gallery, u"linux-panel-workstation-4"_s, fourCards());
-    good &= panel(gallery, u"linux-panel-asleep"_s, cardAsleep());
-    good &= panel(gallery, u"linux-panel-integrated"_s, integratedAlone());
-    return panel(gallery, u"linux-panel-vm"_s, virtualMachine()) && good;
+    bool good = panel(gallery, u"panel"_s, chip.name, scriptedCurrent());
+    for (const ScriptedMachine &machine : panelMachines()) {
+        QString name = machine.name;
+        name.insert(u"linux-"_s.size(), u"panel-"_s);
+        good &= panel(gallery, name, machine.chip, machine.current());
+    }
+    return good;
 }
 
 /// The label as a wide picture and as squares, on a dark and on a light bar, a row for each
 /// machine.
 class Labels : public QWidget {
 public:
-    explicit Labels(const QList<ShownMachine> &machines) : m_machines(machines)
+    explicit Labels(const QList<SystemMetrics> &samples) : m_samples(samples)
     {
-        resize(760, 10 + rowHeight * static_cast<int>(machines.size()));
+        resize(760, 10 + rowHeight * static_cast<int>(samples.size()));
     }
 
 protected:
@@ -329,8 +336,8 @@ protected:
         QPainter painter(this);
         painter.fillRect(rect(), QColor(46, 56, 76));
         double top = 10;
-        for (const ShownMachine &machine : m_machines) {
-            const LabelNumbers numbers = labelNumbers(machine.sample);
+        for (const SystemMetrics &sample : m_samples) {
+            const LabelNumbers numbers = labelNumbers(sample);
             double left = 20;
             for (const QColor &bar : {QColor(28, 30, 36), QColor(236, 237, 241)}) {
                 painter.fillRect(QRectF(left, top, 171, 30), bar);
@@ -372,14 +379,16 @@ private:
         }
     }
 
-    QList<ShownMachine> m_machines;
+    QList<SystemMetrics> m_samples;
 };
 
 bool labels(const Gallery &gallery)
 {
-    Labels mac({{.sample = scriptedCurrent()}});
-    Labels linuxMachines(
-        {oneCard(), apuWithNPU(), fourCards(), cardAsleep(), integratedAlone(), virtualMachine()});
+    Labels mac({scriptedCurrent()});
+    QList<SystemMetrics> samples;
+    for (const ScriptedMachine &machine : panelMachines())
+        samples.append(machine.current());
+    Labels linuxMachines(samples);
     const bool good = gallery.save(mac, u"labels"_s);
     return gallery.save(linuxMachines, u"linux-labels"_s) && good;
 }

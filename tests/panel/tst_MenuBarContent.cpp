@@ -2,7 +2,7 @@
 
 #include "chip/ChipIdentity.h"
 #include "controls/PanelButton.h"
-#include "gallery/ShownMachines.h"
+#include "gallery/ScriptedMachines.h"
 #include "panel/PanelHeader.h"
 #include "panel/PanelRow.h"
 #include "support/Rendering.h"
@@ -215,20 +215,20 @@ void TestMenuBarContent::isAsHighAsTheMachinesRows_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<int>("rows");
     QTest::addColumn<int>("height");
-    const auto withSwap = [](const ShownMachine &machine) {
-        SystemMetrics current = machine.sample;
+    const auto withSwap = [](const ScriptedMachine &machine) {
+        SystemMetrics current = machine.current();
         current.memory.swapTotal = quint64(8) << 30;
         return current;
     };
     QTest::newRow("a whole chip") << busySample() << 5 << 296;
-    QTest::newRow("one graphics card") << oneCard().sample << 5 << 296;
-    QTest::newRow("six rows") << apuWithNPU().sample << 6 << 332;
-    QTest::newRow("four cards, no swap") << fourCards().sample << 5 << 283;
-    QTest::newRow("four cards and swap") << withSwap(fourCards()) << 5 << 296;
-    QTest::newRow("a card asleep") << cardAsleep().sample << 5 << 296;
-    QTest::newRow("an integrated GPU") << integratedAlone().sample << 4 << 260;
-    QTest::newRow("a virtual machine") << virtualMachine().sample << 3 << 211;
-    QTest::newRow("a virtual machine with swap") << withSwap(virtualMachine()) << 3 << 224;
+    QTest::newRow("one graphics card") << oneCardMinute().current() << 5 << 296;
+    QTest::newRow("six rows") << apuMinute().current() << 6 << 332;
+    QTest::newRow("four cards, no swap") << fourCardsMinute().current() << 5 << 283;
+    QTest::newRow("four cards and swap") << withSwap(fourCardsMinute()) << 5 << 296;
+    QTest::newRow("a card asleep") << sleepingCardMinute().current() << 5 << 296;
+    QTest::newRow("an integrated GPU") << integratedOnlyMinute().current() << 4 << 260;
+    QTest::newRow("a virtual machine") << virtualMachineMinute().current() << 3 << 211;
+    QTest::newRow("a virtual machine with swap") << withSwap(virtualMachineMinute()) << 3 << 224;
 }
 
 void TestMenuBarContent::isAsHighAsTheMachinesRows()
@@ -250,11 +250,14 @@ void TestMenuBarContent::headerSaysWhatTheMachinesPowerIs_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<QString>("expected");
     QTest::newRow("a whole chip") << busySample() << u"Corvane on Chip: 0.3 W in all"_s;
-    QTest::newRow("one card") << oneCard().sample << u"Corvane on Chip: 318.4 W GPU only"_s;
-    QTest::newRow("all parts") << fourCards().sample << u"Corvane on Chip: 835.5 W in all"_s;
+    QTest::newRow("one card") << oneCardMinute().current()
+                              << u"Corvane on Chip: 318.4 W GPU only"_s;
+    QTest::newRow("all parts") << fourCardsMinute().current()
+                               << u"Corvane on Chip: 835.5 W in all"_s;
     QTest::newRow("a card asleep")
-        << cardAsleep().sample << u"Corvane on Chip: – nothing to read"_s;
-    QTest::newRow("no watts, no number") << virtualMachine().sample << u"Corvane on Chip"_s;
+        << sleepingCardMinute().current() << u"Corvane on Chip: – nothing to read"_s;
+    QTest::newRow("no watts, no number")
+        << virtualMachineMinute().current() << u"Corvane on Chip"_s;
 }
 
 void TestMenuBarContent::headerSaysWhatTheMachinesPowerIs()
@@ -270,7 +273,7 @@ void TestMenuBarContent::aLongChipNameEndsBeforeThePartsOfThePower()
 {
     const auto pictureOf = [](const QString &chipName) {
         MenuBarContent panel(secondsSinceBoot, nullptr, chipName);
-        panel.show(oneCard().sample);
+        panel.show(oneCardMinute().current());
         panel.toggleAt({400, 10});
         return rendered(*panel.findChild<PanelHeader *>(), 2);
     };
@@ -284,13 +287,13 @@ void TestMenuBarContent::aLongChipNameEndsBeforeThePartsOfThePower()
 void TestMenuBarContent::rowsComeAndGoWhileItIsOpen()
 {
     MenuBarContent panel;
-    panel.show(virtualMachine().sample);
+    panel.show(virtualMachineMinute().current());
     panel.toggleAt({400, 10});
     QCOMPARE(panel.height(), 211);
-    panel.show(apuWithNPU().sample);
+    panel.show(apuMinute().current());
     QCOMPARE(panel.height(), 332);
     QCOMPARE(textsOfRows(panel).at(4), u"NPU: 17 %, 1.35 W"_s);
-    panel.show(virtualMachine().sample);
+    panel.show(virtualMachineMinute().current());
     QCOMPARE(panel.height(), 211);
     QCOMPARE(textsOfRows(panel).size(), 3);
     QCOMPARE(panel.pos(), QPoint(260, 14));
@@ -301,10 +304,10 @@ void TestMenuBarContent::staysAtItsBarWhenItGrows()
 {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     MenuBarContent panel;
-    panel.show(virtualMachine().sample);
+    panel.show(virtualMachineMinute().current());
     panel.toggleAt({400, screen.bottom() - 10});
     const int bottom = panel.geometry().bottom();
-    panel.show(oneCard().sample);
+    panel.show(oneCardMinute().current());
     QCOMPARE(panel.height(), 296);
     QCOMPARE(panel.geometry().bottom(), bottom);
 }

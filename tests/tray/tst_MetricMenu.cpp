@@ -1,6 +1,6 @@
 #include "tray/MetricMenu.h"
 
-#include "gallery/ShownMachines.h"
+#include "gallery/ScriptedMachines.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -94,15 +94,15 @@ void TestMetricMenu::rowsComeAndGoWithTheMachinesParts()
     QAction quit(u"Quit"_s);
     MetricMenu menu({&quit});
     emit menu.aboutToShow();
-    menu.show(virtualMachine().sample);
+    menu.show(virtualMachineMinute().current());
     QCOMPARE(titlesOf(menu), (QStringList{u"Memory"_s, u"CPU"_s, u"Swap"_s, u"-"_s, u"Quit"_s}));
-    menu.show(apuWithNPU().sample);
+    menu.show(apuMinute().current());
     QCOMPARE(titlesOf(menu),
              (QStringList{u"Memory"_s, u"GPU Memory"_s, u"GPU"_s, u"CPU"_s, u"NPU"_s, u"Swap"_s,
                           u"-"_s, u"Quit"_s}));
     for (int row = 0; row < 6; ++row)
         QVERIFY(!menu.actions().at(row)->isEnabled());
-    menu.show(oneCard().sample);
+    menu.show(oneCardMinute().current());
     QCOMPARE(menu.actions().at(1)->text(), u"VRAM: 21.59 GB / 23.99 GB, 90 %"_s);
 }
 

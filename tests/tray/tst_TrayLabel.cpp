@@ -1,6 +1,6 @@
 #include "tray/TrayLabel.h"
 
-#include "gallery/ShownMachines.h"
+#include "gallery/ScriptedMachines.h"
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
@@ -504,14 +504,15 @@ void TestTrayLabel::takesTheFormOfTheMachine_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("a graphics card: four numbers")
-        << oneCard().sample
+        << oneCardMinute().current()
         << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 VRAM"_s, u"Corvane 3 GPU"_s,
                        u"Corvane 4 Power"_s};
     QTest::newRow("an integrated GPU: three numbers")
-        << integratedAlone().sample
+        << integratedOnlyMinute().current()
         << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 GPU"_s, u"Corvane 3 CPU"_s};
     QTest::newRow("a virtual machine: two numbers")
-        << virtualMachine().sample << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 CPU"_s};
+        << virtualMachineMinute().current()
+        << QStringList{u"Corvane 1 Memory"_s, u"Corvane 2 CPU"_s};
 }
 
 /// Only the items of the machine's own numbers are ever registered.
@@ -549,25 +550,25 @@ void TestTrayLabel::squaresComeAndGoAtTheEndOfTheBar()
         }
         return names;
     };
-    m_label->show(integratedAlone().sample);
+    m_label->show(integratedOnlyMinute().current());
     m_tray = std::make_unique<FakeTray>(m_bus->address(), program.constData());
     TRY_COMPARE(m_tray->items().size(), 3);
     waitForTheCheck();
     const QStringList three = m_tray->items();
     QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s}));
 
-    m_label->show(oneCard().sample);
+    m_label->show(oneCardMinute().current());
     TRY_COMPARE(m_tray->items().size(), 4);
     TRY_COMPARE(m_tray->listings(), 2);
     QCOMPARE(m_tray->items().first(3), three);
     QCOMPARE(m_tray->registrations(), 4);
     QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"VRAM"_s, u"GPU"_s, u"Power"_s}));
 
-    m_label->show(integratedAlone().sample);
+    m_label->show(integratedOnlyMinute().current());
     TRY_COMPARE(m_tray->items().size(), 3);
     QCOMPARE(m_tray->items(), three);
     QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"GPU"_s, u"CPU"_s}));
-    m_label->show(virtualMachine().sample);
+    m_label->show(virtualMachineMinute().current());
     TRY_COMPARE(m_tray->items().size(), 2);
     QCOMPARE(m_tray->items(), three.first(2));
     QCOMPARE(fromTheLeft(), (QStringList{u"Memory"_s, u"CPU"_s}));
@@ -576,15 +577,15 @@ void TestTrayLabel::squaresComeAndGoAtTheEndOfTheBar()
 
 void TestTrayLabel::squaresThatLeaveWhileTheyRegisterHoldUpNothing()
 {
-    m_label->show(oneCard().sample);
+    m_label->show(oneCardMinute().current());
     m_tray = std::make_unique<FakeTray>(m_bus->address(), "lxqt-panel");
     m_tray->setDelay(200ms);
     TRY_COMPARE(m_tray->registrations(), 3);
-    m_label->show(virtualMachine().sample); // While the desktop has not read the third.
+    m_label->show(virtualMachineMinute().current()); // While the desktop has not read the third.
     waitForTheCheck();
     TRY_COMPARE(m_tray->items().size(), 2);
     m_tray->setDelay(0ms);
-    m_label->show(oneCard().sample);
+    m_label->show(oneCardMinute().current());
     TRY_COMPARE(m_tray->items().size(), 4);
     QCOMPARE(titles().last(), u"Corvane 4 Power"_s);
 }
@@ -593,14 +594,14 @@ void TestTrayLabel::textAndWidePictureFollowTheMachine()
 {
     startTray("gnome-shell");
     const QString item = m_tray->items().first();
-    m_label->show(oneCard().sample);
+    m_label->show(oneCardMinute().current());
     QCOMPARE(text(u"XAyatanaLabel"_s), u"19 90 97 318W"_s);
     QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"100 100 100 999W"_s);
-    m_label->show(cardAsleep().sample);
+    m_label->show(sleepingCardMinute().current());
     QCOMPARE(text(u"XAyatanaLabel"_s), u"25 zz 6 –"_s);
     QCOMPARE(text(u"IconAccessibleDesc"_s),
              u"Memory 25 %, VRAM asleep, Integrated GPU 6 %, Power –"_s);
-    m_label->show(virtualMachine().sample);
+    m_label->show(virtualMachineMinute().current());
     QCOMPARE(text(u"XAyatanaLabel"_s), u"20 57"_s);
     QCOMPARE(text(u"XAyatanaLabelGuide"_s), u"100 100"_s);
     QCOMPARE(m_tray->items(), QStringList{item});
@@ -608,7 +609,7 @@ void TestTrayLabel::textAndWidePictureFollowTheMachine()
     m_tray.reset();
     startTray("waybar");
     const int two = pictures().last().width;
-    m_label->show(oneCard().sample);
+    m_label->show(oneCardMinute().current());
     QVERIFY(pictures().last().width > two);
 }
 
@@ -619,7 +620,7 @@ void TestTrayLabel::menuRowsFollowTheMachine()
     const QStringList commands{u"-"_s, u"Open Window"_s, u"Quit"_s};
     sendMenuEvent(0, u"opened"_s);
     BusMonitor monitor(m_bus->address());
-    m_label->show(virtualMachine().sample);
+    m_label->show(virtualMachineMinute().current());
     QVERIFY(membersSince(monitor).contains(u"LayoutUpdated"_s));
     QCOMPARE(menuTexts(),
              (QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
@@ -627,7 +628,7 @@ void TestTrayLabel::menuRowsFollowTheMachine()
               + commands));
     sendMenuEvent(0, u"closed"_s);
 
-    m_label->show(apuWithNPU().sample);
+    m_label->show(apuMinute().current());
     QCOMPARE(callMenu(u"AboutToShow"_s, {0}).value(0), QVariant(true));
     QCOMPARE(menuTexts().size(), 6 + commands.size());
     QCOMPARE(menuTexts().value(4), u"NPU: 17 %, 1.35 W"_s);

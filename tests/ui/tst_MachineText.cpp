@@ -1,7 +1,7 @@
 #include "ui/MachineText.h"
 
+#include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
-#include "gallery/ShownMachines.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -17,7 +17,7 @@ namespace {
 /// One card with what `change` makes of it.
 SystemMetrics oneCardWith(const std::function<void(GPUCoverage &, GPUMetrics &)> &change)
 {
-    return changed(oneCard().sample, [&](MachineCoverage &coverage, ChipReading &chip) {
+    return changed(oneCardMinute().current(), [&](MachineCoverage &coverage, ChipReading &chip) {
         change(coverage.gpus[0], chip.gpus[0]);
     });
 }
@@ -25,7 +25,7 @@ SystemMetrics oneCardWith(const std::function<void(GPUCoverage &, GPUMetrics &)>
 /// The same where its coverage alone is different and nothing of it could be read.
 SystemMetrics oneCardDenied(Coverage reason)
 {
-    return changed(oneCard().sample, [&](MachineCoverage &coverage, ChipReading &chip) {
+    return changed(oneCardMinute().current(), [&](MachineCoverage &coverage, ChipReading &chip) {
         coverage.gpus[0].load = coverage.gpus[0].watts = coverage.gpus[0].memory = reason;
         chip.gpus.clear();
     });
@@ -33,7 +33,7 @@ SystemMetrics oneCardDenied(Coverage reason)
 
 SystemMetrics fourCardsWith(const std::function<void(MachineCoverage &, ChipReading &)> &change)
 {
-    return changed(fourCards().sample, change);
+    return changed(fourCardsMinute().current(), change);
 }
 
 QStringList linesOf(const SystemMetrics &current)
@@ -67,20 +67,21 @@ void TestMachineText::labelShowsWhatTheMachineHas_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("words");
-    QTest::newRow("one graphics card") << oneCard().sample << u"19 90 97 318W"_s
+    QTest::newRow("one graphics card") << oneCardMinute().current() << u"19 90 97 318W"_s
                                        << u"Memory 19 %, VRAM 90 %, GPU 97 %, GPU power 318 W"_s;
     QTest::newRow("an integrated GPU's memory is not in the label")
-        << apuWithNPU().sample << u"62 88 41W"_s << u"Memory 62 %, GPU 88 %, Power 41 W"_s;
+        << apuMinute().current() << u"62 88 41W"_s << u"Memory 62 %, GPU 88 %, Power 41 W"_s;
     QTest::newRow("several cards are one number each")
-        << fourCards().sample << u"24 57 62 836W"_s
+        << fourCardsMinute().current() << u"24 57 62 836W"_s
         << u"Memory 24 %, VRAM 57 %, GPU 62 %, Power 836 W"_s;
     QTest::newRow("an integrated GPU stands in for a sleeping card")
-        << cardAsleep().sample << u"25 zz 6 –"_s
+        << sleepingCardMinute().current() << u"25 zz 6 –"_s
         << u"Memory 25 %, VRAM asleep, Integrated GPU 6 %, Power –"_s;
     QTest::newRow("the CPU is last where there are no watts")
-        << integratedAlone().sample << u"84 14 64"_s << u"Memory 84 %, GPU 14 %, CPU 64 %"_s;
+        << integratedOnlyMinute().current() << u"84 14 64"_s
+        << u"Memory 84 %, GPU 14 %, CPU 64 %"_s;
     QTest::newRow("a virtual machine")
-        << virtualMachine().sample << u"20 57"_s << u"Memory 20 %, CPU 57 %"_s;
+        << virtualMachineMinute().current() << u"20 57"_s << u"Memory 20 %, CPU 57 %"_s;
     QTest::newRow("a card that sleeps alone") << oneCardDenied(Coverage::asleep) << u"19 zz zz –"_s
                                               << u"Memory 19 %, VRAM asleep, GPU asleep, Power –"_s;
     QTest::newRow("an updated driver")
@@ -93,7 +94,7 @@ void TestMachineText::labelShowsWhatTheMachineHas_data()
         << oneCardDenied(Coverage::unpublished) << u"19 – – 23"_s
         << u"Memory 19 %, VRAM: not published, GPU: not published, CPU 23 %"_s;
     QTest::newRow("a driver that publishes nothing") << changed(
-        oneCard().sample, [](MachineCoverage &coverage, ChipReading &chip) {
+        oneCardMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.gpus = {{.device = u"0000:01:00.0"_s, .name = u"A card"_s}};
             chip.gpus.clear();
         }) << u"19 – 23"_s << u"Memory 19 %, GPU: not published, CPU 23 %"_s;
@@ -120,11 +121,11 @@ void TestMachineText::labelShowsWhatTheMachineHas_data()
                    Coverage::asleep;
                chip.gpus.pop_back();
            })
-        << u"24 77 82 812W"_s
-        << u"Memory 24 %, VRAM 77 %, GPU 82 %, Power without some GPUs 812 W"_s;
+        << u"24 77 82 814W"_s
+        << u"Memory 24 %, VRAM 77 %, GPU 82 %, Power without some GPUs 814 W"_s;
     QTest::newRow("a card beside an integrated GPU, which does not count") << changed(
-        oneCard().sample, [](MachineCoverage &coverage, ChipReading &chip) {
-            const SystemMetrics other = integratedAlone().sample;
+        oneCardMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
+            const SystemMetrics other = integratedOnlyMinute().current();
             coverage.gpus.push_back(coverageOf(other).gpus[0]);
             chip.gpus.push_back(other.chip->gpus[0]);
         }) << u"19 90 97 318W"_s << u"Memory 19 %, VRAM 90 %, GPU 97 %, GPU power 318 W"_s;
@@ -140,16 +141,16 @@ void TestMachineText::labelShowsWhatTheMachineHas()
 
 void TestMachineText::labelNumbersHaveTheirColours()
 {
-    const LabelNumbers awake = labelNumbers(oneCard().sample);
+    const LabelNumbers awake = labelNumbers(oneCardMinute().current());
     QCOMPARE(awake[0].color, Theme::memory);
     QCOMPARE(awake[1].color, Theme::gpu);
     QCOMPARE(awake[2].color, Theme::gpu);
     QCOMPARE(awake[3].color, Theme::power);
-    const LabelNumbers asleep = labelNumbers(cardAsleep().sample);
+    const LabelNumbers asleep = labelNumbers(sleepingCardMinute().current());
     QCOMPARE(asleep[1].color, Theme::withOpacity(Theme::gpu, 0.65));
     QCOMPARE(asleep[2].color, Theme::gpu);
     QCOMPARE(asleep[3].color, Theme::withOpacity(Theme::power, 0.65));
-    QCOMPARE(labelNumbers(virtualMachine().sample)[1].color, Theme::cpu);
+    QCOMPARE(labelNumbers(virtualMachineMinute().current())[1].color, Theme::cpu);
 }
 
 void TestMachineText::rowsShowWhatTheMachineHas_data()
@@ -157,11 +158,11 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("one graphics card")
-        << oneCard().sample
+        << oneCardMinute().current()
         << QStringList{u"Memory: 11.94 GB / 62.72 GB, 19 %"_s, u"VRAM: 21.59 GB / 23.99 GB, 90 %"_s,
                        u"GPU: 97 %, 318.42 W"_s, u"CPU: 23 %, 4.32 GHz"_s,
                        u"Swap: 0 MB, of 8 GB"_s};
-    QTest::newRow("an APU with NPU") << apuWithNPU().sample
+    QTest::newRow("an APU with NPU") << apuMinute().current()
                                      << QStringList{u"Memory: 19.27 GB / 30.62 GB, 63 %"_s,
                                                     u"GPU Memory: 10.96 GB / 15.81 GB, 69 %"_s,
                                                     u"GPU: 88 %, 21.63 W"_s,
@@ -169,21 +170,21 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
                                                     u"NPU: 17 %, 1.35 W"_s,
                                                     u"Swap: 214.5 MB, of 8 GB"_s};
     QTest::newRow("four graphics cards")
-        << fourCards().sample
+        << fourCardsMinute().current()
         << QStringList{u"Memory: 61.38 GB / 251.57 GB, 24 %"_s,
-                       u"VRAM: 111.29 GB / 191.95 GB, 58 %"_s, u"GPU: 62 %, 94 · 93 · 61 · 0 %"_s,
+                       u"VRAM: 111.29 GB / 191.96 GB, 58 %"_s, u"GPU: 62 %, 94 · 93 · 61 · 0 %"_s,
                        u"CPU: 18 %, 96.40 W"_s, u"Swap: off"_s};
     QTest::newRow("a card asleep")
-        << cardAsleep().sample
+        << sleepingCardMinute().current()
         << QStringList{u"Memory: 7.93 GB / 31.06 GB, 26 %"_s, u"VRAM: asleep, 6 GB"_s,
                        u"GPU: 6 %, 450 MHz · integrated"_s, u"CPU: 9 %, 1.94 GHz"_s,
                        u"Swap: 0 MB, of 8 GB"_s};
     QTest::newRow("an integrated GPU without watts")
-        << integratedAlone().sample
+        << integratedOnlyMinute().current()
         << QStringList{u"Memory: 12.88 GB / 15.31 GB, 84 %"_s, u"GPU: 14 %, 600 MHz"_s,
                        u"CPU: 64 %, watts locked · 82 °C"_s, u"Swap: 2.87 GB, of 7.65 GB"_s};
     QTest::newRow("a virtual machine")
-        << virtualMachine().sample
+        << virtualMachineMinute().current()
         << QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
                        u"Swap: off"_s};
     QTest::newRow("an updated driver")
@@ -212,7 +213,7 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
                chip.gpus.pop_back();
            })
         << QStringList{u"Memory: 61.38 GB / 251.57 GB, 24 %"_s,
-                       u"VRAM: 110.86 GB / 143.96 GB, 77 % · 1 asleep"_s,
+                       u"VRAM: 111 GB / 143.97 GB, 77 % · 1 asleep"_s,
                        u"GPU: 94 %, 94 · 93 · – · zz %"_s, u"CPU: 18 %, 96.40 W"_s, u"Swap: off"_s};
     QTest::newRow("sixteen cards")
         << fourCardsWith([](MachineCoverage &coverage, ChipReading &) {
@@ -221,10 +222,10 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
                    coverage.gpus.insert(coverage.gpus.end(), four.begin(), four.end());
            })
         << QStringList{u"Memory: 61.38 GB / 251.57 GB, 24 %"_s,
-                       u"VRAM: 445.16 GB / 767.8 GB, 58 %"_s, u"GPU: 62 %, 16 GPUs: 0 to 94 %"_s,
+                       u"VRAM: 445.16 GB / 767.84 GB, 58 %"_s, u"GPU: 62 %, 16 GPUs: 0 to 94 %"_s,
                        u"CPU: 18 %, 96.40 W"_s, u"Swap: off"_s};
     QTest::newRow("an NPU whose load is not published")
-        << changed(virtualMachine().sample,
+        << changed(virtualMachineMinute().current(),
                    [](MachineCoverage &coverage, ChipReading &chip) {
                        coverage.npuLoad = Coverage::unpublished;
                        chip.npu.reset();
@@ -232,7 +233,7 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
         << QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
                        u"NPU: –, load not published"_s, u"Swap: off"_s};
     QTest::newRow("an NPU that tells its clock and no watts")
-        << changed(virtualMachine().sample,
+        << changed(virtualMachineMinute().current(),
                    [](MachineCoverage &coverage, ChipReading &chip) {
                        coverage.npuLoad = Coverage::known;
                        chip.npu = {.activeFraction = 0, .megahertz = 950};
@@ -240,7 +241,7 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
         << QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
                        u"NPU: 0 %, 950 MHz"_s, u"Swap: off"_s};
     QTest::newRow("a CPU that tells nothing but its load") << changed(
-        virtualMachine().sample, [](MachineCoverage &coverage, ChipReading &) {
+        virtualMachineMinute().current(), [](MachineCoverage &coverage, ChipReading &) {
             coverage.cpuFrequency = Coverage::absent;
         }) << QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %"_s, u"Swap: off"_s};
 }
@@ -254,7 +255,7 @@ void TestMachineText::rowsShowWhatTheMachineHas()
 void TestMachineText::rowsHaveTheirColours()
 {
     QList<QColor> colors;
-    for (const MetricRow &row : metricRows(apuWithNPU().sample))
+    for (const MetricRow &row : metricRows(apuMinute().current()))
         colors.append(row.color);
     QCOMPARE(colors,
              (QList<QColor>{Theme::memory, Theme::gpu, Theme::gpu, Theme::cpu, Theme::ane,
@@ -266,25 +267,26 @@ void TestMachineText::powerNamesItsParts_data()
     QTest::addColumn<SystemMetrics>("current");
     QTest::addColumn<QString>("watts");
     QTest::addColumn<QString>("parts");
-    QTest::newRow("one card, the CPU locked") << oneCard().sample << u"318.4 W"_s << u"GPU only"_s;
+    QTest::newRow("one card, the CPU locked")
+        << oneCardMinute().current() << u"318.4 W"_s << u"GPU only"_s;
     QTest::newRow("several cards, the CPU locked") << fourCardsWith(
         [](MachineCoverage &coverage, ChipReading &) { coverage.cpuWatts = Coverage::locked; })
                                                    << u"739.1 W"_s << u"GPUs only"_s;
-    QTest::newRow("CPU and all cards") << fourCards().sample << u"835.5 W"_s << QString();
+    QTest::newRow("CPU and all cards") << fourCardsMinute().current() << u"835.5 W"_s << QString();
     QTest::newRow("the whole package, which is more than its parts")
-        << apuWithNPU().sample << u"41.2 W"_s << QString();
+        << apuMinute().current() << u"41.2 W"_s << QString();
     QTest::newRow("the parts of a package that is not told") << changed(
-        apuWithNPU().sample, [](MachineCoverage &coverage, ChipReading &chip) {
+        apuMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.packageWatts = Coverage::absent;
             chip.packageWatts.reset();
         }) << u"32.8 W"_s << QString();
     QTest::newRow("a package beside a card") << changed(
-        oneCard().sample, [](MachineCoverage &coverage, ChipReading &chip) {
+        oneCardMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.packageWatts = Coverage::known;
             chip.packageWatts = 41.6;
         }) << u"360.0 W"_s << QString();
     QTest::newRow("a CPU beside a sleeping card") << changed(
-        cardAsleep().sample, [](MachineCoverage &coverage, ChipReading &chip) {
+        sleepingCardMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.cpuWatts = Coverage::known;
             chip.denied.cpuWatts = false;
             chip.cpuWatts = 4.5;
@@ -293,12 +295,14 @@ void TestMachineText::powerNamesItsParts_data()
         << fourCardsWith([](MachineCoverage &coverage, ChipReading &) {
                coverage.gpus[0].watts = Coverage::unpublished;
            })
-        << u"567.5 W"_s << u"not all GPUs"_s;
-    QTest::newRow("everything asleep") << cardAsleep().sample << u"–"_s << u"nothing to read"_s;
-    QTest::newRow("no watts at all") << integratedAlone().sample << QString() << QString();
-    QTest::newRow("a virtual machine") << virtualMachine().sample << QString() << QString();
+        << u"567.3 W"_s << u"not all GPUs"_s;
+    QTest::newRow("everything asleep")
+        << sleepingCardMinute().current() << u"–"_s << u"nothing to read"_s;
+    QTest::newRow("no watts at all") << integratedOnlyMinute().current() << QString() << QString();
+    QTest::newRow("a virtual machine")
+        << virtualMachineMinute().current() << QString() << QString();
     QTest::newRow("the watts of the whole machine are not those of its parts") << changed(
-        virtualMachine().sample, [](MachineCoverage &coverage, ChipReading &chip) {
+        virtualMachineMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.systemWatts = Coverage::known;
             chip.systemWatts = 23;
         }) << QString() << QString();
@@ -341,8 +345,8 @@ void TestMachineText::hostileValuesStayInTheirPlaces_data()
         << oneCardWith([](GPUCoverage &coverage, GPUMetrics &) { coverage.memoryTotal = 0; })
         << u"19 – 97 318W"_s;
     QTest::newRow("a reading of a GPU that the machine does not have") << changed(
-        virtualMachine().sample, [](MachineCoverage &, ChipReading &chip) {
-            chip.gpus = oneCard().sample.chip->gpus;
+        virtualMachineMinute().current(), [](MachineCoverage &, ChipReading &chip) {
+            chip.gpus = oneCardMinute().current().chip->gpus;
         }) << u"20 57"_s;
 }
 
