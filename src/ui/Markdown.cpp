@@ -14,13 +14,20 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+bool isCode(Emphasis emphasis)
+{
+    return emphasis == Emphasis::code || emphasis == Emphasis::command;
+}
+
 struct Mark {
     QLatin1StringView text;
     Emphasis emphasis;
 };
 
-constexpr Mark marks[] = {
-    {"`"_L1, Emphasis::code}, {"**"_L1, Emphasis::bold}, {"*"_L1, Emphasis::italic}};
+constexpr Mark marks[] = {{"``"_L1, Emphasis::command},
+                          {"`"_L1, Emphasis::code},
+                          {"**"_L1, Emphasis::bold},
+                          {"*"_L1, Emphasis::italic}};
 
 /// A word, a run of spaces or a line break.
 struct Token {
@@ -40,7 +47,7 @@ QList<Token> tokens(const QList<MarkdownRun> &runs)
 {
     QList<Token> list;
     for (const MarkdownRun &run : runs) {
-        if (run.emphasis == Emphasis::code) {
+        if (isCode(run.emphasis)) {
             list.append({Token::Kind::word, run});
             continue;
         }
@@ -123,7 +130,7 @@ private:
     {
         QList<MarkdownPiece> &pieces = m_layout.pieces;
         if (!pieces.isEmpty() && pieces.last().line == m_line
-            && pieces.last().run.emphasis == run.emphasis && run.emphasis != Emphasis::code) {
+            && pieces.last().run.emphasis == run.emphasis && !isCode(run.emphasis)) {
             pieces.last().run.text += run.text;
             pieces.last().width += runWidth;
         } else {
@@ -142,7 +149,7 @@ private:
     double width(const MarkdownRun &run) const
     {
         const double text = QFontMetricsF(m_style.font(run.emphasis)).horizontalAdvance(run.text);
-        return run.emphasis == Emphasis::code ? text + 2 * m_style.codePadding : text;
+        return isCode(run.emphasis) ? text + 2 * m_style.codePadding : text;
     }
 
     const MarkdownStyle &m_style;
@@ -209,6 +216,8 @@ const QFont &MarkdownStyle::font(Emphasis emphasis) const
         return italic;
     case Emphasis::code:
         return code;
+    case Emphasis::command:
+        return command;
     case Emphasis::none:
         break;
     }
@@ -225,6 +234,7 @@ MarkdownStyle markdownStyle(double pixelSize)
     // Monospaced letters look larger. The size is a whole number: many such fonts are hinted at
     // whole sizes only and would be wider at scale 2 than they were measured.
     style.code = Theme::monospacedFont(std::floor(pixelSize * 0.95));
+    style.command = Theme::monospacedFont(std::floor(pixelSize * 0.85));
     style.codePadding = 2;
     return style;
 }
@@ -243,7 +253,7 @@ void paintMarkdown(QPainter &painter, const QPointF &topLeft, const MarkdownLayo
         painter.setPen(color);
         if (piece.run.emphasis == Emphasis::bold)
             painter.setPen(Theme::textPrimary);
-        if (piece.run.emphasis == Emphasis::code) {
+        if (isCode(piece.run.emphasis)) {
             fillRounded(
                 painter,
                 QRectF(start.x(), start.y() + style.codeBox.top, piece.width, style.codeBox.height),

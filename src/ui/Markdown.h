@@ -11,7 +11,13 @@ class QColor;
 namespace corvane {
 
 /// Emphasis of a piece of an explanatory text.
-enum class Emphasis { none, bold, italic, code };
+enum class Emphasis {
+    none,
+    bold,
+    italic,
+    code,
+    command ///< Code in smaller letters, so that a long one fits into a line.
+};
 
 /// A piece of text of one emphasis, without its marks.
 struct MarkdownRun {
@@ -21,9 +27,9 @@ struct MarkdownRun {
     friend bool operator==(const MarkdownRun &, const MarkdownRun &) = default;
 };
 
-/// Splits a text at the inline marks `**bold**`, `*italic*` and `` `code` ``; spaces and line
-/// breaks are kept. A mark without its closing partner is plain text, and nothing inside code is a
-/// mark. Meant for the program's own texts.
+/// Splits a text at the inline marks `**bold**`, `*italic*`, `` `code` `` and ``` ``command`` ```;
+/// spaces and line breaks are kept. A mark without its closing partner is plain text, and nothing
+/// inside code is a mark. Meant for the program's own texts.
 QList<MarkdownRun> markdownRuns(const QString &text);
 
 /// The text without its marks, for screen readers.
@@ -49,6 +55,7 @@ struct MarkdownStyle {
     QFont bold = {};
     QFont italic = {};
     QFont code = {};
+    QFont command = {};
     double codePadding = 0; ///< Left and right of a piece of code.
     double lineHeight = 0;  ///< From one line to the next.
     TextLine codeBox = {};  ///< Background of code, from the top of a line.

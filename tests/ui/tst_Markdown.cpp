@@ -69,6 +69,10 @@ void TestMarkdown::splitsAtMarks_data()
                           << Runs{{u"a"_s, Emphasis::code},
                                   {u"/"_s, Emphasis::none},
                                   {u"b"_s, Emphasis::code}};
+    QTest::newRow("a command, which may hold marks") << u"with\n``a `b` *``\nc"_s
+                                                     << Runs{{u"with\n"_s, Emphasis::none},
+                                                             {u"a `b` *"_s, Emphasis::command},
+                                                             {u"\nc"_s, Emphasis::none}};
     QTest::newRow("asterisks in code are no marks")
         << u"`voltage-states*-sram*`"_s << Runs{{u"voltage-states*-sram*"_s, Emphasis::code}};
     QTest::newRow("an open mark is plain") << u"2 ** 3"_s << Runs{{u"2 ** 3"_s, Emphasis::none}};
@@ -141,6 +145,7 @@ void TestMarkdown::usesTheFontsOfTheTheme()
     QVERIFY(style().font(Emphasis::italic).italic());
     QCOMPARE(style().font(Emphasis::code).family(), Theme::monospacedFont(11).family());
     QCOMPARE(style().font(Emphasis::code).pixelSize(), 10);
+    QCOMPARE(style().font(Emphasis::command).pixelSize(), 9);
 }
 
 void TestMarkdown::paintsCodeOnABackground()
