@@ -72,9 +72,10 @@ CapacityCard::CapacityCard(const Heading &heading, const InfoText &info, const Q
     m_figure.font.setLetterSpacing(QFont::AbsoluteSpacing, -1);
 }
 
-void CapacityCard::showFigure(std::optional<double> percent)
+void CapacityCard::showFigure(std::optional<double> percent, bool isLowerBound)
 {
-    setText(m_figure, percent ? fixedText(*percent, 0) : percentText(percent),
+    const QString mark = isLowerBound ? u"≥"_s : QString();
+    setText(m_figure, percent ? mark + fixedText(*percent, 0) : percentText(percent),
             percent ? Theme::textPrimary
                     : Theme::withOpacity(Theme::textPrimary, Theme::absentOpacity));
     setText(m_percentSign, percent ? u"%"_s : QString());

@@ -27,8 +27,8 @@ protected:
     CapacityCard(const Heading &heading, const InfoText &info, const QString &figureName,
                  QWidget *parent);
 
-    /// The share in per cent; absent: an en dash.
-    void showFigure(std::optional<double> percent);
+    /// The share in per cent; absent: an en dash. A lower bound is marked as one.
+    void showFigure(std::optional<double> percent, bool isLowerBound = false);
 
     /// Words with an icon in the place of the figure.
     void showState(const QString &symbol, const QString &words);

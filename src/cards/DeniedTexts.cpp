@@ -1,6 +1,7 @@
 #include "cards/DeniedTexts.h"
 
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 
 namespace corvane {
 
@@ -12,6 +13,26 @@ void add(QStringList &notes, const QString &quantity, Coverage coverage)
 {
     if (const QString note = deniedNote(quantity, coverage); !note.isEmpty())
         notes.append(note);
+}
+
+/// Several GPUs may have the same name.
+QString numberedName(const std::vector<GPUCoverage> &gpus, std::size_t index)
+{
+    const QString &name = gpus[index].name;
+    return gpus.size() == 1 ? name : u"GPU %1, %2"_s.arg(QString::number(index), name);
+}
+
+QString limitNote(const QString &name, GPULimit limit)
+{
+    switch (limit) {
+    case GPULimit::power:
+        return name + u": slowed down by its power limit."_s;
+    case GPULimit::temperature:
+        return name + u": slowed down by its temperature."_s;
+    case GPULimit::hardware:
+        break;
+    }
+    return name + u": slowed down by its hardware."_s;
 }
 
 } // namespace
@@ -66,13 +87,19 @@ QStringList cpuNotes(const MachineCoverage &machine)
     return notes;
 }
 
-QStringList gpuNotes(const MachineCoverage &machine)
+QStringList gpuNotes(const SystemMetrics &current)
 {
     QStringList notes;
-    for (const GPUCoverage &gpu : countedGPUs(machine)) {
-        add(notes, u"Load of %1"_s.arg(gpu.name), gpu.load);
+    const std::vector<GPUCoverage> gpus = countedGPUs(coverageOf(current));
+    for (std::size_t i = 0; i < gpus.size(); ++i) {
+        const GPUCoverage &gpu = gpus[i];
+        const QString name = numberedName(gpus, i);
+        add(notes, u"Load of "_s + name, gpu.load);
         if (gpu.watts != gpu.load)
-            add(notes, u"Watts of %1"_s.arg(gpu.name), gpu.watts);
+            add(notes, u"Watts of "_s + name, gpu.watts);
+        const GPUMetrics *metrics = metricsOf(gpu, current.chip);
+        if (metrics && metrics->limit)
+            notes.append(limitNote(name, *metrics->limit));
     }
     return notes;
 }
@@ -89,8 +116,9 @@ QStringList powerNotes(const MachineCoverage &machine)
 {
     QStringList notes;
     add(notes, u"CPU watts"_s, machine.cpuWatts);
-    for (const GPUCoverage &gpu : countedGPUs(machine))
-        add(notes, u"Watts of %1"_s.arg(gpu.name), gpu.watts);
+    const std::vector<GPUCoverage> gpus = countedGPUs(machine);
+    for (std::size_t i = 0; i < gpus.size(); ++i)
+        add(notes, u"Watts of "_s + numberedName(gpus, i), gpus[i].watts);
     add(notes, u"NPU watts"_s, machine.npuWatts);
     return notes;
 }

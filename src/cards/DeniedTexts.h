@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/MachineCoverage.h"
+#include "records/SystemMetrics.h"
 
 #include <QString>
 #include <QStringList>
@@ -22,7 +22,7 @@ QString deniedNote(const QString &quantity, Coverage coverage);
 
 /// Sentences for tool tips and assistive technology: what a card cannot show and why.
 QStringList cpuNotes(const MachineCoverage &machine);
-QStringList gpuNotes(const MachineCoverage &machine);
+QStringList gpuNotes(const SystemMetrics &current); ///< And what holds a GPU back.
 QStringList npuNotes(const MachineCoverage &machine);
 QStringList powerNotes(const MachineCoverage &machine);
 

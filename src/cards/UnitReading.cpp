@@ -1,7 +1,7 @@
 #include "cards/UnitReading.h"
 
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 #include "records/SeriesReduction.h"
 #include "ui/NumberText.h"
 
@@ -43,24 +43,28 @@ UnitReading cpuReading(const std::optional<ChipReading> &chip, const MachineCove
         return reading;
     }
     const bool wattsAreKnown = chip->coverage && chip->coverage->cpuWatts == Coverage::known;
-    setLoadAndWatts(reading, chip->cpuActiveFraction, unlessDenied(chip->cpuWatts, !wattsAreKnown));
+    setLoadAndWatts(reading, unlessDenied(chip->cpuActiveFraction, chip->denied.cpuLoad),
+                    unlessDenied(chip->cpuWatts, !wattsAreKnown));
     reading.tempC = chip->cpuTempC ? chip->cpuTempC : chip->packageTempC;
     if (chip->coverage && chip->coverage->cpuFrequency == Coverage::known)
         reading.megahertz = chip->cpuActiveMHz;
     return reading;
 }
 
-UnitReading gpuReading(const std::optional<ChipReading> &chip, const MachineCoverage &machine)
+UnitReading gpuReading(const SystemMetrics &sample, const MachineCoverage &machine)
 {
-    const GPUTotals gpus = gpuTotals(chip, machine);
-    UnitReading reading{.tempC = gpus.tempC, .megahertz = gpus.megahertz};
-    setLoadAndWatts(reading, gpus.activeFraction, gpus.watts);
-    reading.hasWatts = std::ranges::any_of(
-        countedGPUs(machine), [](const GPUCoverage &gpu) { return gpu.watts == Coverage::known; });
-    const QString clock = gpuClockText(gpus.state, gpus.megahertz);
+    const GPULoadTotal load = gpuLoadTotal(sample);
+    UnitReading reading{.tempC = gpuTemperature(sample), .megahertz = load.megahertz};
+    setLoadAndWatts(reading, unlessDenied(load.fraction, load.state != FigureState::known),
+                    gpuWatts(sample));
+    const bool isOfCards = hasGraphicsCard(machine);
+    reading.hasWatts = std::ranges::any_of(machine.gpus, [isOfCards](const GPUCoverage &gpu) {
+        return isGraphicsCard(gpu) == isOfCards && gpu.watts == Coverage::known;
+    });
+    const QString clock = gpuClockText(load.performanceState, load.megahertz);
     if (!clock.isEmpty())
         reading.dominantState = clock;
-    reading.integratedStandsIn = gpus.integratedStandsIn;
+    reading.integratedStandsIn = load.isStandIn;
     return reading;
 }
 
@@ -77,18 +81,18 @@ UnitReading npuReading(const std::optional<ChipReading> &chip, const MachineCove
 
 } // namespace
 
-UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip,
+UnitReading unitReading(ComputeUnit unit, const SystemMetrics &sample,
                         const MachineCoverage &machine)
 {
     switch (unit) {
     case ComputeUnit::cpu:
-        return cpuReading(chip, machine);
+        return cpuReading(sample.chip, machine);
     case ComputeUnit::gpu:
-        return gpuReading(chip, machine);
+        return gpuReading(sample, machine);
     case ComputeUnit::ane:
         break;
     }
-    return npuReading(chip, machine);
+    return npuReading(sample.chip, machine);
 }
 
 QString gpuClockText(const std::optional<QString> &state, const std::optional<double> &megahertz)
@@ -140,7 +144,7 @@ UnitReading newestUnitReading(ComputeUnit unit, const SystemMetrics &current,
     constexpr int newest = 5;
     const MachineCoverage &machine = coverageOf(current);
     if (!machine.isWhole)
-        return unitReading(unit, current.chip, machine);
+        return unitReading(unit, current, machine);
     UnitReading reading = unitReading(unit, current.chip, info);
     if (unit != ComputeUnit::gpu)
         return reading;

@@ -35,7 +35,7 @@ UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip
 
 /// The same on a machine that is no whole chip of Apple. `machine` is the newest coverage. Samples
 /// from the history file tell the load of the CPU alone.
-UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip,
+UnitReading unitReading(ComputeUnit unit, const SystemMetrics &sample,
                         const MachineCoverage &machine);
 
 /// "P2 · 2.61 GHz": state and clock of one GPU, as far as they are known.

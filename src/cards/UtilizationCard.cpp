@@ -83,6 +83,8 @@ void UtilizationCard::show(const SystemMetrics &current, const std::vector<Syste
     const MachineCoverage &machine = coverageOf(current);
     const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
     showMachine(machine);
+    if (m_kind == Kind::gpu && !machine.isWhole)
+        setNotes(gpuNotes(current));
     showChart(current, history);
     const Coverage coverage = loadCoverage(current, reading);
     if (coverage == Coverage::known)
@@ -102,8 +104,6 @@ void UtilizationCard::showMachine(const MachineCoverage &machine)
         return;
     if (m_kind == Kind::cpu)
         setNotes(cpuNotes(machine));
-    if (m_kind == Kind::gpu)
-        setNotes(gpuNotes(machine));
     if (m_kind != Kind::ane)
         return;
     setTitle(u"NPU"_s);
@@ -177,7 +177,7 @@ void UtilizationCard::showChart(const SystemMetrics &current,
     m_readings.clear();
     for (const SystemMetrics &sample : history) {
         m_readings.push_back(machine.isWhole ? unitReading(m_kind, sample.chip, m_chip)
-                                             : unitReading(m_kind, sample.chip, machine));
+                                             : unitReading(m_kind, sample, machine));
         const UnitReading &reading = m_readings.back();
         series.values.push_back(unlessDenied(reading.loadPercent, reading.isGap));
     }

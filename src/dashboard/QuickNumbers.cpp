@@ -1,8 +1,8 @@
 #include "dashboard/QuickNumbers.h"
 
 #include "devices/PowerParts.h"
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
 
@@ -37,31 +37,29 @@ QColor faded(const QColor &color)
 
 /// A share in per cent; "zz" for a device that sleeps, an en dash where nothing is known.
 QuickNumber shareNumber(const QString &label, const QString &name, std::optional<double> percent,
-                        bool isAsleep, const QColor &color)
+                        FigureState state, const QColor &color)
 {
     if (percent)
         return {label, name, percentText(percent), color, narrow};
+    const bool isAsleep = state == FigureState::asleep;
     return {label, name, isAsleep ? u"zz"_s : percentText(percent), faded(color), narrow};
 }
 
-QuickNumber gpuMemoryNumber(const GPUTotals &gpus, const MachineCoverage &machine)
+QuickNumber gpuMemoryNumber(const GPUMemoryTotal &memory)
 {
-    const std::optional<double> percent = gpus.memoryUsed && gpus.memoryTotal
-        ? std::optional(100 * static_cast<double>(*gpus.memoryUsed)
-                        / static_cast<double>(*gpus.memoryTotal))
-        : std::nullopt;
-    const bool vram = hasVRAM(machine);
-    QuickNumber number =
-        shareNumber(vram ? u"VRAM"_s : u"GPU MEM"_s, vram ? u"VRAM"_s : u"GPU memory"_s, percent,
-                    gpus.isAsleep, Theme::gpu);
-    number.minWidth = vram ? narrow : wide;
+    QuickNumber number = shareNumber(memory.ofCards ? u"VRAM"_s : u"GPU MEM"_s,
+                                     memory.ofCards ? u"VRAM"_s : u"GPU memory"_s,
+                                     usedPercent(memory), memory.state, Theme::gpu);
+    if (memory.isLowerBound)
+        number.value.prepend(u"≥"_s);
+    number.minWidth = memory.ofCards ? narrow : wide;
     return number;
 }
 
 QuickNumber powerNumber(const SystemMetrics &current, const MachineCoverage &machine)
 {
     const std::vector<PowerPart> parts = powerParts(machine);
-    const std::optional<double> watts = totalWatts(powerValues(parts, current.chip, machine));
+    const std::optional<double> watts = totalWatts(powerValues(parts, current, machine));
     const bool ofGPU =
         machine.cpuWatts == Coverage::locked && machine.packageWatts != Coverage::known;
     return {ofGPU ? u"GPU PWR"_s : u"PWR"_s, ofGPU ? u"GPU power"_s : u"Power"_s,
@@ -76,18 +74,17 @@ std::vector<QuickNumber> quickNumbers(const SystemMetrics &current)
     if (machine.isWhole)
         return numbersOfWhole(current);
 
-    const GPUTotals gpus = gpuTotals(current.chip, machine);
     std::vector<QuickNumber> numbers{
         {u"MEM"_s, u"Memory"_s, percentText(usedPercent(current.memory)), Theme::memory, narrow}};
-    if (!gpusWithMemory(machine).empty())
-        numbers.push_back(gpuMemoryNumber(gpus, machine));
-    const std::optional<double> cpu =
-        current.chip ? std::optional(current.chip->cpuActiveFraction * 100) : std::nullopt;
-    numbers.push_back(shareNumber(u"CPU"_s, u"CPU"_s, cpu, false, Theme::cpu));
-    if (!machine.gpus.empty()) {
-        const std::optional<double> load =
-            gpus.activeFraction ? std::optional(*gpus.activeFraction * 100) : std::nullopt;
-        numbers.push_back(shareNumber(u"GPU"_s, u"GPU"_s, load, gpus.isAsleep, Theme::gpu));
+    if (const GPUMemoryTotal memory = gpuMemoryTotal(current); memory.state != FigureState::absent)
+        numbers.push_back(gpuMemoryNumber(memory));
+    const std::optional<double> cpu = current.chip
+        ? unlessDenied(current.chip->cpuActiveFraction * 100, current.chip->denied.cpuLoad)
+        : std::nullopt;
+    numbers.push_back(shareNumber(u"CPU"_s, u"CPU"_s, cpu, FigureState::unreadable, Theme::cpu));
+    if (const GPULoadTotal load = gpuLoadTotal(current); load.state != FigureState::absent) {
+        const auto percent = unlessDenied(load.fraction * 100, load.state != FigureState::known);
+        numbers.push_back(shareNumber(u"GPU"_s, u"GPU"_s, percent, load.state, Theme::gpu));
     }
     if (hasWatts(machine))
         numbers.push_back(powerNumber(current, machine));

@@ -6,8 +6,8 @@
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "devices/GPUNames.h"
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 #include "ui/CardStyle.h"
 #include "ui/MachineText.h"
 #include "ui/NumberText.h"
@@ -44,13 +44,13 @@ QString wattsAndTemperature(const GPUMetrics *metrics)
 }
 
 /// Of all GPUs: "739.13 W · 81°C".
-QString sumText(const GPUTotals &totals)
+QString sumText(const SystemMetrics &sample)
 {
     QStringList parts;
-    if (totals.watts)
-        parts.append(wattsText(totals.watts, 2));
-    if (totals.tempC)
-        parts.append(celsiusText(*totals.tempC));
+    if (const auto watts = gpuWatts(sample))
+        parts.append(wattsText(watts, 2));
+    if (const auto celsius = gpuTemperature(sample))
+        parts.append(celsiusText(*celsius));
     return parts.join(u" · "_s);
 }
 
@@ -78,7 +78,8 @@ void GPUCard::show(const SystemMetrics &current, const std::vector<SystemMetrics
 {
     const MachineCoverage &machine = coverageOf(current);
     showMachine(machine);
-    setText(m_stat, sumText(gpuTotals(current.chip, machine)));
+    setNotes(gpuNotes(current));
+    setText(m_stat, sumText(current));
 
     if (const std::optional<Coverage> reason = commonReason(m_gpus)) {
         const DeniedNotice notice = gpuNotice(*reason);
@@ -104,7 +105,6 @@ void GPUCard::showMachine(const MachineCoverage &machine)
     while (m_columns.size() < m_gpus.size())
         addColumn();
     setInfo(infoText(InfoTopic::gpu, machine));
-    setNotes(gpuNotes(machine));
     showTag(u"GPUs"_s, QString::number(m_gpus.size()));
     if (isAnotherNumber) {
         layOut();

@@ -31,24 +31,9 @@ constexpr double rowBarHeight = 8;
 constexpr double leastBar = 40; ///< Where a row has less, it has no figures.
 constexpr double chipsBelowTwoRows = 28;
 
-std::uint64_t sumOfTotals(const std::vector<GPUCoverage> &gpus)
+QString atLeast(const GPUMemoryTotal &memory, const QString &bytes)
 {
-    std::uint64_t sum = 0;
-    for (const GPUCoverage &gpu : gpus)
-        sum += gpu.memoryTotal.value_or(0);
-    return sum;
-}
-
-std::optional<double> percentOf(const GPUTotals &totals)
-{
-    if (!totals.memoryUsed || !totals.memoryTotal)
-        return std::nullopt;
-    return 100 * static_cast<double>(*totals.memoryUsed) / static_cast<double>(*totals.memoryTotal);
-}
-
-QString atLeast(const GPUTotals &totals, const QString &bytes)
-{
-    return totals.memoryIsLowerBound ? u"≥ "_s + bytes : bytes;
+    return memory.isLowerBound ? u"≥ "_s + bytes : bytes;
 }
 
 /// Why nothing is known of the memory, as a sentence.
@@ -82,7 +67,7 @@ void GPUMemoryCard::setHolders(const std::vector<GPUHolders> &holders)
 void GPUMemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
 {
     showHeading(coverageOf(current));
-    showHistory(current, history);
+    showHistory(history);
     showNow(current);
 }
 
@@ -99,16 +84,14 @@ void GPUMemoryCard::showHeading(const MachineCoverage &machine)
     setText(m_stat, singleLine(gpuMemoryHeading(m_gpus)));
 }
 
-void GPUMemoryCard::showHistory(const SystemMetrics &current,
-                                const std::vector<SystemMetrics> &history)
+void GPUMemoryCard::showHistory(const std::vector<SystemMetrics> &history)
 {
-    const MachineCoverage &machine = coverageOf(current);
     std::vector<std::optional<double>> percents;
     percents.reserve(history.size());
     m_totals.clear();
     for (const SystemMetrics &sample : history) {
-        m_totals.push_back(gpuTotals(sample.chip, machine));
-        percents.push_back(percentOf(m_totals.back()));
+        m_totals.push_back(gpuMemoryTotal(sample));
+        percents.push_back(usedPercent(m_totals.back()));
         if (percents.back())
             m_awakeUntil = std::max(m_awakeUntil.value_or(sample.timestamp), sample.timestamp);
     }
@@ -117,26 +100,23 @@ void GPUMemoryCard::showHistory(const SystemMetrics &current,
 
 void GPUMemoryCard::showNow(const SystemMetrics &current)
 {
-    const GPUTotals totals = gpuTotals(current.chip, coverageOf(current));
-    const bool areAsleep = !m_gpus.empty() && !totals.memoryUsed
-        && std::ranges::any_of(
-            m_gpus, [](const GPUCoverage &gpu) { return gpu.memory == Coverage::asleep; });
+    const GPUMemoryTotal memory = gpuMemoryTotal(current);
+    const bool areAsleep = memory.state == FigureState::asleep;
     setHasBar(m_gpus.size() <= 1);
     showRows(current.chip);
     if (areAsleep)
         showState(u"moon.zzz"_s, u"Asleep"_s);
     else
-        showFigure(percentOf(totals));
+        showFigure(usedPercent(memory), memory.isLowerBound);
 
-    const std::uint64_t all = sumOfTotals(m_gpus);
     const ByteFormatter &bytes = ByteFormatter::f();
-    if (totals.memoryUsed) {
-        showAmounts(atLeast(totals, bytes.string(*totals.memoryUsed)),
-                    bytes.string(totals.memoryTotal.value_or(all)));
-        showUse(totals, current.chip);
+    const QString total = memory.total > 0 ? bytes.string(memory.total) : QString();
+    if (memory.state == FigureState::known) {
+        showAmounts(atLeast(memory, bytes.string(memory.used)), total);
+        showUse(memory, current.chip);
         return;
     }
-    showAmounts({}, all > 0 ? bytes.string(all) : QString());
+    showAmounts({}, total);
     showSegments({});
     showChips({});
     const Coverage coverage = m_gpus.empty() ? Coverage::known : m_gpus.front().memory;
@@ -147,14 +127,14 @@ void GPUMemoryCard::showNow(const SystemMetrics &current)
              wasAwake ? HoverTime::string(*m_awakeUntil) : QString());
 }
 
-void GPUMemoryCard::showUse(const GPUTotals &totals, const std::optional<ChipReading> &chip)
+void GPUMemoryCard::showUse(const GPUMemoryTotal &memory, const std::optional<ChipReading> &chip)
 {
     showMessage({});
     const bool isOne = m_gpus.size() == 1;
     const GPUMetrics *only = isOne ? metricsOf(m_gpus.front(), chip) : nullptr;
     showSegments(isOne ? segments(m_gpus.front(), only) : std::vector<BarSegment>());
     if (m_gpus.size() <= 2)
-        showChips(chips(totals, chip), isOne ? 0 : chipsBelowTwoRows);
+        showChips(chips(memory, chip), isOne ? 0 : chipsBelowTwoRows);
     else
         showChips({});
 
@@ -195,24 +175,26 @@ std::optional<std::uint64_t> GPUMemoryCard::aiBytes(const std::optional<ChipRead
     return sum;
 }
 
-std::vector<Chip> GPUMemoryCard::chips(const GPUTotals &totals,
+std::vector<Chip> GPUMemoryCard::chips(const GPUMemoryTotal &memory,
                                        const std::optional<ChipReading> &chip) const
 {
     const ByteFormatter &bytes = ByteFormatter::f();
-    const std::uint64_t used = totals.memoryUsed.value_or(0);
     const QColor color = Theme::withOpacity(Theme::gpu, 0.95);
     std::vector<Chip> result;
-    if (const std::optional<std::uint64_t> ai = aiBytes(chip)) {
-        result.push_back({u"AI"_s, color, bytes.string(*ai)});
-        result.push_back(
-            {u"Other"_s, Theme::white(0.85F), atLeast(totals, bytes.string(used - *ai))});
+    if (const std::optional<std::uint64_t> held = aiBytes(chip)) {
+        const std::uint64_t ai = std::min(*held, memory.used);
+        result.push_back({u"AI"_s, color, bytes.string(ai)});
+        const std::uint64_t other = memory.used - ai;
+        if (other > 0 || !memory.isLowerBound) // "At least 0" would say nothing.
+            result.push_back(
+                {u"Other"_s, Theme::white(0.85F), atLeast(memory, bytes.string(other))});
     } else {
-        result.push_back({u"In use"_s, color, atLeast(totals, bytes.string(used))});
+        result.push_back({u"In use"_s, color, atLeast(memory, bytes.string(memory.used))});
     }
-    const std::uint64_t total = totals.memoryTotal.value_or(0);
-    if (!totals.memoryIsLowerBound)
-        result.push_back(
-            {u"Free"_s, Theme::textTertiary, bytes.string(total - std::min(used, total))});
+    if (!memory.isLowerBound && memory.total > 0) {
+        const std::uint64_t free = memory.total - std::min(memory.used, memory.total);
+        result.push_back({u"Free"_s, Theme::textTertiary, bytes.string(free)});
+    }
     return result;
 }
 
@@ -335,10 +317,10 @@ void GPUMemoryCard::placeRows()
 
 PillContent GPUMemoryCard::pill(std::size_t index) const
 {
-    const GPUTotals &totals = m_totals[index];
-    QStringList values{percentText(percentOf(totals))};
-    if (totals.memoryUsed)
-        values.append(atLeast(totals, ByteFormatter::f().string(*totals.memoryUsed)));
+    const GPUMemoryTotal &memory = m_totals[index];
+    QStringList values{percentText(usedPercent(memory))};
+    if (memory.state == FigureState::known)
+        values.append(atLeast(memory, ByteFormatter::f().string(memory.used)));
     return {HoverTime::string(chart()->shown().timestamps[index]), {valuesRow(values, Theme::gpu)}};
 }
 

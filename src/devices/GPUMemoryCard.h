@@ -3,7 +3,7 @@
 #include "cards/CapacityCard.h"
 #include "charts/HoverPill.h"
 #include "records/GPUHolders.h"
-#include "records/GPUTotals.h"
+#include "records/MachineTotals.h"
 #include "records/SystemMetrics.h"
 
 namespace corvane {
@@ -47,12 +47,13 @@ private:
 
     void showHeading(const MachineCoverage &machine);
     void showNow(const SystemMetrics &current);
-    void showUse(const GPUTotals &totals, const std::optional<ChipReading> &chip);
-    void showHistory(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void showUse(const GPUMemoryTotal &memory, const std::optional<ChipReading> &chip);
+    void showHistory(const std::vector<SystemMetrics> &history);
     void showRows(const std::optional<ChipReading> &chip);
     void setRow(std::size_t index, const GPUMetrics *metrics);
     std::vector<BarSegment> segments(const GPUCoverage &gpu, const GPUMetrics *metrics) const;
-    std::vector<Chip> chips(const GPUTotals &totals, const std::optional<ChipReading> &chip) const;
+    std::vector<Chip> chips(const GPUMemoryTotal &memory,
+                            const std::optional<ChipReading> &chip) const;
     const GPUHolders *holdersOf(const GPUCoverage &gpu) const;
 
     /// Of the GPUs that tell their memory; absent if it is not known of all of them.
@@ -67,8 +68,8 @@ private:
     std::vector<Row> m_rows;
     std::vector<GPUCoverage> m_gpus;
     std::vector<GPUHolders> m_holders;
-    std::vector<GPUTotals> m_totals;    ///< Of each sample of the chart.
-    std::optional<double> m_awakeUntil; ///< When the memory was last known.
+    std::vector<GPUMemoryTotal> m_totals; ///< Of each sample of the chart.
+    std::optional<double> m_awakeUntil;   ///< When the memory was last known.
     bool m_isIntegrated = false;
 };
 

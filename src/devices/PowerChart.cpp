@@ -23,7 +23,7 @@ Values valuesOf(const std::vector<SystemMetrics> &history, const std::vector<Pow
     Values values;
     values.reserve(history.size());
     for (const SystemMetrics &sample : history)
-        values.push_back(powerValues(parts, sample.chip, machine));
+        values.push_back(powerValues(parts, sample, machine));
     return values;
 }
 

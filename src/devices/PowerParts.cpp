@@ -1,7 +1,7 @@
 #include "devices/PowerParts.h"
 
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
 
@@ -36,8 +36,7 @@ Coverage gpuWattsCoverage(const std::vector<GPUCoverage> &gpus)
 
 bool gpusAreOnPackage(const MachineCoverage &machine)
 {
-    const std::vector<GPUCoverage> gpus = countedGPUs(machine);
-    return !gpus.empty() && gpus.front().integrated;
+    return !machine.gpus.empty() && !hasGraphicsCard(machine) && machine.gpus.front().integrated;
 }
 
 std::optional<double> cpuWatts(const ChipReading &chip)
@@ -47,11 +46,11 @@ std::optional<double> cpuWatts(const ChipReading &chip)
     return unlessDenied(chip.cpuWatts, chip.coverage->cpuWatts != Coverage::known);
 }
 
-std::optional<double> gpuWatts(const ChipReading &chip, const MachineCoverage &machine)
+std::optional<double> countedGPUWatts(const SystemMetrics &sample)
 {
-    if (!chip.coverage)
-        return unlessDenied(chip.gpuWatts, chip.gpuWatts <= 0);
-    return gpuTotals(chip, machine).watts;
+    if (!sample.chip->coverage)
+        return unlessDenied(sample.chip->gpuWatts, sample.chip->gpuWatts <= 0);
+    return gpuWatts(sample);
 }
 
 std::optional<double> npuWatts(const ChipReading &chip)
@@ -59,31 +58,33 @@ std::optional<double> npuWatts(const ChipReading &chip)
     return chip.npu ? chip.npu->watts : std::nullopt;
 }
 
-std::optional<double> restWatts(const ChipReading &chip, const MachineCoverage &machine)
+std::optional<double> restWatts(const SystemMetrics &sample, const MachineCoverage &machine)
 {
+    const ChipReading &chip = *sample.chip;
     if (!chip.packageWatts)
         return std::nullopt;
-    const double gpu = gpusAreOnPackage(machine) ? gpuWatts(chip, machine).value_or(0) : 0;
+    const double gpu = gpusAreOnPackage(machine) ? countedGPUWatts(sample).value_or(0) : 0;
     const double told = cpuWatts(chip).value_or(0) + gpu + npuWatts(chip).value_or(0);
     return std::max(*chip.packageWatts - told, 0.0);
 }
 
-std::optional<double> wattsOf(PowerSource source, const ChipReading &chip,
+/// Of a sample with a reading.
+std::optional<double> wattsOf(PowerSource source, const SystemMetrics &sample,
                               const MachineCoverage &machine)
 {
     switch (source) {
     case PowerSource::cpu:
-        return cpuWatts(chip);
+        return cpuWatts(*sample.chip);
     case PowerSource::gpu:
-        return gpuWatts(chip, machine);
+        return countedGPUWatts(sample);
     case PowerSource::ane:
-        return npuWatts(chip);
+        return npuWatts(*sample.chip);
     case PowerSource::rest:
-        return restWatts(chip, machine);
+        return restWatts(sample, machine);
     case PowerSource::package:
         break;
     }
-    return chip.packageWatts;
+    return sample.chip->packageWatts;
 }
 
 std::vector<PowerValue> valuesOfWhole(const std::optional<ChipReading> &chip)
@@ -128,14 +129,13 @@ std::vector<PowerPart> powerParts(const MachineCoverage &machine)
 }
 
 std::vector<PowerValue> powerValues(const std::vector<PowerPart> &parts,
-                                    const std::optional<ChipReading> &chip,
-                                    const MachineCoverage &machine)
+                                    const SystemMetrics &sample, const MachineCoverage &machine)
 {
     if (machine.isWhole)
-        return valuesOfWhole(chip);
+        return valuesOfWhole(sample.chip);
     std::vector<PowerValue> values(parts.size());
-    for (std::size_t i = 0; chip && i < parts.size(); ++i)
-        values[i].watts = wattsOf(parts[i].source, *chip, machine);
+    for (std::size_t i = 0; sample.chip && i < parts.size(); ++i)
+        values[i].watts = wattsOf(parts[i].source, sample, machine);
     return values;
 }
 

@@ -48,8 +48,7 @@ struct PowerValue {
 /// A value for each part. Samples from the history file do not tell an absent value from a true 0:
 /// there 0 is absent, except on a whole chip.
 std::vector<PowerValue> powerValues(const std::vector<PowerPart> &parts,
-                                    const std::optional<ChipReading> &chip,
-                                    const MachineCoverage &machine);
+                                    const SystemMetrics &sample, const MachineCoverage &machine);
 
 /// The sum of what is known; absent when nothing is, or when a part is denied.
 std::optional<double> totalWatts(const std::vector<PowerValue> &values);

@@ -90,7 +90,7 @@ void SmallPowerCard::show(const SystemMetrics &current, const std::vector<System
     if (parts != m_parts)
         update();
     m_parts = std::move(parts);
-    const std::vector<PowerValue> values = powerValues(m_parts, current.chip, machine);
+    const std::vector<PowerValue> values = powerValues(m_parts, current, machine);
     showFigure(totalWatts(values));
     setText(m_subtitle, powerSumText(m_parts, values, machine));
 

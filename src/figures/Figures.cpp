@@ -1,7 +1,7 @@
 #include "figures/Figures.h"
 
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
+#include "records/MachineTotals.h"
 
 namespace corvane {
 

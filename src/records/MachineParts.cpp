@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
 
 namespace corvane {
 
@@ -17,6 +16,11 @@ bool canTell(Coverage coverage)
 
 } // namespace
 
+bool hasGraphicsCard(const MachineCoverage &machine)
+{
+    return std::ranges::any_of(machine.gpus, isGraphicsCard);
+}
+
 bool hasMemory(const GPUCoverage &gpu)
 {
     return canTell(gpu.memory) || (gpu.memoryTotal && isDenied(gpu.memory));
@@ -24,9 +28,10 @@ bool hasMemory(const GPUCoverage &gpu)
 
 std::vector<GPUCoverage> countedGPUs(const MachineCoverage &machine)
 {
-    std::vector<GPUCoverage> cards;
-    std::ranges::copy_if(machine.gpus, std::back_inserter(cards), isGraphicsCard);
-    return cards.empty() ? machine.gpus : cards;
+    std::vector<GPUCoverage> gpus = machine.gpus;
+    if (hasGraphicsCard(machine))
+        std::erase_if(gpus, std::not_fn(isGraphicsCard));
+    return gpus;
 }
 
 std::vector<GPUCoverage> gpusWithMemory(const MachineCoverage &machine)
@@ -38,8 +43,8 @@ std::vector<GPUCoverage> gpusWithMemory(const MachineCoverage &machine)
 
 bool hasVRAM(const MachineCoverage &machine)
 {
-    const std::vector<GPUCoverage> gpus = gpusWithMemory(machine);
-    return !gpus.empty() && isGraphicsCard(gpus.front());
+    return std::ranges::any_of(
+        machine.gpus, [](const GPUCoverage &gpu) { return isGraphicsCard(gpu) && hasMemory(gpu); });
 }
 
 bool hasWatts(const MachineCoverage &machine)

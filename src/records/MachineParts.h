@@ -16,10 +16,13 @@ constexpr bool isGraphicsCard(const GPUCoverage &gpu)
     return !gpu.integrated && !gpu.usesSystemMemory;
 }
 
+/// Whether the machine has graphics cards: then these count as its GPUs, else its integrated ones.
+bool hasGraphicsCard(const MachineCoverage &machine);
+
 /// Whether the GPU has memory figures, now or when it is awake.
 bool hasMemory(const GPUCoverage &gpu);
 
-/// The GPUs that count as the machine's: its graphics cards, else its integrated GPUs.
+/// The GPUs that count as the machine's.
 std::vector<GPUCoverage> countedGPUs(const MachineCoverage &machine);
 
 /// Those of them that have memory figures, now or when they are awake.

@@ -1,6 +1,5 @@
 #include "records/MachineTotals.h"
 
-#include "records/GPUTotals.h"
 #include "records/MachineParts.h"
 
 #include <algorithm>
@@ -50,6 +49,17 @@ std::optional<std::uint64_t> memoryUsed(const GPU &gpu)
 {
     const bool isKnown = gpu.metrics && gpu.coverage->memory == Coverage::known;
     return isKnown ? gpu.metrics->memoryUsed : std::nullopt;
+}
+
+std::optional<double> temperature(const GPU &gpu)
+{
+    return gpu.metrics ? present(Coverage::known, gpu.metrics->tempC) : std::nullopt;
+}
+
+/// The graphics cards, or all GPUs of a machine without any.
+std::vector<GPU> countedGPUsOf(const SystemMetrics &sample)
+{
+    return gpusOf(sample, hasGraphicsCard(coverageOf(sample)));
 }
 
 bool hasLoad(const GPU &gpu)
@@ -111,12 +121,18 @@ std::optional<double> packageWatts(const SystemMetrics &sample)
 
 } // namespace
 
+const GPUMetrics *metricsOf(const GPUCoverage &gpu, const std::optional<ChipReading> &chip)
+{
+    if (!chip)
+        return nullptr;
+    const auto found = std::ranges::find(chip->gpus, gpu.device, &GPUMetrics::device);
+    return found == chip->gpus.end() ? nullptr : &*found;
+}
+
 GPUMemoryTotal gpuMemoryTotal(const SystemMetrics &sample)
 {
-    std::vector<GPU> gpus = gpusOf(sample, true);
-    GPUMemoryTotal memory{.ofCards = !gpus.empty()};
-    if (gpus.empty())
-        gpus = gpusOf(sample, false);
+    std::vector<GPU> gpus = countedGPUsOf(sample);
+    GPUMemoryTotal memory{.ofCards = !gpus.empty() && isGraphicsCard(*gpus.front().coverage)};
     std::erase_if(gpus, [](const GPU &gpu) { return !hasMemory(*gpu.coverage); });
     if (gpus.empty())
         return memory;
@@ -176,6 +192,7 @@ GPULoadTotal gpuLoadTotal(const SystemMetrics &sample)
     if (gpus.size() == 1 && gpus.front().metrics) {
         total.watts = watts(gpus.front());
         total.megahertz = gpus.front().metrics->megahertz;
+        total.performanceState = gpus.front().metrics->state;
     }
     if (known > 0) {
         total.state = FigureState::known;
@@ -184,6 +201,24 @@ GPULoadTotal gpuLoadTotal(const SystemMetrics &sample)
         setDenial(total.state, total.reason, gpus, &GPUCoverage::load);
     }
     return total;
+}
+
+std::optional<double> gpuWatts(const SystemMetrics &sample)
+{
+    std::optional<double> sum;
+    for (const GPU &gpu : countedGPUsOf(sample)) {
+        if (const auto ofGPU = watts(gpu))
+            sum = sum.value_or(0) + *ofGPU;
+    }
+    return sum;
+}
+
+std::optional<double> gpuTemperature(const SystemMetrics &sample)
+{
+    std::optional<double> highest;
+    for (const GPU &gpu : countedGPUsOf(sample))
+        highest = std::max(highest, temperature(gpu)); // An absent one is lower than any.
+    return highest;
 }
 
 PowerTotal powerTotal(const SystemMetrics &sample)

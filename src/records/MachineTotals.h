@@ -8,6 +8,9 @@
 
 namespace corvane {
 
+/// The metrics of one GPU in a reading; null if it could not be read then.
+const GPUMetrics *metricsOf(const GPUCoverage &gpu, const std::optional<ChipReading> &chip);
+
 /// Whether a figure can be shown now.
 enum class FigureState : std::uint8_t {
     absent,     ///< The machine has nothing that it could be the figure of.
@@ -33,6 +36,8 @@ struct GPUMemoryTotal {
     friend bool operator==(const GPUMemoryTotal &, const GPUMemoryTotal &) = default;
 };
 
+/// By what the machine told in that sample, as all functions here: a card that sleeps by now
+/// counted while it was awake.
 GPUMemoryTotal gpuMemoryTotal(const SystemMetrics &sample);
 
 /// Used share of the total, 0…100; absent where one of the two is not known.
@@ -56,12 +61,17 @@ struct GPULoadTotal {
     /// Of the only GPU that counts; absent with several.
     std::optional<double> watts = {};
     std::optional<double> megahertz = {};
+    std::optional<QString> performanceState = {};
     Coverage reason = Coverage::known; ///< As in `GPUMemoryTotal`.
 
     friend bool operator==(const GPULoadTotal &, const GPULoadTotal &) = default;
 };
 
 GPULoadTotal gpuLoadTotal(const SystemMetrics &sample);
+
+/// Sum and maximum over the counted GPUs that tell theirs; absent where none does.
+std::optional<double> gpuWatts(const SystemMetrics &sample);
+std::optional<double> gpuTemperature(const SystemMetrics &sample);
 
 /// What a sum of watts contains.
 enum class PowerParts : std::uint8_t {
