@@ -17,12 +17,12 @@ const GPUReading *earlier(const ChipSnapshot &from, const GPUReading &now)
 
 /// Idle times stand still while the machine sleeps, and a GPU would look busy for all of that time:
 /// after a long gap they give no load.
-std::optional<double> busyShare(const ChipSnapshot &from, const ChipSnapshot &to,
-                                const GPUReading &gpu)
+std::optional<double> busyShare(const ChipSnapshot &from, const GPUReading &gpu)
 {
     constexpr double longestGap = 3; // Seconds; there is a snapshot a second.
-    const bool live = to.seconds - from.seconds <= longestGap;
-    return gpuBusyShare(live ? earlier(from, gpu) : nullptr, gpu);
+    const GPUReading *before = earlier(from, gpu);
+    const bool live = before && gpu.seconds - before->seconds <= longestGap;
+    return gpuBusyShare(live ? before : nullptr, gpu);
 }
 
 std::optional<double> mean(const std::vector<double> &values)
@@ -33,11 +33,11 @@ std::optional<double> mean(const std::vector<double> &values)
     return values.empty() ? std::nullopt : std::optional(sum / double(values.size()));
 }
 
-GPUMetrics gpuMetrics(const ChipSnapshot &from, const ChipSnapshot &to, const GPUReading &gpu)
+GPUMetrics gpuMetrics(const ChipSnapshot &from, const GPUReading &gpu)
 {
     GPUMetrics metrics = {.device = QString::fromStdString(gpu.device),
                           .integrated = gpu.integrated,
-                          .activeFraction = busyShare(from, to, gpu),
+                          .activeFraction = busyShare(from, gpu),
                           .megahertz = gpu.megahertz,
                           .tempC = mean(gpu.temperatures),
                           .memoryUsed = gpu.memoryUsed,
@@ -145,7 +145,7 @@ void setGPUs(ChipReading &reading, const ChipSnapshot &from, const ChipSnapshot 
              std::optional<double> graphicsWatts)
 {
     for (const GPUReading &gpu : to.gpus)
-        reading.gpus.push_back(gpuMetrics(from, to, gpu));
+        reading.gpus.push_back(gpuMetrics(from, gpu));
     if (graphicsWatts)
         setGraphicsWatts(reading.gpus, *graphicsWatts);
     for (const GPUMetrics &gpu : reading.gpus)

@@ -13,8 +13,8 @@ namespace corvane {
 /// What a Linux kernel published about the chip at one instant. A list is empty when its source
 /// could not be read.
 struct ChipSnapshot {
-    double seconds = 0; ///< When it was taken, by the clock of the machine.
     CPUSnapshot cpu = {};
+    double seconds = 0; ///< When the packages were read, by the clock of the machine.
     std::vector<PackageEnergyReading> packages = {};
     std::vector<GPUReading> gpus = {};
     std::vector<PartTemperature> temperatures = {}; ///< Those of GPUs are in `gpus`.

@@ -3,13 +3,9 @@
 #include "chip/ChipSnapshot.h"
 #include "chip/CoverageWatch.h"
 #include "chip/GPUWatch_linux.h"
-#include "chip/SystemPowerWatch_linux.h"
-#include "cpu/CPUClusterFiles_linux.h"
+#include "chip/SensorWatch_linux.h"
 #include "cpu/CPUCoreSampler.h"
-#include "cpu/CPUFrequencyFiles_linux.h"
-#include "cpu/PackageEnergyFiles_linux.h"
 #include "cpu/ProcStatFile_linux.h"
-#include "thermal/TemperatureFiles_linux.h"
 
 #include <algorithm>
 #include <chrono>
@@ -20,44 +16,88 @@ namespace corvane {
 
 namespace {
 
-/// All that is read of one machine's chip. Each file is read once a tick.
+/// All that is read of one machine's chip. Each file is read once a tick. This thread reads only
+/// what the kernel answers from its own memory.
 class LinuxChip {
 public:
     LinuxChip(const std::string &root, std::function<double()> now,
               const std::string &nvidiaLibrary, ReaderPatience patience,
               std::shared_ptr<GPUHandOver> gpus)
         : m_now(now),
-          m_clusters(readCPUClusters(root)),
-          m_frequencies(m_clusters.begin(), m_clusters.end()),
+          m_patience(patience),
           m_stat(root),
-          m_packages(root, now),
           m_gpus(root, nvidiaLibrary, now, std::move(gpus), patience),
-          m_temperatures(root),
-          m_systemPower(root, now, patience)
+          m_sensorWatch(root)
     {
-        m_last = readCounters();
+        readTicks();
+        readSensors(m_patience.first);
     }
 
     ChipReading sample()
     {
-        ChipSnapshot now = readCounters();
-        now.gpus = m_gpus.read();
-        now.temperatures = m_temperatures.read(m_isGPU);
-        ChipReading reading = chipReading(m_last, now, m_clusters);
-        if (!now.cpu.ticks.empty()) {
-            reading.cpuCoreUtilizations = coreUtilizations(m_lastTicks, now.cpu.ticks);
-            m_lastTicks = now.cpu.ticks;
+        readTicks();
+        readSensors(std::exchange(m_isFirst, false) ? m_patience.first : m_patience.later);
+        m_from.gpus = std::exchange(m_to.gpus, m_gpus.read());
+        ChipReading reading = chipReading(m_from, m_to, m_clusters);
+        if (!m_to.cpu.ticks.empty()) {
+            reading.cpuCoreUtilizations = coreUtilizations(m_lastTicks, m_to.cpu.ticks);
+            m_lastTicks = m_to.cpu.ticks;
         }
-        setRest(reading, now.seconds);
-        m_last = std::move(now);
+        setRest(reading);
         return reading;
     }
 
 private:
-    /// What is read by itself, and the coverage.
-    void setRest(ChipReading &reading, double now)
+    void readTicks()
     {
-        MachineFacts facts = {.countsPackages = m_packages.exist(),
+        m_from.cpu.ticks =
+            std::exchange(m_to.cpu.ticks, m_stat.read().value_or(std::vector<CoreTicks>()));
+    }
+
+    /// A late answer leaves what is known of the sensors as it was, until it is too old.
+    void readSensors(std::chrono::milliseconds patience)
+    {
+        const auto newest = m_sensorWatch.read(m_now(), busiestCPUs(), patience);
+        if (newest == m_sensors)
+            return;
+        m_sensors = newest;
+        m_from.seconds = m_to.seconds;
+        m_from.cpu.clusters = std::exchange(m_to.cpu.clusters, {});
+        m_from.packages = std::exchange(m_to.packages, {});
+        m_to.temperatures.clear();
+        if (!newest)
+            return;
+        if (m_clusters.empty())
+            setClusters(*newest->clusters);
+        m_to.seconds = newest->seconds;
+        m_to.cpu.clusters = newest->cpus;
+        m_to.packages = newest->packages;
+        m_to.temperatures = newest->temperatures;
+    }
+
+    BusiestCPUs busiestCPUs() const
+    {
+        BusiestCPUs busiest;
+        for (const CPUCluster &cluster : m_clusters)
+            busiest.push_back(busiestCPU(cluster.cpus, m_from.cpu.ticks, m_to.cpu.ticks));
+        return busiest;
+    }
+
+    void setClusters(const std::vector<CPUCluster> &clusters)
+    {
+        m_clusters = clusters;
+        m_hasFrequency = std::ranges::any_of(
+            clusters, [](const CPUCluster &cluster) { return !cluster.kHz.empty(); });
+        m_frequencyIsNominal =
+            m_hasFrequency && std::ranges::all_of(clusters, [](const CPUCluster &cluster) {
+                return cluster.policies.empty() && cluster.kHz.size() <= 1;
+            });
+    }
+
+    /// What is read by itself, and the coverage.
+    void setRest(ChipReading &reading)
+    {
+        MachineFacts facts = {.countsPackages = m_sensors && m_sensors->countsPackages,
                               .hasFrequency = m_hasFrequency,
                               .frequencyIsNominal = m_frequencyIsNominal,
                               .gpus = m_gpus.coverage()};
@@ -67,52 +107,29 @@ private:
             facts.npuLoad = npu->load;
             facts.npuWatts = npu->watts;
         }
-        if (const auto power = m_systemPower.read(m_isGPU)) {
-            reading.systemWatts = power->watts;
-            facts.systemWattsSource = QLatin1StringView(sourceName(power->source));
+        if (m_sensors && m_sensors->systemPower) {
+            reading.systemWatts = m_sensors->systemPower->watts;
+            facts.systemWattsSource = QLatin1StringView(sourceName(m_sensors->systemPower->source));
         }
-        m_coverage.apply(reading, facts, now);
-    }
-
-    /// What a reading needs the difference of.
-    ChipSnapshot readCounters()
-    {
-        return {.seconds = m_now(), .cpu = readCPUs(), .packages = m_packages.read()};
-    }
-
-    CPUSnapshot readCPUs()
-    {
-        auto ticks = m_stat.read();
-        if (!ticks)
-            return {};
-        CPUSnapshot snapshot;
-        for (std::size_t place = 0; place < m_clusters.size(); ++place)
-            snapshot.clusters.push_back(m_frequencies[place].read(
-                busiestCPU(m_clusters[place].cpus, m_last.cpu.ticks, *ticks)));
-        snapshot.ticks = std::move(*ticks);
-        return snapshot;
+        m_coverage.apply(reading, facts, m_now());
     }
 
     std::function<double()> m_now;
-    std::vector<CPUCluster> m_clusters;
-    std::vector<CPUFrequencyFiles> m_frequencies; ///< In the order of the clusters.
+    ReaderPatience m_patience;
     ProcStatFile m_stat;
-    PackageEnergyFiles m_packages;
     GPUWatch m_gpus;
-    TemperatureFiles m_temperatures;
-    SystemPowerWatch m_systemPower;
+    SensorWatch m_sensorWatch;
+    std::shared_ptr<const SensorReading> m_sensors = {}; ///< The newest; null without any.
+    std::vector<CPUCluster> m_clusters = {};             ///< Empty until the sensors answered once.
+    bool m_hasFrequency = false;
+    bool m_frequencyIsNominal = false;
     CoverageWatch m_coverage = {};
-    std::function<bool(const std::string &)> m_isGPU = [this](const std::string &folder) {
-        return m_gpus.isGPU(folder);
-    };
-    bool m_hasFrequency = std::ranges::any_of(
-        m_clusters, [](const CPUCluster &cluster) { return !cluster.kHz.empty(); });
-    bool m_frequencyIsNominal =
-        m_hasFrequency && std::ranges::all_of(m_clusters, [](const CPUCluster &cluster) {
-            return cluster.policies.empty() && cluster.kHz.size() <= 1;
-        });
+    bool m_isFirst = true;
     std::vector<CoreTicks> m_lastTicks = {}; ///< Of the last reading that had any.
-    ChipSnapshot m_last = {};
+    /// What a reading needs the difference of. Ticks and GPUs are those of the last two ticks; what
+    /// the sensors tell is of their last two answers.
+    ChipSnapshot m_from = {};
+    ChipSnapshot m_to = {};
 };
 
 } // namespace

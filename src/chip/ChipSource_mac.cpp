@@ -7,8 +7,9 @@
 #include "chip/SteadyPower.h"
 #include "cpu/CoreTicks_mac.h"
 #include "thermal/ThermalBridge_mac.h"
-#include "threads/PatientReader.h"
+#include "threads/BackgroundReader.h"
 
+#include <chrono>
 #include <map>
 #include <memory>
 #include <string>
@@ -24,16 +25,24 @@ using PowerSampler = IOReportPowerSampler<Channels>;
 /// Degrees Celsius by sensor name.
 using Temperatures = std::map<std::string, double>;
 
-/// A hub of sensors answers in milliseconds, but can also take seconds.
-std::shared_ptr<PatientReader<Temperatures>> makeSensorReader(const std::function<double()> &now)
+/// A hub of sensors answers in milliseconds, but can also take seconds. The first answer has to
+/// find the sensors.
+std::function<Temperatures()> patientTemperatures(const std::function<double()> &clock)
 {
-    return std::make_shared<PatientReader<Temperatures>>(
-        [] {
-            return [bridge = std::make_shared<ThermalBridge>()] {
-                return bridge->readAllTemperatures();
-            };
-        },
-        now);
+    using namespace std::chrono_literals;
+    using Reader = BackgroundReader<Temperatures>;
+    const auto reader = std::make_shared<Reader>([] {
+        return [bridge = std::make_shared<ThermalBridge>()](double) {
+            return bridge->readAllTemperatures();
+        };
+    });
+    return [reader, clock, hasAnswered = false]() mutable {
+        const double now = clock();
+        reader->request(now, hasAnswered ? 250ms : 1000ms);
+        const auto newest = reader->newest(now);
+        hasAnswered = hasAnswered || newest;
+        return newest.value_or(Temperatures());
+    };
 }
 
 /// The power sampler over this Mac's channels, and its watts made steady.
@@ -43,9 +52,7 @@ public:
         : m_now(now),
           m_sampler(PowerSampler::open({
               .cores = CPUCoreSampler(readCoreTicks),
-              .temperatures = ThermalSampler([sensors = makeSensorReader(m_now)] {
-                  return sensors->read().value_or(Temperatures());
-              }),
+              .temperatures = ThermalSampler(patientTemperatures(m_now)),
               .frequencies = readFrequencyTables(),
               .openBridge =
                   [this](const std::vector<ChannelGroupRequest> &requests) {

@@ -88,12 +88,10 @@ void GPUWatch::Devices::setReader(bool isNeeded)
         reader.reset();
     if (!isNeeded || reader)
         return;
-    // Made and destroyed on the reader's thread, or left to it: opening a file may take long too.
-    const auto files = std::make_shared<std::optional<FileGPUs>>();
-    reader = std::make_unique<Reader>([files, root = root, next = nextScan](double now) {
-        if (!*files)
-            files->emplace(root, next);
-        return (*files)->read(now);
+    reader = std::make_unique<Reader>([root = root, next = nextScan] {
+        return [files = std::make_shared<FileGPUs>(root, next)](double now) {
+            return files->read(now);
+        };
     });
     hasAsked = false;
 }
@@ -166,11 +164,6 @@ std::vector<GPUCoverage> GPUWatch::coverage() const
 const std::optional<NPUReading> &GPUWatch::npu() const
 {
     return m_devices->npu;
-}
-
-bool GPUWatch::isGPU(const std::string &folder) const
-{
-    return std::ranges::find(m_devices->gpus, folder, &GPUDevice::folder) != m_devices->gpus.end();
 }
 
 } // namespace corvane

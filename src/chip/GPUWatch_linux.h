@@ -41,9 +41,6 @@ public:
     /// has no values.
     const std::optional<NPUReading> &npu() const;
 
-    /// Whether this device folder is that of a GPU, so that its files are for the watch alone.
-    bool isGPU(const std::string &folder) const;
-
 private:
     struct Devices;
     std::unique_ptr<Devices> m_devices;

@@ -95,11 +95,9 @@ std::optional<SystemPower> readBest(const std::vector<SystemPowerFiles> &sources
 
 } // namespace
 
-SystemPowerWatch::SystemPowerWatch(std::string root, std::function<double()> clock,
-                                   ReaderPatience patience)
+SystemPowerWatch::SystemPowerWatch(std::string root, std::function<double()> clock)
     : m_root(std::move(root)),
-      m_clock(std::move(clock)),
-      m_patience(patience)
+      m_clock(std::move(clock))
 {
 }
 
@@ -111,13 +109,7 @@ void SystemPowerWatch::scanWhenDue(double now, const IsGPU &isGPU)
     std::vector<SystemPowerFiles> sources = findSources(m_root, isGPU);
     if (sources == m_sources)
         return;
-    m_sources = sources;
-    m_reader.reset();
-    if (sources.empty())
-        return;
-    m_reader = std::make_unique<Reader>(
-        [sources = std::move(sources)](double) { return readBest(sources); },
-        secondsBetweenReads + Reader::oldestLive);
+    m_sources = std::move(sources);
     m_nextRead = now;
 }
 
@@ -126,13 +118,11 @@ std::optional<SystemPower> SystemPowerWatch::read(const IsGPU &isGPU)
     m_thread.check();
     const double now = m_clock();
     scanWhenDue(now, isGPU);
-    if (!m_reader)
-        return std::nullopt;
     if (now >= m_nextRead) {
         m_nextRead = now + secondsBetweenReads;
-        m_reader->request(now, m_patience.later);
+        m_power = readBest(m_sources);
     }
-    return m_reader->newest(now).value_or(std::nullopt);
+    return m_power;
 }
 
 } // namespace corvane

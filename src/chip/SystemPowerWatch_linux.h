@@ -2,12 +2,10 @@
 
 #include "chip/SystemPower.h"
 #include "platform/BootClock.h"
-#include "threads/BackgroundReader.h"
 #include "threads/OneThread.h"
 
 #include <functional>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,12 +21,10 @@ struct SystemPowerFiles {
 };
 
 /// Reads what the whole machine draws, where something measures it. Firmware may take long to
-/// answer, and is asked only every five seconds, on a thread that exists only where there is such a
-/// source. Owned by the chip's source, used on one thread.
+/// answer, and is asked only every five seconds. Used on one thread, which it may hold up.
 class SystemPowerWatch {
 public:
-    explicit SystemPowerWatch(std::string root, std::function<double()> clock = secondsSinceBoot,
-                              ReaderPatience patience = {});
+    explicit SystemPowerWatch(std::string root, std::function<double()> clock = secondsSinceBoot);
 
     /// Whether this device folder is that of a GPU, whose files are not touched.
     using IsGPU = std::function<bool(const std::string &folder)>;
@@ -37,15 +33,12 @@ public:
     std::optional<SystemPower> read(const IsGPU &isGPU);
 
 private:
-    using Reader = BackgroundReader<std::optional<SystemPower>>;
-
     void scanWhenDue(double now, const IsGPU &isGPU);
 
     std::string m_root;
     std::function<double()> m_clock;
-    ReaderPatience m_patience;
     std::vector<SystemPowerFiles> m_sources = {};
-    std::unique_ptr<Reader> m_reader = {}; ///< Null without sources.
+    std::optional<SystemPower> m_power = {}; ///< Of the last read.
     double m_nextScan = -std::numeric_limits<double>::infinity();
     double m_nextRead = -std::numeric_limits<double>::infinity();
     OneThread m_thread = {};

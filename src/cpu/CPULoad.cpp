@@ -1,6 +1,7 @@
 #include "cpu/CPULoad.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace corvane {
 
@@ -95,10 +96,11 @@ private:
 
 /// Adds the active time of one cluster, as far as its frequency is known.
 void addCluster(FrequencyMean &mean, const CPUCluster &cluster, std::size_t place,
-                const CPUSnapshot &from, const CPUSnapshot &to, double active)
+                const CPUSnapshot &from, const CPUSnapshot &to)
 {
     if (cluster.kHz.empty())
         return;
+    double active = activityOf(cluster.cpus, from, to).active;
     const CPUClusterReading &before = from.clusters[place];
     const CPUClusterReading &now = to.clusters[place];
     const std::size_t policies =
@@ -124,15 +126,13 @@ void addCluster(FrequencyMean &mean, const CPUCluster &cluster, std::size_t plac
 CPULoad cpuLoad(const CPUSnapshot &from, const CPUSnapshot &to,
                 const std::vector<CPUCluster> &clusters)
 {
-    Activity all;
     FrequencyMean frequency;
     const std::size_t known = std::min({clusters.size(), from.clusters.size(), to.clusters.size()});
-    for (std::size_t place = 0; place < known; ++place) {
-        const Activity activity = activityOf(clusters[place].cpus, from, to);
-        all.active += activity.active;
-        all.idle += activity.idle;
-        addCluster(frequency, clusters[place], place, from, to, activity.active);
-    }
+    for (std::size_t place = 0; place < known; ++place)
+        addCluster(frequency, clusters[place], place, from, to);
+    std::vector<int> cpus(to.ticks.size());
+    std::iota(cpus.begin(), cpus.end(), 0);
+    const Activity all = activityOf(cpus, from, to);
     const double total = all.active + all.idle;
     return {.activeFraction = total > 0 ? 1 - all.idle / total : 0,
             .activeMHz = frequency.megahertz()};

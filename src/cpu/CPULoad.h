@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// What the kernel published about the CPUs at one instant. Both lists are empty when the tick
-/// counters could not be read.
+/// What the kernel published about the CPUs at one instant. A list is empty when its source could
+/// not be read.
 struct CPUSnapshot {
     std::vector<CoreTicks> ticks = {};            ///< By CPU number.
     std::vector<CPUClusterReading> clusters = {}; ///< In the order of the chip's clusters.
@@ -21,7 +21,7 @@ struct CPULoad {
     double activeMHz = 0;      ///< Mean frequency of the active time; 0 when unknown.
 };
 
-/// Both 0 when one of the snapshots is empty. Time at an unknown frequency counts for the load
+/// Both 0 when one of the snapshots has no ticks. Time at an unknown frequency counts for the load
 /// alone.
 CPULoad cpuLoad(const CPUSnapshot &from, const CPUSnapshot &to,
                 const std::vector<CPUCluster> &clusters);

@@ -29,12 +29,16 @@ public:
     /// Runs on the reader's thread, with the instant of the request.
     using Read = std::function<Value(double now)>;
 
+    /// Creates the function, on the thread, at the first request: opening may stall too. What the
+    /// function owns ends there.
+    using Open = std::function<Read()>;
+
     static constexpr double oldestLive = 2.5; ///< Seconds.
 
     /// A value that was asked for longer ago than `oldest` seconds is absent.
-    explicit BackgroundReader(Read read, double oldest = oldestLive)
+    explicit BackgroundReader(Open open, double oldest = oldestLive)
         : m_mailbox(std::make_shared<Mailbox>()),
-          m_read(std::move(read)),
+          m_open(std::move(open)),
           m_oldest(oldest)
     {
     }
@@ -61,7 +65,7 @@ public:
     {
         m_user.check();
         if (!m_thread.joinable())
-            m_thread = startThread([mailbox = m_mailbox, read = m_read] { mailbox->work(read); });
+            m_thread = startThread([mailbox = m_mailbox, open = m_open] { mailbox->work(open); });
         if (m_thread.joinable())
             m_mailbox->post(now, patience);
     }
@@ -106,9 +110,12 @@ private:
         }
 
         /// The thread.
-        void work(const Read &read)
+        void work(const Open &open)
         {
+            Read read;
             while (const auto request = take()) {
+                if (!read)
+                    read = open();
                 Value value = read(request->instant);
                 const MutexLock lock(m_mutex);
                 m_value = std::move(value);
@@ -116,6 +123,10 @@ private:
                 m_answered = request->number;
                 m_changed.notifyAll();
             }
+            read = nullptr;
+            const MutexLock lock(m_mutex);
+            m_ended = true;
+            m_changed.notifyAll();
         }
 
     private:
@@ -130,11 +141,9 @@ private:
             MutexLock lock(m_mutex);
             while (m_requested == m_answered && !m_ending)
                 m_changed.wait(lock);
-            if (!m_ending)
-                return Request{m_requested, m_instant};
-            m_ended = true;
-            m_changed.notifyAll();
-            return std::nullopt;
+            if (m_ending)
+                return std::nullopt;
+            return Request{m_requested, m_instant};
         }
 
         void waitForAnswer(MutexLock &lock, std::chrono::milliseconds patience) REQUIRES(m_mutex)
@@ -166,7 +175,7 @@ private:
     };
 
     std::shared_ptr<Mailbox> m_mailbox; ///< Shared with the thread, which may outlive this object.
-    Read m_read;
+    Open m_open;
     double m_oldest;
     std::thread m_thread = {}; ///< Not joinable until it could be started.
     mutable OneThread m_user = {};

@@ -12,6 +12,7 @@ corvane_test(chip/tst_GPUWatch SYSTEM linux THREADED LINK corvane_stand_in_nvidi
 corvane_test(chip/tst_IOReportPowerSampler)
 corvane_test(chip/tst_MachineCoverage SYSTEM linux LINK corvane_faulty_calls)
 corvane_test(chip/tst_NaturalOrder)
+corvane_test(chip/tst_SensorWatch SYSTEM linux THREADED LINK corvane_faulty_calls)
 corvane_test(chip/tst_SteadyPower)
 corvane_test(chip/tst_SystemPower)
 if(CORVANE_SYSTEM STREQUAL "linux" AND NOT CORVANE_ONLY_THREADED)

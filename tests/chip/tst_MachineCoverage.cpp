@@ -76,7 +76,9 @@ private slots:
     void aDriverIsUnloaded();
     void aCardFallsAsleepAndWakes();
     void isSharedUntilItChanges();
+    void aDriverThatNeverAnswersDelaysNothing_data();
     void aDriverThatNeverAnswersDelaysNothing();
+    void aLateSensorLeavesThePowerAsItWas();
 };
 
 void TestMachineCoverage::ofMachines_data()
@@ -266,31 +268,65 @@ void TestMachineCoverage::isSharedUntilItChanges()
     QCOMPARE(machine.after(120).coverage, coverage);
 }
 
+void TestMachineCoverage::aDriverThatNeverAnswersDelaysNothing_data()
+{
+    QTest::addColumn<std::string>("file");
+    QTest::addColumn<bool>("hasGPU");
+    QTest::addColumn<bool>("hasTemperature");
+    QTest::newRow("of a GPU") << std::string("/gpu_busy_percent") << false << true;
+    QTest::newRow("of a sensor") << std::string("/hwmon0/temp2_input") << true << false;
+}
+
+/// What that driver tells is absent after a while; all else goes on.
 void TestMachineCoverage::aDriverThatNeverAnswersDelaysNothing()
 {
     using test::FaultyCalls::Call;
+    QFETCH(const std::string, file);
+    QFETCH(const bool, hasGPU);
+    QFETCH(const bool, hasTemperature);
     const MachineTree tree("amd-desktop");
     double now = 500;
     const ChipSource chip = openChipSourceBelow(tree.root(), [&now] { return now; }, {},
                                                 {.first = std::chrono::minutes(1)});
     const ChipReading before = chip().value();
     QCOMPARE(before.gpus.size(), std::size_t(1));
+    QVERIFY(before.cpuTempC);
 
-    test::FaultyCalls::stall(Call::read, "/gpu_busy_percent");
+    test::FaultyCalls::stall(Call::read, file);
     now += 1;
     chip();
     test::FaultyCalls::waitForStalled();
-    ChipReading blind;
-    for (int tick = 0; tick < 3; ++tick) {
-        now += 1;
-        blind = chip().value(); // Returns while the driver hangs.
-    }
-    QVERIFY(blind.gpus.empty());
-    QCOMPARE(blind.coverage, before.coverage);
-    QCOMPARE(blind.cpuTempC, before.cpuTempC);
+    tree.write("proc/stat", "cpu0 1000000 0 0 70000 20 0 0 0 0 0\n");
+    now += 3;
+    ChipReading blind = chip().value(); // Returns while the driver hangs.
+    QVERIFY(blind.cpuActiveFraction > 0.9);
+    QCOMPARE(blind.coverage->gpus, before.coverage->gpus);
+    const auto isRead = [&] {
+        blind = chip().value();
+        return !blind.gpus.empty() == hasGPU && blind.cpuTempC.has_value() == hasTemperature;
+    };
+    TRY_VERIFY(isRead());
 
     test::FaultyCalls::letGo();
-    TRY_VERIFY(!chip()->gpus.empty());
+    TRY_VERIFY(!chip()->gpus.empty() && chip()->cpuTempC);
+    test::FaultyCalls::clear();
+}
+
+/// An answer that is late does not mean that no energy was used.
+void TestMachineCoverage::aLateSensorLeavesThePowerAsItWas()
+{
+    const MachineTree tree("intel-arc-desktop");
+    tree.write(energy, "1000000\n");
+    double now = 500;
+    const ChipSource chip = openChipSourceBelow(tree.root(), [&now] { return now; }, {},
+                                                {.first = std::chrono::minutes(1)});
+    tree.write(energy, "31000000\n");
+    now = 501;
+    QCOMPARE(chip()->cpuWatts, 30.0);
+    test::FaultyCalls::stall(test::FaultyCalls::Call::read, "/energy_uj");
+    for (now = 502; now < 504; ++now)
+        QCOMPARE(chip()->cpuWatts, 30.0);
+    QVERIFY(chip()->denied.cpuWatts);
     test::FaultyCalls::clear();
 }
 

@@ -1,7 +1,6 @@
 corvane_test(threads/tst_MainThread)
 corvane_test(threads/tst_OneThread)
 corvane_test(threads/tst_Mutex THREADED)
-corvane_test(threads/tst_PatientReader THREADED)
 corvane_test(threads/tst_BackgroundJob THREADED)
 corvane_test(threads/tst_BackgroundReader THREADED)
 corvane_test(threads/tst_ThreadStart SYSTEM linux)

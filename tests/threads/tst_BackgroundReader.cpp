@@ -5,12 +5,22 @@
 #include <QTest>
 
 #include <atomic>
+#include <memory>
+#include <semaphore>
+#include <thread>
 
 using namespace corvane;
 
 namespace {
 
 constexpr std::chrono::minutes untilRead(1);
+
+/// Does not open anything.
+template <typename Value>
+BackgroundReader<Value> reading(typename BackgroundReader<Value>::Read read)
+{
+    return BackgroundReader<Value>([read = std::move(read)] { return read; });
+}
 
 } // namespace
 
@@ -21,11 +31,15 @@ private slots:
     void readsWhenAsked();
     void anOldValueIsAbsent();
     void aReadThatNeverEndsDelaysNothing();
+    void opensAndReadsOnAThreadOfItsOwn();
+    void anOpeningThatNeverEndsDelaysNothing();
+    void aStalledFunctionIsLeftBehindAtTheEnd();
+    void anUnusedOneOpensNothing();
 };
 
 void TestBackgroundReader::readsWhenAsked()
 {
-    BackgroundReader<double> reader([](double now) { return now * 2; });
+    auto reader = reading<double>([](double now) { return now * 2; });
     QVERIFY(!reader.newest(1));
     reader.request(1, untilRead);
     QCOMPARE(reader.newest(1), std::optional(2.0));
@@ -37,7 +51,7 @@ void TestBackgroundReader::readsWhenAsked()
 
 void TestBackgroundReader::anOldValueIsAbsent()
 {
-    BackgroundReader<int> reader([](double) { return 7; });
+    auto reader = reading<int>([](double) { return 7; });
     reader.request(10, untilRead);
     QCOMPARE(reader.newest(12.5), std::optional(7));
     QVERIFY(!reader.newest(12.6));
@@ -47,7 +61,7 @@ void TestBackgroundReader::aReadThatNeverEndsDelaysNothing()
 {
     std::atomic<bool> hangs = false;
     std::atomic<int> reads = 0; // Outlive the reader.
-    BackgroundReader<int> reader([&](double) {
+    auto reader = reading<int>([&](double) {
         ++reads;
         while (hangs)
             std::this_thread::yield();
@@ -66,6 +80,78 @@ void TestBackgroundReader::aReadThatNeverEndsDelaysNothing()
     hangs = false;
     TRY_COMPARE(reader.newest(10), std::optional(7)); // The newest request is answered next.
     QCOMPARE(reads.load(), 3);
+}
+
+void TestBackgroundReader::opensAndReadsOnAThreadOfItsOwn()
+{
+    std::atomic<std::thread::id> opener;
+    std::atomic<std::thread::id> caller;
+    std::atomic<int> openings = 0;
+    BackgroundReader<int> reader([&] {
+        opener = std::this_thread::get_id();
+        ++openings;
+        return [&](double) {
+            caller = std::this_thread::get_id();
+            return 1;
+        };
+    });
+    for (double now = 1; now < 5; ++now) {
+        reader.request(now, untilRead);
+        QVERIFY(reader.newest(now));
+    }
+    QCOMPARE(openings, 1);
+    QVERIFY(caller.load() == opener.load());
+    QVERIFY(caller.load() != std::this_thread::get_id());
+}
+
+void TestBackgroundReader::anOpeningThatNeverEndsDelaysNothing()
+{
+    std::binary_semaphore gate(0);
+    BackgroundReader<int> reader([&] {
+        gate.acquire();
+        return [](double) { return 7; };
+    });
+    reader.request(1);
+    for (double now = 2; now < 10; ++now) {
+        reader.request(now, untilRead);
+        QVERIFY(!reader.newest(now));
+    }
+    gate.release();
+    TRY_COMPARE(reader.newest(9), std::optional(7));
+}
+
+void TestBackgroundReader::aStalledFunctionIsLeftBehindAtTheEnd()
+{
+    std::binary_semaphore gate(0);
+    std::atomic<bool> hasBegun = false;
+    std::atomic<bool> hasEnded = false;
+    {
+        std::shared_ptr<void> owned(nullptr, [&hasEnded](void *) { hasEnded = true; });
+        BackgroundReader<int> reader([&, owned = std::move(owned)]() mutable {
+            return [&, owned = std::move(owned)](double) {
+                hasBegun = true;
+                gate.acquire();
+                return 1;
+            };
+        });
+        reader.request(1);
+        TRY_VERIFY(hasBegun);
+    }
+    QVERIFY(!hasEnded);
+    gate.release();
+    TRY_VERIFY(hasEnded);
+}
+
+void TestBackgroundReader::anUnusedOneOpensNothing()
+{
+    std::atomic<int> openings = 0;
+    {
+        const BackgroundReader<int> reader([&] {
+            ++openings;
+            return [](double) { return 1; };
+        });
+    }
+    QCOMPARE(openings, 0);
 }
 
 QTEST_GUILESS_MAIN(TestBackgroundReader)
