@@ -237,7 +237,7 @@ void CorvaneApp::connectLabel(bool isBackground)
 void CorvaneApp::showTrayAdvice(const QString &advice)
 {
     openMainWindow();
-    if (!m_state.settings.wantsTrayAdvice())
+    if (!isOpen(m_mainWindow) || !m_state.settings.wantsTrayAdvice())
         return;
     m_trayAdvice = new NoticeBar(advice);
     connect(m_trayAdvice, &NoticeBar::dismissedForGood, this,

@@ -7,8 +7,10 @@
 #include "dashboard/MainWindow.h"
 #include "settings/SettingsWindow.h"
 #include "settings/UpdateSettings.h"
+#include "support/DescriptorLimit.h"
 #include "support/NativeWindows.h"
 #include "tray/TrayAdvice.h"
+#include "tray/TrayLabel.h"
 #include "windows/WindowLifecycleCoordinator.h"
 
 #include <QApplication>
@@ -59,6 +61,7 @@ private slots:
 
     void theDashboardSaysOnceWhatBringsTheLabel();
     void adviceThatWasDeclinedIsNotShownAgain();
+    void runsWithoutAdviceWhereNoWindowCanBeOpened();
     void opensOneDashboard();
     void opensNothingByItselfInTheBackground();
     void aClosedDashboardIsDeletedAndCanBeOpenedAgain();
@@ -121,6 +124,18 @@ void TestCorvaneApp::adviceThatWasDeclinedIsNotShownAgain()
     const CorvaneApp corvane;
     QTRY_COMPARE(windows<MainWindow>().size(), 1);
     QVERIFY(!windows<MainWindow>().first()->findChild<NoticeBar *>());
+}
+
+void TestCorvaneApp::runsWithoutAdviceWhereNoWindowCanBeOpened()
+{
+    if (hostSystem() == HostSystem::mac)
+        QSKIP("A Mac always has a menu bar");
+    const CorvaneApp corvane;
+    const TrayLabel later({}); // Misses the tray after the program's label did.
+    QSignalSpy misses(&later, &TrayLabel::trayIsMissing);
+    const test::DescriptorLimit noDescriptors(0);
+    QTRY_COMPARE(misses.count(), 1);
+    QVERIFY(windows<MainWindow>().isEmpty());
 }
 
 void TestCorvaneApp::opensOneDashboard()

@@ -1,5 +1,7 @@
 #include "app/QuitSignals.h"
 
+#include "support/DescriptorLimit.h"
+
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QSignalSpy>
@@ -8,7 +10,7 @@
 
 #include <cerrno>
 #include <csignal>
-#include <sys/resource.h>
+#include <optional>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -115,12 +117,9 @@ void TestQuitSignals::restoresTheDefaultHandlers()
 /// The signals then end the program as usual.
 void TestQuitSignals::keepsTheDefaultHandlersWithoutDescriptors()
 {
-    rlimit before = {};
-    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    std::optional<test::DescriptorLimit> limit(0);
     const QuitSignals quitSignals;
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
+    limit.reset();
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         QVERIFY(handlerOf(number) == SIG_DFL);
     QTRY_VERIFY(handlerOf(SIGTERM) != SIG_DFL); // Once there are descriptors.

@@ -467,7 +467,8 @@ void TestTracedProgram::runsWithoutDescriptors()
     const int status = m_strace->exitStatus();
     const QByteArray errors = m_strace->errors();
     const bool hadNoDisplay = errors.contains("Corvane cannot start: there is no display");
-    QVERIFY2(status == (hadNoDisplay ? 1 : 0), errors.constData());
+    QVERIFY2(status == (hadNoDisplay ? 1 : 0),
+             ("status " + QByteArray::number(status) + ": " + errors).constData());
     QVERIFY(count("(INJECTED)") > 0);
 }
 

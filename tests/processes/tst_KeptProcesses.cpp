@@ -3,6 +3,7 @@
 #include "processes/KeptProcesses_linux.h"
 #include "processes/LiveProcess.h"
 #include "processes/Surveyor.h"
+#include "support/DescriptorLimit.h"
 #include "support/ProcessState.h"
 
 #include <QProcess>
@@ -14,7 +15,6 @@
 
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -116,24 +116,6 @@ private:
     }
 
     std::vector<pid_t> m_children;
-};
-
-/// Lowers the soft limit of descriptors for its life.
-class DescriptorLimit {
-public:
-    explicit DescriptorLimit(rlim_t limit)
-    {
-        getrlimit(RLIMIT_NOFILE, &m_before);
-        const rlimit lower{limit, m_before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &lower);
-    }
-    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &m_before); }
-
-    DescriptorLimit(const DescriptorLimit &) = delete;
-    DescriptorLimit &operator=(const DescriptorLimit &) = delete;
-
-private:
-    rlimit m_before = {};
 };
 
 } // namespace
