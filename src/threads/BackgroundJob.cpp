@@ -117,4 +117,9 @@ bool runThenCall(QObject *owner, ReportingJob job, std::function<void()> onRepor
     return false;
 }
 
+bool isRunningBackgroundJobs()
+{
+    return runningJobs > 0;
+}
+
 } // namespace corvane

@@ -37,4 +37,8 @@ bool runThenDeliver(QObject *owner, Job job, Deliver deliver)
         [value, deliver = std::move(deliver)]() mutable { deliver(std::move(**value)); });
 }
 
+/// Whether a job runs. What it uses of the libraries must then not be destroyed at the end of the
+/// program.
+bool isRunningBackgroundJobs();
+
 } // namespace corvane

@@ -52,6 +52,7 @@ private slots:
     void goesOnOrEndsInOneLine();
 
 private:
+    bool hasStarted(const QString &call, Phase phase) const;
     void openDashboard();
     bool isSampling(const ProgramRun &corvane) const;
 
@@ -90,6 +91,14 @@ void TestFailingCalls::goesOnOrEndsInOneLine_data()
     }
 }
 
+/// Qt starts the thread of its buses only once: without it there is no label, but a dashboard.
+bool TestFailingCalls::hasStarted(const QString &call, Phase phase) const
+{
+    if (call == "clone"_L1 && phase == Phase::start)
+        return QFile::exists(m_session->path(u"runtime/" CORVANE_IDENTIFIER "/socket"_s));
+    return m_session->tray->items().size() == 1;
+}
+
 void TestFailingCalls::openDashboard()
 {
     m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
@@ -122,7 +131,7 @@ void TestFailingCalls::goesOnOrEndsInOneLine()
     if (phase != Phase::start)
         environment.insert(u"FAILING_CALL_LATER"_s, u"1"_s);
     ProgramRun corvane(environment);
-    TRY_VERIFY(!corvane.isRunning() || m_session->tray->items().size() == 1);
+    TRY_VERIFY(!corvane.isRunning() || hasStarted(call, phase));
     if (phase != Phase::start)
         corvane.send(SIGUSR2);
     if (phase == Phase::dashboard)

@@ -254,8 +254,10 @@ void TestBackgroundJob::limitsTheJobsThatRunAtOnce()
     };
     for (int i = 0; i < mostBackgroundJobs + 5; ++i)
         QCOMPARE(runThenDeliver(&owner, waiting, count), i < mostBackgroundJobs);
+    QVERIFY(isRunningBackgroundJobs());
     gate.open();
     QTRY_COMPARE(delivered, mostBackgroundJobs);
+    QVERIFY(!isRunningBackgroundJobs());
 
     // Jobs that have ended make room for others.
     runThenDeliver(
