@@ -30,7 +30,6 @@
 #include <utility>
 
 #include <algorithm>
-#include <utility>
 
 namespace corvane {
 
