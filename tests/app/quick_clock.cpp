@@ -1,11 +1,14 @@
 // Preloaded into a program (LD_PRELOAD), this makes minutes pass in seconds: the monotonic clock
-// runs faster, and waits for files are shortened by the same factor. The wall clock is unchanged.
+// runs faster, and waits for files and for other threads are shortened by the same factor. The wall
+// clock is unchanged.
 
 #include <ctime>
 
 #include <cerrno>
 #include <csignal>
+#include <dlfcn.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -51,4 +54,14 @@ CORVANE_PRELOADED int poll(pollfd *files, nfds_t count, int milliseconds)
 {
     const timespec timeout = after(milliseconds * (second / 1000));
     return ppoll(files, count, milliseconds < 0 ? nullptr : &timeout, nullptr);
+}
+
+CORVANE_PRELOADED int pthread_cond_clockwait(pthread_cond_t *condition, pthread_mutex_t *mutex,
+                                             clockid_t clock, const timespec *deadline)
+{
+    using Wait = decltype(&pthread_cond_clockwait);
+    static const auto wait = reinterpret_cast<Wait>(dlsym(RTLD_NEXT, "pthread_cond_clockwait"));
+    const timespec nearer =
+        clock == CLOCK_MONOTONIC ? after(nanoseconds(*deadline) / speed) : *deadline;
+    return wait(condition, mutex, clock, &nearer);
 }

@@ -23,7 +23,8 @@ if(CORVANE_SM_HEADERS AND CORVANE_SM AND CORVANE_ICE)
                LINK ${CORVANE_SM} ${CORVANE_ICE})
 endif()
 corvane_test(app/tst_FailingCalls SYSTEM linux TIMEOUT 1800 LONG --all 40)
-corvane_program_tests(tst_RunningProgram tst_TracedProgram tst_SessionEnd tst_FailingCalls)
+corvane_test(app/tst_HangingFiles SYSTEM linux TIMEOUT 900)
+corvane_program_tests(tst_RunningProgram tst_TracedProgram tst_SessionEnd tst_FailingCalls tst_HangingFiles)
 if(TARGET tst_TracedProgram)
   add_library(quick_clock MODULE app/quick_clock.cpp)
   add_dependencies(tst_TracedProgram quick_clock)
@@ -34,4 +35,9 @@ if(TARGET tst_TracedProgram)
   target_compile_definitions(
     tst_FailingCalls PRIVATE CORVANE_SANITIZERS="${CORVANE_SANITIZE}" QUICK_CLOCK="$<TARGET_FILE:quick_clock>"
                              FAILING_CALL="$<TARGET_FILE:failing_call>")
+  add_library(hanging_file MODULE app/hanging_file.cpp)
+  add_dependencies(tst_HangingFiles quick_clock hanging_file)
+  target_compile_definitions(
+    tst_HangingFiles PRIVATE CORVANE_SANITIZERS="${CORVANE_SANITIZE}" QUICK_CLOCK="$<TARGET_FILE:quick_clock>"
+                             HANGING_FILE="$<TARGET_FILE:hanging_file>")
 endif()

@@ -3,6 +3,7 @@
 #include "processes/ProcessSampler.h"
 #include "processes/Surveyor.h"
 
+#include <QFile>
 #include <QTest>
 
 #include <algorithm>
@@ -106,6 +107,19 @@ std::vector<AIWorkload> workloads(const ProcTree &tree)
                                         tree.source().identity, read, cache);
 }
 
+/// Bytes of this process, what it shares divided among those who share it.
+qint64 ownMemory()
+{
+    QFile file(u"/proc/self/smaps_rollup"_s);
+    if (!file.open(QFile::ReadOnly))
+        return 0;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("Pss:"))
+            return line.simplified().split(' ').at(1).toLongLong() * 1024;
+    }
+    return 0;
+}
+
 } // namespace
 
 class TestSurveyor : public QObject {
@@ -126,6 +140,7 @@ private slots:
     void joinsAServerWithItsRunner();
     void leavesAProcessAloneThatDoesNotAnswer();
     void readsNoMoreWhileTwoDoNotAnswer();
+    void keepsNoArguments();
     void isSafeFromManyThreads();
 };
 
@@ -330,6 +345,23 @@ void TestSurveyor::readsNoMoreWhileTwoDoNotAnswer()
     silence.reset();
     // The third one was never asked.
     QTRY_COMPARE(models(surveyor.take()), (QStringList{u"-"_s, u"-"_s, u"a"_s}));
+}
+
+/// Six blocks of six megabytes would show in the memory of this process.
+void TestSurveyor::keepsNoArguments()
+{
+    ProcTree tree;
+    const QByteArray block =
+        QByteArray("python3\0-m\0vllm\0--model\0b\0--key\0", 33) + QByteArray(6 * MiB, 'x') + '\0';
+    for (int pid = 1; pid <= 6; ++pid)
+        tree.add(pid, {.own = 300 * MiB, .comm = "python3\n", .cmdline = block});
+    Surveyor surveyor(tree.source());
+    const qint64 before = ownMemory();
+    QVERIFY(before > 0);
+    for (int survey = 0; survey < 3; ++survey)
+        QCOMPARE(surveyor.take().workloads.size(), std::size_t(6));
+    const qint64 grown = ownMemory() - before;
+    QVERIFY2(grown < qint64(8 * MiB), qPrintable(QString::number(grown)));
 }
 
 void TestSurveyor::isSafeFromManyThreads()
