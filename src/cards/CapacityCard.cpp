@@ -81,7 +81,7 @@ void CapacityCard::showFigure(std::optional<double> percent, bool isLowerBound)
     setText(m_percentSign, percent ? u"%"_s : QString());
     setText(m_state, {});
     if (!std::exchange(m_stateSymbol, {}).isEmpty())
-        update(stateIcon().toAlignedRect());
+        updateArea(stateIcon());
     placeFigure();
 }
 
@@ -91,7 +91,7 @@ void CapacityCard::showState(const QString &symbol, const QString &words)
     setText(m_percentSign, {});
     setText(m_state, words);
     if (std::exchange(m_stateSymbol, symbol) != symbol)
-        update(stateIcon().toAlignedRect());
+        updateArea(stateIcon());
 }
 
 void CapacityCard::showAmounts(const QString &used, const QString &total)
@@ -107,7 +107,7 @@ void CapacityCard::showSegments(std::vector<BarSegment> segments)
     if (segments == m_segments)
         return;
     m_segments = std::move(segments);
-    update(breakdownBar().toAlignedRect());
+    updateArea(breakdownBar());
 }
 
 void CapacityCard::setHasBar(bool hasBar)
@@ -133,7 +133,7 @@ void CapacityCard::showChips(std::vector<Chip> chips, double below)
         ShownChip &shown = m_shownChips[i];
         const Chip chip = i < m_chips.size() ? m_chips[i] : Chip();
         if (shown.color != chip.color || chip.label.isEmpty())
-            update(chipDot(shown).toAlignedRect());
+            updateArea(chipDot(shown));
         shown.color = chip.color;
         shown.value->name = chip.label;
         setText(*shown.label, chip.label);
@@ -177,8 +177,7 @@ void CapacityCard::layOut()
     placeAmounts();
     placeChips();
     placeLine();
-    m_chart->setGeometry(CardStyle::padding, chartTop, width() - 2 * CardStyle::padding,
-                         height() - CardStyle::padding - chartTop);
+    place(*m_chart, contentBelow(chartTop));
 }
 
 void CapacityCard::placeFigure()
@@ -241,7 +240,7 @@ QRectF CapacityCard::chipDot(const ShownChip &chip) const
             chipDotSize};
 }
 
-void CapacityCard::paintShapes(QPainter &painter, const QRect &dirty)
+void CapacityCard::paintShapes(QPainter &painter, const QRectF &dirty)
 {
     painter.setPen(Qt::NoPen);
     for (const ShownChip &chip : m_shownChips) {

@@ -53,7 +53,7 @@ protected:
     void setHasBar(bool hasBar);
 
     void layOut() override;
-    void paintShapes(QPainter &painter, const QRect &dirty) override;
+    void paintShapes(QPainter &painter, const QRectF &dirty) override;
 
 private:
     /// The texts of one chip, which may be unused.

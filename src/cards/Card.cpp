@@ -3,6 +3,7 @@
 #include "controls/InfoButton.h"
 #include "controls/WindowBackground.h"
 #include "ui/CardStyle.h"
+#include "ui/ContentArea.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
@@ -56,8 +57,10 @@ std::vector<AccessibleText> Card::accessibleTexts() const
 {
     std::vector<AccessibleText> texts;
     for (const CardText &text : m_texts) {
-        if (text.isAccessible())
-            texts.push_back(text.accessible());
+        if (!text.isAccessible())
+            continue;
+        texts.push_back(text.accessible());
+        texts.back().place.translate(contentArea(*this).topLeft());
     }
     return texts;
 }
@@ -108,10 +111,10 @@ void Card::setText(CardText &text, const QString &words, const QColor &color)
 {
     if (text.text == words && text.color == color)
         return;
-    update(text.bounds().toAlignedRect());
+    updateArea(text.bounds());
     text.text = words;
     text.color = color;
-    update(text.bounds().toAlignedRect());
+    updateArea(text.bounds());
 
     int index = 0;
     for (const CardText &other : m_texts) {
@@ -125,14 +128,14 @@ void Card::moveText(CardText &text, const QPointF &baseline)
 {
     if (text.baseline == baseline)
         return;
-    update(text.bounds().toAlignedRect());
+    updateArea(text.bounds());
     text.baseline = baseline;
-    update(text.bounds().toAlignedRect());
+    updateArea(text.bounds());
 }
 
 void Card::updateShape(const QRectF &before, const QRectF &now)
 {
-    update((before | now).toAlignedRect().adjusted(-1, -1, 1, 1));
+    updateArea((before | now).adjusted(-1, -1, 1, 1));
 }
 
 void Card::showTag(const QString &name, const QString &words)
@@ -178,7 +181,7 @@ void Card::showNotice(const QString &symbol, const QString &line, const QString 
         placeNotice();
     }
     if (m_noticeSymbol != symbol || m_noticeLine->text.isEmpty() != line.isEmpty())
-        update(noticeIcon().toAlignedRect());
+        updateArea(noticeIcon());
     m_noticeSymbol = symbol;
     setText(*m_noticeLine, line);
     setText(*m_noticeHint, hint);
@@ -189,7 +192,7 @@ void Card::placeNotice()
     if (!m_noticeLine)
         return;
     const QRectF icon = noticeIcon();
-    const double middle = width() / 2.0;
+    const double middle = cardSize().width() / 2;
     for (CardText *line : {m_noticeLine, m_noticeHint})
         line->maxWidth = contentRight() - contentLeft();
     m_noticeLine->baseline = {middle, icon.top() + noticeLine.baseline(m_noticeLine->font)};
@@ -198,13 +201,13 @@ void Card::placeNotice()
 
 QRectF Card::noticeIcon() const
 {
-    const double top = (bodyTop + height() - CardStyle::padding - noticeHeight) / 2.0;
-    return {(width() - noticeIconSide) / 2.0, top, noticeIconSide, noticeIconSide};
+    const double top = (bodyTop + cardSize().height() - CardStyle::padding - noticeHeight) / 2;
+    return {(cardSize().width() - noticeIconSide) / 2, top, noticeIconSide, noticeIconSide};
 }
 
 QPointF Card::headerStatEnd() const
 {
-    return {m_infoButton->x() + InfoButton::glyph().left() - statGap,
+    return {contentRight() - InfoButton::glyph().width() - statGap,
             headerLine.baseline(statFont())};
 }
 
@@ -222,25 +225,43 @@ CardText Card::headerStat(const QString &name)
             .alignment = Qt::AlignRight};
 }
 
-double Card::contentLeft() const
+QSizeF Card::cardSize() const
 {
-    return CardStyle::padding;
+    return contentArea(*this).size();
+}
+
+void Card::place(QWidget &part, const QRectF &rect) const
+{
+    placeContent(part, rect.translated(contentArea(*this).topLeft()));
+}
+
+QRectF Card::contentBelow(double top) const
+{
+    return {QPointF(contentLeft(), top),
+            QPointF(contentRight(), cardSize().height() - CardStyle::padding)};
+}
+
+void Card::updateArea(const QRectF &part)
+{
+    update(part.translated(contentArea(*this).topLeft()).toAlignedRect());
 }
 
 double Card::contentRight() const
 {
-    return width() - CardStyle::padding;
+    return cardSize().width() - CardStyle::padding;
 }
 
-void Card::paintShapes(QPainter &, const QRect &) { }
+void Card::paintShapes(QPainter &, const QRectF &) { }
 
 void Card::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRect dirty = event->rect();
+    const QRectF area = contentArea(*this);
+    const QRectF dirty = QRectF(event->rect()).translated(-area.topLeft());
     paintWindowBackground(painter, *this, event->region());
-    CardStyle::paint(painter, rect(), dirty);
+    painter.translate(area.topLeft());
+    CardStyle::paint(painter, {{}, area.size()}, dirty);
 
     const QRectF icon(CardStyle::padding, CardStyle::padding + (headerHeight - iconSide) / 2.0,
                       iconSide, iconSide);
@@ -275,7 +296,8 @@ void Card::placeHeader()
 {
     constexpr double middle = CardStyle::padding + headerHeight / 2.0;
     const QRectF glyph = InfoButton::glyph();
-    m_infoButton->move(qRound(contentRight() - glyph.right()), qRound(middle - glyph.center().y()));
+    constexpr double side = InfoButton::side;
+    place(*m_infoButton, {contentRight() - glyph.right(), middle - glyph.center().y(), side, side});
 }
 
 } // namespace corvane

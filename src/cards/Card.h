@@ -14,7 +14,7 @@ struct InfoText;
 /// Base of the dashboard's cards: the frame, the header line with icon, title and info button, and
 /// the texts that a subclass adds. A card is opaque: it paints its piece of the window's background
 /// itself, so that the window is not repainted when a number changes. Cards show the data that the
-/// window passes to them and read nothing themselves.
+/// window passes to them and read nothing themselves. Its edges may lie between points.
 class Card : public AccessibleWidget {
     Q_OBJECT
 
@@ -56,6 +56,18 @@ protected:
     /// nor accessible.
     CardText &addText(const CardText &text);
 
+    /// The card's size, which its shapes and texts are placed in, from the top left corner.
+    QSizeF cardSize() const;
+
+    /// Places a child.
+    void place(QWidget &part, const QRectF &rect) const;
+
+    /// The content from that height on, down to the padding.
+    QRectF contentBelow(double top) const;
+
+    /// Repaints a part of the card.
+    void updateArea(const QRectF &part);
+
     /// Replaces the words of a text and repaints it; does nothing if they are the same.
     void setText(CardText &text, const QString &words);
 
@@ -82,14 +94,14 @@ protected:
     static CardText headerStat(const QString &name);
     const CardText &titleText() const { return m_texts.front(); }
 
-    double contentLeft() const;
+    static constexpr double contentLeft() { return CardStyle::padding; }
     double contentRight() const;
 
     /// Places what depends on the card's size; called when the size changes.
     virtual void layOut() = 0;
 
     /// Paints what is not a text, below the texts. Only what intersects `dirty` needs painting.
-    virtual void paintShapes(QPainter &painter, const QRect &dirty);
+    virtual void paintShapes(QPainter &painter, const QRectF &dirty);
 
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

@@ -130,7 +130,7 @@ QRectF MemoryCard::badgeDot() const
     return {left, top, badgeDotSize, badgeDotSize};
 }
 
-void MemoryCard::paintShapes(QPainter &painter, const QRect &dirty)
+void MemoryCard::paintShapes(QPainter &painter, const QRectF &dirty)
 {
     if (!m_badge.text.isEmpty() && badgeDot().intersects(dirty)) {
         painter.setPen(Qt::NoPen);

@@ -7,7 +7,7 @@
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "records/MachineParts.h"
-#include "ui/CardStyle.h"
+#include "ui/ContentArea.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
 
@@ -197,7 +197,7 @@ void UtilizationCard::showCores(const SystemMetrics &current)
 
 void UtilizationCard::fitCoreBars()
 {
-    m_coreBars->show(fittedCoreBars(m_cores, m_color, m_coreBars->width()));
+    m_coreBars->show(fittedCoreBars(m_cores, m_color, contentArea(*m_coreBars).width()));
 }
 
 PillContent UtilizationCard::pill(std::size_t index) const
@@ -219,13 +219,10 @@ void UtilizationCard::layOut()
     m_subtitle.maxWidth = m_kind == Kind::cpu ? column : contentRight() - contentLeft();
 
     const int barsLeft = qCeil(contentLeft() + column + barsGap);
-    const int right = qFloor(contentRight());
-    m_coreBars->setGeometry(barsLeft, bodyTop, std::max(right - barsLeft, 0), bandHeight);
+    const double barsWidth = std::max(contentRight() - barsLeft, 0.0);
+    place(*m_coreBars, QRectF(barsLeft, bodyTop, barsWidth, bandHeight));
     fitCoreBars();
-
-    constexpr int chartTop = bodyTop + bandHeight + chartGap;
-    m_chart->setGeometry(CardStyle::padding, chartTop, right - CardStyle::padding,
-                         height() - CardStyle::padding - chartTop);
+    place(*m_chart, contentBelow(bodyTop + bandHeight + chartGap));
 }
 
 } // namespace corvane

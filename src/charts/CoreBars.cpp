@@ -1,6 +1,7 @@
 #include "charts/CoreBars.h"
 
 #include "ui/CardStyle.h"
+#include "ui/ContentArea.h"
 #include "ui/NumberText.h"
 #include "ui/TextLayout.h"
 #include "ui/Theme.h"
@@ -155,6 +156,8 @@ void CoreBars::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
+    const QRectF area = contentArea(*this);
+    painter.translate(area.topLeft());
 
     const QBrush track = Theme::withOpacity(m_data.color, 0.1);
     QLinearGradient gradient(0, 0, 0, 1);
@@ -165,7 +168,7 @@ void CoreBars::paintEvent(QPaintEvent *)
 
     const double radius = m_data.barCornerRadius;
     const std::vector<double> loads = barLoads(m_data);
-    const QRectF strip = stripPlace(m_data, QRectF(0, 0, width(), m_data.height));
+    const QRectF strip = stripPlace(m_data, QRectF(0, 0, area.width(), m_data.height));
     const std::vector<QRectF> bars = evenRow(loads.size(), strip, m_data.spacing);
     for (std::size_t bar = 0; bar < bars.size(); ++bar) {
         painter.setBrush(track);

@@ -2,6 +2,7 @@
 
 #include "charts/ChartTime.h"
 #include "controls/ContextMenu.h"
+#include "ui/ContentArea.h"
 #include "ui/FocusRing.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoundedBox.h"
@@ -19,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace corvane {
 
@@ -57,14 +59,15 @@ QPen linePen(const QColor &color, double width)
 /// Paints an area and its line in strips, since the time of Qt's rasteriser and stroker grows
 /// faster than the length of an outline. A strip is clipped to whole device pixels and drawn a
 /// little beyond them, so that no seam shows.
-void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill, const QPen &pen)
+void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill, const QPen &pen,
+                 const QRectF &chart)
 {
     constexpr double stripWidth = 120;
     constexpr double overlap = 2;
     const QPolygonF &line = shape.line;
     const qsizetype last = line.size() - 1;
     const double reach = overlap + pen.widthF();
-    const QRectF all = shape.fill.boundingRect().adjusted(-reach, -reach, reach, reach);
+    const QRectF all = shape.fill.boundingRect().adjusted(-reach, -reach, reach, reach) & chart;
     QPolygonF strip;
     for (qsizetype from = 0, to = 0; from < last; from = to) {
         while (to < last && line[to].x() < line[from].x() + stripWidth)
@@ -141,7 +144,7 @@ std::optional<std::size_t> Sparkline::hoveredIndex() const
 {
     if (!m_cursorX)
         return std::nullopt;
-    return nearestIndex(m_data.timestamps, m_data.xDomain, *m_cursorX, width());
+    return nearestIndex(m_data.timestamps, m_data.xDomain, *m_cursorX, plot().width());
 }
 
 QString Sparkline::accessibleValue() const
@@ -154,7 +157,7 @@ QString Sparkline::accessibleValue() const
 QString Sparkline::copiedText() const
 {
     const std::vector<std::optional<double>> columns =
-        sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, size()});
+        sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, plot().size()});
     QStringList lines;
     for (std::size_t i = 0; m_buildPill && i < columns.size(); ++i) {
         if (!columns[i])
@@ -173,13 +176,19 @@ void Sparkline::contextMenuEvent(QContextMenuEvent *event)
     popUpCopy(*this, copiedText(), event->globalPos());
 }
 
-void Sparkline::resizeEvent(QResizeEvent *event)
+QRectF Sparkline::plot() const
 {
+    return contentArea(*this);
+}
+
+void Sparkline::resizeEvent(QResizeEvent *)
+{
+    const double before = std::exchange(m_plotWidth, plot().width());
     m_prepared = false;
     if (m_pointer)
         keepToPointer();
-    else if (m_cursorX && event->oldSize().width() > 0)
-        setCursorX(*m_cursorX * width() / event->oldSize().width()); // On the same sample.
+    else if (m_cursorX && before > 0)
+        setCursorX(*m_cursorX * m_plotWidth / before); // On the same sample.
 }
 
 void Sparkline::moveEvent(QMoveEvent *)
@@ -244,8 +253,8 @@ void Sparkline::focusOutEvent(QFocusEvent *)
 void Sparkline::followPointer(const QSinglePointEvent &event)
 {
     m_pointer = event.globalPosition();
-    const double x = event.position().x();
-    setCursorX(x >= 0 && x <= width() ? std::optional(x) : std::nullopt);
+    const double x = event.position().x() - plot().left();
+    setCursorX(x >= 0 && x <= plot().width() ? std::optional(x) : std::nullopt);
 }
 
 /// A resting pointer sends no event when the chart moves below it.
@@ -254,7 +263,7 @@ void Sparkline::keepToPointer()
     if (!m_pointer)
         return;
     const QPointF place = mapFromGlobal(*m_pointer);
-    setCursorX(QRectF(rect()).contains(place) ? std::optional(place.x()) : std::nullopt);
+    setCursorX(plot().contains(place) ? std::optional(place.x() - plot().left()) : std::nullopt);
 }
 
 void Sparkline::setCursorX(std::optional<double> x)
@@ -280,7 +289,7 @@ bool Sparkline::stepCursor(int key)
     m_pointer.reset();
     std::vector<double> stops;
     for (const std::optional<double> column :
-         sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, size()})) {
+         sampleColumns(m_data.timestamps, {m_data.xDomain, m_data.yDomain, plot().size()})) {
         if (column)
             stops.push_back(*column);
     }
@@ -313,9 +322,9 @@ void Sparkline::prepare()
     m_timeLabels =
         m_data.showsTimeLabels ? timeLabels(m_data.xDomain, locale()) : std::array<QString, 3>{};
     m_layers.clear();
-    for (SeriesShape &shape : seriesShapes(m_data, size())) {
+    for (SeriesShape &shape : seriesShapes(m_data, plot().size())) {
         const SparklineSeries &series = m_data.series[shape.series];
-        m_layers.push_back({std::move(shape), fillBrush(series.fillColors, height()),
+        m_layers.push_back({std::move(shape), fillBrush(series.fillColors, plot().height()),
                             linePen(series.lineColor, series.lineWidth)});
     }
 }
@@ -326,9 +335,13 @@ void Sparkline::paintEvent(QPaintEvent *)
         prepare();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(plot().topLeft());
+    const QSizeF size = plot().size();
     if (m_data.showsGrid)
-        fillHairline(painter, QRectF(0, height() * 0.5 - 0.5, width(), 1), Theme::chartGrid);
+        fillHairline(painter, QRectF(0, size.height() * 0.5 - 0.5, size.width(), 1),
+                     Theme::chartGrid);
     paintLayers(painter);
+    painter.setClipRect(QRectF({}, size));
     if (m_cursorX)
         paintCursor(painter);
     paintTimeLabels(painter);
@@ -339,13 +352,14 @@ void Sparkline::paintEvent(QPaintEvent *)
 void Sparkline::paintLayers(QPainter &painter) const
 {
     for (const Layer &layer : m_layers)
-        paintSeries(painter, layer.shape, layer.fill, layer.line);
+        paintSeries(painter, layer.shape, layer.fill, layer.line, QRectF({}, plot().size()));
 }
 
 void Sparkline::paintCursor(QPainter &painter) const
 {
-    QRectF line = snappedToPixels(painter, QRectF(*m_cursorX - 0.5, 0, 1, height()));
-    line.moveLeft(std::clamp(line.left(), 0.0, std::max(width() - line.width(), 0.0)));
+    const QSizeF size = plot().size();
+    QRectF line = snappedToPixels(painter, QRectF(*m_cursorX - 0.5, 0, 1, size.height()));
+    line.moveLeft(std::clamp(line.left(), 0.0, std::max(size.width() - line.width(), 0.0)));
     fillHairline(painter, line, Theme::chartCursor);
 }
 
@@ -353,17 +367,18 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
 {
     constexpr double inset = 4;
     constexpr double tagMargin = 3;
-    const TextLine tag{height() - 13.0, 12};
+    const double width = plot().width();
+    const TextLine tag{plot().height() - 13, 12};
     const double baseline = tag.baseline(labelFont());
     std::array<double, 3> widths = {};
     std::ranges::transform(m_timeLabels, widths.begin(),
                            [](const QString &label) { return textWidth(label, labelFont()); });
-    const double free = width() - 2 * inset - widths[0] - widths[1] - widths[2];
+    const double free = width - 2 * inset - widths[0] - widths[1] - widths[2];
     const std::array<double, 3> lefts = {inset, inset + widths[0] + free / 2,
-                                         width() - inset - widths[2]};
+                                         width - inset - widths[2]};
     constexpr std::array<double, 3> neededWidths{0, 160, 72}; // Of the chart, for each label.
     for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
-        if (m_timeLabels[i].isEmpty() || width() < neededWidths[i])
+        if (m_timeLabels[i].isEmpty() || width < neededWidths[i])
             continue; // It would touch the others.
         fillRounded(painter,
                     QRectF(lefts[i] - tagMargin, tag.top, widths[i] + 2 * tagMargin, tag.height), 3,
@@ -376,7 +391,7 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
 void Sparkline::paintPill(QPainter &painter) const
 {
     const QSizeF size = m_pill.size();
-    const double x = clampedPillX(*m_cursorX, size.width() * 0.5, width());
+    const double x = clampedPillX(*m_cursorX, size.width() * 0.5, plot().width());
     const double y = pillY(size.height());
     const QPointF origin(x - size.width() * 0.5, y - size.height() * 0.5);
     m_pill.paint(painter, snappedToPixels(painter, origin));

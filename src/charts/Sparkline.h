@@ -39,7 +39,7 @@ public:
     /// `show`, since the sample under a resting cursor is then another one.
     void setHoverPill(PillBuilder builder);
 
-    /// The x of the cursor in points; absent while there is no cursor.
+    /// The x of the cursor in the chart, in points; absent while there is no cursor.
     std::optional<double> cursorX() const { return m_cursorX; }
 
     /// Index of the sample nearest to the cursor; absent without a cursor or samples.
@@ -74,6 +74,7 @@ private:
         QPen line;
     };
 
+    QRectF plot() const; ///< The chart in the widget.
     void followPointer(const QSinglePointEvent &event);
     void keepToPointer();
     void setCursorX(std::optional<double> x);
@@ -92,6 +93,7 @@ private:
     bool m_showsPill = false;         ///< There are a hovered sample and a builder.
     std::optional<QPointF> m_pointer; ///< Of the screen; absent if the keys moved the cursor.
     std::optional<double> m_cursorX;
+    double m_plotWidth = 0;  ///< At the last resizing.
     bool m_prepared = false; ///< Layers and labels are those of the data, the size and the locale.
     std::vector<Layer> m_layers;
     std::array<QString, 3> m_timeLabels;

@@ -2,6 +2,7 @@
 
 #include "controls/InfoPopover.h"
 #include "threads/MainThread.h"
+#include "ui/ContentArea.h"
 #include "ui/Icon.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
@@ -17,7 +18,7 @@ InfoButton::InfoButton(const InfoText &info, QWidget *parent) : QAbstractButton(
 {
     assertMainThread();
     setFocusPolicy(Qt::TabFocus); // A click leaves the focus, and its ring, where it is.
-    setFixedSize(side, side);
+    resize(side, side);
     setInfo(info);
     connect(this, &QAbstractButton::clicked, this, &InfoButton::toggle);
 }
@@ -49,7 +50,8 @@ void InfoButton::toggle()
         close();
         return;
     }
-    m_popover = new InfoPopover(m_info.title, m_info.text, this, clickArea());
+    m_popover = new InfoPopover(m_info.title, m_info.text, this,
+                                clickArea().translated(contentArea(*this).topLeft()));
     connect(m_popover, &InfoPopover::dismissed, this, &InfoButton::close);
 }
 
@@ -68,9 +70,10 @@ void InfoButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor &color = underMouse() ? Theme::textSecondary : Theme::textTertiary;
-    paintIcon(painter, u"info.circle"_s, glyph(), color);
+    const QRectF area = contentArea(*this);
+    paintIcon(painter, u"info.circle"_s, glyph().translated(area.topLeft()), color);
     if (hasFocus())
-        paintFocusRing(painter, rect(), 6);
+        paintFocusRing(painter, area, 6);
 }
 
 void InfoButton::enterEvent(QEnterEvent *event)

@@ -24,8 +24,7 @@ class InfoButton : public QAbstractButton {
 public:
     static constexpr int side = 20; ///< Width and height of the square that takes clicks.
 
-    /// Place of the icon in the button, as the header aligns it; the button itself lies on whole
-    /// points.
+    /// Place of the icon in the button, as the header aligns it.
     static constexpr QRectF glyph() { return {4, 3.5, 13, 13}; }
 
     /// The square centred on the glyph, to which the popover points.

@@ -1,6 +1,7 @@
 #include "dashboard/DashboardLayout.h"
 
 #include "records/MachineParts.h"
+#include "ui/ContentArea.h"
 
 #include <algorithm>
 #include <array>
@@ -82,14 +83,12 @@ DashboardGrid gridWithoutGPU(const MachineCoverage &machine)
     return {evenly({memory, cpu}), lists()};
 }
 
-/// The place of a card that starts at a column of a row, its edges rounded.
-QRect placeOf(const QRect &row, int column, int span, int columns)
+/// The place of a card that starts at a column of a row.
+QRectF placeOf(const QRectF &row, int column, int span, int columns)
 {
-    const double width = static_cast<double>(row.width() - gap * (columns - 1)) / columns;
+    const double width = (row.width() - gap * (columns - 1)) / columns;
     const double left = row.left() + column * (width + gap);
-    const double right = left + span * (width + gap) - gap;
-    const int first = qRound(left);
-    return {first, row.top(), qRound(right) - first, row.height()};
+    return {left, row.top(), span * (width + gap) - gap, row.height()};
 }
 
 std::vector<int> twoRowHeights(int windowHeight)
@@ -121,10 +120,10 @@ DashboardGrid dashboardGrid(const MachineCoverage &machine)
     return gridWithoutGPU(machine);
 }
 
-QRect DashboardLayout::card(DashboardCard which) const
+QRectF DashboardLayout::card(DashboardCard which) const
 {
     const auto found = std::ranges::find(cards, which, &Place::card);
-    return found == cards.end() ? QRect() : found->rect;
+    return found == cards.end() ? QRectF() : found->rect;
 }
 
 std::vector<int> dashboardRowHeights(int windowHeight, std::size_t rows)
@@ -150,7 +149,7 @@ std::vector<int> dashboardRowHeights(int windowHeight, std::size_t rows)
     return heights;
 }
 
-DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid)
+DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid, double scale)
 {
     const int width = window.width() - 2 * padding;
     const std::vector<int> heights = dashboardRowHeights(window.height(), grid.size());
@@ -160,8 +159,9 @@ DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid)
     for (std::size_t row = 0; row < grid.size(); ++row) {
         int column = 0;
         for (const auto &[card, span] : grid[row].cells) {
-            const QRect line(padding, top, width, heights[row]);
-            layout.cards.push_back({card, placeOf(line, column, span, grid[row].columns())});
+            const QRectF line(padding, top, width, heights[row]);
+            const QRectF place = placeOf(line, column, span, grid[row].columns());
+            layout.cards.push_back({card, edgesOnPixels(place, scale)});
             column += span;
         }
         top += heights[row] + gap;

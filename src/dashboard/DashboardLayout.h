@@ -50,14 +50,14 @@ struct DashboardLayout {
 
     struct Place {
         DashboardCard card = DashboardCard::memory;
-        QRect rect = {};
+        QRectF rect = {};
     };
 
     QRect header = {};
     std::vector<Place> cards = {}; ///< In reading order.
 
     /// Null if there is no such card.
-    QRect card(DashboardCard which) const;
+    QRectF card(DashboardCard which) const;
 };
 
 /// Heights of the rows of cards in a window of that height. Of three rows each gets a third of what
@@ -66,7 +66,7 @@ struct DashboardLayout {
 /// minimum.
 std::vector<int> dashboardRowHeights(int windowHeight, std::size_t rows);
 
-/// The edges of the cards are on whole points.
-DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid);
+/// The edges of the cards are on device pixels, at that many of them to the point.
+DashboardLayout dashboardLayout(const QSize &window, const DashboardGrid &grid, double scale = 1);
 
 } // namespace corvane

@@ -14,6 +14,7 @@
 #include "records/MachineParts.h"
 #include "records/SeriesReduction.h"
 #include "threads/MainThread.h"
+#include "ui/ContentArea.h"
 #include "ui/Theme.h"
 #include "windows/WindowAccessor.h"
 #include "windows/WindowLifecycleCoordinator.h"
@@ -26,8 +27,6 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
-
-#include <utility>
 
 #include <algorithm>
 
@@ -289,10 +288,11 @@ void MainWindow::arrange()
     const int bottom = height() - m_noticeHeight;
     if (m_notice)
         m_notice->setGeometry(0, bottom, width(), m_noticeHeight);
-    const DashboardLayout layout = dashboardLayout({width(), bottom}, m_grid);
+    m_scale = devicePixelRatioF();
+    const DashboardLayout layout = dashboardLayout({width(), bottom}, m_grid, m_scale);
     m_header->setGeometry(layout.header);
     for (const DashboardLayout::Place &place : layout.cards)
-        card(place.card)->setGeometry(place.rect);
+        placeContent(*card(place.card), place.rect);
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -314,9 +314,24 @@ bool MainWindow::eventFilter(QObject *object, QEvent *event)
 {
     if (object == windowHandle() && event->type() == QEvent::Expose) {
         m_isCovered = isVisible() && !windowHandle()->isExposed();
+        followScale();
         followVisibility();
     }
     return QWidget::eventFilter(object, event);
+}
+
+bool MainWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::UpdateRequest)
+        followScale();
+    return QWidget::event(event);
+}
+
+/// The cards' edges are placed on the pixels of the screen before the window is painted there.
+void MainWindow::followScale()
+{
+    if (m_scale != devicePixelRatioF())
+        arrange();
 }
 
 void MainWindow::changeEvent(QEvent *event)

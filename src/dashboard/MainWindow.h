@@ -61,6 +61,7 @@ protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     bool eventFilter(QObject *object, QEvent *event) override;
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
@@ -68,6 +69,7 @@ private:
     bool canBeSeen() const;
     void setNotice(QWidget *bar);
     void arrange();
+    void followScale();
 
     /// Whether new contents are to be shown; if not, the window is outdated from now on.
     bool takesContents();
@@ -89,6 +91,7 @@ private:
     std::vector<GPUHolders> m_holders;
     QWidget *m_notice = nullptr; ///< Below the cards; null without one.
     int m_noticeHeight = 0;
+    double m_scale = 1; ///< Of the screen, when the cards were placed.
     std::uint64_t m_totalMemory = 0;
     bool m_isOutdated = true; ///< Nothing was shown yet, or the window was not seen since.
     bool m_isCovered = false; ///< The window system has told so.

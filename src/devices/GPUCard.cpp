@@ -9,6 +9,7 @@
 #include "records/MachineParts.h"
 #include "records/MachineTotals.h"
 #include "ui/CardStyle.h"
+#include "ui/ContentArea.h"
 #include "ui/MachineText.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
@@ -232,9 +233,10 @@ void GPUCard::layOut()
         column.subtitle->baseline = {left, down + subtitleLine.baseline(column.subtitle->font)};
         for (CardText *text : {column.name, column.figure, column.subtitle})
             text->maxWidth = width;
-        const int chartLeft = qRound(left);
-        column.chart->setGeometry(chartLeft, chartTop, qRound(left + width) - chartLeft,
-                                  height() - CardStyle::padding - chartTop);
+        QRectF chart = contentBelow(chartTop);
+        chart.setLeft(left);
+        chart.setWidth(width);
+        place(*column.chart, edgesOnPixels(chart, devicePixelRatioF()));
     }
 }
 

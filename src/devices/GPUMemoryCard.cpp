@@ -259,7 +259,7 @@ void GPUMemoryCard::setRow(std::size_t index, const GPUMetrics *metrics)
     setText(*row.total, hasFigures ? total : QString());
     std::vector<BarSegment> now = segments(gpu, metrics);
     if (now != row.segments)
-        update(rowBar(index).toAlignedRect());
+        updateArea(rowBar(index));
     row.segments = std::move(now);
 }
 
@@ -332,7 +332,7 @@ void GPUMemoryCard::layOut()
     placeRows();
 }
 
-void GPUMemoryCard::paintShapes(QPainter &painter, const QRect &dirty)
+void GPUMemoryCard::paintShapes(QPainter &painter, const QRectF &dirty)
 {
     CapacityCard::paintShapes(painter, dirty);
     for (std::size_t i = 0; m_gpus.size() > 1 && i < m_gpus.size(); ++i) {

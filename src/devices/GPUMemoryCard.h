@@ -26,7 +26,7 @@ public:
 
 protected:
     void layOut() override;
-    void paintShapes(QPainter &painter, const QRect &dirty) override;
+    void paintShapes(QPainter &painter, const QRectF &dirty) override;
 
 private:
     /// One GPU among several.

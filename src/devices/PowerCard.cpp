@@ -111,11 +111,10 @@ void PowerCard::layOut()
     m_system.baseline = {contentRight(), legendLine.baseline(m_system.font)};
     placeLegend();
     constexpr int chartTop = bodyTop + legendHeight + chartGap;
-    chart()->setGeometry(CardStyle::padding, chartTop, width() - 2 * CardStyle::padding,
-                         height() - CardStyle::padding - chartTop);
+    place(*chart(), contentBelow(chartTop));
 }
 
-void PowerCard::paintShapes(QPainter &painter, const QRect &dirty)
+void PowerCard::paintShapes(QPainter &painter, const QRectF &dirty)
 {
     constexpr double top = bodyTop + (legendHeight - legendDot) / 2;
     for (std::size_t i = 0; i < m_parts.size(); ++i) {

@@ -25,7 +25,7 @@ public:
 
 protected:
     void layOut() override;
-    void paintShapes(QPainter &painter, const QRect &dirty) override;
+    void paintShapes(QPainter &painter, const QRectF &dirty) override;
 
 private:
     void showLegend(const MachineCoverage &machine);

@@ -151,7 +151,7 @@ bool SmallPowerCard::hasRoomForHint() const
 
 double SmallPowerCard::rowsLeft() const
 {
-    const bool isNarrow = width() < narrow;
+    const bool isNarrow = cardSize().width() < narrow;
     const double figure = m_figure.width() + unitGap + m_unit.width() + figureShift;
     const double column = std::max({isNarrow ? 84.0 : 96.0, figure, m_subtitle.width()});
     return contentLeft() + column + (isNarrow ? 10 : 16);
@@ -167,8 +167,7 @@ void SmallPowerCard::layOut()
     setText(*m_hint[0], hint ? u"Only root may read CPU watts."_s : QString());
     setText(*m_hint[1], hint ? u"tells how to open them."_s : QString());
     placeRows();
-    chart()->setGeometry(CardStyle::padding, chartTop, width() - 2 * CardStyle::padding,
-                         height() - CardStyle::padding - chartTop);
+    place(*chart(), contentBelow(chartTop));
 }
 
 void SmallPowerCard::placeRows()
@@ -213,7 +212,7 @@ void SmallPowerCard::recomputeYMax(const std::vector<SystemMetrics> &history)
     m_power.recomputeYMax(history);
 }
 
-void SmallPowerCard::paintShapes(QPainter &painter, const QRect &dirty)
+void SmallPowerCard::paintShapes(QPainter &painter, const QRectF &dirty)
 {
     for (std::size_t i = 0; i < std::min(m_parts.size(), mostRows); ++i) {
         if (dot(i).intersects(dirty))

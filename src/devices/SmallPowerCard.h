@@ -27,7 +27,7 @@ public:
 
 protected:
     void layOut() override;
-    void paintShapes(QPainter &painter, const QRect &dirty) override;
+    void paintShapes(QPainter &painter, const QRectF &dirty) override;
 
 private:
     static constexpr std::size_t mostRows = 5;

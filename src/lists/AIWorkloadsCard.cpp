@@ -162,7 +162,8 @@ AccessibleText AIWorkloadsCard::accessibleRow(int index) const
 
 void AIWorkloadsCard::layOut()
 {
-    m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
+    const double listHeight = cardSize().height() - bodyTop - listFoot;
+    place(*m_list, QRectF(0, bodyTop, cardSize().width(), listHeight));
 }
 
 void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place) const

@@ -100,9 +100,10 @@ void ProcessCard::setGPUMemoryLabel(const QString &label)
 
 void ProcessCard::layOut()
 {
-    m_list->setGeometry(0, bodyTop, width(), height() - bodyTop - listFoot);
-    const double middle = (bodyTop + height() - CardStyle::padding) / 2.0;
-    m_empty.baseline = {width() / 2.0, TextLine{middle, 0}.baseline(m_empty.font)};
+    const double listHeight = cardSize().height() - bodyTop - listFoot;
+    place(*m_list, QRectF(0, bodyTop, cardSize().width(), listHeight));
+    const double middle = (bodyTop + cardSize().height() - CardStyle::padding) / 2;
+    m_empty.baseline = {cardSize().width() / 2, TextLine{middle, 0}.baseline(m_empty.font)};
 }
 
 void ProcessCard::paintRow(QPainter &painter, int index, const QRectF &place) const

@@ -1,6 +1,7 @@
 #include "lists/RowList.h"
 
 #include "controls/ContextMenu.h"
+#include "ui/ContentArea.h"
 #include "ui/FocusRing.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
@@ -98,14 +99,16 @@ std::vector<AccessibleText> RowList::accessibleTexts() const
 
 QRectF RowList::rowRect(int row) const
 {
-    return QRectF(m_rows.margin, m_geometry.top(row, m_offset), width() - 2 * m_rows.margin,
-                  m_rows.height);
+    const QRectF area = contentArea(*this);
+    return QRectF(area.left() + m_rows.margin, area.top() + m_geometry.top(row, m_offset),
+                  area.width() - 2 * m_rows.margin, m_rows.height);
 }
 
 QRectF RowList::thumbRect() const
 {
     const auto [top, height] = m_geometry.thumb(m_offset);
-    return {width() - thumbInset - thumbWidth, top, thumbWidth, height};
+    const QRectF area = contentArea(*this);
+    return {area.right() - thumbInset - thumbWidth, area.top() + top, thumbWidth, height};
 }
 
 void RowList::paintEvent(QPaintEvent *event)
@@ -113,10 +116,11 @@ void RowList::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF dirty = event->rect();
-    QRectF plain = rect();
+    const QRectF area = contentArea(*this);
+    QRectF plain = area;
     if (m_offset < m_geometry.maxOffset()) {
         plain.setBottom(plain.bottom() - fadeHeight);
-        paintFade(painter, QRectF(rect()).adjusted(0, plain.height(), 0, 0));
+        paintFade(painter, area.adjusted(0, plain.height(), 0, 0));
     }
     painter.save();
     paintRows(painter, plain & dirty);
@@ -158,7 +162,7 @@ void RowList::paintFade(QPainter &painter, const QRectF &part) const
 
 void RowList::resizeEvent(QResizeEvent *)
 {
-    m_geometry.viewHeight = height();
+    m_geometry.viewHeight = qRound(contentArea(*this).height());
     m_offset = std::min(m_offset, m_geometry.maxOffset());
 }
 

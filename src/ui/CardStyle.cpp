@@ -39,11 +39,11 @@ namespace {
 constexpr double fewLines = 32;
 
 /// Fills a part that no edge crosses: in bands, without antialiasing, so that no seam shows.
-void fillInside(QPainter &painter, const QRectF &card, const QRect &dirty)
+void fillInside(QPainter &painter, const QRectF &card, const QRectF &dirty)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
-    for (double y = card.top(); y <= dirty.bottom(); y += fewLines) {
+    for (double y = card.top(); y < dirty.bottom(); y += fewLines) {
         if (y + fewLines > dirty.top())
             painter.fillRect(QRectF(card.left(), y, card.width(), fewLines), Theme::cardFill);
     }
@@ -52,7 +52,7 @@ void fillInside(QPainter &painter, const QRectF &card, const QRect &dirty)
 
 } // namespace
 
-void paint(QPainter &painter, const QRectF &card, const QRect &dirty)
+void paint(QPainter &painter, const QRectF &card, const QRectF &dirty)
 {
     constexpr double edge = 8; // A rectangle this far inside the card touches no corner.
     if (card.adjusted(edge, edge, -edge, -edge).contains(dirty)) {

@@ -18,7 +18,7 @@ inline constexpr double cornerRadius = 14;
 QPainterPath continuousCorners(const QRectF &rect, double radius);
 
 /// Fills the card and strokes it inside its edge. The painter already clips to `dirty`.
-void paint(QPainter &painter, const QRectF &card, const QRect &dirty);
+void paint(QPainter &painter, const QRectF &card, const QRectF &dirty);
 
 } // namespace CardStyle
 

@@ -1,6 +1,7 @@
 #include "ui/FocusRing.h"
 
 #include "threads/MainThread.h"
+#include "ui/ContentArea.h"
 #include "ui/RoundedBox.h"
 
 #include <QEvent>
@@ -30,7 +31,8 @@ protected:
         const auto &widget = *static_cast<QWidget *>(watched);
         const QEvent::Type type = event->type();
         if (type == QEvent::FocusIn || type == QEvent::Move || type == QEvent::Resize)
-            setGeometry(widget.geometry().marginsAdded(m_outset));
+            placeContent(*this,
+                         contentArea(widget).translated(widget.pos()).marginsAdded(m_outset));
         if (type == QEvent::FocusIn || type == QEvent::FocusOut)
             setVisible(type == QEvent::FocusIn);
         return false;
@@ -40,7 +42,7 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        paintFocusRing(painter, rect(), m_radius);
+        paintFocusRing(painter, contentArea(*this), m_radius);
     }
 
 private:

@@ -94,7 +94,8 @@ private slots:
     void fillsTheWindow_data();
     void fillsTheWindow();
     void placesCardsInTheSmallestWindow();
-    void snapsSharesToWholePoints();
+    void snapsSharesToDevicePixels_data();
+    void snapsSharesToDevicePixels();
 };
 
 void TestDashboardLayout::choosesTheCards_data()
@@ -174,20 +175,20 @@ void TestDashboardLayout::meetsTheEdgesOfHalves()
     for (const ScriptedMachine &machine : allScriptedMachines()) {
         const DashboardGrid grid = dashboardGrid(machine.coverage());
         const DashboardLayout layout = dashboardLayout(window, grid);
-        const int half = layout.card(DashboardCard::processes).x();
+        const double half = layout.card(DashboardCard::processes).x();
         std::size_t next = 0;
         for (const DashboardRow &row : grid) {
             int column = 0;
             for (const auto &[card, columns] : row.cells) {
-                const QRect place = layout.cards[next++].rect;
-                QVERIFY(QRect(16, 64, window.width() - 32, window.height() - 80).contains(place));
+                const QRectF place = layout.cards[next++].rect;
+                QVERIFY(QRectF(16, 64, window.width() - 32, window.height() - 80).contains(place));
                 if (row.columns() % 2 == 0 && column == row.columns() / 2)
                     QCOMPARE(place.x(), half);
                 column += columns;
             }
-            QCOMPARE(layout.cards[next - 1].rect.right() + 1, window.width() - 16);
+            QCOMPARE(layout.cards[next - 1].rect.right(), window.width() - 16.0);
         }
-        QCOMPARE(layout.cards.back().rect.bottom() + 1, window.height() - 16);
+        QCOMPARE(layout.cards.back().rect.bottom(), window.height() - 16.0);
     }
 }
 
@@ -244,42 +245,56 @@ void TestDashboardLayout::fillsTheWindow()
 {
     QFETCH(QSize, window);
     const DashboardLayout layout = dashboardLayout(window, ofWhole());
-    const auto right = [](const QRect &rect) { return rect.x() + rect.width(); };
     QCOMPARE(layout.header, QRect(16, 16, window.width() - 32, 34));
     for (const DashboardCard last :
          {DashboardCard::power, DashboardCard::npu, DashboardCard::processes})
-        QCOMPARE(right(layout.card(last)), window.width() - 16);
+        QCOMPARE(layout.card(last).right(), window.width() - 16.0);
     for (const DashboardCard first :
          {DashboardCard::memory, DashboardCard::cpu, DashboardCard::workloads})
-        QCOMPARE(layout.card(first).x(), 16);
-    const QRect last = layout.card(DashboardCard::processes);
-    QCOMPARE(last.y() + last.height(), window.height() - 16);
-    QCOMPARE(layout.card(DashboardCard::memory).y(), 16 + 34 + 14);
+        QCOMPARE(layout.card(first).x(), 16.0);
+    QCOMPARE(layout.card(DashboardCard::processes).bottom(), window.height() - 16.0);
+    QCOMPARE(layout.card(DashboardCard::memory).y(), 16.0 + 34 + 14);
 
     // Neighbours keep 14 from each other, and share their row evenly but for rounding.
-    const QRect cpu = layout.card(DashboardCard::cpu);
-    const QRect gpu = layout.card(DashboardCard::gpu);
-    const QRect ane = layout.card(DashboardCard::npu);
-    QVERIFY(qAbs(gpu.x() - right(cpu) - 14) <= 1 && qAbs(ane.x() - right(gpu) - 14) <= 1);
+    const QRectF cpu = layout.card(DashboardCard::cpu);
+    const QRectF gpu = layout.card(DashboardCard::gpu);
+    const QRectF ane = layout.card(DashboardCard::npu);
+    QVERIFY(qAbs(gpu.x() - cpu.right() - 14) <= 1 && qAbs(ane.x() - gpu.right() - 14) <= 1);
     QVERIFY(qAbs(gpu.width() - cpu.width()) <= 1 && qAbs(ane.width() - gpu.width()) <= 1);
-    QCOMPARE(cpu.y(), layout.card(DashboardCard::memory).bottom() + 1 + 14);
+    QCOMPARE(cpu.y(), layout.card(DashboardCard::memory).bottom() + 14);
 }
 
 void TestDashboardLayout::placesCardsInTheSmallestWindow()
 {
     const DashboardLayout layout = dashboardLayout(DashboardLayout::minimum, ofWhole());
-    QCOMPARE(layout.card(DashboardCard::memory), QRect(16, 64, 437, 236));
-    QCOMPARE(layout.card(DashboardCard::power), QRect(467, 64, 437, 236));
-    QCOMPARE(layout.card(DashboardCard::cpu).y(), 314);
-    QCOMPARE(layout.card(DashboardCard::processes), QRect(467, 504, 437, 240));
+    QCOMPARE(layout.card(DashboardCard::memory), QRectF(16, 64, 437, 236));
+    QCOMPARE(layout.card(DashboardCard::power), QRectF(467, 64, 437, 236));
+    QCOMPARE(layout.card(DashboardCard::cpu).y(), 314.0);
+    QCOMPARE(layout.card(DashboardCard::processes), QRectF(467, 504, 437, 240));
 }
 
-void TestDashboardLayout::snapsSharesToWholePoints()
+void TestDashboardLayout::snapsSharesToDevicePixels_data()
 {
-    const DashboardLayout layout = dashboardLayout({1280, 900}, ofWhole());
-    QCOMPARE(layout.card(DashboardCard::cpu), QRect(16, 340, 407, 226));
-    QCOMPARE(layout.card(DashboardCard::gpu), QRect(437, 340, 406, 226));
-    QCOMPARE(layout.card(DashboardCard::npu), QRect(857, 340, 407, 226));
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QRectF>("cpu");
+    QTest::addColumn<QRectF>("gpu");
+    QTest::addColumn<QRectF>("npu");
+    QTest::newRow("scale 1") << 1.0 << QRectF(16, 340, 407, 226) << QRectF(437, 340, 406, 226)
+                             << QRectF(857, 340, 407, 226);
+    QTest::newRow("scale 1.25") << 1.25 << QRectF(16, 340, 406.4, 226.4)
+                                << QRectF(436.8, 340, 406.4, 226.4)
+                                << QRectF(857.6, 340, 406.4, 226.4);
+    QTest::newRow("scale 2") << 2.0 << QRectF(16, 340, 406.5, 226) << QRectF(436.5, 340, 407, 226)
+                             << QRectF(857.5, 340, 406.5, 226);
+}
+
+void TestDashboardLayout::snapsSharesToDevicePixels()
+{
+    QFETCH(double, scale);
+    const DashboardLayout layout = dashboardLayout({1280, 900}, ofWhole(), scale);
+    QTEST(layout.card(DashboardCard::cpu), "cpu");
+    QTEST(layout.card(DashboardCard::gpu), "gpu");
+    QTEST(layout.card(DashboardCard::npu), "npu");
 }
 
 QTEST_APPLESS_MAIN(TestDashboardLayout)
