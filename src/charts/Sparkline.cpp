@@ -1,6 +1,7 @@
 #include "charts/Sparkline.h"
 
 #include "charts/ChartTime.h"
+#include "charts/RoundBends.h"
 #include "controls/ContextMenu.h"
 #include "ui/ContentArea.h"
 #include "ui/FocusRing.h"
@@ -46,13 +47,11 @@ QBrush fillBrush(const std::vector<QColor> &colors, double height)
     return gradient;
 }
 
-/// A pen with round ends and mitred joins. Between nearly straight segments a mitre looks like a
-/// round join, which Qt's stroker draws twice, as a dot; sharp mitres are cut.
+/// A pen for lines with round bends.
 QPen linePen(const QColor &color, double width)
 {
-    constexpr double sharp = 1.5; ///< Length of the mitre, in line widths.
     QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
-    pen.setMiterLimit(sharp);
+    pen.setMiterLimit(10);
     return pen;
 }
 
@@ -68,6 +67,8 @@ void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill
     const qsizetype last = line.size() - 1;
     const double reach = overlap + pen.widthF();
     const QRectF all = shape.fill.boundingRect().adjusted(-reach, -reach, reach, reach) & chart;
+    // The joins of a line of one pixel cannot be seen.
+    const bool hasJoins = pen.widthF() * painter.deviceTransform().m11() > 1;
     QPolygonF strip;
     for (qsizetype from = 0, to = 0; from < last; from = to) {
         while (to < last && line[to].x() < line[from].x() + stripWidth)
@@ -93,7 +94,8 @@ void paintSeries(QPainter &painter, const SeriesShape &shape, const QBrush &fill
         painter.setBrush(fill);
         painter.drawPolygon(strip, Qt::WindingFill);
         painter.setPen(pen);
-        painter.drawPolyline(strip.constData(), static_cast<int>(points));
+        strip.resize(points);
+        painter.drawPolyline(hasJoins ? withRoundBends(strip) : strip);
     }
     painter.setClipping(false);
 }
