@@ -18,10 +18,14 @@ namespace {
 /// width here, and a view measures the same few words at every change of its numbers.
 class FontAdvances {
 public:
-    explicit FontAdvances(const QFont &font) : m_metrics(font)
+    explicit FontAdvances(const QFont &font)
+        : m_metrics(font),
+          m_fineMetrics(enlarged(font)),
+          m_ratio(static_cast<double>(font.pixelSize()) / finePixels),
+          m_spacing(font.letterSpacingType() == QFont::AbsoluteSpacing ? font.letterSpacing() : 0)
     {
         for (std::size_t digit = 0; digit < digits.size(); ++digit)
-            digits[digit] = m_metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
+            digits[digit] = measured(QChar(u'0' + static_cast<char16_t>(digit)));
         const auto [narrowest, most] = std::ranges::minmax(digits);
         widest = most;
         alike = most - narrowest < 0.01;
@@ -35,7 +39,7 @@ public:
             return *found;
         if (m_known.size() >= mostTexts)
             m_known.clear();
-        return *m_known.insert(text, m_metrics.horizontalAdvance(text));
+        return *m_known.insert(text, measured(text));
     }
 
     std::array<double, 10> digits = {};
@@ -43,7 +47,32 @@ public:
     bool alike = true; ///< All digits of the font have the same width.
 
 private:
+    /// Qt rounds the advance of each glyph to a 64th of a point, which adds up in a row of texts.
+    /// One size for all fonts of a family and weight, so that these share an engine.
+    static constexpr int finePixels = 512;
+
+    static QFont enlarged(QFont font)
+    {
+        font.setPixelSize(finePixels);
+        font.setLetterSpacing(QFont::AbsoluteSpacing, 0);
+        return font;
+    }
+
+    /// The sum of the advances without their roundings.
+    double measured(const QString &text) const
+    {
+        constexpr double roundings = 2 / 64.0; // Of a glyph and its spacing.
+        const auto count = static_cast<double>(text.size());
+        const double own = m_metrics.horizontalAdvance(text);
+        const double fine = m_fineMetrics.horizontalAdvance(text) * m_ratio + count * m_spacing;
+        // What differs more is hinted, and is painted as wide as it is measured at its own size.
+        return std::abs(fine - own) <= count * roundings ? fine : own;
+    }
+
     QFontMetricsF m_metrics;
+    QFontMetricsF m_fineMetrics;
+    double m_ratio;   ///< Of a point to a pixel of the fine metrics.
+    double m_spacing; ///< Between letters, in points.
     QHash<QString, double> m_known = {};
 };
 

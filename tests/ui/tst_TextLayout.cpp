@@ -106,6 +106,8 @@ private slots:
     void textHasOneSizeAtEveryScale();
     void smallTextIsAsBoldAsItsOutline_data();
     void smallTextIsAsBoldAsItsOutline();
+    void widthsHaveTheirFractions_data();
+    void widthsHaveTheirFractions();
     void digitsHaveOneWidth();
     void measuresMoreTextsThanItRemembers();
     void centresTextInItsLine();
@@ -160,6 +162,36 @@ void TestTextLayout::smallTextIsAsBoldAsItsOutline()
         QVERIFY2(boldness > 0.9 && boldness < 1.1,
                  qPrintable(u"%1 of size %2: %3"_s.arg(small.text).arg(small.size).arg(boldness)));
     }
+}
+
+void TestTextLayout::widthsHaveTheirFractions_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QFont>("font");
+    QFont spaced = Theme::systemFont(10, QFont::DemiBold);
+    spaced.setLetterSpacing(QFont::AbsoluteSpacing, 0.5);
+    QTest::newRow("one letter") << u"M"_s << Theme::systemFont(9);
+    QTest::newRow("a word") << u"Compressed"_s << Theme::systemFont(10);
+    QTest::newRow("bold") << u"Top Processes by RAM"_s << Theme::systemFont(13, QFont::DemiBold);
+    QTest::newRow("digits of their own widths")
+        << u"38.94 GB"_s << Theme::systemFont(10, QFont::DemiBold);
+    QTest::newRow("spaced letters") << u"NORMAL"_s << spaced;
+}
+
+/// As wide as at a size at which a rounding is nothing, so that a row of texts adds up.
+void TestTextLayout::widthsHaveTheirFractions()
+{
+    QFETCH(QString, text);
+    QFETCH(QFont, font);
+    constexpr int enlarged = 100;
+    QFont large = font;
+    large.setPixelSize(font.pixelSize() * enlarged);
+    large.setLetterSpacing(QFont::AbsoluteSpacing, font.letterSpacing() * enlarged);
+    const double wanted = QFontMetricsF(large).horizontalAdvance(text) / enlarged;
+    QVERIFY(wanted > 5);
+    const double width = textWidth(text, font, Digits::proportional);
+    QVERIFY2(std::abs(width - wanted) < 0.005 * static_cast<double>(text.size()),
+             qPrintable(u"%1, not %2"_s.arg(width).arg(wanted)));
 }
 
 void TestTextLayout::digitsHaveOneWidth()
