@@ -34,17 +34,17 @@ void setLoadAndWatts(UnitReading &reading, const std::optional<double> &fraction
     reading.wattsAreDenied = !watts;
 }
 
-UnitReading cpuReading(const std::optional<ChipReading> &chip, const MachineCoverage &machine)
+UnitReading cpuReading(const SystemMetrics &sample, const MachineCoverage &machine)
 {
+    const std::optional<ChipReading> &chip = sample.chip;
     UnitReading reading{.frequencyIsNominal = machine.cpuFrequencyIsNominal};
     reading.hasWatts = machine.cpuWatts == Coverage::known;
     if (!chip) {
         setLoadAndWatts(reading, {}, {});
         return reading;
     }
-    const bool wattsAreKnown = chip->coverage && chip->coverage->cpuWatts == Coverage::known;
     setLoadAndWatts(reading, unlessDenied(chip->cpuActiveFraction, chip->denied.cpuLoad),
-                    unlessDenied(chip->cpuWatts, !wattsAreKnown));
+                    cpuWatts(sample));
     reading.tempC = chip->cpuTempC ? chip->cpuTempC : chip->packageTempC;
     if (chip->coverage && chip->coverage->cpuFrequency == Coverage::known)
         reading.megahertz = chip->cpuActiveMHz;
@@ -86,7 +86,7 @@ UnitReading unitReading(ComputeUnit unit, const SystemMetrics &sample,
 {
     switch (unit) {
     case ComputeUnit::cpu:
-        return cpuReading(sample.chip, machine);
+        return cpuReading(sample, machine);
     case ComputeUnit::gpu:
         return gpuReading(sample, machine);
     case ComputeUnit::ane:

@@ -39,11 +39,11 @@ bool gpusAreOnPackage(const MachineCoverage &machine)
     return !machine.gpus.empty() && !hasGraphicsCard(machine) && machine.gpus.front().integrated;
 }
 
-std::optional<double> cpuWatts(const ChipReading &chip)
+std::optional<double> knownCPUWatts(const SystemMetrics &sample)
 {
-    if (!chip.coverage)
-        return unlessDenied(chip.cpuWatts, chip.cpuWatts <= 0);
-    return unlessDenied(chip.cpuWatts, chip.coverage->cpuWatts != Coverage::known);
+    if (!sample.chip->coverage)
+        return unlessDenied(sample.chip->cpuWatts, sample.chip->cpuWatts <= 0);
+    return cpuWatts(sample);
 }
 
 std::optional<double> countedGPUWatts(const SystemMetrics &sample)
@@ -64,7 +64,7 @@ std::optional<double> restWatts(const SystemMetrics &sample, const MachineCovera
     if (!chip.packageWatts)
         return std::nullopt;
     const double gpu = gpusAreOnPackage(machine) ? countedGPUWatts(sample).value_or(0) : 0;
-    const double told = cpuWatts(chip).value_or(0) + gpu + npuWatts(chip).value_or(0);
+    const double told = knownCPUWatts(sample).value_or(0) + gpu + npuWatts(chip).value_or(0);
     return std::max(*chip.packageWatts - told, 0.0);
 }
 
@@ -74,7 +74,7 @@ std::optional<double> wattsOf(PowerSource source, const SystemMetrics &sample,
 {
     switch (source) {
     case PowerSource::cpu:
-        return cpuWatts(*sample.chip);
+        return knownCPUWatts(sample);
     case PowerSource::gpu:
         return countedGPUWatts(sample);
     case PowerSource::ane:

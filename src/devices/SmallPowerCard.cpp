@@ -46,6 +46,12 @@ QString rowText(double watts)
     return fixedText(watts, watts < 1000 ? 2 : 0);
 }
 
+/// "System · battery".
+QString systemName(const QString &source)
+{
+    return source.isEmpty() ? u"System"_s : u"System · "_s + source;
+}
+
 double rowBaseline(std::size_t row, const QFont &font)
 {
     return TextLine{textTop + static_cast<double>(row) * rowHeight, rowHeight}.baseline(font);
@@ -115,9 +121,9 @@ void SmallPowerCard::showRows(const std::vector<PowerValue> &values, const QStri
         const Row &row = m_rows[i];
         if (i >= m_parts.size()) {
             const bool isSystem = m_hasSystemRow && i == m_parts.size();
-            row.value->name = isSystem ? u"Whole system"_s : QString();
+            row.value->name = isSystem ? systemName(m_systemSource) : QString();
             row.value->font = rowFont(QFont::DemiBold);
-            setText(*row.label, isSystem ? u"System"_s : QString());
+            setText(*row.label, row.value->name);
             setText(*row.value, isSystem ? system : QString(), Theme::textSecondary);
             continue;
         }
@@ -133,11 +139,14 @@ void SmallPowerCard::showRows(const std::vector<PowerValue> &values, const QStri
                             : u"–"_s,
                 isKnown ? part.color : Theme::textTertiary);
     }
-    if (m_hasSystemRow && !m_systemSource.isEmpty()) {
-        CardText &label = *m_rows[m_parts.size()].label;
-        setText(label, u"System · "_s + m_systemSource);
-    }
+    showHint();
+}
+
+void SmallPowerCard::showHint()
+{
     const bool hint = hasRoomForHint();
+    if (hint == m_hint[1]->text.isEmpty())
+        update(hintIcon().toAlignedRect());
     setText(*m_hint[0], hint ? u"Only root may read CPU watts."_s : QString());
     setText(*m_hint[1], hint ? u"tells how to open them."_s : QString());
 }
@@ -163,9 +172,7 @@ void SmallPowerCard::layOut()
     m_stat.maxWidth = headerStatWidth();
     m_figure.baseline = {contentLeft() + figureShift, figureLine.baseline(m_figure.font)};
     m_subtitle.baseline = {contentLeft(), subtitleLine.baseline(m_subtitle.font)};
-    const bool hint = hasRoomForHint();
-    setText(*m_hint[0], hint ? u"Only root may read CPU watts."_s : QString());
-    setText(*m_hint[1], hint ? u"tells how to open them."_s : QString());
+    showHint();
     placeRows();
     place(*chart(), contentBelow(chartTop));
 }

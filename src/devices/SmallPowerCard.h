@@ -40,6 +40,7 @@ private:
 
     void showFigure(std::optional<double> watts);
     void showRows(const std::vector<PowerValue> &values, const QString &system);
+    void showHint();
     void placeRows();
     bool hasRoomForHint() const;
     double rowsLeft() const;

@@ -11,11 +11,6 @@ using namespace Qt::StringLiterals;
 
 constexpr double unixTimeOf2001 = 978307200; ///< 2001-01-01 00:00 UTC.
 
-std::optional<double> whenKnown(double value, Coverage coverage)
-{
-    return unlessDenied(value, coverage != Coverage::known);
-}
-
 std::optional<double> hertz(std::optional<double> megahertz)
 {
     return megahertz && *megahertz > 0 ? std::optional(*megahertz * 1e6) : std::nullopt;
@@ -63,7 +58,7 @@ void setCoveredParts(Figures &figures, const SystemMetrics &sample)
     const ChipReading &chip = *sample.chip;
     const MachineCoverage &coverage = coverageOf(sample);
     figures.cpu.busyRatio = unlessDenied(chip.cpuActiveFraction, chip.cpuCoreUtilizations.empty());
-    figures.cpu.watts = whenKnown(chip.cpuWatts, coverage.cpuWatts);
+    figures.cpu.watts = cpuWatts(sample);
     for (const GPUCoverage &gpu : coverage.gpus)
         figures.gpus.push_back(gpuFigures(gpu, sample.chip));
     if (hasNPU(coverage)) {

@@ -109,7 +109,7 @@ std::optional<double> packageWatts(const SystemMetrics &sample)
     const ChipReading &chip = *sample.chip;
     if (const auto whole = present(coverage.packageWatts, chip.packageWatts))
         return whole;
-    auto sum = present(coverage.cpuWatts, unlessDenied(chip.cpuWatts, chip.denied.cpuWatts));
+    auto sum = cpuWatts(sample);
     if (!sum)
         return std::nullopt;
     for (const GPU &gpu : gpusOf(sample, false))
@@ -201,6 +201,14 @@ GPULoadTotal gpuLoadTotal(const SystemMetrics &sample)
         setDenial(total.state, total.reason, gpus, &GPUCoverage::load);
     }
     return total;
+}
+
+std::optional<double> cpuWatts(const SystemMetrics &sample)
+{
+    if (!sample.chip)
+        return std::nullopt;
+    const ChipReading &chip = *sample.chip;
+    return present(coverageOf(sample).cpuWatts, unlessDenied(chip.cpuWatts, chip.denied.cpuWatts));
 }
 
 std::optional<double> gpuWatts(const SystemMetrics &sample)

@@ -69,6 +69,9 @@ struct GPULoadTotal {
 
 GPULoadTotal gpuLoadTotal(const SystemMetrics &sample);
 
+/// Absent where the machine does not tell them, or this sample has none.
+std::optional<double> cpuWatts(const SystemMetrics &sample);
+
 /// Sum and maximum over the counted GPUs that tell theirs; absent where none does.
 std::optional<double> gpuWatts(const SystemMetrics &sample);
 std::optional<double> gpuTemperature(const SystemMetrics &sample);

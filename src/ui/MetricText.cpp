@@ -54,16 +54,15 @@ MetricValues::MetricValues(const SystemMetrics &current) : memory(current.memory
     const MachineCoverage &coverage = coverageOf(current);
     isWhole = coverage.isWhole;
     cpuPercent = unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad);
-    cpuWatts = unlessDenied(chip.cpuWatts, chip.denied.cpuWatts);
     if (isWhole) {
+        cpuWatts = unlessDenied(chip.cpuWatts, chip.denied.cpuWatts);
         gpuPercent = unlessDenied(chip.gpuActiveFraction * 100, chip.denied.gpuLoad);
         gpuWatts = unlessDenied(chip.gpuWatts, chip.denied.gpuWatts);
         aneWatts = unlessDenied(chip.aneWatts, chip.denied.aneWatts);
         totalWatts = shownTotalWatts(current.chip);
         return;
     }
-    if (coverage.cpuWatts != Coverage::known)
-        cpuWatts.reset();
+    cpuWatts = corvane::cpuWatts(current);
     gpuMemory = gpuMemoryTotal(current);
     gpuLoad = gpuLoadTotal(current);
     power = powerTotal(current);

@@ -121,6 +121,37 @@ public:
         m_seconds += 1;
         m_sampler->tick();
         m_label->show(m_sampler->current());
+        if (m_window)
+            m_window->show(m_sampler->current(), m_sampler->history());
+    }
+
+    const MachineTree &tree() const { return m_tree; }
+
+    /// Opens the dashboard, which then follows each second.
+    void openWindow()
+    {
+        m_window = std::make_unique<MainWindow>(nullptr, ChipInfo{.name = u"Chip"_s});
+        m_window->QWidget::show();
+        m_window->show(m_sampler->current(), m_sampler->history());
+    }
+
+    /// A text of the open dashboard: of the card with that title, or of the header without one.
+    /// Null without such a card or text.
+    QString shown(const QString &title, const QString &name) const
+    {
+        for (const auto *part : m_window->findChildren<AccessibleWidget *>()) {
+            const auto *card = qobject_cast<const Card *>(part);
+            const bool isWanted = title.isEmpty()
+                ? qobject_cast<const DashboardHeader *>(part) != nullptr
+                : card && card->heading().title == title;
+            if (!part->isVisible() || !isWanted)
+                continue;
+            for (const AccessibleText &text : part->accessibleTexts()) {
+                if (text.name == name)
+                    return text.value;
+            }
+        }
+        return {};
     }
 
     Said said()
@@ -192,7 +223,32 @@ private:
     std::unique_ptr<FakeTray> m_tray;
     std::unique_ptr<SystemSampler> m_sampler;
     std::unique_ptr<TrayLabel> m_label;
+    std::unique_ptr<MainWindow> m_window; ///< Null until it is opened.
 };
+
+constexpr int untilTheNextScan = 61; ///< Seconds in which every change is found.
+
+/// What a text of the open dashboard says in the coming seconds, each new value once.
+QStringList valuesWhile(Views &views, int seconds, const QString &title, const QString &name,
+                        const Change &change = {})
+{
+    QStringList values;
+    for (int second = 0; second < seconds; ++second) {
+        views.live(change);
+        const QString now = views.shown(title, name);
+        if (values.isEmpty() || values.last() != now)
+            values.append(now);
+    }
+    return values;
+}
+
+const std::string amdSlot =
+    "sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/0000:0b:00.0";
+
+void countPackage(const MachineTree &tree)
+{
+    count(tree, packageEnergy, 65'000'000);
+}
 
 } // namespace
 
@@ -204,6 +260,10 @@ class TestMachineViews : public QObject {
 private slots:
     void sayWhatIsTrueOfTheMachine_data();
     void sayWhatIsTrueOfTheMachine();
+    void followEnergyCountersThatAreOpenedAndClosed();
+    void followACardThatIsPluggedInAndOut();
+    void followADriverThatIsUnloadedAndLoaded();
+    void followACardThatFallsAsleepAndWakes();
 };
 
 void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
@@ -248,7 +308,7 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
                    u"Memory; Memory used in percent: 16; Used: 41.5 GB; Total: 251.7 GB; Swap: off; Memory pressure: NORMAL; App: 41.5 GB; Wired: 4.12 GB; Compressed: 0 MB; Cached: 28.19 GB"_s,
                    u"VRAM; GPU memory used in percent: 38; Used: 16.76 GB; Total: 44.7 GB; Graphics card: 2 × NVIDIA GeForce RTX 4090; Memory in use on GPU 0: 8.38; Memory of GPU 0: 22.35 GB; Memory in use on GPU 1: 8.38; Memory of GPU 1: 22.35 GB; In use: 16.76 GB; Free: 27.94 GB"_s,
                    u"CPU; Power and temperature: 60°C; Load: 25%; Frequency: 3.20 GHz"_s,
-                   u"Power; Peak: peak 455.5 W; Power in watts: 456; Sum of: GPUs only; Power of GPU: 455.50; Power of CPU: locked; Whole system: 612.00"_s,
+                   u"Power; Peak: peak 455.5 W; Power in watts: 456; Sum of: GPUs only; Power of GPU: 455.50; Power of CPU: locked; System · power supply: 612.00"_s,
                    u"GPU; Power and temperature: 455.50 W · 61°C; Load of GPU 0: 40%; Power and temperature of GPU 0: GPU 0 · 231 W · 61°C; Load of GPU 1: 94%; Power and temperature of GPU 1: GPU 1 · 224 W · 61°C; GPUs: 2"_s}};
     QTest::newRow("four NVIDIA cards, CPU watts opened")
         << std::string("nvidia-workstation-4")
@@ -290,7 +350,7 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
                    u"Memory; Memory used in percent: 16; Used: 41.5 GB; Total: 251.7 GB; Swap: off; Memory pressure: NORMAL; App: 41.5 GB; Wired: 4.12 GB; Compressed: 0 MB; Cached: 28.19 GB"_s,
                    u"VRAM; GPU memory used in percent: 38; Used: 67.06 GB; Total: 178.81 GB; Graphics card: 8 × NVIDIA GeForce RTX 4090; Memory in use on GPU 0: 8.38; Memory of GPU 0: 22.35 GB; Memory in use on GPU 1: 8.38; Memory of GPU 1: 22.35 GB; Memory in use on GPU 2: 8.38; Memory of GPU 2: 22.35 GB; Memory in use on GPU 3: 8.38; Memory of GPU 3: 22.35 GB; Memory in use on GPU 4: 8.38; Memory of GPU 4: 22.35 GB; Memory in use on GPU 5: 8.38; Memory of GPU 5: 22.35 GB; Memory in use on GPU 6: 8.38; Memory of GPU 6: 22.35 GB; Memory in use on GPU 7: 8.38; Memory of GPU 7: 22.35 GB"_s,
                    u"CPU; Power and temperature: 60°C; Load: 25%; Frequency: 3.20 GHz"_s,
-                   u"Power; Peak: peak 604.0 W; Power in watts: 604; Sum of: GPUs only; Power of GPU: 604.00; Power of CPU: locked; Whole system: 3120.00"_s,
+                   u"Power; Peak: peak 604.0 W; Power in watts: 604; Sum of: GPUs only; Power of GPU: 604.00; Power of CPU: locked; System · ACPI power meter: 3120.00"_s,
                    u"GPU; Power and temperature: 604.00 W · 61°C; Load of GPU 0: 40%; Power and temperature of GPU 0: 76 W · 61°C; Load of GPU 1: 40%; Power and temperature of GPU 1: 76 W · 61°C; Load of GPU 2: 40%; Power and temperature of GPU 2: 76 W · 61°C; Load of GPU 3: 40%; Power and temperature of GPU 3: 76 W · 61°C; Load of GPU 4: 40%; Power and temperature of GPU 4: 76 W · 61°C; Load of GPU 5: 40%; Power and temperature of GPU 5: 76 W · 61°C; Load of GPU 6: 40%; Power and temperature of GPU 6: 76 W · 61°C; Load of GPU 7: 40%; Power and temperature of GPU 7: 76 W · 61°C; GPUs: 8"_s}};
     QTest::newRow("an AMD card, CPU watts opened")
         << std::string("amd-desktop") << QByteArray()
@@ -326,8 +386,8 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
                    u"CPU; Power and temperature: 9.84 W · 74°C; Load: 25%; Frequency: 2.00 GHz"_s,
                    u"GPU; Power and temperature: 21.63 W · 71°C; Load: 88%; Dominant state: 2.90 GHz"_s,
                    u"NPU; Power and temperature: 1.35 W; Load: 17%; Clock: 1.80 GHz"_s,
-                   u"Power; Peak: peak 41.2 W; Power in watts: 41; Sum of: whole package; Power of CPU: 9.84; Power of GPU: 21.63; Power of NPU: 1.35; Power of Rest: 8.38; Whole system: 52.30"_s}};
-    QTest::newRow("a laptop whose NVIDIA card and NPU sleep")
+                   u"Power; Peak: peak 41.2 W; Power in watts: 41; Sum of: whole package; Power of CPU: 9.84; Power of GPU: 21.63; Power of NPU: 1.35; Power of Rest: 8.38; System · battery: 52.30"_s}};
+    QTest::newRow("a laptop whose NVIDIA card sleeps, and whose NPU rests")
         << std::string("intel-npu-nvidia-laptop") << QByteArray()
         << Change([](const MachineTree &tree) {
                const QString card = u"sys/devices/pci0000:00/0000:00:02.0/drm/card1/"_s;
@@ -429,6 +489,111 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine()
     QCOMPARE(said.rows, expected.rows);
     QCOMPARE(views.menu(), expected.rows);
     QCOMPARE(views.dashboard(), expected.dashboard);
+}
+
+void TestMachineViews::followEnergyCountersThatAreOpenedAndClosed()
+{
+    Views views("intel-arc-desktop", {});
+    views.openWindow();
+    const QString card = u"Power"_s;
+    const QString cpu = u"Power of CPU"_s;
+    QCOMPARE(valuesWhile(views, 3, card, cpu), QStringList{u"locked"_s});
+
+    // An administrator opens the counter: neither its first value nor a 0 is taken for watts.
+    views.tree().write(packageEnergy.toStdString(), "262000000000\n");
+    const Change work = [](const MachineTree &tree) { count(tree, packageEnergy, 30'000'000); };
+    QCOMPARE(valuesWhile(views, untilTheNextScan, card, cpu, work),
+             (QStringList{u"locked"_s, u"30.00"_s}));
+    QCOMPARE(views.shown(u"CPU"_s, u"Power and temperature"_s), u"30.00 W · 46°C"_s);
+    QCOMPARE(views.shown(card, u"Peak"_s), u"peak 30.0 W"_s);
+    QCOMPARE(views.shown(card, u"Sum of"_s), u"CPU and GPU"_s);
+
+    // And closes it: it is neither read nor opened again.
+    views.tree().write(packageEnergy.toStdString(), "");
+    views.tree().remove(packageEnergy.toStdString());
+    QCOMPARE(valuesWhile(views, untilTheNextScan + 15, card, cpu),
+             (QStringList{u"–"_s, u"locked"_s}));
+    QCOMPARE(views.shown(u"CPU"_s, u"Power and temperature"_s), u"46°C"_s);
+    QCOMPARE(views.shown(card, u"Sum of"_s), u"GPU only"_s);
+}
+
+void TestMachineViews::followACardThatIsPluggedInAndOut()
+{
+    Views views("virtual-machine-chip", {});
+    views.openWindow();
+    const QString card = u"VRAM"_s;
+    const QString used = u"GPU memory used in percent"_s;
+    QCOMPARE(valuesWhile(views, 3, card, used), QStringList{QString()});
+    QCOMPARE(views.label(), u"1 25"_s);
+
+    const MachineTree &tree = views.tree();
+    tree.write(amdSlot + "/gpu_busy_percent", "50\n");
+    tree.write(amdSlot + "/mem_busy_percent", "5\n");
+    tree.write(amdSlot + "/mem_info_vram_total", "8589934592\n");
+    tree.write(amdSlot + "/mem_info_vram_used", "2147483648\n");
+    tree.link(amdSlot + "/driver", "sys/bus/pci/drivers/amdgpu");
+    tree.link("sys/class/drm/card0/device", amdSlot);
+    QCOMPARE(valuesWhile(views, untilTheNextScan, card, used), (QStringList{QString(), u"25"_s}));
+    QCOMPARE(views.shown(u"GPU"_s, u"Load"_s), u"50%"_s);
+    QCOMPARE(views.shown({}, u"VRAM"_s), u"25%"_s);
+    QCOMPARE(views.label(), u"1 25 50 25"_s);
+
+    // What the kernel answers for a device that has gone.
+    for (const char *file : {"gpu_busy_percent", "mem_info_vram_total", "mem_info_vram_used"})
+        tree.write(amdSlot + '/' + file, "");
+    tree.remove("sys/class/drm/card0");
+    QCOMPARE(valuesWhile(views, untilTheNextScan, card, used), (QStringList{u"–"_s, QString()}));
+    QCOMPARE(views.shown(u"GPU"_s, u"Load"_s), QString());
+    QCOMPARE(views.shown({}, u"VRAM"_s), QString());
+    QCOMPARE(views.label(), u"1 25"_s);
+}
+
+void TestMachineViews::followADriverThatIsUnloadedAndLoaded()
+{
+    Views views("amd-desktop", {});
+    views.openWindow();
+    const QString card = u"GPU"_s;
+    const QString load = u"Load"_s;
+    QCOMPARE(valuesWhile(views, 3, card, load, countPackage), QStringList{u"64%"_s});
+
+    const MachineTree &tree = views.tree();
+    tree.write(amdSlot + "/gpu_busy_percent", "");
+    tree.remove(amdSlot + "/driver");
+    QCOMPARE(valuesWhile(views, untilTheNextScan, card, load, countPackage),
+             (QStringList{u"–"_s, QString()}));
+    QCOMPARE(views.shown(u"VRAM"_s, u"Total"_s), QString());
+    QCOMPARE(views.label(), u"17 65W"_s);
+
+    tree.write(amdSlot + "/gpu_busy_percent", "64\n");
+    tree.link(amdSlot + "/driver", "sys/bus/pci/drivers/amdgpu");
+    QCOMPARE(valuesWhile(views, untilTheNextScan, card, load, countPackage),
+             (QStringList{QString(), u"64%"_s}));
+    QCOMPARE(views.shown(u"VRAM"_s, u"Total"_s), u"11.98 GB"_s);
+    QCOMPARE(views.label(), u"17 75 64 208W"_s);
+}
+
+void TestMachineViews::followACardThatFallsAsleepAndWakes()
+{
+    Views views("amd-desktop", {});
+    views.openWindow();
+    const QString power = u"Power"_s;
+    const QString gpu = u"Power of GPU"_s;
+    QCOMPARE(valuesWhile(views, 3, power, gpu, countPackage), QStringList{u"143.00"_s});
+
+    views.tree().write(amdSlot + "/power/runtime_status", "suspended\n");
+    QCOMPARE(valuesWhile(views, 3, power, gpu, countPackage), QStringList{u"asleep"_s});
+    QCOMPARE(views.shown(u"GPU"_s, u"Load"_s), u"Asleep"_s);
+    QCOMPARE(views.shown(u"VRAM"_s, u"GPU memory used in percent"_s), u"Asleep"_s);
+    QCOMPARE(views.shown(u"VRAM"_s, u"Total"_s), u"11.98 GB"_s);
+    QCOMPARE(views.shown(power, u"Sum of"_s), u"CPU only"_s);
+    QCOMPARE(views.shown({}, u"VRAM"_s), u"zz"_s);
+    QCOMPARE(views.label(), u"17 zz zz 65W"_s);
+
+    views.tree().write(amdSlot + "/power/runtime_status", "active\n");
+    QCOMPARE(valuesWhile(views, 3, power, gpu, countPackage), QStringList{u"143.00"_s});
+    QCOMPARE(views.shown(u"GPU"_s, u"Load"_s), u"64%"_s);
+    QCOMPARE(views.shown(power, u"Peak"_s), u"peak 208.0 W"_s);
+    QCOMPARE(views.label(), u"17 75 64 208W"_s);
 }
 
 QTEST_MAIN(TestMachineViews)
