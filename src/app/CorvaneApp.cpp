@@ -218,6 +218,7 @@ void CorvaneApp::connectLabel(bool isBackground)
 {
     const auto show = [this] {
         m_label.show(m_state.sampler.current());
+        tellWhetherShown();
         if (m_trayAdvice && m_label.isAvailable()) // A tray turned up.
             m_trayAdvice->deleteLater();
     };
@@ -231,6 +232,13 @@ void CorvaneApp::connectLabel(bool isBackground)
     if (!isBackground)
         connect(&m_label, &TrayLabel::trayIsMissing, this, &CorvaneApp::showTrayAdvice);
     show();
+}
+
+/// The history alone is not worth a vendor's library.
+void CorvaneApp::tellWhetherShown()
+{
+    m_state.sampler.setShown(m_label.isAvailable() || m_panel.isVisible() || m_processInterest
+                             || m_state.settings.writesMetrics());
 }
 
 /// Opens the dashboard, which says what would bring the label.
@@ -285,6 +293,7 @@ void CorvaneApp::connectMainWindow()
     connect(window, &MainWindow::contentsNeeded, window, [=, this, &sampler] {
         if (!m_processInterest)
             m_processInterest = sampler.lookAtProcesses();
+        tellWhetherShown();
         sampler.awaitSurvey();
         showWorkloads(); // First, since the samples' cards show what these hold of the GPUs.
         showSamples();

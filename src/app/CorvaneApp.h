@@ -45,6 +45,7 @@ private:
     void connectLabel(bool isBackground);
     void connectMetrics();
     void connectPanel();
+    void tellWhetherShown();
     void connectMainWindow();
 
     Activity m_activity;

@@ -142,7 +142,10 @@ std::vector<GPUReading> GPUWatch::read()
     m_devices->scanWhenDue(now);
     std::vector<GPUReading> readings = m_devices->readFiles(now);
     GPUHandOver &handOver = *m_devices->handOver;
-    m_devices->nvidia.appendReadings(readings, now, handOver.isAsked(now));
+    if (handOver.isShown())
+        m_devices->nvidia.appendReadings(readings, now, handOver.isAsked(now));
+    else
+        m_devices->nvidia.rest();
     std::vector<GPUAccess> access = m_devices->access;
     m_devices->nvidia.appendAccess(access);
     handOver.publish(std::move(access));

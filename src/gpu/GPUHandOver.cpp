@@ -23,6 +23,18 @@ bool GPUHandOver::isAsked(double now) const
     return now - m_asked <= secondsOfInterest;
 }
 
+bool GPUHandOver::isShown() const
+{
+    const MutexLock lock(m_mutex);
+    return m_isShown;
+}
+
+void GPUHandOver::setShown(bool isShown)
+{
+    const MutexLock lock(m_mutex);
+    m_isShown = isShown;
+}
+
 std::optional<std::uint64_t> GPUHandOver::heldBytes(const std::string &device, double now) const
 {
     const MutexLock lock(m_mutex);

@@ -29,8 +29,8 @@ struct GPUAccess {
     std::optional<std::vector<GPUProcessUse>> processes = {};
 };
 
-/// What the tick and the survey of processes tell each other about the GPUs. Shared by both; safe
-/// from any thread. Instants are in monotonic seconds.
+/// What the tick, the survey of processes and the views tell each other about the GPUs. Shared by
+/// all; safe from any thread. Instants are in monotonic seconds.
 class GPUHandOver {
 public:
     /// Tells what GPUs there are. By the tick.
@@ -39,6 +39,13 @@ public:
     /// Whether someone has asked lately, so that the vendors' libraries are worth asking. By the
     /// tick.
     bool isAsked(double now) const;
+
+    /// Whether anything shows what the tick reads of the GPUs, so that the vendors' libraries are
+    /// worth their memory; true until told otherwise. By the tick.
+    bool isShown() const;
+
+    /// By whoever shows it.
+    void setShown(bool isShown);
 
     /// How many bytes of a GPU's memory the processes hold that this user may see; absent when
     /// nobody added them up lately. By the tick.
@@ -56,6 +63,7 @@ private:
     mutable Mutex m_mutex = {};
     std::vector<GPUAccess> m_gpus GUARDED_BY(m_mutex) = {};
     std::map<std::string, std::uint64_t> m_heldBytes GUARDED_BY(m_mutex) = {};
+    bool m_isShown GUARDED_BY(m_mutex) = true;
     double m_asked GUARDED_BY(m_mutex) = never;
     double m_added GUARDED_BY(m_mutex) = never;
 };

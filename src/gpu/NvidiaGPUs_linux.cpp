@@ -179,6 +179,13 @@ void NvidiaGPUs::appendReadings(std::vector<GPUReading> &readings, double now, b
     m_mayBeOpen = true;
 }
 
+void NvidiaGPUs::rest()
+{
+    m_thread.check();
+    m_state = GPUAccess::State::leftAlone;
+    closeLibrary();
+}
+
 /// They are read less often than the GPUs; those of a GPU that is left alone stay.
 void NvidiaGPUs::keepProcesses(const NvidiaReading &reading, double now)
 {

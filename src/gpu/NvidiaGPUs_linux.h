@@ -31,12 +31,12 @@ public:
     /// Sets the devices that the machine has now.
     void setDevices(const std::vector<GPUDevice> &devices);
 
-    /// Whether there are devices and a library to read them with.
-    bool canBeRead() const { return !m_members.empty() && !m_library.empty(); }
-
     /// Appends the newest reading of each GPU, and asks for the next. None without such a reading,
     /// or while a GPU is asleep or to fall asleep. `withProcesses`: asks for the processes too.
     void appendReadings(std::vector<GPUReading> &readings, double now, bool withProcesses = false);
+
+    /// In the place of a reading where nothing shows one: closes the library, which takes memory.
+    void rest();
 
     /// Appends what others may know of each GPU, with the processes that were read last. There are
     /// no files about them that others could read.

@@ -1,5 +1,6 @@
 #include "sampler/SystemSampler.h"
 
+#include "gpu/GPUHandOver.h"
 #include "sampler/PendingSurvey.h"
 #include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
@@ -70,6 +71,11 @@ void SystemSampler::tick()
     emptyListsOfBefore(m_tickCount - surveyLastsTicks);
     if (m_tickCount % trimEveryNTicks == 0 && m_store)
         m_store->trim(trimKeepSeconds);
+}
+
+void SystemSampler::setShown(bool isShown)
+{
+    m_sources.gpus->setShown(isShown);
 }
 
 ProcessInterest SystemSampler::lookAtProcesses()

@@ -81,6 +81,10 @@ public:
     /// at once.
     [[nodiscard]] ProcessInterest lookAtProcesses();
 
+    /// Whether anything shows the samples or writes them for other programs. Else a vendor's
+    /// library is closed, which takes more memory than all the rest, and its GPUs are not read.
+    void setShown(bool isShown);
+
     /// Waits a moment for the newest survey and publishes what it has found, so that whoever begins
     /// to look need not show empty lists first.
     void awaitSurvey();

@@ -84,6 +84,8 @@ public:
         return readings;
     }
 
+    void rest() { m_gpus.rest(); }
+
     bool asksForProcesses = false;
 
     GPUAccess access() const
@@ -122,6 +124,7 @@ private slots:
     void tellsOfAnUpdatedDriver();
     void handsOverProcessesWhenAsked();
     void keepsProcessesWhileLeftAlone();
+    void restWithTheLibraryClosed();
     void cannotBeReadWithoutALibraryOrADevice();
 };
 
@@ -316,18 +319,39 @@ void TestNvidiaGPUs::keepsProcessesWhileLeftAlone()
     QVERIFY(bench.access().processes);
 }
 
+/// Nothing shows its values: the library's memory is given back, until something does.
+void TestNvidiaGPUs::restWithTheLibraryClosed()
+{
+    const StandInNvidia nvidia;
+    Bench bench("active\n");
+    QVERIFY(bench.waitForReading());
+    const QStringList known = bench.coverage();
+    bench.rest();
+    TRY_COMPARE(nvidia.calls("nvmlShutdown"), 1);
+    bench.rest();
+    QVERIFY(bench.access().state == GPUAccess::State::leftAlone);
+    QCOMPARE(bench.coverage(), known); // It did not go away.
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 1);
+    QVERIFY(bench.waitForReading());
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 2);
+    QVERIFY(bench.access().state == GPUAccess::State::open);
+}
+
 void TestNvidiaGPUs::cannotBeReadWithoutALibraryOrADevice()
 {
     const auto clock = [] { return 0.0; };
     const std::vector<GPUDevice> devices = {{.driver = GPUDriver::nvidia}};
+    std::vector<GPUReading> readings;
     NvidiaGPUs withoutLibrary({}, clock);
     withoutLibrary.setDevices(devices);
-    QVERIFY(!withoutLibrary.canBeRead());
+    withoutLibrary.appendReadings(readings, 0);
     QCOMPARE(withoutLibrary.coverage().at(0).load, Coverage::noLibrary);
-    NvidiaGPUs gpus(STAND_IN_NVML, clock);
-    QVERIFY(!gpus.canBeRead());
-    gpus.setDevices(devices);
-    QVERIFY(gpus.canBeRead());
+    const StandInNvidia nvidia;
+    NvidiaGPUs withoutDevice(STAND_IN_NVML, clock);
+    withoutDevice.appendReadings(readings, 0);
+    QVERIFY(withoutDevice.coverage().empty());
+    QVERIFY(readings.empty());
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
 }
 
 QTEST_GUILESS_MAIN(TestNvidiaGPUs)
