@@ -1,5 +1,6 @@
 corvane_test(cards/tst_InfoTexts)
 corvane_test(cards/tst_CardText)
+corvane_test(cards/tst_DeniedTexts)
 corvane_test(cards/tst_HistoryChart)
 corvane_test(cards/tst_UnitReading)
 corvane_test(cards/tst_UtilizationCard LINK corvane_scripted_samples)

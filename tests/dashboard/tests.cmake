@@ -1,4 +1,5 @@
 corvane_test(dashboard/tst_DashboardLayout LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_MainWindow LINK corvane_scripted_samples)
+corvane_test(dashboard/tst_QuickNumbers LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_Looks LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_ScreenScales LINK corvane_scripted_samples)

@@ -1,1 +1,6 @@
+corvane_test(devices/tst_GPUCard LINK corvane_scripted_samples)
+corvane_test(devices/tst_GPUMemoryCard LINK corvane_scripted_samples)
+corvane_test(devices/tst_GPUNames)
 corvane_test(devices/tst_PowerCard LINK corvane_scripted_samples)
+corvane_test(devices/tst_PowerParts LINK corvane_scripted_samples)
+corvane_test(devices/tst_SmallPowerCard LINK corvane_scripted_samples)
