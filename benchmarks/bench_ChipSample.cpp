@@ -6,6 +6,7 @@
 #include "Ratio.h"
 #include "chip/ChipSource_linux.h"
 
+#include <cstdlib>
 #include <filesystem>
 
 using namespace corvane;
@@ -19,8 +20,9 @@ std::vector<std::string> filesOfATick(const std::string &root)
 {
     std::vector<std::string> paths;
     const auto isRead = [](const std::string &name) {
-        for (const char *wanted : {"stat", "time_in_state", "energy_uj", "runtime_status",
-                                   "gpu_busy_percent", "pp_dpm_sclk", "power1_average"}) {
+        for (const char *wanted :
+             {"stat", "time_in_state", "energy_uj", "runtime_status", "gpu_busy_percent",
+              "pp_dpm_sclk", "mem_info_vram_used", "power1_average"}) {
             if (name == wanted)
                 return true;
         }
@@ -37,9 +39,9 @@ std::vector<std::string> filesOfATick(const std::string &root)
     return paths;
 }
 
-/// Steps a second between the samples.
+/// Steps a second between the samples. `clock`: of this thread, or also of those that ask drivers.
 void sampleChip(benchmark::State &state, const std::string &root,
-                const std::vector<std::string> &files)
+                const std::vector<std::string> &files, double (*clock)() = threadSeconds)
 {
     double now = 0;
     const ChipSource chip = openChipSourceBelow(root, [&now] { return now; });
@@ -49,7 +51,8 @@ void sampleChip(benchmark::State &state, const std::string &root,
     };
     BareReads bare(files);
     state.counters["files"] = static_cast<double>(bare.count());
-    compare(state, sample, [&bare] { bare(); });
+    compare(
+        state, sample, [&bare] { bare(); }, clock);
 }
 
 void thisMachine(benchmark::State &state)
@@ -63,6 +66,47 @@ void desktopWithACard(benchmark::State &state)
                filesOfATick(CORVANE_MACHINES "/amd-desktop"));
 }
 
+/// The desktop with three more cards like its own; deleted with the object.
+class FourCards {
+public:
+    FourCards()
+    {
+        fs::copy(CORVANE_MACHINES "/amd-desktop", m_root,
+                 fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        for (const char *number : {"1", "2", "3"}) {
+            const std::string slot = m_bridge + "0000:0" + number + ":00.0";
+            fs::copy(m_root + m_bridge + "0000:0b:00.0", m_root + slot,
+                     fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+            const fs::path card = m_root + "/sys/class/drm/card" + number;
+            fs::create_directories(card);
+            fs::create_directory_symlink(m_root + slot, card / "device");
+        }
+    }
+    ~FourCards() { fs::remove_all(fs::path(m_root).parent_path()); }
+    FourCards(const FourCards &) = delete;
+    FourCards &operator=(const FourCards &) = delete;
+
+    const std::string &root() const { return m_root; }
+
+private:
+    static std::string newFolder()
+    {
+        std::string path = (fs::temp_directory_path() / "corvane-cards-XXXXXX").string();
+        return mkdtemp(path.data()) ? path : std::string();
+    }
+
+    const std::string m_bridge = "/sys/devices/pci0000:00/0000:00:03.1/0000:09:00.0/0000:0a:00.0/";
+    const std::string m_root = newFolder() + "/machine";
+};
+
+/// With the work of the thread that asks the drivers, and that of handing it over.
+void workstationWithFourCards(benchmark::State &state)
+{
+    const FourCards machine;
+    sampleChip(state, machine.root(), filesOfATick(machine.root()), processSeconds);
+}
+
+BENCHMARK(workstationWithFourCards)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(thisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(desktopWithACard)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
