@@ -46,7 +46,7 @@ void deleteOnClose(QWidget &window)
     QObject::connect(&window, &QObject::destroyed, qApp, returnFreeMemory, Qt::QueuedConnection);
 }
 
-void bringForward(QWidget &window)
+void bringForward(QWidget &window, const WindowPlatform &platform)
 {
     assertMainThread();
     if (!window.testAttribute(Qt::WA_SetWindowIcon))
@@ -54,7 +54,12 @@ void bringForward(QWidget &window)
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
-    window.activateWindow();
+    // On a Mac Qt's activateWindow does not activate the program: its window would stay behind
+    // those of the active one, without the focus.
+    if (const NativeWindow native = platform.hostingWindow(window))
+        platform.activate(native);
+    else
+        window.activateWindow();
 }
 
 void useActivationToken(const QByteArray &token)

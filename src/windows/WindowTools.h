@@ -1,5 +1,7 @@
 #pragma once
 
+#include "windows/WindowPlatform.h"
+
 #include <QWidget>
 
 namespace corvane {
@@ -16,8 +18,9 @@ inline bool isOpen(const QWidget *window)
 /// Deletes the window when it is closed and returns its memory to the system.
 void deleteOnClose(QWidget &window);
 
-/// Shows a window in front of the others, restored if it was minimized, with the program's icon.
-void bringForward(QWidget &window);
+/// Shows a window in front of the others, restored if it was minimized, with the program's icon,
+/// and activates the program.
+void bringForward(QWidget &window, const WindowPlatform &platform = systemWindowPlatform());
 
 /// Uses the desktop's token for the next window that is brought to the front. Ignores text that is
 /// no activation token.

@@ -16,6 +16,8 @@ class TestWindowTools : public QObject {
 private slots:
     void aWindowThatWasClosedIsNotOpen();
     void restoresAMinimizedWindowAsItWas();
+    void activatesTheProgramWithTheWindow_data();
+    void activatesTheProgramWithTheWindow();
     void usesAValidToken_data();
     void usesAValidToken();
     void keepsOneTokenInMemory();
@@ -46,6 +48,29 @@ void TestWindowTools::restoresAMinimizedWindowAsItWas()
     QVERIFY(window.isMaximized());
     QVERIFY(!window.isMinimized());
     QVERIFY(QTest::qWaitForWindowActive(&window));
+}
+
+void TestWindowTools::activatesTheProgramWithTheWindow_data()
+{
+    QTest::addColumn<bool>("isOpen");
+    QTest::newRow("a new window") << false;
+    QTest::newRow("an open one, while another program is active") << true;
+}
+
+void TestWindowTools::activatesTheProgramWithTheWindow()
+{
+    QFETCH(bool, isOpen);
+    QWidget window;
+    if (isOpen)
+        window.show();
+    QList<NativeWindow> activated;
+    WindowPlatform platform = systemWindowPlatform();
+    platform.hostingWindow = [&window](const QWidget &view) {
+        return view.isVisible() ? reinterpret_cast<NativeWindow>(&window) : nullptr;
+    };
+    platform.activate = [&activated](NativeWindow native) { activated.append(native); };
+    bringForward(window, platform);
+    QCOMPARE(activated, QList{reinterpret_cast<NativeWindow>(&window)});
 }
 
 void TestWindowTools::usesAValidToken_data()
