@@ -16,7 +16,6 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
-#include <QMenuBar>
 #include <QPointer>
 #include <QSettings>
 #include <QSignalSpy>
@@ -262,7 +261,7 @@ void TestCorvaneApp::aDashboardThatIsClosedAtOnceLeavesAnAccessory()
     corvane.openMainWindow();
     windows<MainWindow>().first()->close();
     corvane.openMainWindow(); // While the first is not deleted yet.
-    QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+    QTRY_COMPARE(windows<MainWindow>().size(), 1);
     QCOMPARE(desktop.activationPolicy(), ActivationPolicy::regular);
 }
 
@@ -356,11 +355,12 @@ void TestCorvaneApp::keysOpenTheSettingsAndTheAboutPanel()
 
 void TestCorvaneApp::openWindowsAreDeletedWithTheProgram()
 {
+    const std::size_t observed = test::hasNativeWindows() ? 1 : 0;
     {
         CorvaneApp corvane;
         corvane.openMainWindow();
         corvane.openSettings();
-        QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), 1);
+        QTRY_COMPARE(WindowLifecycleCoordinator::shared().observerCount(), observed);
     }
     QVERIFY(windows<MainWindow>().isEmpty());
     QVERIFY(windows<SettingsWindow>().isEmpty());
@@ -374,8 +374,7 @@ void TestCorvaneApp::onlyTheLabelAndThePanelExistAtStart()
     const CorvaneApp corvane;
     QCOMPARE(windows<MenuBarContent>().size(), 1);
     for (const QWidget *window : windows<QWidget>()) {
-        const bool isOfAMacsMenus =
-            window->inherits("QMenuBar") || qobject_cast<QMenuBar *>(window->parent());
+        const bool isOfAMacsMenus = window->inherits("QMenuBar") || window->inherits("QMenu");
         const bool isPanel = qobject_cast<const MenuBarContent *>(window);
         QVERIFY2(isPanel || (isOfAMacsMenus && hostSystem() == HostSystem::mac),
                  window->metaObject()->className());
