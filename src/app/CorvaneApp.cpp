@@ -132,7 +132,7 @@ CorvaneApp::CorvaneApp(bool isBackground, QObject *parent) : QObject(parent)
     connectLabel(isBackground);
     connectPanel();
     connectMetrics();
-    connect(qApp, &QGuiApplication::lastWindowClosed, this, systemWindowPlatform().giveFocusBack);
+    connectFocus();
     if (hostSystem() == HostSystem::mac)
         m_menuBar = makeMenuBar(m_commands);
 }
@@ -200,6 +200,19 @@ void CorvaneApp::connectCommands()
     connect(m_commands.checkForUpdates(), &QAction::triggered, this, &CorvaneApp::checkForUpdates);
     m_commands.connectUpdater(m_state.updater);
     connect(m_commands.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
+}
+
+/// When no window is left, the program that had the focus before gets it back.
+void CorvaneApp::connectFocus()
+{
+    const WindowPlatform platform = systemWindowPlatform();
+    connect(qApp, &QGuiApplication::lastWindowClosed, this, platform.giveFocusBack);
+    connect(&m_panel, &MenuBarContent::closed, this, platform.giveFocusBack, Qt::QueuedConnection);
+    // The about panel of a Mac and the updater's windows are none of Qt's. A window that is about
+    // to close is still open.
+    m_closings = platform.observeClose(nullptr, [this, giveBack = platform.giveFocusBack] {
+        QMetaObject::invokeMethod(this, giveBack, Qt::QueuedConnection);
+    });
 }
 
 void CorvaneApp::connectRequests(const InstanceSocket &socket, const ApplicationService &service)

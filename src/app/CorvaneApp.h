@@ -5,6 +5,7 @@
 #include "app/Commands.h"
 #include "panel/MenuBarContent.h"
 #include "tray/TrayLabel.h"
+#include "windows/WindowPlatform.h"
 
 #include <QObject>
 #include <QPointer>
@@ -42,6 +43,7 @@ private:
     void showTrayAdvice(const QString &advice);
     void checkForUpdates();
     void connectCommands();
+    void connectFocus();
     void connectLabel(bool isBackground);
     void connectMetrics();
     void connectPanel();
@@ -53,12 +55,13 @@ private:
     Commands m_commands;
     TrayLabel m_label{m_commands.inMenuOrder()};
     MenuBarContent m_panel;
-    std::unique_ptr<QMenuBar> m_menuBar; ///< A Mac's; null elsewhere.
-    ProcessInterest m_processInterest;   ///< Held while the dashboard can be seen.
-    QPointer<MainWindow> m_mainWindow;   ///< Deletes itself when it is closed.
-    QPointer<NoticeBar> m_trayAdvice;    ///< In the dashboard; null while there is none.
-    QPointer<SettingsWindow> m_settings; ///< Deletes itself when it is closed.
-    int m_openings = 0;                  ///< Dashboards so far.
+    std::unique_ptr<QMenuBar> m_menuBar;       ///< A Mac's; null elsewhere.
+    std::unique_ptr<CloseObserver> m_closings; ///< Of all windows; null where nobody has to know.
+    ProcessInterest m_processInterest;         ///< Held while the dashboard can be seen.
+    QPointer<MainWindow> m_mainWindow;         ///< Deletes itself when it is closed.
+    QPointer<NoticeBar> m_trayAdvice;          ///< In the dashboard; null while there is none.
+    QPointer<SettingsWindow> m_settings;       ///< Deletes itself when it is closed.
+    int m_openings = 0;                        ///< Dashboards so far.
 };
 
 /// Runs the program until the user quits. Returns the exit status of the process.

@@ -207,6 +207,7 @@ void MenuBarContent::hideEvent(QHideEvent *event)
 {
     m_hiddenAt = m_clock();
     QWidget::hideEvent(event);
+    emit closed();
 }
 
 bool MenuBarContent::event(QEvent *event)

@@ -43,6 +43,7 @@ public:
 signals:
     void openWindowRequested();
     void quitRequested();
+    void closed();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

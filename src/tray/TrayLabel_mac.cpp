@@ -1,5 +1,6 @@
 #include "threads/MainThread.h"
 #include "tray/MetricMenu.h"
+#include "tray/RolelessActions.h"
 #include "tray/StatusLabel.h"
 #include "tray/TrayLabel.h"
 #include "ui/Theme.h"
@@ -15,7 +16,7 @@ struct TrayLabel::Bar {
 };
 
 TrayLabel::Bar::Bar(TrayLabel &label, const QList<QAction *> &commands)
-    : menu(commands),
+    : menu(withoutRoles(commands, &label)),
       item({.open =
                 [&label](const StatusPlace &place) { emit label.activated(statusAnchor(place)); },
             .menu = [this]() -> void * { return menu.toNSMenu(); }},

@@ -39,12 +39,13 @@ struct WindowPlatform {
     /// Brings the program and this window to the front.
     std::function<void(NativeWindow)> activate;
 
-    /// Called when the last window is closed: gives the key focus back to the program that had it
-    /// before, unless a window of the system's own is still open.
+    /// Called when a window is closed: gives the key focus back to the program that had it before,
+    /// unless another window is still open.
     std::function<void()> giveFocusBack;
 
-    /// Calls `onClose` on the main thread when that window is about to close. `onClose` may delete
-    /// the observer.
+    /// Calls `onClose` on the main thread when that window is about to close, or for null each time
+    /// that any window is, also one of the system's libraries. `onClose` may delete the observer. A
+    /// null result for null: the system needs nobody to know.
     std::function<std::unique_ptr<CloseObserver>(NativeWindow, std::function<void()> onClose)>
         observeClose;
 };

@@ -57,6 +57,8 @@ WindowPlatform systemWindowPlatform()
         .giveFocusBack = [] {}, // Every window manager does.
         .observeClose = [](NativeWindow window,
                            const std::function<void()> &onClose) -> std::unique_ptr<CloseObserver> {
+            if (!window)
+                return nullptr; // Every window manager moves the focus itself.
             return std::make_unique<HideObserver>(asWindow(window), onClose);
         },
     };

@@ -1,7 +1,10 @@
-#include "app/DesktopSession.h"
+#include "app/CorvaneApp.h"
 
 #include <QCoreApplication>
 #include <QTest>
+#include <QTimer>
+
+#include <cstdlib>
 
 using namespace corvane;
 
@@ -14,16 +17,12 @@ bool tookFocus = false;
 void launch()
 {
     tookFocus = qEnvironmentVariableIsEmpty("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM");
+    QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
 }
 Q_COREAPP_STARTUP_FUNCTION(launch)
 
-void createApplication()
-{
-    int argc = 1;
-    char name[] = "corvane";
-    char *argv[] = {name, nullptr};
-    const QCoreApplication application(argc, argv);
-}
+char name[] = "corvane";
+char *arguments[] = {name, nullptr};
 
 } // namespace
 
@@ -36,10 +35,12 @@ private slots:
 
 void TestDesktopSessionOnMac::takesNoFocusAtLaunch()
 {
-    createApplication();
+    {
+        int argc = 1;
+        const QCoreApplication application(argc, arguments);
+    }
     QVERIFY(tookFocus);
-    prepareDesktopSession();
-    createApplication();
+    QCOMPARE(run(1, arguments), EXIT_SUCCESS);
     QVERIFY(!tookFocus);
 }
 

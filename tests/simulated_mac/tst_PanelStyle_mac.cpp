@@ -15,6 +15,7 @@ class TestPanelStyleOnMac : public QObject {
 private slots:
     void init();
     void isAPanelOfTheMenuBar();
+    void staysAPanelWhereTheWindowServerCannotBeTold();
     void takesTheKeyFocus_data();
     void takesTheKeyFocus();
 };
@@ -36,10 +37,22 @@ void TestPanelStyleOnMac::isAPanelOfTheMenuBar()
     constexpr int fullScreenAuxiliary = 1 << 8;
     QVERIFY((takeMessages()
              == Messages{"NSWindow setStyleMask:" + std::to_string(byQt | nonactivating),
+                         "NSWindow _setPreventsActivation:YES",
                          "NSWindow setLevel:" + std::to_string(popUpMenuLevel),
                          "NSWindow setCollectionBehavior:"
                              + std::to_string(moveToActiveSpace | transient | fullScreenAuxiliary),
                          "NSWindow setHasShadow:YES"}));
+}
+
+/// The message is not part of AppKit's interface.
+void TestPanelStyleOnMac::staysAPanelWhereTheWindowServerCannotBeTold()
+{
+    desktop().preventsActivation = false;
+    void *panel = addWindow({});
+    stylePanel(reinterpret_cast<NativeWindow>(panel));
+    constexpr unsigned long nonactivating = 1 << 7;
+    QCOMPARE(stateOf(panel).styleMask, nonactivating);
+    QCOMPARE(takeMessages().size(), 4U);
 }
 
 void TestPanelStyleOnMac::takesTheKeyFocus_data()

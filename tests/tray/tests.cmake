@@ -1,5 +1,6 @@
 corvane_test(tray/tst_TrayPicture)
 corvane_test(tray/tst_StatusLabel)
+corvane_test(tray/tst_RolelessActions)
 corvane_test(tray/tst_MetricMenu LINK corvane_scripted_samples)
 corvane_test(tray/tst_TrayAdvice SYSTEM linux simulated-mac)
 corvane_test(tray/tst_TrayHost)

@@ -507,6 +507,15 @@ void *corvane::simulated::makeMenu()
     objects().windows[self].styleMask = mask;
     record(self, "setStyleMask:" + std::to_string(mask));
 }
+- (BOOL)respondsToSelector:(SEL)message
+{
+    return desktop().preventsActivation
+        || sel_getName(message) != std::string("_setPreventsActivation:");
+}
+- (void)_setPreventsActivation:(BOOL)prevents
+{
+    record(self, std::string("_setPreventsActivation:") + (prevents ? "YES" : "NO"));
+}
 - (void)setLevel:(NSWindowLevel)level
 {
     record(self, "setLevel:" + std::to_string(level));

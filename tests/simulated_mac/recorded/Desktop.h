@@ -16,6 +16,7 @@ struct Desktop {
     double symbolHeight = 10;
     bool hasRoundedFont = true;
     bool hasScreen = true;
+    bool preventsActivation = true; ///< Whether windows take the message that says so.
 };
 
 Desktop &desktop();

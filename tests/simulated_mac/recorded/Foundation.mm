@@ -13,6 +13,7 @@
 extern "C" {
 id class_createInstance(Class kind, unsigned long extraBytes);
 const char *class_getName(Class kind);
+BOOL class_respondsToSelector(Class kind, SEL message);
 Class class_getSuperclass(Class kind);
 void (*objc_msg_lookup(id receiver, SEL message))(void);
 }
@@ -275,6 +276,10 @@ bool corvane::simulated::reopen()
             return YES;
     }
     return NO;
+}
+- (BOOL)respondsToSelector:(SEL)message
+{
+    return class_respondsToSelector(isa, message);
 }
 - (void)addObserver:(NSObject *)observer
          forKeyPath:(NSString *)keyPath

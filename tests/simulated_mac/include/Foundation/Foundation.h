@@ -50,6 +50,7 @@ enum : AEEventID { kAEReopenApplication = 'rapp' };
 
 @protocol NSObject
 - (BOOL)isKindOfClass:(Class)kind;
+- (BOOL)respondsToSelector:(SEL)message;
 @end
 
 @protocol NSCopying
