@@ -12,9 +12,13 @@
 #include "support/Rendering.h"
 
 #include <QAccessible>
+#include <QExposeEvent>
 #include <QPointer>
 #include <QScreen>
 #include <QTest>
+#include <QWindow>
+
+#include <functional>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -106,6 +110,25 @@ void showExtremes(MainWindow &window)
     window.showWorkloads(workloads);
 }
 
+/// Calls a function before each painting of a widget.
+class PaintNote : public QObject {
+public:
+    PaintNote(QWidget &widget, std::function<void()> note) : m_note(std::move(note))
+    {
+        widget.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *widget, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            m_note();
+        return QObject::eventFilter(widget, event);
+    }
+
+private:
+    std::function<void()> m_note;
+};
+
 } // namespace
 
 class TestMainWindow : public QObject {
@@ -121,6 +144,7 @@ private slots:
     void takesNothingWhileHidden();
     void asksForTheNewestWhenShownAgain();
     void tellsWhenItIsNoLongerSeen();
+    void takesNothingWhileItIsCovered();
     void keepsTheScaleOfASpikeWhileHidden();
     void everythingIsAccessible();
     void startsWithoutAFocusRing();
@@ -277,6 +301,29 @@ void TestMainWindow::tellsWhenItIsNoLongerSeen()
     window.showNormal();
     window.close();
     QCOMPARE(order, (QStringList{u"seen"_s, u"unseen"_s, u"seen"_s, u"unseen"_s}));
+}
+
+/// Until the window system has answered, an event of exposure finds the window covered.
+void TestMainWindow::takesNothingWhileItIsCovered()
+{
+    MainWindow window(nullptr, chip);
+    QStringList order;
+    const auto note = [&order](const QString &event) {
+        return [&order, event] { order.append(event); };
+    };
+    connect(&window, &MainWindow::contentsNeeded, this, note(u"seen"_s));
+    connect(&window, &MainWindow::noLongerSeen, this, note(u"unseen"_s));
+    window.QWidget::show();
+    QVERIFY(!window.windowHandle()->isExposed());
+    QExposeEvent exposure({});
+    QCoreApplication::sendEvent(window.windowHandle(), &exposure);
+    QCOMPARE(order, (QStringList{u"seen"_s, u"unseen"_s}));
+    window.showProcesses(scriptedProcesses());
+    QCOMPARE(window.findChild<ProcessCard *>()->list()->rowCount(), 0);
+
+    PaintNote painted(window, note(u"painted"_s));
+    QTRY_VERIFY(order.contains(u"painted"_s));
+    QCOMPARE(order.first(4), (QStringList{u"seen"_s, u"unseen"_s, u"seen"_s, u"painted"_s}));
 }
 
 void TestMainWindow::keepsTheScaleOfASpikeWhileHidden()
