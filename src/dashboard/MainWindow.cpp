@@ -29,6 +29,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
