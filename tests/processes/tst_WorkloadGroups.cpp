@@ -124,6 +124,8 @@ void TestWorkloadGroups::findsAncestors_data()
     QTest::newRow("not known") << Parents{} << QList<int>{};
     QTest::newRow("no such number") << Parents{{9, 0}} << QList<int>{};
     QTest::newRow("a circle ends where it began") << Parents{{9, 8}, {8, 9}} << QList<int>{8};
+    QTest::newRow("a circle of its ancestors alone")
+        << Parents{{9, 8}, {8, 7}, {7, 8}} << QList<int>{8, 7};
     QTest::newRow("eight at most") << Parents{{9, 10},  {10, 11}, {11, 12}, {12, 13}, {13, 14},
                                               {14, 15}, {15, 16}, {16, 17}, {17, 18}, {18, 19}}
                                    << QList<int>{10, 11, 12, 13, 14, 15, 16, 17};
