@@ -13,6 +13,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace corvane {
@@ -42,16 +43,37 @@ constexpr double textsBesideBar = 212;
 constexpr double barHeight = 6;
 
 /// A value above its caption, right-aligned in a column.
-void paintValue(QPainter &painter, const QRectF &row, double right, const QString &value,
-                const QColor &color, const QString &caption)
+std::array<CardText, 2> valueTexts(const QRectF &row, double right, const QString &value,
+                                   const QColor &color, const QString &caption)
 {
     const QFont valueFont = Theme::systemFont(11, QFont::DemiBold);
     const QFont captionFont = Theme::systemFont(9);
-    painter.setPen(color);
-    drawTextRight(painter, {right, row.top() + firstLine.baseline(valueFont)}, value, valueFont);
-    painter.setPen(Theme::textTertiary);
-    drawTextRight(painter, {right, row.top() + secondLine.baseline(captionFont)}, caption,
-                  captionFont);
+    return {CardText{.text = value,
+                     .font = valueFont,
+                     .color = color,
+                     .alignment = Qt::AlignRight,
+                     .baseline = {right, row.top() + firstLine.baseline(valueFont)}},
+            CardText{.text = caption,
+                     .font = captionFont,
+                     .color = Theme::textTertiary,
+                     .alignment = Qt::AlignRight,
+                     .baseline = {right, row.top() + secondLine.baseline(captionFont)}}};
+}
+
+/// Right end of the column of GPU memory.
+double gpuRight(const QRectF &row)
+{
+    return row.right() - ramColumn - columnGap;
+}
+
+/// The bar between the texts and the columns; null where there is no room for it.
+QRectF barPlace(const QRectF &row)
+{
+    if (row.width() < widthWithBar)
+        return {};
+    const double left = row.left() + tileSide + tileGap + textsBesideBar + columnGap;
+    const double right = gpuRight(row) - gpuColumn - columnGap;
+    return {left, row.center().y() - barHeight / 2, right - left, barHeight};
 }
 
 bool hasModel(const AIWorkload &workload)
@@ -175,16 +197,25 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     constexpr double inset = (tileSide - tileIconSide) / 2;
     paintIcon(painter, symbol(workload.framework), tile.adjusted(inset, inset, -inset, -inset),
               color, SymbolWeight::semibold);
+    for (const CardText &text : rowTexts(index, place))
+        text.paint(painter);
+    if (hasGPUColumn() && !barPlace(place).isNull())
+        paintBar(painter, workload, barPlace(place));
+}
 
+std::vector<CardText> AIWorkloadsCard::rowTexts(int index, const QRectF &place) const
+{
+    const AIWorkload &workload = m_workloads[static_cast<std::size_t>(index)];
     const QFont frameworkFont = Theme::systemFont(12, QFont::DemiBold);
     const double firstBaseline = place.top() + firstLine.baseline(frameworkFont);
     const double secondBaseline = place.top() + secondLine.baseline(Theme::systemFont(9));
-    const double textLeft = tile.right() + tileGap;
-    const double textEnd = hasGPUColumn() ? paintColumns(painter, workload, place)
-                                          : paintMemory(painter, workload, place);
+    const double textLeft = place.left() + tileSide + tileGap;
+
+    std::vector<CardText> columns = columnTexts(workload, place);
+    const double textEnd = textsEnd(columns, place);
     const CardText framework{.text = displayName(workload.framework),
                              .font = frameworkFont,
-                             .color = color,
+                             .color = frameworkColor(workload.framework),
                              .baseline = {textLeft, firstBaseline},
                              .maxWidth = textEnd - textLeft};
     const double nameLeft = textLeft + framework.width() + nameGap;
@@ -196,47 +227,46 @@ void AIWorkloadsCard::paintRow(QPainter &painter, int index, const QRectF &place
     CardText model = modelCardText(workload);
     model.baseline = {textLeft, secondBaseline};
     model.maxWidth = textEnd - textLeft;
-    for (const CardText &text : {framework, name, model})
-        text.paint(painter);
+    columns.insert(columns.begin(), {framework, name, model});
+    return columns;
 }
 
-double AIWorkloadsCard::paintMemory(QPainter &painter, const AIWorkload &workload,
-                                    const QRectF &place) const
-{
-    const QString memory = ByteFormatter::f().string(workload.memory);
-    const QString pid = pidText(workload);
-    paintValue(painter, place, place.right(), memory, Theme::textPrimary, pid);
-    const double widest = std::max(textWidth(memory, Theme::systemFont(11, QFont::DemiBold)),
-                                   textWidth(pid, Theme::systemFont(9)));
-    return place.right() - widest - minColumnGap;
-}
-
-double AIWorkloadsCard::paintColumns(QPainter &painter, const AIWorkload &workload,
-                                     const QRectF &place) const
+std::vector<CardText> AIWorkloadsCard::columnTexts(const AIWorkload &workload,
+                                                   const QRectF &place) const
 {
     const ByteFormatter &bytes = ByteFormatter::f();
-    paintValue(painter, place, place.right(), bytes.string(workload.memory), Theme::textPrimary,
-               u"RAM · "_s + pidText(workload));
-    const double gpuRight = place.right() - ramColumn - columnGap;
+    const QString pid = pidText(workload);
+    const auto [memory, memoryCaption] =
+        valueTexts(place, place.right(), bytes.string(workload.memory), Theme::textPrimary,
+                   hasGPUColumn() ? u"RAM · "_s + pid : pid);
+    if (!hasGPUColumn())
+        return {memory, memoryCaption};
     const QColor color =
         workload.gpuMemory ? Theme::gpu : Theme::withOpacity(Theme::gpu, Theme::absentOpacity);
-    paintValue(painter, place, gpuRight,
-               workload.gpuMemory ? bytes.string(*workload.gpuMemory) : u"–"_s, color, m_gpuLabel);
+    const auto [gpu, gpuCaption] = valueTexts(
+        place, gpuRight(place), workload.gpuMemory ? bytes.string(*workload.gpuMemory) : u"–"_s,
+        color, m_gpuLabel);
+    return {memory, memoryCaption, gpu, gpuCaption};
+}
 
-    const double columnsLeft = gpuRight - gpuColumn;
-    if (place.width() < widthWithBar)
-        return columnsLeft - minColumnGap;
-    const double textEnd = place.left() + tileSide + tileGap + textsBesideBar;
-    const double barLeft = textEnd + columnGap;
-    const QRectF bar(barLeft, place.center().y() - barHeight / 2, columnsLeft - columnGap - barLeft,
-                     barHeight);
+double AIWorkloadsCard::textsEnd(const std::vector<CardText> &columns, const QRectF &place) const
+{
+    if (!hasGPUColumn())
+        return place.right() - std::max(columns[0].width(), columns[1].width()) - minColumnGap;
+    if (!barPlace(place).isNull())
+        return barPlace(place).left() - columnGap;
+    return gpuRight(place) - gpuColumn - minColumnGap;
+}
+
+void AIWorkloadsCard::paintBar(QPainter &painter, const AIWorkload &workload,
+                               const QRectF &bar) const
+{
     fillRounded(painter, bar, barHeight / 2, Theme::track);
     const double share = m_gpuTotal == 0
         ? 0
         : static_cast<double>(workload.gpuMemory.value_or(0)) / static_cast<double>(m_gpuTotal);
     if (workload.gpuMemory)
         fillShareBar(painter, bar, std::min(share, 1.0), Theme::gpu);
-    return textEnd;
 }
 
 } // namespace corvane

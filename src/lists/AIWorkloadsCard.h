@@ -26,6 +26,9 @@ public:
 
     RowList *list() const { return m_list; }
 
+    /// All texts of a row that is painted into that rectangle.
+    std::vector<CardText> rowTexts(int index, const QRectF &place) const;
+
 protected:
     void layOut() override;
 
@@ -35,9 +38,11 @@ private:
     bool hasGPUColumn() const;
     void paintRow(QPainter &painter, int index, const QRectF &place) const;
 
-    /// Paints what stands at the right of a row; returns where the texts at the left have to end.
-    double paintMemory(QPainter &painter, const AIWorkload &workload, const QRectF &place) const;
-    double paintColumns(QPainter &painter, const AIWorkload &workload, const QRectF &place) const;
+    void paintBar(QPainter &painter, const AIWorkload &workload, const QRectF &bar) const;
+
+    /// The texts at the right of a row, and where those at the left have to end.
+    std::vector<CardText> columnTexts(const AIWorkload &workload, const QRectF &place) const;
+    double textsEnd(const std::vector<CardText> &columns, const QRectF &place) const;
 
     RowList *m_list;
     QString m_gpuLabel;

@@ -5,7 +5,9 @@
 #include "devices/PowerCard.h"
 #include "gallery/ScriptedSamples.h"
 #include "lists/AIWorkloadsCard.h"
+#include "lists/FrameworkColor.h"
 #include "lists/ProcessCard.h"
+#include "support/Rendering.h"
 #include "ui/Theme.h"
 
 #include <QTest>
@@ -27,6 +29,8 @@ struct Look {
     QColor color = {};
     double letterSpacing = 0;
     Digits digits = Digits::fixedWidth;
+    QString family = Theme::systemFont(10).family();
+    bool isItalic = false;
     bool operator==(const Look &) const = default;
 };
 
@@ -36,7 +40,9 @@ Look lookOf(const CardText &text)
             .weight = static_cast<QFont::Weight>(text.font.weight()),
             .color = text.color,
             .letterSpacing = std::round(text.font.letterSpacing() * 10) / 10, // Qt keeps 64ths.
-            .digits = text.digits};
+            .digits = text.digits,
+            .family = text.font.family(),
+            .isItalic = text.font.italic()};
 }
 
 template <typename Texts>
@@ -59,6 +65,10 @@ private slots:
     void textsOfCards();
     void textsOfTheHeader_data();
     void textsOfTheHeader();
+    void textsOfWorkloads_data();
+    void textsOfWorkloads();
+    void boxes_data();
+    void boxes();
     void headings_data();
     void headings();
 
@@ -188,6 +198,123 @@ void TestLooks::textsOfTheHeader()
     QFETCH(Look, look);
     const auto *header = m_filled.findChild<DashboardHeader *>();
     QVERIFY(lookOf(header->texts(), words) == look);
+}
+
+void TestLooks::textsOfWorkloads_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<Look>("look");
+    const QColor faint = Theme::withOpacity(Theme::textTertiary, 0.6);
+    const Look model{.size = 10,
+                     .color = Theme::textTertiary,
+                     .digits = Digits::proportional,
+                     .family = Theme::monospacedFont(10).family()};
+    const Look unknown{
+        .size = 10, .color = faint, .digits = Digits::proportional, .isItalic = true};
+    QTest::newRow("framework in its colour")
+        << 0 << u"llama.cpp"_s << Look{12, QFont::DemiBold, frameworkColor(AIFramework::llamaCpp)};
+    QTest::newRow("another framework in another colour")
+        << 1 << u"MLX"_s << Look{12, QFont::DemiBold, frameworkColor(AIFramework::mlx)};
+    QTest::newRow("process") << 0 << u"llama-server"_s
+                             << Look{11, QFont::Normal, Theme::textSecondary};
+    QTest::newRow("model") << 0 << u"Qwen2.5-32B-Instruct-Q4_K_M.gguf"_s << model;
+    QTest::newRow("unknown model") << 2 << u"model unknown"_s << unknown;
+    QTest::newRow("memory") << 0 << u"20.94 GB"_s << Look{11, QFont::DemiBold, Theme::textPrimary};
+    QTest::newRow("process number")
+        << 0 << u"pid 48213"_s << Look{9, QFont::Normal, Theme::textTertiary};
+}
+
+void TestLooks::textsOfWorkloads()
+{
+    QFETCH(int, row);
+    QFETCH(QString, words);
+    QFETCH(Look, look);
+    const auto *card = m_filled.findChild<AIWorkloadsCard *>();
+    const std::optional<Look> actual = lookOf(card->rowTexts(row, {16, 0, 585, 34}), words);
+    QVERIFY2(actual, "the text is shown");
+    QVERIFY(*actual == look);
+}
+
+void TestLooks::boxes_data()
+{
+    QTest::addColumn<QString>("card");
+    QTest::addColumn<QRectF>("box");
+    QTest::addColumn<double>("radius");
+    QTest::addColumn<QColor>("color");
+    const auto row = [](const char *name, const QString &card, const QRectF &box, double radius,
+                        const QColor &color) {
+        QTest::newRow(name) << card << box << radius << color;
+    };
+    const QString workloads = u"AI Workloads"_s;
+    const auto textOf = [this](const QString &card, const QString &words) {
+        return *std::ranges::find(cardTitled(card)->texts(), words, &CardText::text);
+    };
+    const CardText tag = textOf(workloads, u"3 active"_s);
+    row("tag of the count", workloads, {tag.baseline.x() - 6, 17, tag.width() + 12, 16}, 5,
+        Theme::tag);
+
+    const std::array tiles{AIFramework::llamaCpp, AIFramework::mlx, AIFramework::lmStudio};
+    for (std::size_t i = 0; i < tiles.size(); ++i)
+        row(qPrintable(u"tile of "_s + displayName(tiles[i])), workloads,
+            QRectF(16, 48 + 44 * static_cast<double>(i), 30, 30), 8,
+            Theme::withOpacity(frameworkColor(tiles[i]), 0.18));
+
+    const QString power = u"Package Power"_s;
+    for (const auto &[part, color] :
+         {std::pair{u"CPU"_s, Theme::cpu}, {u"GPU"_s, Theme::gpu}, {u"ANE"_s, Theme::ane}})
+        row(qPrintable(u"dot of the legend: "_s + part), power,
+            {textOf(power, part).baseline.x() - 11, 50, 6, 6}, 3, color);
+
+    const QString memory = u"Unified Memory"_s;
+    const QColor wired = Theme::withOpacity(Theme::memory, 0.9);
+    const QColor compressed = Theme::withOpacity(Theme::cpu, 0.9);
+    for (const auto &[label, dot] : {std::pair{u"App"_s, QColor(Theme::white(0.85))},
+                                     {u"Wired"_s, wired},
+                                     {u"Compressed"_s, compressed},
+                                     {u"Cached"_s, QColor(Theme::textTertiary)}})
+        row(qPrintable(u"dot of a chip: "_s + label), memory,
+            {textOf(memory, label).baseline.x() - 10, 120, 6, 6}, 3, dot);
+}
+
+/// A box of that colour with round corners, beyond whose edges there is the card.
+void TestLooks::boxes()
+{
+    QFETCH(QString, card);
+    QFETCH(QRectF, box);
+    QFETCH(double, radius);
+    QFETCH(QColor, color);
+    constexpr int scale = 8;
+    const Card *shown = cardTitled(card);
+    const QRect around = box.toAlignedRect().adjusted(-2, -2, 2, 2);
+    QImage image(around.size() * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    const_cast<Card *>(shown)->render(&image, {}, around, QWidget::DrawChildren);
+    const auto at = [&](double x, double y) {
+        return pixelAt(image, x - around.left(), y - around.top());
+    };
+    const QColor ground = at(box.left() - 1, box.center().y());
+    QImage mixed(1, 1, QImage::Format_RGB32);
+    mixed.setPixelColor(0, 0, ground);
+    QPainter(&mixed).fillRect(0, 0, 1, 1, color);
+    const QColor filled = mixed.pixelColor(0, 0);
+    QVERIFY(!isClose(filled, ground));
+
+    constexpr double edge = 0.4; // From an edge, in points.
+    const QPointF middle = box.center();
+    QVERIFY(isClose(at(box.left() + edge, middle.y()), filled));
+    QVERIFY(isClose(at(box.right() - edge, middle.y()), filled));
+    QVERIFY(isClose(at(middle.x(), box.top() + edge), filled));
+    QVERIFY(isClose(at(middle.x(), box.bottom() - edge), filled));
+    QVERIFY(isClose(at(box.left() - edge, middle.y()), ground));
+    QVERIFY(isClose(at(box.right() + edge, middle.y()), ground));
+    QVERIFY(isClose(at(middle.x(), box.top() - edge), ground));
+    QVERIFY(isClose(at(middle.x(), box.bottom() + edge), ground));
+    // On the diagonal of a corner the circle begins at 0.293 radii.
+    const QPointF outside = box.topLeft() + QPointF(0.2, 0.2) * radius;
+    const QPointF inside = box.topLeft() + QPointF(0.4, 0.4) * radius;
+    QVERIFY(isClose(at(outside.x(), outside.y()), ground));
+    QVERIFY(isClose(at(inside.x(), inside.y()), filled));
 }
 
 void TestLooks::headings_data()
