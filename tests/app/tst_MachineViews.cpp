@@ -1,7 +1,9 @@
+#include "app/FiguresInWords.h"
 #include "cards/Card.h"
 #include "chip/ChipSource_linux.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
+#include "figures/FiguresOutput.h"
 #include "gpu/StandInNvidia.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
@@ -20,8 +22,12 @@
 
 #include <QAction>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 #include <algorithm>
@@ -106,7 +112,7 @@ public:
             SamplerSources{.memory = [memory] { return MemorySampler::snapshot(memory->read()); },
                            .chip = openChipSourceBelow(
                                m_tree.root(), [this] { return m_seconds; }, STAND_IN_NVML),
-                           .survey = {}},
+                           .survey = {.take = [](const RankingReport &) { return Survey{}; }}},
             m_home.path());
         m_label = std::make_unique<TrayLabel>(
             QList<QAction *>(), nullptr, TrayWaits{.tray = 50ms, .quiet = 10ms, .check = 50ms});
@@ -169,6 +175,18 @@ public:
         for (const PanelRow *row : panel.findChildren<PanelRow *>())
             said.rows.append(row->accessibleTexts().front().value);
         return said;
+    }
+
+    /// What `--json=once` prints after another second.
+    QJsonObject figures(const Change &change)
+    {
+        QTemporaryFile file;
+        if (!file.open())
+            qFatal("no file");
+        const FiguresOutput output(*m_sampler, FiguresForm::once, u"Chip"_s, file.handle());
+        live(change);
+        file.seek(0);
+        return QJsonDocument::fromJson(file.readAll()).object();
     }
 
     QString label() const { return inOneLine(labelNumbers(m_sampler->current())); }
@@ -248,6 +266,24 @@ const std::string amdSlot =
 void countPackage(const MachineTree &tree)
 {
     count(tree, packageEnergy, 65'000'000);
+}
+
+/// Compares printed figures with what the dashboard says of the same machine, both ways: each of
+/// its cards says what they tell, and they tell each number that it says.
+void compareFigures(const QJsonObject &figures, const QStringList &dashboard)
+{
+    QMap<QString, QStringList> told = figuresInWords(figures);
+    for (const QString &card : dashboard) {
+        QStringList texts = card.split(u"; "_s);
+        const QString title = texts.takeFirst();
+        QStringList said = figuresOfCard(texts);
+        QStringList words = told.take(title);
+        said.sort();
+        words.sort();
+        QCOMPARE(words, said);
+    }
+    for (const QStringList &words : std::as_const(told))
+        QCOMPARE(words, QStringList()); // Of a card that the machine does not have.
 }
 
 } // namespace
@@ -489,6 +525,7 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine()
     QCOMPARE(said.rows, expected.rows);
     QCOMPARE(views.menu(), expected.rows);
     QCOMPARE(views.dashboard(), expected.dashboard);
+    compareFigures(views.figures(change), expected.dashboard);
 }
 
 void TestMachineViews::followEnergyCountersThatAreOpenedAndClosed()
