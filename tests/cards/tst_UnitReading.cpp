@@ -1,8 +1,11 @@
 #include "cards/UnitReading.h"
 
+#include "gallery/ScriptedMachines.h"
+
 #include <QTest>
 
 using namespace corvane;
+using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -34,6 +37,8 @@ private slots:
     void showsPowerAndTemperature();
     void showsWhatIsSpecialToItsUnit_data();
     void showsWhatIsSpecialToItsUnit();
+    void showsWhatTheMachineTells_data();
+    void showsWhatTheMachineTells();
 };
 
 void TestUnitReading::takesLoadAndPowerOfItsUnit_data()
@@ -183,6 +188,63 @@ void TestUnitReading::showsWhatIsSpecialToItsUnit()
 {
     QFETCH(UnitReading, reading);
     QTEST(unitSubtitle(reading), "subtitle");
+    QTEST(unitPillTexts(reading), "pill");
+}
+
+void TestUnitReading::showsWhatTheMachineTells_data()
+{
+    using Change = std::function<void(MachineCoverage &, ChipReading &)>;
+    QTest::addColumn<ComputeUnit>("unit");
+    QTest::addColumn<SystemMetrics>("sample");
+    QTest::addColumn<QString>("stat");
+    QTest::addColumn<QString>("subtitle");
+    QTest::addColumn<QStringList>("pill");
+    const auto row = [](
+                         const char *name, ComputeUnit unit, const ScriptedMachine &machine,
+                         const QString &stat, const QString &subtitle, const QStringList &pill,
+                         const Change &change = [](MachineCoverage &, ChipReading &) {}) {
+        QTest::newRow(name) << unit << changed(machine.current(), change) << stat << subtitle
+                            << pill;
+    };
+    using enum ComputeUnit;
+    row("a CPU whose watts are locked", cpu, oneCardMinute(), u"61°C"_s, u"4.32 GHz"_s,
+        {u"23%"_s, u"4.32GHz"_s});
+    row("a CPU that tells its watts", cpu, apuMinute(), u"9.84 W · 74°C"_s, u"3.62 GHz"_s,
+        {u"31%"_s, u"9.84W"_s, u"3.62GHz"_s});
+    row("a CPU whose watts are missing now", cpu, apuMinute(), u"– · 74°C"_s, u"3.62 GHz"_s,
+        {u"31%"_s, u"–"_s, u"3.62GHz"_s}, [](MachineCoverage &, ChipReading &chip) {
+            chip.cpuWatts = 0;
+            chip.denied.cpuWatts = true;
+        });
+    row("a CPU whose load cannot be read", cpu, virtualMachineMinute(), {}, u"2.30 GHz nominal"_s,
+        {u"–"_s, u"2.30GHz"_s}, [](MachineCoverage &, ChipReading &chip) {
+            chip.cpuActiveFraction = 0;
+            chip.denied.cpuLoad = true;
+        });
+    row("a card", gpu, oneCardMinute(), u"318.42 W · 66°C"_s, u"P2 · 2.61 GHz"_s,
+        {u"97%"_s, u"318.42W"_s, u"2.61GHz"_s});
+    row("an integrated GPU without watts", gpu, integratedOnlyMinute(), {}, u"0.60 GHz"_s,
+        {u"14%"_s, u"600MHz"_s});
+    row("one that stands in for a card that sleeps", gpu, sleepingCardMinute(), {},
+        u"0.45 GHz · integrated"_s, {u"6%"_s, u"450MHz"_s});
+    row("a card that cannot be read now", gpu, oneCardMinute(), u"–"_s, {}, {u"–"_s, u"–"_s},
+        [](MachineCoverage &, ChipReading &chip) { chip.gpus.clear(); });
+    row("an NPU", ane, apuMinute(), u"1.35 W"_s, u"1.80 GHz"_s,
+        {u"17%"_s, u"1.35W"_s, u"1.80GHz"_s});
+    row("an NPU that tells its load alone", ane, apuMinute(), {}, {}, {u"17%"_s},
+        [](MachineCoverage &machine, ChipReading &chip) {
+            machine.npuWatts = Coverage::unpublished;
+            chip.npu = NPUMetrics{.activeFraction = 0.17};
+        });
+}
+
+void TestUnitReading::showsWhatTheMachineTells()
+{
+    QFETCH(ComputeUnit, unit);
+    QFETCH(SystemMetrics, sample);
+    const UnitReading reading = unitReading(unit, sample, coverageOf(sample));
+    QTEST(unitStatText(reading), "stat");
+    QTEST(unitSubtitle(reading).value_or(QString()), "subtitle");
     QTEST(unitPillTexts(reading), "pill");
 }
 
