@@ -1,5 +1,6 @@
 corvane_test(drivers/tst_GPUFiles SYSTEM linux)
 corvane_test(drivers/tst_FileGPUs SYSTEM linux)
+corvane_test(drivers/tst_ListedGPUNames SYSTEM linux)
 corvane_test(drivers/tst_NPUFiles SYSTEM linux)
 corvane_test(drivers/tst_APUMetrics)
 corvane_test(drivers/tst_PCINames)
