@@ -88,6 +88,7 @@ private slots:
     void aGPUThatCameAwakeIsRead();
     void aGPUThatIsPluggedInIsFound();
     void readsNvidiaGPUsBesideOthers();
+    void leavesTheLibraryClosedWhileNothingIsShown();
     void tellsOthersWhatTheyMayTouch();
     void addsUpTheMemoryOfIntelsCards();
 };
@@ -260,6 +261,22 @@ void TestGPUWatch::readsNvidiaGPUsBesideOthers()
     TRY_COMPARE(bench.readAgain().size(), std::size_t(2));
     bench.tree.write(nvidiaCard + "/power/runtime_status", "suspended\n");
     QCOMPARE(bench.tick().size(), std::size_t(1));
+}
+
+void TestGPUWatch::leavesTheLibraryClosedWhileNothingIsShown()
+{
+    const StandInNvidia nvidia;
+    Bench bench("intel-hybrid-nvidia", STAND_IN_NVML);
+    bench.tree.write(nvidiaCard + "/power/runtime_status", "active\n");
+    bench.handOver().setShown(false);
+    QCOMPARE(bench.countAfter(5), std::size_t(1)); // The other GPU takes no library.
+    QCOMPARE(nvidia.calls("nvmlInit_v2"), 0);
+    bench.handOver().setShown(true);
+    bench.tick();
+    TRY_COMPARE(bench.readAgain().size(), std::size_t(2));
+    bench.handOver().setShown(false);
+    QCOMPARE(bench.tick().size(), std::size_t(1));
+    TRY_COMPARE(nvidia.calls("nvmlShutdown"), 1);
 }
 
 void TestGPUWatch::tellsOthersWhatTheyMayTouch()
