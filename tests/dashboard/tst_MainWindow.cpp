@@ -1,5 +1,6 @@
 #include "cards/MemoryCard.h"
 #include "cards/UtilizationCard.h"
+#include "charts/CoreBars.h"
 #include "charts/Sparkline.h"
 #include "controls/InfoButton.h"
 #include "dashboard/DashboardHeader.h"
@@ -13,6 +14,7 @@
 
 #include <QAccessible>
 #include <QExposeEvent>
+#include <QFocusFrame>
 #include <QPointer>
 #include <QScreen>
 #include <QTest>
@@ -153,6 +155,8 @@ private slots:
     void leavesNoStalePixels();
     void fitsExtremeValues_data();
     void fitsExtremeValues();
+    void barsAndRingsFit_data();
+    void barsAndRingsFit();
     void showsEmptyRecords_data();
     void showsEmptyRecords();
 };
@@ -459,6 +463,55 @@ void TestMainWindow::fitsExtremeValues()
             previous = text.place;
         }
     }
+}
+
+void TestMainWindow::barsAndRingsFit_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("cpus");
+    for (const QSize &size : {QSize(920, 760), QSize(1280, 900), QSize(2560, 1440)}) {
+        for (const int cpus : {2, 4, 8, 16, 128, 1024})
+            QTest::addRow("%d CPUs at %d x %d", cpus, size.width(), size.height()) << size << cpus;
+    }
+}
+
+void TestMainWindow::barsAndRingsFit()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, cpus);
+    Shown shown(size);
+    shown.showAll();
+    SystemMetrics sample = scriptedCurrent();
+    sample.chip->cpuCoreUtilizations.assign(static_cast<std::size_t>(cpus), 0.5);
+    shown.window.show(sample, {sample});
+    QVERIFY(QTest::qWaitForWindowActive(&shown.window));
+
+    const auto *bars = shown.part<CoreBars>();
+    const std::size_t count = barLoads(bars->shown()).size();
+    const QRectF strip = stripPlace(bars->shown(), bars->rect());
+    const std::vector<QRectF> places = evenRow(count, strip, bars->shown().spacing);
+    QVERIFY(count <= static_cast<std::size_t>(cpus));
+    QVERIFY(places.front().left() >= 0);
+    QVERIFY(qAbs(places.back().right() - bars->width()) < 0.01); // The content's right edge.
+    QVERIFY(places.front().width() >= 2);
+    QVERIFY(cpus >= 8 || places.front().width() <= 32);
+    QCOMPARE(bars->geometry().right() + 1, bars->parentWidget()->width() - 16);
+
+    int rings = 0;
+    for (const Card *card : shown.window.findChildren<Card *>()) {
+        for (QWidget *part : card->findChildren<QWidget *>()) {
+            if (part->focusPolicy() == Qt::NoFocus || !part->isVisible())
+                continue;
+            part->setFocus();
+            for (const auto *ring : card->findChildren<QFocusFrame *>()) {
+                if (!ring->isVisible())
+                    continue;
+                ++rings;
+                QVERIFY(card->rect().contains(ring->geometry()));
+            }
+        }
+    }
+    QCOMPARE(rings, 7); // Of five charts and two lists.
 }
 
 void TestMainWindow::showsEmptyRecords_data()
