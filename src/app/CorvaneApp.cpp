@@ -68,8 +68,8 @@ int printFigures(FiguresForm form)
     AppSettings settings;
     SystemSampler sampler(settings, {}, keepsNoHistory);
     const FiguresOutput output(sampler, form, ChipInfo::current().name, STDOUT_FILENO);
-    QObject::connect(&output, &FiguresOutput::finished, qApp, &QCoreApplication::quit,
-                     Qt::QueuedConnection);
+    QObject::connect(&output, &FiguresOutput::finished, QCoreApplication::instance(),
+                     &QCoreApplication::quit, Qt::QueuedConnection);
     return QCoreApplication::exec();
 }
 

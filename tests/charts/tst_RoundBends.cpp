@@ -77,7 +77,7 @@ void TestRoundBends::keepsWhatIsNearlyStraight_data()
     QTest::addColumn<QPolygonF>("line");
     QTest::newRow("no point") << QPolygonF();
     QTest::newRow("one point") << QPolygonF({{1, 1}});
-    QTest::newRow("two points") << QPolygonF({{1, 1}, {5, 9}});
+    QTest::newRow("two points") << QPolygonF(QList<QPointF>{{1, 1}, {5, 9}});
     QTest::newRow("a straight line") << QPolygonF({{0, 0}, {5, 5}, {10, 10}});
     QTest::newRow("a bend of 44 degrees") << QPolygonF({{0, 0}, {5, 0}, {10, 4.82}});
     QTest::newRow("a flat wave") << wave();
