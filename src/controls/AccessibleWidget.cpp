@@ -49,6 +49,8 @@ public:
         const AccessibleText text = shown();
         if (kind == QAccessible::Value)
             return text.value;
+        if (kind == QAccessible::Description)
+            return text.description;
         if (kind != QAccessible::Name)
             return {};
         // Screen readers read only the name of a static text, so it contains the value too.

@@ -11,9 +11,10 @@ namespace corvane {
 
 /// One text of a painted widget, as a screen reader and a test read it.
 struct AccessibleText {
-    QString name = {};  ///< What the value means; empty when the value needs no name.
-    QString value = {}; ///< The whole text, even where the widget shows it cut.
-    QRectF place = {};  ///< In the widget.
+    QString name = {};        ///< What the value means; empty when the value needs no name.
+    QString value = {};       ///< The whole text, even where the widget shows it cut.
+    QRectF place = {};        ///< In the widget.
+    QString description = {}; ///< What a tool tip says of it; may be empty.
 };
 
 /// A widget that paints what it shows itself and gives it to assistive technology: its texts as

@@ -26,7 +26,10 @@ struct MemoryCounters {
     std::uint64_t pageSize = 0; ///< 0: unknown, which makes every size from pages 0.
     std::optional<Pages> pages = {};
     std::optional<Swap> swap = {};
-    std::optional<std::int32_t> pressureLevel = {}; ///< 1 normal, 2 warning, 4 critical.
+    std::optional<std::int32_t> pressureLevel = {};   ///< 1 normal, 2 warning, 4 critical.
+    std::optional<std::uint64_t> availableBytes = {}; ///< Programs can take them without swapping.
+    std::optional<std::uint64_t> gpuLimitBytes = {};  ///< That a Mac's GPU may use; else the usual.
+    std::optional<std::uint64_t> gpuUsedBytes = {};   ///< That a Mac's GPU has in use.
 };
 
 /// The counters of this machine now, for one thread: that of `MemorySampler`. A statistic that

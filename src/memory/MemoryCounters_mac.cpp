@@ -1,5 +1,8 @@
 #include "memory/MemoryCounters.h"
 
+#include "platform/Plausible.h"
+#include "platform/RegistryEntry_mac.h"
+
 #include <mach/mach.h>
 #include <sys/sysctl.h>
 
@@ -74,6 +77,25 @@ std::optional<MemoryCounters::Swap> readSwap()
     return MemoryCounters::Swap{.total = usage->xsu_total, .used = usage->xsu_used};
 }
 
+/// What an administrator has set as the part of the memory that the GPU may use; 0 is the system's
+/// own choice.
+std::optional<std::uint64_t> gpuLimit()
+{
+    const auto mebibytes = systemControl<std::int32_t>("iogpu.wired_limit_mb");
+    if (!mebibytes || *mebibytes <= 0)
+        return std::nullopt;
+    return static_cast<std::uint64_t>(*mebibytes) << 20;
+}
+
+/// Driver buffers of all processes, which are part of the memory in use.
+std::optional<std::uint64_t> gpuUsed()
+{
+    const auto statistics =
+        RegistryEntry::ofClass("IOAccelerator").property("PerformanceStatistics");
+    const auto bytes = numberIn(statistics.get(), CFSTR("In use system memory"));
+    return bytes && *bytes <= largestByteCount ? bytes : std::nullopt;
+}
+
 } // namespace
 
 MemoryCounters readMemoryCounters()
@@ -82,7 +104,9 @@ MemoryCounters readMemoryCounters()
             .pageSize = pageSize(),
             .pages = readPages(),
             .swap = readSwap(),
-            .pressureLevel = systemControl<std::int32_t>("kern.memorystatus_vm_pressure_level")};
+            .pressureLevel = systemControl<std::int32_t>("kern.memorystatus_vm_pressure_level"),
+            .gpuLimitBytes = gpuLimit(),
+            .gpuUsedBytes = gpuUsed()};
 }
 
 } // namespace corvane

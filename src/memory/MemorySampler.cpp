@@ -67,6 +67,9 @@ MemorySnapshot MemorySampler::snapshot(const MemoryCounters &counters)
         memory.swapUsed = counters.swap->used;
     }
     memory.pressure = pressure(counters.pressureLevel);
+    memory.available = counters.availableBytes;
+    memory.gpuLimit = counters.gpuLimitBytes;
+    memory.gpuUsed = counters.gpuUsedBytes;
     return memory;
 }
 

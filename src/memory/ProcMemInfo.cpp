@@ -140,6 +140,8 @@ MemoryCounters memoryCounters(const ProcMemoryTexts &texts)
                          .used = remainder(*info.swapTotal, *info.swapFree) * kibibyte};
     }
     counters.pressureLevel = pressureLevel(texts, info);
+    if (info.available)
+        counters.availableBytes = *info.available * kibibyte;
     return counters;
 }
 

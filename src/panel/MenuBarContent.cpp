@@ -3,9 +3,11 @@
 #include "controls/ContextMenu.h"
 #include "controls/PanelButton.h"
 #include "panel/PanelHeader.h"
+#include "panel/PanelNote.h"
 #include "panel/PanelRow.h"
 #include "threads/MainThread.h"
 #include "ui/PixelGrid.h"
+#include "ui/RoomText.h"
 #include "ui/RoundedBox.h"
 #include "ui/Theme.h"
 #include "windows/PanelWindow.h"
@@ -78,6 +80,8 @@ void MenuBarContent::build()
     m_rowColumn = new QVBoxLayout;
     m_rowColumn->setSpacing(rowGap);
     column->addLayout(m_rowColumn);
+    m_room = new PanelNote(this);
+    m_rowColumn->addWidget(m_room);
     column->addWidget(new Divider(this));
 
     auto *openWindow = new PanelButton(u"Open Window"_s, u"macwindow"_s, this);
@@ -113,8 +117,8 @@ void MenuBarContent::show(const SystemMetrics &current)
     m_current = current;
     if (!isVisible())
         return;
+    const QSize before = size(); // A part that appears may widen the window at once.
     showNumbers();
-    const QSize before = size();
     adjustSize();
     if (size() != before && m_anchor)
         place();
@@ -124,6 +128,19 @@ void MenuBarContent::showNumbers()
 {
     m_header->show(powerText(m_current));
     showRows(metricRows(m_current));
+    showRoom();
+}
+
+void MenuBarContent::showRoom()
+{
+    const auto &room = m_current.room;
+    const bool hasNote = room && !m_current.isWhole; // A whole chip's memory row explains it.
+    if (m_room->isHidden() == hasNote) {
+        m_room->setVisible(hasNote);
+        m_rowColumn->invalidate(); // Qt would do it, but later.
+    }
+    if (hasNote)
+        m_room->show(roomText(*room), roomReckoning(*room));
 }
 
 void MenuBarContent::showRows(const std::vector<MetricRow> &rows)
@@ -134,7 +151,7 @@ void MenuBarContent::showRows(const std::vector<MetricRow> &rows)
     }
     while (m_rows.size() < rows.size()) {
         m_rows.push_back(new PanelRow(this));
-        m_rowColumn->addWidget(m_rows.back());
+        m_rowColumn->insertWidget(static_cast<int>(m_rows.size()) - 1, m_rows.back());
         m_rows.back()->setVisible(true); // An open panel's layout would do it, but later.
     }
     for (std::size_t row = 0; row < rows.size(); ++row)

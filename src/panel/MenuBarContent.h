@@ -16,12 +16,15 @@ class QMenu;
 namespace corvane {
 
 class PanelHeader;
+class PanelNote;
 class PanelRow;
 
 /// The panel that drops down from the label: name, chip and total power, a live row for each metric
-/// of this machine and two buttons. Its actions are in its context menu. The application owns it
-/// and passes it each new sample. Its content is created when it is first opened, and updated while
-/// it is open. It closes on a click elsewhere and on Escape. Main thread.
+/// of this machine, the room for a model where it is known (on a whole chip in the tool tip of the
+/// memory), and two buttons. Its actions are in its
+/// context menu. The application owns it and passes it each new sample. Its content is created when
+/// it is first opened, and updated while it is open. It closes on a click elsewhere and on Escape.
+/// Main thread.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 
@@ -57,6 +60,7 @@ private:
     void prepare();
     void build();
     void showNumbers();
+    void showRoom();
     void showRows(const std::vector<MetricRow> &rows);
     void place();
 
@@ -64,6 +68,7 @@ private:
     PanelHeader *m_header = nullptr; ///< Null until the panel is first opened, like the rows.
     QBoxLayout *m_rowColumn = nullptr;
     std::vector<PanelRow *> m_rows = {};
+    PanelNote *m_room = nullptr;         ///< Hidden while the room for a model is not known.
     std::optional<QPoint> m_anchor = {}; ///< Where it was opened last; absent before that.
     std::function<double()> m_clock;
     const QString m_chipName;

@@ -28,13 +28,14 @@ void PanelRow::show(const MetricRow &row)
         return;
     m_row = row;
     setFixedHeight(static_cast<int>((row.detail.isEmpty() ? valueLine : detailLine).bottom()));
+    setToolTip(plainToolTip(row.explanation));
     announceText(0);
     update();
 }
 
 std::vector<AccessibleText> PanelRow::accessibleTexts() const
 {
-    return {{.value = inOneLine(m_row), .place = rect()}};
+    return {{.value = inOneLine(m_row), .place = rect(), .description = m_row.explanation}};
 }
 
 void PanelRow::paintEvent(QPaintEvent *)

@@ -6,7 +6,8 @@
 namespace corvane {
 
 /// One metric of the panel: a dot in its colour, its title, its value and a detail below the value,
-/// without which it is one line high. The whole row is one accessible text.
+/// without which it is one line high. Its explanation is the tool tip. The whole row is one
+/// accessible text.
 class PanelRow : public AccessibleWidget {
     Q_OBJECT
 

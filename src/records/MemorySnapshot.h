@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace corvane {
 
@@ -21,6 +22,11 @@ struct MemorySnapshot {
     std::uint64_t swapTotal = 0;
     std::uint64_t swapUsed = 0;
     MemoryPressure pressure = MemoryPressure::normal;
+
+    // What tells how much a program may still take. Absent where the system does not say it.
+    std::optional<std::uint64_t> available = {}; ///< Without swapping; Linux.
+    std::optional<std::uint64_t> gpuLimit = {};  ///< Set for a Mac's GPU by an administrator.
+    std::optional<std::uint64_t> gpuUsed = {};   ///< In use by a Mac's GPU.
 };
 
 /// Used share of the total, 0…100; 0 when the total is 0.

@@ -3,6 +3,7 @@
 #include "ui/ByteFormatter.h"
 #include "ui/MachineText.h"
 #include "ui/NumberText.h"
+#include "ui/RoomText.h"
 #include "ui/Theme.h"
 
 #include <QStringList>
@@ -47,7 +48,9 @@ std::optional<double> knownFrequency(const MachineCoverage &coverage, double meg
 
 } // namespace
 
-MetricValues::MetricValues(const SystemMetrics &current) : memory(current.memory)
+MetricValues::MetricValues(const SystemMetrics &current)
+    : memory(current.memory),
+      room(modelRoom(current))
 {
     static const ChipReading none = {};
     const ChipReading &chip = current.chip ? *current.chip : none;
@@ -77,12 +80,14 @@ MetricValues::MetricValues(const SystemMetrics &current) : memory(current.memory
 std::vector<MetricRow> metricRows(const MetricValues &values)
 {
     const MemorySnapshot &memory = values.memory;
-    const MetricRow first{u"Memory"_s, Theme::memory,
-                          byteText(memory.used) + u" / "_s + byteText(memory.total),
-                          spacedPercentText(usedPercent(memory))};
+    MetricRow first{u"Memory"_s, Theme::memory,
+                    byteText(memory.used) + u" / "_s + byteText(memory.total),
+                    spacedPercentText(usedPercent(memory))};
     MetricRow last{u"Swap"_s, Theme::withOpacity(Theme::memory, 0.7), byteText(memory.swapUsed),
                    u"of "_s + byteText(memory.swapTotal)};
-    if (values.isWhole)
+    if (values.isWhole) {
+        if (values.room)
+            first.explanation = roomText(*values.room) + u'\n' + roomReckoning(*values.room);
         return {
             first,
             {u"GPU"_s, Theme::gpu, spacedPercentText(values.gpuPercent),
@@ -92,6 +97,7 @@ std::vector<MetricRow> metricRows(const MetricValues &values)
             {u"ANE"_s, Theme::ane, wattsText(values.aneWatts, 2), u"Neural Engine"_s},
             last,
         };
+    }
     if (memory.swapTotal == 0) {
         last.value = u"off"_s;
         last.detail.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/MachineTotals.h"
+#include "records/ModelRoom.h"
 
 #include <QColor>
 #include <QString>
@@ -19,6 +20,8 @@ struct MetricValues {
     MemorySnapshot memory = {};
     std::optional<double> cpuPercent = {};
     std::optional<double> cpuWatts = {};
+
+    std::optional<ModelRoom> room = {}; ///< Absent where the machine does not tell it.
 
     bool isWhole = true; ///< As in `MachineCoverage`.
 
@@ -45,7 +48,8 @@ struct MetricRow {
     QString title = {};
     QColor color = {};
     QString value = {};
-    QString detail = {}; ///< May be empty.
+    QString detail = {};      ///< May be empty.
+    QString explanation = {}; ///< For a tool tip, several lines; may be empty.
 
     friend bool operator==(const MetricRow &, const MetricRow &) = default;
 };

@@ -241,4 +241,12 @@ QString singleLine(const QString &text)
                              characters.size());
 }
 
+QString plainToolTip(const QString &text)
+{
+    using namespace Qt::StringLiterals;
+    if (text.isEmpty())
+        return {};
+    return u"<p style=\"white-space:pre-wrap\">%1</p>"_s.arg(text.toHtmlEscaped());
+}
+
 } // namespace corvane

@@ -44,4 +44,8 @@ QString elided(const QString &text, const QFont &font, double width);
 /// kept.
 QString singleLine(const QString &text);
 
+/// The text of a tool tip whose lines are shown as they are, with no markup in them; long ones are
+/// wrapped.
+QString plainToolTip(const QString &text);
+
 } // namespace corvane

@@ -73,6 +73,7 @@ MemorySnapshot snapshot(const Memory &memory, int index)
     result.compressed = gibibytes(memory.compressed);
     result.cached = gibibytes(memory.cached);
     result.free = gibibytes(std::max(memory.total - memory.used - memory.cached, 0.0));
+    result.available = gibibytes(std::max(memory.total - memory.used, 0.0));
     result.swapUsed = gibibytes(memory.swapUsed);
     result.swapTotal = gibibytes(memory.swapTotal);
     result.pressure = memory.pressure;

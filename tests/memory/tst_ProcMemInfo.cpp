@@ -77,6 +77,7 @@ void TestProcMemInfo::readsEveryCount()
     QCOMPARE(counters.swap->total, std::uint64_t(9000 * 1024));
     QCOMPARE(counters.swap->used, std::uint64_t(7000 * 1024));
     QCOMPARE(counters.pressureLevel, Level(1));
+    QCOMPARE(counters.availableBytes, std::optional<std::uint64_t>(50'000 * 1024));
 }
 
 void TestProcMemInfo::compressedDisksCountAsCompressor()

@@ -3,7 +3,9 @@
 #include "chip/ChipIdentity.h"
 #include "controls/PanelButton.h"
 #include "gallery/ScriptedMachines.h"
+#include "gallery/ScriptedSamples.h"
 #include "panel/PanelHeader.h"
+#include "panel/PanelNote.h"
 #include "panel/PanelRow.h"
 #include "support/Rendering.h"
 #include "ui/Theme.h"
@@ -65,6 +67,8 @@ private slots:
     void aLongChipNameEndsBeforeThePartsOfThePower();
     void rowsComeAndGoWhileItIsOpen();
     void staysAtItsBarWhenItGrows();
+    void saysWhichRoomThereIsForAModel();
+    void aWholeChipExplainsTheRoomInTheRowOfMemory();
     void isCreatedWhenFirstOpened();
     void updatesWhileOpen();
     void equalNumbersCauseNoRepaint();
@@ -221,14 +225,15 @@ void TestMenuBarContent::isAsHighAsTheMachinesRows_data()
         return current;
     };
     QTest::newRow("a whole chip") << busySample() << 5 << 296;
-    QTest::newRow("one graphics card") << oneCardMinute().current() << 5 << 296;
-    QTest::newRow("six rows") << apuMinute().current() << 6 << 332;
-    QTest::newRow("four cards, no swap") << fourCardsMinute().current() << 5 << 283;
-    QTest::newRow("four cards and swap") << withSwap(fourCardsMinute()) << 5 << 296;
+    // The line with the room for a model takes 21; a card that sleeps does not tell its room.
+    QTest::newRow("one graphics card") << oneCardMinute().current() << 5 << 317;
+    QTest::newRow("six rows") << apuMinute().current() << 6 << 353;
+    QTest::newRow("four cards, no swap") << fourCardsMinute().current() << 5 << 304;
+    QTest::newRow("four cards and swap") << withSwap(fourCardsMinute()) << 5 << 317;
     QTest::newRow("a card asleep") << sleepingCardMinute().current() << 5 << 296;
-    QTest::newRow("an integrated GPU") << integratedOnlyMinute().current() << 4 << 260;
-    QTest::newRow("a virtual machine") << virtualMachineMinute().current() << 3 << 211;
-    QTest::newRow("a virtual machine with swap") << withSwap(virtualMachineMinute()) << 3 << 224;
+    QTest::newRow("an integrated GPU") << integratedOnlyMinute().current() << 4 << 281;
+    QTest::newRow("a virtual machine") << virtualMachineMinute().current() << 3 << 232;
+    QTest::newRow("a virtual machine with swap") << withSwap(virtualMachineMinute()) << 3 << 245;
 }
 
 void TestMenuBarContent::isAsHighAsTheMachinesRows()
@@ -289,12 +294,12 @@ void TestMenuBarContent::rowsComeAndGoWhileItIsOpen()
     MenuBarContent panel;
     panel.show(virtualMachineMinute().current());
     panel.toggleAt({400, 10});
-    QCOMPARE(panel.height(), 211);
+    QCOMPARE(panel.height(), 232);
     panel.show(apuMinute().current());
-    QCOMPARE(panel.height(), 332);
+    QCOMPARE(panel.height(), 353);
     QCOMPARE(textsOfRows(panel).at(4), u"NPU: 17 %, 1.35 W"_s);
     panel.show(virtualMachineMinute().current());
-    QCOMPARE(panel.height(), 211);
+    QCOMPARE(panel.height(), 232);
     QCOMPARE(textsOfRows(panel).size(), 3);
     QCOMPARE(panel.pos(), QPoint(260, 14));
 }
@@ -308,8 +313,49 @@ void TestMenuBarContent::staysAtItsBarWhenItGrows()
     panel.toggleAt({400, screen.bottom() - 10});
     const int bottom = panel.geometry().bottom();
     panel.show(oneCardMinute().current());
-    QCOMPARE(panel.height(), 296);
+    QCOMPARE(panel.height(), 317);
     QCOMPARE(panel.geometry().bottom(), bottom);
+}
+
+void TestMenuBarContent::saysWhichRoomThereIsForAModel()
+{
+    MenuBarContent panel;
+    panel.show(oneCardMinute().current());
+    panel.toggleAt({400, 10});
+    const auto note = [&panel] { return panel.findChild<PanelNote *>(); };
+    QCOMPARE(note()->accessibleTexts().front().value,
+             u"Room for a model of about 1.3 GB on GPU 0"_s);
+    QCOMPARE(note()->y() + note()->height(), panel.height() - 12 - 28 - 21);
+    QVERIFY(note()->toolTip().contains(u"GPU 0 has 21.59 GB of 23.99 GB in use"_s));
+    QCOMPARE(note()->accessibleDescription().count(u'\n'), 2);
+    panel.show(sleepingCardMinute().current());
+    QVERIFY(!note()->isVisible());
+    QCOMPARE(panel.height(), 296);
+    SystemMetrics pressed = virtualMachineMinute().current();
+    pressed.memory.available = pressed.memory.total / 2;
+    pressed.memory.pressure = MemoryPressure::warning;
+    panel.show(pressed);
+    QCOMPARE(note()->accessibleTexts().front().value, u"Memory is under pressure"_s);
+    QCOMPARE(panel.height(), 211 + 21);
+}
+
+void TestMenuBarContent::aWholeChipExplainsTheRoomInTheRowOfMemory()
+{
+    SystemMetrics current = busySample();
+    MenuBarContent panel;
+    panel.show(current);
+    panel.toggleAt({400, 10});
+    const auto *row = panel.findChildren<PanelRow *>().first();
+    QCOMPARE(row->toolTip(), QString());
+    const QImage without = rendered(panel, 2);
+    current.memory.gpuUsed = gibibytes(24);
+    panel.show(current);
+    const QString explanation = row->accessibleTexts().front().description;
+    QVERIFY(explanation.startsWith(u"Room for a model of about "_s));
+    QVERIFY(explanation.contains(u"\nThe GPU has 24 GB of "_s));
+    QVERIFY(row->toolTip().contains(u"Room for a model of about "_s));
+    QVERIFY(!panel.findChild<PanelNote *>()->isVisible());
+    QCOMPARE(rendered(panel, 2), without);
 }
 
 /// A panel that is never opened creates nothing, and a closed one is not updated.

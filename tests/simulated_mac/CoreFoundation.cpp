@@ -101,6 +101,24 @@ const UInt8 *CFDataGetBytePtr(CFDataRef data)
     return faults().ask(Call::CFDataGetBytePtr) ? nullptr : bytes.data();
 }
 
+CFTypeID CFNumberGetTypeID()
+{
+    return numberType;
+}
+
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void *value)
+{
+    if (type != kCFNumberSInt64Type)
+        throw Misuse("a number type that the simulation does not know");
+    const auto fault = faults().ask(Call::CFNumberGetValue);
+    if (fault == Way::error)
+        return false;
+    const std::int64_t whole =
+        fault ? std::int64_t(faults().garbage()) << 31 : objectAs<Number>(number).value;
+    std::memcpy(value, &whole, sizeof whole);
+    return true;
+}
+
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value)
 {
     if (faults().ask(Call::CFNumberCreate))
@@ -116,6 +134,18 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value)
     return referenceTo<CFNumberRef>(new Number(number));
 }
 
+CFTypeID CFDictionaryGetTypeID()
+{
+    return dictionaryType;
+}
+
+const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key)
+{
+    const auto &values = objectAs<Dictionary>(dictionary).values;
+    const auto found = values.find(objectAs<String>(key).text);
+    return found == values.end() ? nullptr : found->second;
+}
+
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void **keys, const void **values,
                                    CFIndex count, const CFDictionaryKeyCallBacks *keyCallBacks,
                                    const CFDictionaryValueCallBacks *valueCallBacks)
@@ -129,6 +159,11 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void **keys, const void
     if (faults().ask(Call::CFDictionaryCreate))
         return nullptr;
     return referenceTo<CFDictionaryRef>(new Dictionary(std::move(entries)));
+}
+
+CFTypeID CFArrayGetTypeID()
+{
+    return arrayType;
 }
 
 CFIndex CFArrayGetCount(CFArrayRef array)

@@ -29,6 +29,17 @@ struct Channel {
     double publishedEvery = 0;
 };
 
+/// The GPU's entry in the device registry, with one entry below it for each client.
+struct Graphics {
+    struct Client {
+        std::optional<std::string> creator;   ///< "pid 123, name"
+        std::vector<std::int64_t> times = {}; ///< Nanoseconds, one for each of its queues.
+        std::string className = "AGXDeviceUserClient";
+    };
+    std::optional<std::int64_t> memoryUsed = {}; ///< Bytes.
+    std::vector<Client> clients = {};
+};
+
 struct Sensor {
     std::optional<std::string> product;
     std::optional<double> celsius; ///< Absent: the sensor has no event.
@@ -97,7 +108,9 @@ struct Machine {
 
     bool hasPowerManager = true; ///< A virtual machine has none.
     std::map<std::string, std::vector<std::uint8_t>> tables =
-        {}; ///< Properties of the power manager.
+        {};                                ///< Properties of the power manager.
+    std::optional<Graphics> graphics = {}; ///< Absent: the registry does not tell of the GPU.
+    std::optional<std::int32_t> gpuLimitMebibytes = {}; ///< Set by an administrator; 0: unset.
     std::vector<Sensor> sensors = {};
     std::vector<Process> processes = {};
 };

@@ -28,6 +28,8 @@ std::optional<Bytes> controlNamed(std::string_view name)
         return bytesOf(machine.memoryBytes);
     if (name == "kern.memorystatus_vm_pressure_level")
         return bytesOf(machine.pressureLevel);
+    if (name == "iogpu.wired_limit_mb" && machine.gpuLimitMebibytes)
+        return bytesOf(*machine.gpuLimitMebibytes);
     if (name == "machdep.cpu.brand_string") // With its closing NUL.
         return Bytes(machine.brand.c_str(), machine.brand.c_str() + machine.brand.size() + 1);
     if (name != "vm.swapusage")

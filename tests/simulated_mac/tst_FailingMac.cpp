@@ -52,6 +52,7 @@ private:
 void TestFailingMac::init()
 {
     mac().boot(ultraM2());
+    mac().machine.graphics = Graphics{.memoryUsed = 1 << 30};
     // The rights to the host port that are kept for the life of the process.
     MemorySampler::sample();
     CPUCoreSampler(readCoreTicks).sample();

@@ -15,6 +15,9 @@ private slots:
     void readsEveryRevision();
     void addsUp();
     void readsPressure();
+    void readsWhatTheGPUHas();
+    void hasNothingOfAGPUThatDoesNotTell_data();
+    void hasNothingOfAGPUThatDoesNotTell();
     void hasNoPagesWhenTheKernelRefuses_data();
     void hasNoPagesWhenTheKernelRefuses();
     void hasNoValueOfAControlThatFails_data();
@@ -65,6 +68,59 @@ void TestMemoryCountersOnMac::readsPressure()
 {
     mac().machine.pressureLevel = 4;
     QCOMPARE(readMemoryCounters().pressureLevel, std::optional<std::int32_t>(4));
+}
+
+void TestMemoryCountersOnMac::readsWhatTheGPUHas()
+{
+    QVERIFY(!readMemoryCounters().gpuUsedBytes);
+    QVERIFY(!readMemoryCounters().gpuLimitBytes);
+    mac().machine.graphics = Graphics{.memoryUsed = 3'221'225'472};
+    mac().machine.gpuLimitMebibytes = 0; // Unset.
+    const Accounts before = accounts();
+    QCOMPARE(readMemoryCounters().gpuUsedBytes, std::optional<std::uint64_t>(3'221'225'472));
+    QVERIFY(!readMemoryCounters().gpuLimitBytes);
+    mac().machine.gpuLimitMebibytes = 12'288;
+    const MemorySnapshot memory = MemorySampler::snapshot(readMemoryCounters());
+    QCOMPARE(memory.gpuUsed, std::optional<std::uint64_t>(3'221'225'472));
+    QCOMPARE(memory.gpuLimit, std::optional<std::uint64_t>(12'884'901'888));
+    QVERIFY(!memory.available);
+    QVERIFY(accounts() == before);
+}
+
+void TestMemoryCountersOnMac::hasNothingOfAGPUThatDoesNotTell_data()
+{
+    QTest::addColumn<std::int64_t>("used");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("way");
+    const auto row = [](const char *name, std::int64_t used, Call call = Call::dlopen,
+                        Way way = Way::null) {
+        QTest::newRow(name) << used << static_cast<int>(call) << static_cast<int>(way);
+    };
+    row("a negative number", -1);
+    row("more than any machine has", std::int64_t(1) << 51);
+    row("no matching dictionary", 1, Call::IOServiceMatching);
+    row("no accelerator", 1, Call::IOServiceGetMatchingService);
+    row("no key", 1, Call::CFStringCreateWithCString);
+    row("no statistics", 1, Call::IORegistryEntryCreateCFProperty);
+    row("a text for statistics", 1, Call::IORegistryEntryCreateCFProperty, Way::wrongType);
+    row("bytes for statistics", 1, Call::IORegistryEntryCreateCFProperty, Way::garbage);
+    row("a number that cannot be read", 1, Call::CFNumberGetValue, Way::error);
+}
+
+void TestMemoryCountersOnMac::hasNothingOfAGPUThatDoesNotTell()
+{
+    QFETCH(std::int64_t, used);
+    QFETCH(int, call);
+    QFETCH(int, way);
+    mac().machine.graphics = Graphics{.memoryUsed = used};
+    mac().machine.gpuLimitMebibytes = -1;
+    const Accounts before = accounts();
+    faults().failAlways(static_cast<Call>(call), static_cast<Way>(way));
+    const MemoryCounters counters = readMemoryCounters();
+    QVERIFY(!counters.gpuUsedBytes);
+    QVERIFY(!counters.gpuLimitBytes);
+    QVERIFY(counters.totalBytes);
+    QVERIFY(accounts() == before);
 }
 
 void TestMemoryCountersOnMac::hasNoPagesWhenTheKernelRefuses_data()

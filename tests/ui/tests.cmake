@@ -1,6 +1,7 @@
 corvane_test(ui/tst_MetricText)
 corvane_test(ui/tst_MachineText LINK corvane_scripted_samples)
 corvane_test(ui/tst_ByteFormatter)
+corvane_test(ui/tst_RoomText)
 corvane_test(ui/tst_RoundedBox)
 corvane_test(ui/tst_NumberText)
 corvane_test(ui/tst_Theme)

@@ -55,12 +55,17 @@ CFTypeID CFDataGetTypeID(void);
 CFIndex CFDataGetLength(CFDataRef data);
 const UInt8 *CFDataGetBytePtr(CFDataRef data);
 
+CFTypeID CFNumberGetTypeID(void);
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void *value);
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void *value);
 
+CFTypeID CFDictionaryGetTypeID(void);
+const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key);
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void **keys, const void **values,
                                    CFIndex count, const CFDictionaryKeyCallBacks *keyCallBacks,
                                    const CFDictionaryValueCallBacks *valueCallBacks);
 
+CFTypeID CFArrayGetTypeID(void);
 CFIndex CFArrayGetCount(CFArrayRef array);
 const void *CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
