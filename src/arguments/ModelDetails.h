@@ -28,6 +28,9 @@ struct ModelDetails {
     /// Weights in files that the process has mapped: not part of its footprint. Absent where the
     /// system does not tell.
     std::optional<std::uint64_t> mappedBytes = {};
+    /// Seconds for which the loaded model is known to have left the GPU unused. Absent where that
+    /// is not known, and while it uses the GPU.
+    std::optional<std::int64_t> idleSeconds = {};
 
     friend bool operator==(const ModelDetails &, const ModelDetails &) = default;
 };

@@ -10,6 +10,7 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -93,7 +94,7 @@ void Card::setNotes(const QStringList &notes)
     const QString text = notes.join(u'\n');
     if (text == accessibleDescription())
         return;
-    setToolTip(text.toHtmlEscaped());
+    setToolTip(plainToolTip(text));
     setAccessibleDescription(text);
 }
 
@@ -252,6 +253,24 @@ double Card::contentRight() const
 }
 
 void Card::paintShapes(QPainter &, const QRectF &) { }
+
+/// A text with an explanation of its own shows that instead of the card's notes.
+bool Card::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return AccessibleWidget::event(event);
+    const auto *help = static_cast<QHelpEvent *>(event);
+    const QPointF origin = contentArea(*this).topLeft();
+    const auto text = std::ranges::find_if(m_texts, [&](const CardText &each) {
+        return each.isAccessible() && !each.explanation.isEmpty()
+            && each.bounds().contains(help->pos() - origin);
+    });
+    if (text == m_texts.end())
+        return AccessibleWidget::event(event);
+    QToolTip::showText(help->globalPos(), plainToolTip(text->explanation), this,
+                       text->bounds().translated(origin).toAlignedRect());
+    return true;
+}
 
 void Card::paintEvent(QPaintEvent *event)
 {

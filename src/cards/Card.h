@@ -103,6 +103,7 @@ protected:
     /// Paints what is not a text, below the texts. Only what intersects `dirty` needs painting.
     virtual void paintShapes(QPainter &painter, const QRectF &dirty);
 
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void moveEvent(QMoveEvent *event) override;

@@ -77,7 +77,7 @@ void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetr
     if (std::ssize(history) > maxChartPoints)
         reduced = chartDownsampled(history, maxChartPoints);
     const std::vector<SystemMetrics> &shown = reduced.empty() ? history : reduced;
-    showMachine(coverageOf(current));
+    showMachine(current);
     m_header->show(current);
     for (const DashboardRow &row : m_grid) {
         for (const DashboardRow::Cell &cell : row.cells)
@@ -110,20 +110,17 @@ void MainWindow::showCard(DashboardCard which, const SystemMetrics &current,
     }
 }
 
-/// What the lists need to know of the machine.
-void MainWindow::showMachine(const MachineCoverage &machine)
+/// What the lists need to know of machine and sample.
+void MainWindow::showMachine(const SystemMetrics &current)
 {
-    const std::vector<GPUCoverage> gpus =
-        machine.isWhole ? std::vector<GPUCoverage>() : gpusWithMemory(machine);
-    std::uint64_t total = 0;
-    for (const GPUCoverage &gpu : gpus)
-        total += gpu.memoryTotal.value_or(0);
-    const bool isVRAM = !gpus.empty() && hasVRAM(machine);
-    static_cast<AIWorkloadsCard *>(card(DashboardCard::workloads))
-        ->setGPUMemory(gpus.empty() ? QString()
-                           : isVRAM ? u"VRAM"_s
-                                    : u"GPU memory"_s,
-                       total);
+    const MachineCoverage &machine = coverageOf(current);
+    auto *workloads = static_cast<AIWorkloadsCard *>(card(DashboardCard::workloads));
+    workloads->setMachine(machine);
+    workloads->setRoom(modelRoom(current));
+    // With every sample it would move while a model is loaded: the holders lag behind.
+    if (std::exchange(m_holdersAreNew, false))
+        workloads->setOtherGPUMemory(unattributedMemory(current, m_holders).value_or(0));
+    const bool isVRAM = !machine.isWhole && hasVRAM(machine);
     static_cast<ProcessCard *>(card(DashboardCard::processes))
         ->setGPUMemoryLabel(isVRAM ? u"VRAM"_s : QString());
 }
@@ -149,6 +146,7 @@ void MainWindow::showWorkloads(const std::vector<AIWorkload> &workloads,
         return;
     static_cast<AIWorkloadsCard *>(card(DashboardCard::workloads))->show(workloads);
     m_holders = holders;
+    m_holdersAreNew = true;
     if (const auto found = m_cards.find(DashboardCard::gpuMemory); found != m_cards.end())
         static_cast<GPUMemoryCard *>(found->second)->setHolders(holders);
 }

@@ -82,14 +82,15 @@ private:
     void showCard(DashboardCard which, const SystemMetrics &current,
                   const std::vector<SystemMetrics> &history);
     void recomputeScales(const std::vector<SystemMetrics> &history);
-    void showMachine(const MachineCoverage &machine);
+    void showMachine(const SystemMetrics &current);
 
     ChipInfo m_chip;
     DashboardHeader *m_header;
     DashboardGrid m_grid;
     std::map<DashboardCard, Card *> m_cards; ///< All that were needed so far.
     std::vector<GPUHolders> m_holders;
-    QWidget *m_notice = nullptr; ///< Below the cards; null without one.
+    bool m_holdersAreNew = false; ///< They came after the newest sample.
+    QWidget *m_notice = nullptr;  ///< Below the cards; null without one.
     int m_noticeHeight = 0;
     double m_scale = 1; ///< Of the screen, when the cards were placed.
     std::uint64_t m_totalMemory = 0;

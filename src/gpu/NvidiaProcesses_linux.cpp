@@ -97,6 +97,8 @@ std::optional<std::vector<GPUProcessUse>> NvidiaProcesses::read(NvidiaFunctions 
         const auto load = m_loads.find(static_cast<std::uint32_t>(process.pid));
         if (load != m_loads.end())
             process.busyFraction = load->second.fraction;
+        else
+            process.isUnused = m_tellsSince && now - *m_tellsSince > secondsKept;
     }
     return processes;
 }
@@ -125,6 +127,10 @@ void NvidiaProcesses::readLoads(NvidiaFunctions &functions, NvidiaDevice device,
         for (const auto &sample : newer.value_or(std::vector<nvidia::NewProcessSample>()))
             addLoad(sample.pid, sample.multiprocessorPercent, sample.microseconds, now);
     }
+    if (result != nvidia::success && result != nvidia::notFound)
+        m_tellsSince.reset();
+    else if (!m_tellsSince)
+        m_tellsSince = now;
     std::erase_if(m_loads,
                   [now](const auto &entry) { return now - entry.second.seconds > secondsKept; });
 }

@@ -29,7 +29,8 @@ private:
     void addLoad(std::uint32_t pid, std::uint32_t percent, std::uint64_t microseconds, double now);
 
     std::map<std::uint32_t, Load> m_loads = {};
-    std::uint64_t m_lastSample = 0; ///< In microseconds, by the library's clock.
+    std::optional<double> m_tellsSince = {}; ///< Absent while loads of processes are not told.
+    std::uint64_t m_lastSample = 0;          ///< In microseconds, by the library's clock.
 };
 
 } // namespace corvane

@@ -165,7 +165,8 @@ std::vector<GPUUse> GPUClients::told()
     }
     if (!addresses.empty()) {
         for (const KfdUse &use : system.kfd.read(addresses, system.clock()))
-            uses.push_back({system.open[use.address].device, {.pid = use.pid, .bytes = use.bytes}});
+            uses.push_back({system.open[use.address].device,
+                            {.pid = use.pid, .bytes = use.bytes, .hidesLoad = true}});
     }
     return mergedUses(std::move(uses));
 }

@@ -1,8 +1,18 @@
 #include "gpuclients/GPUShares.h"
 
 #include <algorithm>
+#include <set>
 
 namespace corvane {
+
+namespace {
+
+std::optional<double> knownLoad(const GPUProcessUse &use)
+{
+    return use.isUnused ? use.busyFraction.value_or(0) : use.busyFraction;
+}
+
+} // namespace
 
 GPUShares::GPUShares(const std::vector<GPUUse> &uses)
 {
@@ -14,6 +24,7 @@ GPUShare GPUShares::of(const std::vector<std::int32_t> &pids) const
 {
     GPUShare share;
     std::map<std::string, double> fractions; // By device.
+    std::set<std::string> hidden;            // Devices of which the load is more than is told.
     for (const std::int32_t pid : pids) {
         const auto found = m_byPid.find(pid);
         if (found == m_byPid.end())
@@ -21,10 +32,13 @@ GPUShare GPUShares::of(const std::vector<std::int32_t> &pids) const
         for (const GPUUse &use : found->second) {
             if (use.use.bytes)
                 share.bytes = share.bytes.value_or(0) + *use.use.bytes;
-            if (use.use.busyFraction)
-                fractions[use.device] += *use.use.busyFraction;
+            if (use.use.hidesLoad)
+                hidden.insert(use.device);
+            if (const auto fraction = knownLoad(use.use))
+                fractions[use.device] += *fraction;
         }
     }
+    std::erase_if(fractions, [&hidden](const auto &each) { return hidden.contains(each.first); });
     double sum = 0;
     for (const auto &[device, fraction] : fractions)
         sum += std::min(fraction, 1.0);
@@ -58,6 +72,7 @@ std::vector<GPUHolders> gpuHolders(const std::vector<GPUUse> &uses,
             holder = holders.insert(holders.end(), {.device = device});
             largest.push_back(0);
         }
+        holder->knownBytes += *use.use.bytes;
         if (ai.contains(use.use.pid))
             holder->aiBytes += *use.use.bytes;
         if (*use.use.bytes > holder->largestBytes) {

@@ -19,6 +19,8 @@ std::vector<GPUUse> mergedUses(std::vector<GPUUse> uses)
         GPUProcessUse &known = merged.back().use;
         known.bytes = std::max(known.bytes, use.use.bytes);
         known.busyFraction = std::max(known.busyFraction, use.use.busyFraction);
+        known.isUnused = known.isUnused || use.use.isUnused;
+        known.hidesLoad = known.hidesLoad || use.use.hidesLoad;
     }
     return merged;
 }

@@ -4,6 +4,7 @@
 #include "ui/ContentArea.h"
 #include "ui/FocusRing.h"
 #include "ui/RoundedBox.h"
+#include "ui/TextLayout.h"
 #include "ui/Theme.h"
 
 #include <QClipboard>
@@ -12,6 +13,7 @@
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -178,16 +180,37 @@ void RowList::wheelEvent(QWheelEvent *event)
     event->accept();
 }
 
+std::optional<int> RowList::rowAt(const QPointF &place) const
+{
+    for (int row = 0; row < m_geometry.count; ++row) {
+        if (rect().contains(place.toPoint()) && rowRect(row).contains(place))
+            return row;
+    }
+    return std::nullopt;
+}
+
 QString RowList::copiedText(const QPointF &place) const
 {
-    QStringList all;
-    for (int row = 0; row < m_geometry.count; ++row) {
+    const auto textOf = [this](int row) {
         const AccessibleText text = m_rows.accessibleRow(row);
-        all.append(text.name + u": "_s + text.value);
-        if (rect().contains(place.toPoint()) && rowRect(row).contains(place))
-            return all.last();
-    }
+        return text.name + u": "_s + text.value;
+    };
+    if (const auto row = rowAt(place))
+        return textOf(*row);
+    QStringList all;
+    for (int row = 0; row < m_geometry.count; ++row)
+        all.append(textOf(row));
     return all.join(u'\n');
+}
+
+/// What a tool tip says may come from other programs: it is no markup.
+void RowList::showToolTip(const QHelpEvent &help)
+{
+    const auto row = rowAt(help.pos());
+    const QString text = row ? m_rows.accessibleRow(*row).description : QString();
+    if (text.isEmpty())
+        return QToolTip::hideText();
+    QToolTip::showText(help.globalPos(), plainToolTip(text), this, rowRect(*row).toAlignedRect());
 }
 
 void RowList::contextMenuEvent(QContextMenuEvent *event)
@@ -202,6 +225,10 @@ bool RowList::event(QEvent *event)
     if (event->type() == QEvent::ShortcutOverride
         && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy))
         event->accept();
+    if (event->type() == QEvent::ToolTip) {
+        showToolTip(*static_cast<QHelpEvent *>(event));
+        return true;
+    }
     return AccessibleWidget::event(event);
 }
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+class QHelpEvent;
 class QPainter;
 
 namespace corvane {
@@ -39,6 +40,7 @@ public:
         int margin = 0; ///< Left and right of the rows, for the thumb and the focus ring.
         /// Paints a row into a rectangle, to which the painter is clipped.
         std::function<void(QPainter &, int row, const QRectF &)> paint = {};
+        /// Its description is the tool tip of the row.
         std::function<AccessibleText(int row)> accessibleRow = {};
     };
 
@@ -69,6 +71,8 @@ protected:
 
 private:
     QRectF rowRect(int row) const;
+    std::optional<int> rowAt(const QPointF &place) const; ///< Absent between and below the rows.
+    void showToolTip(const QHelpEvent &help);
     QString copiedText(const QPointF &place) const; ///< Of the row there; of all if there is none.
     QRectF thumbRect() const;
     void paintRows(QPainter &painter, const QRectF &part) const;

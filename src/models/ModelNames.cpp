@@ -1,5 +1,6 @@
 #include "models/ModelNames.h"
 
+#include "models/IdleTimes.h"
 #include "processes/Surveyor.h"
 
 #include <algorithm>
@@ -110,10 +111,11 @@ SurveySource namedSurveys(const std::shared_ptr<GPUHandOver> &gpus)
 {
     SurveySource surveys = systemSurveys(gpus);
     // Shared with surveys that still run when the program ends.
-    surveys.take = [take = std::move(surveys.take),
-                    names = std::make_shared<ModelNames>()](const RankingReport &report) {
+    surveys.take = [take = std::move(surveys.take), names = std::make_shared<ModelNames>(),
+                    idle = std::make_shared<IdleTimes>()](const RankingReport &report) {
         Survey survey = take(report);
         names->name(survey.workloads);
+        idle->add(survey.workloads);
         return survey;
     };
     return surveys;

@@ -218,7 +218,8 @@ ScriptedMachine oneCardMinute()
                                    u"Qwen2.5-32B-Instruct-Q4_K_M.gguf"_s, 1.24, 19.42),
                           workload(50977, u"whisper-server"_s, AIFramework::whisperCpp,
                                    u"ggml-large-v3-turbo-q5_0.bin"_s, 296.4 / 1024, 1.02)},
-            .holders = {{pci(0), gibibytes(20.44), u"llama-server"_s, gibibytes(19.42)}}};
+            .holders = {
+                {pci(0), gibibytes(20.44), u"llama-server"_s, gibibytes(19.42), gibibytes(21.4)}}};
 }
 
 ScriptedMachine apuMinute()
@@ -289,7 +290,8 @@ ScriptedMachine apuMinute()
                                     {"dbus-daemon", 5.2}}),
             .workloads = {workload(21406, u"llama-server"_s, AIFramework::llamaCpp,
                                    u"Qwen3-14B-Q4_K_M.gguf"_s, 742.6 / 1024, 9.84)},
-            .holders = {{u"0000:c4:00.0"_s, gibibytes(9.84), u"llama-server"_s, gibibytes(9.84)}}};
+            .holders = {{u"0000:c4:00.0"_s, gibibytes(9.84), u"llama-server"_s, gibibytes(9.84),
+                         gibibytes(10.9)}}};
 }
 
 namespace {
@@ -331,7 +333,7 @@ std::vector<GPUHolders> holdersOf(const std::vector<CardNow> &cards)
     std::vector<GPUHolders> holders;
     for (std::size_t i = 0; i < cards.size(); ++i)
         holders.push_back({pci(static_cast<int>(i)), gibibytes(cards[i].ai), u"python3"_s,
-                           gibibytes(cards[i].ai)});
+                           gibibytes(cards[i].ai), gibibytes(cards[i].memory)});
     return holders;
 }
 

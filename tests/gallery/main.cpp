@@ -17,6 +17,7 @@
 #include "figures/MetricsFile.h"
 #include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
+#include "gallery/ScriptedWorkloads.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
 #include "login/LaunchAtLoginManager.h"
@@ -256,6 +257,30 @@ bool cards(const Gallery &gallery)
         && good;
 }
 
+/// The workload card of a machine with that many workloads.
+bool saveWorkloads(const Gallery &gallery, const QString &name, const ScriptedMachine &machine)
+{
+    return saveCard(gallery, name, {617, 304}, [&machine](QWidget *parent) {
+        auto *card = new AIWorkloadsCard(parent);
+        card->setMachine(machine.coverage());
+        card->show(machine.workloads);
+        card->setRoom(modelRoom(machine.current()));
+        card->setOtherGPUMemory(unattributedMemory(machine.current(), machine.holders).value_or(0));
+        return card;
+    });
+}
+
+bool workloadCards(const Gallery &gallery)
+{
+    bool good = true;
+    for (const int count : {1, 3, 12}) {
+        good &= saveWorkloads(gallery, u"workloads-mac-%1"_s.arg(count), busyMac(count));
+        good &= saveWorkloads(gallery, u"workloads-card-%1"_s.arg(count), busyCard(count));
+        good &= saveWorkloads(gallery, u"workloads-apu-%1"_s.arg(count), busyAPU(count));
+    }
+    return good;
+}
+
 bool settings(const Gallery &gallery)
 {
     ScriptedLoginItem enabled{.isEnabled = true};
@@ -400,6 +425,7 @@ int renderAll(const QDir &folder, const QString &scale)
     good &= memoryPressure(gallery);
     good &= infoPopover(gallery);
     good &= cards(gallery);
+    good &= workloadCards(gallery);
     good &= settings(gallery);
     good &= about(gallery);
     good &= panels(gallery);

@@ -29,6 +29,8 @@ public:
                 text += u" %1 bytes"_s.arg(*process.bytes);
             if (process.busyFraction)
                 text += u" %1 %"_s.arg(*process.busyFraction * 100);
+            if (process.isUnused)
+                text += u" unused"_s;
             texts << text;
         }
         return texts;
@@ -171,9 +173,14 @@ void TestNvidiaProcesses::keepsALoadForSomeSeconds()
     Bench bench;
     QCOMPARE(bench.read(1000), QStringList{u"7: 70 bytes 41 %"_s});
     QCOMPARE(bench.read(1003), QStringList{u"7: 70 bytes 41 %"_s}); // Nothing new.
-    QCOMPARE(bench.read(1007), QStringList{u"7: 70 bytes"_s});
+    QCOMPARE(bench.read(1007), QStringList{u"7: 70 bytes unused"_s});
     nvidia.script(one + loads + "7 6000 0\n");
     QCOMPARE(bench.read(1010), QStringList{u"7: 70 bytes 0 %"_s});
+    nvidia.script(one + loads + "fails 3\n" + newLoads + "fails 3\n");
+    QCOMPARE(bench.read(1020), QStringList{u"7: 70 bytes"_s}); // Nobody knows.
+    nvidia.script(one + loads + "fails 6\n");
+    QCOMPARE(bench.read(1021), QStringList{u"7: 70 bytes"_s}); // It may have worked before.
+    QCOMPARE(bench.read(1028), QStringList{u"7: 70 bytes unused"_s});
 }
 
 QTEST_GUILESS_MAIN(TestNvidiaProcesses)

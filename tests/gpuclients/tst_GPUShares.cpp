@@ -28,6 +28,7 @@ class TestGPUShares : public QObject {
 private slots:
     void addsUpProcesses_data();
     void addsUpProcesses();
+    void knowsWhoLeavesAGPUUnused();
     void findsWhoHoldsMuch();
     void tellsWhoHoldsEachGPU();
     void tellsNothingOfAGPUWithoutKnownMemory();
@@ -59,6 +60,18 @@ void TestGPUShares::addsUpProcesses()
     QTEST(share.fraction.value_or(-1), "fraction");
 }
 
+void TestGPUShares::knowsWhoLeavesAGPUUnused()
+{
+    const GPUUse drawing = use("a", 1, 100, 0.0);
+    const GPUUse computing = {"a", {.pid = 2, .bytes = 100, .hidesLoad = true}};
+    const GPUUse unused = {"a", {.pid = 3, .bytes = 100, .isUnused = true}};
+    const GPUShares shares({drawing, computing, unused, use("b", 2, 100, 0.5)});
+    QCOMPARE(shares.of({1}).fraction, std::optional(0.0));
+    QCOMPARE(shares.of({3}).fraction, std::optional(0.0));
+    QCOMPARE(shares.of({2}).fraction, std::optional(0.5)); // Of the other GPU alone.
+    QVERIFY(!GPUShares({drawing, computing}).of({1, 2}).fraction);
+}
+
 void TestGPUShares::findsWhoHoldsMuch()
 {
     const GPUShares shares({use("a", 1, 100), use("b", 1, 100), use("a", 2, 150),
@@ -71,8 +84,8 @@ void TestGPUShares::tellsWhoHoldsEachGPU()
     const auto holders = gpuHolders(
         {use("a", 1, 100), use("a", 2, 500), use("a", 3, 200), use("b", 3, 7)}, {1, 3}, name);
     QCOMPARE(holders.size(), std::size_t(2));
-    QVERIFY((holders[0] == GPUHolders{u"a"_s, 300, u"process 2"_s, 500}));
-    QVERIFY((holders[1] == GPUHolders{u"b"_s, 7, u"process 3"_s, 7}));
+    QVERIFY((holders[0] == GPUHolders{u"a"_s, 300, u"process 2"_s, 500, 800}));
+    QVERIFY((holders[1] == GPUHolders{u"b"_s, 7, u"process 3"_s, 7, 7}));
 }
 
 void TestGPUShares::tellsNothingOfAGPUWithoutKnownMemory()

@@ -1,3 +1,4 @@
+#include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/FrameworkColor.h"
@@ -6,7 +7,11 @@
 #include "support/ShownCard.h"
 #include "ui/Theme.h"
 
+#include <QHelpEvent>
 #include <QTest>
+#include <QToolTip>
+
+#include <algorithm>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -26,6 +31,14 @@ AIWorkload workload(const QString &name, const std::optional<QString> &model)
             .framework = AIFramework::generic,
             .model = model,
             .memory = std::uint64_t(1) << 30};
+}
+
+/// The lowest text on the card itself.
+AccessibleText footOf(const AIWorkloadsCard &card)
+{
+    const auto texts = card.accessibleTexts();
+    return *std::ranges::max_element(
+        texts, {}, [](const AccessibleText &text) { return text.place.bottom(); });
 }
 
 /// The largest red component in the second line of the first row, a measure of the model's opacity.
@@ -53,6 +66,13 @@ private slots:
     void paintsTilesInTheColorOfTheFramework();
     void elidesTextsBeforeTheMemory();
     void sanitizesHostileTexts();
+    void namesMoreRunnersOnOtherMachines();
+    void showsTheRoomForAModel();
+    void rowsComeBeforeTheRoom();
+    void explainsTheRoom();
+    void putsRemarksBehindTheModelWhereThereIsRoom();
+    void explainsRows();
+    void hasARowForOtherProcesses();
     void repaintsOnlyChangedRows();
     void leavesNoStalePixels_data();
     void leavesNoStalePixels();
@@ -149,6 +169,144 @@ void TestAIWorkloadsCard::sanitizesHostileTexts()
     QVERIFY(shown.row(0).value.startsWith(u"<img src=x>"_s));
     QVERIFY(!shown.row(0).value.contains(QChar(0x2067)));
     rendered(shown.card, 1);
+}
+
+void TestAIWorkloadsCard::namesMoreRunnersOnOtherMachines()
+{
+    Shown shown;
+    shown.card.setMachine({.isWhole = false});
+    QCOMPARE(shown.values().last(),
+             u"Launch Ollama, llama.cpp, vLLM, SGLang, LM Studio, KoboldCpp, ComfyUI…"_s);
+    shown.card.setMachine({});
+    QCOMPARE(shown.values().last(), u"Launch Ollama, MLX, llama.cpp, LM Studio, ComfyUI, vLLM…"_s);
+    shown.card.setMachine({.isWhole = false});
+    shown.card.show(scriptedWorkloads());
+    QCOMPARE(shown.values().size(), 2);
+}
+
+void TestAIWorkloadsCard::showsTheRoomForAModel()
+{
+    Shown shown;
+    shown.card.show(scriptedWorkloads());
+    const QRect whole = shown.card.list()->geometry();
+    const auto change = [&] {
+        shown.card.setRoom(ModelRoom{.bytes = gibibytes(13), .free = gibibytes(14)});
+    };
+    QCOMPARE(stalePixelsAfter(change, shown.card), QRect());
+    QCOMPARE(footOf(shown.card).value, u"Room for a model of about 13 GB in memory"_s);
+    QCOMPARE(shown.card.list()->geometry(), whole.adjusted(0, 0, 0, -30));
+    const QRectF foot = footOf(shown.card).place;
+    QVERIFY(foot.top() > shown.card.list()->geometry().bottom());
+    QVERIFY(foot.bottom() <= shown.card.height() - 10);
+    QCOMPARE(stalePixelsAfter([&] { shown.card.setRoom({}); }, shown.card), QRect());
+    QCOMPARE(shown.card.list()->geometry(), whole);
+    QCOMPARE(shown.values(), QStringList({u"AI Workloads"_s, u"3 active"_s}));
+}
+
+void TestAIWorkloadsCard::rowsComeBeforeTheRoom()
+{
+    Shown shown;
+    const auto rows = [](std::size_t count) {
+        return std::vector<AIWorkload>(count, workload(u"ollama"_s, u"qwen3:8b"_s));
+    };
+    shown.card.show(rows(1));
+    const QRect whole = shown.card.list()->geometry();
+    shown.card.setRoom(ModelRoom{.bytes = gibibytes(13), .free = gibibytes(14)});
+    QCOMPARE(stalePixelsAfter([&] { shown.card.show(rows(5)); }, shown.card), QRect());
+    QCOMPARE(footOf(shown.card).value, u"Room for a model of about 13 GB in memory"_s);
+    QCOMPARE(stalePixelsAfter([&] { shown.card.show(rows(6)); }, shown.card), QRect());
+    QCOMPARE(shown.values(), QStringList({u"AI Workloads"_s, u"6 active"_s}));
+    QCOMPARE(shown.card.list()->geometry(), whole);
+    QCOMPARE(stalePixelsAfter([&] { shown.card.show({}); }, shown.card), QRect());
+    QCOMPARE(footOf(shown.card).value, u"Room for a model of about 13 GB in memory"_s);
+}
+
+void TestAIWorkloadsCard::explainsTheRoom()
+{
+    Shown shown;
+    shown.card.setRoom(ModelRoom{.bytes = gibibytes(13), .free = gibibytes(14)});
+    const AccessibleText foot = footOf(shown.card);
+    QVERIFY(foot.description.startsWith(u"Programs can take 14 GB"_s));
+    const QPoint place = foot.place.center().toPoint();
+    QHelpEvent help(QEvent::ToolTip, place, shown.card.mapToGlobal(place));
+    QVERIFY(QCoreApplication::sendEvent(&shown.card, &help));
+    QVERIFY(QToolTip::text().contains(u"Programs can take 14 GB"_s));
+    QToolTip::hideText();
+}
+
+void TestAIWorkloadsCard::putsRemarksBehindTheModelWhereThereIsRoom()
+{
+    Shown shown;
+    AIWorkload known = workload(u"llama-server"_s, u"Qwen3 8B"_s);
+    known.details.quantisation = u"Q4_K_M"_s;
+    known.gpuFraction = 0.97;
+    shown.card.show({known});
+    QCOMPARE(shown.row(0).value, u"Qwen3 8B, Q4_K_M · 97 % of GPU, 1 GB, pid 4711"_s);
+    // How far the second line reaches to the right.
+    const auto reach = [&shown] {
+        const QImage image = rendered(shown.card, 2);
+        double last = 0;
+        for (double x = 56; x < 500; x += 0.5) {
+            for (double y = 66; y < 78; y += 0.5)
+                last = pixelAt(image, x, y).red() > 70 ? x : last;
+        }
+        return last;
+    };
+    const double withBoth = reach();
+    known.gpuFraction.reset();
+    shown.card.show({known});
+    const double withOne = reach();
+    known.details.quantisation.reset();
+    shown.card.show({known});
+    const double alone = reach();
+    QVERIFY(alone + 20 < withOne && withOne + 20 < withBoth);
+
+    known.model = QString(200, u'm');
+    shown.card.show({known});
+    const QImage before = rendered(shown.card, 1);
+    known.details.quantisation = u"Q4_K_M"_s;
+    shown.card.show({known});
+    QCOMPARE(rendered(shown.card, 1), before); // No room.
+}
+
+void TestAIWorkloadsCard::explainsRows()
+{
+    Shown shown;
+    AIWorkload known = workload(u"ollama"_s, u"qwen3:8b"_s);
+    known.details = {.origin = ModelOrigin::ollamaStore, .otherNames = {u"<b>a\u202E"_s}};
+    shown.card.show({known});
+    QVERIFY(shown.row(0).description.startsWith(u"qwen3:8b: named by Ollama's store\n"_s));
+    const QPoint place = shown.row(0).place.center().toPoint();
+    QHelpEvent help(QEvent::ToolTip, place, shown.card.list()->mapToGlobal(place));
+    QVERIFY(QCoreApplication::sendEvent(shown.card.list(), &help));
+    QVERIFY(QToolTip::text().contains(u"Also stored as &lt;b&gt;a\uFFFD"_s));
+    QToolTip::hideText();
+}
+
+void TestAIWorkloadsCard::hasARowForOtherProcesses()
+{
+    Shown shown;
+    const ScriptedMachine machine = oneCardMinute();
+    shown.card.setMachine(machine.coverage());
+    shown.card.setOtherGPUMemory(gibibytes(1.5));
+    QCOMPARE(shown.card.list()->rowCount(), 0);
+    shown.card.show(machine.workloads);
+    QCOMPARE(shown.card.list()->rowCount(), 3);
+    QCOMPARE(shown.card.accessibleText(u"AI workloads"_s), u"2 active"_s);
+    QCOMPARE(shown.row(2).name, u"Other processes"_s);
+    QCOMPARE(shown.row(2).value, u"1.5 GB VRAM"_s);
+    QVERIFY(shown.row(2).description.contains(u"driver"_s));
+    const auto change = [&](double gib) {
+        return stalePixelsAfter([&] { shown.card.setOtherGPUMemory(gibibytes(gib)); }, shown.card);
+    };
+    QCOMPARE(change(2), QRect());
+    QCOMPARE(change(0.19), QRect()); // Less than a workload needs to be listed.
+    QCOMPARE(shown.card.list()->rowCount(), 2);
+    QCOMPARE(change(3), QRect());
+    shown.card.show(scriptedWorkloads()); // None of them tells its GPU memory.
+    QCOMPARE(shown.card.list()->rowCount(), 3);
+    shown.card.show({});
+    QVERIFY(!shown.card.list()->isVisible());
 }
 
 void TestAIWorkloadsCard::repaintsOnlyChangedRows()

@@ -37,7 +37,9 @@ struct List {
                       },
                   .accessibleRow =
                       [](int row) {
-                          return AccessibleText{u"row %1"_s.arg(row), u"x"_s};
+                          return AccessibleText{.name = u"row %1"_s.arg(row),
+                                                .value = u"x"_s,
+                                                .description = u"about <%1>"_s.arg(row)};
                       }},
                  parent};
 };

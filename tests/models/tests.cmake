@@ -1,5 +1,7 @@
 corvane_test(models/tst_BoundedFile)
 corvane_test(models/tst_GGUFHeader)
+corvane_test(models/tst_HangingStore SYSTEM linux SOURCES models/ModelTree.cpp)
+corvane_test(models/tst_IdleTimes)
 corvane_test(models/tst_MappedFiles)
 corvane_test(models/tst_ModelFiles SYSTEM linux)
 corvane_test(models/tst_ModelNames THREADED)

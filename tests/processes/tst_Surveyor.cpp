@@ -424,7 +424,8 @@ void TestSurveyor::tellsWhatRowsAndWorkloadsHoldOfGPUs()
     QCOMPARE(survey.processes[1].gpuMemory, std::optional(70 * MiB));
     QCOMPARE(survey.processes[2].gpuMemory, std::optional(5000 * MiB));
     QCOMPARE(survey.gpuHolders.size(), std::size_t(1));
-    QVERIFY((survey.gpuHolders[0] == GPUHolders{u"card"_s, 5000 * MiB, u"ollama"_s, 5000 * MiB}));
+    QVERIFY((survey.gpuHolders[0]
+             == GPUHolders{u"card"_s, 5000 * MiB, u"ollama"_s, 5000 * MiB, 5070 * MiB}));
 }
 
 void TestSurveyor::joinsAServerWithItsRunner()
