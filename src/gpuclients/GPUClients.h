@@ -14,8 +14,8 @@ namespace corvane {
 
 /// Which processes hold memory of the GPUs and keep them busy. A GPU that sleeps, or is left alone
 /// so that it can fall asleep, is not touched: of the latter the last known memory is returned.
-/// What cannot be read is left out; on a Mac that is all, since memory on its GPU is in the
-/// footprint of a process.
+/// What cannot be read is left out. On a Mac that is the memory, which is in the footprint of a
+/// process there.
 ///
 /// Owned by the surveys of processes. Safe from any thread; a call may wait for a driver that
 /// hangs, and others meanwhile tell nothing.

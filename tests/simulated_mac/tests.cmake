@@ -1,8 +1,8 @@
-foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTables_mac HostPort_mac IOReportBridge_mac
-             LivelyLoad MemoryCounters_mac PageSize_mac ProcessBridge_mac SimulatedMac SimulatedMachines
+foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTables_mac GPUClients_mac HostPort_mac
+             IOReportBridge_mac LivelyLoad MemoryCounters_mac ModelFiles_mac PageSize_mac ProcessBridge_mac SimulatedMac SimulatedMachines
              ThermalBridge_mac ThreadPriority_mac)
   corvane_test(simulated_mac/tst_${test} SYSTEM simulated-mac
-               LINK corvane::chip corvane::memory corvane::processes)
+               LINK corvane::chip corvane::memory corvane::models corvane::processes)
 endforeach()
 
 if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
