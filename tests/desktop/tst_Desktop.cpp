@@ -1,4 +1,7 @@
 #include "memory/MemorySampler.h"
+#include "models/GGUFText.h"
+#include "models/ModelTree.h"
+#include "processes/LiveProcess.h"
 #include "support/DrivenProgram.h"
 #include "tray/TrayPicture.h"
 #include "ui/MetricText.h"
@@ -221,6 +224,7 @@ private slots:
     void theLabelFollowsTheValues();
     void thePanelsButtonOpensTheDashboard();
     void theDashboardShowsProcesses();
+    void theDashboardNamesTheModelsOfRunners();
     void closingTheDashboardKeepsTheLabel();
     void anotherStartOpensTheDashboard();
     void keysOpenTheAboutPanel();
@@ -376,6 +380,53 @@ void TestDesktop::thePanelsButtonOpensTheDashboard()
 void TestDesktop::theDashboardShowsProcesses()
 {
     WAIT_FOR(m_program.find(u"label"_s, u"tst_Desktop: "_s));
+}
+
+/// Real processes under the names of runners, with stores and files as their programs write them.
+void TestDesktop::theDashboardNamesTheModelsOfRunners()
+{
+    constexpr int mebibytes = 208;
+    const std::string library = "registry.ollama.ai/library/";
+    const ModelTree tree;
+    const std::string header = GGUFText()
+                                   .text("general.name", "Qwen3 8B")
+                                   .u32("qwen3.context_length", 40960)
+                                   .u32("general.file_type", 15)
+                                   .bytes();
+    tree.writeManifest(library + "qwen3/8b", ModelTree::manifest('1'));
+    tree.writeBlob('1', header);
+    tree.writeManifest(library + "gemma3/4b", ModelTree::manifest('2'), "manifests-v2");
+    tree.write("model.gguf", header + std::string(8192, 'x'));
+    const QString file = QString::fromStdString(tree.root() + "/model.gguf");
+    const auto blob = [&tree](char digit) { return QString::fromStdString(tree.blob(digit)); };
+
+    LiveProcess first(u"ollama"_s, {u"runner"_s, u"--model"_s, blob('1')}, mebibytes);
+    LiveProcess newer(u"llama-server"_s, {u"--model"_s, blob('2')}, mebibytes);
+    LiveProcess byHeader(u"llama-cli"_s, {u"-m"_s, file}, mebibytes);
+    LiveProcess byMapping(u"llmster"_s, {}, mebibytes, file);
+    for (LiveProcess *process : {&first, &newer, &byHeader, &byMapping})
+        QVERIFY(process->isReady()); // Before the event loop takes what they write.
+    struct Row {
+        LiveProcess &process;
+        QString name;
+        QString model;
+    };
+    for (const auto &[process, name, model] :
+         {Row{first, u"Ollama, ollama"_s, u"qwen3:8b, Q4_K_M"_s},
+          Row{newer, u"Ollama, llama-server"_s, u"gemma3:4b"_s},
+          Row{byHeader, u"llama.cpp, llama-cli"_s, u"Qwen3 8B, Q4_K_M"_s},
+          Row{byMapping, u"LM Studio, llmster"_s, u"Qwen3 8B, Q4_K_M"_s}}) {
+        const auto size = [mebibytes](const QString &text) {
+            return std::abs(text.toDouble() - mebibytes) < 8; // With what any process has.
+        };
+        static const QRegularExpression columns(u"^(.*): (.*), ([0-9.]+) MB, pid ([0-9]+)$"_s);
+        const auto isShown = [&](const Object &object) {
+            const auto row = columns.match(m_program.reader().name(object));
+            return row.captured(1) == name && row.captured(2) == model && size(row.captured(3))
+                && row.captured(4).toLongLong() == process.pid();
+        };
+        WAIT_FOR(m_program.findAny(isShown));
+    }
 }
 
 void TestDesktop::closingTheDashboardKeepsTheLabel()

@@ -100,6 +100,12 @@ std::optional<AccessibilityBus::Object> DrivenProgram::find(const QString &role,
     return program ? find(*program, role, nameStart) : std::nullopt;
 }
 
+bool DrivenProgram::findAny(const AccessibilityBus::Condition &condition) const
+{
+    const auto program = root();
+    return program && m_reader.find(*program, condition);
+}
+
 bool DrivenProgram::isDashboardVisible() const
 {
     return find(u"label"_s, u"Memory used in percent: "_s).has_value();

@@ -54,6 +54,9 @@ public:
     /// The same in any window except the panel.
     std::optional<Object> find(const QString &role, const QString &nameStart) const;
 
+    /// Whether any object of the program meets the condition.
+    bool findAny(const AccessibilityBus::Condition &condition) const;
+
     bool isDashboardVisible() const;
 
     /// The program's errors and objects, for the message of a failed test. Saves a screenshot as
