@@ -9,6 +9,7 @@ corvane_benchmark(Tick LINK corvane::sampler)
 corvane_benchmark(Label LINK corvane::tray)
 corvane_benchmark(MemorySample LINK corvane::cpu corvane::memory)
 if(CORVANE_SYSTEM STREQUAL "linux")
+  corvane_benchmark(NamedSurvey LINK corvane::models)
   corvane_benchmark(ChipSample LINK corvane::chip)
   target_compile_definitions(bench_ChipSample
                              PRIVATE CORVANE_MACHINES="${PROJECT_SOURCE_DIR}/tests/machines")
