@@ -1,6 +1,7 @@
 corvane_fuzz(ChannelTotals LINK corvane::chip)
 corvane_fuzz(FrequencyTables LINK corvane::chip)
 corvane_fuzz(HistoryFile LINK corvane::history)
+corvane_fuzz(MinuteLine LINK corvane::timeline)
 corvane_fuzz(HistoryLine LINK corvane::history)
 corvane_fuzz(ProcMemInfo LINK corvane::memory)
 corvane_fuzz(ProcStat LINK corvane::cpu)

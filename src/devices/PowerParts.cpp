@@ -1,7 +1,6 @@
 #include "devices/PowerParts.h"
 
 #include "records/MachineParts.h"
-#include "records/MachineTotals.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
 
@@ -26,65 +25,22 @@ bool tellsWatts(const GPUCoverage &gpu)
     return gpu.watts == Coverage::known;
 }
 
-/// The watts of the counted GPUs: known if one tells them, else why the first does not.
-Coverage gpuWattsCoverage(const std::vector<GPUCoverage> &gpus)
-{
-    if (std::ranges::any_of(gpus, tellsWatts))
-        return Coverage::known;
-    return gpus.empty() ? Coverage::absent : gpus.front().watts;
-}
-
-bool gpusAreOnPackage(const MachineCoverage &machine)
-{
-    return !machine.gpus.empty() && !hasGraphicsCard(machine) && machine.gpus.front().integrated;
-}
-
-std::optional<double> knownCPUWatts(const SystemMetrics &sample)
-{
-    if (!sample.chip->coverage)
-        return unlessDenied(sample.chip->cpuWatts, sample.chip->cpuWatts <= 0);
-    return cpuWatts(sample);
-}
-
-std::optional<double> countedGPUWatts(const SystemMetrics &sample)
-{
-    if (!sample.chip->coverage)
-        return unlessDenied(sample.chip->gpuWatts, sample.chip->gpuWatts <= 0);
-    return gpuWatts(sample);
-}
-
-std::optional<double> npuWatts(const ChipReading &chip)
-{
-    return chip.npu ? chip.npu->watts : std::nullopt;
-}
-
-std::optional<double> restWatts(const SystemMetrics &sample, const MachineCoverage &machine)
-{
-    const ChipReading &chip = *sample.chip;
-    if (!chip.packageWatts)
-        return std::nullopt;
-    const double gpu = gpusAreOnPackage(machine) ? countedGPUWatts(sample).value_or(0) : 0;
-    const double told = knownCPUWatts(sample).value_or(0) + gpu + npuWatts(chip).value_or(0);
-    return std::max(*chip.packageWatts - told, 0.0);
-}
-
-/// Of a sample with a reading.
-std::optional<double> wattsOf(PowerSource source, const SystemMetrics &sample,
-                              const MachineCoverage &machine)
+/// A part of a machine that is no whole chip.
+PowerPart knownPart(PowerSource source)
 {
     switch (source) {
     case PowerSource::cpu:
-        return knownCPUWatts(sample);
+        return part(source, u"CPU"_s, Theme::cpu);
     case PowerSource::gpu:
-        return countedGPUWatts(sample);
+        return part(source, u"GPU"_s, Theme::gpu);
     case PowerSource::ane:
-        return npuWatts(*sample.chip);
+        return part(source, u"NPU"_s, Theme::ane);
     case PowerSource::rest:
-        return restWatts(sample, machine);
+        return {source, u"Rest"_s, Theme::white(0.55F), Theme::white(0.22F)};
     case PowerSource::package:
         break;
     }
-    return sample.chip->packageWatts;
+    return part(source, u"Package"_s, Theme::cpu);
 }
 
 std::vector<PowerValue> valuesOfWhole(const std::optional<ChipReading> &chip)
@@ -100,30 +56,17 @@ std::vector<PowerValue> valuesOfWhole(const std::optional<ChipReading> &chip)
 
 std::vector<PowerPart> powerParts(const MachineCoverage &machine)
 {
-    const PowerPart cpu = part(PowerSource::cpu, u"CPU"_s, Theme::cpu);
-    const PowerPart gpu = part(PowerSource::gpu, u"GPU"_s, Theme::gpu);
     if (machine.isWhole)
-        return {cpu, gpu, part(PowerSource::ane, u"ANE"_s, Theme::ane)};
+        return {knownPart(PowerSource::cpu), knownPart(PowerSource::gpu),
+                part(PowerSource::ane, u"ANE"_s, Theme::ane)};
 
-    const Coverage gpuCoverage = gpuWattsCoverage(countedGPUs(machine));
-    const bool gpuIsKnown = gpuCoverage == Coverage::known;
-    const bool cpuIsKnown = machine.cpuWatts == Coverage::known;
-    const bool packageIsKnown = machine.packageWatts == Coverage::known;
-    const bool tellsParts = cpuIsKnown || (gpuIsKnown && gpusAreOnPackage(machine));
     std::vector<PowerPart> parts;
-    if (cpuIsKnown)
-        parts.push_back(cpu);
-    if (packageIsKnown && !tellsParts)
-        parts.push_back(part(PowerSource::package, u"Package"_s, Theme::cpu));
-    if (gpuIsKnown)
-        parts.push_back(gpu);
-    if (machine.npuWatts == Coverage::known)
-        parts.push_back(part(PowerSource::ane, u"NPU"_s, Theme::ane));
-    if (packageIsKnown && tellsParts)
-        parts.push_back({PowerSource::rest, u"Rest"_s, Theme::white(0.55F), Theme::white(0.22F)});
+    for (const PowerSource source : powerSources(machine))
+        parts.push_back(knownPart(source));
+    const Coverage gpuCoverage = gpuWattsCoverage(machine);
     if (isDenied(gpuCoverage) && gpuCoverage != Coverage::unpublished)
         parts.push_back(part(PowerSource::gpu, u"GPU"_s, Theme::gpu, gpuCoverage));
-    if (machine.cpuWatts == Coverage::locked && !packageIsKnown)
+    if (machine.cpuWatts == Coverage::locked && machine.packageWatts != Coverage::known)
         parts.push_back(part(PowerSource::cpu, u"CPU"_s, Theme::cpu, Coverage::locked));
     return parts;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/SystemMetrics.h"
+#include "records/PowerSources.h"
 
 #include <QColor>
 #include <QString>
@@ -12,15 +12,6 @@ class QPainter;
 class QRectF;
 
 namespace corvane {
-
-/// What draws power and has a series of its own in the chart of power.
-enum class PowerSource {
-    cpu,
-    gpu,
-    ane,
-    rest,   ///< What the told parts leave of the package.
-    package ///< The package where no watts of its parts are known.
-};
 
 /// One of a machine's power sources, from the bottom of the stack upwards.
 struct PowerPart {

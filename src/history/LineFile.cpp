@@ -61,6 +61,12 @@ bool writeAll(const FileDescriptor &file, const char *from, std::size_t length)
     return true;
 }
 
+/// What the disk does not take of it is lost.
+void writeOnce(const FileDescriptor &file, const std::string &text)
+{
+    while (write(file.get(), text.data(), text.size()) < 0 && errno == EINTR) { }
+}
+
 /// The last `count` lines, in the file's order; absent if it cannot be read. Reads backwards and no
 /// further than needed.
 std::optional<std::vector<Line>> lastLines(const FileDescriptor &file, std::size_t count)
@@ -112,12 +118,14 @@ bool copyLines(const FileDescriptor &from, const std::vector<Line> &lines, const
 
 LineFile::LineFile(std::string path) : m_path(std::move(path)) { }
 
-void LineFile::create() const
+void LineFile::create(const std::string &firstLine) const
 {
     m_thread.check();
     constexpr mode_t others = 0077;
-    [[maybe_unused]] const FileDescriptor created(
+    const FileDescriptor created(
         open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (created && !firstLine.empty())
+        writeOnce(created, firstLine + '\n');
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     struct stat status = {};
     if (file && fstat(file.get(), &status) == 0 && status.st_uid == geteuid()
@@ -129,10 +137,72 @@ void LineFile::append(const std::string &line) const
 {
     m_thread.check();
     const FileDescriptor file = openRegular(m_path, FileAccess::append);
-    if (!file || (m_isUncut && size(file) >= mostUncutBytes))
+    if (file && mayGrow(size(file)))
+        writeOnce(file, line + '\n');
+}
+
+void LineFile::appendWhole(const std::string &line, const std::string &firstLine) const
+{
+    m_thread.check();
+    const FileDescriptor file = openRegular(m_path, FileAccess::append);
+    const FileDescriptor read = openRegular(m_path, FileAccess::read);
+    if (!file || !read || !mayGrow(size(file)))
         return;
-    const std::string whole = line + '\n';
-    while (write(file.get(), whole.data(), whole.size()) < 0 && errno == EINTR) { }
+    const std::size_t length = size(read);
+    char last = '\n';
+    if (length > 0 && !readAt(read, &last, 1, length - 1))
+        return;
+    const std::string before = length == 0 ? firstLine + '\n' : last == '\n' ? "" : "\n";
+    writeOnce(file, before + line + '\n');
+}
+
+bool LineFile::mayGrow(std::size_t size) const
+{
+    return !m_isUncut || size < mostUncutBytes;
+}
+
+std::string LineFile::first() const
+{
+    m_thread.check();
+    constexpr std::size_t mostBytes = 256;
+    const FileDescriptor file = openRegular(m_path, FileAccess::read);
+    if (!file)
+        return {};
+    std::string text(std::min(size(file), mostBytes), '\0');
+    if (!readAt(file, text.data(), text.size(), 0))
+        return {};
+    return text.substr(0, text.find('\n'));
+}
+
+void LineFile::forEach(const std::function<void(std::string_view)> &visit) const
+{
+    m_thread.check();
+    const FileDescriptor file = openRegular(m_path, FileAccess::read);
+    if (!file)
+        return;
+    const std::size_t end = size(file);
+    std::string text; // A part of the file that begins with a line.
+    bool isTooLong = false;
+    for (std::size_t at = end - std::min(end, maxBytes); at < end;) {
+        const std::size_t kept = text.size();
+        const std::size_t count = std::min(chunkSize, end - at);
+        text.resize(kept + count);
+        if (!readAt(file, text.data() + kept, count, at))
+            return;
+        at += count;
+        std::size_t start = 0;
+        for (std::size_t feed = 0; (feed = text.find('\n', start)) != std::string::npos;
+             start = feed + 1) {
+            if (feed > start && feed - start <= longestLine && !std::exchange(isTooLong, false))
+                visit(std::string_view(text).substr(start, feed - start));
+        }
+        text.erase(0, start);
+        isTooLong = isTooLong || text.size() > longestLine;
+        if (isTooLong)
+            text.clear();
+    }
+    if (!text.empty() && !isTooLong)
+        visit(text);
 }
 
 std::vector<std::string> LineFile::last(std::size_t count) const
@@ -154,23 +224,29 @@ std::vector<std::string> LineFile::last(std::size_t count) const
 
 void LineFile::keepLast(std::size_t count) const
 {
+    keepLast(count, {});
+}
+
+void LineFile::keepLast(std::size_t count, const std::string &firstLine) const
+{
     m_thread.check();
-    m_isUncut = !cut(count);
+    m_isUncut = !cut(count, firstLine);
 }
 
 /// Whether the file has no more lines than that now.
-bool LineFile::cut(std::size_t count) const
+bool LineFile::cut(std::size_t count, const std::string &firstLine) const
 {
     const FileDescriptor file = openRegular(m_path, FileAccess::read);
     if (!file)
         return false;
     // One more than is kept, to see whether there is anything to cut.
-    auto lines = lastLines(file, count + 1);
+    const std::size_t most = count + (firstLine.empty() ? 0 : 1);
+    auto lines = lastLines(file, most + 1);
     if (!lines)
         return false;
-    if (lines->size() <= count)
+    if (lines->size() <= most)
         return true;
-    lines->erase(lines->begin());
+    lines->erase(lines->begin(), lines->end() - static_cast<std::ptrdiff_t>(count));
 
     // A link to the file stays a link: what it points to is replaced.
     std::error_code error;
@@ -188,7 +264,9 @@ bool LineFile::cut(std::size_t count) const
         return false;
     fchmod(newFile.get(), status.st_mode & 07777); // Some file systems have no permissions.
     // On the disk before it takes the name, so that one of the two is whole after a power cut.
-    const bool complete = copyLines(file, *lines, newFile) && fsync(newFile.get()) == 0
+    const std::string first = firstLine.empty() ? std::string() : firstLine + '\n';
+    const bool complete = writeAll(newFile, first.data(), first.size())
+        && copyLines(file, *lines, newFile) && fsync(newFile.get()) == 0
         && rename(newPath.c_str(), path.c_str()) == 0;
     if (!complete)
         unlink(newPath.c_str());

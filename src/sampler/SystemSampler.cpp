@@ -22,6 +22,12 @@ void keepNewest(std::vector<SystemMetrics> &history, qint64 count)
         history.erase(history.begin(), history.begin() + (size - std::max<qint64>(count, 0)));
 }
 
+/// Length of the part of a window that is kept sample by sample.
+qint64 sampleSeconds(qint64 windowSeconds)
+{
+    return std::min(windowSeconds, SystemSampler::mostSamples);
+}
+
 } // namespace
 
 SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
@@ -33,11 +39,12 @@ SystemSampler::SystemSampler(AppSettings &settings, SamplerSources sources,
                                          : std::make_unique<HistoryStore>(historyDirectory))
 {
     assertMainThread();
-    m_history = loadHistory(seconds(settings.historyWindow()));
+    m_history = loadHistory(sampleSeconds(seconds(settings.historyWindow())));
     // Queued, so that the history changes after the code that writes the setting has finished.
     connect(
         &m_settings, &AppSettings::historyWindowChanged, this,
-        [this](HistoryWindow window) { applyWindowChange(seconds(window)); }, Qt::QueuedConnection);
+        [this](HistoryWindow window) { applyWindowChange(sampleSeconds(seconds(window))); },
+        Qt::QueuedConnection);
     connect(&m_timer, &QTimer::timeout, this, &SystemSampler::tick);
     m_timer.setTimerType(Qt::CoarseTimer);
 
@@ -59,7 +66,8 @@ void SystemSampler::tick()
     emit currentChanged();
 
     m_history.push_back(m_current);
-    keepNewest(m_history, seconds(m_settings.historyWindow()));
+    keepNewest(m_history, sampleSeconds(seconds(m_settings.historyWindow())));
+    keepMeans();
     emit historyChanged();
 
     if (m_store)
@@ -76,6 +84,29 @@ void SystemSampler::tick()
 void SystemSampler::setShown(bool isShown)
 {
     m_sources.gpus->setShown(isShown);
+}
+
+ChartHistory SystemSampler::chartHistory() const
+{
+    const qint64 window = seconds(m_settings.historyWindow());
+    if (window <= mostSamples)
+        return m_history;
+    return {m_history, m_timeline.window(static_cast<double>(window), m_current.timestamp)};
+}
+
+void SystemSampler::keepMeans()
+{
+    if (m_tickCount == 0 && m_store)
+        m_minutesLoad = m_store->startLoadMinutes(m_current.timestamp);
+    if (const auto ended = m_timeline.add(m_current, m_sources.steady()); ended && m_store)
+        m_store->append(*ended);
+    const auto loaded =
+        m_minutesLoad ? m_minutesLoad->take(std::chrono::milliseconds(0)) : std::nullopt;
+    if (!loaded)
+        return;
+    m_minutesLoad.reset();
+    for (const MinuteRecord &minute : m_timeline.add(*loaded, coverageOf(m_current)))
+        m_store->append(minute);
 }
 
 ProcessInterest SystemSampler::lookAtProcesses()
@@ -211,10 +242,9 @@ void SystemSampler::joinLateHistory()
 {
     if (!m_load)
         return;
-    m_history =
-        historyAfterWindowChange(m_history, seconds(m_settings.historyWindow()), [this](qint64) {
-            return takeLoaded(std::chrono::milliseconds(0));
-        });
+    m_history = historyAfterWindowChange(
+        m_history, sampleSeconds(seconds(m_settings.historyWindow())),
+        [this](qint64) { return takeLoaded(std::chrono::milliseconds(0)); });
 }
 
 std::vector<SystemMetrics> historyAfterWindowChange(

@@ -4,6 +4,7 @@
 #include "history/HistoryStore.h"
 #include "memory/MemorySampler.h"
 #include "models/ModelNames.h"
+#include "platform/BootClock.h"
 #include "records/ReferenceDate.h"
 #include "records/SystemMetrics.h"
 #include "sampler/AppSettings.h"
@@ -27,6 +28,7 @@ struct SamplerSources {
     ChipSource chip = openChipSource(secondsSinceBoot, gpus); ///< Empty: no reading of the chip.
     SurveySource survey = namedSurveys(gpus);                 ///< Runs in the background.
     std::function<double()> now = secondsSince2001;           ///< Wall clock.
+    std::function<double()> steady = secondsSinceBoot;        ///< Never set; measures energy.
     /// How long the main thread waits for the history file. A slower one is shown once it is read.
     std::chrono::milliseconds diskPatience = std::chrono::milliseconds(250);
     /// How long it waits for a survey that is about to be shown for the first time.
@@ -39,7 +41,8 @@ class PendingSurvey;
 using ProcessInterest = std::shared_ptr<const void>;
 
 /// The spine of the program: takes one whole-system sample a second, publishes it, keeps those of
-/// the history window and adds each to the history file, which it trims every minute.
+/// the newest minute and adds each to the history file, which it trims every minute. Of what is
+/// older it keeps means, and the energy of a week.
 ///
 /// It surveys the processes every third second while somebody looks at them; otherwise their lists
 /// are empty. So are lists that no survey could renew for 12 seconds.
@@ -61,6 +64,7 @@ public:
     static constexpr qint64 surveyLastsTicks = 12; ///< Older lists are emptied.
     static constexpr qint64 trimEveryNTicks = 60;
     static constexpr qint64 trimKeepSeconds = 120;
+    static constexpr qint64 mostSamples = 60; ///< That are kept; of longer windows there are means.
 
     /// Loads the newest records of the file, takes the first sample and starts the timer. A disk
     /// that hangs delays none of it: its records join the history when they arrive.
@@ -70,7 +74,13 @@ public:
                            QObject *parent = nullptr);
 
     const SystemMetrics &current() const { return m_current; }
-    const std::vector<SystemMetrics> &history() const { return m_history; }      ///< Oldest first.
+    const std::vector<SystemMetrics> &history() const { return m_history; } ///< Oldest first.
+
+    /// The history as the chosen window shows it. Valid until the next sample.
+    ChartHistory chartHistory() const;
+
+    EnergyReport energy() const { return m_timeline.energy(m_current.timestamp); }
+
     const std::vector<ProcessRow> &processes() const { return m_processes; }     ///< Largest first.
     const std::vector<AIWorkload> &aiWorkloads() const { return m_aiWorkloads; } ///< Largest first.
 
@@ -113,6 +123,7 @@ private:
     std::vector<SystemMetrics> loadHistory(qint64 windowSeconds);
     std::vector<SystemMetrics> takeLoaded(std::chrono::milliseconds patience);
     void joinLateHistory();
+    void keepMeans();
 
     AppSettings &m_settings;
     SamplerSources m_sources;
@@ -130,6 +141,9 @@ private:
 
     std::shared_ptr<PendingRecords> m_load; ///< Null unless the disk has records to deliver.
     qint64 m_ticksAtLoad = 0;               ///< Completed ticks when they were asked for.
+
+    std::shared_ptr<PendingMinutes> m_minutesLoad; ///< Null once its minutes are in the timeline.
+    Timeline m_timeline;
 
     SystemMetrics m_current = SystemMetrics::placeholder();
     std::vector<SystemMetrics> m_history;

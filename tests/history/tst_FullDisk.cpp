@@ -102,7 +102,7 @@ void TestFullDisk::keepsTheFileWhenThereIsNoRoomToTrimIt()
     store.trim(120);
     QCOMPARE(store.loadLast(1000).size(), 150U);
     const QStringList names = QDir(m_folder->path()).entryList(QDir::Files);
-    QCOMPARE(names, QStringList({u"filler"_s, u"history.jsonl"_s}));
+    QCOMPARE(names, QStringList({u"filler"_s, u"history.jsonl"_s, u"minutes.jsonl"_s}));
 
     QVERIFY(QFile::remove(m_folder->filePath(u"filler"_s)));
     store.trim(120);

@@ -145,7 +145,7 @@ void TestKilledInACall::losesAtMostTheRecordAtHandAndTheNext()
     store.trim(2); // Replaces a file that the killed process left behind.
     QCOMPARE(loaded(store), numbers(22, 23));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
-             QStringList{QLatin1StringView(name)});
+             (QStringList{QLatin1StringView(name), u"minutes.jsonl"_s}));
 }
 
 /// With "--run-until-killed INDEX FOLDER" it is the process that is killed.

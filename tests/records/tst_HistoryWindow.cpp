@@ -20,6 +20,10 @@ void TestHistoryWindow::fromSeconds_data()
     QTest::addColumn<qint64>("rawSeconds");
     QTest::addColumn<bool>("known");
     QTest::newRow("one minute") << qint64(60) << true;
+    QTest::newRow("ten minutes") << qint64(600) << true;
+    QTest::newRow("an hour") << qint64(3'600) << true;
+    QTest::newRow("a day") << qint64(86'400) << true;
+    QTest::newRow("a week") << qint64(604'800) << false;
     QTest::newRow("half a minute") << qint64(30) << false;
     QTest::newRow("five minutes") << qint64(300) << false;
     QTest::newRow("nothing") << qint64(0) << false;
@@ -34,12 +38,12 @@ void TestHistoryWindow::fromSeconds()
     const auto window = historyWindow(rawSeconds);
     QTEST(window.has_value(), "known");
     if (window)
-        QVERIFY(*window == HistoryWindow::oneMin);
+        QCOMPARE(seconds(*window), rawSeconds);
 }
 
 void TestHistoryWindow::everyWindowComesBackFromItsSeconds()
 {
-    QCOMPARE(allHistoryWindows.size(), std::size_t(1));
+    QCOMPARE(allHistoryWindows.size(), std::size_t(4));
     QCOMPARE(seconds(HistoryWindow::oneMin), qint64(60));
     for (const HistoryWindow window : allHistoryWindows)
         QVERIFY(historyWindow(seconds(window)) == window);

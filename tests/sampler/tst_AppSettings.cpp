@@ -91,27 +91,36 @@ void TestAppSettings::isInTheUsersConfiguration()
 void TestAppSettings::reads_data()
 {
     QTest::addColumn<QByteArray>("contents");
-    QTest::newRow("no such key") << QByteArray("[General]\nother=1\n");
-    QTest::newRow("an empty file") << QByteArray();
-    QTest::newRow("one minute") << QByteArray("[General]\nhistoryWindow=60\n");
-    QTest::newRow("a window that is not known") << QByteArray("[General]\nhistoryWindow=300\n");
-    QTest::newRow("zero") << QByteArray("[General]\nhistoryWindow=0\n");
-    QTest::newRow("negative") << QByteArray("[General]\nhistoryWindow=-60\n");
-    QTest::newRow("a text") << QByteArray("[General]\nhistoryWindow=soon\n");
-    QTest::newRow("a fraction") << QByteArray("[General]\nhistoryWindow=60.5\n");
+    QTest::addColumn<HistoryWindow>("window");
+    QTest::newRow("ten minutes") << QByteArray("[General]\nhistoryWindow=600\n")
+                                 << HistoryWindow::tenMin;
+    QTest::newRow("an hour") << QByteArray("[General]\nhistoryWindow=3600\n")
+                             << HistoryWindow::oneHour;
+    QTest::newRow("a day") << QByteArray("[General]\nhistoryWindow=86400\n")
+                           << HistoryWindow::oneDay;
+    const auto oneMin = HistoryWindow::oneMin;
+    QTest::newRow("no such key") << QByteArray("[General]\nother=1\n") << oneMin;
+    QTest::newRow("an empty file") << QByteArray() << oneMin;
+    QTest::newRow("one minute") << QByteArray("[General]\nhistoryWindow=60\n") << oneMin;
+    QTest::newRow("a window that is not known")
+        << QByteArray("[General]\nhistoryWindow=300\n") << oneMin;
+    QTest::newRow("zero") << QByteArray("[General]\nhistoryWindow=0\n") << oneMin;
+    QTest::newRow("negative") << QByteArray("[General]\nhistoryWindow=-60\n") << oneMin;
+    QTest::newRow("a text") << QByteArray("[General]\nhistoryWindow=soon\n") << oneMin;
+    QTest::newRow("a fraction") << QByteArray("[General]\nhistoryWindow=60.5\n") << oneMin;
     QTest::newRow("more than 64 bits")
-        << QByteArray("[General]\nhistoryWindow=99999999999999999999\n");
-    QTest::newRow("a list") << QByteArray("[General]\nhistoryWindow=300, 600\n");
+        << QByteArray("[General]\nhistoryWindow=99999999999999999999\n") << oneMin;
+    QTest::newRow("a list") << QByteArray("[General]\nhistoryWindow=300, 600\n") << oneMin;
     QTest::newRow("a value of some type")
-        << QByteArray("[General]\nhistoryWindow=@Rect(1 2 3 4)\n");
-    QTest::newRow("garbage") << QByteArray("\x00\xff[Gen\n=\n[[]]\nhistoryWindow", 27);
+        << QByteArray("[General]\nhistoryWindow=@Rect(1 2 3 4)\n") << oneMin;
+    QTest::newRow("garbage") << QByteArray("\x00\xff[Gen\n=\n[[]]\nhistoryWindow", 27) << oneMin;
 }
 
 void TestAppSettings::reads()
 {
     QFETCH(QByteArray, contents);
     writeFile(contents);
-    QVERIFY(AppSettings().historyWindow() == HistoryWindow::oneMin);
+    QTEST(AppSettings().historyWindow(), "window");
     QCOMPARE(fileContents(), contents); // Reading repairs nothing.
 }
 

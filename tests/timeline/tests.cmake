@@ -1,0 +1,6 @@
+corvane_test(timeline/tst_EnergyLedger SYSTEM linux simulated-mac)
+corvane_test(timeline/tst_MeanRecord)
+corvane_test(timeline/tst_MeanSeries)
+corvane_test(timeline/tst_Measure)
+corvane_test(timeline/tst_MinuteRecord)
+corvane_test(timeline/tst_Timeline)
