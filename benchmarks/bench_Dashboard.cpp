@@ -8,6 +8,7 @@
 #include "devices/PowerCard.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
+#include "timeline/Timeline.h"
 
 #include <QApplication>
 #include <QImage>
@@ -100,6 +101,56 @@ void tick(benchmark::State &state)
     }
 }
 BENCHMARK(tick)->Unit(benchmark::kMicrosecond);
+
+/// A day of means of the same wave.
+Timeline dayOfMeans()
+{
+    Timeline timeline;
+    for (int second = 0; second <= 86'460; ++second)
+        timeline.add(sample(second), second);
+    return timeline;
+}
+
+/// A change of the window of time, from a minute to a day and back.
+void changeOfWindow(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    window.QWidget::show();
+    paintNow();
+    const Timeline timeline = dayOfMeans();
+    const std::vector<SystemMetrics> samples = history(86'460);
+    bool isDay = false;
+    for (auto _ : state) {
+        isDay = !isDay;
+        const auto means = timeline.window(86'400, samples.back().timestamp);
+        window.show(samples.back(), isDay ? ChartHistory(samples, means) : ChartHistory(samples));
+        paintNow();
+    }
+}
+BENCHMARK(changeOfWindow)->Unit(benchmark::kMicrosecond);
+
+/// A tick without a new point in the charts of a day.
+void tickOfADay(benchmark::State &state)
+{
+    MainWindow window(nullptr, ChipInfo{.name = u"Chip"_s, .aneMaxW = 8});
+    window.resize(windowSize);
+    window.QWidget::show();
+    paintNow();
+    const Timeline timeline = dayOfMeans();
+    int second = 60;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const std::vector<SystemMetrics> samples = history(++second);
+        state.ResumeTiming();
+        window.showEnergy(timeline.energy(samples.back().timestamp));
+        window.show(samples.back(), {samples, timeline.window(86'400, 8e8 + 86'460)});
+        if (second % 3 == 0)
+            window.showProcesses(processes(second));
+        paintNow();
+    }
+}
+BENCHMARK(tickOfADay)->Unit(benchmark::kMicrosecond);
 
 /// The same while the window is hidden.
 void hiddenTick(benchmark::State &state)

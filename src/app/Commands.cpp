@@ -1,9 +1,13 @@
 #include "app/Commands.h"
 
+#include "dashboard/WindowChoice.h"
 #include "threads/MainThread.h"
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
+#include <QActionGroup>
+
+#include <algorithm>
 
 namespace corvane {
 
@@ -34,7 +38,8 @@ Commands::Commands(QObject *parent, HostSystem system)
       m_checkForUpdates(new QAction(updatesText({}), this)),
       m_settings(new QAction(u"Settings…"_s, this)),
       m_quit(new QAction(u"Quit"_s, this)),
-      m_separators{makeSeparator(this), makeSeparator(this)}
+      m_historyWindows(new QActionGroup(this)),
+      m_separators{makeSeparator(this), makeSeparator(this), makeSeparator(this)}
 {
     assertMainThread();
     m_openWindow->setMenuRole(QAction::NoRole);
@@ -47,6 +52,28 @@ Commands::Commands(QObject *parent, HostSystem system)
     m_quit->setShortcut(Qt::CTRL | Qt::Key_Q);
     if (system == HostSystem::linuxDesktop)
         m_about->setShortcut(Qt::Key_F1);
+    for (std::size_t i = 0; i < allHistoryWindows.size(); ++i) {
+        const HistoryWindow window = allHistoryWindows[i];
+        QAction *action = m_historyWindows->addAction(u"Charts of "_s + windowName(window));
+        action->setMenuRole(QAction::NoRole);
+        action->setCheckable(true);
+        action->setShortcut(Qt::Key_1 + static_cast<int>(i));
+        connect(action, &QAction::triggered, this,
+                [this, window] { emit historyWindowChosen(window); });
+    }
+    setHistoryWindow(HistoryWindow::oneMin);
+}
+
+void Commands::setHistoryWindow(HistoryWindow window)
+{
+    const auto place = std::ranges::find(allHistoryWindows, window);
+    if (place != allHistoryWindows.end())
+        m_historyWindows->actions()[place - allHistoryWindows.begin()]->setChecked(true);
+}
+
+QList<QAction *> Commands::historyWindows() const
+{
+    return m_historyWindows->actions();
 }
 
 void Commands::connectUpdater(const UpdaterManager &updater)
@@ -63,6 +90,11 @@ void Commands::connectUpdater(const UpdaterManager &updater)
 QList<QAction *> Commands::inMenuOrder() const
 {
     return QList<QAction *>{m_openWindow, m_separators[0]} + besidesOpenWindow();
+}
+
+QList<QAction *> Commands::ofDashboard() const
+{
+    return historyWindows() + QList<QAction *>{m_separators[2]} + besidesOpenWindow();
 }
 
 QList<QAction *> Commands::besidesOpenWindow() const

@@ -132,6 +132,7 @@ CorvaneApp::CorvaneApp(bool isBackground, QObject *parent) : QObject(parent)
     connectLabel(isBackground);
     connectPanel();
     connectMetrics();
+    connectHistoryWindow();
     connectFocus();
     if (hostSystem() == HostSystem::mac)
         m_menuBar = makeMenuBar(m_commands);
@@ -237,6 +238,7 @@ void CorvaneApp::connectLabel(bool isBackground)
     };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_label, show);
     connect(&m_label, &TrayLabel::activated, &m_panel, [this](const QPoint &position) {
+        m_panel.showEnergy(m_state.sampler.energy());
         if (m_panel.isVisible() || hasDescriptorsForAWindow())
             m_panel.toggleAt(position);
     });
@@ -278,7 +280,11 @@ void CorvaneApp::connectMetrics()
 
 void CorvaneApp::connectPanel()
 {
-    const auto show = [this] { m_panel.show(m_state.sampler.current()); };
+    const auto show = [this] {
+        m_panel.show(m_state.sampler.current());
+        if (m_panel.isVisible())
+            m_panel.showEnergy(m_state.sampler.energy());
+    };
     connect(&m_state.sampler, &SystemSampler::currentChanged, &m_panel, show);
     connect(&m_panel, &MenuBarContent::openWindowRequested, m_commands.openWindow(),
             &QAction::trigger);
@@ -291,9 +297,14 @@ void CorvaneApp::connectMainWindow()
 {
     SystemSampler &sampler = m_state.sampler;
     MainWindow *window = m_mainWindow;
-    window->addActions(m_commands.besidesOpenWindow());
+    window->addActions(m_commands.ofDashboard());
+    window->setHistoryWindow(m_state.settings.historyWindow());
+    connect(window, &MainWindow::historyWindowChosen, &m_state.settings,
+            &AppSettings::setHistoryWindow);
     const auto showSamples = [&sampler, window] {
-        window->show(sampler.current(), sampler.history());
+        if (window->isVisible())
+            window->showEnergy(sampler.energy());
+        window->show(sampler.current(), sampler.chartHistory());
     };
     const auto showProcesses = [&sampler, window] { window->showProcesses(sampler.processes()); };
     const auto showWorkloads = [&sampler, window] {
@@ -312,6 +323,19 @@ void CorvaneApp::connectMainWindow()
         showSamples();
         showProcesses();
     });
+}
+
+void CorvaneApp::connectHistoryWindow()
+{
+    connect(&m_commands, &Commands::historyWindowChosen, &m_state.settings,
+            &AppSettings::setHistoryWindow);
+    const auto follow = [this](HistoryWindow window) {
+        m_commands.setHistoryWindow(window);
+        if (m_mainWindow)
+            m_mainWindow->setHistoryWindow(window);
+    };
+    connect(&m_state.settings, &AppSettings::historyWindowChanged, this, follow);
+    follow(m_state.settings.historyWindow());
 }
 
 int run(int argc, char **argv)

@@ -49,6 +49,7 @@ private:
     void connectPanel();
     void tellWhetherShown();
     void connectMainWindow();
+    void connectHistoryWindow();
 
     Activity m_activity;
     AppState m_state;

@@ -90,6 +90,8 @@ std::unique_ptr<QMenuBar> makeMenuBar(const Commands &commands, const KeyWindow 
     menus.add(*edit, u"Select All"_s, Qt::CTRL | Qt::Key_A, WindowCommand::selectAll);
 
     QMenu *view = menus.add(u"View"_s);
+    view->addActions(commands.historyWindows());
+    view->addSeparator();
     QAction *fullScreen = menus.add(*view, u"Enter Full Screen"_s, Qt::CTRL | Qt::META | Qt::Key_F,
                                     WindowCommand::fullScreen);
     QObject::connect(view, &QMenu::aboutToShow, fullScreen, [fullScreen, keyWindow] {

@@ -1,5 +1,6 @@
 #include "cards/CapacityCard.h"
 
+#include "cards/MeansChart.h"
 #include "charts/Sparkline.h"
 #include "ui/CardStyle.h"
 #include "ui/Icon.h"
@@ -155,6 +156,18 @@ void CapacityCard::showLine(const QString &label, const QString &value)
     placeLine();
 }
 
+void CapacityCard::showMeans(const MeanWindow &window, Measure measure)
+{
+    if (m_shownMeans == window.key())
+        return;
+    const MeansChart means(window);
+    SparklineData chart = means.chart();
+    chart.band = means.ranges(measure);
+    chart.bandColor = Theme::withOpacity(heading().color, bandOpacity);
+    showChart(std::move(chart), means.means(measure));
+    m_shownMeans = window.key();
+}
+
 void CapacityCard::showChart(SparklineData chart, std::vector<std::optional<double>> percents)
 {
     const QColor &color = heading().color;
@@ -164,6 +177,7 @@ void CapacityCard::showChart(SparklineData chart, std::vector<std::optional<doub
          .lineWidth = 2,
          .fillColors = {Theme::withOpacity(color, 0.55), Theme::withOpacity(color, 0.05)}});
     chart.yDomain = {0, 100};
+    m_shownMeans.reset();
     m_chart->show(std::move(chart));
 }
 

@@ -3,6 +3,7 @@
 #include "cards/Card.h"
 #include "cards/ChipRow.h"
 #include "cards/SegmentBar.h"
+#include "timeline/ChartHistory.h"
 
 namespace corvane {
 
@@ -50,6 +51,9 @@ protected:
     /// Values in per cent.
     void showChart(SparklineData chart, std::vector<std::optional<double>> percents);
 
+    /// The means of a measure in per cent; does nothing if the chart shows them already.
+    void showMeans(const MeanWindow &window, Measure measure);
+
     void setHasBar(bool hasBar);
 
     void layOut() override;
@@ -81,7 +85,8 @@ private:
     CardText &m_lineLabel;
     CardText &m_line;
     Sparkline *m_chart;
-    QString m_stateSymbol; ///< Empty: the card shows its figure.
+    std::optional<MeanWindow::Key> m_shownMeans; ///< Absent while the chart shows samples.
+    QString m_stateSymbol;                       ///< Empty: the card shows its figure.
     std::vector<Chip> m_chips;
     double m_chipsBelow = 0;
     std::vector<BarSegment> m_segments;

@@ -13,6 +13,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -87,6 +88,11 @@ void Card::setTitle(const QString &title)
 void Card::setInfo(const InfoText &info)
 {
     m_infoButton->setInfo(info);
+}
+
+void Card::setInfoSupplement(std::function<QString()> supplement)
+{
+    m_infoButton->setSupplement(std::move(supplement));
 }
 
 void Card::setNotes(const QStringList &notes)

@@ -5,6 +5,7 @@
 #include "ui/CardStyle.h"
 
 #include <deque>
+#include <functional>
 
 namespace corvane {
 
@@ -47,6 +48,9 @@ protected:
 
     /// Another explanation; does nothing if it is the same.
     void setInfo(const InfoText &info);
+
+    /// What the explanation says of the moment; asked when it is opened.
+    void setInfoSupplement(std::function<QString()> supplement);
 
     /// What the card cannot show and why, as its tool tip and accessible description; one sentence
     /// each.

@@ -2,6 +2,7 @@
 
 #include "cards/HistoryChart.h"
 #include "cards/InfoTexts.h"
+#include "cards/MeansChart.h"
 #include "cards/MemoryBreakdown.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
@@ -69,7 +70,7 @@ MemoryCard::MemoryCard(QWidget *parent)
     chart()->setHoverPill([this](std::size_t index) { return pill(index); });
 }
 
-void MemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void MemoryCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     const MachineCoverage &machine = coverageOf(current);
     setTitle(machine.isWhole ? u"Unified Memory"_s : u"Memory"_s);
@@ -79,11 +80,20 @@ void MemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetr
     const ByteFormatter &bytes = ByteFormatter::f();
     showAmounts(machine.isWhole ? QString() : bytes.string(current.memory.used),
                 machine.isWhole ? QString() : bytes.string(current.memory.total));
+    showHistory(history);
+}
+
+void MemoryCard::showHistory(const ChartHistory &history)
+{
+    if (history.means) {
+        showMeans(*history.means, Measure::memory);
+        return;
+    }
     std::vector<std::optional<double>> percents;
-    percents.reserve(history.size());
-    for (const SystemMetrics &sample : history)
+    percents.reserve(history.recent.size());
+    for (const SystemMetrics &sample : history.recent)
         percents.emplace_back(usedPercent(sample.memory));
-    showChart(historyChart(history), std::move(percents));
+    showChart(historyChart(history.recent), std::move(percents));
 }
 
 void MemoryCard::showPressure(MemoryPressure pressure)
@@ -112,6 +122,8 @@ void MemoryCard::showFigures(const MemorySnapshot &memory)
 PillContent MemoryCard::pill(std::size_t index) const
 {
     const SparklineData &shown = chart()->shown();
+    if (shown.showsMeans)
+        return loadPill(shown, index, Theme::memory);
     return {HoverTime::string(shown.timestamps[index]),
             {valuesRow({percentText(shown.series.front().values[index])}, Theme::memory)}};
 }

@@ -2,7 +2,7 @@
 
 #include "cards/CapacityCard.h"
 #include "charts/HoverPill.h"
-#include "records/SystemMetrics.h"
+#include "timeline/ChartHistory.h"
 
 namespace corvane {
 
@@ -17,14 +17,14 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
 
 protected:
     void layOut() override;
     void paintShapes(QPainter &painter, const QRectF &dirty) override;
 
 private:
+    void showHistory(const ChartHistory &history);
     void showFigures(const MemorySnapshot &memory);
     void showPressure(MemoryPressure pressure);
     QRectF badgeDot() const;

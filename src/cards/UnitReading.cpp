@@ -95,6 +95,11 @@ UnitReading unitReading(ComputeUnit unit, const SystemMetrics &sample,
     return npuReading(sample.chip, machine);
 }
 
+double neuralEngineLoad(double watts, const ChipInfo &info)
+{
+    return percentOfCeiling(watts, info.aneMaxW);
+}
+
 QString gpuClockText(const std::optional<QString> &state, const std::optional<double> &megahertz)
 {
     // Where a driver has no performance states, the clock in round numbers stands for one.
@@ -130,7 +135,7 @@ UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip
     case ComputeUnit::ane:
         break;
     }
-    return {.loadPercent = percentOfCeiling(from.aneWatts, info.aneMaxW),
+    return {.loadPercent = neuralEngineLoad(from.aneWatts, info),
             .watts = from.aneWatts,
             .loadIsDenied = from.denied.aneWatts,
             .wattsAreDenied = from.denied.aneWatts,

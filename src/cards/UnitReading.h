@@ -38,6 +38,9 @@ UnitReading unitReading(ComputeUnit unit, const std::optional<ChipReading> &chip
 UnitReading unitReading(ComputeUnit unit, const SystemMetrics &sample,
                         const MachineCoverage &machine);
 
+/// Load of the Neural Engine in per cent at that power.
+double neuralEngineLoad(double watts, const ChipInfo &info);
+
 /// "P2 · 2.61 GHz": state and clock of one GPU, as far as they are known.
 QString gpuClockText(const std::optional<QString> &state, const std::optional<double> &megahertz);
 

@@ -3,6 +3,7 @@
 #include "cards/DeniedTexts.h"
 #include "cards/HistoryChart.h"
 #include "cards/InfoTexts.h"
+#include "cards/MeansChart.h"
 #include "charts/CoreBars.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
@@ -78,14 +79,17 @@ UtilizationCard::UtilizationCard(Kind kind, QWidget *parent, const ChipInfo &chi
     m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
 }
 
-void UtilizationCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void UtilizationCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     const MachineCoverage &machine = coverageOf(current);
-    const UnitReading reading = newestUnitReading(m_kind, current, history, m_chip);
+    const UnitReading reading = newestUnitReading(m_kind, current, history.recent, m_chip);
     showMachine(machine);
     if (m_kind == Kind::gpu && !machine.isWhole)
         setNotes(gpuNotes(current));
-    showChart(current, history);
+    if (history.means)
+        showMeans(*history.means, machine);
+    else
+        showChart(current, history.recent);
     const Coverage coverage = loadCoverage(current, reading);
     if (coverage == Coverage::known)
         showReading(reading, current.chip && (machine.isWhole || !reading.loadIsDenied));
@@ -162,13 +166,16 @@ void UtilizationCard::showDenied(Coverage coverage, const MachineCoverage &machi
 
 bool UtilizationCard::hasChart() const
 {
-    return std::ranges::any_of(m_readings,
-                               [](const UnitReading &reading) { return !reading.isGap; });
+    const std::vector<SparklineSeries> &series = m_chart->shown().series;
+    return !series.empty() && std::ranges::any_of(series.front().values, [](const auto &value) {
+        return value.has_value();
+    });
 }
 
 void UtilizationCard::showChart(const SystemMetrics &current,
                                 const std::vector<SystemMetrics> &history)
 {
+    m_shownMeans.reset();
     const MachineCoverage &machine = coverageOf(current);
     SparklineData chart = historyChart(history);
     SparklineSeries series{
@@ -184,6 +191,21 @@ void UtilizationCard::showChart(const SystemMetrics &current,
     chart.series.push_back(std::move(series));
     chart.yDomain = {0, 100};
     m_chart->show(std::move(chart));
+}
+
+void UtilizationCard::showMeans(const MeanWindow &window, const MachineCoverage &machine)
+{
+    if (m_shownMeans == window.key())
+        return;
+    m_shownMeans = window.key();
+    const MeansChart means(window);
+    const bool isFromWatts = m_kind == Kind::ane && machine.isWhole;
+    const auto loadOfWatts = [this](double watts) { return neuralEngineLoad(watts, m_chip); };
+    m_chart->show(isFromWatts ? means.loadChart(Measure::npuWatts, m_color, loadOfWatts)
+                              : means.loadChart(m_kind == Kind::cpu       ? Measure::cpuLoad
+                                                    : m_kind == Kind::gpu ? Measure::gpuLoad
+                                                                          : Measure::npuLoad,
+                                                m_color));
 }
 
 void UtilizationCard::showCores(const SystemMetrics &current)
@@ -202,6 +224,8 @@ void UtilizationCard::fitCoreBars()
 
 PillContent UtilizationCard::pill(std::size_t index) const
 {
+    if (m_chart->shown().showsMeans)
+        return loadPill(m_chart->shown(), index, m_color);
     return {HoverTime::string(m_chart->shown().timestamps[index]),
             {valuesRow(unitPillTexts(m_readings[index]), m_color)}};
 }

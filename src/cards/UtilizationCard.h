@@ -3,6 +3,7 @@
 #include "cards/Card.h"
 #include "cards/UnitReading.h"
 #include "charts/HoverPill.h"
+#include "timeline/ChartHistory.h"
 
 namespace corvane {
 
@@ -22,8 +23,7 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
 
     Sparkline *chart() const { return m_chart; }
 
@@ -35,6 +35,7 @@ private:
     void showReading(const UnitReading &reading, bool isKnown);
     void showStat(const QString &note, const QString &stat);
     void showChart(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void showMeans(const MeanWindow &window, const MachineCoverage &machine);
     void showCores(const SystemMetrics &current);
     void fitCoreBars();
     bool hasChart() const; ///< Something was known in the time that is shown.
@@ -54,7 +55,8 @@ private:
     CardText &m_subtitle;
     CoreBars *m_coreBars;
     Sparkline *m_chart;
-    std::vector<UnitReading> m_readings; ///< One a sample of the chart, for the pill.
+    std::vector<UnitReading> m_readings;         ///< One a sample of the chart, for the pill.
+    std::optional<MeanWindow::Key> m_shownMeans; ///< Absent while the chart shows samples.
     std::vector<double> m_cores;
 };
 

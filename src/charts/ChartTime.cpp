@@ -72,4 +72,18 @@ std::array<QString, 3> timeLabels(const ChartRange &time, const QLocale &locale)
             timeLabel(time.upper, locale)};
 }
 
+std::array<QString, 3> timeLabelsOfDays(const ChartRange &time, const QLocale &locale)
+{
+    std::array<QString, 3> labels = timeLabels(time, locale);
+    if (chartTime(time.lower).date() == chartTime(time.upper).date())
+        return labels;
+    const std::array<double, 3> instants{time.lower, time.middle(), time.upper};
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+        const int day = chartTime(instants[i]).date().dayOfWeek();
+        if (day > 0)
+            labels[i].prepend(locale.dayName(day, QLocale::ShortFormat) + u' ');
+    }
+    return labels;
+}
+
 } // namespace corvane

@@ -20,4 +20,7 @@ QString timeLabel(double secondsSince2001, const QLocale &locale);
 /// Labels of the first, the middle and the last instant.
 std::array<QString, 3> timeLabels(const ChartRange &time, const QLocale &locale);
 
+/// The same with the weekday before each where a midnight lies between the first and the last.
+std::array<QString, 3> timeLabelsOfDays(const ChartRange &time, const QLocale &locale);
+
 } // namespace corvane

@@ -13,4 +13,9 @@ QString string(double date)
     return chartTime(date).toString(u"HH:mm:ss"_s);
 }
 
+QString minute(double date)
+{
+    return chartTime(date).toString(u"ddd HH:mm"_s);
+}
+
 } // namespace corvane::HoverTime

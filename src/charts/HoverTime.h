@@ -8,4 +8,7 @@ namespace corvane::HoverTime {
 /// such as "14:05:09"; empty if no calendar has such a date.
 QString string(double date);
 
+/// The time of a hovered minute within a day, such as "Mon 14:05".
+QString minute(double date);
+
 } // namespace corvane::HoverTime

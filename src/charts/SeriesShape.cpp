@@ -14,7 +14,8 @@ struct Run {
     std::size_t end = 0;
 };
 
-std::vector<Run> unbrokenRuns(const Values &values, std::size_t count)
+template <typename Value>
+std::vector<Run> unbrokenRuns(const std::vector<std::optional<Value>> &values, std::size_t count)
 {
     std::vector<Run> runs;
     for (std::size_t i = 0; i < count; ++i) {
@@ -81,7 +82,7 @@ std::vector<SeriesShape> seriesShapes(const SparklineData &data, const QSizeF &s
         for (const Run &run : runs) {
             SeriesShape shape = shapeOf(values, run, columns, baseline, scale);
             shape.series = index;
-            if (runs.size() > 1 && shape.line.size() == 1)
+            if ((runs.size() > 1 || data.showsMeans) && shape.line.size() == 1)
                 widenDot(shape);
             shapes.push_back(std::move(shape));
         }
@@ -89,6 +90,38 @@ std::vector<SeriesShape> seriesShapes(const SparklineData &data, const QSizeF &s
             continue;
         for (std::size_t i = 0; i < count; ++i)
             baseline[i] += values[i].value_or(0);
+    }
+    return shapes;
+}
+
+std::vector<QPolygonF> bandShapes(const SparklineData &data, const QSizeF &size)
+{
+    constexpr double half = 0.5; // A range between two gaps is as wide as a dot.
+    const ChartScale scale{data.xDomain, data.yDomain, size};
+    if (!scale.isUsable())
+        return {};
+    const std::vector<std::optional<double>> columns = sampleColumns(data.timestamps, scale);
+    std::vector<QPolygonF> shapes;
+    for (const Run &run : unbrokenRuns(data.band, std::min(data.band.size(), columns.size()))) {
+        QPolygonF shape;
+        const double margin = run.end == run.first + 1 ? half : 0;
+        for (std::size_t i = run.first; i < run.end; ++i) {
+            if (columns[i])
+                shape.append(QPointF(*columns[i] - margin, scale.yFor(data.band[i]->upper)));
+        }
+        for (std::size_t i = run.end; margin > 0 && i-- > run.first;) {
+            if (columns[i])
+                shape.append(QPointF(*columns[i] + margin, scale.yFor(data.band[i]->upper)));
+        }
+        for (std::size_t i = run.end; i-- > run.first;) {
+            if (columns[i])
+                shape.append(QPointF(*columns[i] + margin, scale.yFor(data.band[i]->lower)));
+        }
+        for (std::size_t i = run.first; margin > 0 && i < run.end; ++i) {
+            if (columns[i])
+                shape.append(QPointF(*columns[i] - margin, scale.yFor(data.band[i]->lower)));
+        }
+        shapes.push_back(std::move(shape));
     }
     return shapes;
 }

@@ -22,4 +22,7 @@ struct SeriesShape {
 /// is stacked on it.
 std::vector<SeriesShape> seriesShapes(const SparklineData &data, const QSizeF &size);
 
+/// The outlines of the unbroken runs of the band.
+std::vector<QPolygonF> bandShapes(const SparklineData &data, const QSizeF &size);
+
 } // namespace corvane

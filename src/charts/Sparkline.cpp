@@ -1,6 +1,7 @@
 #include "charts/Sparkline.h"
 
 #include "charts/ChartTime.h"
+#include "charts/ColumnReduction.h"
 #include "charts/RoundBends.h"
 #include "controls/ContextMenu.h"
 #include "ui/ContentArea.h"
@@ -321,10 +322,25 @@ void Sparkline::updatePill()
 void Sparkline::prepare()
 {
     m_prepared = true;
-    m_timeLabels =
-        m_data.showsTimeLabels ? timeLabels(m_data.xDomain, locale()) : std::array<QString, 3>{};
+    m_timeLabels = {};
+    if (m_data.showsTimeLabels)
+        m_timeLabels = m_data.showsMeans ? timeLabelsOfDays(m_data.xDomain, locale())
+                                         : timeLabels(m_data.xDomain, locale());
     m_layers.clear();
-    for (SeriesShape &shape : seriesShapes(m_data, plot().size())) {
+    if (!m_data.showsMeans) {
+        m_bands.clear();
+        addLayers(m_data);
+        return;
+    }
+    const SparklineData drawn =
+        reducedToColumns(m_data, static_cast<int>(plot().width() * devicePixelRatioF()));
+    m_bands = bandShapes(drawn, plot().size());
+    addLayers(drawn);
+}
+
+void Sparkline::addLayers(const SparklineData &drawn)
+{
+    for (SeriesShape &shape : seriesShapes(drawn, plot().size())) {
         const SparklineSeries &series = m_data.series[shape.series];
         m_layers.push_back({std::move(shape), fillBrush(series.fillColors, plot().height()),
                             linePen(series.lineColor, series.lineWidth)});
@@ -342,6 +358,7 @@ void Sparkline::paintEvent(QPaintEvent *)
     if (m_data.showsGrid)
         fillHairline(painter, QRectF(0, size.height() * 0.5 - 0.5, size.width(), 1),
                      Theme::chartGrid);
+    paintBands(painter);
     paintLayers(painter);
     painter.setClipRect(QRectF({}, size));
     if (m_cursorX)
@@ -349,6 +366,14 @@ void Sparkline::paintEvent(QPaintEvent *)
     paintTimeLabels(painter);
     if (m_showsPill)
         paintPill(painter);
+}
+
+void Sparkline::paintBands(QPainter &painter) const
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_data.bandColor);
+    for (const QPolygonF &band : m_bands)
+        painter.drawPolygon(band, Qt::WindingFill);
 }
 
 void Sparkline::paintLayers(QPainter &painter) const
@@ -365,6 +390,19 @@ void Sparkline::paintCursor(QPainter &painter) const
     fillHairline(painter, line, Theme::chartCursor);
 }
 
+/// Whether a label would not touch the others. Labels of hours and minutes are of nearly one width.
+bool Sparkline::hasRoomForLabel(std::size_t label, const std::array<double, 3> &widths) const
+{
+    constexpr double labelGap = 16;
+    if (m_data.showsMeans) {
+        const double ends = widths[0] + labelGap + widths[2];
+        const std::array<double, 3> needed{0, ends + widths[1] + labelGap, ends};
+        return plot().width() >= needed[label];
+    }
+    constexpr std::array<double, 3> neededWidths{0, 160, 72}; // Of the chart, for each label.
+    return plot().width() >= neededWidths[label];
+}
+
 void Sparkline::paintTimeLabels(QPainter &painter) const
 {
     constexpr double inset = 4;
@@ -378,10 +416,9 @@ void Sparkline::paintTimeLabels(QPainter &painter) const
     const double free = width - 2 * inset - widths[0] - widths[1] - widths[2];
     const std::array<double, 3> lefts = {inset, inset + widths[0] + free / 2,
                                          width - inset - widths[2]};
-    constexpr std::array<double, 3> neededWidths{0, 160, 72}; // Of the chart, for each label.
     for (std::size_t i = 0; i < m_timeLabels.size(); ++i) {
-        if (m_timeLabels[i].isEmpty() || width < neededWidths[i])
-            continue; // It would touch the others.
+        if (m_timeLabels[i].isEmpty() || !hasRoomForLabel(i, widths))
+            continue;
         fillRounded(painter,
                     QRectF(lefts[i] - tagMargin, tag.top, widths[i] + 2 * tagMargin, tag.height), 3,
                     Theme::timeLabelTag);

@@ -81,7 +81,10 @@ private:
     bool stepCursor(int key);
     void updatePill();
     void prepare();
+    void addLayers(const SparklineData &drawn);
 
+    bool hasRoomForLabel(std::size_t label, const std::array<double, 3> &widths) const;
+    void paintBands(QPainter &painter) const;
     void paintLayers(QPainter &painter) const;
     void paintTimeLabels(QPainter &painter) const;
     void paintCursor(QPainter &painter) const;
@@ -95,6 +98,7 @@ private:
     std::optional<double> m_cursorX;
     double m_plotWidth = 0;  ///< At the last resizing.
     bool m_prepared = false; ///< Layers and labels are those of the data, the size and the locale.
+    std::vector<QPolygonF> m_bands;
     std::vector<Layer> m_layers;
     std::array<QString, 3> m_timeLabels;
 };

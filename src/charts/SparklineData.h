@@ -41,6 +41,15 @@ struct SparklineData {
     bool showsGrid = true;
     bool showsTimeLabels = true;
 
+    /// Means over spans of time: at most one point is drawn in a pixel column, and time labels name
+    /// the weekday where a midnight lies within.
+    bool showsMeans = false;
+
+    /// From the smallest to the largest value at each timestamp, behind the series; absent where
+    /// nothing was known. May be empty.
+    std::vector<std::optional<ChartRange>> band = {};
+    QColor bandColor = {};
+
     bool operator==(const SparklineData &) const = default;
 };
 

@@ -25,8 +25,9 @@ constexpr int radius = 10;
 constexpr int margin = 5; ///< Between the edge of the menu and the rows.
 constexpr int rowHeight = 24;
 constexpr int rowRadius = 6;
-constexpr int rowPadding = 8; ///< Left and right of a row's text.
-constexpr int keyGap = 24;    ///< Between the longest text and the column of keys.
+constexpr int rowPadding = 8;  ///< Left and right of a row's text.
+constexpr int checkWidth = 16; ///< Of the column of check marks, where there is one.
+constexpr int keyGap = 24;     ///< Between the longest text and the column of keys.
 constexpr int separatorHeight = 9;
 
 bool isSeparator(const QStyleOptionMenuItem &item)
@@ -46,7 +47,10 @@ void paintRow(QPainter &painter, const QStyleOptionMenuItem &item)
     const QString text = item.text.section(u'\t', 0, 0);
     const QString key = item.text.section(u'\t', 1);
     painter.setPen(isEnabled ? Theme::textPrimary : Theme::textTertiary);
-    drawText(painter, {row.left() + rowPadding, baseline}, text, item.font);
+    if (item.checked)
+        drawText(painter, {row.left() + rowPadding, baseline}, u"✓"_s, item.font);
+    const double left = row.left() + rowPadding + (item.menuHasCheckableItems ? checkWidth : 0);
+    drawText(painter, {left, baseline}, text, item.font);
     if (!isChosen && isEnabled)
         painter.setPen(Theme::textSecondary);
     drawText(painter, {row.right() - rowPadding - item.reservedShortcutWidth, baseline}, key,
@@ -54,7 +58,7 @@ void paintRow(QPainter &painter, const QStyleOptionMenuItem &item)
 }
 
 /// Paints a menu like the popovers, whatever the style of the desktop is: it opens over dark views.
-/// Its keys begin in one column. For menus of plain commands and separators.
+/// Its keys begin in one column. For menus of plain commands, choices and separators.
 class MenuStyle : public QCommonStyle {
 public:
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
@@ -93,7 +97,8 @@ public:
             return QCommonStyle::sizeFromContents(type, option, contents, widget);
         if (isSeparator(*item))
             return {2 * rowPadding, separatorHeight};
-        return {contents.width() + 2 * rowPadding + keyGap, rowHeight};
+        const int checks = item->menuHasCheckableItems ? checkWidth : 0;
+        return {contents.width() + 2 * rowPadding + keyGap + checks, rowHeight};
     }
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,

@@ -50,7 +50,9 @@ void InfoButton::toggle()
         close();
         return;
     }
-    m_popover = new InfoPopover(m_info.title, m_info.text, this,
+    const QString supplement = m_supplement ? m_supplement() : QString();
+    const QString text = supplement.isEmpty() ? m_info.text : m_info.text + u"\n\n"_s + supplement;
+    m_popover = new InfoPopover(m_info.title, text, this,
                                 clickArea().translated(contentArea(*this).topLeft()));
     connect(m_popover, &InfoPopover::dismissed, this, &InfoButton::close);
 }

@@ -4,6 +4,9 @@
 #include <QPointer>
 #include <QRectF>
 
+#include <functional>
+#include <utility>
+
 namespace corvane {
 
 class InfoPopover;
@@ -35,6 +38,10 @@ public:
 
     const InfoText &info() const { return m_info; }
 
+    /// Returns what is said of the moment, below the explanation. Asked when the popover opens.
+    using Supplement = std::function<QString()>;
+    void setSupplement(Supplement supplement) { m_supplement = std::move(supplement); }
+
     /// Another explanation; an open popover closes. Does nothing if it is the same.
     void setInfo(const InfoText &info);
 
@@ -52,6 +59,7 @@ private:
     void toggle();
     void close();
 
+    Supplement m_supplement; ///< May be empty.
     InfoText m_info;
     QPointer<InfoPopover> m_popover; ///< A child of the window, which may delete it first.
 };

@@ -59,8 +59,10 @@ DashboardHeader::DashboardHeader(const QString &chipName, QWidget *parent)
              .font = Theme::systemFont(11),
              .color = Theme::textSecondary,
              .digits = Digits::proportional},
-      m_note(m_chip)
+      m_note(m_chip),
+      m_choice(new WindowChoice(this))
 {
+    connect(m_choice, &WindowChoice::chosenByUser, this, &DashboardHeader::historyWindowChosen);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Corvane"_s);
     m_name.font.setLetterSpacing(QFont::AbsoluteSpacing, -0.1);
@@ -101,6 +103,16 @@ void DashboardHeader::setNumbers(const std::vector<QuickNumber> &numbers)
         if (stat.width() != previousWidth)
             layOut();
     }
+}
+
+void DashboardHeader::setHistoryWindow(HistoryWindow window)
+{
+    m_choice->setChosen(window);
+}
+
+QWidget *DashboardHeader::lastInTabOrder() const
+{
+    return m_choice->lastInTabOrder();
 }
 
 void DashboardHeader::setNote(const QString &note)
@@ -145,6 +157,9 @@ void DashboardHeader::layOut()
         stat.value.baseline = {right, valueLine.baseline(stat.value.font)};
         right -= stat.width() + statGap;
     }
+    right -= m_choice->width();
+    m_choice->move(static_cast<int>(right), (height() - m_choice->height()) / 2);
+    right -= gap;
     m_chip.maxWidth = std::max(right - m_chip.baseline.x(), 1.0);
     m_note.baseline = {m_chip.baseline.x() + m_chip.width(), m_chip.baseline.y()};
     m_note.maxWidth = std::max(right - m_note.baseline.x(), 1.0);

@@ -2,13 +2,14 @@
 
 #include "cards/CardText.h"
 #include "dashboard/QuickNumbers.h"
+#include "dashboard/WindowChoice.h"
 
 #include <vector>
 
 namespace corvane {
 
-/// The dashboard's first line: logo, name and chip, and quick numbers at the right, one for each
-/// quantity that the machine has.
+/// The dashboard's first line: logo, name and chip, the choice of the window of time, and quick
+/// numbers at the right, one for each quantity that the machine has.
 class DashboardHeader : public AccessibleWidget {
     Q_OBJECT
 
@@ -23,6 +24,12 @@ public:
     std::vector<CardText> texts() const;
 
     std::vector<AccessibleText> accessibleTexts() const override;
+
+    void setHistoryWindow(HistoryWindow window);
+    QWidget *lastInTabOrder() const;
+
+signals:
+    void historyWindowChosen(corvane::HistoryWindow window);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -46,6 +53,7 @@ private:
     CardText m_chip;
     CardText m_note;
     std::vector<QuickStat> m_stats;
+    WindowChoice *m_choice;
 };
 
 } // namespace corvane

@@ -29,7 +29,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <utility>
 
 namespace corvane {
 
@@ -53,6 +52,8 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip, const MachineCover
     setFocusPolicy(Qt::StrongFocus);
     setFocus(); // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
+    connect(m_header, &DashboardHeader::historyWindowChosen, this,
+            &MainWindow::historyWindowChosen);
     setGrid(dashboardGrid(machine));
     resize(defaultSize.boundedTo(screen()->availableSize()));
     closeOnControlW(*this);
@@ -64,19 +65,19 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip, const MachineCover
         this);
 }
 
-void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void MainWindow::show(const SystemMetrics &current, const ChartHistory &history)
 {
     m_totalMemory = current.memory.total;
     setGrid(dashboardGrid(coverageOf(current)));
     if (!takesContents()) {
-        recomputeScales(history); // The scale covers spikes while the window is hidden too.
+        recomputeScales(history.recent); // The scale covers spikes while the window is hidden too.
         return;
     }
     // A history that is short enough is not copied.
     std::vector<SystemMetrics> reduced;
-    if (std::ssize(history) > maxChartPoints)
-        reduced = chartDownsampled(history, maxChartPoints);
-    const std::vector<SystemMetrics> &shown = reduced.empty() ? history : reduced;
+    if (std::ssize(history.recent) > maxChartPoints)
+        reduced = chartDownsampled(history.recent, maxChartPoints);
+    const ChartHistory shown(reduced.empty() ? history.recent : reduced, history.means);
     showMachine(current);
     m_header->show(current);
     for (const DashboardRow &row : m_grid) {
@@ -86,7 +87,7 @@ void MainWindow::show(const SystemMetrics &current, const std::vector<SystemMetr
 }
 
 void MainWindow::showCard(DashboardCard which, const SystemMetrics &current,
-                          const std::vector<SystemMetrics> &history)
+                          const ChartHistory &history)
 {
     const auto show = [&]<typename CardType>(CardType *shown) { shown->show(current, history); };
     switch (which) {
@@ -108,6 +109,21 @@ void MainWindow::showCard(DashboardCard which, const SystemMetrics &current,
     case DashboardCard::processes:
         return; // These have data of their own.
     }
+}
+
+void MainWindow::showEnergy(const EnergyReport &energy)
+{
+    if (!canBeSeen())
+        return;
+    if (const auto found = m_cards.find(DashboardCard::power); found != m_cards.end())
+        static_cast<PowerCard *>(found->second)->showEnergy(energy);
+    if (const auto found = m_cards.find(DashboardCard::smallPower); found != m_cards.end())
+        static_cast<SmallPowerCard *>(found->second)->showEnergy(energy);
+}
+
+void MainWindow::setHistoryWindow(HistoryWindow window)
+{
+    m_header->setHistoryWindow(window);
 }
 
 /// What the lists need to know of machine and sample.
@@ -170,7 +186,7 @@ void MainWindow::setGrid(DashboardGrid grid)
 /// In reading order: each card's info button, then its charts or list.
 void MainWindow::setTabOrderOfCards()
 {
-    QWidget *last = m_header;
+    QWidget *last = m_header->lastInTabOrder();
     for (const DashboardRow &row : m_grid) {
         for (const DashboardRow::Cell &cell : row.cells) {
             for (QWidget *part : card(cell.card)->findChildren<QWidget *>()) {

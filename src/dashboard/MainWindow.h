@@ -5,7 +5,10 @@
 #include "processes/AIWorkload.h"
 #include "processes/ProcessRow.h"
 #include "records/GPUHolders.h"
+#include "records/HistoryWindow.h"
 #include "records/SystemMetrics.h"
+#include "timeline/ChartHistory.h"
+#include "timeline/EnergyLedger.h"
 
 #include <QWidget>
 
@@ -33,8 +36,14 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first; the charts show at most 180 of its samples.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    /// The charts show at most 180 of the newest samples.
+    void show(const SystemMetrics &current, const ChartHistory &history);
+
+    /// What was measured of energy, with the next samples.
+    void showEnergy(const EnergyReport &energy);
+
+    /// The window of time that the charts show, for the choice in the header.
+    void setHistoryWindow(HistoryWindow window);
 
     /// Largest first.
     void showProcesses(const std::vector<ProcessRow> &processes);
@@ -53,6 +62,9 @@ signals:
 
     /// Emitted when the window is hidden, minimised, or covered as far as the window system tells.
     void noLongerSeen();
+
+    /// Emitted when the user chooses another window of time.
+    void historyWindowChosen(corvane::HistoryWindow window);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -79,8 +91,7 @@ private:
     void setTabOrderOfCards();
     Card *card(DashboardCard which);
     Card *madeCard(DashboardCard which);
-    void showCard(DashboardCard which, const SystemMetrics &current,
-                  const std::vector<SystemMetrics> &history);
+    void showCard(DashboardCard which, const SystemMetrics &current, const ChartHistory &history);
     void recomputeScales(const std::vector<SystemMetrics> &history);
     void showMachine(const SystemMetrics &current);
 

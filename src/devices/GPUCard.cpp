@@ -3,6 +3,7 @@
 #include "cards/DeniedTexts.h"
 #include "cards/HistoryChart.h"
 #include "cards/InfoTexts.h"
+#include "cards/MeansChart.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "devices/GPUNames.h"
@@ -15,6 +16,7 @@
 #include "ui/Theme.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -75,7 +77,7 @@ GPUCard::GPUCard(QWidget *parent)
 {
 }
 
-void GPUCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void GPUCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     const MachineCoverage &machine = coverageOf(current);
     showMachine(machine);
@@ -93,8 +95,10 @@ void GPUCard::show(const SystemMetrics &current, const std::vector<SystemMetrics
     m_watts.resize(m_gpus.size());
     for (std::size_t i = 0; i < m_gpus.size(); ++i) {
         showColumn(i, current.chip);
-        showChart(i, history);
+        if (!history.means)
+            showChart(i, history.recent);
     }
+    showMeans(history.means);
     clearColumns(m_gpus.size());
 }
 
@@ -102,6 +106,8 @@ void GPUCard::showMachine(const MachineCoverage &machine)
 {
     std::vector<GPUCoverage> gpus = countedGPUs(machine);
     const bool isAnotherNumber = gpus.size() != m_gpus.size();
+    if (isAnotherNumber)
+        m_shownMeans.reset();
     m_gpus = std::move(gpus);
     while (m_columns.size() < m_gpus.size())
         addColumn();
@@ -169,6 +175,19 @@ void GPUCard::clearColumns(std::size_t from)
     }
 }
 
+void GPUCard::showMeans(const std::optional<MeanWindow> &window)
+{
+    const auto key = window ? std::optional(window->key()) : std::nullopt;
+    if (std::exchange(m_shownMeans, key) == key || !window || !hasCharts())
+        return;
+    const MeansChart means(*window);
+    for (std::size_t i = 0; i < m_gpus.size(); ++i) {
+        const auto measure = static_cast<Measure>(indexOf(Measure::firstGPU) + i);
+        m_columns[i].chart->show(
+            means.loadChart(m_gpus.size() > 1 ? measure : Measure::gpuLoad, Theme::gpu));
+    }
+}
+
 void GPUCard::showChart(std::size_t index, const std::vector<SystemMetrics> &history)
 {
     if (!hasCharts())
@@ -193,6 +212,8 @@ void GPUCard::showChart(std::size_t index, const std::vector<SystemMetrics> &his
 PillContent GPUCard::pill(std::size_t index, std::size_t sample) const
 {
     const SparklineData &shown = m_columns[index].chart->shown();
+    if (shown.showsMeans)
+        return loadPill(shown, sample, Theme::gpu);
     QStringList values{percentText(shown.series.front().values[sample])};
     if (m_gpus[index].watts == Coverage::known)
         values.append(tightWattsText(m_watts[index][sample], 2));

@@ -3,6 +3,7 @@
 #include "cards/Card.h"
 #include "charts/HoverPill.h"
 #include "records/SystemMetrics.h"
+#include "timeline/ChartHistory.h"
 
 namespace corvane {
 
@@ -18,8 +19,7 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
 
     /// Of the GPU with that index.
     Sparkline *chart(std::size_t index) const { return m_columns[index].chart; }
@@ -41,6 +41,7 @@ private:
     void showColumn(std::size_t index, const std::optional<ChipReading> &chip);
     void clearColumns(std::size_t from);
     void showChart(std::size_t index, const std::vector<SystemMetrics> &history);
+    void showMeans(const std::optional<MeanWindow> &window);
     std::size_t columnsInRow() const;
     bool hasCharts() const;
     PillContent pill(std::size_t index, std::size_t sample) const;
@@ -50,6 +51,7 @@ private:
     std::vector<GPUCoverage> m_gpus;
     /// Watts of each GPU in each sample of the charts.
     std::vector<std::vector<std::optional<double>>> m_watts;
+    std::optional<MeanWindow::Key> m_shownMeans; ///< Absent while the charts show samples.
 };
 
 } // namespace corvane

@@ -3,6 +3,7 @@
 #include "cards/DeniedTexts.h"
 #include "cards/HistoryChart.h"
 #include "cards/InfoTexts.h"
+#include "cards/MeansChart.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "devices/GPUNames.h"
@@ -64,7 +65,7 @@ void GPUMemoryCard::setHolders(const std::vector<GPUHolders> &holders)
     m_holders = holders;
 }
 
-void GPUMemoryCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void GPUMemoryCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     showHeading(coverageOf(current));
     showHistory(history);
@@ -84,18 +85,21 @@ void GPUMemoryCard::showHeading(const MachineCoverage &machine)
     setText(m_stat, singleLine(gpuMemoryHeading(m_gpus)));
 }
 
-void GPUMemoryCard::showHistory(const std::vector<SystemMetrics> &history)
+void GPUMemoryCard::showHistory(const ChartHistory &history)
 {
     std::vector<std::optional<double>> percents;
-    percents.reserve(history.size());
+    percents.reserve(history.recent.size());
     m_totals.clear();
-    for (const SystemMetrics &sample : history) {
+    for (const SystemMetrics &sample : history.recent) {
         m_totals.push_back(gpuMemoryTotal(sample));
         percents.push_back(usedPercent(m_totals.back()));
         if (percents.back())
             m_awakeUntil = std::max(m_awakeUntil.value_or(sample.timestamp), sample.timestamp);
     }
-    showChart(historyChart(history), std::move(percents));
+    if (history.means)
+        showMeans(*history.means, Measure::gpuMemory);
+    else
+        showChart(historyChart(history.recent), std::move(percents));
 }
 
 void GPUMemoryCard::showNow(const SystemMetrics &current)
@@ -317,6 +321,8 @@ void GPUMemoryCard::placeRows()
 
 PillContent GPUMemoryCard::pill(std::size_t index) const
 {
+    if (chart()->shown().showsMeans)
+        return loadPill(chart()->shown(), index, Theme::gpu);
     const GPUMemoryTotal &memory = m_totals[index];
     QStringList values{percentText(usedPercent(memory))};
     if (memory.state == FigureState::known)

@@ -18,8 +18,7 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
 
     /// Who holds the memory; shown from the next `show` on.
     void setHolders(const std::vector<GPUHolders> &holders);
@@ -48,7 +47,7 @@ private:
     void showHeading(const MachineCoverage &machine);
     void showNow(const SystemMetrics &current);
     void showUse(const GPUMemoryTotal &memory, const std::optional<ChipReading> &chip);
-    void showHistory(const std::vector<SystemMetrics> &history);
+    void showHistory(const ChartHistory &history);
     void showRows(const std::optional<ChipReading> &chip);
     void setRow(std::size_t index, const GPUMetrics *metrics);
     std::vector<BarSegment> segments(const GPUCoverage &gpu, const GPUMetrics *metrics) const;

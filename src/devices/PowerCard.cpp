@@ -4,6 +4,7 @@
 #include "cards/InfoTexts.h"
 #include "charts/Sparkline.h"
 #include "ui/CardStyle.h"
+#include "ui/EnergyText.h"
 #include "ui/MachineText.h"
 #include "ui/NumberText.h"
 #include "ui/Theme.h"
@@ -51,26 +52,55 @@ PowerCard::PowerCard(QWidget *parent)
       m_system(addText({.name = u"Whole system"_s,
                         .font = Theme::systemFont(10),
                         .color = Theme::textSecondary,
-                        .alignment = Qt::AlignRight}))
+                        .alignment = Qt::AlignRight})),
+      m_energyToday(addText({.name = u"Energy"_s,
+                             .font = Theme::systemFont(10),
+                             .color = Theme::textSecondary,
+                             .alignment = Qt::AlignRight}))
 {
     showLegend({});
+    setInfoSupplement([this] { return energyMarkdown(m_energy, m_isWhole ? u"ANE"_s : u"NPU"_s); });
     chart()->setAccessibleName(u"Power of CPU, GPU and ANE over time"_s);
 }
 
-void PowerCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void PowerCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     const MachineCoverage &machine = coverageOf(current);
     setInfo(infoText(InfoTopic::power, machine));
     if (!machine.isWhole) {
         setTitle(u"Power"_s);
-        setNotes(powerNotes(machine));
         chart()->setAccessibleName(u"Power over time"_s);
     }
+    m_isWhole = machine.isWhole;
+    QStringList notes = machine.isWhole ? QStringList() : powerNotes(machine);
+    notes.append(energyTodayText(m_energy));
+    notes.removeAll(QString());
+    setNotes(notes);
     showLegend(machine);
     m_power.show(history, machine);
     setText(m_stat, powerStatText(m_power.peak(), current.chip));
     const std::optional<double> system = current.chip ? current.chip->systemWatts : std::nullopt;
     setText(m_system, system ? systemWattsText(*system, machine.systemWattsSource) : QString());
+    placeSums();
+}
+
+/// At the right end of the legend's line, as far as there is room. A whole chip's card has no such
+/// text: there it is the tool tip.
+void PowerCard::placeSums()
+{
+    constexpr double gap = 14;
+    const double system = m_system.text.isEmpty() ? 0 : m_system.width() + gap;
+    const double room = contentRight() - m_legendEnd - gap - system;
+    QString energy;
+    for (const QString &words : {shortEnergyText(m_energy), energyTodayText(m_energy)}) {
+        if (!m_isWhole && textWidth(words, m_energyToday.font) <= room)
+            energy = words;
+    }
+    setText(m_energyToday, energy);
+    const double baseline = legendLine.baseline(m_system.font);
+    moveText(m_energyToday, {contentRight(), baseline});
+    const double shift = energy.isEmpty() ? 0 : m_energyToday.width() + gap;
+    moveText(m_system, {contentRight() - shift, baseline});
 }
 
 void PowerCard::recomputeYMax(const std::vector<SystemMetrics> &history)
@@ -101,6 +131,8 @@ void PowerCard::placeLegend()
     for (CardText *entry : m_legend) {
         entry->baseline = {x + legendDot + legendDotGap, legendLine.baseline(entry->font)};
         x = entry->baseline.x() + entry->width() + legendGap;
+        if (!entry->text.isEmpty())
+            m_legendEnd = x - legendGap;
     }
 }
 
@@ -108,8 +140,8 @@ void PowerCard::layOut()
 {
     m_stat.baseline = headerStatEnd();
     m_stat.maxWidth = headerStatWidth();
-    m_system.baseline = {contentRight(), legendLine.baseline(m_system.font)};
     placeLegend();
+    placeSums();
     constexpr int chartTop = bodyTop + legendHeight + chartGap;
     place(*chart(), contentBelow(chartTop));
 }

@@ -2,6 +2,7 @@
 
 #include "cards/Card.h"
 #include "devices/PowerChart.h"
+#include "timeline/EnergyLedger.h"
 
 namespace corvane {
 
@@ -14,8 +15,10 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
+
+    /// What was measured of energy; shown from the next `show` on.
+    void showEnergy(const EnergyReport &energy) { m_energy = energy; }
 
     /// Raises the scale as `show` does and changes nothing else.
     void recomputeYMax(const std::vector<SystemMetrics> &history);
@@ -30,10 +33,15 @@ protected:
 private:
     void showLegend(const MachineCoverage &machine);
     void placeLegend();
+    void placeSums();
 
     PowerChart m_power;
     CardText &m_stat;
     CardText &m_system;
+    CardText &m_energyToday;
+    EnergyReport m_energy;
+    bool m_isWhole = true; ///< As in `MachineCoverage`.
+    double m_legendEnd = 0;
     std::vector<CardText *> m_legend; ///< As many as there were parts at the most.
     std::vector<PowerPart> m_parts;
 };

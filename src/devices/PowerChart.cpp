@@ -1,6 +1,7 @@
 #include "devices/PowerChart.h"
 
 #include "cards/HistoryChart.h"
+#include "cards/MeansChart.h"
 #include "charts/HoverTime.h"
 #include "charts/Sparkline.h"
 #include "ui/NumberText.h"
@@ -97,8 +98,18 @@ PowerChart::PowerChart(QWidget *card) : m_chart(new Sparkline(card))
     m_chart->setHoverPill([this](std::size_t index) { return pill(index); });
 }
 
-void PowerChart::show(const std::vector<SystemMetrics> &history, const MachineCoverage &machine)
+void PowerChart::show(const ChartHistory &history, const MachineCoverage &machine)
 {
+    if (history.means)
+        showMeans(*history.means, machine);
+    else
+        showSamples(history.recent, machine);
+}
+
+void PowerChart::showSamples(const std::vector<SystemMetrics> &history,
+                             const MachineCoverage &machine)
+{
+    m_shownMeans.reset();
     m_parts = powerParts(machine);
     m_values = valuesOf(history, m_parts, machine);
     m_peak = peakOf(m_values);
@@ -107,14 +118,47 @@ void PowerChart::show(const std::vector<SystemMetrics> &history, const MachineCo
         m_peak.reset();
     else if (machine.isWhole)
         m_peak = m_peak.value_or(0); // A whole chip has no history yet.
+    showSeries(historyChart(history));
+}
 
-    SparklineData chart = historyChart(history);
+/// Means stack as samples do. The band is that of their sum, and its greatest value the peak.
+void PowerChart::showMeans(const MeanWindow &window, const MachineCoverage &machine)
+{
+    std::vector<PowerPart> parts = powerParts(machine);
+    if (m_shownMeans == window.key() && parts == m_parts)
+        return;
+    m_shownMeans = window.key();
+    m_parts = std::move(parts);
+    const MeansChart means(window);
+    SparklineData chart = means.chart();
+    chart.band = means.ranges(Measure::totalWatts);
+    chart.bandColor = Theme::withOpacity(Theme::power, bandOpacity);
+    m_peak.reset();
+    for (const std::optional<ChartRange> &range : chart.band) {
+        if (range)
+            m_peak = std::max(m_peak.value_or(0), range->upper);
+    }
+    m_stableYMax = std::max(m_stableYMax, powerScale(m_peak.value_or(0)));
+
+    m_values.assign(chart.timestamps.size(), std::vector<PowerValue>(m_parts.size()));
+    for (std::size_t part = 0; part < m_parts.size(); ++part) {
+        const auto watts = m_parts[part].coverage == Coverage::known
+            ? means.means(measureOf(m_parts[part].source))
+            : std::vector<std::optional<double>>(chart.timestamps.size());
+        for (std::size_t point = 0; point < watts.size(); ++point)
+            m_values[point][part].watts = watts[point];
+    }
+    showSeries(std::move(chart));
+}
+
+void PowerChart::showSeries(SparklineData chart)
+{
     for (std::size_t part = 0; part < m_parts.size(); ++part) {
         SparklineSeries series{
             .lineColor = m_parts[part].color, .lineWidth = 1, .fillColors = {m_parts[part].fill}};
         series.values.reserve(m_values.size());
-        for (const std::vector<PowerValue> &sample : m_values)
-            series.values.push_back(sample[part].watts);
+        for (const std::vector<PowerValue> &values : m_values)
+            series.values.push_back(values[part].watts);
         chart.series.push_back(std::move(series));
     }
     chart.yDomain = {0, m_stableYMax};
@@ -131,7 +175,11 @@ void PowerChart::recomputeYMax(const std::vector<SystemMetrics> &history)
 PillContent PowerChart::pill(std::size_t index) const
 {
     const std::vector<PowerValue> &values = m_values[index];
-    PillContent content{HoverTime::string(m_chart->shown().timestamps[index]),
+    const SparklineData &shown = m_chart->shown();
+    // The range stands beside the time: the small card has room for the rows of the parts alone.
+    PillContent content{shown.showsMeans ? meanTime(shown, index) + u" · "_s
+                                + rangeText(shown, index, 1, u" W"_s)
+                                         : HoverTime::string(shown.timestamps[index]),
                         {totalRow(wattsText(totalWatts(values), 2), Theme::power)}};
     for (std::size_t part = 0; part < m_parts.size(); ++part) {
         const std::optional<double> watts = values[part].shown();

@@ -2,10 +2,12 @@
 
 #include "charts/HoverPill.h"
 #include "devices/PowerParts.h"
+#include "timeline/ChartHistory.h"
 
 namespace corvane {
 
 class Sparkline;
+struct SparklineData;
 
 /// The highest total power of the history in watts, each sample averaged with its neighbours so
 /// that a single spike does not set the scale. 0 for an empty history. Samples of which nothing is
@@ -22,8 +24,7 @@ class PowerChart {
 public:
     explicit PowerChart(QWidget *card);
 
-    /// History oldest first.
-    void show(const std::vector<SystemMetrics> &history, const MachineCoverage &machine);
+    void show(const ChartHistory &history, const MachineCoverage &machine);
 
     /// Raises the scale as `show` does and changes nothing else.
     void recomputeYMax(const std::vector<SystemMetrics> &history);
@@ -36,13 +37,17 @@ public:
     Sparkline *chart() const { return m_chart; }
 
 private:
+    void showSamples(const std::vector<SystemMetrics> &history, const MachineCoverage &machine);
+    void showMeans(const MeanWindow &window, const MachineCoverage &machine);
+    void showSeries(SparklineData chart);
     PillContent pill(std::size_t index) const;
 
     Sparkline *m_chart;
     double m_stableYMax = 5;
     std::optional<double> m_peak = {};
     std::vector<PowerPart> m_parts = {};
-    std::vector<std::vector<PowerValue>> m_values = {}; ///< Of each sample of the chart.
+    std::vector<std::vector<PowerValue>> m_values = {}; ///< Of each point of the chart.
+    std::optional<MeanWindow::Key> m_shownMeans = {};   ///< Absent while the chart shows samples.
 };
 
 } // namespace corvane

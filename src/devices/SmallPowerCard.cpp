@@ -4,6 +4,7 @@
 #include "cards/InfoTexts.h"
 #include "charts/Sparkline.h"
 #include "ui/CardStyle.h"
+#include "ui/EnergyText.h"
 #include "ui/Icon.h"
 #include "ui/MachineText.h"
 #include "ui/NumberText.h"
@@ -82,15 +83,19 @@ SmallPowerCard::SmallPowerCard(QWidget *parent)
     for (CardText *&line : m_hint)
         line = &addText({.font = rowFont(QFont::Normal), .color = Theme::textTertiary});
     chart()->setAccessibleName(u"Power over time"_s);
+    setInfoSupplement([this] { return energyMarkdown(m_energy, u"NPU"_s); });
 }
 
-void SmallPowerCard::show(const SystemMetrics &current, const std::vector<SystemMetrics> &history)
+void SmallPowerCard::show(const SystemMetrics &current, const ChartHistory &history)
 {
     const MachineCoverage &machine = coverageOf(current);
     setInfo(infoText(InfoTopic::power, machine));
-    setNotes(powerNotes(machine));
+    QStringList notes = powerNotes(machine);
+    notes.append(energyTodayText(m_energy));
+    notes.removeAll(QString());
+    setNotes(notes);
     m_power.show(history, machine);
-    setText(m_stat, u"peak "_s + wattsText(m_power.peak(), 1));
+    showStat();
 
     std::vector<PowerPart> parts = powerParts(machine);
     if (parts != m_parts)
@@ -105,6 +110,16 @@ void SmallPowerCard::show(const SystemMetrics &current, const std::vector<System
     m_systemSource = machine.systemWattsSource;
     showRows(values, system ? fixedText(*system, 2) : QString());
     placeRows();
+}
+
+/// The peak, and the energy if there is room for both.
+void SmallPowerCard::showStat()
+{
+    const QString peak = u"peak "_s + wattsText(m_power.peak(), 1);
+    const QString energy = shortEnergyText(m_energy);
+    const QString both = peak + u" · "_s + energy;
+    const bool fits = !energy.isEmpty() && textWidth(both, m_stat.font) <= headerStatWidth();
+    setText(m_stat, fits ? both : peak);
 }
 
 void SmallPowerCard::showFigure(std::optional<double> watts)

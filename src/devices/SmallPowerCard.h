@@ -2,6 +2,7 @@
 
 #include "cards/Card.h"
 #include "devices/PowerChart.h"
+#include "timeline/EnergyLedger.h"
 
 #include <array>
 
@@ -17,8 +18,10 @@ public:
 
     using QWidget::show;
 
-    /// History oldest first.
-    void show(const SystemMetrics &current, const std::vector<SystemMetrics> &history);
+    void show(const SystemMetrics &current, const ChartHistory &history);
+
+    /// What was measured of energy; shown from the next `show` on.
+    void showEnergy(const EnergyReport &energy) { m_energy = energy; }
 
     /// Raises the scale as `show` does and changes nothing else.
     void recomputeYMax(const std::vector<SystemMetrics> &history);
@@ -42,6 +45,7 @@ private:
     void showRows(const std::vector<PowerValue> &values, const QString &system);
     void showHint();
     void placeRows();
+    void showStat();
     bool hasRoomForHint() const;
     double rowsLeft() const;
     QRectF dot(std::size_t row) const;
@@ -49,6 +53,7 @@ private:
 
     PowerChart m_power;
     CardText &m_stat;
+    EnergyReport m_energy;
     CardText &m_figure;
     CardText &m_unit;
     CardText &m_subtitle;

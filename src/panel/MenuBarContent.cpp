@@ -6,6 +6,7 @@
 #include "panel/PanelNote.h"
 #include "panel/PanelRow.h"
 #include "threads/MainThread.h"
+#include "ui/EnergyText.h"
 #include "ui/PixelGrid.h"
 #include "ui/RoomText.h"
 #include "ui/RoundedBox.h"
@@ -124,8 +125,16 @@ void MenuBarContent::show(const SystemMetrics &current)
         place();
 }
 
+void MenuBarContent::showEnergy(const EnergyReport &energy)
+{
+    m_energyTip = energyTip(energy, m_current.isWhole ? u"ANE"_s : u"NPU"_s);
+    if (m_header)
+        m_header->showEnergy(m_energyTip);
+}
+
 void MenuBarContent::showNumbers()
 {
+    m_header->showEnergy(m_energyTip);
     m_header->show(powerText(m_current));
     showRows(metricRows(m_current));
     showRoom();

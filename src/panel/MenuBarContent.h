@@ -2,6 +2,7 @@
 
 #include "chip/ChipIdentity.h"
 #include "platform/BootClock.h"
+#include "timeline/EnergyLedger.h"
 #include "ui/MetricText.h"
 
 #include <QPointer>
@@ -37,6 +38,9 @@ public:
     /// Shows the numbers of a sample; an absent chip reading as 0.
     void show(const SystemMetrics &current);
 
+    /// What was measured of energy: the tool tip of the total power.
+    void showEnergy(const EnergyReport &energy);
+
     /// Opens the panel near `anchor` (a point on the screen), or closes it if it is open. A click
     /// on the label calls this.
     void toggleAt(const QPoint &anchor);
@@ -65,6 +69,7 @@ private:
     void place();
 
     MetricValues m_current = SystemMetrics::placeholder();
+    QString m_energyTip;
     PanelHeader *m_header = nullptr; ///< Null until the panel is first opened, like the rows.
     QBoxLayout *m_rowColumn = nullptr;
     std::vector<PanelRow *> m_rows = {};

@@ -33,6 +33,14 @@ void PanelHeader::show(const PowerText &power)
     update();
 }
 
+void PanelHeader::showEnergy(const QString &tip)
+{
+    if (tip == accessibleDescription())
+        return;
+    setToolTip(tip);
+    setAccessibleDescription(tip);
+}
+
 std::vector<AccessibleText> PanelHeader::accessibleTexts() const
 {
     QString text = u"Corvane on "_s + m_chipName;

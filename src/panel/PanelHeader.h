@@ -15,6 +15,9 @@ public:
 
     void show(const PowerText &power);
 
+    /// The tool tip, which a screen reader reads as the description; empty: none.
+    void showEnergy(const QString &tip);
+
     std::vector<AccessibleText> accessibleTexts() const override;
 
 protected:

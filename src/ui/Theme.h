@@ -52,6 +52,8 @@ inline constexpr QColor cardFill = white(0.045F);
 inline constexpr QColor cardStroke = white(0.06F); ///< The hairline around every card.
 inline constexpr QColor track = white(0.05F);      ///< The part of a bar that is not filled.
 inline constexpr QColor tag = white(0.06F);        ///< Behind a count.
+inline constexpr QColor choiceFill = white(0.05F); ///< Behind several words, one of them chosen.
+inline constexpr QColor chosenFill = white(0.13F);
 inline constexpr QColor scrollThumb = white(0.22F);
 inline constexpr QColor focusRing = lightBlue(0.6F);
 

@@ -4,6 +4,7 @@
 #include "updates/UpdaterManager.h"
 
 #include <QAction>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace corvane;
@@ -32,7 +33,28 @@ private slots:
     void haveTheirRolesInAMacsMenus();
     void updatesAreDisabledDuringACheck();
     void nameANewerVersion();
+    void chooseAWindowOfTime();
 };
+
+void TestCommands::chooseAWindowOfTime()
+{
+    Commands commands;
+    QCOMPARE(texts(commands.ofDashboard()).mid(0, 6),
+             (QStringList{u"Charts of 1 min"_s, u"Charts of 10 min"_s, u"Charts of 1 hour"_s,
+                          u"Charts of 1 day"_s, u"-"_s, u"About Corvane"_s}));
+    QSignalSpy chosen(&commands, &Commands::historyWindowChosen);
+    for (std::size_t i = 0; i < allHistoryWindows.size(); ++i) {
+        QAction *action = commands.historyWindows()[qsizetype(i)];
+        QCOMPARE(action->shortcut(), QKeySequence(Qt::Key_1 + int(i)));
+        action->trigger();
+        QVERIFY(action->isChecked());
+        QVERIFY(chosen.takeFirst().front().value<HistoryWindow>() == allHistoryWindows[i]);
+    }
+    commands.setHistoryWindow(HistoryWindow::tenMin);
+    QVERIFY(commands.historyWindows()[1]->isChecked());
+    QVERIFY(!commands.historyWindows()[3]->isChecked()); // One at a time.
+    QVERIFY(chosen.isEmpty());
+}
 
 void TestCommands::haveTheOrderOfAMenu()
 {

@@ -2,9 +2,11 @@
 
 #include "app/AboutPanel.h"
 #include "cards/MemoryCard.h"
+#include "charts/Sparkline.h"
 #include "controls/NoticeBar.h"
 #include "controls/PanelButton.h"
 #include "dashboard/MainWindow.h"
+#include "dashboard/WindowChoice.h"
 #include "settings/SettingsWindow.h"
 #include "settings/UpdateSettings.h"
 #include "support/DescriptorLimit.h"
@@ -74,6 +76,7 @@ private slots:
     void aDashboardThatIsClosedAtOnceLeavesAnAccessory();
     void theDashboardHasTheUsualKeys();
     void everyViewOffersTheCommands();
+    void aKeyChoosesTheWindowOfTime();
     void opensTheSettingsOnce();
     void updatesAreFoundInTheSettings();
     void theSettingsDoNotChangeTheActivationPolicy();
@@ -290,7 +293,8 @@ void TestCorvaneApp::everyViewOffersTheCommands()
     const QList<QAction *> ofThePanel = windows<MenuBarContent>().first()->actions();
     QCOMPARE(ofThePanel.first()->text(), u"Open Window"_s);
     QVERIFY(ofThePanel[1]->isSeparator());
-    QCOMPARE(ofThePanel.sliced(2), commands);
+    constexpr int ofTheCharts = 5; // And their separator, in the dashboard alone.
+    QCOMPARE(ofThePanel.sliced(2), commands.sliced(ofTheCharts));
 
     QContextMenuEvent event(QContextMenuEvent::Mouse, {300, 300}, {300, 300});
     QCoreApplication::sendEvent(windows<MainWindow>().first()->findChild<MemoryCard *>(), &event);
@@ -298,6 +302,24 @@ void TestCorvaneApp::everyViewOffersTheCommands()
     QVERIFY(menu);
     QCOMPARE(menu->actions(), commands);
     menu->close();
+}
+
+void TestCorvaneApp::aKeyChoosesTheWindowOfTime()
+{
+    CorvaneApp corvane;
+    corvane.openMainWindow();
+    auto *window = windows<MainWindow>().first();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_3);
+    const auto *choice = window->findChild<WindowChoice *>();
+    QVERIFY(choice->chosen() == HistoryWindow::oneHour);
+    const auto *chart = window->findChild<Sparkline *>();
+    QTRY_VERIFY(chart->shown().showsMeans);
+    QCOMPARE(chart->shown().xDomain.span(), 3'600.0);
+    QVERIFY(AppSettings().historyWindow() == HistoryWindow::oneHour); // Remembered.
+    QTest::keyClick(window, Qt::Key_1);
+    QTRY_VERIFY(!chart->shown().showsMeans);
+    QVERIFY(choice->chosen() == HistoryWindow::oneMin);
 }
 
 void TestCorvaneApp::opensTheSettingsOnce()

@@ -116,7 +116,12 @@ void TestMenuBar::hasTheMenusOfAMac_data()
         << QStringList{u"Close Window"_s, u"About Corvane"_s, u"Check for Updates…"_s,
                        u"Settings…"_s, u"Quit"_s};
     QTest::newRow("Edit") << u"Edit"_s << QStringList{u"Copy"_s, u"Select All"_s};
-    QTest::newRow("View") << u"View"_s << QStringList{u"Enter Full Screen"_s};
+    QTest::newRow("View") << u"View"_s << QStringList{u"Charts of 1 min"_s,
+                                                      u"Charts of 10 min"_s,
+                                                      u"Charts of 1 hour"_s,
+                                                      u"Charts of 1 day"_s,
+                                                      u"-"_s,
+                                                      u"Enter Full Screen"_s};
     QTest::newRow("Window") << u"Window"_s
                             << QStringList{u"Minimize"_s,    u"Zoom"_s, u"-"_s,
                                            u"Open Window"_s, u"-"_s,    u"Bring All to Front"_s};
@@ -229,7 +234,7 @@ void TestMenuBar::namesTheWayOutOfFullScreen()
     for (const bool isFullScreen : {true, false}) {
         window.isFullScreen = isFullScreen;
         open(*view);
-        QCOMPARE(view->actions().first()->text(),
+        QCOMPARE(view->actions().last()->text(),
                  isFullScreen ? u"Exit Full Screen"_s : u"Enter Full Screen"_s);
     }
 }

@@ -266,7 +266,7 @@ QRegularExpression TestTracedProgram::ownPlaces() const
     const QString home = QRegularExpression::escape(m_session->homePath());
     const QStringList places{
         home + u"/(config|data)(/Corvane)?"_s, // Folders.
-        home + u"/data/Corvane/history\\.jsonl(\\.new)?"_s,
+        home + u"/data/Corvane/(history|minutes)\\.jsonl(\\.new)?"_s,
         // The preferences, Qt's lock file and the new file that replaces them.
         home + u"/config/Corvane/Corvane\\.conf(\\.lock|\\.[A-Za-z0-9]{6})?"_s,
         home + u"/runtime/" CORVANE_IDENTIFIER "(/socket)?"_s,

@@ -21,7 +21,7 @@ struct Shown : ShownCard<MemoryCard> {
     void show(const MemorySnapshot &memory)
     {
         const SystemMetrics current{.timestamp = 60, .memory = memory};
-        card.show(current, {{.timestamp = 0, .memory = memory}, current});
+        card.show(current, std::vector<SystemMetrics>{{.timestamp = 0, .memory = memory}, current});
     }
 };
 

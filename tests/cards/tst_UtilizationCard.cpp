@@ -26,7 +26,7 @@ struct Shown : ShownCard<UtilizationCard> {
     {
         SystemMetrics current{.timestamp = 60, .chip = chip};
         SystemMetrics previous{.timestamp = 0, .chip = chip};
-        card.show(current, {previous, current});
+        card.show(current, std::vector<SystemMetrics>{previous, current});
     }
 };
 
@@ -88,7 +88,7 @@ void TestUtilizationCard::showsCoresForTheCPUOnly()
     QCOMPARE(cpu.card.findChild<CoreBars *>()->shown().values, (std::vector<double>{0.5, 1}));
     cpu.show({});
     QVERIFY(!cpu.card.findChild<CoreBars *>()->isVisible());
-    cpu.card.show({}, {});
+    cpu.card.show({}, std::vector<SystemMetrics>());
     QVERIFY(!cpu.card.findChild<CoreBars *>()->isVisible());
     Shown gpu(ComputeUnit::gpu);
     gpu.show({.cpuCoreUtilizations = {0.5, 1}});
@@ -136,7 +136,7 @@ void TestUtilizationCard::dimsAnAbsentFigure()
     Shown shown(ComputeUnit::gpu);
     shown.show({});
     QVERIFY(strength(shown) > 245);
-    shown.card.show({}, {});
+    shown.card.show({}, std::vector<SystemMetrics>());
     QCOMPARE(shown.card.accessibleText(u"Load"_s), u"0%"_s);
     QVERIFY(strength(shown) < 190);
 }
@@ -183,7 +183,8 @@ void TestUtilizationCard::showsHoveredValues()
     QTEST(value.section(u", "_s, 1), "values");
     QCOMPARE(value.section(u", "_s, 0, 0).size(), 8); // The time of the sample.
     // A sample without a reading shows 0.
-    shown.card.show({.timestamp = 60}, {{.timestamp = 0}, {.timestamp = 60}});
+    shown.card.show({.timestamp = 60},
+                    std::vector<SystemMetrics>{{.timestamp = 0}, {.timestamp = 60}});
     QVERIFY(shown.card.chart()->accessibleValue().contains(u"0%, 0.00W"_s));
 }
 

@@ -1,5 +1,6 @@
 corvane_test(charts/tst_ChartScale)
 corvane_test(charts/tst_ChartTime)
+corvane_test(charts/tst_ColumnReduction)
 corvane_test(charts/tst_CoreBars)
 corvane_test(charts/tst_HoverPill)
 corvane_test(charts/tst_HoverTime)

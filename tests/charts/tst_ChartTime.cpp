@@ -11,12 +11,44 @@ class TestChartTime : public QObject {
     Q_OBJECT
 
 private slots:
+    void namesTheWeekdayWhereAMidnightLiesWithin_data();
+    void namesTheWeekdayWhereAMidnightLiesWithin();
     void initTestCase() { qputenv("TZ", "UTC"); }
     void labelsFollowTheLocale_data();
     void labelsFollowTheLocale();
     void labelsStartMiddleAndEndOfARange();
     void noLabelForATimeThatNoCalendarHas();
 };
+
+void TestChartTime::namesTheWeekdayWhereAMidnightLiesWithin_data()
+{
+    QTest::addColumn<QDateTime>("last");
+    QTest::addColumn<double>("span");
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<QStringList>("labels");
+    const QDateTime wednesday(QDate(2026, 6, 10), QTime(14, 5));
+    const QDateTime afterMidnight(QDate(2026, 6, 10), QTime(0, 5));
+    QTest::newRow("a day") << wednesday << 86'400.0 << u"en_GB"_s
+                           << QStringList{u"Tue 14:05"_s, u"Wed 02:05"_s, u"Wed 14:05"_s};
+    QTest::newRow("a day that is counted to twelve")
+        << wednesday << 86'400.0 << u"en_US"_s
+        << QStringList{u"Tue 02:05"_s, u"Wed 02:05"_s, u"Wed 02:05"_s};
+    QTest::newRow("an hour within a day")
+        << wednesday << 3'600.0 << u"en_GB"_s << QStringList{u"13:05"_s, u"13:35"_s, u"14:05"_s};
+    QTest::newRow("an hour with a midnight")
+        << afterMidnight << 3'600.0 << u"en_GB"_s
+        << QStringList{u"Tue 23:05"_s, u"Tue 23:35"_s, u"Wed 00:05"_s};
+}
+
+void TestChartTime::namesTheWeekdayWhereAMidnightLiesWithin()
+{
+    QFETCH(QDateTime, last);
+    QFETCH(double, span);
+    QFETCH(QString, locale);
+    const double upper = double(last.toSecsSinceEpoch()) - 978'307'200;
+    const auto labels = timeLabelsOfDays({upper - span, upper}, QLocale(locale));
+    QTEST(QStringList(labels.begin(), labels.end()), "labels");
+}
 
 void TestChartTime::labelsFollowTheLocale_data()
 {

@@ -33,6 +33,8 @@ class TestSeriesShape : public QObject {
     Q_OBJECT
 
 private slots:
+    void theBandHasAShapeForEachRun();
+    void aLoneMeanIsADot();
     void hasLineAndFill();
     void stackedSeriesStandOnEachOther();
     void overlaidSeriesReachTheBottom();
@@ -48,6 +50,28 @@ private slots:
     void degenerateInputHasNoShapes_data();
     void degenerateInputHasNoShapes();
 };
+
+void TestSeriesShape::aLoneMeanIsADot()
+{
+    SparklineData chart{
+        .timestamps = {2}, .series = {{.values = {5}}}, .xDomain = {0, 4}, .yDomain = {0, 10}};
+    QCOMPARE(seriesShapes(chart, {40, 10}).front().line.size(), 1);
+    chart.showsMeans = true;
+    QCOMPARE(seriesShapes(chart, {40, 10}).front().line.boundingRect().width(), 1.0);
+}
+
+void TestSeriesShape::theBandHasAShapeForEachRun()
+{
+    SparklineData chart{.timestamps = {0, 1, 2, 3, 4}, .xDomain = {0, 4}, .yDomain = {0, 10}};
+    const std::optional<ChartRange> range = ChartRange{2, 6};
+    chart.band = {range, range, std::nullopt, range, std::nullopt};
+    const std::vector<QPolygonF> shapes = bandShapes(chart, {40, 10});
+    QCOMPARE(shapes.size(), std::size_t(2));
+    QCOMPARE(shapes[0], QPolygonF({{0, 4}, {10, 4}, {10, 8}, {0, 8}}));
+    QCOMPARE(shapes[1].boundingRect(), QRectF(29.5, 4, 1, 4)); // A single one is a dot wide.
+    chart.yDomain = {};
+    QVERIFY(bandShapes(chart, {40, 10}).empty());
+}
 
 void TestSeriesShape::hasLineAndFill()
 {

@@ -5,7 +5,9 @@
 #include "controls/InfoButton.h"
 #include "dashboard/DashboardHeader.h"
 #include "dashboard/MainWindow.h"
+#include "dashboard/WindowChoice.h"
 #include "devices/PowerCard.h"
+#include "gallery/ScriptedDay.h"
 #include "gallery/ScriptedSamples.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
@@ -17,10 +19,8 @@
 #include <QFocusFrame>
 #include <QPointer>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTest>
-#include <QWindow>
-
-#include <functional>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -112,25 +112,6 @@ void showExtremes(MainWindow &window)
     window.showWorkloads(workloads);
 }
 
-/// Calls a function before each painting of a widget.
-class PaintNote : public QObject {
-public:
-    PaintNote(QWidget &widget, std::function<void()> note) : m_note(std::move(note))
-    {
-        widget.installEventFilter(this);
-    }
-
-    bool eventFilter(QObject *widget, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            m_note();
-        return QObject::eventFilter(widget, event);
-    }
-
-private:
-    std::function<void()> m_note;
-};
-
 } // namespace
 
 class TestMainWindow : public QObject {
@@ -146,10 +127,11 @@ private slots:
     void takesNothingWhileHidden();
     void asksForTheNewestWhenShownAgain();
     void tellsWhenItIsNoLongerSeen();
-    void takesNothingWhileItIsCovered();
     void keepsTheScaleOfASpikeWhileHidden();
     void everythingIsAccessible();
     void startsWithoutAFocusRing();
+    void theHeaderChoosesTheWindowOfTime();
+    void theChartsShowTheMeansOfAWindow();
     void stepsThroughItsPartsByTab();
     void repaintsOnlyWhatChanged();
     void leavesNoStalePixels();
@@ -160,6 +142,39 @@ private slots:
     void showsEmptyRecords_data();
     void showsEmptyRecords();
 };
+
+void TestMainWindow::theHeaderChoosesTheWindowOfTime()
+{
+    Shown shown;
+    QSignalSpy chosen(&shown.window, &MainWindow::historyWindowChosen);
+    auto *choice = shown.part<WindowChoice>();
+    QTest::mouseClick(choice->findChildren<QAbstractButton *>().back(), Qt::LeftButton);
+    QCOMPARE(chosen.count(), 1);
+    QVERIFY(chosen.front().front().value<HistoryWindow>() == HistoryWindow::oneDay);
+    shown.window.setHistoryWindow(HistoryWindow::tenMin);
+    QVERIFY(choice->chosen() == HistoryWindow::tenMin);
+    QCOMPARE(chosen.count(), 1);
+}
+
+void TestMainWindow::theChartsShowTheMeansOfAWindow()
+{
+    Shown shown;
+    shown.showAll();
+    const Timeline day = scriptedDay(scriptedCurrent());
+    const double now = scriptedCurrent().timestamp;
+    shown.window.show(scriptedCurrent(), {scriptedHistory(), day.window(3'600, now)});
+    const QList<Sparkline *> charts = shown.window.findChildren<Sparkline *>();
+    QCOMPARE(charts.size(), 5);
+    for (const Sparkline *chart : charts) {
+        QVERIFY(chart->shown().showsMeans);
+        QVERIFY(chart->shown().timestamps.size() > 300);
+        QCOMPARE(chart->shown().band.size(), chart->shown().timestamps.size());
+        QVERIFY2(chart->accessibleValue().contains(u'–'), qPrintable(chart->accessibleValue()));
+    }
+    shown.showAll();
+    for (const Sparkline *chart : charts)
+        QVERIFY(!chart->shown().showsMeans);
+}
 
 void TestMainWindow::hasAMinimumSize()
 {
@@ -227,7 +242,7 @@ void TestMainWindow::showsQuickNumbers()
 void TestMainWindow::showsZerosWithoutAReading()
 {
     Shown shown;
-    shown.window.show({}, {});
+    shown.window.show({}, std::vector<SystemMetrics>());
     QCOMPARE(shown.quickNumbers(), QStringList({u"0%"_s, u"0%"_s, u"0%"_s, u"0.0W"_s}));
     QCOMPARE(shown.part<PowerCard>()->accessibleText(u"Power"_s), u"peak 0.0 W"_s);
 }
@@ -253,7 +268,7 @@ void TestMainWindow::takesNothingWhileHidden()
     shown.window.hide();
     SystemMetrics other = scriptedCurrent();
     other.memory.used = 0;
-    shown.window.show(other, {other});
+    shown.window.show(other, std::vector<SystemMetrics>{other});
     shown.window.showProcesses({});
     shown.window.showWorkloads({});
     QCOMPARE(shown.quickNumbers().first(), u"71%"_s);
@@ -271,7 +286,7 @@ void TestMainWindow::asksForTheNewestWhenShownAgain()
         window.showProcesses(scriptedProcesses());
         window.showWorkloads(scriptedWorkloads());
     });
-    window.show({}, {});
+    window.show({}, std::vector<SystemMetrics>());
     QCOMPARE(requests, 0);
     window.QWidget::show();
     QCOMPARE(requests, 1);
@@ -280,7 +295,7 @@ void TestMainWindow::asksForTheNewestWhenShownAgain()
     QCOMPARE(requests, 1);
     for (const bool minimized : {false, true}) {
         minimized ? window.showMinimized() : window.hide();
-        window.show({}, {});
+        window.show({}, std::vector<SystemMetrics>());
         window.showProcesses({});
         window.showWorkloads({});
         const int before = requests;
@@ -307,36 +322,13 @@ void TestMainWindow::tellsWhenItIsNoLongerSeen()
     QCOMPARE(order, (QStringList{u"seen"_s, u"unseen"_s, u"seen"_s, u"unseen"_s}));
 }
 
-/// Until the window system has answered, an event of exposure finds the window covered.
-void TestMainWindow::takesNothingWhileItIsCovered()
-{
-    MainWindow window(nullptr, chip);
-    QStringList order;
-    const auto note = [&order](const QString &event) {
-        return [&order, event] { order.append(event); };
-    };
-    connect(&window, &MainWindow::contentsNeeded, this, note(u"seen"_s));
-    connect(&window, &MainWindow::noLongerSeen, this, note(u"unseen"_s));
-    window.QWidget::show();
-    QVERIFY(!window.windowHandle()->isExposed());
-    QExposeEvent exposure({});
-    QCoreApplication::sendEvent(window.windowHandle(), &exposure);
-    QCOMPARE(order, (QStringList{u"seen"_s, u"unseen"_s}));
-    window.showProcesses(scriptedProcesses());
-    QCOMPARE(window.findChild<ProcessCard *>()->list()->rowCount(), 0);
-
-    PaintNote painted(window, note(u"painted"_s));
-    QTRY_VERIFY(order.contains(u"painted"_s));
-    QCOMPARE(order.first(4), (QStringList{u"seen"_s, u"unseen"_s, u"seen"_s, u"painted"_s}));
-}
-
 void TestMainWindow::keepsTheScaleOfASpikeWhileHidden()
 {
     Shown shown;
     shown.window.hide();
     SystemMetrics spike = scriptedCurrent();
     spike.chip->cpuWatts = 390;
-    shown.window.show(spike, {spike});
+    shown.window.show(spike, std::vector<SystemMetrics>{spike});
     shown.window.show(scriptedCurrent(), scriptedHistory());
     shown.window.QWidget::show();
     QVERIFY(shown.part<PowerCard>()->stableYMax() >= 423);
@@ -372,8 +364,11 @@ void TestMainWindow::stepsThroughItsPartsByTab()
 {
     Shown shown;
     shown.showAll();
-    // In reading order: each card's info button, then its chart or list.
+    // In reading order: the choice of the window of time, each card's info button, then its chart
+    // or list.
     QList<QWidget *> expected;
+    for (QAbstractButton *button : shown.part<WindowChoice>()->findChildren<QAbstractButton *>())
+        expected.append(button);
     for (Card *card : shown.window.findChildren<Card *>()) {
         expected.append(card->findChild<InfoButton *>());
         if (auto *chart = card->findChild<Sparkline *>())
@@ -381,7 +376,7 @@ void TestMainWindow::stepsThroughItsPartsByTab()
         if (auto *list = card->findChild<RowList *>())
             expected.append(list);
     }
-    QCOMPARE(expected.size(), qsizetype(14));
+    QCOMPARE(expected.size(), qsizetype(18));
     QList<QWidget *> stepped;
     for (QWidget *next = shown.window.nextInFocusChain(); next != &shown.window;
          next = next->nextInFocusChain()) {
@@ -422,7 +417,7 @@ void TestMainWindow::leavesNoStalePixels()
     for (std::size_t second = 1; second < minute.size(); second += 7) {
         const auto &samples = second < 50 ? minute : without;
         const auto end = samples.begin() + static_cast<std::ptrdiff_t>(second);
-        shown.window.show(*end, {samples.begin(), end});
+        shown.window.show(*end, std::vector<SystemMetrics>(samples.begin(), end));
         processes[second % processes.size()].memory = second << 28;
         shown.window.showProcesses(processes);
         if (second % 2 == 0)
@@ -483,7 +478,7 @@ void TestMainWindow::barsAndRingsFit()
     shown.showAll();
     SystemMetrics sample = scriptedCurrent();
     sample.chip->cpuCoreUtilizations.assign(static_cast<std::size_t>(cpus), 0.5);
-    shown.window.show(sample, {sample});
+    shown.window.show(sample, std::vector<SystemMetrics>{sample});
     QVERIFY(QTest::qWaitForWindowActive(&shown.window));
 
     const auto *bars = shown.part<CoreBars>();
@@ -523,7 +518,7 @@ void TestMainWindow::showsEmptyRecords()
 {
     QFETCH(QSize, size);
     Shown shown(size, {});
-    shown.window.show({}, {});
+    shown.window.show({}, std::vector<SystemMetrics>());
     shown.window.showProcesses({});
     shown.window.showWorkloads({});
     QVERIFY(!rendered(shown.window, 1).isNull());

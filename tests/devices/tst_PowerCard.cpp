@@ -1,4 +1,6 @@
 #include "charts/Sparkline.h"
+#include "controls/InfoButton.h"
+#include "controls/InfoPopover.h"
 #include "devices/PowerCard.h"
 #include "gallery/ScriptedSamples.h"
 #include "support/Rendering.h"
@@ -56,7 +58,84 @@ private slots:
     void leavesNoStalePixels_data();
     void leavesNoStalePixels();
     void fitsHugePower();
+    void meansStackToTheirSum();
+    void aWindowWithoutANewPointIsNotDrawnAgain();
+    void tellsTheEnergyOfTheDay_data();
+    void tellsTheEnergyOfTheDay();
 };
+
+namespace {
+
+MeanRecord means(double start, float cpu, float gpu)
+{
+    MeanRecord record{.start = start, .seconds = 10};
+    record.means[indexOf(Measure::cpuWatts)] = {cpu, cpu, cpu, 10};
+    record.means[indexOf(Measure::gpuWatts)] = {gpu, gpu, gpu, 10};
+    record.means[indexOf(Measure::npuWatts)] = {0, 0, 0, 10};
+    record.means[indexOf(Measure::totalWatts)] = {cpu + gpu, 1, 2 * (cpu + gpu), 10};
+    return record;
+}
+
+} // namespace
+
+void TestPowerCard::meansStackToTheirSum()
+{
+    const std::vector<MeanRecord> records{means(0, 3, 5), means(10, 4, 10)};
+    Shown shown;
+    shown.card.show(sample(20, 1), {steady(1), MeanWindow{-580, 20, records}});
+    const SparklineData &chart = shown.card.chart()->shown();
+    QVERIFY(chart.stacking == Stacking::stacked);
+    QCOMPARE(chart.series[0].values[1], std::optional(4.0));
+    QCOMPARE(chart.series[1].values[1], std::optional(10.0));
+    QCOMPARE(chart.band[1], std::optional(ChartRange{1, 28}));
+    QCOMPARE(shown.card.accessibleText(u"Power"_s), u"peak 28.0 W"_s);
+    QCOMPARE(shown.card.stableYMax(), powerScale(28));
+    const QString newest = shown.card.chart()->accessibleValue();
+    QVERIFY2(newest.contains(u"14.00 W"_s) && newest.contains(u" · 1.0–28.0 W"_s),
+             qPrintable(newest));
+}
+
+void TestPowerCard::aWindowWithoutANewPointIsNotDrawnAgain()
+{
+    std::vector<MeanRecord> records{means(0, 3, 5)};
+    Shown shown;
+    shown.card.show(sample(10, 1), {steady(1), MeanWindow{-590, 10, records}});
+    records.front() = means(0, 30, 50); // Nothing that could happen; it would be seen.
+    shown.card.show(sample(11, 1), {steady(1), MeanWindow{-590, 10, records}});
+    QCOMPARE(shown.card.chart()->shown().series[0].values[0], std::optional(3.0));
+    shown.card.show(sample(12, 1), steady(7)); // A minute.
+    QVERIFY(!shown.card.chart()->shown().showsMeans);
+    shown.card.show(sample(13, 1), {steady(1), MeanWindow{-590, 10, records}});
+    QCOMPARE(shown.card.chart()->shown().series[0].values[0], std::optional(30.0));
+}
+
+void TestPowerCard::tellsTheEnergyOfTheDay_data()
+{
+    QTest::addColumn<bool>("isWhole");
+    QTest::addColumn<QString>("onTheCard");
+    QTest::newRow("a Mac's card has it as tool tip") << true << QString();
+    QTest::newRow("another machine's card shows it")
+        << false << u"412 Wh today, 7 h 12 min measured"_s;
+}
+
+void TestPowerCard::tellsTheEnergyOfTheDay()
+{
+    QFETCH(bool, isWhole);
+    SystemMetrics current = sample(0, 5);
+    if (!isWhole)
+        current.chip->coverage = std::make_shared<const MachineCoverage>(
+            MachineCoverage{.isWhole = false, .cpuWatts = Coverage::known});
+    Shown shown;
+    shown.card.showEnergy(
+        {.days = {{QDate(2026, 6, 10), {.seconds = 25'920, .all = 412 * 3'600}}}});
+    shown.card.show(current, History{current});
+    QTEST(shown.card.accessibleText(u"Energy"_s), "onTheCard");
+    QVERIFY(shown.card.toolTip().contains(u"412 Wh today, 7 h 12 min measured"_s));
+    auto *button = shown.card.findChild<InfoButton *>();
+    button->click();
+    QVERIFY(button->popover());
+    QVERIFY(button->popover()->accessibleTexts().back().value.contains(u"Wed 10 Jun"_s));
+}
 
 void TestPowerCard::findsThePeak_data()
 {
@@ -252,7 +331,7 @@ void TestPowerCard::fitsHugePower()
     for (const AccessibleText &text : shown.card.accessibleTexts())
         QVERIFY(text.place.left() >= 0 && text.place.right() <= 437);
     // Empty, single and backwards histories draw no series.
-    shown.card.show({}, {});
+    shown.card.show({}, History());
     shown.show({sample(5, 3)});
     shown.show({sample(5, 3), sample(4, 3)});
     rendered(shown.card, 1);

@@ -12,9 +12,11 @@
 #include "controls/InfoButton.h"
 #include "controls/InfoPopover.h"
 #include "dashboard/MainWindow.h"
+#include "dashboard/WindowChoice.h"
 #include "devices/PowerCard.h"
 #include "devices/SmallPowerCard.h"
 #include "figures/MetricsFile.h"
+#include "gallery/ScriptedDay.h"
 #include "gallery/ScriptedMachines.h"
 #include "gallery/ScriptedSamples.h"
 #include "gallery/ScriptedWorkloads.h"
@@ -144,6 +146,73 @@ bool linuxDashboards(const Gallery &gallery)
         good &= gallery.save(*dashboard(machine, {920, 760}), machine.name + u"-min"_s);
     }
     return good;
+}
+
+/// The windows of time that are longer than a minute.
+constexpr std::array longWindows{HistoryWindow::tenMin, HistoryWindow::oneHour,
+                                 HistoryWindow::oneDay};
+
+void showWindow(MainWindow &window, const SystemMetrics &current,
+                const std::vector<SystemMetrics> &history, const Timeline &day,
+                HistoryWindow length)
+{
+    window.setHistoryWindow(length);
+    window.showEnergy(day.energy(current.timestamp));
+    window.show(current,
+                {history, day.window(static_cast<double>(seconds(length)), current.timestamp)});
+}
+
+/// The dashboards of a Mac and of a machine with a card over hours.
+bool hours(const Gallery &gallery)
+{
+    bool good = true;
+    const ScriptedMachine card = apuMinute();
+    const Timeline macDay = scriptedDay(scriptedCurrent());
+    const Timeline cardDay = scriptedDay(card.current());
+    for (const HistoryWindow length : longWindows) {
+        const QString name = windowName(length).remove(u' ');
+        for (const QSize &size : {QSize(1280, 900), QSize(920, 760)}) {
+            const QString end = size.width() < 1000 ? name + u"-min"_s : name;
+            const auto mac = dashboard(size);
+            showWindow(*mac, scriptedCurrent(), scriptedHistory(), macDay, length);
+            good &= gallery.save(*mac, u"hours-"_s + end);
+            const auto machine = dashboard(card, size);
+            showWindow(*machine, card.current(), card.history, cardDay, length);
+            good &= gallery.save(*machine, u"linux-hours-"_s + end);
+        }
+    }
+    const auto hovered = dashboard(card, {1280, 900});
+    showWindow(*hovered, card.current(), card.history, cardDay, HistoryWindow::oneDay);
+    hover(hovered->findChild<SmallPowerCard *>()->chart(), 0.9);
+    good &= gallery.save(*hovered, u"linux-hours-hover"_s);
+
+    const ScriptedMachine cards = fourCardsMinute();
+    const auto several = dashboard(cards, {1280, 900});
+    showWindow(*several, cards.current(), cards.history, scriptedDay(cards.current()),
+               HistoryWindow::oneHour);
+    good &= gallery.save(*several, u"linux-hours-cards"_s);
+
+    const auto brief = dashboard({1280, 900});
+    showWindow(*brief, scriptedCurrent(), scriptedHistory(),
+               scriptedDay(scriptedCurrent(), DayShape::brief), HistoryWindow::tenMin);
+    good &= gallery.save(*brief, u"hours-one-point"_s);
+    const auto none = dashboard({1280, 900});
+    showWindow(*none, scriptedCurrent(), scriptedHistory(), {}, HistoryWindow::oneDay);
+    return gallery.save(*none, u"hours-no-point"_s) && good;
+}
+
+/// What was measured of energy, below the explanation.
+bool energyPopover(const Gallery &gallery)
+{
+    Backdrop window({649, 560});
+    PowerCard card(&window);
+    card.setGeometry(16, 16, 617, 262);
+    const ScriptedMachine machine = apuMinute();
+    card.showEnergy(scriptedDay(machine.current()).energy(machine.current().timestamp));
+    card.show(machine.current(), machine.history);
+    window.show();
+    card.findChild<InfoButton *>()->click();
+    return gallery.save(window, u"linux-popover-energy"_s);
 }
 
 bool unreadableGPU(const Gallery &gallery)
@@ -432,6 +501,8 @@ int renderAll(const QDir &folder, const QString &scale)
     good &= labels(gallery);
     good &= linuxDashboards(gallery);
     good &= unreadableGPU(gallery);
+    good &= hours(gallery);
+    good &= energyPopover(gallery);
     good &= lockedPopover(gallery);
     return good ? 0 : 1;
 }

@@ -59,6 +59,7 @@ private slots:
     void rowsHaveTheirColours();
     void maskFollowsTheRoundCorners();
     void everyRowIsAccessible();
+    void theTotalPowerTellsTheEnergy();
     void headerNamesChipAndPower();
     void isAsHighAsTheMachinesRows_data();
     void isAsHighAsTheMachinesRows();
@@ -87,6 +88,19 @@ private slots:
     void staysOnTheScreen_data();
     void staysOnTheScreen();
 };
+
+void TestMenuBarContent::theTotalPowerTellsTheEnergy()
+{
+    MenuBarContent panel;
+    const Energy today{.seconds = 25'920, .all = 412 * 3'600, .cpu = 412 * 3'600};
+    panel.showEnergy({.sinceStart = today, .days = {{QDate(2026, 6, 10), today}}});
+    panel.QWidget::show();
+    const auto *header = panel.findChild<PanelHeader *>();
+    QVERIFY(header->toolTip().startsWith(u"412 Wh today, 7 h 12 min measured: CPU 412 Wh\n"_s));
+    QCOMPARE(header->accessibleDescription(), header->toolTip());
+    panel.showEnergy({});
+    QCOMPARE(header->toolTip(), QString());
+}
 
 void TestMenuBarContent::hasTheDesignedSize()
 {

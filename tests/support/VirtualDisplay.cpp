@@ -18,11 +18,10 @@ QStringList searchFor(const QString &title)
 
 bool VirtualDisplay::start()
 {
-    // The server chooses a free number and prints it when it is ready. Without -noreset it starts
-    // anew when its last client goes, and drops who is just connecting.
+    // The server chooses a free number and prints it when it is ready.
     m_server.start(u"Xvfb"_s,
-                   {u"-displayfd"_s, u"1"_s, u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s,
-                    u"0"_s, u"1280x960x24"_s});
+                   {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s, u"0"_s,
+                    u"1280x960x24"_s});
     QByteArray number;
     while (!number.endsWith('\n') && m_server.waitForReadyRead(60'000))
         number += m_server.readAllStandardOutput();
