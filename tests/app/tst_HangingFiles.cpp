@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <optional>
+#include <vector>
 
 #include <csignal>
 
@@ -74,6 +75,7 @@ void TestHangingFiles::samplesAndEnds()
     QFETCH(const QString, files);
     QFETCH(const Phase, phase);
     const QString report = m_session->path(u"report"_s);
+    const std::vector<char> memory(256 << 20, 1); // So much that the arguments are of interest.
     QVERIFY(m_session->makeFolder(u"config/Corvane"_s));
     QFile preferences(m_session->path(u"config/Corvane/Corvane.conf"_s));
     QVERIFY(preferences.open(QFile::WriteOnly) && preferences.write("[General]\n") > 0);

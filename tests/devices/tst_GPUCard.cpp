@@ -116,7 +116,7 @@ void TestGPUCard::tellsWhatHoldsAGPUBack()
     machine.history.back().chip->gpus[1].limit = GPULimit::temperature;
     const Shown shown(machine);
     const QString note = u"GPU 1, NVIDIA GeForce RTX 3090: slowed down by its temperature."_s;
-    QCOMPARE(shown.card.toolTip(), note);
+    QVERIFY(shown.card.toolTip().contains(note));
     QCOMPARE(shown.card.accessibleDescription(), note);
 }
 

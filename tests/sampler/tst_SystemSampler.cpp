@@ -334,41 +334,42 @@ void TestSystemSampler::takesNoSurveyThatNobodyLooksAt()
 
 void TestSystemSampler::surveysAtOnceForEachWhoBeginsToLook()
 {
-    std::atomic<int> surveys = 0;
-    std::atomic<int> rests = 0;
+    // A survey or rest that was begun last may outlive this test.
+    const auto surveys = std::make_shared<std::atomic<int>>(0);
+    const auto rests = std::make_shared<std::atomic<int>>(0);
     m_machine.survey = {.take =
-                            [&surveys](const RankingReport &) {
-                                ++surveys;
+                            [surveys](const RankingReport &) {
+                                ++*surveys;
                                 return Survey{.processes = {{.id = 7}}, .workloads = {{.id = 7}}};
                             },
-                        .rest = [&rests] { ++rests; }};
+                        .rest = [rests] { ++*rests; }};
     SystemSampler sampler(*m_settings, m_machine.sources(), m_directory);
     timerOf(sampler).stop();
     auto window = sampler.lookAtProcesses();
     sampler.awaitSurvey();
     QCOMPARE(sampler.aiWorkloads().size(), std::size_t(1));
-    QCOMPARE(surveys.load(), 1);
+    QCOMPARE(surveys->load(), 1);
     auto stream = sampler.lookAtProcesses();
     sampler.awaitSurvey();
-    QCOMPARE(surveys.load(), 2);
+    QCOMPARE(surveys->load(), 2);
 
     // As long as one of them looks.
     window.reset();
-    QTRY_VERIFY((sampler.tick(), surveys.load() > 2)); // A survey may be over but not delivered.
+    QTRY_VERIFY((sampler.tick(), surveys->load() > 2)); // A survey may be over but not delivered.
     QCOMPARE(sampler.processes().size(), std::size_t(1));
-    QCOMPARE(rests.load(), 0);
+    QCOMPARE(rests->load(), 0);
     stream.reset();
     QVERIFY(sampler.processes().empty());
     QVERIFY(sampler.aiWorkloads().empty());
-    QTRY_COMPARE(rests.load(), 1); // A survey may have been begun before.
-    const int before = surveys.load();
+    QTRY_COMPARE(rests->load(), 1); // A survey may have been begun before.
+    const int before = surveys->load();
     for (int tick = 0; tick < 6; ++tick)
         sampler.tick();
-    QCOMPARE(surveys.load(), before);
+    QCOMPARE(surveys->load(), before);
     window = sampler.lookAtProcesses();
     sampler.awaitSurvey();
     QCOMPARE(sampler.processes().size(), std::size_t(1));
-    QCOMPARE(surveys.load(), before + 1);
+    QCOMPARE(surveys->load(), before + 1);
 }
 
 void TestSystemSampler::dropsASurveyThatEndsAfterTheLastLook()
