@@ -50,7 +50,8 @@ protected:
             fillRounded(painter, box, radius - margin, Theme::chosenFill);
         painter.setPen(isChecked() || underMouse() ? Theme::textPrimary : Theme::textSecondary);
         const double left = (width() - textWidth(text(), wordFont())) / 2;
-        drawText(painter, {left, TextLine{-0.25, double(rowHeight)}.baseline(wordFont())}, text(), wordFont());
+        drawText(painter, {left, TextLine{-0.25, double(rowHeight)}.baseline(wordFont())}, text(),
+                 wordFont());
         if (hasFocus())
             paintFocusRing(painter, rect(), radius);
     }

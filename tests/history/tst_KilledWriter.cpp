@@ -192,7 +192,8 @@ void TestKilledWriter::losesAtMostTheRecordAtHandAndTheNext()
     QVERIFY2(killedInTrims >= m_instants / 50, qPrintable(QString::number(killedInTrims)));
     // The next trim replaces a file that a killed writer left behind.
     HistoryStore(m_folder.path()).trim(1);
-    QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files), (QStringList{u"history.jsonl"_s, u"minutes.jsonl"_s}));
+    QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files),
+             (QStringList{u"history.jsonl"_s, u"minutes.jsonl"_s}));
 }
 
 /// "--instants N" kills N writers instead of a few.

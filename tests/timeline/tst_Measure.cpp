@@ -48,10 +48,8 @@ SystemMetrics cardMachine()
     ChipReading chip{.cpuWatts = 10, .cpuActiveFraction = 0.5};
     chip.packageWatts = 17;
     chip.npu = NPUMetrics{.activeFraction = 0.125, .watts = 2.0};
-    chip.gpus = {{.device = QStringLiteral("0"),
-                  .activeFraction = 0.4,
-                  .watts = 100.0,
-                  .memoryUsed = 250}};
+    chip.gpus = {
+        {.device = QStringLiteral("0"), .activeFraction = 0.4, .watts = 100.0, .memoryUsed = 250}};
     chip.coverage = coverage(machine);
     return {.memory = {.total = 100, .used = 10}, .chip = chip};
 }

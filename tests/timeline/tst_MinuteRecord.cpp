@@ -129,7 +129,9 @@ void TestMinuteRecord::refusesDamage_data()
     QTest::newRow("a mean below its range") << replaced("[60,50.25", "[60,49.25");
     QTest::newRow("a mean above its range") << replaced("[60,50.25", "[60,51.25");
     QTest::newRow("values that no float holds") << replaced("49.5,51]", "49.5,1e60]");
-    QTest::newRow("a byte of another alphabet") << replaced("59.75", "59\xb7" "75");
+    QTest::newRow("a byte of another alphabet") << replaced("59.75",
+                                                            "59\xb7"
+                                                            "75");
 }
 
 void TestMinuteRecord::refusesDamage()
