@@ -411,19 +411,18 @@ void TestDesktop::theDashboardNamesTheModelsOfRunners()
         QString name;
         QString model;
     };
-    for (const auto &[process, name, model] :
-         {Row{first, u"Ollama, ollama"_s, u"qwen3:8b, Q4_K_M"_s},
-          Row{newer, u"Ollama, llama-server"_s, u"gemma3:4b"_s},
-          Row{byHeader, u"llama.cpp, llama-cli"_s, u"Qwen3 8B, Q4_K_M"_s},
-          Row{byMapping, u"LM Studio, llmster"_s, u"Qwen3 8B, Q4_K_M"_s}}) {
-        const auto size = [mebibytes](const QString &text) {
+    for (const Row &expected : {Row{first, u"Ollama, ollama"_s, u"qwen3:8b, Q4_K_M"_s},
+                                Row{newer, u"Ollama, llama-server"_s, u"gemma3:4b"_s},
+                                Row{byHeader, u"llama.cpp, llama-cli"_s, u"Qwen3 8B, Q4_K_M"_s},
+                                Row{byMapping, u"LM Studio, llmster"_s, u"Qwen3 8B, Q4_K_M"_s}}) {
+        const auto size = [](const QString &text) {
             return std::abs(text.toDouble() - mebibytes) < 8; // With what any process has.
         };
         static const QRegularExpression columns(u"^(.*): (.*), ([0-9.]+) MB, pid ([0-9]+)$"_s);
         const auto isShown = [&](const Object &object) {
             const auto row = columns.match(m_program.reader().name(object));
-            return row.captured(1) == name && row.captured(2) == model && size(row.captured(3))
-                && row.captured(4).toLongLong() == process.pid();
+            return row.captured(1) == expected.name && row.captured(2) == expected.model
+                && size(row.captured(3)) && row.captured(4).toLongLong() == expected.process.pid();
         };
         WAIT_FOR(m_program.findAny(isShown));
     }
