@@ -8,7 +8,7 @@ namespace {
 
 constexpr auto versionMark = R"({"corvane":"minutes","version":)";
 constexpr auto versionLine = R"({"corvane":"minutes","version":1})";
-constexpr std::size_t linesOfADay = 24 * 60;
+constexpr std::size_t linesOfADay = std::size_t(24) * 60;
 
 /// As many as the newest samples of the other file can lie in.
 constexpr std::size_t mostNewestStarts = 120;

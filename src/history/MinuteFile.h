@@ -27,7 +27,7 @@ struct StoredMinutes {
 class MinuteFile {
 public:
     /// A week of minutes.
-    static constexpr std::size_t mostLines = 7 * 24 * 60;
+    static constexpr std::size_t mostLines = std::size_t(7) * 24 * 60;
 
     explicit MinuteFile(const std::string &path);
 

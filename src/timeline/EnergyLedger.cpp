@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-constexpr std::size_t mostQuarters = 9 * 24 * 4;
+constexpr std::size_t mostQuarters = std::size_t(9) * 24 * 4;
 constexpr int weekDays = 7;
 
 /// The first instant of a local day, in seconds since 2001.
