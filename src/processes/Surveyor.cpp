@@ -59,6 +59,7 @@ ArgumentFacts readWithServer(std::int32_t pid, const ProcessSource &source)
 std::vector<std::int32_t> pidsOf(const std::vector<ProcessRecord> &processes)
 {
     std::vector<std::int32_t> pids;
+    pids.reserve(processes.size());
     for (const ProcessRecord &process : processes)
         pids.push_back(process.pid.value_or(0));
     return pids;
