@@ -58,10 +58,9 @@ ArgumentFacts readWithServer(std::int32_t pid, const ProcessSource &source)
 
 std::vector<std::int32_t> pidsOf(const std::vector<ProcessRecord> &processes)
 {
-    std::vector<std::int32_t> pids;
-    pids.reserve(processes.size());
-    for (const ProcessRecord &process : processes)
-        pids.push_back(process.pid.value_or(0));
+    std::vector<std::int32_t> pids(processes.size());
+    const auto pidOf = [](const ProcessRecord &process) { return process.pid.value_or(0); };
+    std::ranges::transform(processes, pids.begin(), pidOf);
     return pids;
 }
 
