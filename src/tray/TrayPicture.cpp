@@ -82,8 +82,8 @@ QImage emptyPicture(int width, int height)
 /// A square without its number. Plate and mark never change, so each is painted once and cached.
 QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
 {
-    static std::map<std::tuple<LabelPosition, QRgb, int>, QImage> squares;
-    QImage &square = squares[{position, color.rgba(), pixels}];
+    static std::map<std::tuple<std::size_t, std::size_t, QRgb, int>, QImage> squares;
+    QImage &square = squares[{position.index, position.count, color.rgba(), pixels}];
     if (!square.isNull())
         return square;
     square = emptyPicture(pixels, pixels);

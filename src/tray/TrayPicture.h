@@ -6,7 +6,6 @@
 #include <QImage>
 
 #include <array>
-#include <compare>
 
 namespace corvane {
 
@@ -15,8 +14,6 @@ namespace corvane {
 struct LabelPosition {
     std::size_t index = 0; ///< From the left.
     std::size_t count = 1;
-
-    friend auto operator<=>(const LabelPosition &, const LabelPosition &) = default;
 };
 
 /// One number of the label as a square of `pixels` a side, on a dark plate that makes it readable
