@@ -3,20 +3,18 @@
 // FAILING_CALL names the call, FAILING_CALL_N the number, and FAILING_CALL_FILE a file that is
 // created once the call has failed.
 
+#include "preloaded_open.h"
+
 #include <atomic>
 
 #include <cerrno>
 #include <csignal>
-#include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace {
 
@@ -49,8 +47,7 @@ bool fails(const char *call, int error)
 {
     if (!isCounting || std::strcmp(call, plan.call) != 0 || ++count != plan.number)
         return false;
-    const long file = syscall(SYS_openat, AT_FDCWD, plan.file, O_WRONLY | O_CREAT, 0600);
-    syscall(SYS_close, file);
+    createReport(plan.file);
     errno = error;
     return true;
 }
@@ -59,34 +56,10 @@ int openFile(int folder, const char *path, int flags, va_list arguments)
 {
     if (fails("open", EMFILE))
         return -1;
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-    return static_cast<int>(syscall(SYS_openat, folder, path, flags, mode));
+    return systemOpen(folder, path, flags, arguments);
 }
 
 } // namespace
-
-#define CORVANE_PRELOADED extern "C" __attribute__((visibility("default")))
-
-CORVANE_PRELOADED int open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const int file = openFile(AT_FDCWD, path, flags, arguments);
-    va_end(arguments);
-    return file;
-}
-
-CORVANE_PRELOADED int openat(int folder, const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const int file = openFile(folder, path, flags, arguments);
-    va_end(arguments);
-    return file;
-}
-
-CORVANE_PRELOADED int open64(const char *, int, ...) __attribute__((alias("open")));
-CORVANE_PRELOADED int openat64(int, const char *, int, ...) __attribute__((alias("openat")));
 
 CORVANE_PRELOADED int socket(int domain, int type, int protocol) noexcept
 {

@@ -3,17 +3,15 @@
 // HANGING_LATER is set. HANGING_FILE is a pattern of paths as in a shell, and HANGING_REPORT a file
 // that is created once a call hangs.
 
+#include "preloaded_open.h"
+
 #include <array>
 #include <atomic>
 
 #include <csignal>
-#include <cstdarg>
 #include <cstdlib>
-#include <fcntl.h>
 #include <fnmatch.h>
 #include <poll.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace {
 
@@ -39,8 +37,7 @@ __attribute__((constructor)) void readPlan()
 
 void hang()
 {
-    const long file = syscall(SYS_openat, AT_FDCWD, report, O_WRONLY | O_CREAT, 0600);
-    syscall(SYS_close, file);
+    createReport(report);
     for (;;)
         syscall(SYS_ppoll, nullptr, 0, nullptr, nullptr, 0);
 }
@@ -56,37 +53,13 @@ int openFile(int folder, const char *path, int flags, va_list arguments)
     const bool isNamed = pattern && fnmatch(pattern, path, 0) == 0;
     if (isNamed && isHanging)
         hang();
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-    const auto file = static_cast<int>(syscall(SYS_openat, folder, path, flags, mode));
+    const auto file = systemOpen(folder, path, flags, arguments);
     if (file >= 0 && file < int(hangs.size()))
         hangs[file] = isNamed;
     return file;
 }
 
 } // namespace
-
-#define CORVANE_PRELOADED extern "C" __attribute__((visibility("default")))
-
-CORVANE_PRELOADED int open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const int file = openFile(AT_FDCWD, path, flags, arguments);
-    va_end(arguments);
-    return file;
-}
-
-CORVANE_PRELOADED int openat(int folder, const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const int file = openFile(folder, path, flags, arguments);
-    va_end(arguments);
-    return file;
-}
-
-CORVANE_PRELOADED int open64(const char *, int, ...) __attribute__((alias("open")));
-CORVANE_PRELOADED int openat64(int, const char *, int, ...) __attribute__((alias("openat")));
 
 CORVANE_PRELOADED ssize_t read(int file, void *into, size_t size)
 {

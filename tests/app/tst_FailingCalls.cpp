@@ -53,7 +53,6 @@ private slots:
 
 private:
     bool hasStarted(const QString &call, Phase phase) const;
-    void openDashboard();
     bool isSampling(const ProgramRun &corvane) const;
 
     const bool m_isWhole;
@@ -95,15 +94,8 @@ void TestFailingCalls::goesOnOrEndsInOneLine_data()
 bool TestFailingCalls::hasStarted(const QString &call, Phase phase) const
 {
     if (call == "clone"_L1 && phase == Phase::start)
-        return QFile::exists(m_session->path(u"runtime/" CORVANE_IDENTIFIER "/socket"_s));
+        return QFile::exists(m_session->socketPath());
     return m_session->tray->items().size() == 1;
-}
-
-void TestFailingCalls::openDashboard()
-{
-    m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
-                          QString::fromLatin1(FakeTray::itemInterface), u"SecondaryActivate"_s,
-                          {0, 0});
 }
 
 /// Whether it ends or reads what several samples need.
@@ -135,7 +127,7 @@ void TestFailingCalls::goesOnOrEndsInOneLine()
     if (phase != Phase::start)
         corvane.send(SIGUSR2);
     if (phase == Phase::dashboard)
-        openDashboard();
+        m_session->openDashboard();
     QVERIFY2(isSampling(corvane), "it hangs");
     if (phase == Phase::start && number == 1)
         QVERIFY2(QFile::exists(failed), "the program makes no such call");

@@ -1,3 +1,4 @@
+#include "processes/LiveProcess.h"
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
 #include "support/Waiting.h"
@@ -7,7 +8,6 @@
 #include <QTest>
 
 #include <optional>
-#include <vector>
 
 #include <csignal>
 
@@ -75,7 +75,8 @@ void TestHangingFiles::samplesAndEnds()
     QFETCH(const QString, files);
     QFETCH(const Phase, phase);
     const QString report = m_session->path(u"report"_s);
-    const std::vector<char> memory(256 << 20, 1); // So much that the arguments are of interest.
+    LiveProcess runner(u"llama-server"_s, {}, 208); // Its arguments are of interest.
+    QVERIFY(runner.isReady());
     QVERIFY(m_session->makeFolder(u"config/Corvane"_s));
     QFile preferences(m_session->path(u"config/Corvane/Corvane.conf"_s));
     QVERIFY(preferences.open(QFile::WriteOnly) && preferences.write("[General]\n") > 0);
@@ -93,9 +94,7 @@ void TestHangingFiles::samplesAndEnds()
     if (phase != Phase::start)
         corvane.send(SIGUSR2);
     if (phase == Phase::dashboard)
-        m_session->tray->call(m_session->tray->items().value(0), u"/StatusNotifierItem"_s,
-                              QString::fromLatin1(FakeTray::itemInterface), u"SecondaryActivate"_s,
-                              {0, 0});
+        m_session->openDashboard();
     TRY_VERIFY(QFile::exists(report));
     const qint64 before = readsOf(corvane.id());
     TRY_VERIFY(readsOf(corvane.id()) > before + 50);

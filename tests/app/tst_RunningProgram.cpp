@@ -83,10 +83,7 @@ private slots:
 
 private:
     QString historyFolder() const { return m_session->path(u"data/Corvane"_s); }
-    std::string socketPath() const
-    {
-        return m_session->path(u"runtime/io.github.corvane.Corvane/socket"_s).toStdString();
-    }
+    std::string socketPath() const { return m_session->socketPath().toStdString(); }
     QDBusConnection bus() const
     {
         return QDBusConnection::connectToBus(m_session->bus->address(), u"fake-tray"_s);

@@ -56,4 +56,10 @@ bool ProgramSession::startDisplay()
     return true;
 }
 
+void ProgramSession::openDashboard() const
+{
+    tray->call(tray->items().value(0), u"/StatusNotifierItem"_s,
+               QString::fromLatin1(FakeTray::itemInterface), u"SecondaryActivate"_s, {0, 0});
+}
+
 } // namespace corvane::test

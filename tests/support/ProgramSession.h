@@ -24,6 +24,12 @@ public:
     QString homePath() const { return m_home.path(); }
     QString historyFile() const { return path(QStringLiteral("data/Corvane/history.jsonl")); }
 
+    /// The socket of the program that runs; it is there once the program has started.
+    QString socketPath() const
+    {
+        return path(QStringLiteral("runtime/" CORVANE_IDENTIFIER "/socket"));
+    }
+
     /// False if it could not be created.
     bool makeFolder(const QString &name) const;
 
@@ -36,6 +42,9 @@ public:
 
     /// Whether the tray shows the label, which has two numbers on every machine, and more on some.
     bool hasLabel() const { return tray->items().size() >= 2; }
+
+    /// Opens the dashboard as a middle click on the label's first item does.
+    void openDashboard() const;
 
     QProcessEnvironment environment;         ///< Of the programs to be started.
     std::unique_ptr<PrivateBus> bus;         ///< Null before `startBus`.
