@@ -1,6 +1,7 @@
 #pragma once
 
 #include "figures/Figures.h"
+#include "timeline/Energy.h"
 
 namespace corvane {
 
@@ -12,15 +13,13 @@ public:
     /// seconds, such as sleep, is not counted, nor is a clock that ran backwards.
     void add(const Figures &figures);
 
-    std::optional<double> cpuJoules() const { return m_cpu; }
-    std::optional<double> gpuJoules() const { return m_gpu; }
-    std::optional<double> npuJoules() const { return m_npu; }
+    std::optional<double> cpuJoules() const { return m_energy.cpu; }
+    std::optional<double> gpuJoules() const { return m_energy.gpu; }
+    std::optional<double> npuJoules() const { return m_energy.npu; }
 
 private:
     std::optional<double> m_lastTime = {};
-    std::optional<double> m_cpu = {};
-    std::optional<double> m_gpu = {};
-    std::optional<double> m_npu = {};
+    Energy m_energy; ///< Its parts alone.
 };
 
 } // namespace corvane

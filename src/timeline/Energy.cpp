@@ -10,11 +10,6 @@ void add(std::optional<double> &sum, const std::optional<double> &joules)
         sum = sum.value_or(0) + *joules;
 }
 
-std::optional<double> joules(const std::optional<double> &watts, double seconds)
-{
-    return watts ? std::optional(*watts * seconds) : std::nullopt;
-}
-
 } // namespace
 
 Energy &Energy::operator+=(const Energy &other)
@@ -25,6 +20,11 @@ Energy &Energy::operator+=(const Energy &other)
     add(gpu, other.gpu);
     add(npu, other.npu);
     return *this;
+}
+
+std::optional<double> joules(const std::optional<double> &watts, double seconds)
+{
+    return watts ? std::optional(*watts * seconds) : std::nullopt;
 }
 
 Energy energyOf(const Measures &measures, double seconds)
@@ -41,9 +41,8 @@ Energy energyOf(const Measures &measures, double seconds)
 
 double measuredSeconds(double previous, double now)
 {
-    constexpr double longest = 5;
     const double step = now - previous;
-    return step > 0 && step <= longest ? step : 0;
+    return step > 0 && step <= longestMeasuredStep ? step : 0;
 }
 
 } // namespace corvane

@@ -19,11 +19,17 @@ struct Energy {
     friend bool operator==(const Energy &, const Energy &) = default;
 };
 
+/// The longest time between two samples for which energy is counted, in seconds.
+inline constexpr double longestMeasuredStep = 5;
+
+/// Absent without watts.
+std::optional<double> joules(const std::optional<double> &watts, double seconds);
+
 /// What these watts take in that time.
 Energy energyOf(const Measures &measures, double seconds);
 
-/// Seconds from one sample to the next as far as energy is counted for them: 0 for a gap of more
-/// than five seconds, such as sleep, and for a clock that ran backwards.
+/// Seconds from one sample to the next as far as energy is counted for them: 0 for a longer
+/// gap, such as sleep, and for a clock that ran backwards.
 double measuredSeconds(double previous, double now);
 
 } // namespace corvane

@@ -14,7 +14,7 @@ struct DayEnergy {
     Energy energy = {}; ///< Without seconds if nothing was measured on that day.
 };
 
-/// What was measured, as the views tell it.
+/// What was measured, as the views show it.
 struct EnergyReport {
     Energy sinceStart = {};
     std::vector<DayEnergy> days = {}; ///< A week, the oldest first; the last day is today.

@@ -19,7 +19,7 @@ enum class Measure : std::uint8_t {
     cpuWatts,
     gpuWatts,
     npuWatts,
-    restWatts,  ///< What the told parts leave of the package, or the package if none is told.
+    restWatts,  ///< What the known parts leave of the package; the package if none is known.
     totalWatts, ///< Sum of the watts above, as far as they are known.
     firstGPU,   ///< Load of the first of several counted GPUs; the next three follow.
     secondGPU,
