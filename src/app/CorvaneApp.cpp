@@ -232,7 +232,7 @@ void CorvaneApp::connectLabel(bool isBackground)
 {
     const auto show = [this] {
         m_label.show(m_state.sampler.current());
-        tellWhetherShown();
+        followVisibility();
         if (m_trayAdvice && m_label.isAvailable()) // A tray turned up.
             m_trayAdvice->deleteLater();
     };
@@ -250,7 +250,7 @@ void CorvaneApp::connectLabel(bool isBackground)
 }
 
 /// The history alone is not worth a vendor's library.
-void CorvaneApp::tellWhetherShown()
+void CorvaneApp::followVisibility()
 {
     m_state.sampler.setShown(m_label.isAvailable() || m_panel.isVisible() || m_processInterest
                              || m_state.settings.writesMetrics());
@@ -317,7 +317,7 @@ void CorvaneApp::connectMainWindow()
     connect(window, &MainWindow::contentsNeeded, window, [=, this, &sampler] {
         if (!m_processInterest)
             m_processInterest = sampler.lookAtProcesses();
-        tellWhetherShown();
+        followVisibility();
         sampler.awaitSurvey();
         showWorkloads(); // First, since the samples' cards show what these hold of the GPUs.
         showSamples();

@@ -47,7 +47,7 @@ private:
     void connectLabel(bool isBackground);
     void connectMetrics();
     void connectPanel();
-    void tellWhetherShown();
+    void followVisibility();
     void connectMainWindow();
     void connectHistoryWindow();
 

@@ -24,7 +24,7 @@ GPUShare GPUShares::of(const std::vector<std::int32_t> &pids) const
 {
     GPUShare share;
     std::map<std::string, double> fractions; // By device.
-    std::set<std::string> hidden;            // Devices of which the load is more than is told.
+    std::set<std::string> hidden;            // Devices whose load is larger than the sum.
     for (const std::int32_t pid : pids) {
         const auto found = m_byPid.find(pid);
         if (found == m_byPid.end())

@@ -22,10 +22,9 @@ class PanelRow;
 
 /// The panel that drops down from the label: name, chip and total power, a live row for each metric
 /// of this machine, the room for a model where it is known (on a whole chip in the tool tip of the
-/// memory), and two buttons. Its actions are in its
-/// context menu. The application owns it and passes it each new sample. Its content is created when
-/// it is first opened, and updated while it is open. It closes on a click elsewhere and on Escape.
-/// Main thread.
+/// memory), and two buttons. Its actions are in its context menu. The application owns it and
+/// passes it each new sample. Its content is created when it is first opened, and updated while it
+/// is open. It closes on a click elsewhere and on Escape. Main thread.
 class MenuBarContent : public QWidget {
     Q_OBJECT
 

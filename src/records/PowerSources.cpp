@@ -34,8 +34,8 @@ std::optional<double> restWatts(const SystemMetrics &sample, const MachineCovera
     if (!chip.packageWatts)
         return std::nullopt;
     const double gpu = gpusAreOnPackage(machine) ? countedGPUWatts(sample).value_or(0) : 0;
-    const double told = knownCPUWatts(sample).value_or(0) + gpu + npuWatts(chip).value_or(0);
-    return std::max(*chip.packageWatts - told, 0.0);
+    const double ofParts = knownCPUWatts(sample).value_or(0) + gpu + npuWatts(chip).value_or(0);
+    return std::max(*chip.packageWatts - ofParts, 0.0);
 }
 
 } // namespace

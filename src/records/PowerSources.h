@@ -12,7 +12,7 @@ enum class PowerSource {
     cpu,
     gpu,
     ane,
-    rest,   ///< What the told parts leave of the package.
+    rest,   ///< What the known parts leave of the package.
     package ///< The package where no watts of its parts are known.
 };
 

@@ -31,7 +31,7 @@ private slots:
     void survivesFailingCalls();
 
 private:
-    /// "7: 25 %" for each process that is told of, a second after the call before.
+    /// "7: 25 %" for each process that is listed, a second after the call before.
     QStringList used(const std::vector<std::int32_t> &pids)
     {
         m_now += 1;
