@@ -246,7 +246,8 @@ void GPUCard::layOut()
         const Column &column = m_columns[i];
         const auto inThisRow = static_cast<double>(i % columnsInRow());
         const double left = contentLeft() + inThisRow * (width + columnGap);
-        const double down = static_cast<double>(i / columnsInRow()) * rowPitch;
+        const std::size_t row = i / columnsInRow();
+        const double down = static_cast<double>(row) * rowPitch;
         const TextLine line = isLarge ? largeFigureLine : figureLine;
         column.figure->font = font;
         column.name->baseline = {left, down + nameLine.baseline(column.name->font)};

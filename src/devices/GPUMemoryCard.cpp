@@ -290,7 +290,8 @@ QRectF GPUMemoryCard::rowPlace(std::size_t index) const
     const double gaps = columnGap * static_cast<double>(grid.columns - 1);
     const double width =
         (contentRight() - contentLeft() - gaps) / static_cast<double>(grid.columns);
-    const double left = contentLeft() + static_cast<double>(index / rows) * (width + columnGap);
+    const std::size_t column = index / rows;
+    const double left = contentLeft() + static_cast<double>(column) * (width + columnGap);
     return {left, barTop + static_cast<double>(index % rows) * grid.pitch, width, grid.pitch};
 }
 

@@ -58,6 +58,7 @@ void NvidiaGPUs::setDevices(const std::vector<GPUDevice> &devices)
         m_members.push_back({device, KernelFile(device.folder + "/power/runtime_status")});
 
     std::vector<GPUCoverage> known;
+    known.reserve(devices.size());
     for (const GPUDevice &device : devices)
         known.push_back(coverageOf(deviceName(device.address)));
     m_coverage = std::move(known);

@@ -105,6 +105,31 @@ double waitingPages()
     return pages * pageSize();
 }
 
+/// Bytes that the kernel's estimate of the available memory leaves out although they are free or
+/// cache: what each zone keeps back, and of the cache and of what can be reclaimed half each, but
+/// no more than the low watermark (si_mem_available and calculate_totalreserve_pages in mm/).
+double withheldMemory()
+{
+    static const QRegularExpression zone(
+        uR"(low +(\d+)\s+high +(\d+).+?managed +(\d+).+?protection: \(([^)]+))"_s,
+        QRegularExpression::DotMatchesEverythingOption);
+    const std::string zones = readKernelFile("/proc/zoneinfo").value_or(std::string());
+    double reserve = 0;
+    double low = 0;
+    for (const auto &match : zone.globalMatch(QString::fromStdString(zones))) {
+        double protection = 0;
+        for (const QString &number : match.captured(4).split(u", "_s))
+            protection = std::max(protection, number.toDouble());
+        reserve +=
+            std::min(match.captured(2).toDouble() + protection, match.captured(3).toDouble());
+        low += match.captured(1).toDouble();
+    }
+    low *= pageSize();
+    const double files = memInfoBytes(u"Active(file)"_s) + memInfoBytes(u"Inactive(file)"_s);
+    return reserve * pageSize() + std::min(files / 2, low)
+        + std::min(memInfoBytes(u"KReclaimable"_s) / 2, low);
+}
+
 /// The median of several samples, so that the start of another process does not matter.
 Levels levels(pid_t holder)
 {
@@ -313,12 +338,14 @@ void TestLiveMemory::aCachedDiskFileIsNotUsed()
     close(file);
 }
 
-/// "used" of `free`: since version 4 of its package all that is not available; before, all that is
-/// neither free nor buffer nor cache, which leaves shared memory out.
+/// "used" of `free`: since version 4 of its package all that is not available, which counts what
+/// the kernel withholds; before, all that is neither free nor buffer nor cache, which leaves shared
+/// memory out.
 void TestLiveMemory::staysNearTheFigureOfFree()
 {
     const auto distance = [](double theirs) {
-        return std::abs(static_cast<double>(MemorySampler::sample().used) - theirs);
+        const auto used = static_cast<double>(MemorySampler::sample().used);
+        return std::min(std::abs(used - theirs), std::abs(used - theirs + withheldMemory()));
     };
     const auto notAvailable = [] {
         return memInfoBytes(u"MemTotal"_s) - memInfoBytes(u"MemAvailable"_s);
