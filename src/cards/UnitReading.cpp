@@ -29,7 +29,6 @@ void setLoadAndWatts(UnitReading &reading, const std::optional<double> &fraction
 {
     reading.loadPercent = fraction.value_or(0) * 100;
     reading.loadIsDenied = !fraction;
-    reading.isGap = !fraction;
     reading.watts = watts.value_or(0);
     reading.wattsAreDenied = !watts;
 }

@@ -18,10 +18,9 @@ enum class ComputeUnit { cpu, gpu, ane };
 struct UnitReading {
     double loadPercent = 0; ///< 0…100; the Neural Engine's is its power relative to its ceiling.
     double watts = 0;
-    bool loadIsDenied = false; ///< The load is 0 then, and shown as "–"; so are the watts.
-    bool wattsAreDenied = false;
+    bool loadIsDenied = false;   ///< The load is 0 then, shown as "–", and a gap in the chart.
+    bool wattsAreDenied = false; ///< The watts likewise.
     bool hasWatts = true; ///< No: this machine does not tell them, and the texts leave them out.
-    bool isGap = false;   ///< Nothing was known of the load, and the chart has a gap.
     std::optional<double> tempC = {};          ///< Of the unit, else of the package.
     std::optional<double> megahertz = {};      ///< CPU only: while active, 0 when unknown.
     std::optional<QString> dominantState = {}; ///< GPU only; empty text: no state was active.

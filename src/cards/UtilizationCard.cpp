@@ -186,7 +186,7 @@ void UtilizationCard::showChart(const SystemMetrics &current,
         m_readings.push_back(machine.isWhole ? unitReading(m_kind, sample.chip, m_chip)
                                              : unitReading(m_kind, sample, machine));
         const UnitReading &reading = m_readings.back();
-        series.values.push_back(unlessDenied(reading.loadPercent, reading.isGap));
+        series.values.push_back(unlessDenied(reading.loadPercent, reading.loadIsDenied));
     }
     chart.series.push_back(std::move(series));
     chart.yDomain = {0, 100};

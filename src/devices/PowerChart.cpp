@@ -182,7 +182,7 @@ PillContent PowerChart::pill(std::size_t index) const
                                          : HoverTime::string(shown.timestamps[index]),
                         {totalRow(wattsText(totalWatts(values), 2), Theme::power)}};
     for (std::size_t part = 0; part < m_parts.size(); ++part) {
-        const std::optional<double> watts = values[part].shown();
+        const std::optional<double> watts = values[part].watts;
         content.rows.push_back(componentRow(
             m_parts[part].label, watts ? fixedText(*watts, 2) : u"–"_s, m_parts[part].color));
     }

@@ -47,9 +47,10 @@ std::vector<PowerValue> valuesOfWhole(const std::optional<ChipReading> &chip)
 {
     static const ChipReading none;
     const ChipReading &from = chip ? *chip : none;
-    return {{from.cpuWatts, from.denied.cpuWatts},
-            {from.gpuWatts, from.denied.gpuWatts},
-            {from.aneWatts, from.denied.aneWatts}};
+    const DeniedParts &denied = from.denied;
+    return {{unlessDenied(from.cpuWatts, denied.cpuWatts), denied.cpuWatts},
+            {unlessDenied(from.gpuWatts, denied.gpuWatts), denied.gpuWatts},
+            {unlessDenied(from.aneWatts, denied.aneWatts), denied.aneWatts}};
 }
 
 } // namespace

@@ -30,10 +30,8 @@ std::vector<PowerPart> powerParts(const MachineCoverage &machine);
 
 /// Watts of one part in one sample.
 struct PowerValue {
-    std::optional<double> watts = {}; ///< As charted; absent where nothing was known.
-    bool isDenied = false;            ///< Of a whole chip: charted as 0 and shown as "–".
-
-    std::optional<double> shown() const { return isDenied ? std::nullopt : watts; }
+    std::optional<double> watts = {}; ///< Absent where nothing was known.
+    bool isDenied = false;            ///< Of a whole chip: the sum is not known either.
 };
 
 /// A value for each part. Samples from the history file do not tell an absent value from a true 0:

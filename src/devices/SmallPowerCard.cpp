@@ -147,7 +147,7 @@ void SmallPowerCard::showRows(const std::vector<PowerValue> &values, const QStri
         row.value->name = u"Power of "_s + part.label;
         row.value->font = rowFont(isKnown ? QFont::DemiBold : QFont::Normal);
         setText(*row.label, part.label);
-        const std::optional<double> watts = values[i].shown();
+        const std::optional<double> watts = values[i].watts;
         setText(*row.value,
                 !isKnown    ? reasonText(part.coverage)
                     : watts ? rowText(*watts)

@@ -45,6 +45,8 @@ class TestUtilizationCard : public QObject {
 private slots:
     void showsTheTextsOfItsUnit_data();
     void showsTheTextsOfItsUnit();
+    void deniedLoadIsAGap_data();
+    void deniedLoadIsAGap();
     void showsCoresForTheCPUOnly();
     void placesItsParts();
     void barsDoNotMoveWhenTheFigureGrows();
@@ -78,6 +80,32 @@ void TestUtilizationCard::showsTheTextsOfItsUnit()
     Shown shown(unit);
     shown.card.show(scriptedCurrent(), scriptedHistory());
     QTEST(shown.values(), "texts");
+}
+
+void TestUtilizationCard::deniedLoadIsAGap_data()
+{
+    QTest::addColumn<ComputeUnit>("unit");
+    QTest::addColumn<DeniedParts>("denied");
+    QTest::newRow("CPU without its load") << ComputeUnit::cpu << DeniedParts{.cpuLoad = true};
+    QTest::newRow("GPU without its load") << ComputeUnit::gpu << DeniedParts{.gpuLoad = true};
+    QTest::newRow("Neural Engine without its watts")
+        << ComputeUnit::ane << DeniedParts{.aneWatts = true};
+}
+
+/// On a whole chip, whose samples without any reading are charted as 0.
+void TestUtilizationCard::deniedLoadIsAGap()
+{
+    QFETCH(ComputeUnit, unit);
+    QFETCH(DeniedParts, denied);
+    const std::vector<SystemMetrics> history{
+        {.timestamp = 0},
+        {.timestamp = 1, .chip = ChipReading()},
+        {.timestamp = 2, .chip = ChipReading()},
+        {.timestamp = 3, .chip = ChipReading{.denied = denied}}};
+    Shown shown(unit);
+    shown.card.show(history.back(), history);
+    QCOMPARE(shown.card.chart()->shown().series[0].values,
+             (std::vector<std::optional<double>>{0, 0, 0, std::nullopt}));
 }
 
 void TestUtilizationCard::showsCoresForTheCPUOnly()

@@ -53,7 +53,7 @@ private slots:
     void stacksBands_data();
     void stacksBands();
     void showsHoveredValues();
-    void showsADashForWhatIsDenied();
+    void whatIsDeniedHasADashAndAGap();
     void showsItsLegend();
     void leavesNoStalePixels_data();
     void leavesNoStalePixels();
@@ -270,7 +270,7 @@ void TestPowerCard::showsHoveredValues()
     QVERIFY(shown.card.chart()->accessibleValue().contains(u"0.00 W"_s));
 }
 
-void TestPowerCard::showsADashForWhatIsDenied()
+void TestPowerCard::whatIsDeniedHasADashAndAGap()
 {
     Shown shown;
     History history = steady(1);
@@ -280,6 +280,11 @@ void TestPowerCard::showsADashForWhatIsDenied()
     QCOMPARE(shown.card.chart()->accessibleValue().section(u", "_s, 1),
              u"–, CPU –, GPU 29.92, ANE –"_s);
     QVERIFY(shown.card.accessibleText(u"Power"_s) != u"peak –"_s);
+    using Watts = std::vector<std::optional<double>>;
+    const std::vector<SparklineSeries> &series = shown.card.chart()->shown().series;
+    QCOMPARE(series[0].values, (Watts{1, 1, std::nullopt}));
+    QCOMPARE(series[1].values, (Watts{0, 0, 29.92}));
+    QCOMPARE(series[2].values, (Watts{0, 0, std::nullopt}));
     for (SystemMetrics &each : history)
         each.chip->denied.cpuWatts = true;
     shown.show(history);

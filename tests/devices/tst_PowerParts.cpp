@@ -22,7 +22,7 @@ QString told(const SystemMetrics &sample)
     const std::vector<PowerValue> values = powerValues(parts, sample, machine);
     QStringList texts;
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        const std::optional<double> watts = values[i].shown();
+        const std::optional<double> watts = values[i].watts;
         const QString value = parts[i].coverage == Coverage::locked ? u"locked"_s
             : parts[i].coverage == Coverage::asleep                 ? u"asleep"_s
             : watts ? QString::number(*watts, 'f', 2)
@@ -95,7 +95,7 @@ void TestPowerParts::areThoseOfTheMachine_data()
         << SystemMetrics{.chip = ChipReading{.cpuWatts = 0,
                                              .gpuWatts = 4,
                                              .denied = {.cpuWatts = true}}}
-        << u"CPU –, GPU 4.00, ANE 0.00: –, CPU and GPU"_s;
+        << u"CPU –, GPU 4.00, ANE 0.00: –, GPU only"_s;
     QTest::newRow("a whole chip without a reading")
         << SystemMetrics() << u"CPU 0.00, GPU 0.00, ANE 0.00: 0.00, CPU and GPU"_s;
 }

@@ -4,6 +4,7 @@ foreach(test ChipName_mac ChipSource_mac CoreTicks_mac FailingMac FrequencyTable
   corvane_test(simulated_mac/tst_${test} SYSTEM simulated-mac
                LINK corvane::chip corvane::memory corvane::models corvane::processes)
 endforeach()
+corvane_test(simulated_mac/tst_PowerCard_mac SYSTEM simulated-mac LINK corvane::chip corvane::devices)
 
 if(CORVANE_SYSTEM STREQUAL "simulated-mac" AND NOT CORVANE_ONLY_THREADED)
   add_executable(corvane_simulated simulated_mac/main.cpp)
