@@ -34,7 +34,7 @@ void InfoButton::setInfo(const InfoText &info)
         return;
     close();
     m_info = info;
-    setToolTip(info.title.toHtmlEscaped());
+    setToolTip(plainToolTip(info.title));
     setAccessibleName(info.title);
     setAccessibleDescription(plainText(info.text));
 }

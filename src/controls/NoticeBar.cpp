@@ -34,7 +34,7 @@ NoticeBar::NoticeBar(const QString &text, QWidget *parent)
 {
     assertMainThread();
     setAccessibleName(u"Notice"_s);
-    setToolTip(m_text); // The line may be cut.
+    setToolTip(plainToolTip(m_text)); // The line may be cut.
     setFixedHeight(corvane::height);
     auto *forGood = new PanelButton(u"Don’t Show Again"_s, {}, m_buttons);
     auto *close = new PanelButton(u"Close"_s, {}, m_buttons);

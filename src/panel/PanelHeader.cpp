@@ -37,7 +37,7 @@ void PanelHeader::showEnergy(const QString &tip)
 {
     if (tip == accessibleDescription())
         return;
-    setToolTip(tip);
+    setToolTip(plainToolTip(tip));
     setAccessibleDescription(tip);
 }
 

@@ -29,9 +29,6 @@ qint64 bytesRead(qint64 process)
 
 } // namespace
 
-enum class Phase { start, dashboard, later };
-Q_DECLARE_METATYPE(Phase)
-
 /// The real program while one call of the system fails. The clock is quick: a second takes 50 ms.
 class TestFailingCalls : public QObject {
     Q_OBJECT

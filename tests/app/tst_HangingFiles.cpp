@@ -32,9 +32,6 @@ qint64 readsOf(qint64 process)
 
 } // namespace
 
-enum class Phase { start, later, dashboard };
-Q_DECLARE_METATYPE(Phase)
-
 /// The real program while each call for some files never returns. The clock is quick: a second
 /// takes 50 ms.
 class TestHangingFiles : public QObject {

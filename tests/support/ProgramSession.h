@@ -11,6 +11,10 @@
 
 namespace corvane::test {
 
+/// From when on calls fail: the program's start, the opening of its dashboard, or later without a
+/// dashboard.
+enum class Phase { start, dashboard, later };
+
 /// A user's session in which a test runs the program: a home with folders of its own and, once they
 /// are started, a session bus with a tray and an X display. All of it ends with the object. Main
 /// thread; Linux.
