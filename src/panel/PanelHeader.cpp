@@ -51,22 +51,41 @@ std::vector<AccessibleText> PanelHeader::accessibleTexts() const
     return {{.value = text, .place = rect()}};
 }
 
-void PanelHeader::paintEvent(QPaintEvent *)
+std::vector<CardText> PanelHeader::texts() const
 {
-    static const QFont nameFont = Theme::systemFont(13, QFont::DemiBold);
-    static const QFont chipFont = Theme::systemFont(10);
-    QPainter painter(this);
-    painter.setPen(Theme::textPrimary);
-    drawText(painter, QPointF(0, nameLine.baseline(nameFont)), u"Corvane"_s, nameFont);
-    painter.setPen(m_power.color);
-    drawTextRight(painter, QPointF(width(), nameLine.baseline(nameFont)), m_power.watts, nameFont);
-    painter.setPen(Theme::textTertiary);
+    const QFont nameFont = Theme::systemFont(13, QFont::DemiBold);
+    const QFont chipFont = Theme::systemFont(10);
+    const double nameBaseline = nameLine.baseline(nameFont);
     const double chipBaseline = chipLine.baseline(chipFont);
-    drawTextRight(painter, QPointF(width(), chipBaseline), m_power.parts, chipFont);
+    const auto right = static_cast<double>(width());
     const double partsWidth =
         m_power.parts.isEmpty() ? 0 : partsGap + textWidth(m_power.parts, chipFont);
-    drawText(painter, QPointF(0, chipBaseline), elided(m_chipName, chipFont, width() - partsWidth),
-             chipFont);
+    return {{.text = u"Corvane"_s,
+             .font = nameFont,
+             .color = Theme::textPrimary,
+             .baseline = {0, nameBaseline}},
+            {.text = m_power.watts,
+             .font = nameFont,
+             .color = m_power.color,
+             .alignment = Qt::AlignRight,
+             .baseline = {right, nameBaseline}},
+            {.text = m_chipName,
+             .font = chipFont,
+             .color = Theme::textTertiary,
+             .baseline = {0, chipBaseline},
+             .maxWidth = right - partsWidth},
+            {.text = m_power.parts,
+             .font = chipFont,
+             .color = Theme::textTertiary,
+             .alignment = Qt::AlignRight,
+             .baseline = {right, chipBaseline}}};
+}
+
+void PanelHeader::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    for (const CardText &text : texts())
+        text.paint(painter);
 }
 
 } // namespace corvane

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controls/AccessibleWidget.h"
+#include "cards/CardText.h"
 #include "ui/MetricText.h"
 
 namespace corvane {
@@ -17,6 +17,9 @@ public:
 
     /// The tool tip, which a screen reader reads as the description; empty: none.
     void showEnergy(const QString &tip);
+
+    /// All texts that are painted: name, watts, chip, and what the watts are the sum of.
+    std::vector<CardText> texts() const;
 
     std::vector<AccessibleText> accessibleTexts() const override;
 

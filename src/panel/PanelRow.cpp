@@ -1,6 +1,5 @@
 #include "panel/PanelRow.h"
 
-#include "ui/TextLayout.h"
 #include "ui/Theme.h"
 
 #include <QFontMetricsF>
@@ -38,26 +37,41 @@ std::vector<AccessibleText> PanelRow::accessibleTexts() const
     return {{.value = inOneLine(m_row), .place = rect(), .description = m_row.explanation}};
 }
 
+std::vector<CardText> PanelRow::texts() const
+{
+    const QFont titleFont = Theme::systemFont(12, QFont::Medium);
+    const QFont valueFont = Theme::systemFont(12, QFont::DemiBold);
+    const QFont detailFont = Theme::systemFont(10);
+    const double baseline = valueLine.baseline(valueFont);
+    const auto right = static_cast<double>(width());
+    return {{.text = m_row.title,
+             .font = titleFont,
+             .color = Theme::textPrimary,
+             .baseline = {dotSize + dotGap, baseline}},
+            {.text = m_row.value,
+             .font = valueFont,
+             .color = Theme::textPrimary,
+             .alignment = Qt::AlignRight,
+             .baseline = {right, baseline}},
+            {.text = m_row.detail,
+             .font = detailFont,
+             .color = Theme::textTertiary,
+             .alignment = Qt::AlignRight,
+             .baseline = {right, detailLine.baseline(detailFont)}}};
+}
+
 void PanelRow::paintEvent(QPaintEvent *)
 {
-    static const QFont titleFont = Theme::systemFont(12, QFont::Medium);
-    static const QFont valueFont = Theme::systemFont(12, QFont::DemiBold);
-    static const QFont detailFont = Theme::systemFont(10);
-    const double baseline = valueLine.baseline(valueFont);
-
+    const std::vector<CardText> all = texts();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_row.color);
-    const double middle = baseline - QFontMetricsF(titleFont).capHeight() / 2;
+    const CardText &title = all.front();
+    const double middle = title.baseline.y() - QFontMetricsF(title.font).capHeight() / 2;
     painter.drawEllipse(QRectF(0, middle - dotSize / 2, dotSize, dotSize));
-
-    painter.setPen(Theme::textPrimary);
-    drawText(painter, QPointF(dotSize + dotGap, baseline), m_row.title, titleFont);
-    drawTextRight(painter, QPointF(width(), baseline), m_row.value, valueFont);
-    painter.setPen(Theme::textTertiary);
-    drawTextRight(painter, QPointF(width(), detailLine.baseline(detailFont)), m_row.detail,
-                  detailFont);
+    for (const CardText &text : all)
+        text.paint(painter);
 }
 
 } // namespace corvane

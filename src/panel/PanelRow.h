@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controls/AccessibleWidget.h"
+#include "cards/CardText.h"
 #include "ui/MetricText.h"
 
 namespace corvane {
@@ -15,6 +15,9 @@ public:
     explicit PanelRow(QWidget *parent = nullptr);
 
     void show(const MetricRow &row);
+
+    /// All texts that are painted: title, value and detail.
+    std::vector<CardText> texts() const;
 
     std::vector<AccessibleText> accessibleTexts() const override;
 

@@ -1,6 +1,6 @@
 corvane_test(dashboard/tst_DashboardLayout LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_MainWindow LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_QuickNumbers LINK corvane_scripted_samples)
-corvane_test(dashboard/tst_Looks LINK corvane_scripted_samples)
+corvane_test(dashboard/tst_Looks LINK corvane_scripted_samples corvane::panel)
 corvane_test(dashboard/tst_ScreenScales LINK corvane_scripted_samples)
 corvane_test(dashboard/tst_WindowChoice)

@@ -7,12 +7,17 @@
 #include "lists/AIWorkloadsCard.h"
 #include "lists/FrameworkColor.h"
 #include "lists/ProcessCard.h"
+#include "panel/MenuBarContent.h"
+#include "panel/PanelHeader.h"
+#include "panel/PanelRow.h"
 #include "support/Rendering.h"
+#include "ui/Icon.h"
 #include "ui/Theme.h"
 
 #include <QTest>
 
 #include <cmath>
+#include <iterator>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -45,6 +50,31 @@ Look lookOf(const CardText &text)
             .isItalic = text.font.italic()};
 }
 
+/// Whether a card has that icon of 16 points there, on a ground of one colour.
+bool showsIcon(const Card &card, const QPointF &corner, const QString &symbol, const QColor &color)
+{
+    constexpr int scale = 2;
+    constexpr int side = 16;
+    QImage shown(QSize(side, side) * scale, QImage::Format_RGB32);
+    shown.setDevicePixelRatio(scale);
+    shown.fill(Qt::black);
+    const_cast<Card &>(card).render(&shown, {}, QRect(corner.toPoint(), QSize(side, side)),
+                                    QWidget::DrawChildren);
+    QImage wanted = shown;
+    wanted.fill(shown.pixel(0, 0));
+    QPainter painter(&wanted);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintIcon(painter, symbol, QRectF(0, 0, side, side), color, SymbolWeight::semibold);
+    painter.end();
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            if (!isClose(shown.pixelColor(x, y), wanted.pixelColor(x, y)))
+                return false;
+        }
+    }
+    return true;
+}
+
 template <typename Texts>
 std::optional<Look> lookOf(const Texts &texts, const QString &words)
 {
@@ -54,8 +84,8 @@ std::optional<Look> lookOf(const Texts &texts, const QString &words)
 
 } // namespace
 
-/// The fonts and colours of the texts on a dashboard of scripted samples, and the icons of its
-/// cards.
+/// The fonts and colours of the texts on a dashboard and a panel of scripted samples, and the icons
+/// of cards and workloads.
 class TestLooks : public QObject {
     Q_OBJECT
 
@@ -67,16 +97,21 @@ private slots:
     void textsOfTheHeader();
     void textsOfWorkloads_data();
     void textsOfWorkloads();
+    void textsOfThePanel_data();
+    void textsOfThePanel();
     void boxes_data();
     void boxes();
     void headings_data();
     void headings();
+    void tiles_data();
+    void tiles();
 
 private:
     const Card *cardTitled(const QString &title) const;
 
     MainWindow m_filled{nullptr, chip};
     MainWindow m_empty{nullptr, chip};
+    MenuBarContent m_panel{[] { return 0.0; }, nullptr, chip.name};
 };
 
 void TestLooks::initTestCase()
@@ -89,6 +124,8 @@ void TestLooks::initTestCase()
     m_empty.show(historyWithoutChip().back(), historyWithoutChip());
     m_empty.showProcesses({});
     m_empty.showWorkloads({});
+    m_panel.show(scriptedCurrent());
+    m_panel.toggleAt({400, 10});
 }
 
 const Card *TestLooks::cardTitled(const QString &title) const
@@ -236,6 +273,41 @@ void TestLooks::textsOfWorkloads()
     QVERIFY(*actual == look);
 }
 
+void TestLooks::textsOfThePanel_data()
+{
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<Look>("look");
+    const auto row = [](const char *name, const QString &words, const Look &look) {
+        QTest::newRow(name) << words << look;
+    };
+    row("name", u"Corvane"_s, {13, QFont::DemiBold, Theme::textPrimary});
+    row("watts", u"49.7 W"_s, {13, QFont::DemiBold, Theme::power});
+    row("chip", u"Apple M3 Max"_s, {10, QFont::Normal, Theme::textTertiary});
+    const std::array<std::array<QString, 3>, 5> rows{
+        {{u"Memory"_s, u"45.44 GB / 64 GB"_s, u"71 %"_s},
+         {u"GPU"_s, u"90 %"_s, u"31.62 W"_s},
+         {u"CPU"_s, u"48 %"_s, u"16.69 W"_s},
+         {u"ANE"_s, u"1.35 W"_s, u"Neural Engine"_s},
+         {u"Swap"_s, u"1.37 GB"_s, u"of 3 GB"_s}}};
+    for (const auto &[title, value, detail] : rows) {
+        row(qPrintable(u"title of "_s + title), title, {12, QFont::Medium, Theme::textPrimary});
+        row(qPrintable(u"value of "_s + title), value, {12, QFont::DemiBold, Theme::textPrimary});
+        row(qPrintable(u"detail of "_s + title), detail, {10, QFont::Normal, Theme::textTertiary});
+    }
+}
+
+void TestLooks::textsOfThePanel()
+{
+    QFETCH(QString, words);
+    QFETCH(Look, look);
+    std::vector<CardText> texts = m_panel.findChild<PanelHeader *>()->texts();
+    for (const PanelRow *row : m_panel.findChildren<PanelRow *>())
+        std::ranges::copy(row->texts(), std::back_inserter(texts));
+    const std::optional<Look> actual = lookOf(texts, words);
+    QVERIFY2(actual, "the text is shown");
+    QVERIFY(*actual == look);
+}
+
 void TestLooks::boxes_data()
 {
     QTest::addColumn<QString>("card");
@@ -289,6 +361,7 @@ void TestLooks::boxes()
     const QRect around = box.toAlignedRect().adjusted(-2, -2, 2, 2);
     QImage image(around.size() * scale, QImage::Format_RGB32);
     image.setDevicePixelRatio(scale);
+    image.fill(Qt::black);
     const_cast<Card *>(shown)->render(&image, {}, around, QWidget::DrawChildren);
     const auto at = [&](double x, double y) {
         return pixelAt(image, x - around.left(), y - around.top());
@@ -332,10 +405,31 @@ void TestLooks::headings_data()
 /// A card's icon, and that it has the title's colour.
 void TestLooks::headings()
 {
+    QFETCH(QString, symbol);
     const Card *card = cardTitled(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(card);
-    QTEST(card->heading().symbol, "symbol");
-    QCOMPARE(card->heading().color, card->texts().front().color);
+    QCOMPARE(card->heading().symbol, symbol);
+    QVERIFY(showsIcon(*card, {16, 17}, symbol, card->texts().front().color));
+}
+
+void TestLooks::tiles_data()
+{
+    QTest::addColumn<double>("top");
+    QTest::addColumn<QString>("symbol");
+    QTest::addColumn<QColor>("color");
+    QTest::newRow("llama.cpp") << 48.0 << u"cpu.fill"_s << frameworkColor(AIFramework::llamaCpp);
+    QTest::newRow("MLX") << 92.0 << u"sparkle"_s << frameworkColor(AIFramework::mlx);
+    QTest::newRow("LM Studio") << 136.0 << u"studentdesk"_s
+                               << frameworkColor(AIFramework::lmStudio);
+}
+
+/// In the middle of a tile of 30 points, in the framework's colour.
+void TestLooks::tiles()
+{
+    QFETCH(double, top);
+    QFETCH(QString, symbol);
+    QFETCH(QColor, color);
+    QVERIFY(showsIcon(*cardTitled(u"AI Workloads"_s), {16 + 7, top + 7}, symbol, color));
 }
 
 QTEST_MAIN(TestLooks)
