@@ -4,13 +4,17 @@
 #include "controls/WindowBackground.h"
 #include "dashboard/MainWindow.h"
 #include "gallery/ScriptedSamples.h"
+#include "lists/RowList.h"
 #include "support/Rendering.h"
 #include "ui/ContentArea.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMenu>
 #include <QScreen>
 #include <QTemporaryFile>
 #include <QTest>
@@ -85,6 +89,8 @@ private slots:
     void edgesLieOnDevicePixels();
     void contentsFollowTheEdges();
     void partsFollowToAnotherScreen();
+    void menusStayOnTheScreen_data();
+    void menusStayOnTheScreen();
 
 private:
     /// The three cards of the second row.
@@ -189,6 +195,57 @@ void TestScreenScales::partsFollowToAnotherScreen()
         fresh.show(scriptedCurrent(), scriptedHistory());
         QCoreApplication::processEvents();
         QCOMPARE(placesOfParts(*m_window), placesOfParts(fresh));
+    }
+}
+
+void TestScreenScales::menusStayOnTheScreen_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QSize>("size");
+    for (const double scale : {1.25, 2.0}) {
+        for (const QSize &size : {QSize(920, 760), QSize(1280, 900), QSize(2560, 1440)})
+            QTest::addRow("%d x %d at scale %g", size.width(), size.height(), scale)
+                << scale << size;
+    }
+}
+
+/// In a window in the lower right corner of its screen: the menu of the window at its four corners,
+/// and that of a chart, a list and its rows at their lower right corners.
+void TestScreenScales::menusStayOnTheScreen()
+{
+    QFETCH(double, scale);
+    QFETCH(QSize, size);
+    moveTo(scale);
+    m_window->resize(size);
+    const QRect screen = m_window->screen()->availableGeometry();
+    m_window->move(m_window->pos() + screen.bottomRight() - m_window->geometry().bottomRight());
+    QCoreApplication::processEvents();
+    QAction settings(u"Settings…"_s);
+    settings.setShortcut(Qt::CTRL | Qt::Key_Comma);
+    QAction separator;
+    separator.setSeparator(true);
+    QAction quit(u"Quit"_s);
+    m_window->addActions({&settings, &separator, &quit});
+
+    const QRect all = m_window->rect();
+    std::vector<std::pair<QWidget *, QPoint>> places;
+    for (const QPoint &corner :
+         {all.topLeft(), all.topRight(), all.bottomLeft(), all.bottomRight()})
+        places.emplace_back(m_window.get(), corner);
+    for (QWidget *part : {static_cast<QWidget *>(m_window->findChildren<Sparkline *>().last()),
+                          static_cast<QWidget *>(m_window->findChildren<RowList *>().last())})
+        places.emplace_back(part, part->rect().bottomRight());
+    for (const auto &[widget, place] : places) {
+        QContextMenuEvent click(QContextMenuEvent::Mouse, place, widget->mapToGlobal(place));
+        QCoreApplication::sendEvent(widget, &click);
+        const std::unique_ptr<QMenu> menu(qobject_cast<QMenu *>(QApplication::activePopupWidget()));
+        QVERIFY(menu);
+        QVERIFY(screen.contains(menu->geometry()));
+        QCOMPARE(menu->screen(), m_window->screen());
+        QCOMPARE(menu->actions().first()->text(),
+                 widget == m_window.get() ? u"Settings…" : u"Copy");
+        for (QAction *action : menu->actions())
+            QCOMPARE(menu->actionGeometry(action).height(), action->isSeparator() ? 9 : 24);
     }
 }
 

@@ -5,10 +5,12 @@
 // Without a scale it runs itself at 1 and at 2, since Qt reads the scale when a program starts.
 
 #include "app/AboutPanel.h"
+#include "app/Commands.h"
 #include "cards/InfoTexts.h"
 #include "cards/MemoryCard.h"
 #include "cards/UtilizationCard.h"
 #include "charts/Sparkline.h"
+#include "controls/ContextMenu.h"
 #include "controls/InfoButton.h"
 #include "controls/InfoPopover.h"
 #include "dashboard/MainWindow.h"
@@ -22,6 +24,7 @@
 #include "gallery/ScriptedWorkloads.h"
 #include "lists/AIWorkloadsCard.h"
 #include "lists/ProcessCard.h"
+#include "lists/RowList.h"
 #include "login/LaunchAtLoginManager.h"
 #include "panel/MenuBarContent.h"
 #include "sampler/SystemSampler.h"
@@ -35,6 +38,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLocale>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QProcess>
@@ -124,6 +128,28 @@ bool dashboards(const Gallery &gallery)
     empty.QWidget::show();
     empty.show(historyWithoutChip().back(), historyWithoutChip());
     return gallery.save(empty, u"dashboard-empty"_s) && good;
+}
+
+/// The rings of a chart and a list, the menu of the dashboard and that of a chart.
+bool focusRingsAndMenus(const Gallery &gallery)
+{
+    const auto window = dashboard({1280, 900});
+    const Commands commands;
+    window->addActions(commands.ofDashboard());
+    Sparkline *chart = window->findChild<UtilizationCard *>()->chart();
+    chart->setFocus();
+    bool good = gallery.save(*window, u"focus-chart"_s);
+    window->findChild<ProcessCard *>()->list()->setFocus();
+    good &= gallery.save(*window, u"focus-list"_s);
+
+    QMenu *menu = popUpActions(*window, {100, 100});
+    menu->setActiveAction(commands.about());
+    good &= gallery.save(*menu, u"menu-dashboard"_s);
+    menu->close();
+    menu = popUpCopy(*chart, u"text"_s, {100, 100});
+    good &= gallery.save(*menu, u"menu-chart"_s);
+    menu->close();
+    return good;
 }
 
 std::unique_ptr<MainWindow> dashboard(const ScriptedMachine &machine, const QSize &size)
@@ -491,6 +517,7 @@ int renderAll(const QDir &folder, const QString &scale)
 {
     const Gallery gallery(folder, scale);
     bool good = dashboards(gallery);
+    good &= focusRingsAndMenus(gallery);
     good &= memoryPressure(gallery);
     good &= infoPopover(gallery);
     good &= cards(gallery);
