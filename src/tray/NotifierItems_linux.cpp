@@ -69,8 +69,14 @@ void NotifierItems::show(const MetricValues &current)
         showSquares(numbers);
         break;
     }
-    for (const auto &item : m_items)
-        item->showToolTip(inWords(numbers));
+    // Desktops answer each announcement with a request for all that an item has, pictures included.
+    constexpr int showsPerAnnouncement = 3;
+    const bool announcesToolTips = m_shows++ % showsPerAnnouncement == 0;
+    for (const auto &item : m_items) {
+        item->setToolTip(inWords(numbers));
+        if (announcesToolTips)
+            item->announceToolTip();
+    }
     m_numbers = numbers;
     if (!m_isRegistering && m_registered < m_items.size())
         registerNext();

@@ -20,7 +20,8 @@ class StatusNotifierItem;
 
 /// The label as items on the bus, in the form that this host can show. Owned by the label, which
 /// creates it when the host appears and deletes it with the host. All items export the label's one
-/// menu, which outlives them. Nothing is sent while the label's text stays the same. Main thread.
+/// menu, which outlives them. Nothing is sent while the label's text stays the same; new tool tips
+/// are announced with every third sample. Main thread.
 ///
 /// A square item belongs to a place in the bar, not to a quantity. When the label gets a number
 /// more or less, only the item registered last comes or goes, at the end where this host puts new
@@ -64,7 +65,8 @@ private:
     bool m_isOpening = false;     ///< The connection of the next item.
     bool m_isRegistering = false; ///< The desktop has not yet read the newest item.
     LabelNumbers m_numbers = {};  ///< Shown now; empty before the first.
-    QTimer m_settling;            ///< Runs after the last registration.
+    unsigned m_shows = 0;
+    QTimer m_settling; ///< Runs after the last registration.
 };
 
 } // namespace corvane

@@ -50,11 +50,11 @@ void StatusNotifierItem::showPictures(Pictures pictures)
     emit NewIcon();
 }
 
-void StatusNotifierItem::showToolTip(const QString &text)
+void StatusNotifierItem::announceToolTip()
 {
-    if (text == m_toolTip)
+    if (m_toolTip == m_announcedToolTip)
         return;
-    m_toolTip = text;
+    m_announcedToolTip = m_toolTip;
     emit NewToolTip();
 }
 

@@ -59,7 +59,10 @@ public:
 
     /// `pictures` paints the icon in all sizes; called at the desktop's first request.
     void showPictures(Pictures pictures);
-    void showToolTip(const QString &text);
+    /// Kept for the desktop's next request.
+    void setToolTip(const QString &text) { m_toolTip = text; }
+    /// Lets the desktop request the tool tip, if it is a new one.
+    void announceToolTip();
     /// A text beside the icon, where the desktop shows one; `widest` is the text to reserve room
     /// for.
     void showLabel(const QString &text, const QString &widest);
@@ -112,6 +115,7 @@ private:
     const QString m_id;
     QString m_title;
     QString m_toolTip;
+    QString m_announcedToolTip;
     QString m_label;
     QString m_widestLabel;
     Pictures m_paint;
