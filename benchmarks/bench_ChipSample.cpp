@@ -5,9 +5,13 @@
 #include "BareReads.h"
 #include "Ratio.h"
 #include "chip/ChipSource_linux.h"
+#include "platform/KernelFile_linux.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+
+#include <unistd.h>
 
 using namespace corvane;
 
@@ -39,12 +43,15 @@ std::vector<std::string> filesOfATick(const std::string &root)
     return paths;
 }
 
-/// Steps a second between the samples. `clock`: of this thread, or also of those that ask drivers.
+/// Steps a second between the samples. `clock`: of this thread, or also of those that ask the
+/// drivers. `later`: how long a sample waits for these; the program's wait for the first alone.
 void sampleChip(benchmark::State &state, const std::string &root,
-                const std::vector<std::string> &files, double (*clock)() = threadSeconds)
+                const std::vector<std::string> &files, double (*clock)() = threadSeconds,
+                std::chrono::milliseconds later = std::chrono::minutes(1))
 {
     double now = 0;
-    const ChipSource chip = openChipSourceBelow(root, [&now] { return now; });
+    const ChipSource chip = openChipSourceBelow(root, [&now] { return now; }, {},
+                                                {.first = std::chrono::minutes(1), .later = later});
     const auto sample = [&] {
         now += 1;
         benchmark::DoNotOptimize(chip());
@@ -99,14 +106,56 @@ private:
     const std::string m_root = newFolder() + "/machine";
 };
 
-/// With the work of the thread that asks the drivers, and that of handing it over.
+/// Whether all threads but this one wait for something, by the kernel's word.
+bool othersRest()
+{
+    const std::string own = std::to_string(gettid());
+    for (const fs::directory_entry &thread : fs::directory_iterator("/proc/self/task")) {
+        const std::string stat = readTrimmedFile(thread.path().string() + "/stat");
+        const std::size_t state = stat.rfind(')') + 2; // After the name, which may hold anything.
+        if (thread.path().filename() != own && stat.substr(state, 1) != "S")
+            return false;
+    }
+    return true;
+}
+
+/// CPU time that this thread spent on waiting for the others, which the program does not.
+double waitForOthers()
+{
+    static double waiting = 0;
+    const double start = threadSeconds();
+    while (!othersRest()) { }
+    return waiting += threadSeconds() - start;
+}
+
+double ownSeconds()
+{
+    const double waiting = waitForOthers();
+    return threadSeconds() - waiting;
+}
+
+double allSeconds()
+{
+    const double waiting = waitForOthers();
+    return processSeconds() - waiting;
+}
+
+/// What the tick's thread does: it wakes the others, and takes what they read before.
 void workstationWithFourCards(benchmark::State &state)
 {
     const FourCards machine;
-    sampleChip(state, machine.root(), filesOfATick(machine.root()), processSeconds);
+    sampleChip(state, machine.root(), filesOfATick(machine.root()), ownSeconds, {});
+}
+
+/// With the work of the threads that ask the drivers, and that of waking them.
+void workstationOnAllThreads(benchmark::State &state)
+{
+    const FourCards machine;
+    sampleChip(state, machine.root(), filesOfATick(machine.root()), allSeconds, {});
 }
 
 BENCHMARK(workstationWithFourCards)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(workstationOnAllThreads)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(thisMachine)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(desktopWithACard)->UseManualTime()->Unit(benchmark::kMicrosecond);
 

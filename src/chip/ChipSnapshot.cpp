@@ -35,7 +35,7 @@ std::optional<double> mean(const std::vector<double> &values)
 
 GPUMetrics gpuMetrics(const ChipSnapshot &from, const GPUReading &gpu)
 {
-    GPUMetrics metrics = {.device = QString::fromStdString(gpu.device),
+    GPUMetrics metrics = {.device = gpu.device,
                           .integrated = gpu.integrated,
                           .activeFraction = busyShare(from, gpu),
                           .megahertz = gpu.megahertz,

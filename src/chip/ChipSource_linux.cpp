@@ -61,12 +61,16 @@ private:
         if (newest == m_sensors)
             return;
         m_sensors = newest;
+        // The lists are assigned to rather than replaced, so that a steady tick allocates none.
         m_from.seconds = m_to.seconds;
-        m_from.cpu.clusters = std::exchange(m_to.cpu.clusters, {});
-        m_from.packages = std::exchange(m_to.packages, {});
-        m_to.temperatures.clear();
-        if (!newest)
+        std::swap(m_from.cpu.clusters, m_to.cpu.clusters);
+        std::swap(m_from.packages, m_to.packages);
+        if (!newest) {
+            m_to.cpu.clusters.clear();
+            m_to.packages.clear();
+            m_to.temperatures.clear();
             return;
+        }
         if (m_clusters.empty())
             setClusters(*newest->clusters);
         m_to.seconds = newest->seconds;
@@ -111,7 +115,7 @@ private:
             reading.systemWatts = m_sensors->systemPower->watts;
             facts.systemWattsSource = QLatin1StringView(sourceName(m_sensors->systemPower->source));
         }
-        m_coverage.apply(reading, facts, m_now());
+        m_coverage.apply(reading, std::move(facts), m_now());
     }
 
     std::function<double()> m_now;

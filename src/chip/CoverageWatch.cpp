@@ -1,5 +1,7 @@
 #include "chip/CoverageWatch.h"
 
+#include <utility>
+
 namespace corvane {
 
 namespace {
@@ -13,6 +15,8 @@ Coverage knownOr(bool isKnown, Coverage otherwise)
 void setGraphicsWatts(std::vector<GPUCoverage> &gpus, const ChipReading &reading)
 {
     for (GPUCoverage &gpu : gpus) {
+        if (!gpu.integrated)
+            continue;
         for (const GPUMetrics &metrics : reading.gpus) {
             if (metrics.device == gpu.device && metrics.watts)
                 gpu.watts = Coverage::known;
@@ -22,7 +26,7 @@ void setGraphicsWatts(std::vector<GPUCoverage> &gpus, const ChipReading &reading
 
 } // namespace
 
-void CoverageWatch::apply(ChipReading &reading, const MachineFacts &facts, double now)
+void CoverageWatch::apply(ChipReading &reading, MachineFacts facts, double now)
 {
     MachineCoverage coverage = {.isWhole = false};
     coverage.cpuWatts = knownOr(m_cpuWatts.update(!reading.denied.cpuWatts, now),
@@ -38,7 +42,7 @@ void CoverageWatch::apply(ChipReading &reading, const MachineFacts &facts, doubl
     coverage.npuWatts = facts.npuWatts;
     coverage.systemWatts = knownOr(!facts.systemWattsSource.isEmpty(), Coverage::absent);
     coverage.systemWattsSource = facts.systemWattsSource;
-    coverage.gpus = facts.gpus;
+    coverage.gpus = std::move(facts.gpus);
     setGraphicsWatts(coverage.gpus, reading);
 
     reading.denied.cpuWatts = reading.denied.cpuWatts && coverage.cpuWatts == Coverage::known;

@@ -24,7 +24,7 @@ class CoverageWatch {
 public:
     /// Gives the reading its coverage, and decides by it what of the reading is denied: a value
     /// that is known but missing in this reading.
-    void apply(ChipReading &reading, const MachineFacts &facts, double now);
+    void apply(ChipReading &reading, MachineFacts facts, double now);
 
 private:
     std::shared_ptr<const MachineCoverage> m_coverage = {};

@@ -27,7 +27,7 @@ void addHeldMemory(GPUReading &reading, GPUCoverage &coverage, const GPUHandOver
 {
     if (reading.integrated || reading.memoryUsed || !coverage.memoryTotal)
         return;
-    reading.memoryUsed = handOver.heldBytes(reading.device, now);
+    reading.memoryUsed = handOver.heldBytes(reading.device.toStdString(), now);
     reading.memoryIsLowerBound = reading.memoryUsed.has_value();
     if (reading.memoryUsed)
         coverage.memory = Coverage::known;
@@ -47,7 +47,9 @@ struct GPUWatch::Devices {
     std::unique_ptr<Reader> reader = {};    ///< Null where there is nothing to read.
     bool hasAsked = false;                  ///< Whether the reader was asked for anything yet.
     std::vector<GPUCoverage> coverage = {}; ///< Of `gpus`.
-    std::vector<GPUAccess> access = {};     ///< Of `gpus`.
+    /// Of `gpus`, as published; null until it is known.
+    std::shared_ptr<const std::vector<GPUAccess>> access = {};
+    bool isPublished = false; ///< `access`.
     std::optional<NPUReading> npu = {};
     double nextScan = -std::numeric_limits<double>::infinity();
     OneThread thread = {};
@@ -55,6 +57,8 @@ struct GPUWatch::Devices {
     void scanWhenDue(double now);
     void setReader(bool isNeeded);
     std::vector<GPUReading> readFiles(double now);
+    void leaveAlone();
+    void publishAccess();
 };
 
 /// Opens no file: that is left to the reader, which searches at the same times.
@@ -68,6 +72,7 @@ void GPUWatch::Devices::scanWhenDue(double now)
     const auto isOfFiles = [](const GPUDevice &gpu) { return gpu.driver != GPUDriver::nvidia; };
     const auto nvidias = std::stable_partition(found.begin(), found.end(), isOfFiles);
     nvidia.setDevices({nvidias, found.end()});
+    isPublished = false;
     found.erase(nvidias, found.end());
     const bool hasNPU = findNPUDevice(root).has_value();
     if (!hasNPU)
@@ -77,7 +82,7 @@ void GPUWatch::Devices::scanWhenDue(double now)
     if (found != gpus) {
         gpus = std::move(found);
         coverage.clear();
-        access.clear();
+        access.reset();
     }
     setReader(!gpus.empty() || hasNPU);
 }
@@ -96,6 +101,30 @@ void GPUWatch::Devices::setReader(bool isNeeded)
     hasAsked = false;
 }
 
+/// Their driver hangs.
+void GPUWatch::Devices::leaveAlone()
+{
+    if (!access)
+        return;
+    std::vector<GPUAccess> untouched = *access;
+    for (GPUAccess &gpu : untouched)
+        gpu.state = GPUAccess::State::leftAlone;
+    access = std::make_shared<const std::vector<GPUAccess>>(std::move(untouched));
+    isPublished = false;
+}
+
+/// The names of the devices need not be copied in each tick. What NVIDIA's library tells of their
+/// processes changes at any time.
+void GPUWatch::Devices::publishAccess()
+{
+    if (isPublished && nvidia.coverage().empty())
+        return;
+    std::vector<GPUAccess> all = access ? *access : std::vector<GPUAccess>();
+    nvidia.appendAccess(all);
+    handOver->publish(std::move(all));
+    isPublished = true;
+}
+
 std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
 {
     if (!reader)
@@ -105,16 +134,17 @@ std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
     if (!newest) {
         if (npu)
             npu->metrics = {};
-        for (GPUAccess &gpu : access)
-            gpu.state = GPUAccess::State::leftAlone; // Its driver hangs.
+        leaveAlone();
         return {};
     }
     coverage = std::move(newest->coverage);
-    access = std::move(newest->access);
+    if (access != newest->access) {
+        access = newest->access;
+        isPublished = false;
+    }
     npu = newest->npu;
     for (GPUReading &gpu : newest->gpus) {
-        const QString device = QString::fromStdString(gpu.device);
-        const auto known = std::ranges::find(coverage, device, &GPUCoverage::device);
+        const auto known = std::ranges::find(coverage, gpu.device, &GPUCoverage::device);
         if (known != coverage.end())
             addHeldMemory(gpu, *known, *handOver, now);
     }
@@ -141,14 +171,12 @@ std::vector<GPUReading> GPUWatch::read()
     const double now = m_devices->clock();
     m_devices->scanWhenDue(now);
     std::vector<GPUReading> readings = m_devices->readFiles(now);
-    GPUHandOver &handOver = *m_devices->handOver;
+    const GPUHandOver &handOver = *m_devices->handOver;
     if (handOver.isShown())
         m_devices->nvidia.appendReadings(readings, now, handOver.isAsked(now));
     else
         m_devices->nvidia.rest();
-    std::vector<GPUAccess> access = m_devices->access;
-    m_devices->nvidia.appendAccess(access);
-    handOver.publish(std::move(access));
+    m_devices->publishAccess();
     return readings;
 }
 

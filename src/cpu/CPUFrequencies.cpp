@@ -93,10 +93,11 @@ std::optional<std::uint64_t> cpuInfoKHz(std::string_view cpuInfo, int cpu)
 std::vector<CPUFrequencyTime> parseTimeInState(std::string_view text)
 {
     std::vector<CPUFrequencyTime> times;
+    times.reserve(static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1);
     while (auto line = takeLine(text)) {
-        const auto kHz = parseKHz(takeWord(*line).value_or(std::string_view()));
-        const auto ticks = parseUnsigned(trimmed(*line));
-        if (kHz && ticks)
+        const auto kHz = plausible(takeUnsigned(*line));
+        const auto ticks = takeUnsigned(*line);
+        if (kHz && ticks && trimmed(*line).empty())
             times.push_back({*kHz, *ticks});
     }
     return times;

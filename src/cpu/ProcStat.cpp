@@ -13,12 +13,11 @@ std::optional<CPUTimes> parseTimes(std::string_view text)
     constexpr std::size_t leastColumns = CPUTimes::idle + 1;
     CPUTimes times;
     for (std::size_t column = 0; column < CPUTimes::columns; ++column) {
-        const auto word = takeWord(text);
-        if (!word)
-            return column < leastColumns ? std::nullopt : std::optional(times);
-        const auto value = parseUnsigned(*word);
-        if (!value)
-            return std::nullopt;
+        const auto value = takeUnsigned(text);
+        if (!value) {
+            const bool isEnd = trimmed(text).empty();
+            return isEnd && column >= leastColumns ? std::optional(times) : std::nullopt;
+        }
         times.ticks[column] = *value;
     }
     return times;

@@ -7,6 +7,7 @@
 #include "platform/KernelFile_linux.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace corvane {
@@ -63,11 +64,11 @@ public:
             return std::nullopt;
         if (!m_files)
             open();
-        const GPUReading raw = m_files->read(now);
+        GPUReading raw = m_files->read(now);
         setCoverage(raw, now);
         const bool idle = wasIdle(m_last ? &*m_last : nullptr, raw);
         GPUReading reading = withShares(raw);
-        m_last = raw;
+        m_last = std::move(raw);
         // An integrated GPU is awake for as long as its display is, and saves little by sleeping.
         if (m_device.integrated || !m_gate.isQuietDue(idle))
             return reading;
@@ -77,6 +78,8 @@ public:
         }
         return reading;
     }
+
+    GPUAccess::State state() const { return m_state; }
 
     GPUAccess access() const
     {
@@ -177,6 +180,7 @@ void FileGPUs::scan()
                                                      : std::move(*known));
         }
         m_members = std::move(found);
+        m_access.reset();
     }
 
     for (Member &member : m_members)
@@ -196,18 +200,32 @@ FileGPUsReading FileGPUs::read(double now)
         scan();
     }
     FileGPUsReading reading;
+    reading.gpus.reserve(m_members.size());
+    reading.coverage.reserve(m_members.size());
     const APUMetrics *apu = nullptr;
     for (Member &member : m_members) {
         if (auto gpu = member.read(now))
             reading.gpus.push_back(std::move(*gpu));
         reading.coverage.push_back(member.coverage());
-        reading.access.push_back(member.access());
         if (member.apuMetrics())
             apu = member.apuMetrics();
     }
     if (m_npu)
         reading.npu = m_npu->read(apu, now);
+    reading.access = access();
     return reading;
+}
+
+/// The same list until something of it changes.
+std::shared_ptr<const std::vector<GPUAccess>> FileGPUs::access()
+{
+    if (!m_access
+        || !std::ranges::equal(*m_access, m_members, {}, &GPUAccess::state, &Member::state)) {
+        std::vector<GPUAccess> gpus;
+        std::ranges::transform(m_members, std::back_inserter(gpus), &Member::access);
+        m_access = std::make_shared<const std::vector<GPUAccess>>(std::move(gpus));
+    }
+    return m_access;
 }
 
 } // namespace corvane

@@ -17,8 +17,9 @@ namespace corvane {
 struct FileGPUsReading {
     std::vector<GPUReading> gpus = {};      ///< Those that are awake and not to fall asleep.
     std::vector<GPUCoverage> coverage = {}; ///< Of all, in the order of their addresses.
-    std::vector<GPUAccess> access = {};     ///< Of all.
-    std::optional<NPUReading> npu = {};     ///< Absent: the machine has none.
+    /// Of all; never null.
+    std::shared_ptr<const std::vector<GPUAccess>> access = {};
+    std::optional<NPUReading> npu = {}; ///< Absent: the machine has none.
 };
 
 /// Reads every GPU whose driver publishes files, unless that would wake it or keep it awake, and
@@ -38,10 +39,12 @@ public:
 private:
     class Member;
     void scan();
+    std::shared_ptr<const std::vector<GPUAccess>> access();
 
     std::string m_root;
     double m_nextScan;
     std::vector<Member> m_members;
+    std::shared_ptr<const std::vector<GPUAccess>> m_access = {}; ///< Null after a search.
     std::optional<NPUFiles> m_npu;
 };
 

@@ -111,7 +111,9 @@ bool agrees(const APUMetrics &metrics, std::optional<double> packageWatts)
 
 } // namespace
 
-GPUFiles::GPUFiles(const GPUDevice &device) : m_device(device)
+GPUFiles::GPUFiles(const GPUDevice &device)
+    : m_device(device),
+      m_name(QString::fromStdString(device.folder))
 {
     addLoad(device);
     addMemory(device);
@@ -188,8 +190,7 @@ void GPUFiles::addSensors(const GPUDevice &device)
 GPUReading GPUFiles::read(double now)
 {
     m_thread.check();
-    GPUReading reading = {
-        .device = m_device.folder, .integrated = m_device.integrated, .seconds = now};
+    GPUReading reading = {.device = m_name, .integrated = m_device.integrated, .seconds = now};
     reading.busyFraction = parsed(m_busyPercent, parseBusyPercent);
     reading.idleMilliseconds = parsed(m_idleTime, parseIdleTime);
 
@@ -203,6 +204,7 @@ GPUReading GPUFiles::read(double now)
     readMemory(reading);
     readPower(reading);
 
+    reading.temperatures.reserve(m_temperatures.size());
     for (KernelFile &file : m_temperatures) {
         if (const auto text = file.read()) {
             if (const auto degrees = parseMillidegrees(*text))

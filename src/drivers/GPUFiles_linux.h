@@ -42,6 +42,7 @@ private:
     void readPackage(GPUReading &reading);
 
     GPUDevice m_device;
+    QString m_name; ///< In all readings.
     std::optional<KernelFile> m_busyPercent = {};
     std::optional<KernelFile> m_idleTime = {};
     std::optional<KernelFile> m_levels = {};      ///< With the present one marked.

@@ -11,7 +11,7 @@ namespace corvane {
 
 /// What was read of one GPU at one instant. A value that its driver does not publish is absent.
 struct GPUReading {
-    std::string device = {};                 ///< Identifies the GPU across readings.
+    QString device = {};                     ///< Identifies the GPU across readings.
     bool integrated = false;                 ///< Shares the package with the CPU.
     double seconds = 0;                      ///< When it was read, by the clock of the machine.
     std::string state = {};                  ///< Present performance state; empty when unknown.

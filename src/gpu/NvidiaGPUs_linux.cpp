@@ -25,7 +25,7 @@ std::string deviceName(const std::string &address)
 GPUReading gpuReading(const NvidiaDeviceReading &device, double seconds)
 {
     constexpr std::uint64_t microjoulesPerMillijoule = 1000;
-    GPUReading reading = {.device = deviceName(device.address),
+    GPUReading reading = {.device = QString::fromStdString(deviceName(device.address)),
                           .integrated = device.usesSystemMemory,
                           .seconds = seconds,
                           .state = performanceStateName(device.performanceState),

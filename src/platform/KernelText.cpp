@@ -19,6 +19,13 @@ std::optional<Number> parseWhole(std::string_view text)
     return number;
 }
 
+/// Whether the byte separates words. These are a few bytes long: searching one for a set of
+/// characters would cost a call for each.
+bool isBlank(char byte)
+{
+    return byte == ' ' || byte == '\t';
+}
+
 /// Bytes of the UTF-8 sequence that `first` opens; 0 when it opens none.
 std::size_t sequenceLength(unsigned char first)
 {
@@ -71,8 +78,6 @@ std::optional<std::string_view> takeLine(std::string_view &text)
 
 std::optional<std::string_view> takeWord(std::string_view &text)
 {
-    // A word is a few bytes long: searching it for a set of characters would cost a call for each.
-    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t'; };
     const auto start = std::ranges::find_if_not(text, isBlank);
     if (start == text.end())
         return std::nullopt;
@@ -82,14 +87,26 @@ std::optional<std::string_view> takeWord(std::string_view &text)
     return word;
 }
 
+std::optional<std::uint64_t> takeUnsigned(std::string_view &text)
+{
+    const char *const last = text.data() + text.size();
+    const char *const first = std::find_if_not(text.data(), last, isBlank);
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(first, last, number);
+    if (error != std::errc() || (end != last && !isBlank(*end)))
+        return std::nullopt;
+    text = std::string_view(end, last);
+    return number;
+}
+
 std::string_view trimmed(std::string_view text)
 {
-    const auto isBlank = [](char byte) {
-        return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r' || byte == '\0';
+    const auto isAround = [](char byte) {
+        return isBlank(byte) || byte == '\n' || byte == '\r' || byte == '\0';
     };
-    while (!text.empty() && isBlank(text.front()))
+    while (!text.empty() && isAround(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
+    while (!text.empty() && isAround(text.back()))
         text.remove_suffix(1);
     return text;
 }

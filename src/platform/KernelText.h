@@ -19,6 +19,10 @@ std::optional<std::string_view> takeLine(std::string_view &text);
 /// Cuts the first word off `text` (blanks and tabs separate); absent when there is none.
 std::optional<std::string_view> takeWord(std::string_view &text);
 
+/// Cuts `text` behind its next word and returns that word's number; absent, and nothing is cut,
+/// where the next word is no decimal number or there is none.
+std::optional<std::uint64_t> takeUnsigned(std::string_view &text);
+
 /// Without blanks, tabs, line ends and NULs on both sides.
 std::string_view trimmed(std::string_view text);
 

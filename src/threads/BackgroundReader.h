@@ -83,13 +83,10 @@ private:
         /// Waits for the answer, unless an earlier one is due: that read may never end.
         void post(double now, std::chrono::milliseconds patience)
         {
-            MutexLock lock(m_mutex);
-            const bool isIdle = m_answered == m_requested;
-            ++m_requested;
-            m_instant = now;
-            m_changed.notifyAll();
-            if (isIdle)
-                waitForAnswer(lock, patience);
+            const bool isIdle = put(now);
+            m_asked.notifyAll();
+            if (isIdle && patience.count() > 0)
+                waitForAnswer(patience);
         }
 
         std::optional<Value> newest(double since)
@@ -103,7 +100,7 @@ private:
         {
             MutexLock lock(m_mutex);
             m_ending = true;
-            m_changed.notifyAll();
+            m_asked.notifyAll();
             const auto deadline = Clock::now() + patience;
             while (!m_ended && waitUntil(lock, deadline)) { }
             return m_ended;
@@ -116,17 +113,13 @@ private:
             while (const auto request = take()) {
                 if (!read)
                     read = open();
-                Value value = read(request->instant);
-                const MutexLock lock(m_mutex);
-                m_value = std::move(value);
-                m_valueInstant = request->instant;
-                m_answered = request->number;
-                m_changed.notifyAll();
+                answer(*request, read(request->instant));
+                m_told.notifyAll();
             }
             read = nullptr;
             const MutexLock lock(m_mutex);
             m_ended = true;
-            m_changed.notifyAll();
+            m_told.notifyAll();
         }
 
     private:
@@ -136,18 +129,39 @@ private:
             double instant = 0;
         };
 
+        /// Whether no earlier request was due. Who calls it wakes the thread afterwards, without
+        /// the lock, or the thread would wake only to wait for that.
+        bool put(double now)
+        {
+            const MutexLock lock(m_mutex);
+            const bool isIdle = m_answered == m_requested;
+            ++m_requested;
+            m_instant = now;
+            return isIdle;
+        }
+
+        /// Likewise.
+        void answer(const Request &request, Value value)
+        {
+            const MutexLock lock(m_mutex);
+            m_value = std::move(value);
+            m_valueInstant = request.instant;
+            m_answered = request.number;
+        }
+
         std::optional<Request> take()
         {
             MutexLock lock(m_mutex);
             while (m_requested == m_answered && !m_ending)
-                m_changed.wait(lock);
+                m_asked.wait(lock);
             if (m_ending)
                 return std::nullopt;
             return Request{m_requested, m_instant};
         }
 
-        void waitForAnswer(MutexLock &lock, std::chrono::milliseconds patience) REQUIRES(m_mutex)
+        void waitForAnswer(std::chrono::milliseconds patience)
         {
+            MutexLock lock(m_mutex);
             const auto deadline = Clock::now() + patience;
             while (m_answered != m_requested && waitUntil(lock, deadline)) { }
         }
@@ -159,12 +173,13 @@ private:
                 std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
             if (left.count() <= 0)
                 return false;
-            m_changed.waitFor(lock, left);
+            m_told.waitFor(lock, left);
             return true;
         }
 
         Mutex m_mutex = {};
-        Condition m_changed = {};
+        Condition m_asked = {};                            ///< Wakes the thread.
+        Condition m_told = {};                             ///< Wakes its user.
         unsigned long m_requested GUARDED_BY(m_mutex) = 0; ///< Number of the newest request.
         unsigned long m_answered GUARDED_BY(m_mutex) = 0;
         double m_instant GUARDED_BY(m_mutex) = 0; ///< Of the newest request.

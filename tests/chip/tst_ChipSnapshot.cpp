@@ -43,12 +43,12 @@ QStringList textsOf(const std::vector<GPUMetrics> &gpus)
 
 GPUReading card()
 {
-    return {.device = "card", .seconds = 1, .state = "P2", .busyFraction = 0.25};
+    return {.device = u"card"_s, .seconds = 1, .state = "P2", .busyFraction = 0.25};
 }
 
 GPUReading integrated()
 {
-    return {.device = "chip",
+    return {.device = u"chip"_s,
             .integrated = true,
             .seconds = 1,
             .state = "800 MHz",
@@ -103,7 +103,7 @@ void TestChipSnapshot::combinesTheLoadOfGPUs_data()
         << start << ChipSnapshot{.seconds = 1, .gpus = {mute, integrated()}} << 0.5 << u"800 MHz"_s;
 
     GPUReading second = card();
-    second.device = "card 2";
+    second.device = u"card 2"_s;
     second.state = "P0";
     second.busyFraction = 1;
     QTest::newRow("the mean of two discrete ones, with the state of the busier one")
@@ -144,7 +144,7 @@ void TestChipSnapshot::combinesTheLoadOfGPUs()
 void TestChipSnapshot::sharesStatesOfGPUs()
 {
     GPUReading second = card();
-    second.device = "card 2";
+    second.device = u"card 2"_s;
     second.state = "P0";
     second.busyFraction = 0.75;
     const ChipReading reading = chipReading({}, {.seconds = 1, .gpus = {card(), second}}, {});
@@ -164,7 +164,7 @@ void TestChipSnapshot::keepsEachGPU()
     GPUReading hot = card();
     hot.watts = 100;
     hot.temperatures = {61, 74, 66};
-    const GPUReading mute = {.device = "mute", .seconds = 1};
+    const GPUReading mute = {.device = u"mute"_s, .seconds = 1};
     apu.memoryUsed = 9000;
     apu.memoryOwnUsed = 500;
     hot.megahertz = 2610;
@@ -188,7 +188,8 @@ void TestChipSnapshot::measuresPower_data()
         return PackageEnergyReading{zone, microjoules, 65'532'610'987};
     };
     const ChipSnapshot start = {.seconds = 0, .packages = {package("a", 100), package("b", 200)}};
-    const GPUReading apu = {.device = "apu", .integrated = true, .seconds = 2, .packageWatts = 18};
+    const GPUReading apu = {
+        .device = u"apu"_s, .integrated = true, .seconds = 2, .packageWatts = 18};
     GPUReading powered = card();
     powered.watts = 100;
 

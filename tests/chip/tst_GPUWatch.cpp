@@ -306,7 +306,7 @@ void TestGPUWatch::addsUpTheMemoryOfIntelsCards()
     auto readings = bench.tick();
     QCOMPARE(readings.size(), std::size_t(1));
     QVERIFY(!readings[0].memoryUsed);
-    bench.handOver().setHeldBytes({{readings[0].device, 5'000'000}}, bench.now());
+    bench.handOver().setHeldBytes({{readings[0].device.toStdString(), 5'000'000}}, bench.now());
     readings = bench.tick();
     QCOMPARE(readings[0].memoryUsed, std::optional<std::uint64_t>(5'000'000));
     QVERIFY(readings[0].memoryIsLowerBound);

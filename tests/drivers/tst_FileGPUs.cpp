@@ -135,11 +135,11 @@ void TestFileGPUs::tellOthersWhatMayBeTouched()
 {
     const MachineTree tree("amd-desktop");
     FileGPUs gpus(tree.root(), 1000);
-    QVERIFY(gpus.read(100).access.front().state == GPUAccess::State::open);
+    QVERIFY(gpus.read(100).access->front().state == GPUAccess::State::open);
     tree.write(amdSlot + "/power/runtime_status", "suspended\n");
     const FileGPUsReading reading = gpus.read(101);
-    QVERIFY(reading.access.front().state == GPUAccess::State::asleep);
-    QCOMPARE(reading.access.front().address, std::string("0000:0b:00.0"));
+    QVERIFY(reading.access->front().state == GPUAccess::State::asleep);
+    QCOMPARE(reading.access->front().address, std::string("0000:0b:00.0"));
 }
 
 void TestFileGPUs::haveTheNPUBesideThem()

@@ -158,7 +158,7 @@ void TestNvidiaGPUs::readsGPUs()
     QCOMPARE(readings[0].temperatures, std::vector{61.0});
     QCOMPARE(readings[0].megahertz, std::optional(2610.0));
     QCOMPARE(readings[0].memoryUsed, std::optional<std::uint64_t>(9'000'000'000));
-    QCOMPARE(readings[0].device, std::string("nvidia 0000:01:00.0"));
+    QCOMPARE(readings[0].device, u"nvidia 0000:01:00.0"_s);
 }
 
 void TestNvidiaGPUs::anIdleGPUHasItsLibraryClosed()

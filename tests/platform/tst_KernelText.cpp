@@ -15,6 +15,7 @@ class TestKernelText : public QObject {
 private slots:
     void takesLines();
     void takesWords();
+    void takesNumbers();
     void trims();
     void takesKeysAndValues_data();
     void takesKeysAndValues();
@@ -49,6 +50,18 @@ void TestKernelText::takesWords()
     QCOMPARE(takeWord(text), std::optional<std::string_view>("cpu"));
     QCOMPARE(takeWord(text), std::optional<std::string_view>("12"));
     QVERIFY(!takeWord(text));
+}
+
+void TestKernelText::takesNumbers()
+{
+    using Number = std::optional<std::uint64_t>;
+    std::string_view text = "  7 \t18446744073709551615 8x 9";
+    QCOMPARE(takeUnsigned(text), Number(7));
+    QCOMPARE(takeUnsigned(text), Number(std::numeric_limits<std::uint64_t>::max()));
+    QCOMPARE(takeUnsigned(text), Number()); // What follows the digits belongs to the word.
+    QVERIFY(text == " 8x 9");
+    for (std::string_view none : {"", "  ", "-1", "18446744073709551616", "x"})
+        QCOMPARE(takeUnsigned(none), Number());
 }
 
 void TestKernelText::trims()
