@@ -3,6 +3,7 @@
 #include "login/DesktopEntry.h"
 #include "platform/FileDescriptor.h"
 #include "threads/MainThread.h"
+#include "threads/TimedCalls.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,6 +19,10 @@ using namespace Qt::StringLiterals;
 
 /// Bytes of an entry file; a longer one counts as unreadable.
 constexpr qint64 longestEntry = qint64(64) * 1024;
+
+/// The user waits for a change, but the start of the program for the state.
+constexpr std::chrono::milliseconds patienceForState(250);
+constexpr std::chrono::milliseconds patienceForChange(2000);
 
 /// Whether the path is taken, be it by a broken link, which overrides a system-wide entry too.
 bool exists(const QString &file)
@@ -105,6 +110,16 @@ std::optional<QString> disable()
     return u"\"%1\" cannot be removed: %2."_s.arg(own.fileName(), own.errorString());
 }
 
+using Change = std::function<std::optional<QString>()>;
+
+Change timed(const std::shared_ptr<TimedCalls> &calls, const Change &change)
+{
+    return [calls, change] {
+        return calls->call(change, patienceForChange)
+            .value.value_or(u"\"%1\" cannot be reached."_s.arg(autostartFiles().constFirst()));
+    };
+}
+
 } // namespace
 
 QStringList autostartFiles()
@@ -118,9 +133,12 @@ QStringList autostartFiles()
 LoginItem autostartItem(const QString &program)
 {
     assertMainThread();
-    return {.isEnabled = [program] { return isEnabled(program); },
-            .enable = [program] { return enable(program); },
-            .disable = disable};
+    // Of a file system that hangs one call is left behind, and no further one waits.
+    const auto calls = std::make_shared<TimedCalls>(1);
+    const std::function<bool()> state = [program] { return isEnabled(program); };
+    return {.isEnabled = [=] { return calls->call(state, patienceForState).value.value_or(false); },
+            .enable = timed(calls, [program] { return enable(program); }),
+            .disable = timed(calls, disable)};
 }
 
 } // namespace corvane

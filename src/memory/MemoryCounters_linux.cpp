@@ -6,7 +6,8 @@ namespace corvane {
 
 MemoryCounters readMemoryCounters()
 {
-    static MemoryFiles files("/");
+    constexpr std::chrono::milliseconds patienceAtStart(100);
+    static MemoryFiles files("/", secondsSinceBoot, {.first = patienceAtStart});
     return files.read();
 }
 

@@ -3,11 +3,19 @@
 #include "memory/ProcMemInfo.h"
 #include "platform/KernelFolder_linux.h"
 
+#include <memory>
 #include <utility>
+#include <vector>
 
 namespace corvane {
 
 namespace {
+
+/// The kernel computes the averages of the pressure anew every two seconds.
+constexpr int readsPerRequest = 2;
+
+/// Seconds. Two requests, and half a second for a tick that is late.
+constexpr double oldestSlow = 4.5;
 
 /// The `mm_stat` of every compressed RAM disk that exists now.
 std::vector<KernelFile> zramFiles(const std::string &root)
@@ -21,44 +29,91 @@ std::vector<KernelFile> zramFiles(const std::string &root)
     return files;
 }
 
+std::optional<std::string> textOf(KernelFile &file)
+{
+    const auto text = file.read();
+    return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
 } // namespace
 
-MemoryFiles::MemoryFiles(std::string root)
-    : m_root(std::move(root)),
-      m_memInfo(m_root + "/proc/meminfo"),
-      m_pressure(m_root + "/proc/pressure/memory"),
-      m_arcStats(m_root + "/proc/spl/kstat/zfs/arcstats", KernelFileKind::records)
+/// Created and used on the reader's thread.
+class MemoryFiles::SlowFiles {
+public:
+    explicit SlowFiles(const std::string &root)
+        : m_root(root),
+          m_pressure(root + "/proc/pressure/memory"),
+          m_arcStats(root + "/proc/spl/kstat/zfs/arcstats", KernelFileKind::records)
+    {
+    }
+
+    SlowTexts read()
+    {
+        scan();
+        return {.pressure = textOf(m_pressure),
+                .arcStats = m_hasArcStats ? textOf(m_arcStats) : std::nullopt,
+                .zramBytes = zramBytes()};
+    }
+
+private:
+    /// Looks for what few machines have: the ZFS module and compressed RAM disks come and go, but
+    /// rarely.
+    void scan()
+    {
+        constexpr int readsBetweenScans = 15;
+        if (m_readsUntilScan-- > 0)
+            return;
+        m_readsUntilScan = readsBetweenScans;
+        m_hasArcStats = m_arcStats.read().has_value();
+        m_zram = zramFiles(m_root);
+    }
+
+    std::uint64_t zramBytes()
+    {
+        std::uint64_t bytes = 0;
+        for (KernelFile &file : m_zram)
+            bytes += zramMemory(file.read().value_or(std::string_view()));
+        return bytes;
+    }
+
+    std::string m_root;
+    KernelFile m_pressure;
+    KernelFile m_arcStats;
+    bool m_hasArcStats = false;
+    std::vector<KernelFile> m_zram = {};
+    int m_readsUntilScan = 0;
+};
+
+MemoryFiles::MemoryFiles(std::string root, std::function<double()> now, ReaderPatience patience)
+    : m_memInfo(root + "/proc/meminfo"),
+      m_now(std::move(now)),
+      m_patience(patience),
+      m_slow(
+          [root = std::move(root)] {
+              return [files = std::make_shared<SlowFiles>(root)](double) { return files->read(); };
+          },
+          oldestSlow)
 {
 }
 
 MemoryCounters MemoryFiles::read()
 {
     m_thread.check();
-    scan();
+    const double now = m_now();
+    requestWhenDue(now);
+    const SlowTexts slow = m_slow.newest(now).value_or(SlowTexts());
     return memoryCounters({.memInfo = m_memInfo.read(),
-                           .pressure = m_pressure.read(),
-                           .arcStats = m_hasArcStats ? m_arcStats.read() : std::nullopt,
-                           .zramBytes = zramBytes()});
+                           .pressure = slow.pressure,
+                           .arcStats = slow.arcStats,
+                           .zramBytes = slow.zramBytes});
 }
 
-/// Looks for what few machines have: the ZFS module and compressed RAM disks come and go, but
-/// rarely.
-void MemoryFiles::scan()
+void MemoryFiles::requestWhenDue(double now)
 {
-    constexpr int readsBetweenScans = 30;
-    if (m_readsUntilScan-- > 0)
+    if (m_readsUntilRequest-- > 0)
         return;
-    m_readsUntilScan = readsBetweenScans;
-    m_hasArcStats = m_arcStats.read().has_value();
-    m_zram = zramFiles(m_root);
-}
-
-std::uint64_t MemoryFiles::zramBytes()
-{
-    std::uint64_t bytes = 0;
-    for (KernelFile &file : m_zram)
-        bytes += zramMemory(file.read().value_or(std::string_view()));
-    return bytes;
+    m_readsUntilRequest = readsPerRequest - 1;
+    m_slow.request(now, std::exchange(m_hasAsked, true) ? m_patience.later : m_patience.first);
 }
 
 } // namespace corvane

@@ -1,33 +1,50 @@
 #pragma once
 
 #include "memory/MemoryCounters.h"
+#include "platform/BootClock.h"
 #include "platform/KernelFile_linux.h"
+#include "threads/BackgroundReader.h"
 #include "threads/OneThread.h"
 
+#include <chrono>
+#include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace corvane {
 
 /// The memory statistics of the machine whose kernel files lie below `root`. Keeps the files open
 /// between reads; used on one thread.
+///
+/// /proc/meminfo is read by `read` itself: the kernel answers it from its own counters, and to hand
+/// it over from another thread would wake two threads in each tick. Locks that others may hold for
+/// long stand behind pressure, compressed disks and the ZFS cache: a thread of its own reads these,
+/// and what it has not read for 4.5 s is absent.
 class MemoryFiles {
 public:
-    explicit MemoryFiles(std::string root);
+    explicit MemoryFiles(std::string root, std::function<double()> now = secondsSinceBoot,
+                         ReaderPatience patience = {.first = std::chrono::minutes(1),
+                                                    .later = std::chrono::minutes(1)});
 
     MemoryCounters read();
 
 private:
-    void scan();
-    std::uint64_t zramBytes();
+    /// What the other files held. Absent and 0 bytes: unreadable, or this machine has none.
+    struct SlowTexts {
+        std::optional<std::string> pressure = {};
+        std::optional<std::string> arcStats = {};
+        std::uint64_t zramBytes = 0;
+    };
+    class SlowFiles;
 
-    std::string m_root;
+    void requestWhenDue(double now);
+
     KernelFile m_memInfo;
-    KernelFile m_pressure;
-    KernelFile m_arcStats;
-    bool m_hasArcStats = false;
-    std::vector<KernelFile> m_zram = {};
-    int m_readsUntilScan = 0;
+    std::function<double()> m_now;
+    ReaderPatience m_patience;
+    BackgroundReader<SlowTexts> m_slow;
+    int m_readsUntilRequest = 0;
+    bool m_hasAsked = false;
     OneThread m_thread = {};
 };
 

@@ -60,6 +60,10 @@ void TestHangingFiles::samplesAndEnds_data()
     QTest::newRow("the history from the start on") << u"*history.jsonl"_s << Phase::start;
     QTest::newRow("the history later") << u"*history.jsonl"_s << Phase::later;
     QTest::newRow("the preferences from the start on") << u"*Corvane.conf"_s << Phase::start;
+    QTest::newRow("the login item from the start on") << u"*Corvane.desktop"_s << Phase::start;
+    QTest::newRow("the pressure from the start on") << u"*pressure/memory"_s << Phase::start;
+    QTest::newRow("the pressure later") << u"*pressure/memory"_s << Phase::later;
+    QTest::newRow("the ZFS cache from the start on") << u"*arcstats"_s << Phase::start;
     QTest::newRow("the command lines of processes") << u"*cmdline"_s << Phase::dashboard;
     QTest::newRow("the memory of processes") << u"*statm"_s << Phase::dashboard;
     QTest::newRow("the names of processes") << u"*comm"_s << Phase::dashboard;
@@ -78,6 +82,10 @@ void TestHangingFiles::samplesAndEnds()
     QFile preferences(m_session->path(u"config/Corvane/Corvane.conf"_s));
     QVERIFY(preferences.open(QFile::WriteOnly) && preferences.write("[General]\n") > 0);
     preferences.close();
+    QVERIFY(m_session->makeFolder(u"config/autostart"_s));
+    QFile loginItem(m_session->path(u"config/autostart/" CORVANE_IDENTIFIER ".desktop"_s));
+    QVERIFY(loginItem.open(QFile::WriteOnly) && loginItem.write("[Desktop Entry]\n") > 0);
+    loginItem.close();
     QVERIFY(m_session->startBus("gnome-shell"));
     QProcessEnvironment &environment = m_session->environment;
     environment.insert(u"LD_PRELOAD"_s,

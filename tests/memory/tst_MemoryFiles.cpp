@@ -1,15 +1,18 @@
 #include "memory/MemoryFiles_linux.h"
 
 #include "memory/MemorySampler.h"
+#include "support/FaultyCalls.h"
 #include "support/MachineTree.h"
 #include "support/Machines.h"
 #include "support/Snapshots.h"
+#include "support/Waiting.h"
 
 #include <QTest>
 
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
+using FaultyCalls::Call;
 
 namespace {
 
@@ -21,11 +24,14 @@ class TestMemoryFiles : public QObject {
     Q_OBJECT
 
 private slots:
+    void cleanup() { FaultyCalls::clear(); }
     void readsMachines_data();
     void readsMachines();
     void readsAgain();
     void findsDisksAndCachesThatComeAndGo();
     void isAbsentWithoutFiles();
+    void aFileThatHangsDelaysNothing_data();
+    void aFileThatHangsDelaysNothing();
 };
 
 /// For every machine, in KiB:
@@ -132,6 +138,7 @@ void TestMemoryFiles::readsAgain()
     QCOMPARE(reader.read().pages->free, std::uint64_t(7));
     QVERIFY(!reader.read().pressureLevel);
     tree.write("proc/pressure/memory", "some avg10=50.00 avg60=0.00 avg300=0.00 total=0\n");
+    reader.read(); // The kernel averages over two seconds, so every second read is enough.
     QCOMPARE(reader.read().pressureLevel, std::optional<std::int32_t>(2));
 }
 
@@ -162,9 +169,10 @@ void TestMemoryFiles::findsDisksAndCachesThatComeAndGo()
     tree.write("proc/spl/kstat/zfs/arcstats", "size 4 5120\nc_min 4 1024\n");
     QVERIFY(withinAMinute(purgeable, 4));
 
-    // Files that were found are read every time.
+    // Files that were found are read every second time.
     tree.write("sys/block/zram0/mm_stat", "9 9 1024 9 9 9 9 9 9\n");
     tree.write("proc/spl/kstat/zfs/arcstats", "size 4 7168\nc_min 4 1024\n");
+    reader.read();
     const auto pages = reader.read().pages;
     QCOMPARE(pages->compressor, std::uint64_t(9));
     QCOMPARE(pages->purgeable, std::uint64_t(6));
@@ -183,6 +191,44 @@ void TestMemoryFiles::isAbsentWithoutFiles()
     QVERIFY(!counters.swap);
     QVERIFY(!counters.pressureLevel);
     QCOMPARE(described(MemorySampler::snapshot(counters)), described(MemorySnapshot()));
+}
+
+void TestMemoryFiles::aFileThatHangsDelaysNothing_data()
+{
+    QTest::addColumn<std::string>("file");
+    QTest::newRow("the pressure") << std::string("/pressure/memory");
+    QTest::newRow("a compressed disk") << std::string("/mm_stat");
+    QTest::newRow("the ZFS cache") << std::string("/arcstats");
+}
+
+/// The memory itself goes on; what the thread reads is absent once it is old.
+void TestMemoryFiles::aFileThatHangsDelaysNothing()
+{
+    QFETCH(const std::string, file);
+    const MachineTree tree;
+    tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemFree: 100 kB\n");
+    tree.write("proc/pressure/memory", "some avg10=50.00 avg60=0.00 avg300=0.00 total=0\n");
+    tree.write("sys/block/zram0/mm_stat", "9 9 4096 9 9 9 9 9 9\n");
+    tree.write("proc/spl/kstat/zfs/arcstats", "size 4 5120\nc_min 4 1024\n");
+    double now = 500;
+    MemoryFiles reader(tree.root(), [&now] { return now; }, {.first = std::chrono::minutes(1)});
+    const auto isWhole = [](const MemoryCounters &counters) {
+        return counters.pressureLevel == 2 && counters.pages->compressor == 4
+            && counters.pages->purgeable == 4;
+    };
+    QVERIFY(isWhole(reader.read()));
+    FaultyCalls::stall(Call::read, file);
+    for (now = 501; now <= 504; ++now)
+        QVERIFY(isWhole(reader.read()));
+    FaultyCalls::waitForStalled();
+    tree.write("proc/meminfo", "MemTotal: 1000 kB\nMemFree: 50 kB\n");
+    const MemoryCounters counters = reader.read();
+    QCOMPARE(counters.pages->free, std::uint64_t(50));
+    QVERIFY(!counters.pressureLevel);
+    QCOMPARE(counters.pages->compressor, std::uint64_t(0));
+    QCOMPARE(counters.pages->purgeable, std::uint64_t(0));
+    FaultyCalls::letGo();
+    TRY_VERIFY(isWhole(reader.read()));
 }
 
 QTEST_APPLESS_MAIN(TestMemoryFiles)
