@@ -356,9 +356,8 @@ int run(int argc, char **argv)
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
-    if (!canStartThread())
+    if (!prepareDesktopSession() || !canStartThread())
         endWithoutThreads();
-    prepareDesktopSession();
     const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     if (!startPaintingThread())

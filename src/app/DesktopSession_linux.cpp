@@ -1,5 +1,6 @@
 #include "app/DesktopSession.h"
 
+#include "bus/BusOpening.h"
 #include "bus/SessionBus.h"
 
 namespace corvane {
@@ -11,10 +12,11 @@ constexpr auto busTimeout = std::chrono::seconds(3);
 
 } // namespace
 
-void prepareDesktopSession()
+bool prepareDesktopSession()
 {
     preventBusStart();
     disableHangingBus(busTimeout);
+    return startBusThread();
 }
 
 } // namespace corvane

@@ -8,6 +8,15 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
+bool startBusThread()
+{
+    // Tried first, because the library does not report a failure.
+    if (!canStartThread())
+        return false;
+    const QDBusConnection unknown(u"corvane"_s); // Any name makes the library start it.
+    return true;
+}
+
 QDBusConnection openBus(const QString &address)
 {
     static constinit std::atomic<int> count = 0;

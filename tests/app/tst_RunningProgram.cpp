@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QTest>
 
 #include <optional>
@@ -58,6 +59,8 @@ private slots:
     void runsWithLimits_data();
     void runsWithLimits();
     void endsInOneLineWithoutThreads();
+    void runsOrEndsInOneLineWithFewThreads_data();
+    void runsOrEndsInOneLineWithFewThreads();
     void runsWithoutRuntimeAndTemporaryFolders();
     void runsWithAnyHistory_data();
     void runsWithAnyHistory();
@@ -290,6 +293,47 @@ void TestRunningProgram::endsInOneLineWithoutThreads()
                         u"inject=clone,clone3:error=EAGAIN"_s, programFile()});
     QCOMPARE(corvane.exitStatus(), 1);
     QCOMPARE(corvane.errors(), "Corvane cannot start: the system allows it no more threads.\n"_ba);
+}
+
+void TestRunningProgram::runsOrEndsInOneLineWithFewThreads_data()
+{
+    QTest::addColumn<int>("most");
+    for (const int most : {1, 3, 4, 5})
+        QTest::addRow("ulimit -u %d", most) << most;
+}
+
+/// Of a user who has no other process, as the limit counts all of a user's threads. On a display:
+/// the libraries of X11 and of accessibility start threads too.
+void TestRunningProgram::runsOrEndsInOneLineWithFewThreads()
+{
+    QFETCH(const int, most);
+    if (*CORVANE_SANITIZERS)
+        QSKIP("Sanitizers need threads of their own.");
+    if (getuid() != 0)
+        QSKIP("Only root can start it as another user.");
+    const QString user = QString::number(100'000 + getpid());
+    const QStringList change{u"--reuid"_s, user, u"--regid"_s, user, u"--clear-groups"_s};
+    if (QProcess::execute(u"setpriv"_s, change + QStringList{u"test"_s, u"-x"_s, programFile()})
+        != 0)
+        QSKIP("Other users cannot read the program.");
+    QVERIFY(m_session->startDisplay());
+    QCOMPARE(QProcess::execute(u"chown"_s, {u"-R"_s, user, m_session->homePath()}), 0);
+    ProgramRun corvane(m_session->environment, u"setpriv"_s,
+                       change
+                           + QStringList{u"bash"_s, u"-c"_s,
+                                         u"ulimit -u %1; exec \"$0\""_s.arg(most), programFile()});
+    TRY_VERIFY(!corvane.isRunning() || isAnswering());
+    if (!corvane.isRunning()) {
+        QCOMPARE(corvane.exitStatus(), 1);
+        QCOMPARE(corvane.errors(),
+                 "Corvane cannot start: the system allows it no more threads.\n"_ba);
+        return;
+    }
+    const qint64 read = bytesRead(static_cast<pid_t>(corvane.id()));
+    TRY_VERIFY(bytesRead(static_cast<pid_t>(corvane.id())) > read + 1500); // It still samples.
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.exitStatus(), 0);
+    QCOMPARE(corvane.errors(), QByteArray());
 }
 
 void TestRunningProgram::runsWithoutRuntimeAndTemporaryFolders()
