@@ -1,4 +1,7 @@
+#include "Ratio.h"
+
 #include "charts/HoverTime.h"
+#include "charts/RoundBends.h"
 #include "charts/Sparkline.h"
 #include "ui/Theme.h"
 
@@ -67,6 +70,25 @@ void fillsItsArea(benchmark::State &state)
         painter.fillRect(QRectF({}, powerChart), color);
 }
 
+/// A strip of the memory chart's line, with its round bends against mitres: 13 samples, 2 points
+/// wide. Range 0: nearly flat, or bent sharply at each sample.
+void roundsBends(benchmark::State &state)
+{
+    QImage image = canvas(1);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPen pen(Theme::memory, 2, Qt::SolidLine, Qt::RoundCap, Qt::MiterJoin);
+    pen.setMiterLimit(10);
+    painter.setPen(pen);
+    const double height = state.range(0) != 0 ? 15 : 1;
+    QPolygonF line;
+    for (int i = 0; i < 13; ++i)
+        line.append(QPointF(i * 9.9, 40 + (i % 2 == 0 ? -height : height)));
+    compare(
+        state, [&] { painter.drawPolyline(withRoundBends(line)); },
+        [&] { painter.drawPolyline(line); });
+}
+
 /// New data and a repaint: range 0 is the scale, range 1 the number of samples, range 2 whether the
 /// pointer rests on the chart.
 void ticks(benchmark::State &state)
@@ -94,6 +116,12 @@ void ticks(benchmark::State &state)
 } // namespace
 
 BENCHMARK(fillsItsArea)->Arg(1)->Arg(2)->MeasureProcessCPUTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(roundsBends)
+    ->ArgName("bent")
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(ticks)
     ->ArgNames({"scale", "samples", "hovered"})
     ->Args({1, 60, 0})
