@@ -714,6 +714,7 @@ void TestSparkline::focusIsVisible()
     chart.setFocus(Qt::TabFocusReason);
     QVERIFY(isClose(pixelAt(rendered(window, 1), 60, 7), Theme::focusRing)); // 3 above the chart.
     QCOMPARE(pixelAt(rendered(window, 1), 60, 10).alpha(), 0);
+    QVERIFY(hasRoundCorner(rendered(window, 8), {7, 7}, 4, Theme::focusRing));
 }
 
 void TestSparkline::copiesTheSamplesInView()

@@ -256,7 +256,9 @@ void TestRowList::focusRingCoversNoRow()
     const QImage image = rendered(window, 1);
     for (const double x : {4.0, 295.0})
         QVERIFY(isClose(pixelAt(image, x, 60), Theme::focusRing, 4));
-    QVERIFY(isClose(pixelAt(image, 150, 4), Theme::focusRing, 4)); // 6 above the first row.
+    for (const double y : {4.0, 5.0}) // 6 above the first row.
+        QVERIFY(isClose(pixelAt(image, 150, y), Theme::focusRing, 4));
+    QVERIFY(hasRoundCorner(rendered(window, 8), {3, 4}, 7, Theme::focusRing));
     for (int x = 16; x < 284; ++x) {
         QCOMPARE(pixelAt(image, x, 10), QColor(200, 0, 0));
         QCOMPARE(pixelAt(image, x, 60), QColor(200, 0, 0));

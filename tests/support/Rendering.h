@@ -38,6 +38,17 @@ inline bool isClose(const QColor &actual, const QColor &expected, int tolerance 
         && std::abs(actual.alpha() - expected.alpha()) <= tolerance;
 }
 
+/// Whether the upper left corner of a figure in that colour has that radius: on the diagonal of the
+/// corner its circle begins at 0.293 radii.
+inline bool hasRoundCorner(const QImage &image, const QPointF &corner, double radius,
+                           const QColor &color, const QColor &ground = Qt::transparent)
+{
+    const auto at = [&](double radii) {
+        return pixelAt(image, corner.x() + radii * radius, corner.y() + radii * radius);
+    };
+    return isClose(at(0.26), ground) && isClose(at(0.4), color);
+}
+
 /// Picture of a shown window on the screen after all pending repaints.
 inline QImage onScreen(QWidget &window)
 {
