@@ -49,8 +49,8 @@ MainWindow::MainWindow(QWidget *parent, const ChipInfo &chip, const MachineCover
     assertMainThread();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setWindowTitle(u"Corvane"_s);
-    setFocusPolicy(Qt::StrongFocus);
-    setFocus(); // So that no part starts with a focus ring.
+    setFocusPolicy(Qt::ClickFocus); // Tab would stop here without a ring.
+    setFocus();                     // So that no part starts with a focus ring.
     setMinimumSize(DashboardLayout::minimum);
     connect(m_header, &DashboardHeader::historyWindowChosen, this,
             &MainWindow::historyWindowChosen);

@@ -67,7 +67,7 @@ MenuBarContent::MenuBarContent(std::function<double()> clock, QWidget *parent,
     setAccessibleName(u"Corvane panel"_s);
     setAttribute(Qt::WA_TranslucentBackground);
     setFixedWidth(panelWidth);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::ClickFocus); // Tab would stop here without a ring.
 }
 
 void MenuBarContent::build()

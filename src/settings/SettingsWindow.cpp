@@ -50,8 +50,8 @@ SettingsWindow::SettingsWindow(LaunchAtLoginManager &launch, UpdaterManager &upd
         page->setGeometry(0, barHeight, width(), height() - barHeight);
     connect(m_tabs, &QTabBar::currentChanged, this, &SettingsWindow::showPage);
     showPage(m_tabs->currentIndex());
-    setFocusPolicy(Qt::StrongFocus);
-    setFocus(); // So that no control starts with a focus ring.
+    setFocusPolicy(Qt::ClickFocus); // Tab would stop here without a ring.
+    setFocus();                     // So that no control starts with a focus ring.
 }
 
 void SettingsWindow::showTab(SettingsTab tab)

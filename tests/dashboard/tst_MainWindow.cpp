@@ -384,6 +384,7 @@ void TestMainWindow::stepsThroughItsPartsByTab()
             stepped.append(next);
     }
     QCOMPARE(stepped, expected);
+    QVERIFY(!(shown.window.focusPolicy() & Qt::TabFocus)); // It would show no ring.
 }
 
 void TestMainWindow::repaintsOnlyWhatChanged()

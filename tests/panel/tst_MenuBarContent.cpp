@@ -470,6 +470,8 @@ void TestMenuBarContent::buttonsAreReachedByTab()
     QCOMPARE(panel.focusWidget(), buttons[0]);
     QTest::keyClick(buttons[0], Qt::Key_Tab);
     QCOMPARE(panel.focusWidget(), buttons[1]);
+    QTest::keyClick(buttons[1], Qt::Key_Tab);
+    QCOMPARE(panel.focusWidget(), buttons[0]);
 }
 
 void TestMenuBarContent::buttonsEmitTheirSignals()
