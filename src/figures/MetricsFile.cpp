@@ -72,7 +72,6 @@ void MetricsFile::setFolder(const QString &folder)
         return;
     removeFile();
     m_file = file;
-    m_energy = {};
     m_isWriting = false; // A job for the file before is not waited for.
     setLastError(std::nullopt);
     if (m_file.isEmpty())
@@ -80,26 +79,21 @@ void MetricsFile::setFolder(const QString &folder)
     m_isWanted = std::make_shared<std::atomic<bool>>(true);
     m_interest = m_sampler.lookAtProcesses();
     m_sampler.awaitSurvey();
-    const Figures figures = figuresOf(m_sampler.current(), m_chip);
-    m_energy.add(figures);
-    write(figures);
+    write();
 }
 
 void MetricsFile::tick()
 {
-    if (m_file.isEmpty())
-        return;
-    const Figures figures = figuresOf(m_sampler.current(), m_chip);
-    m_energy.add(figures);
-    if (--m_ticksToWrite <= 0 && !m_isWriting)
-        write(figures);
+    if (!m_file.isEmpty() && --m_ticksToWrite <= 0 && !m_isWriting)
+        write();
 }
 
-void MetricsFile::write(const Figures &figures)
+void MetricsFile::write()
 {
     m_ticksToWrite = writeEveryNTicks;
     m_isWriting = true;
-    const QByteArray text = metricsText(figures, m_energy, m_sampler.aiWorkloads());
+    const QByteArray text = metricsText(figuresOf(m_sampler.current(), m_chip),
+                                        m_sampler.energy().sinceStart, m_sampler.aiWorkloads());
     runThenDeliver(
         this, [file = m_file, text, wanted = m_isWanted] { return writeFile(file, text, *wanted); },
         [this, wanted = m_isWanted](const std::optional<QString> &error) {

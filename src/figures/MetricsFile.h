@@ -1,6 +1,5 @@
 #pragma once
 
-#include "figures/EnergyTotals.h"
 #include "sampler/SystemSampler.h"
 
 #include <QObject>
@@ -39,14 +38,13 @@ signals:
 
 private:
     void tick();
-    void write(const Figures &figures);
+    void write();
     void removeFile();
     void setLastError(const std::optional<QString> &error);
 
     SystemSampler &m_sampler;
     const QString m_chip;
-    ProcessInterest m_interest = {}; ///< Held while a file is wanted.
-    EnergyTotals m_energy;
+    ProcessInterest m_interest = {};                    ///< Held while a file is wanted.
     QString m_file = {};                                ///< Empty: none is wanted.
     std::shared_ptr<std::atomic<bool>> m_isWanted = {}; ///< Shared with jobs that may outlive it.
     int m_ticksToWrite = 0;

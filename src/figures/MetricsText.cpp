@@ -112,7 +112,7 @@ QByteArray unitText(const Figures &figures)
     return cpu.text() + npu.text() + celsius.text();
 }
 
-QByteArray powerText(const Figures &figures, const EnergyTotals &energy)
+QByteArray powerText(const Figures &figures, const Energy &energy)
 {
     Metric watts("corvane_power_watts", "Power of a part of the machine.");
     Metric joules("corvane_energy_joules_total",
@@ -124,9 +124,9 @@ QByteArray powerText(const Figures &figures, const EnergyTotals &energy)
         watts.add(figures.npu->watts, {{"part", u"npu"_s}});
     watts.add(figures.packageWatts, {{"part", u"package"_s}});
     watts.add(figures.systemWatts, {{"part", u"system"_s}});
-    joules.add(energy.cpuJoules(), {{"part", u"cpu"_s}});
-    joules.add(energy.gpuJoules(), {{"part", u"gpu"_s}});
-    joules.add(energy.npuJoules(), {{"part", u"npu"_s}});
+    joules.add(energy.cpu, {{"part", u"cpu"_s}});
+    joules.add(energy.gpu, {{"part", u"gpu"_s}});
+    joules.add(energy.npu, {{"part", u"npu"_s}});
     return watts.text() + joules.text();
 }
 
@@ -169,7 +169,7 @@ QByteArray workloadText(const std::vector<AIWorkload> &workloads)
 
 } // namespace
 
-QByteArray metricsText(const Figures &figures, const EnergyTotals &energy,
+QByteArray metricsText(const Figures &figures, const Energy &energy,
                        const std::vector<AIWorkload> &workloads)
 {
     return memoryText(figures.memory) + unitText(figures) + gpuText(figures.gpus)

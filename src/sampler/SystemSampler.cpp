@@ -63,11 +63,11 @@ void SystemSampler::tick()
     const MemorySnapshot memory = m_sources.memory();
     auto chip = m_sources.chip ? m_sources.chip() : std::nullopt;
     m_current = {.timestamp = m_sources.now(), .memory = memory, .chip = std::move(chip)};
+    keepMeans();
     emit currentChanged();
 
     m_history.push_back(m_current);
     keepNewest(m_history, sampleSeconds(seconds(m_settings.historyWindow())));
-    keepMeans();
     emit historyChanged();
 
     if (m_store)

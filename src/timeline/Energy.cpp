@@ -10,6 +10,11 @@ void add(std::optional<double> &sum, const std::optional<double> &joules)
         sum = sum.value_or(0) + *joules;
 }
 
+std::optional<double> joules(const std::optional<double> &watts, double seconds)
+{
+    return watts ? std::optional(*watts * seconds) : std::nullopt;
+}
+
 } // namespace
 
 Energy &Energy::operator+=(const Energy &other)
@@ -22,15 +27,10 @@ Energy &Energy::operator+=(const Energy &other)
     return *this;
 }
 
-std::optional<double> joules(const std::optional<double> &watts, double seconds)
-{
-    return watts ? std::optional(*watts * seconds) : std::nullopt;
-}
-
 Energy energyOf(const Measures &measures, double seconds)
 {
     const std::optional<double> all = joules(measures[indexOf(Measure::totalWatts)], seconds);
-    if (!all || seconds <= 0)
+    if (!all)
         return {};
     return {.seconds = seconds,
             .all = *all,

@@ -22,10 +22,7 @@ struct Energy {
 /// The longest time between two samples for which energy is counted, in seconds.
 inline constexpr double longestMeasuredStep = 5;
 
-/// Absent without watts.
-std::optional<double> joules(const std::optional<double> &watts, double seconds);
-
-/// What these watts take in that time.
+/// What these watts take in that time. In none, the parts whose watts are known have a sum of 0.
 Energy energyOf(const Measures &measures, double seconds);
 
 /// Seconds from one sample to the next as far as energy is counted for them: 0 for a longer

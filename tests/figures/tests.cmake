@@ -1,4 +1,3 @@
-corvane_test(figures/tst_EnergyTotals)
 corvane_test(figures/tst_Figures)
 corvane_test(figures/tst_FiguresJSON)
 corvane_test(figures/tst_FiguresOutput)

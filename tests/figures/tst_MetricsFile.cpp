@@ -31,18 +31,20 @@ struct Written {
 
     QString path(const QString &name = u"corvane.prom"_s) const { return folder.filePath(name); }
 
-    /// The memory in use that the file tells; absent without a file.
-    std::optional<qint64> usedBytes() const
+    /// The value of that series in the file; absent without it.
+    std::optional<qint64> value(const QByteArray &series) const
     {
         QFile file(path());
         if (!file.open(QFile::ReadOnly))
             return std::nullopt;
         for (const QByteArray &line : file.readAll().split('\n')) {
-            if (line.startsWith("corvane_memory_used_bytes "))
+            if (line.startsWith(series + ' '))
                 return line.split(' ')[1].toLongLong();
         }
         return std::nullopt;
     }
+
+    std::optional<qint64> usedBytes() const { return value("corvane_memory_used_bytes"); }
 
     qint64 used = 0;
     QTemporaryDir folder;
@@ -53,8 +55,10 @@ struct Written {
                                    return MemorySnapshot{.total = 1000,
                                                          .used = static_cast<std::uint64_t>(used)};
                                },
-                           .chip = {},
-                           .survey = {}},
+                           .chip = [] { return ChipReading{.cpuWatts = 8}; },
+                           .survey = {},
+                           .now = [this] { return 1e6 + double(used); },
+                           .steady = [this] { return double(used); }},
                           keepsNoHistory};
     std::unique_ptr<MetricsFile> metrics = std::make_unique<MetricsFile>(sampler, u"Chip"_s);
 };
@@ -67,6 +71,7 @@ class TestMetricsFile : public QObject {
 private slots:
     void writesNothingUnlessWanted();
     void writesAtOnceAndEveryFifteenSeconds();
+    void countsJoulesFromTheStartOfTheProgram();
     void isReadableByEverybody();
     void leavesNothingElseBehind();
     void isRemovedWhenItIsNotWanted();
@@ -98,6 +103,25 @@ void TestMetricsFile::writesAtOnceAndEveryFifteenSeconds()
     written.tick(1);
     QTRY_COMPARE(written.usedBytes(), std::optional<qint64>(18));
     QVERIFY(!written.metrics->lastError());
+}
+
+void TestMetricsFile::countsJoulesFromTheStartOfTheProgram()
+{
+    const QByteArray joules = R"(corvane_energy_joules_total{part="cpu"})";
+    Written written;
+    written.metrics->setFolder(written.folder.path());
+    QTRY_COMPARE(written.value(joules), std::optional<qint64>(0));
+    const auto hasCounted = [&written, &joules] {
+        written.tick(1);
+        return written.value(joules).value_or(0) > 0;
+    };
+    QTRY_VERIFY(hasCounted());
+    QCOMPARE(written.value(joules), std::optional(8 * *written.usedBytes())); // A second a tick.
+    const QTemporaryDir another;
+    written.metrics->setFolder(another.path());
+    written.metrics->setFolder(written.folder.path()); // The counter is that of the program.
+    QTRY_VERIFY(written.value(joules).has_value());
+    QCOMPARE(written.value(joules), std::optional(8 * *written.usedBytes()));
 }
 
 void TestMetricsFile::isReadableByEverybody()

@@ -163,6 +163,7 @@ void TestMeasure::energyIsCountedWhereWattsAreKnown()
     const Energy energy = energyOf(measuresOf(sample, coverageOf(sample)), 2);
     QCOMPARE(energy, (Energy{.seconds = 2, .all = 16, .cpu = 6, .gpu = 10}));
     QCOMPARE(energyOf({}, 2), Energy()); // No time was measured either.
+    QCOMPARE(energyOf(measuresOf(sample, coverageOf(sample)), 0), (Energy{.cpu = 0, .gpu = 0}));
 
     Energy sum = energy;
     sum += {.seconds = 1, .all = 1, .npu = 1};
