@@ -1,9 +1,8 @@
 #include "platform/KernelText.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
-#include <cmath>
-#include <string>
 
 namespace corvane {
 
@@ -136,14 +135,23 @@ std::optional<double> parseDecimal(std::string_view text)
     // By hand, since not every standard library reads floating-point numbers from a view. Up to 15
     // digits are exact in a double, and so is the power of ten: the quotient is the nearest value.
     constexpr std::size_t mostDigits = 15;
-    const std::size_t point = std::min(text.find('.'), text.size());
-    const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
-    if (point + fraction.size() > mostDigits)
+    constexpr std::array powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    std::uint64_t value = 0;
+    std::size_t digits = 0;
+    std::optional<std::size_t> whole; // Digits before the point.
+    for (const char byte : text) {
+        if (byte == '.' && !whole) {
+            whole = digits;
+            continue;
+        }
+        if (byte < '0' || byte > '9' || ++digits > mostDigits)
+            return std::nullopt;
+        value = value * 10 + static_cast<std::uint64_t>(byte - '0');
+    }
+    if (digits == 0)
         return std::nullopt;
-    const auto digits = parseUnsigned(std::string(text.substr(0, point)).append(fraction));
-    if (!digits)
-        return std::nullopt;
-    return static_cast<double>(*digits) / std::pow(10.0, fraction.size());
+    return static_cast<double>(value) / powers[digits - whole.value_or(digits)];
 }
 
 std::optional<std::uint64_t> byteCount(std::uint64_t count, std::uint64_t unit)

@@ -42,7 +42,8 @@ std::optional<std::uint64_t> parseUnsigned(std::string_view text);
 /// The whole of `text` as a signed decimal number.
 std::optional<std::int64_t> parseSigned(std::string_view text);
 
-/// The whole of `text` as a decimal number with an optional point; finite.
+/// The whole of `text` as a decimal number of at most 15 digits with an optional point, rounded
+/// once.
 std::optional<double> parseDecimal(std::string_view text);
 
 /// `count` units of `unit` bytes; absent above `largestByteCount`.

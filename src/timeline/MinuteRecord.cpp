@@ -1,8 +1,9 @@
 #include "timeline/MinuteRecord.h"
 
+#include "platform/KernelText.h"
+
 #include <QByteArrayView>
 
-#include <array>
 #include <cmath>
 #include <cstdint>
 
@@ -101,36 +102,12 @@ private:
         return at;
     }
 
-    /// Numbers of up to fifteen digits without an exponent, which are nearly all, take a division
-    /// of two exact doubles, which rounds once; a start reads a hundred thousand of them.
+    /// Nearly all numbers have few digits and no exponent, and a start reads a hundred thousand.
     static std::optional<double> parsed(std::string_view text)
     {
-        constexpr std::size_t exactDigits = 15;
-        constexpr std::array powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-        std::uint64_t digits = 0;
-        std::size_t count = 0;
-        std::size_t decimals = 0;
-        bool isBehindPoint = false;
-        const std::size_t first = text.starts_with('-') ? 1 : 0;
-        for (const char character : text.substr(first)) {
-            if (character == '.') {
-                isBehindPoint = true;
-                continue;
-            }
-            if (!isDigit(character) || ++count > exactDigits)
-                return parsedSlowly(text);
-            digits = digits * 10 + static_cast<std::uint64_t>(character - '0');
-            decimals += isBehindPoint ? 1 : 0;
-        }
-        if (count == 0)
-            return std::nullopt;
-        const double value = static_cast<double>(digits) / powers[decimals];
-        return first == 1 ? -value : value;
-    }
-
-    static std::optional<double> parsedSlowly(std::string_view text)
-    {
+        const bool isNegative = text.starts_with('-');
+        if (const auto amount = parseDecimal(text.substr(isNegative ? 1 : 0)))
+            return isNegative ? -*amount : *amount;
         bool isDouble = false; // False for 1e400.
         const double value =
             QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).toDouble(&isDouble);
