@@ -36,26 +36,35 @@ void EnergyLedger::add(double time, const Energy &energy)
     if (place == m_quarters.end() || place->start != start)
         place = m_quarters.insert(place, {.start = start});
     place->energy += energy;
+    if (time >= m_week.lastStart && time < m_week.end)
+        m_week.days.back().energy += energy;
+    else
+        m_week = {};
     if (m_quarters.size() > mostQuarters)
         m_quarters.erase(m_quarters.begin());
 }
 
 std::vector<DayEnergy> EnergyLedger::week(double now) const
 {
-    const QDate today = localDateTime(now).date();
-    if (!today.isValid())
+    const QDateTime local = localDateTime(now);
+    if (!local.isValid())
         return {};
-    std::vector<DayEnergy> days;
+    if (now >= m_week.lastStart && now < m_week.end
+        && local.offsetFromUtc() == m_week.secondsFromUTC)
+        return m_week.days;
+    const QDate today = local.date();
+    m_week = {.end = dayStart(today.addDays(1 - weekDays)),
+              .secondsFromUTC = local.offsetFromUtc()};
+    auto quarter = std::ranges::lower_bound(m_quarters, m_week.end, {}, &Quarter::start);
     for (int back = weekDays - 1; back >= 0; --back) {
-        const QDate date = today.addDays(-back);
-        DayEnergy day{.date = date};
-        const double end = dayStart(date.addDays(1));
-        auto quarter = std::ranges::lower_bound(m_quarters, dayStart(date), {}, &Quarter::start);
-        for (; quarter != m_quarters.end() && quarter->start < end; ++quarter)
+        DayEnergy day{.date = today.addDays(-back)};
+        m_week.lastStart = m_week.end;
+        m_week.end = dayStart(day.date.addDays(1));
+        for (; quarter != m_quarters.end() && quarter->start < m_week.end; ++quarter)
             day.energy += quarter->energy;
-        days.push_back(day);
+        m_week.days.push_back(day);
     }
-    return days;
+    return m_week.days;
 }
 
 } // namespace corvane

@@ -45,7 +45,17 @@ public:
     const std::vector<Quarter> &quarters() const { return m_quarters; }
 
 private:
+    /// The newest answer, which a view asks for every second. Energy of its last day is added to
+    /// it, so that it holds while that day lasts and local time keeps its distance from UTC.
+    struct Week {
+        std::vector<DayEnergy> days = {};
+        double lastStart = 0; ///< Of its last day, and the end of that.
+        double end = 0;
+        int secondsFromUTC = 0;
+    };
+
     std::vector<Quarter> m_quarters; ///< In the order of time.
+    mutable Week m_week;
 };
 
 } // namespace corvane

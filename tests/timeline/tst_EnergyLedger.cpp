@@ -39,6 +39,8 @@ private slots:
     void sumsALocalDay_data();
     void sumsALocalDay();
     void aWeekEndsToday();
+    void aWeekHasWhatIsAddedAfterAnotherAnswer_data();
+    void aWeekHasWhatIsAddedAfterAnotherAnswer();
     void takesTimesInAnyOrder();
     void forgetsTheOldest();
     void anInstantThatNoCalendarHasGivesNoDays();
@@ -89,6 +91,40 @@ void TestEnergyLedger::aWeekEndsToday()
     QCOMPARE(week[4].energy.all, 5.0);
     QCOMPARE(week[5].energy, Energy()); // Nothing was measured.
     QCOMPARE(week[6].energy.all, 7.0);
+}
+
+void TestEnergyLedger::aWeekHasWhatIsAddedAfterAnotherAnswer_data()
+{
+    QTest::addColumn<QString>("added");
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<double>("yesterday");
+    QTest::addColumn<double>("today");
+    const QByteArray utc("UTC0");
+    QTest::newRow("today") << u"2026-06-12T09:59:00"_s << utc << 5.0 << 10.0;
+    QTest::newRow("yesterday") << u"2026-06-11T23:59:00"_s << utc << 8.0 << 7.0;
+    QTest::newRow("tomorrow, by a clock that was wrong")
+        << u"2026-06-13T00:00:00"_s << utc << 5.0 << 7.0;
+    QTest::newRow("in another zone")
+        << u"2026-06-12T09:59:00"_s << QByteArray("EST5") << 7.0 << 3.0;
+}
+
+void TestEnergyLedger::aWeekHasWhatIsAddedAfterAnotherAnswer()
+{
+    QFETCH(const QString, added);
+    QFETCH(const QByteArray, zone);
+    setZone("UTC0");
+    EnergyLedger ledger;
+    ledger.add(at(u"2026-06-11T04:30:00"_s), joules(5));
+    ledger.add(at(u"2026-06-12T04:30:00"_s), joules(7));
+    const double now = at(u"2026-06-12T10:00:00"_s);
+    QCOMPARE(ledger.week(now).back().energy.all, 7.0);
+    ledger.add(at(added), joules(3));
+    setZone(zone);
+    for (int answers = 0; answers < 2; ++answers) {
+        const std::vector<DayEnergy> week = ledger.week(now);
+        QTEST(week[5].energy.all, "yesterday");
+        QTEST(week[6].energy.all, "today");
+    }
 }
 
 void TestEnergyLedger::takesTimesInAnyOrder()
