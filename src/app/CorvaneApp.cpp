@@ -70,7 +70,13 @@ int printFigures(FiguresForm form)
     const FiguresOutput output(sampler, form, ChipInfo::current().name, STDOUT_FILENO);
     QObject::connect(&output, &FiguresOutput::finished, QCoreApplication::instance(),
                      &QCoreApplication::quit, Qt::QueuedConnection);
-    return QCoreApplication::exec();
+    QCoreApplication::exec();
+    if (!output.error())
+        return EXIT_SUCCESS;
+    printLine(stderr,
+              u"Corvane: Standard output cannot be written: %1."_s.arg(
+                  QString::fromLocal8Bit(output.error().message())));
+    return EXIT_FAILURE;
 }
 
 /// The exit status of a start that shows no window; absent for one that does.

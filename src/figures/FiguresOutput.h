@@ -16,7 +16,7 @@ enum class FiguresForm {
 };
 
 /// Prints each sample of a sampler as one line of JSON. Emits `finished` when all is printed or
-/// nobody reads any more. Main thread.
+/// no more can be. Main thread.
 class FiguresOutput : public QObject {
     Q_OBJECT
 
@@ -24,6 +24,9 @@ public:
     /// The sampler has taken its first sample and outlives this. `chip` is the chip's name.
     FiguresOutput(SystemSampler &sampler, FiguresForm form, const QString &chip, int descriptor,
                   QObject *parent = nullptr);
+
+    /// As that of `LineOutput`.
+    std::error_code error() const { return m_output.error(); }
 
 signals:
     void finished();

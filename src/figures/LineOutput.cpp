@@ -50,7 +50,7 @@ void LineOutput::writeOn()
         if (written < 0 && (errno == EINTR || errno == EAGAIN))
             break;
         if (written < 0) {
-            close();
+            close(errno);
             return;
         }
         m_current.remove(0, written);
@@ -62,9 +62,11 @@ void LineOutput::writeOn()
         emit idle();
 }
 
-void LineOutput::close()
+void LineOutput::close(int reason)
 {
     m_isClosed = true;
+    if (reason != EPIPE)
+        m_error = {reason, std::generic_category()};
     m_current.clear();
     m_next.clear();
     m_writable.setEnabled(false);

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <system_error>
+
 namespace corvane {
 
 /// Writes lines to a descriptor, such as standard output, without ever waiting for its reader:
@@ -22,19 +24,23 @@ public:
     /// Whether nothing is left to write.
     bool isIdle() const { return m_current.isEmpty(); }
 
+    /// Why the file took no more, such as a full disk; no error if its reader is merely gone.
+    std::error_code error() const { return m_error; }
+
 signals:
     void idle();   ///< Emitted when the last line is through.
-    void closed(); ///< Emitted once: nobody reads any more.
+    void closed(); ///< Emitted once: nobody reads any more, or the file takes no more.
 
 private:
     void writeOn();
-    void close();
+    void close(int reason);
 
     int m_descriptor;
     QSocketNotifier m_writable;
     QByteArray m_current = {}; ///< What is left of the line that is being written.
     QByteArray m_next = {};    ///< The newest line after it; empty if there is none.
     bool m_isClosed = false;
+    std::error_code m_error = {};
 };
 
 } // namespace corvane

@@ -607,7 +607,8 @@ void TestRunningProgram::answersWithoutADisplay_data()
     QTest::newRow("figures for a closed output")
         << u"--json=stream >&-"_s << 1 << QByteArray() << QByteArray();
     QTest::newRow("figures for a full disk")
-        << u"--json=stream >/dev/full"_s << 0 << QByteArray() << QByteArray();
+        << u"--json=stream >/dev/full"_s << 1 << QByteArray()
+        << QByteArray("Corvane: Standard output cannot be written: No space left on device.\n");
     QTest::newRow("an unknown option")
         << u"--jsno"_s << 2 << QByteArray() << QByteArray("Corvane: Unknown option 'jsno'.\n");
 }

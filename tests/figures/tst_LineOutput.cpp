@@ -108,6 +108,7 @@ void TestLineOutput::endsWithItsReader()
     pipe.output->send("one\n");
     pipe.output->send("two\n");
     QCOMPARE(closed.count(), 1);
+    QVERIFY(!pipe.output->error());
 }
 
 void TestLineOutput::endsWithItsReaderInTheMiddleOfALine()
@@ -141,6 +142,7 @@ void TestLineOutput::endsOnAFullDisk()
     QSignalSpy closed(&output, &LineOutput::closed);
     output.send("one\n");
     QCOMPARE(closed.count(), 1);
+    QVERIFY(output.error() == std::errc::no_space_on_device);
 }
 
 QTEST_GUILESS_MAIN(TestLineOutput)
