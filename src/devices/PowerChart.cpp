@@ -118,10 +118,11 @@ void PowerChart::showSamples(const std::vector<SystemMetrics> &history,
         m_peak.reset();
     else if (machine.isWhole)
         m_peak = m_peak.value_or(0); // A whole chip has no history yet.
-    showSeries(historyChart(history));
+    showSeries(historyChart(history), m_stableYMax);
 }
 
-/// Means stack as samples do. The band is that of their sum, and its greatest value the peak.
+/// Means stack as samples do. The band is that of their sum, and its greatest value the peak, which
+/// sets the scale of this window alone: a night under load must not flatten the minute after it.
 void PowerChart::showMeans(const MeanWindow &window, const MachineCoverage &machine)
 {
     std::vector<PowerPart> parts = powerParts(machine);
@@ -138,8 +139,6 @@ void PowerChart::showMeans(const MeanWindow &window, const MachineCoverage &mach
         if (range)
             m_peak = std::max(m_peak.value_or(0), range->upper);
     }
-    m_stableYMax = std::max(m_stableYMax, powerScale(m_peak.value_or(0)));
-
     m_values.assign(chart.timestamps.size(), std::vector<PowerValue>(m_parts.size()));
     for (std::size_t part = 0; part < m_parts.size(); ++part) {
         const auto watts = m_parts[part].coverage == Coverage::known
@@ -148,10 +147,10 @@ void PowerChart::showMeans(const MeanWindow &window, const MachineCoverage &mach
         for (std::size_t point = 0; point < watts.size(); ++point)
             m_values[point][part].watts = watts[point];
     }
-    showSeries(std::move(chart));
+    showSeries(std::move(chart), powerScale(m_peak.value_or(0)));
 }
 
-void PowerChart::showSeries(SparklineData chart)
+void PowerChart::showSeries(SparklineData chart, double yMax)
 {
     for (std::size_t part = 0; part < m_parts.size(); ++part) {
         SparklineSeries series{
@@ -161,7 +160,7 @@ void PowerChart::showSeries(SparklineData chart)
             series.values.push_back(values[part].watts);
         chart.series.push_back(std::move(series));
     }
-    chart.yDomain = {0, m_stableYMax};
+    chart.yDomain = {0, yMax};
     chart.stacking = Stacking::stacked;
     chart.showsGrid = false;
     m_chart->show(std::move(chart));

@@ -18,8 +18,8 @@ double peakTotal(const std::vector<SystemMetrics> &history);
 /// of 5, 10 or 25.
 double powerScale(double peak);
 
-/// The stacked chart of power, which the wide and the small card of power share. Its scale never
-/// shrinks. Owned by its card, as is the chart itself.
+/// The stacked chart of power, which the wide and the small card of power share. The scale of the
+/// newest minute never shrinks. Owned by its card, as is the chart itself.
 class PowerChart {
 public:
     explicit PowerChart(QWidget *card);
@@ -39,7 +39,7 @@ public:
 private:
     void showSamples(const std::vector<SystemMetrics> &history, const MachineCoverage &machine);
     void showMeans(const MeanWindow &window, const MachineCoverage &machine);
-    void showSeries(SparklineData chart);
+    void showSeries(SparklineData chart, double yMax);
     PillContent pill(std::size_t index) const;
 
     Sparkline *m_chart;
