@@ -112,14 +112,17 @@ void SmallPowerCard::show(const SystemMetrics &current, const ChartHistory &hist
     placeRows();
 }
 
-/// The peak, and the energy if there is room for both.
+/// The peak, and of the energy what there is room for.
 void SmallPowerCard::showStat()
 {
     const QString peak = u"peak "_s + wattsText(m_power.peak(), 1);
-    const QString energy = shortEnergyText(m_energy);
-    const QString both = peak + u" · "_s + energy;
-    const bool fits = !energy.isEmpty() && textWidth(both, m_stat.font) <= headerStatWidth();
-    setText(m_stat, fits ? both : peak);
+    QString stat = peak;
+    for (const QString &energy : {shortEnergyText(m_energy), energyTodayText(m_energy)}) {
+        const QString both = peak + u" · "_s + energy;
+        if (!energy.isEmpty() && textWidth(both, m_stat.font) <= headerStatWidth())
+            stat = both;
+    }
+    setText(m_stat, stat);
 }
 
 void SmallPowerCard::showFigure(std::optional<double> watts)

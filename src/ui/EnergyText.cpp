@@ -2,8 +2,10 @@
 
 #include "ui/NumberText.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace corvane {
@@ -37,16 +39,27 @@ QString withParts(const Energy &energy, const QString &since, const QString &npu
     return measuredText(energy, since) + (parts.isEmpty() ? QString() : u": "_s + parts);
 }
 
+bool wasMeasured(const DayEnergy &day)
+{
+    return day.energy.seconds > 0;
+}
+
 /// A row of the table: code keeps its spaces, and its digits have one width.
 QString dayRow(const DayEnergy &day)
 {
     constexpr int energyWidth = 9;
     constexpr int durationWidth = 12;
-    const bool isMeasured = day.energy.seconds > 0;
-    const QString energy = isMeasured ? energyText(day.energy.all) : u"\u2013"_s;
-    const QString duration = isMeasured ? durationText(day.energy.seconds) : u"\u2013"_s;
+    const QString energy = wasMeasured(day) ? energyText(day.energy.all) : u"\u2013"_s;
+    const QString duration = wasMeasured(day) ? durationText(day.energy.seconds) : u"\u2013"_s;
     return u'`' + day.date.toString(u"ddd dd MMM"_s) + energy.rightJustified(energyWidth + 2)
         + duration.rightJustified(durationWidth + 2) + u'`';
+}
+
+/// With spaces before units at which no line is broken.
+QString keptTogether(QString text)
+{
+    static const QRegularExpression space(u"(?<=[0-9]) (?=[a-zA-Z])"_s);
+    return text.replace(space, QString(QChar::Nbsp));
 }
 
 bool isMeasured(const EnergyReport &report)
@@ -106,12 +119,12 @@ QString energyMarkdown(const EnergyReport &report, const QString &npu)
     if (!isMeasured(report))
         return {};
     QStringList rows;
-    for (const DayEnergy &day : report.days)
-        rows.append(dayRow(day));
-    return u"**Energy**: "_s + withParts(report.today(), u"today"_s, npu) + u". "_s
+    for (auto day = std::ranges::find_if(report.days, wasMeasured); day != report.days.end(); ++day)
+        rows.append(dayRow(*day));
+    const QString text = u"**Energy**: "_s + withParts(report.today(), u"today"_s, npu) + u". "_s
         + withParts(report.sinceStart, u"since the start"_s, npu)
-        + u". Time asleep, and time in which nothing could be read, is left out."_s + u"\n\n"_s
-        + rows.join(u'\n');
+        + u". Time asleep, and time in which nothing could be read, is left out."_s;
+    return keptTogether(text) + u"\n\n"_s + rows.join(u'\n');
 }
 
 } // namespace corvane

@@ -22,7 +22,8 @@ QString shortEnergyText(const EnergyReport &report);
 /// machine's word for it. Empty while nothing was measured.
 QString energyTip(const EnergyReport &report, const QString &npu);
 
-/// The same as paragraphs of an explanation, with a table of the week.
+/// The same as paragraphs of an explanation, with a table of the week from the first day on which
+/// anything was measured.
 QString energyMarkdown(const EnergyReport &report, const QString &npu);
 
 } // namespace corvane

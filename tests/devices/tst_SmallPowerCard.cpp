@@ -1,6 +1,8 @@
 #include "devices/SmallPowerCard.h"
 
 #include "charts/Sparkline.h"
+#include "controls/InfoButton.h"
+#include "controls/InfoPopover.h"
 #include "gallery/ScriptedMachines.h"
 #include "support/Rendering.h"
 #include "support/ShownCard.h"
@@ -58,6 +60,8 @@ private slots:
     void addsNothingOfTheWholeMachine();
     void showsTheHoveredSample();
     void tellsWhyInItsToolTip();
+    void tellsTheEnergyOfTheDay_data();
+    void tellsTheEnergyOfTheDay();
     void leavesNoStalePixels();
 };
 
@@ -139,6 +143,32 @@ void TestSmallPowerCard::tellsWhyInItsToolTip()
         shown.card.accessibleDescription(),
         u"CPU watts: locked, only root may read this.\n"
         "Watts of NVIDIA GeForce RTX 3060 Laptop GPU: the device sleeps and is left asleep."_s);
+}
+
+void TestSmallPowerCard::tellsTheEnergyOfTheDay_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QString>("stat");
+    QTest::newRow("with the time measured")
+        << third << u"peak 40.7 W · 412 Wh today, 7 h 12 min measured"_s;
+    QTest::newRow("where that has no room") << 320 << u"peak 40.7 W · 412 Wh today"_s;
+    QTest::newRow("where nothing of it has room") << quarter << u"peak 40.7 W"_s;
+}
+
+void TestSmallPowerCard::tellsTheEnergyOfTheDay()
+{
+    QFETCH(const int, width);
+    Shown shown(apuMinute(), width);
+    shown.card.showEnergy(
+        {.days = {{QDate(2026, 6, 10), {.seconds = 25'920, .all = 412 * 3'600}}}});
+    shown.show(apuMinute());
+    QTEST(shown.text(u"Peak"_s).value, "stat");
+    const QString whole = u"412 Wh today, 7 h 12 min measured"_s;
+    QVERIFY(shown.card.accessibleDescription().contains(whole));
+    auto *button = shown.card.findChild<InfoButton *>();
+    button->click();
+    QVERIFY(button->popover());
+    QVERIFY(button->popover()->accessibleTexts().back().value.contains(u"Wed 10 Jun"_s));
 }
 
 void TestSmallPowerCard::leavesNoStalePixels()

@@ -95,13 +95,18 @@ void TestEnergyText::tellsTheParts()
 
 void TestEnergyText::hasATableOfTheDays()
 {
-    const QString text = energyMarkdown(report(), u"NPU"_s);
-    QVERIFY(text.startsWith(u"**Energy**: 412 Wh today"_s));
+    EnergyReport week = report();
+    // Before it is a day of which nothing is known.
+    week.days.insert(week.days.begin(), {QDate(2026, 6, 8), week.today()});
+    week.days.insert(week.days.begin(), {QDate(2026, 6, 7), {}});
+    const QString text = energyMarkdown(week, u"NPU"_s);
+    QVERIFY(text.startsWith(u"**Energy**: 412\u00a0Wh today, 7\u00a0h 12\u00a0min measured"_s));
     const QStringList rows = text.section(u"\n\n"_s, 1).split(u'\n');
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(rows[0].simplified(), u"`Tue 09 Jun – –`"_s);
-    QCOMPARE(rows[1].simplified(), u"`Wed 10 Jun 412 Wh 7 h 12 min`"_s);
-    QCOMPARE(rows[0].size(), rows[1].size()); // One column below the other.
+    QCOMPARE(rows.size(), 3);
+    QCOMPARE(rows[0].simplified(), u"`Mon 08 Jun 412 Wh 7 h 12 min`"_s);
+    QCOMPARE(rows[1].simplified(), u"`Tue 09 Jun – –`"_s);
+    QCOMPARE(rows[2].simplified(), u"`Wed 10 Jun 412 Wh 7 h 12 min`"_s);
+    QCOMPARE(rows[1].size(), rows[2].size()); // One column below the other.
 }
 
 QTEST_APPLESS_MAIN(TestEnergyText)
