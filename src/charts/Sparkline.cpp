@@ -390,13 +390,14 @@ void Sparkline::paintCursor(QPainter &painter) const
     fillHairline(painter, line, Theme::chartCursor);
 }
 
-/// Whether a label would not touch the others. Labels of hours and minutes are of nearly one width.
+/// Whether a label leaves room between the others. Labels of hours and minutes are of nearly one
+/// width; those with weekdays would hide a low chart where three take most of its width.
 bool Sparkline::hasRoomForLabel(std::size_t label, const std::array<double, 3> &widths) const
 {
     constexpr double labelGap = 16;
     if (m_data.showsMeans) {
         const double ends = widths[0] + labelGap + widths[2];
-        const std::array<double, 3> needed{0, ends + widths[1] + labelGap, ends};
+        const std::array<double, 3> needed{0, 1.5 * (widths[0] + widths[1] + widths[2]), ends};
         return plot().width() >= needed[label];
     }
     constexpr std::array<double, 3> neededWidths{0, 160, 72}; // Of the chart, for each label.

@@ -618,22 +618,29 @@ void TestSparkline::labelsFollowTheLocale()
 
 void TestSparkline::labelsNeedRoom_data()
 {
+    constexpr double day = 86'400;
+    QTest::addColumn<double>("seconds");
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("labels");
-    QTest::newRow("wide enough for three") << 160 << 3;
-    QTest::newRow("the middle one is left out first") << 159 << 2;
-    QTest::newRow("wide enough for two") << 72 << 2;
-    QTest::newRow("the first alone") << 71 << 1;
+    QTest::newRow("wide enough for three") << 30.0 << 160 << 3;
+    QTest::newRow("the middle one is left out first") << 30.0 << 159 << 2;
+    QTest::newRow("wide enough for two") << 30.0 << 72 << 2;
+    QTest::newRow("the first alone") << 30.0 << 71 << 1;
+    QTest::newRow("three with weekdays") << day << 360 << 3;
+    QTest::newRow("three with weekdays would cover the chart") << day << 180 << 2;
 }
 
 void TestSparkline::labelsNeedRoom()
 {
+    QFETCH(const double, seconds);
     QFETCH(int, width);
     QFETCH(int, labels);
     Sparkline chart;
     chart.resize(width, 40);
     SparklineData data = plain({});
     data.showsTimeLabels = true;
+    data.showsMeans = seconds > 60;
+    data.xDomain = {0, seconds};
     chart.show(data);
     const QImage image = rendered(chart, 1);
     QVERIFY(pixelAt(image, 3, 34).alpha() > 0);
