@@ -238,7 +238,7 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 53), red);
 }
 
-/// From the back: grid, fill, line, cursor, tag of a time label, pill.
+/// From the back: grid, band, fill, line, cursor, tag of a time label, pill.
 void TestSparkline::layersLieInOrder()
 {
     Sparkline chart;
@@ -262,6 +262,21 @@ void TestSparkline::layersLieInOrder()
     QCOMPARE(pixelAt(image, 100, 52), blue);
     QCOMPARE(pixelAt(image, 100, 60), red);
     QVERIFY(isClose(pixelAt(image, 2, 93), over(Theme::timeLabelTag, red)));
+
+    SparklineData means = data;
+    means.showsMeans = true;
+    means.band.assign(4, ChartRange{2, 8});
+    means.bandColor = Qt::green;
+    chart.show(means);
+    image = rendered(chart, 1);
+    QCOMPARE(pixelAt(image, 100, 30), QColor(Qt::green));
+    QCOMPARE(pixelAt(image, 100, 49.5), blue);
+    QCOMPARE(pixelAt(image, 100, 60), red);
+    means.series[0].fillColors.clear();
+    means.series[0].lineColor = Qt::transparent;
+    chart.show(means);
+    QCOMPARE(pixelAt(rendered(chart, 1), 100, 50), QColor(Qt::green)); // It covers the grid.
+    chart.show(data);
 
     hover(chart, 2);
     image = rendered(chart, 1);
