@@ -95,6 +95,7 @@ private slots:
     void fillsHaveNoSeams();
     void drawsTheLineOverTheFill_data() { addScales(); }
     void drawsTheLineOverTheFill();
+    void sharpBendsAreRound();
     void layersLieInOrder();
     void gridIsOnePoint_data() { addScales(); }
     void gridIsOnePoint();
@@ -236,6 +237,21 @@ void TestSparkline::drawsTheLineOverTheFill()
     QCOMPARE(pixelAt(image, 100, 49), blue);
     QCOMPARE(pixelAt(image, 100, 51), blue);
     QCOMPARE(pixelAt(image, 100, 53), red);
+}
+
+/// A mitre would reach 6 points higher.
+void TestSparkline::sharpBendsAreRound()
+{
+    Sparkline chart;
+    chart.resize(60, 100);
+    SparklineSeries series = area({2, 2, 8, 2}, red);
+    series.fillColors.clear();
+    series.lineWidth = 6;
+    series.lineColor = blue;
+    chart.show(plain({series}));
+    const QImage image = rendered(chart, 4);
+    QCOMPARE(pixelAt(image, 40, 17.5), blue);
+    QCOMPARE(pixelAt(image, 40, 16.5).alpha(), 0);
 }
 
 /// From the back: grid, band, fill, line, cursor, tag of a time label, pill.
