@@ -1,6 +1,7 @@
 #include "figures/FiguresOutput.h"
 
 #include "sampler/SystemSampler.h"
+#include "support/ProcessState.h"
 #include "support/Waiting.h"
 
 #include <QJsonArray>
@@ -59,6 +60,7 @@ private slots:
     void printsEachSecond();
     void printsASurveyOnce();
     void printsForABar();
+    void anHourGrowsNothing();
 };
 
 void TestFiguresOutput::printsASecondOnce()
@@ -109,6 +111,26 @@ void TestFiguresOutput::printsForABar()
     printed.sampler.tick();
     QCOMPARE(printed.objects()[0]["text"_L1].toString(), u"63 0 0W"_s);
     QCOMPARE(printed.objects()[0]["percentage"_L1].toInt(), 63);
+}
+
+/// In a sanitizer's run, whose allocator does not tell the heap, this runs the hour alone.
+void TestFiguresOutput::anHourGrowsNothing()
+{
+    constexpr int hour = 3'600;
+    constexpr qint64 tenBytesATick = 10 * hour;
+    Printed printed(FiguresForm::stream);
+    const auto stepFor = [&printed](int seconds) {
+        for (int second = 0; second < seconds; ++second) {
+            printed.sampler.tick();
+            QCoreApplication::processEvents();
+        }
+    };
+    stepFor(hour / 4);
+    const qint64 before = test::heapInUse();
+    stepFor(hour);
+    QVERIFY2(test::heapInUse() - before < tenBytesATick,
+             qPrintable(QString::number(test::heapInUse() - before)));
+    QCOMPARE(printed.objects().size(), hour + hour / 4);
 }
 
 QTEST_GUILESS_MAIN(TestFiguresOutput)
