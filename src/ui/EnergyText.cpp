@@ -55,10 +55,10 @@ QString dayRow(const DayEnergy &day)
         + duration.rightJustified(durationWidth + 2) + u'`';
 }
 
-/// With spaces before units at which no line is broken.
+/// With spaces between names, numbers and units at which no line is broken.
 QString keptTogether(QString text)
 {
-    static const QRegularExpression space(u"(?<=[0-9]) (?=[a-zA-Z])"_s);
+    static const QRegularExpression space(u"(?<=[0-9]) (?=[a-zA-Z])|(?<=[A-Zh]) (?=[0-9])"_s);
     return text.replace(space, QString(QChar::Nbsp));
 }
 

@@ -192,7 +192,7 @@ void showWindow(MainWindow &window, const SystemMetrics &current,
 bool hours(const Gallery &gallery)
 {
     bool good = true;
-    const ScriptedMachine card = apuMinute();
+    const ScriptedMachine card = oneCardMinute();
     const Timeline macDay = scriptedDay(scriptedCurrent());
     const Timeline cardDay = scriptedDay(card.current());
     for (const HistoryWindow length : longWindows) {
@@ -207,8 +207,10 @@ bool hours(const Gallery &gallery)
             good &= gallery.save(*machine, u"linux-hours-"_s + end);
         }
     }
-    const auto hovered = dashboard(card, {1280, 900});
-    showWindow(*hovered, card.current(), card.history, cardDay, HistoryWindow::oneDay);
+    const ScriptedMachine apu = apuMinute();
+    const auto hovered = dashboard(apu, {1280, 900});
+    showWindow(*hovered, apu.current(), apu.history, scriptedDay(apu.current()),
+               HistoryWindow::oneDay);
     hover(hovered->findChild<SmallPowerCard *>()->chart(), 0.9);
     good &= gallery.save(*hovered, u"linux-hours-hover"_s);
 

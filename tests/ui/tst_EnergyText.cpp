@@ -100,7 +100,8 @@ void TestEnergyText::hasATableOfTheDays()
     week.days.insert(week.days.begin(), {QDate(2026, 6, 8), week.today()});
     week.days.insert(week.days.begin(), {QDate(2026, 6, 7), {}});
     const QString text = energyMarkdown(week, u"NPU"_s);
-    QVERIFY(text.startsWith(u"**Energy**: 412\u00a0Wh today, 7\u00a0h 12\u00a0min measured"_s));
+    QVERIFY(text.startsWith(u"**Energy**: 412\u00a0Wh today, 7\u00a0h\u00a012\u00a0min "
+                            "measured: CPU\u00a0200\u00a0Wh, "_s));
     const QStringList rows = text.section(u"\n\n"_s, 1).split(u'\n');
     QCOMPARE(rows.size(), 3);
     QCOMPARE(rows[0].simplified(), u"`Mon 08 Jun 412 Wh 7 h 12 min`"_s);
