@@ -1,7 +1,8 @@
-// A survey of all processes with detection and the names of models, against the least that any such
-// pass must do; and what a new process costs, against the bare reads of its own files. Real
-// children fill the process table and pose as runners.
+// A survey of all processes with detection and the names of models, against the system calls that
+// it makes once names are known; and what a new process costs, against the bare reads of its own
+// files. Real children fill the process table and pose as runners.
 
+#include "BareReads.h"
 #include "Crowd.h"
 #include "Ratio.h"
 #include "models/ModelNames.h"
@@ -13,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 
 #include <sys/mman.h>
 
@@ -112,13 +114,81 @@ private:
     pid_t m_pid = 0;
 };
 
+void readWhole(const std::string &path)
+{
+    static char text[64 << 10];
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    while (read(file, text, sizeof text) == sizeof text && path.starts_with("/proc")) { }
+    close(file);
+}
+
+void listProcesses()
+{
+    DIR *proc = opendir("/proc");
+    while (const dirent *entry = readdir(proc))
+        benchmark::DoNotOptimize(entry->d_name);
+    closedir(proc);
+}
+
+std::string processFile(std::int64_t pid, const char *name)
+{
+    return "/proc/" + std::to_string(pid) + '/' + name;
+}
+
+/// The number of the process that started it; 0 where there is none.
+std::int64_t parentOf(std::int64_t pid)
+{
+    std::string text;
+    std::getline(std::ifstream(processFile(pid, "stat")), text);
+    const std::size_t name = text.rfind(')');
+    return name == std::string::npos ? 0 : std::atoll(text.c_str() + name + 4);
+}
+
+/// What a survey asks the kernel when it knows all processes: the list of them, how much memory
+/// there is, one kept file of each, the names of those that it shows and the ancestors of the
+/// workloads.
+class BareSurvey {
+public:
+    explicit BareSurvey(const Survey &survey) : m_memory(statmPaths()), m_names(namesOf(survey))
+    {
+        for (const AIWorkload &workload : survey.workloads) {
+            for (std::int64_t pid = workload.pid; pid > 1; pid = parentOf(pid))
+                m_ancestors.insert(processFile(pid, "stat"));
+        }
+    }
+
+    void operator()()
+    {
+        listProcesses();
+        readWhole("/proc/meminfo");
+        m_memory();
+        m_names();
+        for (const std::string &path : m_ancestors)
+            readWhole(path);
+    }
+
+private:
+    static std::vector<std::string> namesOf(const Survey &survey)
+    {
+        std::set<std::string> paths;
+        for (const ProcessRow &row : survey.processes)
+            paths.insert(processFile(row.id, "comm"));
+        for (const AIWorkload &workload : survey.workloads)
+            paths.insert(processFile(workload.pid, "comm"));
+        return {paths.begin(), paths.end()};
+    }
+
+    BareReads m_memory;
+    BareReads m_names;
+    std::set<std::string> m_ancestors = {};
+};
+
 void namedSurvey(benchmark::State &state)
 {
     const Files files;
     const Runner first(files.file());
     const Runner second(files.file());
     const Crowd crowd(static_cast<std::size_t>(state.range(0)));
-    const auto paths = statmPaths();
     Surveyor surveyor;
     ModelNames names;
     const auto take = [&] {
@@ -128,11 +198,11 @@ void namedSurvey(benchmark::State &state)
     };
     const Survey survey = take();
     const auto isNamed = [](const AIWorkload &workload) { return workload.model.has_value(); };
-    state.counters["processes"] = static_cast<double>(paths.size());
+    state.counters["processes"] = static_cast<double>(statmPaths().size());
     state.counters["named"] = static_cast<double>(std::ranges::count_if(survey.workloads, isNamed));
+    BareSurvey bare(survey);
     compare(
-        state, [&] { benchmark::DoNotOptimize(take()); }, [&paths] { readBare(paths); },
-        processSeconds);
+        state, [&] { benchmark::DoNotOptimize(take()); }, [&bare] { bare(); }, processSeconds);
 }
 BENCHMARK(namedSurvey)
     ->Arg(200)
@@ -140,14 +210,6 @@ BENCHMARK(namedSurvey)
     ->Arg(3000)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
-
-void readWhole(const std::string &path)
-{
-    static char text[64 << 10];
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    while (read(file, text, sizeof text) == sizeof text && path.starts_with("/proc")) { }
-    close(file);
-}
 
 /// The first look at a process that has a model file mapped.
 void newRunner(benchmark::State &state)
