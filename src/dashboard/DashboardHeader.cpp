@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -18,6 +19,7 @@ using namespace Qt::StringLiterals;
 constexpr double logoSide = 28;
 constexpr double gap = 12; ///< Between the items of the line.
 constexpr double statGap = 18;
+constexpr QStringView noteSeparator = u" · "; ///< Between the name of the chip and the note.
 constexpr TextLine nameLine{0, 18};
 constexpr TextLine chipLine{20, 14};
 constexpr TextLine labelLine{0, 13};
@@ -117,9 +119,10 @@ QWidget *DashboardHeader::lastInTabOrder() const
 
 void DashboardHeader::setNote(const QString &note)
 {
-    if (note == m_note.text)
+    const QString text = note.isEmpty() ? note : noteSeparator.toString() + note;
+    if (text == m_note.text)
         return;
-    m_note.text = note;
+    m_note.text = text;
     layOut();
 }
 
@@ -136,8 +139,11 @@ std::vector<CardText> DashboardHeader::texts() const
 std::vector<AccessibleText> DashboardHeader::accessibleTexts() const
 {
     std::vector<AccessibleText> texts{m_name.accessible(), m_chip.accessible()};
-    if (!m_note.text.isEmpty())
-        texts.push_back(m_note.accessible());
+    if (!m_note.text.isEmpty()) {
+        AccessibleText note = m_note.accessible();
+        note.value.remove(0, noteSeparator.size());
+        texts.push_back(std::move(note));
+    }
     for (const QuickStat &stat : m_stats)
         texts.push_back(stat.value.accessible());
     return texts;

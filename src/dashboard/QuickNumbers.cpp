@@ -98,8 +98,8 @@ QString machineNote(const SystemMetrics &current)
         return {};
     const std::optional<double> watts = current.chip ? current.chip->systemWatts : std::nullopt;
     if (watts && !hasWatts(machine))
-        return u" · "_s + systemWattsText(*watts, machine.systemWattsSource);
-    return tellsCPUAndMemoryAlone(machine) ? u" · no GPU, watts or temperatures to read here"_s
+        return systemWattsText(*watts, machine.systemWattsSource);
+    return tellsCPUAndMemoryAlone(machine) ? u"no GPU, watts or temperatures to read here"_s
                                            : QString();
 }
 

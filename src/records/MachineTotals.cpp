@@ -1,6 +1,7 @@
 #include "records/MachineTotals.h"
 
 #include "records/MachineParts.h"
+#include "records/PowerSources.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,7 +41,7 @@ std::optional<double> load(const GPU &gpu)
     return gpu.metrics ? present(gpu.coverage->load, gpu.metrics->activeFraction) : std::nullopt;
 }
 
-std::optional<double> watts(const GPU &gpu)
+std::optional<double> wattsOfGPU(const GPU &gpu)
 {
     return gpu.metrics ? present(gpu.coverage->watts, gpu.metrics->watts) : std::nullopt;
 }
@@ -102,21 +103,11 @@ PowerParts partsWithCPU(int told, int untold)
     return told == 0 ? PowerParts::cpuOnly : PowerParts::notAllGPUs;
 }
 
-/// The watts of CPU, integrated GPU and NPU; absent where the CPU's are not known.
-std::optional<double> packageWatts(const SystemMetrics &sample)
+/// Of the whole, or of the CPU in it.
+bool tellsPackageWatts(const SystemMetrics &sample)
 {
-    const MachineCoverage &coverage = coverageOf(sample);
-    const ChipReading &chip = *sample.chip;
-    if (const auto whole = present(coverage.packageWatts, chip.packageWatts))
-        return whole;
-    auto sum = cpuWatts(sample);
-    if (!sum)
-        return std::nullopt;
-    for (const GPU &gpu : gpusOf(sample, false))
-        *sum += watts(gpu).value_or(0);
-    if (chip.npu)
-        *sum += present(coverage.npuWatts, chip.npu->watts).value_or(0);
-    return sum;
+    const Coverage coverage = coverageOf(sample).packageWatts;
+    return present(coverage, sample.chip->packageWatts) || cpuWatts(sample);
 }
 
 } // namespace
@@ -190,7 +181,7 @@ GPULoadTotal gpuLoadTotal(const SystemMetrics &sample)
         ++known;
     }
     if (gpus.size() == 1 && gpus.front().metrics) {
-        total.watts = watts(gpus.front());
+        total.watts = wattsOfGPU(gpus.front());
         total.megahertz = gpus.front().metrics->megahertz;
         total.performanceState = gpus.front().metrics->state;
     }
@@ -215,7 +206,7 @@ std::optional<double> gpuWatts(const SystemMetrics &sample)
 {
     std::optional<double> sum;
     for (const GPU &gpu : countedGPUsOf(sample)) {
-        if (const auto ofGPU = watts(gpu))
+        if (const auto ofGPU = wattsOfGPU(gpu))
             sum = sum.value_or(0) + *ofGPU;
     }
     return sum;
@@ -234,23 +225,23 @@ PowerTotal powerTotal(const SystemMetrics &sample)
     if (!hasWatts(coverageOf(sample)))
         return {};
     PowerTotal total{.state = FigureState::unreadable};
-    const auto package = packageWatts(sample);
-    total.watts = package.value_or(0);
+    const auto watts = wattsOfSources(sample);
+    if (!watts)
+        return total;
+    const bool package = tellsPackageWatts(sample);
     int told = 0;
     int untold = 0;
-    const auto addGPUs = [&](bool cards) {
-        for (const GPU &gpu : gpusOf(sample, cards)) {
-            const auto ofGPU = watts(gpu);
-            total.watts += ofGPU.value_or(0);
-            ++(ofGPU ? told : untold);
-        }
+    const auto countGPUs = [&](bool cards) {
+        for (const GPU &gpu : gpusOf(sample, cards))
+            ++(wattsOfGPU(gpu) ? told : untold);
     };
-    addGPUs(true);
+    countGPUs(true);
     if (!package)
-        addGPUs(false); // Else they are part of the package.
+        countGPUs(false); // Else they are part of the package.
     if (!package && told == 0)
         return total;
     total.state = FigureState::known;
+    total.watts = *watts;
     total.parts = package ? partsWithCPU(told, untold) : partsOfGPUs(told);
     return total;
 }

@@ -96,4 +96,17 @@ std::optional<double> wattsOf(PowerSource source, const SystemMetrics &sample,
     return sample.chip->packageWatts;
 }
 
+std::optional<double> wattsOfSources(const SystemMetrics &sample)
+{
+    if (!sample.chip)
+        return std::nullopt;
+    const MachineCoverage &machine = coverageOf(sample);
+    std::optional<double> sum;
+    for (const PowerSource source : powerSources(machine)) {
+        if (const auto watts = wattsOf(source, sample, machine))
+            sum = sum.value_or(0) + *watts;
+    }
+    return sum;
+}
+
 } // namespace corvane

@@ -32,4 +32,8 @@ bool gpusAreOnPackage(const MachineCoverage &machine);
 std::optional<double> wattsOf(PowerSource source, const SystemMetrics &sample,
                               const MachineCoverage &machine);
 
+/// The watts of all sources together, by what the machine told in that sample; absent where none
+/// was known.
+std::optional<double> wattsOfSources(const SystemMetrics &sample);
+
 } // namespace corvane

@@ -496,7 +496,7 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
                .rows = {u"Memory: 272.8 MB / 23.54 GB, 1 %"_s, u"CPU: 25 %, 2.60 GHz nominal"_s,
                         u"Swap: off"_s},
                .dashboard = {
-                   u"Corvane; Chip: Chip; Note:  · no GPU, watts or temperatures to read here; Memory: 1%; CPU: 25%"_s,
+                   u"Corvane; Chip: Chip; Note: no GPU, watts or temperatures to read here; Memory: 1%; CPU: 25%"_s,
                    u"Memory; Memory used in percent: 1; Used: 272.8 MB; Total: 23.54 GB; Swap: off; Memory pressure: NORMAL; App: 272.8 MB; Wired: 133.4 MB; Compressed: 0 MB; Cached: 1.09 GB"_s,
                    u"CPU; Load: 25%; Frequency: 2.60 GHz nominal"_s}};
 }

@@ -1,6 +1,7 @@
 #include "devices/PowerParts.h"
 
 #include "gallery/ScriptedMachines.h"
+#include "records/MachineTotals.h"
 
 #include <QTest>
 
@@ -43,6 +44,8 @@ class TestPowerParts : public QObject {
 private slots:
     void areThoseOfTheMachine_data();
     void areThoseOfTheMachine();
+    void addUpToTheLabelsNumber_data();
+    void addUpToTheLabelsNumber();
     void ofTheHistoryFileHaveNoZeros();
     void nameTheSourceOfTheWholeMachine();
 };
@@ -104,6 +107,23 @@ void TestPowerParts::areThoseOfTheMachine()
 {
     QFETCH(SystemMetrics, sample);
     QTEST(told(sample), "expected");
+}
+
+/// The label and the card show one sum.
+void TestPowerParts::addUpToTheLabelsNumber_data()
+{
+    areThoseOfTheMachine_data();
+}
+
+void TestPowerParts::addUpToTheLabelsNumber()
+{
+    QFETCH(SystemMetrics, sample);
+    const MachineCoverage &machine = coverageOf(sample);
+    const PowerTotal total = powerTotal(sample);
+    if (machine.isWhole || total.state != FigureState::known)
+        return;
+    const auto values = powerValues(powerParts(machine), sample, machine);
+    QCOMPARE(totalWatts(values), std::optional(total.watts));
 }
 
 /// The file does not tell an absent value from a 0.
