@@ -42,13 +42,6 @@ QRectF markOf(const LabelPosition &position)
     return {markStart + share * (markEnd - width - markStart), markTop, width, markHeight};
 }
 
-void paintPlate(QPainter &painter, double width, double height)
-{
-    const QRectF plate(0, 0, width, height);
-    fillRounded(painter, plate, plateRadius, Theme::plate);
-    strokeRounded(painter, plate, plateRadius, Theme::plateStroke, borderWidth);
-}
-
 /// From 100 W on the unit is left out, which would make the digits too small to read.
 QString squareText(const QString &text)
 {
@@ -90,16 +83,18 @@ QImage emptySquare(LabelPosition position, const QColor &color, int pixels)
     QPainter painter(&square);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(pixels / side, pixels / side);
-    paintPlate(painter, side, side);
+    const QRectF plate(0, 0, side, side);
+    fillRounded(painter, plate, plateRadius, Theme::plate);
+    strokeRounded(painter, plate, plateRadius, Theme::plateStroke, borderWidth);
     fillRounded(painter, markOf(position), 1, color);
     return square;
 }
 
 /// Lengths of the wide picture, in units of an 18th of its height.
 constexpr double wideHeight = 18;
-constexpr double widePadding = 5;
+constexpr double widePadding = 6;
 constexpr double wideGap = 5;
-constexpr double wideNumberSize = 12;
+constexpr double wideNumberSize = 11;
 
 /// Room for two digits, and for the unit of watts.
 double leastWidth(const LabelNumber &number, const QFont &font)
@@ -128,7 +123,7 @@ QIcon trayIcon(const LabelNumber &number, LabelPosition position)
 QImage widePicture(const LabelNumbers &numbers, int pixels)
 {
     const double scale = pixels / wideHeight;
-    QFont font = Theme::systemFont(1, QFont::Bold);
+    QFont font = Theme::systemFont(1, QFont::DemiBold);
     font.setPixelSize(qRound(wideNumberSize * scale));
     std::vector<double> widths;
     for (const LabelNumber &number : numbers)
@@ -141,7 +136,8 @@ QImage widePicture(const LabelNumbers &numbers, int pixels)
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(scale, scale);
-    paintPlate(painter, picture.width() / scale, wideHeight);
+    // Without an outline, so that a dark bar hides the plate.
+    fillRounded(painter, {0, 0, picture.width() / scale, wideHeight}, plateRadius, Theme::plate);
     painter.resetTransform();
 
     const double baseline = (pixels + QFontMetricsF(font).capHeight()) / 2;
