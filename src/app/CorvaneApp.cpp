@@ -25,10 +25,12 @@
 #include <QApplication>
 #include <QMenuBar>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -62,6 +64,17 @@ void printLine(std::FILE *file, const QString &text)
     std::fputs((text + u'\n').toLocal8Bit().constData(), file);
 }
 
+/// By what went wrong with standard output, if anything did. A reader may leave.
+int statusOfOutput(std::error_code error)
+{
+    if (!error || error == std::errc::broken_pipe)
+        return EXIT_SUCCESS;
+    printLine(stderr,
+              u"Corvane: Standard output cannot be written: %1."_s.arg(
+                  QString::fromLocal8Bit(error.message())));
+    return EXIT_FAILURE;
+}
+
 /// Prints samples until standard output closes or all is printed.
 int printFigures(FiguresForm form)
 {
@@ -71,12 +84,7 @@ int printFigures(FiguresForm form)
     QObject::connect(&output, &FiguresOutput::finished, QCoreApplication::instance(),
                      &QCoreApplication::quit, Qt::QueuedConnection);
     QCoreApplication::exec();
-    if (!output.error())
-        return EXIT_SUCCESS;
-    printLine(stderr,
-              u"Corvane: Standard output cannot be written: %1."_s.arg(
-                  QString::fromLocal8Bit(output.error().message())));
-    return EXIT_FAILURE;
+    return statusOfOutput(output.error());
 }
 
 /// The exit status of a start that shows no window; absent for one that does.
@@ -97,7 +105,9 @@ std::optional<int> statusWithoutWindows(const CommandLine &line, bool hasOutput,
     printLine(stdout,
               line.asksForHelp ? helpText().trimmed()
                                : u"Corvane "_s + QCoreApplication::applicationVersion());
-    return EXIT_SUCCESS;
+    const bool isWritten = std::fflush(stdout) == 0;
+    return statusOfOutput(isWritten ? std::error_code()
+                                    : std::error_code(errno, std::generic_category()));
 }
 
 /// The exit status of a start that is not the first; absent for the first.

@@ -65,8 +65,7 @@ void LineOutput::writeOn()
 void LineOutput::close(int reason)
 {
     m_isClosed = true;
-    if (reason != EPIPE)
-        m_error = {reason, std::generic_category()};
+    m_error = {reason, std::generic_category()};
     m_current.clear();
     m_next.clear();
     m_writable.setEnabled(false);

@@ -24,7 +24,7 @@ public:
     /// Whether nothing is left to write.
     bool isIdle() const { return m_current.isEmpty(); }
 
-    /// Why the file took no more, such as a full disk; no error if its reader is merely gone.
+    /// Why it is closed: the reader is gone (a broken pipe), or the disk is full.
     std::error_code error() const { return m_error; }
 
 signals:

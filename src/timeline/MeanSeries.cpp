@@ -1,6 +1,7 @@
 #include "timeline/MeanSeries.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace corvane {
 
@@ -11,9 +12,9 @@ MeanSeries::MeanSeries(double seconds, std::size_t most) : m_seconds(seconds), m
 
 void MeanSeries::insert(const MeanRecord &record, double now)
 {
-    const auto place = std::ranges::lower_bound(m_records, record.start, {}, &MeanRecord::start);
-    if (place != m_records.end() && place->start == record.start)
-        *place = merged(*place, record);
+    const auto place = std::ranges::upper_bound(m_records, record.start, {}, &MeanRecord::start);
+    if (place != m_records.begin() && std::prev(place)->end() > record.start)
+        *std::prev(place) = merged(*std::prev(place), record);
     else
         m_records.insert(place, record);
     dropOutside(now);

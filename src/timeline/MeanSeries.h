@@ -16,7 +16,7 @@ public:
 
     const std::vector<MeanRecord> &records() const { return m_records; }
 
-    /// In its place by time; one with the start of another is merged with it. A record that begins
+    /// In its place by time; one that begins within another is merged with it. A record that begins
     /// more than a day after `now`, when the clock was wrong, is dropped, like those too old.
     void insert(const MeanRecord &record, double now);
 

@@ -609,6 +609,9 @@ void TestRunningProgram::answersWithoutADisplay_data()
     QTest::newRow("figures for a full disk")
         << u"--json=stream >/dev/full"_s << 1 << QByteArray()
         << QByteArray("Corvane: Standard output cannot be written: No space left on device.\n");
+    QTest::newRow("help for a full disk")
+        << u"--help >/dev/full"_s << 1 << QByteArray()
+        << QByteArray("Corvane: Standard output cannot be written: No space left on device.\n");
     QTest::newRow("an unknown option")
         << u"--jsno"_s << 2 << QByteArray() << QByteArray("Corvane: Unknown option 'jsno'.\n");
 }

@@ -108,7 +108,7 @@ void TestLineOutput::endsWithItsReader()
     pipe.output->send("one\n");
     pipe.output->send("two\n");
     QCOMPARE(closed.count(), 1);
-    QVERIFY(!pipe.output->error());
+    QVERIFY(pipe.output->error() == std::errc::broken_pipe);
 }
 
 void TestLineOutput::endsWithItsReaderInTheMiddleOfALine()

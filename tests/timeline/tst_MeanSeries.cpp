@@ -29,6 +29,7 @@ class TestMeanSeries : public QObject {
 private slots:
     void keepsTheOrderOfTime();
     void mergesWhatBeganAtTheSameTime();
+    void mergesWhatBeganWithinALongerSpan();
     void dropsWhatIsOld();
     void dropsTheOldestOfTooMany();
     void keepsWhatAClockThatWasSetBackHasLeft_data();
@@ -51,6 +52,20 @@ void TestMeanSeries::mergesWhatBeganAtTheSameTime()
     series.insert(record(10, 4), 10);
     QCOMPARE(starts(series), QList<double>{10});
     QCOMPARE(series.records().front().means[0], (Mean{3, 2, 4, 2}));
+}
+
+/// Minutes stand for the short spans before a start; the clock may be set back into one.
+void TestMeanSeries::mergesWhatBeganWithinALongerSpan()
+{
+    MeanSeries series(1000, 10);
+    MeanRecord minute = record(0, 2);
+    minute.seconds = 60;
+    series.insert(minute, 60);
+    series.insert(record(60), 60);
+    series.insert(record(50, 4), 50);
+    QCOMPARE(starts(series), (QList<double>{0, 60}));
+    QCOMPARE(series.records().front().means[0], (Mean{3, 2, 4, 2}));
+    QCOMPARE(series.records().front().end(), 60.0);
 }
 
 void TestMeanSeries::dropsWhatIsOld()
