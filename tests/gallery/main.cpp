@@ -345,6 +345,16 @@ bool cards(const Gallery &gallery)
         card->show(scriptedWorkloads());
         return card;
     });
+    good &= saveCard(gallery, u"card-processes-vram"_s, tall, [](QWidget *parent) {
+        auto *card = new ProcessCard(parent);
+        card->setGPUMemoryLabel(u"VRAM"_s);
+        std::vector<ProcessRow> processes = scriptedProcesses();
+        processes[0].gpuMemory = gibibytes(19.42);
+        processes[2].gpuMemory = gibibytes(1.02);
+        processes[3].gpuMemory = gibibytes(0.21);
+        card->show(processes, gibibytes(64));
+        return card;
+    });
     return saveCard(gallery, u"card-processes"_s, tall,
                     [](QWidget *parent) {
                         auto *card = new ProcessCard(parent);

@@ -11,6 +11,8 @@ using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
+Q_DECLARE_METATYPE(std::optional<std::uint64_t>)
+
 namespace {
 
 constexpr std::uint64_t gib = std::uint64_t(1) << 30;
@@ -23,6 +25,13 @@ struct Shown : ShownCard<ProcessCard> {
 /// Columns of the bar, in the card: behind the name and before the bytes and the share.
 constexpr double barLeft = 16 + 130 + 10;
 constexpr double barEnd = 617 - 16 - 38 - 10 - 60 - 10;
+constexpr double gpuColumn = 84 + 10; ///< Takes the end of the bar.
+
+bool isGreen(const QImage &image, double x)
+{
+    const QColor color = pixelAt(image, x, 46 + 10);
+    return color.green() > 2 * color.red();
+}
 
 } // namespace
 
@@ -37,6 +46,9 @@ private slots:
     void showsSharesOfNoMemoryAsZero();
     void fillsBarsRelativeToTheLargest_data();
     void fillsBarsRelativeToTheLargest();
+    void hasAColumnForGPUMemoryWhereItIsTold_data();
+    void hasAColumnForGPUMemoryWhereItIsTold();
+    void keepsTheColumnWhileThereIsACard();
     void repaintsOnlyChangedRows();
     void leavesNoStalePixels_data();
     void leavesNoStalePixels();
@@ -127,6 +139,48 @@ void TestProcessCard::fillsBarsRelativeToTheLargest()
                 || pixelAt(image, barLeft + 5, middle - 4).green()
                     < 1.5 * pixelAt(image, barLeft + 5, middle - 4).red());
     }
+}
+
+void TestProcessCard::hasAColumnForGPUMemoryWhereItIsTold_data()
+{
+    using Bytes = std::optional<std::uint64_t>;
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<Bytes>("told");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("hasColumn");
+    QTest::newRow("a process on a card")
+        << u"VRAM"_s << Bytes(6 * gib) << u"8 GB, 12.5%, 6 GB VRAM"_s << true;
+    QTest::newRow("a true zero") << u"VRAM"_s << Bytes(0) << u"8 GB, 12.5%, 0 MB VRAM"_s << true;
+    QTest::newRow("a card that no process is known to use")
+        << u"VRAM"_s << Bytes() << u"8 GB, 12.5%"_s << false;
+    QTest::newRow("a machine without a card")
+        << QString() << Bytes(6 * gib) << u"8 GB, 12.5%"_s << false;
+}
+
+void TestProcessCard::hasAColumnForGPUMemoryWhereItIsTold()
+{
+    QFETCH(QString, label);
+    QFETCH(std::optional<std::uint64_t>, told);
+    QFETCH(bool, hasColumn);
+    Shown shown;
+    shown.card.setGPUMemoryLabel(label);
+    shown.card.show({{1, u"a"_s, 8 * gib, told}, {2, u"b"_s, gib}}, 64 * gib);
+    QTEST(shown.row(0).value, "value");
+    QCOMPARE(shown.row(1).value, u"1 GB, 1.6%"_s);
+    const QImage image = rendered(shown.card, 1);
+    QVERIFY(isGreen(image, barEnd - gpuColumn - 5));
+    QCOMPARE(isGreen(image, barEnd - gpuColumn + 5), !hasColumn);
+}
+
+void TestProcessCard::keepsTheColumnWhileThereIsACard()
+{
+    Shown shown;
+    shown.card.setGPUMemoryLabel(u"VRAM"_s);
+    shown.card.show({{1, u"a"_s, 8 * gib, gib}}, 64 * gib);
+    shown.card.show({{1, u"a"_s, 8 * gib}}, 64 * gib);
+    QVERIFY(!isGreen(rendered(shown.card, 1), barEnd - gpuColumn + 5));
+    shown.card.setGPUMemoryLabel(QString());
+    QVERIFY(isGreen(rendered(shown.card, 1), barEnd - gpuColumn + 5));
 }
 
 void TestProcessCard::repaintsOnlyChangedRows()
