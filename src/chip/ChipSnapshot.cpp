@@ -176,10 +176,10 @@ ChipReading chipReading(const ChipSnapshot &from, const ChipSnapshot &to,
     const CPULoad cpu = cpuLoad(from.cpu, to.cpu, clusters);
     const ChipWatts watts = chipWatts(from, to);
     ChipReading reading = {.cpuWatts = watts.cpu.value_or(0),
-                           .cpuActiveFraction = cpu.activeFraction,
+                           .cpuActiveFraction = cpu.activeFraction.value_or(0),
                            .cpuActiveMHz = cpu.activeMHz,
                            .packageWatts = watts.package};
-    reading.denied.cpuLoad = from.cpu.ticks.empty() || to.cpu.ticks.empty();
+    reading.denied.cpuLoad = !cpu.activeFraction;
     reading.denied.cpuWatts = !watts.cpu;
     setGPUs(reading, from, to, watts.graphics);
     setTemperatures(reading, temperatures(to));

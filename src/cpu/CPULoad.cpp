@@ -134,7 +134,7 @@ CPULoad cpuLoad(const CPUSnapshot &from, const CPUSnapshot &to,
     std::iota(cpus.begin(), cpus.end(), 0);
     const Activity all = activityOf(cpus, from, to);
     const double total = all.active + all.idle;
-    return {.activeFraction = total > 0 ? 1 - all.idle / total : 0,
+    return {.activeFraction = total > 0 ? std::optional(1 - all.idle / total) : std::nullopt,
             .activeMHz = frequency.megahertz()};
 }
 

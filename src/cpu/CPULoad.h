@@ -17,12 +17,13 @@ struct CPUSnapshot {
 
 /// Load of all CPUs between two snapshots.
 struct CPULoad {
-    double activeFraction = 0; ///< 0…1, mean over the CPUs by the time that each of them counted.
-    double activeMHz = 0;      ///< Mean frequency of the active time; 0 when unknown.
+    /// 0…1, mean over the CPUs by the time that each of them counted; absent when none did.
+    std::optional<double> activeFraction = {};
+    double activeMHz = 0; ///< Mean frequency of the active time; 0 when unknown.
 };
 
-/// Both 0 when one of the snapshots has no ticks. Time at an unknown frequency counts for the load
-/// alone.
+/// Both unknown when one of the snapshots has no ticks. Time at an unknown frequency counts for the
+/// load alone.
 CPULoad cpuLoad(const CPUSnapshot &from, const CPUSnapshot &to,
                 const std::vector<CPUCluster> &clusters);
 

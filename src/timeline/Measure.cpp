@@ -45,7 +45,8 @@ void setGPUs(Measures &measures, const SystemMetrics &sample, const MachineCover
 void setOfMachine(Measures &measures, const SystemMetrics &sample, const MachineCoverage &machine)
 {
     const ChipReading &chip = *sample.chip;
-    measures[indexOf(Measure::cpuLoad)] = chip.cpuActiveFraction * 100;
+    measures[indexOf(Measure::cpuLoad)] =
+        unlessDenied(chip.cpuActiveFraction * 100, chip.denied.cpuLoad);
     measures[indexOf(Measure::npuLoad)] =
         chip.npu ? percent(chip.npu->activeFraction) : std::nullopt;
     if (!machine.gpus.empty())

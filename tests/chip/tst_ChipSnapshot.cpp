@@ -80,6 +80,10 @@ void TestChipSnapshot::readsCPUs()
                     {.cpu = {.ticks = {{.user = 25, .idle = 75}}, .clusters = {{}}}}, clusters);
     QCOMPARE(reading.cpuActiveFraction, 0.25);
     QCOMPARE(reading.cpuActiveMHz, 3600.0);
+    QVERIFY(!reading.denied.cpuLoad);
+    // The first sample can come before the first tick of the counters.
+    const ChipSnapshot start{.cpu = {.ticks = {{}}, .clusters = {{}}}};
+    QVERIFY(chipReading(start, start, clusters).denied.cpuLoad);
 }
 
 void TestChipSnapshot::combinesTheLoadOfGPUs_data()

@@ -99,6 +99,10 @@ void TestMeasure::deniedIsAbsent()
     QCOMPARE(of(measures, Measure::cpuLoad), Value());
     QCOMPARE(of(measures, Measure::gpuWatts), Value());
     QCOMPARE(of(measures, Measure::totalWatts), Value(3.5));
+
+    SystemMetrics ofACard = cardMachine();
+    ofACard.chip->denied.cpuLoad = true;
+    QCOMPARE(of(measuresOf(ofACard, coverageOf(ofACard)), Measure::cpuLoad), Value());
 }
 
 void TestMeasure::nothingIsKnownOfAnAbsentReading()
