@@ -125,10 +125,11 @@ std::optional<int> statusOfLaterStart(const SingleInstance &instance)
     return EXIT_FAILURE;
 }
 
-/// Libraries hang without threads, even where they end: the process exits here.
-[[noreturn]] void endWithoutThreads()
+/// Libraries hang without threads and abort without files, even where they end: the process exits
+/// here.
+[[noreturn]] void endWithout(const char *what)
 {
-    std::fputs("Corvane cannot start: the system allows it no more threads.\n", stderr);
+    std::fprintf(stderr, "Corvane cannot start: the system allows it no more %s.\n", what);
     std::_Exit(EXIT_FAILURE);
 }
 
@@ -360,7 +361,7 @@ int run(int argc, char **argv)
     openStandardDescriptors();
     dropRelativeFolders();
     ignoreWriteSignals();
-    raiseDescriptorLimit();
+    const bool hasFiles = raiseDescriptorLimit();
     shareOneHeap();
     nameProgram();
     const CommandLine line = parsedCommandLine(words(argc, argv));
@@ -372,12 +373,14 @@ int run(int argc, char **argv)
     if (const auto status = statusOfLaterStart(instance))
         return *status;
 
+    if (!hasFiles)
+        endWithout("open files");
     if (!prepareDesktopSession() || !canStartThread())
-        endWithoutThreads();
+        endWithout("threads");
     const auto application = makeApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     if (!startPaintingThread())
-        endWithoutThreads();
+        endWithout("threads");
     const QuitSignals quitSignals;
     CorvaneApp corvane(line.isBackground);
     const InstanceSocket socket(instance.socketPath());

@@ -75,14 +75,16 @@ void ignoreWriteSignals()
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-void raiseDescriptorLimit()
+bool raiseDescriptorLimit()
 {
     assertMainThread();
+    constexpr rlim_t leastFiles = 32; // A start needs some 20.
     rlimit limit = {};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
-        return;
+        return true;
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_NOFILE, &limit);
+    return limit.rlim_max >= leastFiles;
 }
 
 } // namespace corvane

@@ -19,7 +19,8 @@ void dropRelativeFolders();
 void ignoreWriteSignals();
 
 /// Raises the number of descriptors that may be open to the most that the system allows this
-/// process. A library that opens many, for a graphics driver or fonts, then leaves some over.
-void raiseDescriptorLimit();
+/// process. A library that opens many, for a graphics driver or fonts, then leaves some over. False
+/// where even that is too few to start with: a library would abort the process.
+bool raiseDescriptorLimit();
 
 } // namespace corvane

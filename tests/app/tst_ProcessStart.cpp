@@ -50,6 +50,8 @@ private slots:
     void writesToBrokenPipesFail();
     void writesBeyondTheLargestFileFail();
     void raisesTheDescriptorLimit();
+    void noticesALimitThatIsTooLow_data();
+    void noticesALimitThatIsTooLow();
 };
 
 void TestProcessStart::opensClosedStandardDescriptors_data()
@@ -169,11 +171,31 @@ void TestProcessStart::raisesTheDescriptorLimit()
         getrlimit(RLIMIT_NOFILE, &limit);
         limit.rlim_cur = 64;
         setrlimit(RLIMIT_NOFILE, &limit);
-        raiseDescriptorLimit();
+        const bool isEnough = raiseDescriptorLimit();
         getrlimit(RLIMIT_NOFILE, &limit);
-        return limit.rlim_cur == limit.rlim_max && limit.rlim_max > 64 ? 0 : 1;
+        return isEnough && limit.rlim_cur == limit.rlim_max && limit.rlim_max > 64 ? 0 : 1;
     });
     QCOMPARE(status, 0);
+}
+
+void TestProcessStart::noticesALimitThatIsTooLow_data()
+{
+    QTest::addColumn<int>("most");
+    QTest::addColumn<bool>("isEnough");
+    QTest::newRow("31") << 31 << false;
+    QTest::newRow("32") << 32 << true;
+}
+
+void TestProcessStart::noticesALimitThatIsTooLow()
+{
+    QFETCH(const int, most);
+    QFETCH(const bool, isEnough);
+    const int status = statusOfChild([most] {
+        const rlimit limit{static_cast<rlim_t>(most), static_cast<rlim_t>(most)};
+        setrlimit(RLIMIT_NOFILE, &limit);
+        return raiseDescriptorLimit() ? 1 : 0;
+    });
+    QCOMPARE(status, isEnough ? 1 : 0);
 }
 
 QTEST_GUILESS_MAIN(TestProcessStart)

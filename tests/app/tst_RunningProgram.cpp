@@ -59,6 +59,7 @@ private slots:
     void runsWithLimits_data();
     void runsWithLimits();
     void endsInOneLineWithoutThreads();
+    void endsInOneLineWithoutDescriptors();
     void runsOrEndsInOneLineWithFewThreads_data();
     void runsOrEndsInOneLineWithFewThreads();
     void runsWithoutRuntimeAndTemporaryFolders();
@@ -293,6 +294,19 @@ void TestRunningProgram::endsInOneLineWithoutThreads()
                         u"inject=clone,clone3:error=EAGAIN"_s, programFile()});
     QCOMPARE(corvane.exitStatus(), 1);
     QCOMPARE(corvane.errors(), "Corvane cannot start: the system allows it no more threads.\n"_ba);
+}
+
+void TestRunningProgram::endsInOneLineWithoutDescriptors()
+{
+    if (*CORVANE_SANITIZERS)
+        QSKIP("Sanitizers need descriptors to look at memory.");
+    for (const int most : {6, 8}) {
+        ProgramRun corvane(m_session->environment, u"sh"_s,
+                           {u"-c"_s, u"ulimit -n %1; exec \"$0\""_s.arg(most), programFile()});
+        QCOMPARE(corvane.exitStatus(), 1);
+        QCOMPARE(corvane.errors(),
+                 "Corvane cannot start: the system allows it no more open files.\n"_ba);
+    }
 }
 
 void TestRunningProgram::runsOrEndsInOneLineWithFewThreads_data()
