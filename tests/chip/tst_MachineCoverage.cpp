@@ -79,6 +79,8 @@ private slots:
     void aDriverThatNeverAnswersDelaysNothing_data();
     void aDriverThatNeverAnswersDelaysNothing();
     void aLateSensorLeavesThePowerAsItWas();
+    void oneSensorOfTheChipIsEnough_data();
+    void oneSensorOfTheChipIsEnough();
 };
 
 void TestMachineCoverage::ofMachines_data()
@@ -328,6 +330,25 @@ void TestMachineCoverage::aLateSensorLeavesThePowerAsItWas()
         QCOMPARE(chip()->cpuWatts, 30.0);
     QVERIFY(chip()->denied.cpuWatts);
     test::FaultyCalls::clear();
+}
+
+void TestMachineCoverage::oneSensorOfTheChipIsEnough_data()
+{
+    QTest::addColumn<std::string>("label");
+    QTest::newRow("of a core") << std::string("Core 0\n");
+    QTest::newRow("of the package") << std::string("Package id 0\n");
+}
+
+void TestMachineCoverage::oneSensorOfTheChipIsEnough()
+{
+    QFETCH(const std::string, label);
+    const MachineTree tree;
+    tree.write("sys/class/hwmon/hwmon0/name", "coretemp\n");
+    tree.write("sys/class/hwmon/hwmon0/temp1_label", label);
+    tree.write("sys/class/hwmon/hwmon0/temp1_input", "50000\n");
+    const ChipReading reading = openChipSourceBelow(tree.root())().value();
+    QVERIFY(reading.cpuTempC.has_value() != reading.packageTempC.has_value());
+    QCOMPARE(reading.coverage->cpuTemperature, Coverage::known);
 }
 
 QTEST_GUILESS_MAIN(TestMachineCoverage)
