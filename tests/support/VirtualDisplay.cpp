@@ -18,10 +18,11 @@ QStringList searchFor(const QString &title)
 
 bool VirtualDisplay::start()
 {
-    // The server chooses a free number and prints it when it is ready.
+    // The server chooses a free number and prints it when it is ready. It must not start anew when
+    // its last client leaves: a look at its windows may end while the program connects.
     m_server.start(u"Xvfb"_s,
-                   {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s, u"0"_s,
-                    u"1280x960x24"_s});
+                   {u"-displayfd"_s, u"1"_s, u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s,
+                    u"0"_s, u"1280x960x24"_s});
     QByteArray number;
     while (!number.endsWith('\n') && m_server.waitForReadyRead(60'000))
         number += m_server.readAllStandardOutput();
