@@ -230,6 +230,7 @@ private slots:
     void keysOpenTheAboutPanel();
     void keysOpenTheSettings();
     void theSwitchCreatesTheLoginEntry();
+    void reportsNoQuestionForAPartThatHasGone();
     void quits();
 
 private:
@@ -479,6 +480,15 @@ void TestDesktop::theSwitchCreatesTheLoginEntry()
     QVERIFY(!QFile::exists(entry));
     press(u"Escape"_s);
     WAIT_FOR(activeWindow() == dashboardTitle);
+}
+
+/// Seen in the errors at the end.
+void TestDesktop::reportsNoQuestionForAPartThatHasGone()
+{
+    const auto program = m_program.reader().program(u"Corvane"_s);
+    QVERIFY(program);
+    const Object gone = {program->program, u"/org/a11y/atspi/accessible/2147400000"_s};
+    QCOMPARE(m_program.reader().name(gone), QString());
 }
 
 void TestDesktop::quits()

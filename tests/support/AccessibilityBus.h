@@ -44,9 +44,6 @@ public:
 
     /// The object that received the keyboard focus last; absent before the first.
     const std::optional<Object> &focused() const { return m_focused; }
-    /// To be called when the object disappears: Qt logs a warning when a deleted object is
-    /// requested.
-    void forgetFocus() { m_focused.reset(); }
 
     /// The window that contains the object.
     Object window(const Object &object) const;
