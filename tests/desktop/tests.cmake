@@ -16,6 +16,7 @@ foreach(name Desktop WaylandSession)
   endif()
 endforeach()
 if(TARGET tst_Desktop)
+  set_tests_properties(desktop/Desktop PROPERTIES RUN_SERIAL ON) # It waits for pictures and rows by the clock.
   target_sources(tst_Desktop PRIVATE models/ModelTree.cpp processes/LiveProcess.cpp)
   add_dependencies(tst_Desktop stand_in)
   target_compile_definitions(tst_Desktop PRIVATE STAND_IN="$<TARGET_FILE:stand_in>")
