@@ -53,8 +53,8 @@ std::vector<AccessibleText> PanelHeader::accessibleTexts() const
 
 std::vector<CardText> PanelHeader::texts() const
 {
-    const QFont nameFont = Theme::systemFont(13, QFont::DemiBold);
-    const QFont chipFont = Theme::systemFont(10);
+    static const QFont nameFont = Theme::systemFont(13, QFont::DemiBold);
+    static const QFont chipFont = Theme::systemFont(10);
     const double nameBaseline = nameLine.baseline(nameFont);
     const double chipBaseline = chipLine.baseline(chipFont);
     const auto right = static_cast<double>(width());

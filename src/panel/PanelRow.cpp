@@ -39,9 +39,9 @@ std::vector<AccessibleText> PanelRow::accessibleTexts() const
 
 std::vector<CardText> PanelRow::texts() const
 {
-    const QFont titleFont = Theme::systemFont(12, QFont::Medium);
-    const QFont valueFont = Theme::systemFont(12, QFont::DemiBold);
-    const QFont detailFont = Theme::systemFont(10);
+    static const QFont titleFont = Theme::systemFont(12, QFont::Medium);
+    static const QFont valueFont = Theme::systemFont(12, QFont::DemiBold);
+    static const QFont detailFont = Theme::systemFont(10);
     const double baseline = valueLine.baseline(valueFont);
     const auto right = static_cast<double>(width());
     return {{.text = m_row.title,
