@@ -45,7 +45,6 @@ struct GPUWatch::Devices {
     std::shared_ptr<GPUHandOver> handOver;
     std::vector<GPUDevice> gpus = {};       ///< Whose drivers publish files.
     std::unique_ptr<Reader> reader = {};    ///< Null where there is nothing to read.
-    bool hasAsked = false;                  ///< Whether the reader was asked for anything yet.
     std::vector<GPUCoverage> coverage = {}; ///< Of `gpus`.
     /// Of `gpus`, as published; null until it is known.
     std::shared_ptr<const std::vector<GPUAccess>> access = {};
@@ -98,7 +97,6 @@ void GPUWatch::Devices::setReader(bool isNeeded)
             return files->read(now);
         };
     });
-    hasAsked = false;
 }
 
 /// Their driver hangs.
@@ -129,7 +127,7 @@ std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
 {
     if (!reader)
         return {};
-    reader->request(now, std::exchange(hasAsked, true) ? patience.later : patience.first);
+    reader->request(now, patience);
     auto newest = reader->newest(now);
     if (!newest) {
         if (npu)

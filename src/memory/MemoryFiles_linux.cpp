@@ -113,7 +113,7 @@ void MemoryFiles::requestWhenDue(double now)
     if (m_readsUntilRequest-- > 0)
         return;
     m_readsUntilRequest = readsPerRequest - 1;
-    m_slow.request(now, std::exchange(m_hasAsked, true) ? m_patience.later : m_patience.first);
+    m_slow.request(now, m_patience);
 }
 
 } // namespace corvane

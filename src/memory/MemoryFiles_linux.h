@@ -44,7 +44,6 @@ private:
     ReaderPatience m_patience;
     BackgroundReader<SlowTexts> m_slow;
     int m_readsUntilRequest = 0;
-    bool m_hasAsked = false;
     OneThread m_thread = {};
 };
 

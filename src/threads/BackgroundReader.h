@@ -70,6 +70,12 @@ public:
             m_mailbox->post(now, patience);
     }
 
+    /// The same, with the patience for the first request or that for a later one.
+    void request(double now, const ReaderPatience &patience)
+    {
+        request(now, std::exchange(m_hasAsked, true) ? patience.later : patience.first);
+    }
+
     std::optional<Value> newest(double now) const
     {
         m_user.check();
@@ -193,6 +199,7 @@ private:
     Open m_open;
     double m_oldest;
     std::thread m_thread = {}; ///< Not joinable until it could be started.
+    bool m_hasAsked = false;
     mutable OneThread m_user = {};
 };
 
