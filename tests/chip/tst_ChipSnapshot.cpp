@@ -68,6 +68,8 @@ private slots:
     void keepsEachGPU();
     void measuresPower_data();
     void measuresPower();
+    void splitsPackagesIntoTheirParts_data();
+    void splitsPackagesIntoTheirParts();
     void averagesTemperatures();
     void anEmptySnapshotHasNoValues();
 };
@@ -241,6 +243,85 @@ void TestChipSnapshot::measuresPower()
     const ChipReading reading = chipReading(from, to, {});
     QTEST(reading.cpuWatts, "cpuWatts");
     QTEST(reading.gpuWatts, "gpuWatts");
+}
+
+/// Counters of two seconds, in the text "CPU 4 GPU 3 package 10" of watts; what is unknown is left
+/// out.
+void TestChipSnapshot::splitsPackagesIntoTheirParts_data()
+{
+    using enum EnergyPart;
+    QTest::addColumn<ChipSnapshot>("to");
+    QTest::addColumn<QString>("expected");
+    const auto counter = [](EnergyPart part, double watts, const std::string &zone = {}) {
+        return PackageEnergyReading{.zone = zone + char('a' + int(part)),
+                                    .microjoules = std::uint64_t(watts * 2e6),
+                                    .part = part};
+    };
+    const auto row = [](const char *name, const std::vector<PackageEnergyReading> &counters,
+                        const std::vector<GPUReading> &gpus, const QString &expected) {
+        QTest::newRow(name) << ChipSnapshot{.seconds = 2, .packages = counters, .gpus = gpus}
+                            << expected;
+    };
+    const std::vector<PackageEnergyReading> whole = {counter(package, 10), counter(cores, 4),
+                                                     counter(graphics, 3)};
+    const std::vector<PackageEnergyReading> two = {
+        counter(package, 10, "1"), counter(cores, 4, "1"), counter(graphics, 3, "1"),
+        counter(package, 20, "2"), counter(cores, 9, "2"), counter(graphics, 5, "2")};
+    row("the cores and the graphics of a package", whole, {integrated()},
+        u"CPU 4 GPU 3 package 10"_s);
+    row("two packages with both parts", two, {integrated()}, u"CPU 13 GPU 8 package 30"_s);
+    row("two packages, of which one tells no cores", {two[0], two[1], two[2], two[3], two[5]},
+        {integrated()}, u"CPU 30"_s);
+    row("two packages, of which one tells no graphics", {two[0], two[1], two[2], two[3], two[4]},
+        {integrated()}, u"CPU 30"_s);
+    row("a package without graphics counts as the CPU", {whole[0], whole[1]}, {integrated()},
+        u"CPU 10"_s);
+    row("a package without cores counts as the CPU", {whole[0], whole[2]}, {integrated()},
+        u"CPU 10"_s);
+    row("parts without their package", {whole[1], whole[2]}, {integrated()}, u""_s);
+    row("the graphics of a package are no card's", whole, {card()}, u"CPU 4 package 10"_s);
+    row("without any GPU", whole, {}, u"CPU 4 package 10"_s);
+    GPUReading second = integrated();
+    second.device = u"second"_s;
+    row("which of two integrated GPUs used the power is unknown", whole, {integrated(), second},
+        u"CPU 4 package 10"_s);
+    row("an integrated GPU beside a card", whole, {card(), integrated()},
+        u"CPU 4 GPU 3 package 10"_s);
+    PackageEnergyReading restarted = whole[1];
+    restarted.zone = "unknown before";
+    row("cores that could not be read before", {whole[0], restarted, whole[2]}, {integrated()},
+        u"CPU 10"_s);
+
+    GPUReading apu = integrated();
+    apu.packageWatts = 18;
+    apu.coreWatts = 6;
+    apu.watts = 7;
+    row("an APU that tells its parts", {}, {apu}, u"CPU 6 GPU 7 package 18"_s);
+    row("an APU's cores beside the counter of its package", {whole[0]}, {apu},
+        u"CPU 6 GPU 7 package 10"_s);
+    GPUReading other = apu;
+    other.device = u"other"_s;
+    row("two APUs", {}, {apu, other}, u"CPU 12 GPU 14 package 36"_s);
+    other.coreWatts.reset();
+    row("two APUs, of which one does not tell its cores", {}, {apu, other}, u"CPU 36 GPU 7"_s);
+}
+
+void TestChipSnapshot::splitsPackagesIntoTheirParts()
+{
+    QFETCH(ChipSnapshot, to);
+    ChipSnapshot from = {.seconds = 0, .packages = to.packages};
+    std::erase_if(from.packages, [](const auto &zone) { return zone.zone == "unknown before"; });
+    for (PackageEnergyReading &counter : from.packages)
+        counter.microjoules = 0;
+    const ChipReading reading = chipReading(from, to, {});
+    QStringList texts;
+    if (!reading.denied.cpuWatts)
+        texts << u"CPU %1"_s.arg(reading.cpuWatts);
+    if (reading.gpuWatts > 0)
+        texts << u"GPU %1"_s.arg(reading.gpuWatts);
+    if (reading.packageWatts)
+        texts << u"package %1"_s.arg(*reading.packageWatts);
+    QTEST(texts.join(u' '), "expected");
 }
 
 void TestChipSnapshot::averagesTemperatures()

@@ -15,6 +15,18 @@ namespace {
 constexpr std::chrono::minutes untilRead(1);
 constexpr std::chrono::milliseconds atOnce(0);
 
+/// The file is one that is read at the start.
+void startsWhileAFileHangs(const MachineTree &tree, const std::string &file)
+{
+    FaultyCalls::stall(Call::read, file);
+    SensorWatch watch(tree.root());
+    QVERIFY(!watch.read(500, {}, atOnce));
+    FaultyCalls::waitForStalled();
+    QVERIFY(!watch.read(501, {}, untilRead));
+    FaultyCalls::letGo();
+    TRY_VERIFY(watch.read(501, {}, untilRead));
+}
+
 } // namespace
 
 /// The files of drivers and sensors, which may never answer.
@@ -30,6 +42,8 @@ private slots:
     void aFileThatHangsDelaysNothing();
     void aFileThatHangsAtTheStartDelaysNothing_data();
     void aFileThatHangsAtTheStartDelaysNothing();
+    void theOnlyDriverOfAMachineDelaysNothing_data();
+    void theOnlyDriverOfAMachineDelaysNothing();
 };
 
 void TestSensorWatch::readsWhatDriversAnswer()
@@ -117,16 +131,26 @@ void TestSensorWatch::aFileThatHangsAtTheStartDelaysNothing()
 {
     QFETCH(const std::string, machine);
     QFETCH(const std::string, file);
-    const MachineTree tree(machine);
-    FaultyCalls::stall(Call::read, file);
-    {
-        SensorWatch watch(tree.root());
-        QVERIFY(!watch.read(500, {}, atOnce));
-        FaultyCalls::waitForStalled();
-        QVERIFY(!watch.read(501, {}, untilRead));
-        FaultyCalls::letGo();
-        TRY_VERIFY(watch.read(501, {}, untilRead));
-    }
+    startsWhileAFileHangs(MachineTree(machine), file);
+}
+
+void TestSensorWatch::theOnlyDriverOfAMachineDelaysNothing_data()
+{
+    QTest::addColumn<std::string>("file");
+    QTest::newRow("frequencies") << std::string(
+        "sys/devices/system/cpu/cpufreq/policy0/related_cpus");
+    QTest::newRow("energy") << std::string("sys/class/powercap/intel-rapl:0/name");
+    QTest::newRow("a monitor") << std::string("sys/class/hwmon/hwmon0/name");
+    QTest::newRow("a thermal zone") << std::string("sys/class/thermal/thermal_zone0/type");
+    QTest::newRow("a battery") << std::string("sys/class/power_supply/BAT0/type");
+}
+
+void TestSensorWatch::theOnlyDriverOfAMachineDelaysNothing()
+{
+    QFETCH(const std::string, file);
+    const MachineTree tree;
+    tree.write(file, "0\n");
+    startsWhileAFileHangs(tree, file);
 }
 
 QTEST_GUILESS_MAIN(TestSensorWatch)

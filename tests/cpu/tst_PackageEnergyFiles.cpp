@@ -19,6 +19,8 @@ class TestPackageEnergyFiles : public QObject {
 
 private slots:
     void readsPackagesAlone();
+    void readsThePartsWhereBothAreCounted_data();
+    void readsThePartsWhereBothAreCounted();
     void hasNoReadingWhereItIsRefused();
     void triesAgainEachMinute();
     void findsADriverThatIsLoadedLater();
@@ -36,6 +38,43 @@ void TestPackageEnergyFiles::readsPackagesAlone()
     QCOMPARE(readings[0].zone, std::string("intel-rapl:0"));
     QCOMPARE(readings[0].microjoules, std::uint64_t(41'000'000'000));
     QCOMPARE(readings[0].range, std::uint64_t(65'532'610'987));
+}
+
+void TestPackageEnergyFiles::readsThePartsWhereBothAreCounted_data()
+{
+    using enum EnergyPart;
+    using Parts = std::vector<EnergyPart>;
+    QTest::addColumn<std::string>("first");
+    QTest::addColumn<std::string>("second");
+    QTest::addColumn<Parts>("expected");
+    const auto row = [](const char *name, const std::string &first, const std::string &second,
+                        const Parts &expected) {
+        QTest::newRow(name) << first << second << expected;
+    };
+    row("cores and graphics", "core\n", "uncore\n", {package, cores, graphics});
+    row("graphics and cores", "uncore\n", "core\n", {package, cores, graphics});
+    row("cores and memory", "core\n", "dram\n", {package});
+    row("memory and graphics", "dram\n", "uncore\n", {package});
+}
+
+void TestPackageEnergyFiles::readsThePartsWhereBothAreCounted()
+{
+    QFETCH(std::string, first);
+    QFETCH(std::string, second);
+    const MachineTree machine;
+    int microjoules = 1;
+    for (const auto &[zone, name] :
+         {std::pair("intel-rapl:0", std::string("package-0\n")), std::pair("intel-rapl:0:0", first),
+          std::pair("intel-rapl:0:1", second)}) {
+        const std::string folder = std::string("sys/class/powercap/") + zone;
+        machine.write(folder + "/name", name);
+        machine.write(folder + "/energy_uj", std::to_string(microjoules++) + '\n');
+    }
+    std::vector<EnergyPart> parts;
+    for (const PackageEnergyReading &reading : PackageEnergyFiles(machine.root()).read())
+        parts.push_back(reading.part);
+    QFETCH(const std::vector<EnergyPart>, expected);
+    QVERIFY(parts == expected);
 }
 
 void TestPackageEnergyFiles::hasNoReadingWhereItIsRefused()
