@@ -297,6 +297,7 @@ void TestChipSnapshot::splitsPackagesIntoTheirParts_data()
     apu.coreWatts = 6;
     apu.watts = 7;
     row("an APU that tells its parts", {}, {apu}, u"CPU 6 GPU 7 package 18"_s);
+    row("the same behind a card", {}, {card(), apu}, u"CPU 6 GPU 7 package 18"_s);
     row("an APU's cores beside the counter of its package", {whole[0]}, {apu},
         u"CPU 6 GPU 7 package 10"_s);
     GPUReading other = apu;

@@ -79,6 +79,7 @@ private slots:
     void aDriverThatNeverAnswersDelaysNothing_data();
     void aDriverThatNeverAnswersDelaysNothing();
     void aLateSensorLeavesThePowerAsItWas();
+    void tellsNothingOfSensorsBeforeTheyAnswer();
     void oneSensorOfTheChipIsEnough_data();
     void oneSensorOfTheChipIsEnough();
 };
@@ -329,6 +330,21 @@ void TestMachineCoverage::aLateSensorLeavesThePowerAsItWas()
     for (now = 502; now < 504; ++now)
         QCOMPARE(chip()->cpuWatts, 30.0);
     QVERIFY(chip()->denied.cpuWatts);
+    test::FaultyCalls::clear();
+}
+
+void TestMachineCoverage::tellsNothingOfSensorsBeforeTheyAnswer()
+{
+    const MachineTree tree("amd-desktop");
+    test::FaultyCalls::stall(test::FaultyCalls::Call::read, "/related_cpus");
+    const ChipReading reading =
+        openChipSourceBelow(tree.root(), [] { return 500.0; }, {}, {})().value();
+    QVERIFY(!reading.cpuTempC && !reading.packageTempC);
+    QCOMPARE(reading.coverage->cpuWatts, Coverage::absent);
+    QCOMPARE(reading.coverage->cpuTemperature, Coverage::absent);
+    QCOMPARE(reading.coverage->cpuFrequency, Coverage::absent);
+    QVERIFY(!reading.coverage->cpuFrequencyIsNominal);
+    QVERIFY(reading.coverage->systemWattsSource.isEmpty());
     test::FaultyCalls::clear();
 }
 

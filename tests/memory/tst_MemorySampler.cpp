@@ -42,7 +42,10 @@ void TestMemorySampler::computes_data()
                                              .purgeable = 30,
                                              .external = 100},
                     .swap = Counters::Swap{.total = 4096, .used = 1024},
-                    .pressureLevel = 1}
+                    .pressureLevel = 1,
+                    .availableBytes = 5000,
+                    .gpuLimitBytes = 6000,
+                    .gpuUsedBytes = 700}
         << MemorySnapshot{.total = 10'000,
                           .used = 1350,
                           .free = 3000,
@@ -52,7 +55,10 @@ void TestMemorySampler::computes_data()
                           .cached = 1300,
                           .appMemory = 650,
                           .swapTotal = 4096,
-                          .swapUsed = 1024};
+                          .swapUsed = 1024,
+                          .available = 5000,
+                          .gpuLimit = 6000,
+                          .gpuUsed = 700};
     // cached = min((150 + 150) × 10, 200 × 10) = 2000; used = appMemory = 700
     QTest::newRow("more purgeable and external pages than inactive ones")
         << Counters{.totalBytes = 10'000,

@@ -104,6 +104,9 @@ void TestProcMemInfo::theShrinkableFileSystemCacheIsPurgeable_data()
     QTest::newRow("smaller than the least size")
         << QByteArray("size 4 1024\nc_min 4 2048\n") << quint64(0);
     QTest::newRow("a size that does not parse") << QByteArray("size 4 many\n") << quint64(0);
+    QTest::newRow("more than 2^50 bytes") << QByteArray("size 4 1125899906842625\n") << quint64(0);
+    QTest::newRow("a least size of more than 2^50 bytes")
+        << QByteArray("size 4 2048000\nc_min 4 1125899906842625\n") << quint64(2000);
     QTest::newRow("cut in the size's line") << QByteArray("c_min 4 1024\nsize 4") << quint64(0);
     QTest::newRow("empty") << QByteArray() << quint64(0);
 }
@@ -142,6 +145,7 @@ void TestProcMemInfo::optionalLinesMayBeMissing()
     QCOMPARE(counters.pages->wired, std::uint64_t(860));
     QVERIFY(!counters.swap);
     QVERIFY(!counters.pressureLevel);
+    QVERIFY(!counters.availableBytes);
 }
 
 void TestProcMemInfo::needsTotalAndFree_data()
