@@ -11,7 +11,7 @@ namespace {
 /// The minimum cost of a changed number: allocating and clearing its pictures.
 void clearPictures()
 {
-    for (const int pixels : {16, 22, 24, 32, 44, 48, 64}) {
+    for (const int pixels : trayPictureSizes()) {
         QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
         benchmark::DoNotOptimize(picture.constBits());

@@ -56,33 +56,31 @@ private:
 
 void request(DBusMenu &menu, Bytes &bytes)
 {
-    DBusMenuLayout layout;
     QList<int> unknown;
     switch (bytes.byte() % 7) {
     case 0:
-        menu.GetLayout(bytes.id(), bytes.number(), {bytes.text(), bytes.text()}, layout);
-        if (layout.children.size() > 3)
+        if (menu.layout(bytes.id(), bytes.number(), {bytes.text(), bytes.text()}).size() > 1 + 3)
             __builtin_trap();
         break;
     case 1:
-        menu.GetGroupProperties({bytes.id(), bytes.id(), bytes.id()}, {bytes.text()});
+        menu.groupProperties({bytes.id(), bytes.id(), bytes.id()}, {bytes.text()});
         break;
     case 2:
-        if (!menu.GetProperty(bytes.id(), bytes.text()).variant().isValid())
+        if (!menu.itemProperty(bytes.id(), bytes.text()).isValid())
             __builtin_trap(); // The bus cannot carry it.
         break;
     case 3:
-        menu.Event(bytes.id(), bytes.text(), QDBusVariant(0), 0);
+        menu.takeEvent({.id = bytes.id(), .type = bytes.text()});
         break;
     case 4:
-        menu.EventGroup(
+        menu.takeEvents(
             {{.id = bytes.id(), .type = bytes.text()}, {.id = bytes.id(), .type = bytes.text()}});
         break;
     case 5:
-        menu.AboutToShow(bytes.id());
+        menu.aboutToShow(bytes.id());
         break;
     default:
-        menu.AboutToShowGroup({bytes.id(), bytes.id()}, unknown);
+        menu.aboutToShowGroup({bytes.id(), bytes.id()}, unknown);
     }
 }
 

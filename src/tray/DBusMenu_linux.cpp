@@ -14,8 +14,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int rootId = 0;
-
 /// Of one group; a desktop sends a few. Each may start a command or a message.
 constexpr qsizetype mostEvents = 64;
 
@@ -38,7 +36,6 @@ QList<int> withoutRepeats(const QList<int> &ids)
 DBusMenu::DBusMenu(QMenu &menu, QObject *parent) : QObject(parent), m_menu(menu)
 {
     assertMainThread();
-    registerDBusMenuTypes();
     for (QAction *action : menu.actions())
         addAction(action);
     menu.installEventFilter(this);
@@ -49,22 +46,20 @@ DBusMenu::~DBusMenu()
     setOpen(false); // A desktop that crashed has not sent the closing event.
 }
 
-uint DBusMenu::GetLayout(int parentId, int depth, const QStringList &names,
-                         corvane::DBusMenuLayout &layout)
+QList<DBusMenuItem> DBusMenu::layout(int parentId, int depth, const QStringList &names)
 {
     refresh();
-    layout = {.id = parentId, .properties = properties(parentId, names)};
+    QList<DBusMenuItem> items{{.id = parentId, .properties = properties(parentId, names)}};
     if (parentId == rootId && depth != 0) {
         for (QAction *action : m_menu.actions()) {
             const int id = m_actions.key(action);
-            layout.children.append({.id = id, .properties = properties(id, names)});
+            items.append({.id = id, .properties = properties(id, names)});
         }
     }
-    return m_revision;
+    return items;
 }
 
-QList<DBusMenuProperties> DBusMenu::GetGroupProperties(const QList<int> &ids,
-                                                       const QStringList &names)
+QList<DBusMenuItem> DBusMenu::groupProperties(const QList<int> &ids, const QStringList &names)
 {
     refresh();
     QList<int> wanted = withoutRepeats(ids);
@@ -72,7 +67,7 @@ QList<DBusMenuProperties> DBusMenu::GetGroupProperties(const QList<int> &ids,
         wanted = m_actions.keys();
         wanted.prepend(rootId);
     }
-    QList<DBusMenuProperties> items;
+    QList<DBusMenuItem> items;
     for (const int id : wanted) {
         if (isKnown(id))
             items.append({.id = id, .properties = properties(id, names)});
@@ -80,40 +75,39 @@ QList<DBusMenuProperties> DBusMenu::GetGroupProperties(const QList<int> &ids,
     return items;
 }
 
-QDBusVariant DBusMenu::GetProperty(int id, const QString &name)
+QVariant DBusMenu::itemProperty(int id, const QString &name)
 {
     refresh();
-    const QVariant value = properties(id, {}).value(name);
-    return QDBusVariant(value.isValid() ? value : QVariant(QString()));
+    return properties(id, {}).value(name, QString());
 }
 
-void DBusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
+void DBusMenu::takeEvent(const DBusMenuEvent &event)
 {
-    if (type == "opened"_L1 && id == rootId) {
+    if (event.type == "opened"_L1 && event.id == rootId) {
         setOpen(true);
-    } else if (type == "closed"_L1 && id == rootId) {
+    } else if (event.type == "closed"_L1 && event.id == rootId) {
         setOpen(false);
-    } else if (type == "clicked"_L1) {
-        QAction *action = m_actions.value(id);
+    } else if (event.type == "clicked"_L1) {
+        QAction *action = m_actions.value(event.id);
         // Queued, so that the desktop gets its answer before the command runs.
         if (action && action->isEnabled())
             QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
     }
 }
 
-QList<int> DBusMenu::EventGroup(const QList<corvane::DBusMenuEvent> &events)
+QList<int> DBusMenu::takeEvents(const QList<DBusMenuEvent> &events)
 {
     QList<int> unknown;
-    for (const DBusMenuEvent &event : events.first(std::min(events.size(), mostEvents))) {
-        if (isKnown(event.id))
-            Event(event.id, event.type, event.data, event.time);
+    for (const DBusMenuEvent &one : events.first(std::min(events.size(), mostEvents))) {
+        if (isKnown(one.id))
+            takeEvent(one);
         else
-            unknown.append(event.id);
+            unknown.append(one.id);
     }
     return unknown;
 }
 
-bool DBusMenu::AboutToShow(int id)
+bool DBusMenu::aboutToShow(int id)
 {
     if (id != rootId)
         return false;
@@ -123,13 +117,13 @@ bool DBusMenu::AboutToShow(int id)
     return haveChanged || m_revision != revision;
 }
 
-QList<int> DBusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &unknown)
+QList<int> DBusMenu::aboutToShowGroup(const QList<int> &ids, QList<int> &unknown)
 {
     QList<int> updated;
     for (const int id : withoutRepeats(ids)) {
         if (!isKnown(id))
             unknown.append(id);
-        else if (AboutToShow(id))
+        else if (aboutToShow(id))
             updated.append(id);
     }
     return updated;
@@ -143,7 +137,7 @@ bool DBusMenu::eventFilter(QObject *watched, QEvent *event)
             addAction(action);
         else
             m_actions.remove(m_actions.key(action));
-        emit LayoutUpdated(++m_revision, rootId);
+        emit layoutUpdated(++m_revision);
     }
     return QObject::eventFilter(watched, event);
 }
@@ -185,14 +179,14 @@ void DBusMenu::refresh()
 /// Whether there were changes to send.
 bool DBusMenu::sendChanges()
 {
-    QList<DBusMenuProperties> updated;
+    QList<DBusMenuItem> updated;
     for (const int id : std::exchange(m_changed, {})) {
         if (m_actions.contains(id))
             updated.append({.id = id, .properties = properties(id, {})});
     }
     if (updated.isEmpty())
         return false;
-    emit ItemsPropertiesUpdated(updated, {});
+    emit propertiesUpdated(updated);
     return true;
 }
 

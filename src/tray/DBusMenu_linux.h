@@ -1,9 +1,10 @@
 #pragma once
 
-#include "tray/DBusMenuTypes_linux.h"
-
 #include <QHash>
+#include <QList>
 #include <QObject>
+#include <QStringList>
+#include <QVariantMap>
 
 #include <set>
 
@@ -12,9 +13,21 @@ class QMenu;
 
 namespace corvane {
 
-/// Exports a menu without submenus over the bus, for the desktop to draw (com.canonical.dbusmenu).
-/// Owned by the item that exports it; several items may export the same menu, which outlives them.
-/// Main thread.
+/// Properties of one item of the menu: texts and truth values by name.
+struct DBusMenuItem {
+    int id = 0;
+    QVariantMap properties = {};
+};
+
+/// Something that the user did at one item, such as a click.
+struct DBusMenuEvent {
+    int id = 0;
+    QString type = {};
+};
+
+/// A menu without submenus as the desktop sees it that draws it (com.canonical.dbusmenu), without
+/// the bus. Owned by the item whose menu it is; several items may have the same menu, which
+/// outlives them. Main thread.
 ///
 /// Emits the menu's aboutToShow and aboutToHide when the desktop opens and closes it. Changes of
 /// the actions are sent while it is open here; changes made before are sent when it opens. Requests
@@ -22,33 +35,34 @@ namespace corvane {
 /// a group of events the first 64 are used.
 class DBusMenu : public QObject {
     Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
-    Q_PROPERTY(uint Version MEMBER m_version CONSTANT)
-    Q_PROPERTY(QString TextDirection MEMBER m_textDirection CONSTANT)
-    Q_PROPERTY(QString Status MEMBER m_status CONSTANT)
-    Q_PROPERTY(QStringList IconThemePath MEMBER m_iconThemePath CONSTANT)
 
 public:
+    static constexpr int rootId = 0; ///< Of the menu itself.
+
     explicit DBusMenu(QMenu &menu, QObject *parent = nullptr);
     ~DBusMenu() override;
 
-public slots:
-    // The interface's own names and types; QtDBus needs the types fully qualified.
-    Q_SCRIPTABLE uint GetLayout(int parentId, int depth, const QStringList &names,
-                                corvane::DBusMenuLayout &layout);
-    Q_SCRIPTABLE QList<corvane::DBusMenuProperties> GetGroupProperties(const QList<int> &ids,
-                                                                       const QStringList &names);
-    Q_SCRIPTABLE QDBusVariant GetProperty(int id, const QString &name);
-    Q_SCRIPTABLE void Event(int id, const QString &type, const QDBusVariant &data, uint time);
-    Q_SCRIPTABLE QList<int> EventGroup(const QList<corvane::DBusMenuEvent> &events);
-    Q_SCRIPTABLE bool AboutToShow(int id);
-    Q_SCRIPTABLE QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &unknown);
+    // The requests of the interface, by its names.
+
+    /// The item itself first, then its children; only the named properties, or all if none is.
+    QList<DBusMenuItem> layout(int parentId, int depth, const QStringList &names);
+    /// Of the present layout.
+    uint revision() const { return m_revision; }
+    /// Of all items if `ids` is empty.
+    QList<DBusMenuItem> groupProperties(const QList<int> &ids, const QStringList &names);
+    /// An empty text for a property that the item does not have.
+    QVariant itemProperty(int id, const QString &name);
+    void takeEvent(const DBusMenuEvent &event);
+    /// Returns the ids that are unknown.
+    QList<int> takeEvents(const QList<DBusMenuEvent> &events);
+    /// Whether the item has changed.
+    bool aboutToShow(int id);
+    /// Returns the ids of the items that have changed.
+    QList<int> aboutToShowGroup(const QList<int> &ids, QList<int> &unknown);
 
 signals:
-    Q_SCRIPTABLE void ItemsPropertiesUpdated(const QList<corvane::DBusMenuProperties> &updated,
-                                             const QList<corvane::DBusMenuRemoved> &removed);
-    Q_SCRIPTABLE void LayoutUpdated(uint revision, int parent);
-    Q_SCRIPTABLE void ItemActivationRequested(int id, uint time);
+    void propertiesUpdated(const QList<corvane::DBusMenuItem> &updated);
+    void layoutUpdated(uint revision);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -61,13 +75,8 @@ private:
     bool isKnown(int id) const;
     QVariantMap properties(int id, const QStringList &names) const;
 
-    uint m_version = 3;
-    QString m_textDirection = QStringLiteral("ltr");
-    QString m_status = QStringLiteral("normal");
-    QStringList m_iconThemePath = {};
-
     QMenu &m_menu;
-    QHash<int, QAction *> m_actions; ///< By id; 0 is the menu itself. Ids are not reused.
+    QHash<int, QAction *> m_actions; ///< By id, from 1 on; never reused.
     int m_lastId = 0;
     uint m_revision = 1;
     std::set<int> m_changed; ///< Ids whose changes have not been sent.

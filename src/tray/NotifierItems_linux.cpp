@@ -1,6 +1,5 @@
 #include "tray/NotifierItems_linux.h"
 
-#include "bus/BusOpening.h"
 #include "controls/Logo.h"
 #include "threads/BackgroundJob.h"
 #include "threads/MainThread.h"
@@ -11,6 +10,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
@@ -30,7 +30,7 @@ template <typename Paint>
 QList<QImage> inAllSizes(Paint paint)
 {
     QList<QImage> pictures;
-    for (const int pixels : trayPictureSizes)
+    for (const int pixels : trayPictureSizes())
         pictures.append(paint(pixels));
     return pictures;
 }
@@ -173,20 +173,20 @@ void NotifierItems::registerNext()
     }
     constexpr auto retryInterval = std::chrono::seconds(3);
     m_isOpening = runThenDeliver(
-        this, [address = m_busAddress] { return openBus(address); },
-        [this](const QDBusConnection &bus) { registerOver(bus); });
+        this, [address = m_busAddress] { return openBusHandle(address); },
+        [this](BusHandle bus) { registerOver(std::move(bus)); });
     if (!m_isOpening)
         QTimer::singleShot(retryInterval, this, &NotifierItems::registerNext);
 }
 
-void NotifierItems::registerOver(const QDBusConnection &bus)
+void NotifierItems::registerOver(BusHandle bus)
 {
     m_isOpening = false;
     if (m_registered == m_items.size()) { // The item has left in the meantime.
         registerNext();
         return;
     }
-    m_items[m_registered]->exportOver(bus);
+    m_items[m_registered]->exportOver(std::move(bus));
     m_items[m_registered]->registerAtWatcher();
     ++m_registered;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "bus/LoopConnection.h"
 #include "tray/TrayHost.h"
 #include "tray/TrayWaits.h"
 #include "ui/MetricText.h"
 
-#include <QDBusConnection>
 #include <QObject>
 #include <QPoint>
 #include <QTimer>
@@ -54,7 +54,7 @@ private:
     void showWidePicture(const LabelNumbers &numbers);
     void showSquares(const LabelNumbers &numbers);
     void registerNext();
-    void registerOver(const QDBusConnection &bus);
+    void registerOver(BusHandle bus);
 
     const QString m_busAddress;
     const TrayHost m_host;

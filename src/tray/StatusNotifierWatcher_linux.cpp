@@ -14,8 +14,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr auto watcherName = "org.kde.StatusNotifierWatcher"_L1;
-constexpr auto watcherPath = "/StatusNotifierWatcher"_L1;
+constexpr QLatin1StringView watcherName(StatusNotifierWatcher::service);
+constexpr QLatin1StringView watcherPath(StatusNotifierWatcher::interface.path);
 
 QDBusMessage busCall(const QString &method)
 {
@@ -32,14 +32,6 @@ StatusNotifierWatcher::StatusNotifierWatcher(QObject *parent) : QObject(parent)
 }
 
 StatusNotifierWatcher::~StatusNotifierWatcher() = default;
-
-QDBusMessage StatusNotifierWatcher::methodCall(const QString &method)
-{
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(watcherName, watcherPath, watcherName, method);
-    call.setAutoStartService(false);
-    return call;
-}
 
 void StatusNotifierWatcher::onConnected()
 {

@@ -2,6 +2,7 @@
 
 #include "bus/BusCall.h"
 #include "bus/BusConnection.h"
+#include "bus/LoopConnection.h"
 #include "tray/TrayHost.h"
 
 #include <QObject>
@@ -36,8 +37,11 @@ public:
     /// Requests the tray's list of items once; a reply is emitted as itemsListed.
     void requestItems();
 
-    /// A call of the tray's watcher object. It starts no program where there is no tray.
-    static QDBusMessage methodCall(const QString &method);
+    /// The tray's bus name, and the object that items register at.
+    static constexpr auto service = "org.kde.StatusNotifierWatcher";
+    static constexpr BusInterface interface {
+        "/StatusNotifierWatcher", service
+    };
 
 signals:
     /// The host is another one now, has restarted or is gone.

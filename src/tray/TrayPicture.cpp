@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -115,9 +116,16 @@ QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels
 QIcon trayIcon(const LabelNumber &number, LabelPosition position)
 {
     QIcon icon;
-    for (const int pixels : trayPictureSizes)
+    for (const int pixels : trayPictureSizes())
         icon.addPixmap(QPixmap::fromImage(trayPicture(number, position, pixels)));
     return icon;
+}
+
+std::span<const int> trayPictureSizes(double devicePixelRatio)
+{
+    static constexpr std::array usual{16, 22, 24, 32, 48};
+    static constexpr std::array all{16, 22, 24, 32, 44, 48, 64}; // With the doubles of 22 and 32.
+    return devicePixelRatio > 1 ? std::span<const int>(all) : std::span<const int>(usual);
 }
 
 QImage widePicture(const LabelNumbers &numbers, int pixels)

@@ -2,10 +2,11 @@
 
 #include "ui/MetricText.h"
 
+#include <QGuiApplication>
 #include <QIcon>
 #include <QImage>
 
-#include <array>
+#include <span>
 
 namespace corvane {
 
@@ -20,14 +21,16 @@ struct LabelPosition {
 /// on light and dark bars. Watts of three and more digits are shown without their unit.
 QImage trayPicture(const LabelNumber &number, LabelPosition position, int pixels);
 
-/// The same picture in all sizes of `trayPictureSizes`.
+/// The same picture in the sizes of `trayPictureSizes`.
 QIcon trayIcon(const LabelNumber &number, LabelPosition position);
 
 /// All numbers side by side on one plate, `pixels` high. Each number has room for two digits,
 /// so that the width changes only when a number has three.
 QImage widePicture(const LabelNumbers &numbers, int pixels);
 
-/// Heights in pixels of the pictures that are offered to trays.
-inline constexpr std::array trayPictureSizes{16, 22, 24, 32, 44, 48, 64};
+/// Heights in pixels of the pictures that are offered to trays, in ascending order. Where no screen
+/// has more than one pixel a point, the largest are left out: each changed number is painted and
+/// sent in all sizes. Main thread.
+std::span<const int> trayPictureSizes(double devicePixelRatio = qGuiApp->devicePixelRatio());
 
 } // namespace corvane

@@ -526,7 +526,7 @@ void fillGlyphCaches()
             {.activeFraction = percent / 100.0, .watts = double(number), .memoryUsed = percent}};
         const LabelNumbers numbers = labelNumbers(sample);
         for (std::size_t place = 0; place < numbers.size(); ++place) {
-            for (const int pixels : trayPictureSizes)
+            for (const int pixels : trayPictureSizes())
                 trayPicture(numbers[place], {place, numbers.size()}, pixels);
         }
     }

@@ -4,7 +4,7 @@
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
 #include "support/SystemCalls.h"
-#include "tray/DBusMenuTypes_linux.h"
+#include "support/TrayTypes.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -129,7 +129,6 @@ private:
 
 void TestTracedProgram::initTestCase()
 {
-    registerDBusMenuTypes();
     if (const QString obstacle = obstacleToTracing(); !obstacle.isEmpty())
         QSKIP(qPrintable(obstacle));
 }
@@ -201,7 +200,7 @@ QVariantList TestTracedProgram::callMenu(const QString &method, const QVariantLi
 void TestTracedProgram::click(const QString &label)
 {
     const QVariantList answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
-    for (const auto &child : qdbus_cast<DBusMenuLayout>(answer.value(1)).children) {
+    for (const auto &child : qdbus_cast<MenuLayout>(answer.value(1)).children) {
         if (child.properties.value(u"label"_s) == label) {
             callMenu(u"Event"_s,
                      {child.id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0u});

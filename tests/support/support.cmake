@@ -12,7 +12,8 @@ if(NOT CORVANE_SYSTEM STREQUAL "mac")
   target_sources(
     corvane_test_support PRIVATE support/AccessibilityBus.cpp support/BusMonitor.cpp support/DrivenProgram.cpp
                                  support/FakePackageKit.cpp support/FakeTray.cpp support/HalfBus.cpp support/PrivateBus.cpp
-                                 support/ProgramRun.cpp support/ProgramSession.cpp support/VirtualDisplay.cpp)
+                                 support/ProgramRun.cpp support/ProgramSession.cpp support/TrayTypes.cpp
+                                 support/VirtualDisplay.cpp)
   target_link_libraries(corvane_test_support PUBLIC Qt6::DBus)
 endif()
 if(CORVANE_SYSTEM STREQUAL "simulated-mac")

@@ -9,26 +9,18 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Sends an event as a desktop does, with data that is not used.
-void send(DBusMenu &menu, int id, const QString &type)
-{
-    menu.Event(id, type, QDBusVariant(0), 0);
-}
-
-QStringList labels(const DBusMenuLayout &layout)
+QStringList labels(const QList<DBusMenuItem> &items)
 {
     QStringList texts;
-    for (const DBusMenuLayout &child : layout.children)
-        texts.append(child.properties.value(u"label"_s, u"-"_s).toString());
+    for (const DBusMenuItem &item : items)
+        texts.append(item.properties.value(u"label"_s, u"-"_s).toString());
     return texts;
 }
 
-QStringList labels(const QList<DBusMenuProperties> &items)
+/// Of the menu's rows.
+QStringList rowLabels(DBusMenu &menu)
 {
-    QStringList texts;
-    for (const DBusMenuProperties &item : items)
-        texts.append(item.properties.value(u"label"_s).toString());
-    return texts;
+    return labels(menu.layout(0, -1, {}).sliced(1));
 }
 
 } // namespace
@@ -101,61 +93,57 @@ void TestDBusMenu::marksAccessKeysByUnderscores()
 
 void TestDBusMenu::showsTheActionsOfTheMenu()
 {
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(0, -1, {}, layout);
-    QCOMPARE(layout.id, 0);
-    QCOMPARE(layout.properties.value(u"children-display"_s), QVariant(u"submenu"_s));
-    QCOMPARE(labels(layout), (QStringList{u"GPU: 41 %"_s, u"-"_s, u"Quit"_s}));
-    QCOMPARE(layout.children[0].properties.value(u"enabled"_s), QVariant(false));
-    QCOMPARE(layout.children[1].properties.value(u"type"_s), QVariant(u"separator"_s));
-    QCOMPARE(layout.children[2].properties.value(u"enabled"_s), QVariant(true));
+    const QList<DBusMenuItem> items = m_dbusMenu->layout(0, -1, {});
+    QCOMPARE(items[0].id, 0);
+    QCOMPARE(items[0].properties.value(u"children-display"_s), QVariant(u"submenu"_s));
+    QCOMPARE(labels(items.sliced(1)), (QStringList{u"GPU: 41 %"_s, u"-"_s, u"Quit"_s}));
+    QCOMPARE(items[1].properties.value(u"enabled"_s), QVariant(false));
+    QCOMPARE(items[2].properties.value(u"type"_s), QVariant(u"separator"_s));
+    QCOMPARE(items[3].properties.value(u"enabled"_s), QVariant(true));
 }
 
 void TestDBusMenu::showsNoChildrenAtDepthZero()
 {
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(0, 0, {}, layout);
-    QVERIFY(layout.children.isEmpty());
+    QCOMPARE(m_dbusMenu->layout(0, 0, {}).size(), 1);
 }
 
 void TestDBusMenu::returnsOnlyTheNamedProperties()
 {
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(3, -1, {u"label"_s}, layout);
-    QCOMPARE(layout.properties, (QVariantMap{{u"label"_s, u"Quit"_s}}));
-    QCOMPARE(m_dbusMenu->GetProperty(3, u"label"_s).variant(), QVariant(u"Quit"_s));
-    QCOMPARE(m_dbusMenu->GetGroupProperties({}, {}).size(), 4);
-    QCOMPARE(labels(m_dbusMenu->GetGroupProperties({3}, {u"label"_s})), QStringList{u"Quit"_s});
+    QCOMPARE(m_dbusMenu->layout(3, -1, {u"label"_s})[0].properties,
+             (QVariantMap{{u"label"_s, u"Quit"_s}}));
+    QCOMPARE(m_dbusMenu->itemProperty(3, u"label"_s), QVariant(u"Quit"_s));
+    QCOMPARE(m_dbusMenu->groupProperties({}, {}).size(), 4);
+    QCOMPARE(labels(m_dbusMenu->groupProperties({3}, {u"label"_s})), QStringList{u"Quit"_s});
 }
 
 void TestDBusMenu::answersUnknownIdsWithEmptyReplies()
 {
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(99, -1, {}, layout);
-    QVERIFY(layout.properties.isEmpty() && layout.children.isEmpty());
-    QCOMPARE(m_dbusMenu->GetProperty(99, u"label"_s).variant(), QVariant(QString()));
-    QVERIFY(m_dbusMenu->GetGroupProperties({99, -1}, {}).isEmpty());
-    QVERIFY(!m_dbusMenu->AboutToShow(99));
-    send(*m_dbusMenu, 99, u"clicked"_s);
-    QCOMPARE(m_dbusMenu->EventGroup({{.id = 99, .type = u"clicked"_s}, {.id = 0}}), QList<int>{99});
+    const QList<DBusMenuItem> items = m_dbusMenu->layout(99, -1, {});
+    QCOMPARE(items.size(), 1);
+    QVERIFY(items[0].properties.isEmpty());
+    QCOMPARE(m_dbusMenu->itemProperty(99, u"label"_s), QVariant(QString()));
+    QVERIFY(m_dbusMenu->groupProperties({99, -1}, {}).isEmpty());
+    QVERIFY(!m_dbusMenu->aboutToShow(99));
+    m_dbusMenu->takeEvent({99, u"clicked"_s});
+    QCOMPARE(m_dbusMenu->takeEvents({{.id = 99, .type = u"clicked"_s}, {.id = 0}}), QList<int>{99});
     QList<int> unknown;
-    QVERIFY(m_dbusMenu->AboutToShowGroup({0, 99}, unknown).isEmpty());
+    QVERIFY(m_dbusMenu->aboutToShowGroup({0, 99}, unknown).isEmpty());
     QCOMPARE(unknown, QList<int>{99});
 }
 
 void TestDBusMenu::aClickTriggersTheAction()
 {
     QSignalSpy triggered(m_command, &QAction::triggered);
-    send(*m_dbusMenu, 3, u"clicked"_s);
+    m_dbusMenu->takeEvent({3, u"clicked"_s});
     QTRY_COMPARE(triggered.count(), 1);
-    m_dbusMenu->EventGroup({{.id = 3, .type = u"clicked"_s}});
+    m_dbusMenu->takeEvents({{.id = 3, .type = u"clicked"_s}});
     QTRY_COMPARE(triggered.count(), 2);
 }
 
 void TestDBusMenu::aClickOnADisabledActionDoesNothing()
 {
     QSignalSpy triggered(m_row, &QAction::triggered);
-    send(*m_dbusMenu, 1, u"clicked"_s);
+    m_dbusMenu->takeEvent({1, u"clicked"_s});
     QCoreApplication::processEvents();
     QCOMPARE(triggered.count(), 0);
 }
@@ -164,27 +152,24 @@ void TestDBusMenu::emitsTheMenusSignalsWhenTheDesktopOpensAndClosesIt()
 {
     QSignalSpy opened(m_menu.get(), &QMenu::aboutToShow);
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
-    send(*m_dbusMenu, 0, u"opened"_s);
-    send(*m_dbusMenu, 0, u"opened"_s);
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(0, -1, {}, layout);
+    m_dbusMenu->takeEvent({0, u"opened"_s});
+    m_dbusMenu->takeEvent({0, u"opened"_s});
+    m_dbusMenu->layout(0, -1, {});
     QCOMPARE(opened.count(), 1);
     QCOMPARE(closed.count(), 0);
-    send(*m_dbusMenu, 0, u"closed"_s);
+    m_dbusMenu->takeEvent({0, u"closed"_s});
     QCOMPARE(closed.count(), 1);
 }
 
 void TestDBusMenu::updatesTextsWhenTheDesktopReadsThem()
 {
     connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { m_row->setText(u"GPU: 90 %"_s); });
-    DBusMenuLayout layout;
-    m_dbusMenu->GetLayout(0, -1, {}, layout);
-    QCOMPARE(labels(layout).value(0), u"GPU: 90 %"_s);
+    QCOMPARE(rowLabels(*m_dbusMenu).value(0), u"GPU: 90 %"_s);
 }
 
 void TestDBusMenu::sendsNothingWhileClosed()
 {
-    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::propertiesUpdated);
     m_row->setText(u"GPU: 42 %"_s);
     QCoreApplication::processEvents();
     QCOMPARE(updated.count(), 0);
@@ -192,54 +177,52 @@ void TestDBusMenu::sendsNothingWhileClosed()
 
 void TestDBusMenu::sendsEarlierChangesWhenItOpens()
 {
-    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
-    QVERIFY(!m_dbusMenu->AboutToShow(0));
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::propertiesUpdated);
+    QVERIFY(!m_dbusMenu->aboutToShow(0));
     m_command->setEnabled(false);
-    QVERIFY(m_dbusMenu->AboutToShow(0));
-    QVERIFY(!m_dbusMenu->AboutToShow(0));
+    QVERIFY(m_dbusMenu->aboutToShow(0));
+    QVERIFY(!m_dbusMenu->aboutToShow(0));
     QCOMPARE(updated.count(), 1);
-    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuProperties>>()), QStringList{u"Quit"_s});
+    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuItem>>()), QStringList{u"Quit"_s});
 
     QList<int> unknown;
     m_command->setEnabled(true);
-    QCOMPARE(m_dbusMenu->AboutToShowGroup({0, 1}, unknown), QList<int>{0});
+    QCOMPARE(m_dbusMenu->aboutToShowGroup({0, 1}, unknown), QList<int>{0});
     QCOMPARE(updated.count(), 2);
 
     m_row->setText(u"GPU: 42 %"_s);
-    send(*m_dbusMenu, 0, u"opened"_s);
+    m_dbusMenu->takeEvent({0, u"opened"_s});
     QCOMPARE(updated.count(), 3);
 }
 
 void TestDBusMenu::sendsChangesTogetherWhileOpen()
 {
-    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::ItemsPropertiesUpdated);
-    send(*m_dbusMenu, 0, u"opened"_s);
+    QSignalSpy updated(m_dbusMenu.get(), &DBusMenu::propertiesUpdated);
+    m_dbusMenu->takeEvent({0, u"opened"_s});
     m_row->setText(u"GPU: 42 %"_s);
     m_command->setText(u"Leave"_s);
     QTRY_COMPARE(updated.count(), 1);
-    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuProperties>>()),
+    QCOMPARE(labels(updated[0][0].value<QList<DBusMenuItem>>()),
              (QStringList{u"GPU: 42 %"_s, u"Leave"_s}));
 }
 
 void TestDBusMenu::announcesAddedAndRemovedActions()
 {
-    QSignalSpy changed(m_dbusMenu.get(), &DBusMenu::LayoutUpdated);
+    QSignalSpy changed(m_dbusMenu.get(), &DBusMenu::layoutUpdated);
     QAction *about = m_menu->addAction(u"About Corvane"_s);
     m_menu->removeAction(m_row);
     QCOMPARE(changed.count(), 2);
-    DBusMenuLayout layout;
-    QCOMPARE(m_dbusMenu->GetLayout(0, -1, {}, layout), changed[1][0].toUInt());
-    QCOMPARE(labels(layout), (QStringList{u"-"_s, u"Quit"_s, u"About Corvane"_s}));
+    QCOMPARE(m_dbusMenu->revision(), changed[1][0].toUInt());
+    QCOMPARE(rowLabels(*m_dbusMenu), (QStringList{u"-"_s, u"Quit"_s, u"About Corvane"_s}));
 
     delete about;
-    send(*m_dbusMenu, 4, u"clicked"_s);
-    m_dbusMenu->GetLayout(0, -1, {}, layout);
-    QCOMPARE(labels(layout), (QStringList{u"-"_s, u"Quit"_s}));
+    m_dbusMenu->takeEvent({4, u"clicked"_s});
+    QCOMPARE(rowLabels(*m_dbusMenu), (QStringList{u"-"_s, u"Quit"_s}));
 }
 
 void TestDBusMenu::closesTheMenuWhenDeleted()
 {
-    send(*m_dbusMenu, 0, u"opened"_s);
+    m_dbusMenu->takeEvent({0, u"opened"_s});
     QSignalSpy closed(m_menu.get(), &QMenu::aboutToHide);
     m_dbusMenu.reset();
     QCOMPARE(closed.count(), 1);
@@ -248,15 +231,15 @@ void TestDBusMenu::closesTheMenuWhenDeleted()
 void TestDBusMenu::answersRepeatedIdsOnce()
 {
     constexpr int many = 100'000;
-    QCOMPARE(m_dbusMenu->GetGroupProperties(QList<int>(many, 3), {u"label"_s}).size(), 1);
+    QCOMPARE(m_dbusMenu->groupProperties(QList<int>(many, 3), {u"label"_s}).size(), 1);
     QList<int> ids = QList<int>(many, 3) + QList<int>(many, 1);
-    const auto items = m_dbusMenu->GetGroupProperties(ids, {u"label"_s});
+    const auto items = m_dbusMenu->groupProperties(ids, {u"label"_s});
     QCOMPARE(items.size(), 2);
     QCOMPARE(items[0].id, 3);
     QCOMPARE(items[1].id, 1);
     const QSignalSpy shown(m_menu.get(), &QMenu::aboutToShow);
     QList<int> unknown;
-    m_dbusMenu->AboutToShowGroup(QList<int>(many, 0) + QList<int>(many, 99), unknown);
+    m_dbusMenu->aboutToShowGroup(QList<int>(many, 0) + QList<int>(many, 99), unknown);
     QCOMPARE(unknown, QList<int>{99});
     QCOMPARE(shown.count(), 1);
 }
@@ -265,9 +248,9 @@ void TestDBusMenu::usesTheFirstEventsOfAGroup()
 {
     const QSignalSpy clicks(m_command, &QAction::triggered);
     const DBusMenuEvent click{.id = 3, .type = u"clicked"_s};
-    m_dbusMenu->EventGroup(QList<DBusMenuEvent>(3, click));
+    m_dbusMenu->takeEvents(QList<DBusMenuEvent>(3, click));
     QTRY_COMPARE(clicks.count(), 3);
-    m_dbusMenu->EventGroup(QList<DBusMenuEvent>(100'000, click));
+    m_dbusMenu->takeEvents(QList<DBusMenuEvent>(100'000, click));
     QTRY_COMPARE(clicks.count(), 3 + 64);
 }
 

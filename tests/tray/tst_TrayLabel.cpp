@@ -4,9 +4,8 @@
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
 #include "support/PrivateBus.h"
+#include "support/TrayTypes.h"
 #include "support/Waiting.h"
-#include "tray/DBusMenuTypes_linux.h"
-#include "tray/StatusNotifierTypes_linux.h"
 #include "ui/MetricText.h"
 
 #include <QAction>
@@ -248,7 +247,7 @@ QStringList TestTrayLabel::menuTexts()
 {
     const QVariantList answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
     QStringList texts;
-    for (const auto &child : qdbus_cast<DBusMenuLayout>(answer.value(1)).children)
+    for (const auto &child : qdbus_cast<MenuLayout>(answer.value(1)).children)
         texts.append(child.properties.value(u"label"_s, u"-"_s).toString());
     return texts;
 }
@@ -313,7 +312,7 @@ void TestTrayLabel::showsOnePictureForEachNumber()
         sizes.append(picture.width);
     }
     QCOMPARE(sizes.first(), 16);
-    QCOMPARE(sizes.last(), 64);
+    QCOMPARE(sizes.last(), 48);
 
     const auto memory = pictures(0);
     const auto gpu = pictures(1);
@@ -358,9 +357,7 @@ void TestTrayLabel::showsAllValuesInTheToolTip()
 {
     startTray("kded6");
     const auto toolTip = [this](int item) {
-        return qdbus_cast<StatusNotifierToolTip>(
-                   m_tray->property(m_tray->items()[item], u"ToolTip"_s))
-            .title;
+        return qdbus_cast<ToolTip>(m_tray->property(m_tray->items()[item], u"ToolTip"_s)).title;
     };
     const QString words = u"Memory 63 %, GPU 41 %, Power 12 W"_s;
     for (int item = 0; item < 3; ++item) {
@@ -379,12 +376,12 @@ void TestTrayLabel::clicksOpenThePanelAndTheDashboard()
     QSignalSpy activated(m_label.get(), &TrayLabel::activated);
     QSignalSpy openWindow(m_label.get(), &TrayLabel::openWindowRequested);
     callItem(u"Activate"_s, {120, 40});
-    QCOMPARE(activated.count(), 1);
+    TRY_COMPARE(activated.count(), 1);
     QCOMPARE(activated[0][0].toPoint(), QPoint(120, 40));
     callItem(u"SecondaryActivate"_s, {120, 40});
-    QCOMPARE(openWindow.count(), 1);
+    TRY_COMPARE(openWindow.count(), 1);
     callItem(u"XAyatanaSecondaryActivate"_s, {0u});
-    QCOMPARE(openWindow.count(), 2);
+    TRY_COMPARE(openWindow.count(), 2);
     callItem(u"Scroll"_s, {120, u"vertical"_s});
     QCOMPARE(activated.count(), 1);
 }
@@ -393,8 +390,8 @@ void TestTrayLabel::showsItsMenuWhereTheDesktopDrawsNone()
 {
     startTray("kded6");
     callItem(u"ContextMenu"_s, {120, 40});
+    TRY_VERIFY(QApplication::activePopupWidget());
     QWidget *menu = QApplication::activePopupWidget();
-    QVERIFY(menu);
     QCOMPARE(menu->pos(), QPoint(120, 40));
     menu->close();
 }
@@ -641,7 +638,7 @@ void TestTrayLabel::menuRowsFollowTheMachine()
     QCOMPARE(menuTexts().value(4), u"NPU: 17 %, 1.35 W"_s);
     const QSignalSpy quit(&m_quit, &QAction::triggered);
     const auto answer = callMenu(u"GetLayout"_s, {0, -1, QStringList()});
-    sendMenuEvent(qdbus_cast<DBusMenuLayout>(answer.value(1)).children.last().id, u"clicked"_s);
+    sendMenuEvent(qdbus_cast<MenuLayout>(answer.value(1)).children.last().id, u"clicked"_s);
     TRY_COMPARE(quit.count(), 1);
 }
 

@@ -79,6 +79,8 @@ private slots:
     void widePictureShowsAllInOrder();
     void widePictureKeepsItsWidthUpToTwoDigits();
     void widePictureGrowsWithTheCountOfNumbers();
+    void offersLargePicturesToDenseScreens_data();
+    void offersLargePicturesToDenseScreens();
     void signPictureFillsItsSquare();
 };
 
@@ -179,7 +181,7 @@ void TestTrayPicture::leavesOutTheUnitOfThreeDigits()
 void TestTrayPicture::iconHasAllSizes()
 {
     const QIcon icon = trayIcon(number(u"71"_s), leftmost);
-    for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
+    for (const int pixels : trayPictureSizes())
         QVERIFY(icon.availableSizes().contains(QSize(pixels, pixels)));
 }
 
@@ -194,7 +196,7 @@ void TestTrayPicture::widePictureShowsAllInOrder_data()
 void TestTrayPicture::widePictureShowsAllInOrder()
 {
     QFETCH(LabelNumbers, shown);
-    for (const int pixels : trayPictureSizes) {
+    for (const int pixels : trayPictureSizes(2)) {
         if (pixels < 32)
             continue; // Strokes too thin for a pixel of the pure colour.
         const QImage picture = widePicture(shown, pixels);
@@ -227,6 +229,22 @@ void TestTrayPicture::widePictureGrowsWithTheCountOfNumbers()
     QVERIFY(widePicture({shown[0], shown[2]}, 44).width() < three);
     shown[1].text = u"zz"_s;
     QCOMPARE(widePicture(shown, 44).width(), four);
+}
+
+void TestTrayPicture::offersLargePicturesToDenseScreens_data()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::addColumn<QList<int>>("expected");
+    QTest::newRow("a pixel a point") << 1.0 << QList<int>{16, 22, 24, 32, 48};
+    QTest::newRow("a fraction more") << 1.25 << QList<int>{16, 22, 24, 32, 44, 48, 64};
+    QTest::newRow("two pixels a point") << 2.0 << QList<int>{16, 22, 24, 32, 44, 48, 64};
+}
+
+void TestTrayPicture::offersLargePicturesToDenseScreens()
+{
+    QFETCH(double, ratio);
+    const std::span<const int> sizes = trayPictureSizes(ratio);
+    QTEST(QList<int>(sizes.begin(), sizes.end()), "expected");
 }
 
 void TestTrayPicture::signPictureFillsItsSquare()

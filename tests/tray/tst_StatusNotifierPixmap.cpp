@@ -1,11 +1,11 @@
-#include "tray/StatusNotifierTypes_linux.h"
+#include "tray/StatusNotifierPixmap_linux.h"
 
 #include <QTest>
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
 
-class TestStatusNotifierTypes : public QObject {
+class TestStatusNotifierPixmap : public QObject {
     Q_OBJECT
 
 private slots:
@@ -15,7 +15,7 @@ private slots:
     void anEmptyPictureHasNoBytes();
 };
 
-void TestStatusNotifierTypes::pixelsAreAlphaRedGreenBlueInThisOrder()
+void TestStatusNotifierPixmap::pixelsAreAlphaRedGreenBlueInThisOrder()
 {
     QImage picture(1, 1, QImage::Format_ARGB32);
     picture.setPixelColor(0, 0, QColor(1, 2, 3, 4));
@@ -23,14 +23,14 @@ void TestStatusNotifierTypes::pixelsAreAlphaRedGreenBlueInThisOrder()
     QCOMPARE(StatusNotifierPixmap::from(picture), expected);
 }
 
-void TestStatusNotifierTypes::coloursAreNotPremultiplied()
+void TestStatusNotifierPixmap::coloursAreNotPremultiplied()
 {
     QImage picture(1, 1, QImage::Format_ARGB32_Premultiplied);
     picture.fill(QColor(255, 0, 255, 51));
     QCOMPARE(StatusNotifierPixmap::from(picture).bytes.toHex(), "33ff00ff"_ba);
 }
 
-void TestStatusNotifierTypes::rowsHaveNoPadding()
+void TestStatusNotifierPixmap::rowsHaveNoPadding()
 {
     QImage picture(3, 2, QImage::Format_ARGB32);
     picture.fill(Qt::black);
@@ -41,10 +41,10 @@ void TestStatusNotifierTypes::rowsHaveNoPadding()
     QCOMPARE(pixmap.bytes.toHex(), QByteArray("ff000000ff000000ff000000ffffffffff000000ff000000"));
 }
 
-void TestStatusNotifierTypes::anEmptyPictureHasNoBytes()
+void TestStatusNotifierPixmap::anEmptyPictureHasNoBytes()
 {
     QCOMPARE(StatusNotifierPixmap::from(QImage()), StatusNotifierPixmap());
 }
 
-QTEST_MAIN(TestStatusNotifierTypes)
-#include "tst_StatusNotifierTypes.moc"
+QTEST_MAIN(TestStatusNotifierPixmap)
+#include "tst_StatusNotifierPixmap.moc"
