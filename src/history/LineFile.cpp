@@ -182,8 +182,9 @@ void LineFile::forEach(const std::function<void(std::string_view)> &visit) const
         return;
     const std::size_t end = size(file);
     std::string text; // A part of the file that begins with a line.
-    bool isTooLong = false;
-    for (std::size_t at = end - std::min(end, maxBytes); at < end;) {
+    std::size_t at = end - std::min(end, maxBytes);
+    bool isPiece = at > 0; // The line before the next line feed is too long or begins earlier.
+    while (at < end) {
         const std::size_t kept = text.size();
         const std::size_t count = std::min(chunkSize, end - at);
         text.resize(kept + count);
@@ -193,15 +194,16 @@ void LineFile::forEach(const std::function<void(std::string_view)> &visit) const
         std::size_t start = 0;
         for (std::size_t feed = 0; (feed = text.find('\n', start)) != std::string::npos;
              start = feed + 1) {
-            if (feed > start && feed - start <= longestLine && !std::exchange(isTooLong, false))
+            const bool isWhole = !std::exchange(isPiece, false);
+            if (isWhole && feed > start && feed - start <= longestLine)
                 visit(std::string_view(text).substr(start, feed - start));
         }
         text.erase(0, start);
-        isTooLong = isTooLong || text.size() > longestLine;
-        if (isTooLong)
+        isPiece = isPiece || text.size() > longestLine;
+        if (isPiece)
             text.clear();
     }
-    if (!text.empty() && !isTooLong)
+    if (!text.empty() && !isPiece)
         visit(text);
 }
 

@@ -77,7 +77,14 @@ private slots:
     void leavesOutOverlongLines();
     void copesWithALineOfAHundredMegabytes();
     void readsTheEndOfAHugeFile();
+    void leavesOutALineThatBeginsBeforeTheEndOfAHugeFile();
     void leavesAShortFileUntouched();
+    void appendsOnALineOfItsOwn_data();
+    void appendsOnALineOfItsOwn();
+    void keepsTheFirstLineInACut_data();
+    void keepsTheFirstLineInACut();
+    void readsTheFirstLine_data();
+    void readsTheFirstLine();
     void keepsPermissions();
     void keepsALink();
     void replacesATemporaryFileLeftBehind();
@@ -89,6 +96,7 @@ private slots:
 private:
     void write(const QByteArray &contents) const;
     QByteArray contents() const;
+    Lines visited() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
@@ -113,6 +121,14 @@ QByteArray TestLineFile::contents() const
 {
     QFile file(m_path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+/// All lines, one by one.
+Lines TestLineFile::visited() const
+{
+    Lines lines;
+    m_file.forEach([&lines](std::string_view line) { lines.emplace_back(line); });
+    return lines;
 }
 
 void TestLineFile::createsAnEmptyFileOnce()
@@ -177,6 +193,7 @@ void TestLineFile::readsAndCuts()
     for (const std::string &line : m_file.last(static_cast<std::size_t>(count)))
         joined += (joined.isEmpty() ? "" : ",") + QByteArray::fromStdString(line);
     QCOMPARE(joined, last);
+    QCOMPARE(visited(), lastPieces(before, before.size()));
     m_file.keepLast(static_cast<std::size_t>(count));
     QTEST(contents(), "after");
 }
@@ -189,6 +206,7 @@ void TestLineFile::agreesWithAPlainSplit()
         const auto count = static_cast<int>(random() % 45);
         write(before);
         QVERIFY(m_file.last(static_cast<std::size_t>(count)) == lastPieces(before, count));
+        QVERIFY(visited() == lastPieces(before, before.size()));
         m_file.keepLast(static_cast<std::size_t>(count));
         QVERIFY(contents() == trimmedContents(before, count));
     }
@@ -202,10 +220,21 @@ void TestLineFile::leavesOutOverlongLines()
     // An overlong line counts as a line.
     QCOMPARE(m_file.last(2), Lines{"last"});
     QCOMPARE(m_file.last(3), (Lines{fits.toStdString(), "last"}));
+    QCOMPARE(visited(), (Lines{"first", fits.toStdString(), "last"}));
     m_file.keepLast(2);
     QVERIFY(contents() == tooLong + "\nlast\n");
-    write(fits + "a\nlast\n");
-    QCOMPARE(m_file.last(2), Lines{"last"});
+    for (const char *end : {"\nlast\n", "\n\nlast"}) {
+        write(fits + 'a' + end);
+        QCOMPARE(m_file.last(2), Lines{"last"});
+        QCOMPARE(visited(), Lines{"last"});
+    }
+    // Its end lies at the beginning of a read.
+    write(fits + fits + "\nlast\n");
+    QCOMPARE(visited(), Lines{"last"});
+    write(fits + 'a');
+    QCOMPARE(visited(), Lines());
+    write(fits);
+    QCOMPARE(visited(), Lines{fits.toStdString()});
 }
 
 void TestLineFile::copesWithALineOfAHundredMegabytes()
@@ -237,10 +266,32 @@ void TestLineFile::readsTheEndOfAHugeFile()
         file.write("\nsecond\nthird\n");
     }
     QCOMPARE(m_file.last(60), (Lines{"second", "third"}));
+    QCOMPARE(visited(), (Lines{"second", "third"}));
     m_file.keepLast(2); // Finds no more lines than these, so it cuts nothing.
     QVERIFY(QFile(m_path).size() > qint64(5) << 30);
     m_file.keepLast(1);
     QCOMPARE(contents(), QByteArray("third\n"));
+}
+
+void TestLineFile::leavesOutALineThatBeginsBeforeTheEndOfAHugeFile()
+{
+    write({});
+    {
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.resize(qint64(LineFile::maxBytes)));
+        QVERIFY(file.seek(90));
+        file.write("\nbefore\nin it\n"); // The end begins behind "be".
+        QVERIFY(file.seek(file.size() - 3));
+        file.write("\nz\n" + QByteArray(90, 'y') + "\nlast");
+    }
+    QCOMPARE(QFile(m_path).size(), qint64(LineFile::maxBytes) + 95);
+    const Lines end{"z", std::string(90, 'y'), "last"};
+    QCOMPARE(m_file.last(3), end);
+    Lines found = visited();
+    QCOMPARE(found.front(), "in it");
+    found.erase(found.begin());
+    QCOMPARE(found, end);
 }
 
 void TestLineFile::leavesAShortFileUntouched()
@@ -253,6 +304,61 @@ void TestLineFile::leavesAShortFileUntouched()
     QCOMPARE(stat(m_path.toLocal8Bit().constData(), &after), 0);
     QCOMPARE(after.st_ino, before.st_ino);
     QCOMPARE(contents(), QByteArray("a\n\nb"));
+}
+
+void TestLineFile::appendsOnALineOfItsOwn_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::newRow("an empty file gets the first line") << QByteArray() << QByteArray("mark\nb\n");
+    QTest::newRow("behind a whole line") << QByteArray("a\n") << QByteArray("a\nb\n");
+    QTest::newRow("behind a cut line") << QByteArray("a") << QByteArray("a\nb\n");
+}
+
+void TestLineFile::appendsOnALineOfItsOwn()
+{
+    QFETCH(QByteArray, before);
+    write(before);
+    m_file.appendWhole("b", "mark");
+    QTEST(contents(), "after");
+}
+
+void TestLineFile::keepsTheFirstLineInACut_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::newRow("one line too many")
+        << QByteArray("mark\na\nb\nc\n") << QByteArray("mark\nb\nc\n");
+    QTest::newRow("as many as are kept")
+        << QByteArray("mark\na\n\nb") << QByteArray("mark\na\n\nb");
+    QTest::newRow("it was damaged") << QByteArray("ma\na\nb\nc\n") << QByteArray("mark\nb\nc\n");
+}
+
+void TestLineFile::keepsTheFirstLineInACut()
+{
+    QFETCH(QByteArray, before);
+    write(before);
+    m_file.keepLast(2, "mark");
+    QTEST(contents(), "after");
+}
+
+void TestLineFile::readsTheFirstLine_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QByteArray>("expected");
+    QTest::newRow("of several") << QByteArray("mark\na\n") << QByteArray("mark");
+    QTest::newRow("without its line feed") << QByteArray("mark") << QByteArray("mark");
+    QTest::newRow("empty") << QByteArray("\na\n") << QByteArray();
+    QTest::newRow("no contents") << QByteArray() << QByteArray();
+    QTest::newRow("as far as it is a few words") << QByteArray(300, 'x') + '\n'
+                                                 << QByteArray(256, 'x');
+}
+
+void TestLineFile::readsTheFirstLine()
+{
+    QFETCH(QByteArray, contents);
+    write(contents);
+    QTEST(QByteArray::fromStdString(m_file.first()), "expected");
 }
 
 void TestLineFile::keepsPermissions()
@@ -333,6 +439,8 @@ void TestLineFile::refusesWhatIsNotAFile()
     m_file.create();
     m_file.append("lost");
     QVERIFY(m_file.last(60).empty());
+    QVERIFY(visited().empty() && m_file.first().empty());
+    m_file.appendWhole("lost", "first");
     m_file.keepLast(0);
     struct stat status = {};
     QCOMPARE(lstat(m_path.toLocal8Bit().constData(), &status), 0);
@@ -342,6 +450,8 @@ void TestLineFile::refusesWhatIsNotAFile()
 void TestLineFile::isHarmlessWithoutAFile()
 {
     QVERIFY(m_file.last(60).empty());
+    QVERIFY(visited().empty() && m_file.first().empty());
+    m_file.appendWhole("lost", "first");
     m_file.keepLast(0);
     QVERIFY(!QFile::exists(m_path));
     const LineFile nowhere((m_path + "/deeper/lines"_L1).toStdString());
