@@ -1,3 +1,4 @@
+#include "processes/AIProcessDetector.h"
 #include "processes/SecondRules.h"
 
 #include <QFile>
@@ -61,6 +62,8 @@ class TestSecondRules : public QObject {
 private slots:
     void recognisesRunners_data();
     void recognisesRunners();
+    void looksAtTheNamesOfRunners_data();
+    void looksAtTheNamesOfRunners();
     void coversEveryFramework();
     void leavesOthersAlone_data();
     void leavesOthersAlone();
@@ -90,6 +93,25 @@ void TestSecondRules::recognisesRunners()
     const bool isPart = columns[1] == "ancestor"_L1;
     QCOMPARE(found->isPart, isPart);
     QCOMPARE(found->model, isPart || columns[1] == "-"_L1 ? Model() : Model(columns[1]));
+    // The arguments of other names are never read.
+    QVERIFY(AIProcessDetector::nameLooksRelevant(columns[2]) || nameMayBeARunner(columns[2]));
+}
+
+void TestSecondRules::looksAtTheNamesOfRunners_data()
+{
+    QTest::addColumn<bool>("expected");
+    for (const char *name :
+         {"vllm", "VLLM::Worker", "sglang::schedul", "exo", "text-generation", "Node", "chat",
+          "pt_main_thread", "model.LLAMAFILE", "any-name-of-fif", "mlx_lm.generate"})
+        QTest::newRow(name) << true;
+    for (const char *name :
+         {"", "java", "firefox", "bash", "exodus", "chat2", "llamafiles", "any-name-of-four"})
+        QTest::newRow(name) << false;
+}
+
+void TestSecondRules::looksAtTheNamesOfRunners()
+{
+    QTEST(nameMayBeARunner(QString::fromUtf8(QTest::currentDataTag())), "expected");
 }
 
 void TestSecondRules::coversEveryFramework()
