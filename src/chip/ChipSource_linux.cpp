@@ -26,8 +26,8 @@ public:
         : m_now(now),
           m_patience(patience),
           m_stat(root),
-          m_gpus(root, nvidiaLibrary, now, std::move(gpus), patience),
-          m_sensorWatch(root)
+          m_gpus(root, nvidiaLibrary, now, std::move(gpus), patience, m_drivers),
+          m_sensorWatch(root, m_drivers)
     {
         readTicks();
         readSensors(m_patience.first);
@@ -36,8 +36,7 @@ public:
     ChipReading sample()
     {
         readTicks();
-        readSensors(std::exchange(m_isFirst, false) ? m_patience.first : m_patience.later);
-        m_from.gpus = std::exchange(m_to.gpus, m_gpus.read());
+        askDrivers();
         ChipReading reading = chipReading(m_from, m_to, m_clusters);
         if (!m_to.cpu.ticks.empty()) {
             reading.cpuCoreUtilizations = coreUtilizations(m_lastTicks, m_to.cpu.ticks);
@@ -52,6 +51,14 @@ private:
     {
         m_from.cpu.ticks =
             std::exchange(m_to.cpu.ticks, m_stat.read().value_or(std::vector<CoreTicks>()));
+    }
+
+    /// In one batch, so that all their files together cost one wake-up.
+    void askDrivers()
+    {
+        const ReaderThread::Batch batch(*m_drivers);
+        readSensors(std::exchange(m_isFirst, false) ? m_patience.first : m_patience.later);
+        m_from.gpus = std::exchange(m_to.gpus, m_gpus.read());
     }
 
     /// A late answer leaves what is known of the sensors as it was, until it is too old.
@@ -121,6 +128,7 @@ private:
     std::function<double()> m_now;
     ReaderPatience m_patience;
     ProcStatFile m_stat;
+    std::shared_ptr<ReaderThread> m_drivers = std::make_shared<ReaderThread>();
     GPUWatch m_gpus;
     SensorWatch m_sensorWatch;
     std::shared_ptr<const SensorReading> m_sensors = {}; ///< The newest; null without any.

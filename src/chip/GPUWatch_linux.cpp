@@ -3,6 +3,7 @@
 #include "drivers/GPUNames_linux.h"
 #include "gpu/NvidiaGPUs_linux.h"
 #include "threads/OneThread.h"
+#include "threads/Slot.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,6 +13,11 @@
 namespace corvane {
 
 namespace {
+
+using DevicesPointer = std::shared_ptr<const FileDevices>;
+using DevicesSlot = Slot<DevicesPointer>;
+
+constexpr double secondsBetweenScans = 60;
 
 /// Both the kernel's folder of a device and the identity of NVIDIA's end in the address.
 QStringView addressOf(const GPUCoverage &gpu)
@@ -43,7 +49,10 @@ struct GPUWatch::Devices {
     ReaderPatience patience;
     NvidiaGPUs nvidia;
     std::shared_ptr<GPUHandOver> handOver;
-    std::vector<GPUDevice> gpus = {};       ///< Whose drivers publish files.
+    std::shared_ptr<ReaderThread> thread;
+    std::vector<GPUDevice> gpus = {}; ///< Whose drivers publish files.
+    /// The devices that the thread reads, as found last.
+    std::shared_ptr<DevicesSlot> found = std::make_shared<DevicesSlot>();
     std::unique_ptr<Reader> reader = {};    ///< Null where there is nothing to read.
     std::vector<GPUCoverage> coverage = {}; ///< Of `gpus`.
     /// Of `gpus`, as published; null until it is known.
@@ -51,7 +60,7 @@ struct GPUWatch::Devices {
     bool isPublished = false; ///< `access`.
     std::optional<NPUReading> npu = {};
     double nextScan = -std::numeric_limits<double>::infinity();
-    OneThread thread = {};
+    OneThread user = {};
 
     void scanWhenDue(double now);
     void setReader(bool isNeeded);
@@ -60,30 +69,32 @@ struct GPUWatch::Devices {
     void publishAccess();
 };
 
-/// Opens no file: that is left to the reader, which searches at the same times.
+/// Drivers are loaded late, and boxes with a GPU are plugged in. Opens no file: that is left to the
+/// reader.
 void GPUWatch::Devices::scanWhenDue(double now)
 {
     if (now < nextScan)
         return;
-    nextScan = now + FileGPUs::secondsBetweenScans;
+    nextScan = now + secondsBetweenScans;
 
-    std::vector<GPUDevice> found = findGPUDevices(root);
+    std::vector<GPUDevice> all = findGPUDevices(root);
     const auto isOfFiles = [](const GPUDevice &gpu) { return gpu.driver != GPUDriver::nvidia; };
-    const auto nvidias = std::stable_partition(found.begin(), found.end(), isOfFiles);
-    nvidia.setDevices({nvidias, found.end()});
+    const auto nvidias = std::stable_partition(all.begin(), all.end(), isOfFiles);
+    nvidia.setDevices({nvidias, all.end()});
     isPublished = false;
-    found.erase(nvidias, found.end());
-    const bool hasNPU = findNPUDevice(root).has_value();
-    if (!hasNPU)
+    all.erase(nvidias, all.end());
+    const auto foundNPU = findNPUDevice(root);
+    if (!foundNPU)
         npu.reset();
     else if (!npu)
         npu.emplace();
-    if (found != gpus) {
-        gpus = std::move(found);
+    if (all != gpus) {
+        gpus = std::move(all);
         coverage.clear();
         access.reset();
     }
-    setReader(!gpus.empty() || hasNPU);
+    found->put(std::make_shared<const FileDevices>(FileDevices{.gpus = gpus, .npu = foundNPU}));
+    setReader(!gpus.empty() || foundNPU);
 }
 
 void GPUWatch::Devices::setReader(bool isNeeded)
@@ -92,11 +103,17 @@ void GPUWatch::Devices::setReader(bool isNeeded)
         reader.reset();
     if (!isNeeded || reader)
         return;
-    reader = std::make_unique<Reader>([root = root, next = nextScan] {
-        return [files = std::make_shared<FileGPUs>(root, next)](double now) {
+    const auto open = [root = root, found = found] {
+        return [files = std::make_shared<FileGPUs>(root), found,
+                known = DevicesPointer()](double now) mutable {
+            if (const DevicesPointer newest = found->get(); newest != known) {
+                files->setDevices(*newest);
+                known = newest;
+            }
             return files->read(now);
         };
-    });
+    };
+    reader = std::make_unique<Reader>(open, Reader::oldestLive, thread);
 }
 
 /// Their driver hangs.
@@ -151,12 +168,13 @@ std::vector<GPUReading> GPUWatch::Devices::readFiles(double now)
 
 GPUWatch::GPUWatch(const std::string &root, std::string nvidiaLibrary,
                    std::function<double()> clock, std::shared_ptr<GPUHandOver> handOver,
-                   ReaderPatience patience)
+                   ReaderPatience patience, std::shared_ptr<ReaderThread> thread)
     : m_devices(new Devices{.root = root,
                             .clock = clock,
                             .patience = patience,
                             .nvidia = NvidiaGPUs(std::move(nvidiaLibrary), clock, root),
-                            .handOver = std::move(handOver)})
+                            .handOver = std::move(handOver),
+                            .thread = std::move(thread)})
 {
     m_devices->scanWhenDue(m_devices->clock());
 }
@@ -165,7 +183,7 @@ GPUWatch::~GPUWatch() = default;
 
 std::vector<GPUReading> GPUWatch::read()
 {
-    m_devices->thread.check();
+    m_devices->user.check();
     const double now = m_devices->clock();
     m_devices->scanWhenDue(now);
     std::vector<GPUReading> readings = m_devices->readFiles(now);

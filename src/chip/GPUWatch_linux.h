@@ -16,17 +16,19 @@ namespace corvane {
 
 /// Reads every GPU of a Linux machine, and its NPU, unless that would wake it or keep it awake.
 /// Nothing else may touch their files. Drivers and libraries are asked on other threads, so no call
-/// of this class waits for them longer than its patience; there is one for all drivers' files, and
-/// only where there are such. Owned by the chip's source, used on one thread.
+/// of this class waits for them longer than its patience. Owned by the chip's source, used on one
+/// thread.
 class GPUWatch {
 public:
     /// `root` is the folder below which the kernel files lie. NVIDIA's management library is opened
     /// from `nvidiaLibrary`; an empty name: never. The library is not waited for. `handOver`
-    /// receives at each reading which GPUs may be touched.
+    /// receives at each reading which GPUs may be touched. `thread` reads the drivers' files, and
+    /// may be shared with other readers of the same user.
     explicit GPUWatch(const std::string &root, std::string nvidiaLibrary = {},
                       std::function<double()> clock = secondsSinceBoot,
                       std::shared_ptr<GPUHandOver> handOver = std::make_shared<GPUHandOver>(),
-                      ReaderPatience patience = {});
+                      ReaderPatience patience = {},
+                      std::shared_ptr<ReaderThread> thread = std::make_shared<ReaderThread>());
     ~GPUWatch();
 
     /// Asks for the values of this tick, and returns the newest of each GPU that can be read. To be

@@ -7,7 +7,6 @@
 #include "gpu/GPUDevices_linux.h"
 #include "platform/KernelFolder_linux.h"
 #include "thermal/TemperatureFiles_linux.h"
-#include "threads/Mutex.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,6 +24,11 @@ bool hasDrivers(const std::string &root)
                           "/sys/class/hwmon/", "/sys/class/thermal/", "/sys/class/power_supply/"};
     return std::ranges::any_of(
         folders, [&](const char *folder) { return !namesInFolder(root + folder).empty(); });
+}
+
+bool isGPU(const std::string &device)
+{
+    return gpuDriver(device).has_value();
 }
 
 } // namespace
@@ -48,7 +52,6 @@ public:
     Value read(double now, const BusiestCPUs &busiest)
     {
         m_now = now;
-        m_gpus.reset();
         const auto reading = std::make_shared<SensorReading>();
         reading->seconds = now;
         reading->clusters = m_clusters;
@@ -57,27 +60,15 @@ public:
                 m_frequencies[place].read(place < busiest.size() ? busiest[place] : std::nullopt));
         reading->packages = m_packages.read();
         reading->countsPackages = m_packages.exist();
-        reading->temperatures = m_temperatures.read(m_isGPU);
-        reading->systemPower = m_systemPower.read(m_isGPU);
+        reading->temperatures = m_temperatures.read(isGPU);
+        reading->systemPower = m_systemPower.read(isGPU);
         return reading;
     }
 
 private:
-    /// Looks for the GPUs at most once a reading, when a reader searches for sensors.
-    bool isGPU(const std::string &folder)
-    {
-        if (!m_gpus)
-            m_gpus = findGPUDevices(m_root);
-        return std::ranges::find(*m_gpus, folder, &GPUDevice::folder) != m_gpus->end();
-    }
-
     std::string m_root;
     double m_now = -std::numeric_limits<double>::infinity();
     std::function<double()> m_clock = [this] { return m_now; };
-    std::optional<std::vector<GPUDevice>> m_gpus = {};
-    std::function<bool(const std::string &)> m_isGPU = [this](const std::string &folder) {
-        return isGPU(folder);
-    };
     std::shared_ptr<const std::vector<CPUCluster>> m_clusters;
     std::vector<CPUFrequencyFiles> m_frequencies; ///< In the order of the clusters.
     PackageEnergyFiles m_packages;
@@ -85,29 +76,10 @@ private:
     SystemPowerWatch m_systemPower;
 };
 
-/// Hands the busiest CPUs of a tick to the reader's thread.
-class SensorWatch::BusiestSlot {
-public:
-    void put(BusiestCPUs busiest)
-    {
-        const MutexLock lock(m_mutex);
-        m_busiest = std::move(busiest);
-    }
-
-    BusiestCPUs get()
-    {
-        const MutexLock lock(m_mutex);
-        return m_busiest;
-    }
-
-private:
-    Mutex m_mutex = {};
-    BusiestCPUs m_busiest GUARDED_BY(m_mutex) = {};
-};
-
-SensorWatch::SensorWatch(std::string root)
+SensorWatch::SensorWatch(std::string root, std::shared_ptr<ReaderThread> thread)
     : m_root(std::move(root)),
-      m_busiest(std::make_shared<BusiestSlot>())
+      m_thread(std::move(thread)),
+      m_busiest(std::make_shared<Slot<BusiestCPUs>>())
 {
 }
 
@@ -125,10 +97,12 @@ void SensorWatch::searchWhenDue(double now)
         return;
     }
     m_files.reset();
-    m_reader = std::make_unique<BackgroundReader<Value>>([root = m_root, busiest = m_busiest] {
+    const auto open = [root = m_root, busiest = m_busiest] {
         const auto files = std::make_shared<Files>(root);
         return [files, busiest](double instant) { return files->read(instant, busiest->get()); };
-    });
+    };
+    using Reader = BackgroundReader<Value>;
+    m_reader = std::make_unique<Reader>(open, Reader::oldestLive, m_thread);
 }
 
 std::shared_ptr<const SensorReading> SensorWatch::read(double now, const BusiestCPUs &busiest,

@@ -5,6 +5,7 @@
 #include "cpu/PackageEnergy.h"
 #include "thermal/ChipTemperatures.h"
 #include "threads/BackgroundReader.h"
+#include "threads/Slot.h"
 
 #include <chrono>
 #include <limits>
@@ -31,13 +32,15 @@ struct SensorReading {
 using BusiestCPUs = std::vector<std::optional<int>>;
 
 /// Reads frequencies, energy, temperatures and the power of the whole machine. Drivers and firmware
-/// answer these files, sometimes late or never: a thread of its own reads them, and nobody waits
-/// for it longer than the patience that is passed. A machine without any such driver, as most
-/// virtual ones, has no such thread. Owned by the chip's source, used on one thread.
+/// answer these files, sometimes late or never: another thread reads them, and nobody waits for it
+/// longer than the patience that is passed. A machine without any such driver, as most virtual
+/// ones, needs no thread for them. Owned by the chip's source, used on one thread.
 class SensorWatch {
 public:
     /// `root` is the folder below which the kernel files lie.
-    explicit SensorWatch(std::string root);
+    /// `thread` reads them, and may be shared with other readers of the same user.
+    explicit SensorWatch(std::string root,
+                         std::shared_ptr<ReaderThread> thread = std::make_shared<ReaderThread>());
     ~SensorWatch();
 
     /// Asks for a reading and returns the newest one; null when there is none, or when it is older
@@ -48,13 +51,13 @@ public:
 private:
     using Value = std::shared_ptr<const SensorReading>;
     class Files;
-    class BusiestSlot;
 
     void searchWhenDue(double now);
 
     std::string m_root;
-    std::unique_ptr<Files> m_files;         ///< Null once there is a reader.
-    std::shared_ptr<BusiestSlot> m_busiest; ///< Shared with the reader's thread.
+    std::unique_ptr<Files> m_files; ///< Null once there is a reader.
+    std::shared_ptr<ReaderThread> m_thread;
+    std::shared_ptr<Slot<BusiestCPUs>> m_busiest; ///< Shared with the thread.
     std::unique_ptr<BackgroundReader<Value>> m_reader = {};
     double m_nextSearch = -std::numeric_limits<double>::infinity();
 };

@@ -5,14 +5,11 @@
 #include "platform/KernelFolder_linux.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 namespace corvane {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr double secondsBetweenScans = 60;
 constexpr double secondsBetweenReads = 5;
@@ -50,9 +47,7 @@ std::vector<SystemPowerFiles> findSources(const std::string &root,
     const std::string monitors = root + "/sys/class/hwmon/";
     for (const std::string &name : namesInFolder(monitors)) {
         const std::string monitor = monitors + name + "/";
-        std::error_code error;
-        const fs::path device = fs::canonical(monitor + "device", error);
-        if (error || !isGPU(device.string()))
+        if (!isGPU(monitor + "device"))
             appendMonitor(sources, monitor);
     }
     const std::string supplies = root + "/sys/class/power_supply/";

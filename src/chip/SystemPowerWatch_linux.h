@@ -26,7 +26,8 @@ class SystemPowerWatch {
 public:
     explicit SystemPowerWatch(std::string root, std::function<double()> clock = secondsSinceBoot);
 
-    /// Whether this device folder is that of a GPU, whose files are not touched.
+    /// Whether this folder of a device, or link to one, is that of a GPU, whose files are not
+    /// touched.
     using IsGPU = std::function<bool(const std::string &folder)>;
 
     /// Absent while nothing tells it, as on a laptop that is plugged in. To be called once a tick.

@@ -49,8 +49,17 @@ public:
 
     const GPUDevice &device() const { return m_device; }
 
-    /// Its files are searched for anew at the next reading: more of them may have appeared.
-    void forgetFiles() { m_files.reset(); }
+    /// Its files are searched for anew at the next reading, if that is due: more of them may have
+    /// appeared.
+    void forgetFilesWhenDue()
+    {
+        constexpr int firstMinutes = 5;
+        constexpr int minutesBetweenSearches = 10;
+        const bool isDue = m_minutes < firstMinutes || m_minutes % minutesBetweenSearches == 0;
+        if (isDue || (m_files && m_files->count() < m_mostFiles))
+            m_files.reset();
+        ++m_minutes;
+    }
 
     /// Absent when it is asleep, or left alone so that it may fall asleep.
     std::optional<GPUReading> read(double now)
@@ -113,6 +122,7 @@ private:
     void open()
     {
         m_files = std::make_unique<GPUFiles>(m_device);
+        m_mostFiles = std::max(m_mostFiles, m_files->count());
         if (m_device.driver != GPUDriver::amdgpu)
             return;
         if (const std::string name = amdProductName(m_device); !name.empty())
@@ -148,6 +158,8 @@ private:
     GPUSleepGate m_gate = {};
     GPUQuietTime m_quietTime = {};
     std::unique_ptr<GPUFiles> m_files = {}; ///< Made when the GPU is seen awake.
+    std::size_t m_mostFiles = 0;            ///< Of all searches for them.
+    int m_minutes = 0;                      ///< Since it was found.
     std::optional<GPUReading> m_last = {};
     bool m_isAwake = true;
     State m_state = State::asleep; ///< Until it is read.
@@ -157,26 +169,20 @@ private:
     KnownLately m_memory = {};
 };
 
-FileGPUs::FileGPUs(std::string root, double nextScan)
-    : m_root(std::move(root)),
-      m_nextScan(nextScan)
-{
-    scan();
-}
+FileGPUs::FileGPUs(std::string root) : m_root(std::move(root)) { }
 
 FileGPUs::~FileGPUs() = default;
 
 /// A GPU that stays keeps its gate.
-void FileGPUs::scan()
+void FileGPUs::setDevices(const FileDevices &devices)
 {
-    std::vector<GPUDevice> devices = findGPUDevices(m_root);
-    std::erase_if(devices, [](const GPUDevice &gpu) { return gpu.driver == GPUDriver::nvidia; });
-    if (!std::ranges::equal(devices, m_members, {}, {}, &Member::device)) {
-        const std::vector<std::string> names = gpuNames(devices, m_root);
+    if (!std::ranges::equal(devices.gpus, m_members, {}, {}, &Member::device)) {
+        const std::vector<std::string> names = gpuNames(devices.gpus, m_root);
         std::vector<Member> found;
-        for (std::size_t place = 0; place < devices.size(); ++place) {
-            const auto known = std::ranges::find(m_members, devices[place], &Member::device);
-            found.push_back(known == m_members.end() ? Member(devices[place], names[place])
+        for (std::size_t place = 0; place < devices.gpus.size(); ++place) {
+            const GPUDevice &device = devices.gpus[place];
+            const auto known = std::ranges::find(m_members, device, &Member::device);
+            found.push_back(known == m_members.end() ? Member(device, names[place])
                                                      : std::move(*known));
         }
         m_members = std::move(found);
@@ -184,21 +190,16 @@ void FileGPUs::scan()
     }
 
     for (Member &member : m_members)
-        member.forgetFiles();
+        member.forgetFilesWhenDue();
 
-    const auto npu = findNPUDevice(m_root);
-    if (!npu)
+    if (!devices.npu)
         m_npu.reset();
-    else if (!m_npu || m_npu->device() != *npu)
-        m_npu.emplace(*npu);
+    else if (!m_npu || m_npu->device() != *devices.npu)
+        m_npu.emplace(*devices.npu);
 }
 
 FileGPUsReading FileGPUs::read(double now)
 {
-    if (now >= m_nextScan) {
-        m_nextScan = now + secondsBetweenScans;
-        scan();
-    }
     FileGPUsReading reading;
     reading.gpus.reserve(m_members.size());
     reading.coverage.reserve(m_members.size());

@@ -22,27 +22,33 @@ struct FileGPUsReading {
     std::optional<NPUReading> npu = {}; ///< Absent: the machine has none.
 };
 
+/// The devices of a machine whose drivers publish files.
+struct FileDevices {
+    std::vector<GPUDevice> gpus = {}; ///< In the order of their addresses.
+    std::optional<NPUDevice> npu = {};
+};
+
 /// Reads every GPU whose driver publishes files, unless that would wake it or keep it awake, and
 /// the NPU. Nothing else may touch these files. A driver may take long to answer, so it belongs on
 /// a background thread; used on one thread.
 class FileGPUs {
 public:
-    /// `root` is the folder below which the kernel files lie. Devices are searched for at once and
-    /// from `nextScan` on every minute: drivers are loaded late and boxes with a GPU plugged in.
-    FileGPUs(std::string root, double nextScan);
+    /// `root` is the folder below which the kernel files lie.
+    explicit FileGPUs(std::string root);
     ~FileGPUs();
+
+    /// What the machine has now; to be called once a minute. The files of a device are searched
+    /// for anew in each of its first minutes, since drivers may add some late, and while some are
+    /// missing that were there before; otherwise every ten minutes.
+    void setDevices(const FileDevices &devices);
 
     FileGPUsReading read(double now);
 
-    static constexpr double secondsBetweenScans = 60;
-
 private:
     class Member;
-    void scan();
     std::shared_ptr<const std::vector<GPUAccess>> access();
 
     std::string m_root;
-    double m_nextScan;
     std::vector<Member> m_members;
     std::shared_ptr<const std::vector<GPUAccess>> m_access = {}; ///< Null after a search.
     std::optional<NPUFiles> m_npu;

@@ -214,6 +214,16 @@ GPUReading GPUFiles::read(double now)
     return reading;
 }
 
+std::size_t GPUFiles::count() const
+{
+    std::size_t count = m_temperatures.size() + m_ownMemoryTotals.size();
+    for (const auto *file :
+         {&m_busyPercent, &m_idleTime, &m_levels, &m_actualClock, &m_requestedClock,
+          &m_ownMemoryUsed, &m_sharedMemoryUsed, &m_packageParts, &m_energy, &m_power})
+        count += file->has_value() ? 1 : 0;
+    return count;
+}
+
 /// Absent unless all pieces can be read.
 void GPUFiles::readMemoryTotals()
 {

@@ -6,6 +6,7 @@
 #include "platform/KernelFile_linux.h"
 #include "threads/OneThread.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ public:
     explicit GPUFiles(const GPUDevice &device);
 
     GPUReading read(double now);
+
+    /// How many files the driver has for it.
+    std::size_t count() const;
 
     /// All memory of the GPU in bytes, its share of the machine's included; absent when its driver
     /// does not tell. Known from the first reading on.

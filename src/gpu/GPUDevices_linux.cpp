@@ -8,6 +8,8 @@
 #include <map>
 #include <optional>
 
+#include <sys/stat.h>
+
 // Devices are found by the names of folders and by the targets of links alone.
 
 namespace corvane {
@@ -22,26 +24,18 @@ bool exists(const std::string &path)
     return fs::exists(path, error);
 }
 
+/// The inode of a folder; 0 if it is not there.
+std::uint64_t numberOf(const std::string &folder)
+{
+    struct stat status = {};
+    return ::stat(folder.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
 /// `prefix` and a number: connectors and render nodes have other names.
 bool isNumbered(std::string_view name, std::string_view prefix)
 {
     return name.starts_with(prefix) && name.size() > prefix.size()
         && name.find_first_not_of("0123456789", prefix.size()) == std::string_view::npos;
-}
-
-std::optional<GPUDriver> driverOf(const std::string &device)
-{
-    static const std::map<std::string, GPUDriver> drivers = {{"amdgpu", GPUDriver::amdgpu},
-                                                             {"i915", GPUDriver::i915},
-                                                             {"xe", GPUDriver::xe},
-                                                             {"nouveau", GPUDriver::nouveau},
-                                                             {"nvidia", GPUDriver::nvidia}};
-    std::error_code error;
-    const auto driver =
-        drivers.find(fs::read_symlink(device + "/driver", error).filename().string());
-    if (error || driver == drivers.end())
-        return std::nullopt;
-    return driver->second;
 }
 
 /// An APU has neither memory nor a bus of its own, so no files about their load; Intel's is always
@@ -69,13 +63,14 @@ void appendCards(std::vector<GPUDevice> &devices, const std::string &root)
             continue;
         std::error_code error;
         const fs::path folder = fs::canonical(drm + name + "/device", error);
-        const auto driver = error ? std::nullopt : driverOf(folder.string());
+        const auto driver = error ? std::nullopt : gpuDriver(folder.string());
         if (!driver)
             continue;
         GPUDevice device = {.driver = *driver,
                             .address = folder.filename().string(),
                             .folder = folder.string(),
-                            .card = drm + name};
+                            .card = drm + name,
+                            .cardNumber = numberOf(drm + name)};
         device.integrated = isIntegrated(*driver, device);
         devices.push_back(std::move(device));
     }
@@ -109,6 +104,21 @@ void appendHidden(std::vector<GPUDevice> &devices, const std::string &root)
 }
 
 } // namespace
+
+std::optional<GPUDriver> gpuDriver(const std::string &device)
+{
+    static const std::map<std::string, GPUDriver> drivers = {{"amdgpu", GPUDriver::amdgpu},
+                                                             {"i915", GPUDriver::i915},
+                                                             {"xe", GPUDriver::xe},
+                                                             {"nouveau", GPUDriver::nouveau},
+                                                             {"nvidia", GPUDriver::nvidia}};
+    std::error_code error;
+    const auto driver =
+        drivers.find(fs::read_symlink(device + "/driver", error).filename().string());
+    if (error || driver == drivers.end())
+        return std::nullopt;
+    return driver->second;
+}
 
 std::vector<GPUDevice> findGPUDevices(const std::string &root)
 {

@@ -4,13 +4,10 @@
 #include "platform/KernelText.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace corvane {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int readsBetweenScans = 60; ///< Drivers come and go, but rarely.
 
@@ -21,14 +18,6 @@ std::optional<std::string> sensorStem(const std::string &name)
     if (!name.starts_with("temp") || !name.ends_with(suffix))
         return std::nullopt;
     return name.substr(0, name.size() - suffix.size());
-}
-
-/// By the device that it monitors; reading even its name could wake a GPU.
-bool belongsToGPU(const std::string &monitor, const TemperatureFiles::IsGPU &isGPU)
-{
-    std::error_code error;
-    const fs::path device = fs::canonical(monitor + "device", error);
-    return !error && isGPU(device.string());
 }
 
 } // namespace
@@ -58,7 +47,7 @@ void TemperatureFiles::scanMonitors(const IsGPU &isGPU)
     const std::string folder = m_root + "/sys/class/hwmon/";
     for (const std::string &monitor : namesInFolder(folder)) {
         const std::string path = folder + monitor + "/";
-        if (belongsToGPU(path, isGPU))
+        if (isGPU(path + "device")) // Reading even its name could wake a GPU.
             continue;
         SensorDevice device = {.driver = readTrimmedFile(path + "name")};
         if (!isChipDriver(device.driver))

@@ -18,7 +18,7 @@ public:
     /// `root` is the folder below which the kernel files lie.
     explicit TemperatureFiles(const std::string &root = "/");
 
-    /// Whether this device folder is that of a GPU.
+    /// Whether this folder of a device, or link to one, is that of a GPU.
     using IsGPU = std::function<bool(const std::string &folder)>;
 
     /// The sensors that can be read now. The files of GPUs are left to their watch, which reads

@@ -2,7 +2,7 @@
 
 #include "threads/Mutex.h"
 #include "threads/OneThread.h"
-#include "threads/ThreadStart.h"
+#include "threads/ReaderThread.h"
 
 #include <chrono>
 #include <functional>
@@ -20,7 +20,7 @@ struct ReaderPatience {
     std::chrono::milliseconds later = {};
 };
 
-/// Reads a value again and again on a thread of its own, since a driver may take seconds for it, or
+/// Reads a value again and again on another thread, since a driver may take seconds for it, or
 /// never answer. Used on one thread, which waits for the other only as long as it says. While the
 /// system refuses the thread there is no value; each request tries to start it again.
 template <typename Value>
@@ -29,32 +29,25 @@ public:
     /// Runs on the reader's thread, with the instant of the request.
     using Read = std::function<Value(double now)>;
 
-    /// Creates the function, on the thread, at the first request: opening may stall too. What the
-    /// function owns ends there.
+    /// Creates the function, on the thread, at the first request: opening may stall too. Once more
+    /// where the reader had to leave a shared thread on which another one stalls.
     using Open = std::function<Read()>;
 
     static constexpr double oldestLive = 2.5; ///< Seconds.
 
-    /// A value that was asked for longer ago than `oldest` seconds is absent.
-    explicit BackgroundReader(Open open, double oldest = oldestLive)
-        : m_mailbox(std::make_shared<Mailbox>()),
-          m_open(std::move(open)),
+    /// A value that was asked for longer ago than `oldest` seconds is absent. `thread` may be
+    /// shared with other readers of the same user.
+    explicit BackgroundReader(
+        Open open, double oldest = oldestLive,
+        std::shared_ptr<ReaderThread> thread = std::make_shared<ReaderThread>())
+        : m_mailbox(std::make_shared<Mailbox>(std::move(open))),
+          m_thread(std::move(thread)),
           m_oldest(oldest)
     {
     }
 
-    /// Waits a second at most. A thread whose read never ends is left behind; it ends by itself
-    /// when the read does.
-    ~BackgroundReader()
-    {
-        constexpr std::chrono::seconds patience(1);
-        if (!m_thread.joinable())
-            return;
-        if (m_mailbox->end(patience))
-            m_thread.join();
-        else
-            m_thread.detach();
-    }
+    /// Waits a second at most. A read that never ends is left behind.
+    ~BackgroundReader() { m_thread->withdraw(*m_mailbox, std::chrono::seconds(1)); }
 
     BackgroundReader(const BackgroundReader &) = delete;
     BackgroundReader &operator=(const BackgroundReader &) = delete;
@@ -64,10 +57,16 @@ public:
     void request(double now, std::chrono::milliseconds patience = {})
     {
         m_user.check();
-        if (!m_thread.joinable())
-            m_thread = startThread([mailbox = m_mailbox, open = m_open] { mailbox->work(open); });
-        if (m_thread.joinable())
-            m_mailbox->post(now, patience);
+        if (m_thread->leaveIfStalled(*m_mailbox, now))
+            m_thread = std::make_shared<ReaderThread>();
+        if (!m_thread->start())
+            return;
+        const bool isIdle = m_mailbox->put(now);
+        m_thread->post(m_mailbox, now);
+        if (!isIdle || patience.count() <= 0)
+            return; // The read for an earlier request may never end.
+        m_thread->wake();
+        m_mailbox->waitForAnswer(patience);
     }
 
     /// The same, with the patience for the first request or that for a later one.
@@ -84,59 +83,11 @@ public:
 
 private:
     /// What passes between the two threads.
-    class Mailbox {
+    class Mailbox : public ReaderThread::Job {
     public:
-        /// Waits for the answer, unless an earlier one is due: that read may never end.
-        void post(double now, std::chrono::milliseconds patience)
-        {
-            const bool isIdle = put(now);
-            m_asked.notifyAll();
-            if (isIdle && patience.count() > 0)
-                waitForAnswer(patience);
-        }
+        explicit Mailbox(Open open) : m_open(std::move(open)) { }
 
-        std::optional<Value> newest(double since)
-        {
-            const MutexLock lock(m_mutex);
-            return m_value && m_valueInstant >= since ? m_value : std::nullopt;
-        }
-
-        /// False when the thread did not end in that time.
-        bool end(std::chrono::milliseconds patience)
-        {
-            MutexLock lock(m_mutex);
-            m_ending = true;
-            m_asked.notifyAll();
-            const auto deadline = Clock::now() + patience;
-            while (!m_ended && waitUntil(lock, deadline)) { }
-            return m_ended;
-        }
-
-        /// The thread.
-        void work(const Open &open)
-        {
-            Read read;
-            while (const auto request = take()) {
-                if (!read)
-                    read = open();
-                answer(*request, read(request->instant));
-                m_told.notifyAll();
-            }
-            read = nullptr;
-            const MutexLock lock(m_mutex);
-            m_ended = true;
-            m_told.notifyAll();
-        }
-
-    private:
-        using Clock = std::chrono::steady_clock;
-        struct Request {
-            unsigned long number = 0;
-            double instant = 0;
-        };
-
-        /// Whether no earlier request was due. Who calls it wakes the thread afterwards, without
-        /// the lock, or the thread would wake only to wait for that.
+        /// Whether no earlier request was due.
         bool put(double now)
         {
             const MutexLock lock(m_mutex);
@@ -146,30 +97,67 @@ private:
             return isIdle;
         }
 
-        /// Likewise.
-        void answer(const Request &request, Value value)
-        {
-            const MutexLock lock(m_mutex);
-            m_value = std::move(value);
-            m_valueInstant = request.instant;
-            m_answered = request.number;
-        }
-
-        std::optional<Request> take()
-        {
-            MutexLock lock(m_mutex);
-            while (m_requested == m_answered && !m_ending)
-                m_asked.wait(lock);
-            if (m_ending)
-                return std::nullopt;
-            return Request{m_requested, m_instant};
-        }
-
         void waitForAnswer(std::chrono::milliseconds patience)
         {
             MutexLock lock(m_mutex);
             const auto deadline = Clock::now() + patience;
             while (m_answered != m_requested && waitUntil(lock, deadline)) { }
+        }
+
+        std::optional<Value> newest(double since) const
+        {
+            const MutexLock lock(m_mutex);
+            return m_value && m_valueInstant >= since ? m_value : std::nullopt;
+        }
+
+        /// On the thread.
+        void run() override
+        {
+            m_answer.reset();
+            const auto request = take();
+            if (!request)
+                return;
+            if (!m_read || m_reader != std::this_thread::get_id())
+                m_read = m_open();
+            m_reader = std::this_thread::get_id();
+            m_answer = Answer{*request, m_read(request->instant)};
+        }
+
+        /// On the thread. It counts as free by then: the next request may follow at once.
+        void tell() override
+        {
+            if (!m_answer)
+                return;
+            store(std::move(*m_answer));
+            m_told.notifyAll();
+        }
+
+    private:
+        using Clock = std::chrono::steady_clock;
+        struct Request {
+            unsigned long number = 0;
+            double instant = 0;
+        };
+        struct Answer {
+            Request request = {};
+            Value value = {};
+        };
+
+        /// Absent when the newest request was answered.
+        std::optional<Request> take() const
+        {
+            const MutexLock lock(m_mutex);
+            if (m_requested == m_answered)
+                return std::nullopt;
+            return Request{m_requested, m_instant};
+        }
+
+        void store(Answer answer)
+        {
+            const MutexLock lock(m_mutex);
+            m_value = std::move(answer.value);
+            m_valueInstant = answer.request.instant;
+            m_answered = answer.request.number;
         }
 
         /// False when the time is over.
@@ -183,22 +171,22 @@ private:
             return true;
         }
 
-        Mutex m_mutex = {};
-        Condition m_asked = {};                            ///< Wakes the thread.
+        Open m_open;
+        Read m_read = {};                    ///< Used by the thread alone, as the next two.
+        std::thread::id m_reader = {};       ///< The thread that opened it.
+        std::optional<Answer> m_answer = {}; ///< Absent when nothing was due.
+        mutable Mutex m_mutex = {};
         Condition m_told = {};                             ///< Wakes its user.
         unsigned long m_requested GUARDED_BY(m_mutex) = 0; ///< Number of the newest request.
         unsigned long m_answered GUARDED_BY(m_mutex) = 0;
         double m_instant GUARDED_BY(m_mutex) = 0; ///< Of the newest request.
         std::optional<Value> m_value GUARDED_BY(m_mutex) = {};
         double m_valueInstant GUARDED_BY(m_mutex) = 0;
-        bool m_ending GUARDED_BY(m_mutex) = false;
-        bool m_ended GUARDED_BY(m_mutex) = false;
     };
 
     std::shared_ptr<Mailbox> m_mailbox; ///< Shared with the thread, which may outlive this object.
-    Open m_open;
+    std::shared_ptr<ReaderThread> m_thread;
     double m_oldest;
-    std::thread m_thread = {}; ///< Not joinable until it could be started.
     bool m_hasAsked = false;
     mutable OneThread m_user = {};
 };

@@ -33,6 +33,28 @@ QStringList texts(const FileGPUsReading &reading)
     return texts;
 }
 
+/// What the watch of the GPUs finds.
+FileDevices devicesBelow(const std::string &root)
+{
+    FileDevices found = {.gpus = findGPUDevices(root), .npu = findNPUDevice(root)};
+    std::erase_if(found.gpus, [](const GPUDevice &gpu) { return gpu.driver == GPUDriver::nvidia; });
+    return found;
+}
+
+/// Reads all of a machine's devices.
+class Files : public FileGPUs {
+public:
+    explicit Files(const MachineTree &tree) : FileGPUs(tree.root()), m_root(tree.root())
+    {
+        search();
+    }
+
+    void search() { setDevices(devicesBelow(m_root)); }
+
+private:
+    std::string m_root;
+};
+
 /// A discrete card in a free slot.
 void addCard(const MachineTree &tree, int number, const std::string &driver)
 {
@@ -55,6 +77,8 @@ private slots:
     void areLeftAsleep();
     void keepTheirKnowledgeWhileTheySleep();
     void comeAndGo();
+    void areSearchedForAgainWhereFilesCame_data();
+    void areSearchedForAgainWhereFilesCame();
     void tellOthersWhatMayBeTouched();
     void haveTheNPUBesideThem();
 };
@@ -80,7 +104,7 @@ void TestFileGPUs::tellWhatTheyPublish()
 {
     QFETCH(std::string, machine);
     const MachineTree tree(machine);
-    FileGPUs gpus(tree.root(), 1000);
+    Files gpus(tree);
     gpus.read(100);
     QTEST(texts(gpus.read(101)), "expected");
 }
@@ -89,7 +113,7 @@ void TestFileGPUs::areLeftAsleep()
 {
     const MachineTree tree("amd-desktop");
     tree.write(amdSlot + "/power/runtime_status", "suspended\n");
-    FileGPUs gpus(tree.root(), 1000);
+    Files gpus(tree);
     AccessWatch files(tree.root() + '/' + amdSlot);
     const FileGPUsReading reading = gpus.read(100);
     QVERIFY(reading.gpus.empty());
@@ -102,7 +126,7 @@ void TestFileGPUs::areLeftAsleep()
 void TestFileGPUs::keepTheirKnowledgeWhileTheySleep()
 {
     const MachineTree tree("amd-desktop");
-    FileGPUs gpus(tree.root(), 1000);
+    Files gpus(tree);
     QCOMPARE(gpus.read(100).gpus.size(), std::size_t(1));
     tree.write(amdSlot + "/power/runtime_status", "suspended\n");
     const FileGPUsReading asleep = gpus.read(101);
@@ -117,24 +141,58 @@ void TestFileGPUs::keepTheirKnowledgeWhileTheySleep()
 void TestFileGPUs::comeAndGo()
 {
     const MachineTree tree;
-    FileGPUs gpus(tree.root(), 160);
+    Files gpus(tree);
     addCard(tree, 1, "amdgpu");
     QVERIFY(gpus.read(159).coverage.empty());
+    gpus.search();
     QCOMPARE(texts(gpus.read(160)),
              QStringList{u"AMD GPU 0: unpublished unpublished unpublished"_s});
     addCard(tree, 2, "xe");
     tree.remove("sys/class/drm/card1");
     QCOMPARE(texts(gpus.read(219)).size(), 1);
+    gpus.search();
     QCOMPARE(texts(gpus.read(220)),
              QStringList{u"Intel GPU 0: unpublished unpublished unpublished"_s});
     tree.remove("sys/class/drm");
+    gpus.search();
     QVERIFY(gpus.read(280).coverage.empty());
+}
+
+void TestFileGPUs::areSearchedForAgainWhereFilesCame_data()
+{
+    QTest::addColumn<int>("gone");
+    QTest::addColumn<int>("back");
+    QTest::addColumn<int>("found");
+    QTest::newRow("added in the first minutes") << 0 << 3 << 3;
+    QTest::newRow("added later") << 0 << 6 << 10;
+    QTest::newRow("missing at one search") << 10 << 11 << 11;
+    QTest::newRow("missing for long") << 10 << 15 << 15;
+}
+
+/// From minute `gone` to `back` a file is not there; its value is read from minute `found` on.
+void TestFileGPUs::areSearchedForAgainWhereFilesCame()
+{
+    QFETCH(const int, gone);
+    QFETCH(const int, back);
+    QFETCH(const int, found);
+    const MachineTree tree("amd-desktop");
+    FileGPUs gpus(tree.root());
+    const FileDevices devices = devicesBelow(tree.root());
+    for (int minute = 0; minute < 25; ++minute) {
+        if (minute == gone)
+            tree.remove(amdSlot + "/gpu_busy_percent");
+        if (minute == back)
+            tree.write(amdSlot + "/gpu_busy_percent", "64\n");
+        gpus.setDevices(devices);
+        const bool isRead = gpus.read(100 + 60 * minute).gpus.at(0).busyFraction.has_value();
+        QCOMPARE(isRead, minute < gone || minute >= found);
+    }
 }
 
 void TestFileGPUs::tellOthersWhatMayBeTouched()
 {
     const MachineTree tree("amd-desktop");
-    FileGPUs gpus(tree.root(), 1000);
+    Files gpus(tree);
     QVERIFY(gpus.read(100).access->front().state == GPUAccess::State::open);
     tree.write(amdSlot + "/power/runtime_status", "suspended\n");
     const FileGPUsReading reading = gpus.read(101);
@@ -145,12 +203,13 @@ void TestFileGPUs::tellOthersWhatMayBeTouched()
 void TestFileGPUs::haveTheNPUBesideThem()
 {
     const MachineTree tree("amd-apu-npu-laptop");
-    FileGPUs gpus(tree.root(), 160);
+    Files gpus(tree);
     QCOMPARE(gpus.read(100).npu.value().metrics.activeFraction, std::optional(0.17));
     tree.remove("sys/class/accel/accel0");
+    gpus.search();
     QVERIFY(!gpus.read(160).npu);
     const MachineTree desktop("amd-desktop");
-    QVERIFY(!FileGPUs(desktop.root(), 1000).read(100).npu);
+    QVERIFY(!Files(desktop).read(100).npu);
 }
 
 QTEST_GUILESS_MAIN(TestFileGPUs)

@@ -35,6 +35,8 @@ private slots:
     void anOpeningThatNeverEndsDelaysNothing();
     void aStalledFunctionIsLeftBehindAtTheEnd();
     void anUnusedOneOpensNothing();
+    void severalShareAThread();
+    void aStalledOneSilencesNoOther();
 };
 
 void TestBackgroundReader::readsWhenAsked()
@@ -152,6 +154,78 @@ void TestBackgroundReader::anUnusedOneOpensNothing()
         });
     }
     QCOMPARE(openings, 0);
+}
+
+void TestBackgroundReader::severalShareAThread()
+{
+    const auto thread = std::make_shared<ReaderThread>();
+    const auto open = [] { return [](double) { return std::this_thread::get_id(); }; };
+    using Reader = BackgroundReader<std::thread::id>;
+    Reader one(open, Reader::oldestLive, thread);
+    auto other = std::make_unique<Reader>(open, Reader::oldestLive, thread);
+    one.request(1, untilRead);
+    other->request(1, untilRead);
+    QVERIFY(one.newest(1).value() == other->newest(1).value());
+    {
+        const ReaderThread::Batch batch(*thread);
+        one.request(2, untilRead); // Waits within the batch.
+        QVERIFY(one.newest(4.5).has_value());
+        other->request(2);
+    }
+    TRY_VERIFY(other->newest(4.5).has_value());
+    other.reset();
+    one.request(3, untilRead);
+    QVERIFY(one.newest(5.5).has_value());
+}
+
+/// The stalled one keeps the thread; the other opens its files anew, on another one.
+void TestBackgroundReader::aStalledOneSilencesNoOther()
+{
+    std::binary_semaphore gate(0);
+    std::atomic<bool> hangs = false;
+    std::atomic<bool> hasBegun = false;
+    std::atomic<int> openings = 0; // Outlive the readers.
+    const auto thread = std::make_shared<ReaderThread>();
+    BackgroundReader<double> stalling(
+        [&] {
+            return [&](double now) {
+                hasBegun = hangs.load();
+                if (hangs)
+                    gate.acquire();
+                return now;
+            };
+        },
+        2.5, thread);
+    BackgroundReader<double> other(
+        [&] {
+            ++openings;
+            return [](double now) { return now; };
+        },
+        2.5, thread);
+    stalling.request(1, untilRead);
+    other.request(1, untilRead);
+
+    hangs = true;
+    stalling.request(2);
+    TRY_VERIFY(hasBegun);
+    other.request(2);
+    QCOMPARE(other.newest(2), std::optional(1.0)); // Behind the stalled one, for a tick.
+    for (double now = 3; now < 10; ++now) {
+        stalling.request(now);
+        other.request(now, untilRead);
+        TRY_COMPARE(other.newest(now), std::optional(now));
+    }
+    QCOMPARE(openings, 2);
+    QVERIFY(!stalling.newest(9));
+
+    hangs = false;
+    gate.release();
+    TRY_COMPARE(stalling.newest(9), std::optional(9.0));
+    stalling.request(10, untilRead);
+    other.request(10, untilRead);
+    QCOMPARE(stalling.newest(10), std::optional(10.0));
+    QCOMPARE(other.newest(10), std::optional(10.0));
+    QCOMPARE(openings, 2);
 }
 
 QTEST_GUILESS_MAIN(TestBackgroundReader)
