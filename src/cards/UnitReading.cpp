@@ -18,11 +18,6 @@ double percentOfCeiling(double watts, double ceiling)
     return ceiling > 0 ? std::min(watts / ceiling * 100, 100.0) : 0;
 }
 
-QString gigahertzText(double megahertz)
-{
-    return fixedText(megahertz / 1000, 2) + u" GHz"_s;
-}
-
 /// Sets load and watts; absent ones are denied.
 void setLoadAndWatts(UnitReading &reading, const std::optional<double> &fraction,
                      const std::optional<double> &watts)

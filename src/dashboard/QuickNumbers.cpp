@@ -60,8 +60,8 @@ QuickNumber powerNumber(const SystemMetrics &current, const MachineCoverage &mac
 {
     const std::vector<PowerPart> parts = powerParts(machine);
     const std::optional<double> watts = totalWatts(powerValues(parts, current, machine));
-    const bool ofGPU =
-        machine.cpuWatts == Coverage::locked && machine.packageWatts != Coverage::known;
+    const bool ofGPU = machine.cpuWatts == Coverage::locked
+        && machine.packageWatts != Coverage::known && machine.npuWatts != Coverage::known;
     return {ofGPU ? u"GPU PWR"_s : u"PWR"_s, ofGPU ? u"GPU power"_s : u"Power"_s,
             tightWattsText(watts, 1), watts ? Theme::power : faded(Theme::power), wide};
 }

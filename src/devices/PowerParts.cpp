@@ -109,11 +109,12 @@ QString powerSumText(const std::vector<PowerPart> &parts, const std::vector<Powe
     if (holds(PowerSource::rest) || holds(PowerSource::package)) {
         return gpu && !gpusAreOnPackage(machine) ? u"package and "_s + gpus : u"whole package"_s;
     }
+    const bool npu = holds(PowerSource::ane) && !machine.isWhole;
     if (holds(PowerSource::cpu))
         return gpu ? u"CPU and "_s + gpus : u"CPU only"_s;
     if (gpu)
-        return gpus + u" only"_s;
-    return holds(PowerSource::ane) ? u"NPU only"_s : u"nothing to read"_s;
+        return gpus + (npu ? u" and NPU"_s : u" only"_s);
+    return npu ? u"NPU only"_s : u"nothing to read"_s;
 }
 
 QString systemWattsText(double watts, const QString &source)

@@ -272,8 +272,12 @@ void GPUFiles::readPower(GPUReading &reading)
 void GPUFiles::readPackage(GPUReading &reading)
 {
     m_apuMetrics = parsed(m_packageParts, parseAPUMetrics);
-    if (!m_apuMetrics || !agrees(*m_apuMetrics, reading.packageWatts))
+    if (!m_apuMetrics)
         return;
+    if (!agrees(*m_apuMetrics, reading.packageWatts)) {
+        m_apuMetrics->npuWatts.reset();
+        return;
+    }
     if (!m_apuMetrics->coreWatts || !m_apuMetrics->graphicsWatts)
         return;
     reading.coreWatts = m_apuMetrics->coreWatts;

@@ -33,7 +33,8 @@ public:
     /// Of an integrated GPU: the part of the total that is set aside for it.
     std::optional<std::uint64_t> memoryOwn() const { return m_memoryOwn; }
 
-    /// Of an APU: what its firmware measures, in the newest reading.
+    /// Of an APU: what its firmware measures, in the newest reading. Without the NPU's watts where
+    /// their unit is not that of the package's sensor.
     const std::optional<APUMetrics> &apuMetrics() const { return m_apuMetrics; }
 
 private:

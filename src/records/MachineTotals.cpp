@@ -91,9 +91,13 @@ GPULoadShare loadShare(const GPU &gpu)
     return {gpu.coverage->load == Coverage::asleep ? FigureState::asleep : FigureState::unreadable};
 }
 
-PowerParts partsOfGPUs(int told)
+PowerParts partsWithoutCPU(int gpus, bool npu)
 {
-    return told == 1 ? PowerParts::gpuOnly : PowerParts::gpusOnly;
+    if (gpus == 0)
+        return PowerParts::npuOnly;
+    if (npu)
+        return gpus == 1 ? PowerParts::gpuAndNPU : PowerParts::gpusAndNPU;
+    return gpus == 1 ? PowerParts::gpuOnly : PowerParts::gpusOnly;
 }
 
 PowerParts partsWithCPU(int told, int untold)
@@ -238,11 +242,13 @@ PowerTotal powerTotal(const SystemMetrics &sample)
     countGPUs(true);
     if (!package)
         countGPUs(false); // Else they are part of the package.
-    if (!package && told == 0)
+    const bool npu = sample.chip->npu && sample.chip->npu->watts
+        && coverageOf(sample).npuWatts == Coverage::known;
+    if (!package && told == 0 && !npu)
         return total;
     total.state = FigureState::known;
     total.watts = *watts;
-    total.parts = package ? partsWithCPU(told, untold) : partsOfGPUs(told);
+    total.parts = package ? partsWithCPU(told, untold) : partsWithoutCPU(told, npu);
     return total;
 }
 

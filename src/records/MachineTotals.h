@@ -83,9 +83,12 @@ enum class PowerParts : std::uint8_t {
     gpuOnly,  ///< One GPU; the watts of the CPU are not known.
     gpusOnly, ///< The same with several GPUs.
     notAllGPUs,
+    npuOnly,
+    gpuAndNPU,  ///< The watts of the CPU are not known.
+    gpusAndNPU, ///< The same with several GPUs.
 };
 
-/// The watts of package and graphics cards together, as far as they are known.
+/// The watts of package, graphics cards and NPU together, as far as they are known.
 struct PowerTotal {
     FigureState state = FigureState::absent; ///< Never `asleep`: absent where watts never exist.
     double watts = 0;

@@ -112,7 +112,7 @@ QString sharesText(const std::vector<GPULoadShare> &shares)
 
 QString clockText(std::optional<double> megahertz)
 {
-    return megahertz ? frequencyText(*megahertz) : QString();
+    return megahertz ? gigahertzText(*megahertz) : QString();
 }
 
 QString loadDetail(const GPULoadTotal &load)
@@ -149,7 +149,8 @@ QString cpuDetail(const MetricValues &values)
         return joined({u"watts locked"_s, temperatureText(values.cpuTempC)});
     if (!values.cpuMHz)
         return temperatureText(values.cpuTempC);
-    return clockText(values.cpuMHz) + (values.cpuFrequencyIsNominal ? u" nominal"_s : QString());
+    return frequencyText(*values.cpuMHz)
+        + (values.cpuFrequencyIsNominal ? u" nominal"_s : QString());
 }
 
 MetricRow npuRow(const MetricValues &values)
@@ -209,6 +210,11 @@ QString powerName(PowerParts parts)
         return u"GPU power"_s;
     case PowerParts::notAllGPUs:
         return u"Power without some GPUs"_s;
+    case PowerParts::npuOnly:
+        return u"NPU power"_s;
+    case PowerParts::gpuAndNPU:
+    case PowerParts::gpusAndNPU:
+        return u"GPU and NPU power"_s;
     case PowerParts::all:
         break;
     }
@@ -236,6 +242,12 @@ QString partsText(PowerParts parts)
         return u"GPUs only"_s;
     case PowerParts::notAllGPUs:
         return u"not all GPUs"_s;
+    case PowerParts::npuOnly:
+        return u"NPU only"_s;
+    case PowerParts::gpuAndNPU:
+        return u"GPU and NPU"_s;
+    case PowerParts::gpusAndNPU:
+        return u"GPUs and NPU"_s;
     case PowerParts::all:
         break;
     }

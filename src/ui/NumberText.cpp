@@ -53,10 +53,15 @@ QString celsiusText(double celsius)
     return fixedText(celsius, 0) + u"\u00B0C"_s;
 }
 
+QString gigahertzText(double megahertz)
+{
+    return fixedText(megahertz / 1000, 2) + u" GHz"_s;
+}
+
 QString frequencyText(double megahertz)
 {
     if (megahertz >= 1000)
-        return fixedText(megahertz / 1000, 2) + u" GHz"_s;
+        return gigahertzText(megahertz);
     return fixedText(megahertz, 0) + u" MHz"_s;
 }
 

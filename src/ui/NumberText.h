@@ -15,6 +15,7 @@ QString wattsText(std::optional<double> watts, int fractionDigits);      ///< "1
 QString tightWattsText(std::optional<double> watts, int fractionDigits); ///< "49.7W"
 QString celsiusText(double celsius);                                     ///< "74°C"
 QString frequencyText(double megahertz);                                 ///< "3.27 GHz", "996 MHz"
+QString gigahertzText(double megahertz);                                 ///< "3.27 GHz", "1.00 GHz"
 
 /// `number` with that many fraction digits.
 QString fixedText(double number, int fractionDigits);

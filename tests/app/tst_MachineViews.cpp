@@ -437,7 +437,7 @@ void TestMachineViews::sayWhatIsTrueOfTheMachine_data()
                .toolTip = u"Memory 17 %, VRAM asleep, Integrated GPU 6 %, Power –"_s,
                .header = u"Corvane on Chip: – nothing to read"_s,
                .rows = {u"Memory: 5.55 GB / 30.99 GB, 18 %"_s, u"VRAM: asleep, left asleep"_s,
-                        u"GPU: 6 %, 450 MHz · integrated"_s, u"CPU: 25 %, 1.40 GHz"_s,
+                        u"GPU: 6 %, 0.45 GHz · integrated"_s, u"CPU: 25 %, 1.40 GHz"_s,
                         u"NPU: 0 %"_s, u"Swap: 0 MB, of 8 GB"_s},
                .dashboard = {
                    u"Corvane; Chip: Chip; Memory: 18%; VRAM: zz; CPU: 25%; GPU: 6%; GPU power: –"_s,

@@ -170,6 +170,8 @@ void TestMachineCoverage::readsThePartsOfAPackage()
     QVERIFY(!reading.packageWatts);
     QCOMPARE(reading.cpuWatts, 15.0);
     QCOMPARE(reading.gpuWatts, 0.0);
+    QVERIFY(!reading.npu.value().watts); // It would count twice beside the package.
+    QCOMPARE(reading.npu->activeFraction, std::optional(0.17));
 }
 
 void TestMachineCoverage::readsAnNPU()

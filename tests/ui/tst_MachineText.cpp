@@ -177,11 +177,11 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
     QTest::newRow("a card asleep")
         << sleepingCardMinute().current()
         << QStringList{u"Memory: 7.93 GB / 31.06 GB, 26 %"_s, u"VRAM: asleep, 6 GB"_s,
-                       u"GPU: 6 %, 450 MHz · integrated"_s, u"CPU: 9 %, 1.94 GHz"_s,
+                       u"GPU: 6 %, 0.45 GHz · integrated"_s, u"CPU: 9 %, 1.94 GHz"_s,
                        u"Swap: 0 MB, of 8 GB"_s};
     QTest::newRow("an integrated GPU without watts")
         << integratedOnlyMinute().current()
-        << QStringList{u"Memory: 12.88 GB / 15.31 GB, 84 %"_s, u"GPU: 14 %, 600 MHz"_s,
+        << QStringList{u"Memory: 12.88 GB / 15.31 GB, 84 %"_s, u"GPU: 14 %, 0.60 GHz"_s,
                        u"CPU: 64 %, watts locked · 82 °C"_s, u"Swap: 2.87 GB, of 7.65 GB"_s};
     QTest::newRow("a virtual machine")
         << virtualMachineMinute().current()
@@ -239,7 +239,7 @@ void TestMachineText::rowsShowWhatTheMachineHas_data()
                        chip.npu = {.activeFraction = 0, .megahertz = 950};
                    })
         << QStringList{u"Memory: 4.71 GB / 23.54 GB, 20 %"_s, u"CPU: 58 %, 2.30 GHz nominal"_s,
-                       u"NPU: 0 %, 950 MHz"_s, u"Swap: off"_s};
+                       u"NPU: 0 %, 0.95 GHz"_s, u"Swap: off"_s};
     QTest::newRow("a CPU that tells nothing but its load") << changed(
         virtualMachineMinute().current(), [](MachineCoverage &coverage, ChipReading &) {
             coverage.cpuFrequency = Coverage::absent;
@@ -280,6 +280,18 @@ void TestMachineText::powerNamesItsParts_data()
             coverage.packageWatts = Coverage::absent;
             chip.packageWatts.reset();
         }) << u"32.8 W"_s << QString();
+    const auto withoutPackage = [](MachineCoverage &coverage, ChipReading &chip) {
+        coverage.cpuWatts = Coverage::locked;
+        coverage.packageWatts = Coverage::absent;
+        chip.packageWatts.reset();
+    };
+    QTest::newRow("a GPU and an NPU that tell theirs, the CPU locked")
+        << changed(apuMinute().current(), withoutPackage) << u"23.0 W"_s << u"GPU and NPU"_s;
+    QTest::newRow("an NPU alone") << changed(
+        apuMinute().current(), [withoutPackage](MachineCoverage &coverage, ChipReading &chip) {
+            withoutPackage(coverage, chip);
+            coverage.gpus[0].watts = Coverage::unpublished;
+        }) << u"1.4 W"_s << u"NPU only"_s;
     QTest::newRow("a package beside a card") << changed(
         oneCardMinute().current(), [](MachineCoverage &coverage, ChipReading &chip) {
             coverage.packageWatts = Coverage::known;

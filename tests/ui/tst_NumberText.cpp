@@ -59,6 +59,8 @@ void TestNumberText::appendsTheUnit()
     QCOMPARE(celsiusText(73.8), u"74°C"_s);
     QCOMPARE(frequencyText(3268), u"3.27 GHz"_s);
     QCOMPARE(frequencyText(996.4), u"996 MHz"_s);
+    QCOMPARE(gigahertzText(3268), u"3.27 GHz"_s);
+    QCOMPARE(gigahertzText(450), u"0.45 GHz"_s);
     for (const QString &text :
          {percentText({}), spacedPercentText({}), wattsText({}, 2), tightWattsText({}, 0)})
         QCOMPARE(text, u"–"_s);
