@@ -1,18 +1,45 @@
 #include "platform/Preferences.h"
 
+#include "platform/HostSystem.h"
 #include "threads/MainThread.h"
 #include "threads/ThreadStart.h"
 
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace corvane {
 
 namespace {
 
+using namespace Qt::StringLiterals;
 using Clock = std::chrono::steady_clock;
+
+/// Whether the library may read the file. For some that are not regular it would wait for ever, and
+/// a large one it would read into memory.
+bool isSound(const QString &path)
+{
+    constexpr qint64 mostBytes = 1 << 20;
+    const QFileInfo file(path);
+    return !file.exists() || (file.isFile() && file.size() <= mostBytes);
+}
+
+/// Null where this user's files, on Linux, must not be read.
+std::unique_ptr<QSettings> openSettings()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + u'/' + QCoreApplication::organizationName();
+    const QString file = folder + u'/' + QCoreApplication::applicationName() + u".conf"_s;
+    if (hostSystem() == HostSystem::linuxDesktop
+        && !(isSound(file) && isSound(folder + u".conf"_s)))
+        return nullptr;
+    return std::make_unique<QSettings>();
+}
 
 /// What is left until the deadline; 0 behind it.
 std::chrono::milliseconds until(Clock::time_point deadline)
@@ -80,12 +107,11 @@ void Preferences::startWriting()
 void Preferences::read(Store &store)
 {
     QVariantMap values;
-    {
-        QSettings settings;
-        settings.setFallbacksEnabled(false);
-        for (const QString &key : settings.allKeys()) {
+    if (const auto settings = openSettings()) {
+        settings->setFallbacksEnabled(false);
+        for (const QString &key : settings->allKeys()) {
             if (!key.isEmpty()) // A damaged file may have one; the library warns of it.
-                values.insert(key, settings.value(key));
+                values.insert(key, settings->value(key));
         }
     }
     const MutexLock lock(store.mutex);
@@ -107,10 +133,12 @@ void Preferences::write(Store &store)
                 return;
             }
         }
-        QSettings settings;
+        const auto settings = openSettings();
+        if (!settings)
+            continue;
         for (auto value = values.cbegin(); value != values.cend(); ++value)
-            settings.setValue(value.key(), value.value());
-        settings.sync();
+            settings->setValue(value.key(), value.value());
+        settings->sync();
     }
 }
 

@@ -16,6 +16,7 @@ namespace corvane {
 /// constructor, and as long in the destructor for what has not been written yet.
 ///
 /// What could not be read in time is absent. What cannot be written holds while this object lives.
+/// On Linux a file that is not regular or above a mebibyte is neither read nor replaced.
 class Preferences {
 public:
     explicit Preferences(std::chrono::milliseconds patience = std::chrono::seconds(2));

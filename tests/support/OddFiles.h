@@ -27,6 +27,19 @@ inline bool putHugeLine(const QString &path)
     return file.write("\n") == 1;
 }
 
+/// Half a gigabyte, which takes no room on the disk.
+inline bool putHugeFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QFile::WriteOnly) && file.resize(500'000'000);
+}
+
+/// A file without an end.
+inline bool putEndlessFile(const QString &path)
+{
+    return QFile::link(QStringLiteral("/dev/zero"), path);
+}
+
 /// All byte values in turn, many times, line feeds among them, and damaged JSON.
 inline bool putGarbage(const QString &path)
 {
