@@ -10,7 +10,9 @@
 #include <QTemporaryFile>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <functional>
 #include <system_error>
 #include <utility>
 
@@ -112,8 +114,10 @@ void MetricsFile::removeFile()
         *m_isWanted = false;
     m_isWanted.reset();
     m_interest.reset();
+    constexpr std::chrono::milliseconds patience(250);
+    const std::function<bool()> remove = [file = m_file] { return QFile::remove(file); };
     if (!m_file.isEmpty())
-        QFile::remove(m_file);
+        m_removals.call(remove, patience);
     m_file.clear();
 }
 

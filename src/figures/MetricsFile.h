@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sampler/SystemSampler.h"
+#include "threads/TimedCalls.h"
 
 #include <QObject>
 #include <QString>
@@ -13,8 +14,8 @@ namespace corvane {
 
 /// Keeps `corvane.prom` in a folder up to date, for the textfile collector of Prometheus'
 /// node_exporter: written beside it and renamed every 15 s, readable by everybody, and removed when
-/// it is no longer wanted and at the end. The file work runs in the background. Owned by the
-/// application state; main thread.
+/// it is no longer wanted and at the end. The file work runs in the background; a removal is waited
+/// for, a quarter of a second at most. Owned by the application state; main thread.
 class MetricsFile : public QObject {
     Q_OBJECT
 
@@ -49,6 +50,7 @@ private:
     std::shared_ptr<std::atomic<bool>> m_isWanted = {}; ///< Shared with jobs that may outlive it.
     int m_ticksToWrite = 0;
     bool m_isWriting = false;
+    TimedCalls m_removals{1};
     std::optional<QString> m_lastError = {};
 };
 

@@ -3,52 +3,17 @@
 #include "models/GGUFText.h"
 #include "models/ModelNames.h"
 #include "models/ModelTree.h"
-#include "platform/FileDescriptor.h"
 #include "support/OwnMounts.h"
+#include "support/TestMounts.h"
 
+#include <QDir>
 #include <QTest>
-
-#include <fcntl.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace corvane;
 using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A file system at a folder whose server takes every request and answers none. Requests fail when
-/// the object goes.
-class HangingFolder {
-public:
-    explicit HangingFolder(const std::string &path)
-        : m_path(path),
-          m_server(open("/dev/fuse", O_RDWR | O_CLOEXEC))
-    {
-        mkdir(path.c_str(), 0755);
-        const std::string options = "fd=" + std::to_string(m_server.get())
-            + ",rootmode=40000,user_id=" + std::to_string(geteuid())
-            + ",group_id=" + std::to_string(getegid());
-        m_isMounted = m_server && mount("hanging", path.c_str(), "fuse", 0, options.c_str()) == 0;
-    }
-    ~HangingFolder()
-    {
-        m_server = {};
-        if (m_isMounted)
-            umount2(m_path.c_str(), MNT_DETACH);
-    }
-    HangingFolder(const HangingFolder &) = delete;
-    HangingFolder &operator=(const HangingFolder &) = delete;
-
-    bool isMounted() const { return m_isMounted; }
-
-private:
-    std::string m_path;
-    FileDescriptor m_server;
-    bool m_isMounted = false;
-};
 
 constexpr std::chrono::milliseconds patience(100);
 
@@ -101,8 +66,8 @@ void TestHangingStore::showsWhatIsKnown()
 {
     QFETCH(QString, folder);
     const ModelTree slow;
-    slow.write("ollama/keep", "");
-    const HangingFolder hanging(slow.root() + folder.toStdString());
+    QVERIFY(QDir().mkpath(QString::fromStdString(slow.root()) + folder));
+    const HangingMount hanging(slow.root() + folder.toStdString());
     if (!m_mayMount || !hanging.isMounted())
         QSKIP("This user may not mount a file system");
     const ModelTree quick;
