@@ -3,12 +3,18 @@
 #include "chip/ChipName.h"
 #include "platform/KernelFile_linux.h"
 #include "platform/KernelText.h"
+#include "threads/TimedCalls.h"
 
 namespace corvane {
 
 std::optional<std::string> readChipName()
 {
-    return readChipNameBelow("/");
+    constexpr std::chrono::milliseconds patience(100);
+    const std::function<std::optional<std::string>()> read = [] { return readChipNameBelow("/"); };
+    if (!isMountPoint("/proc/cpuinfo"))
+        return read();
+    // In some containers a process serves the file, and may hang.
+    return TimedCalls(1).call(read, patience).value.value_or(std::nullopt);
 }
 
 std::optional<std::string> readChipNameBelow(const std::string &root)

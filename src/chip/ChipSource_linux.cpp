@@ -25,7 +25,7 @@ public:
               std::shared_ptr<GPUHandOver> gpus)
         : m_now(now),
           m_patience(patience),
-          m_stat(root),
+          m_stat(root, now),
           m_gpus(root, nvidiaLibrary, now, std::move(gpus), patience, m_drivers),
           m_sensorWatch(root, m_drivers)
     {

@@ -5,6 +5,7 @@
 #include "cpu/CPUFrequencyFiles_linux.h"
 #include "cpu/PackageEnergyFiles_linux.h"
 #include "gpu/GPUDevices_linux.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/KernelFolder_linux.h"
 #include "thermal/TemperatureFiles_linux.h"
 
@@ -29,6 +30,12 @@ bool hasDrivers(const std::string &root)
 bool isGPU(const std::string &device)
 {
     return gpuDriver(device).has_value();
+}
+
+/// In some containers a process serves these.
+bool isServed(const std::string &root)
+{
+    return isMountPoint(root + "/proc/cpuinfo") || isMountPoint(root + "/sys/devices/system/cpu");
 }
 
 } // namespace
@@ -91,7 +98,7 @@ void SensorWatch::searchWhenDue(double now)
     if (m_reader || now < m_nextSearch)
         return;
     m_nextSearch = now + secondsBetweenSearches;
-    if (!hasDrivers(m_root)) {
+    if (!isServed(m_root) && !hasDrivers(m_root)) {
         if (!m_files)
             m_files = std::make_unique<Files>(m_root);
         return;

@@ -1,8 +1,13 @@
 #include "cpu/ProcStatFile_linux.h"
 
+#include <utility>
+
 namespace corvane {
 
-ProcStatFile::ProcStatFile(const std::string &root) : m_file(root + "/proc/stat") { }
+ProcStatFile::ProcStatFile(const std::string &root, std::function<double()> now)
+    : m_file(root + "/proc/stat", std::move(now))
+{
+}
 
 std::optional<std::vector<CoreTicks>> ProcStatFile::read()
 {

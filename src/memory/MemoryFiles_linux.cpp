@@ -1,6 +1,7 @@
 #include "memory/MemoryFiles_linux.h"
 
 #include "memory/ProcMemInfo.h"
+#include "platform/KernelFile_linux.h"
 #include "platform/KernelFolder_linux.h"
 
 #include <memory>
@@ -85,8 +86,8 @@ private:
 };
 
 MemoryFiles::MemoryFiles(std::string root, std::function<double()> now, ReaderPatience patience)
-    : m_memInfo(root + "/proc/meminfo"),
-      m_now(std::move(now)),
+    : m_now(std::move(now)),
+      m_memInfo(root + "/proc/meminfo", m_now),
       m_patience(patience),
       m_slow(
           [root = std::move(root)] {

@@ -2,7 +2,7 @@
 
 #include "memory/MemoryCounters.h"
 #include "platform/BootClock.h"
-#include "platform/KernelFile_linux.h"
+#include "platform/TickFile_linux.h"
 #include "threads/BackgroundReader.h"
 #include "threads/OneThread.h"
 
@@ -16,10 +16,8 @@ namespace corvane {
 /// The memory statistics of the machine whose kernel files lie below `root`. Keeps the files open
 /// between reads; used on one thread.
 ///
-/// /proc/meminfo is read by `read` itself: the kernel answers it from its own counters, and to hand
-/// it over from another thread would wake two threads in each tick. Locks that others may hold for
-/// long stand behind pressure, compressed disks and the ZFS cache: a thread of its own reads these,
-/// and what it has not read for 4.5 s is absent.
+/// Locks that others may hold for long stand behind pressure, compressed disks and the ZFS cache: a
+/// thread of its own reads these, and what it has not read for 4.5 s is absent.
 class MemoryFiles {
 public:
     explicit MemoryFiles(std::string root, std::function<double()> now = secondsSinceBoot,
@@ -39,8 +37,8 @@ private:
 
     void requestWhenDue(double now);
 
-    KernelFile m_memInfo;
     std::function<double()> m_now;
+    TickFile m_memInfo;
     ReaderPatience m_patience;
     BackgroundReader<SlowTexts> m_slow;
     int m_readsUntilRequest = 0;

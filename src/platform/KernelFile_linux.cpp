@@ -6,6 +6,8 @@
 #include <utility>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace corvane {
@@ -92,6 +94,15 @@ std::optional<std::string> readKernelFile(const std::string &path, std::size_t l
 std::string readTrimmedFile(const std::string &path)
 {
     return std::string(trimmed(readKernelFile(path).value_or(std::string())));
+}
+
+bool isMountPoint(const std::string &path)
+{
+    // Without this flag, and for statfs, the kernel may ask the process that serves the file.
+    constexpr int flags = AT_STATX_DONT_SYNC | AT_NO_AUTOMOUNT;
+    struct statx status = {};
+    return statx(AT_FDCWD, path.c_str(), flags, 0, &status) == 0
+        && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
 } // namespace corvane

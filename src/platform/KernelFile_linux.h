@@ -73,4 +73,9 @@ std::optional<std::string> readKernelFile(const std::string &path,
 /// The same without white space around it; empty if it is absent.
 std::string readTrimmedFile(const std::string &path);
 
+/// Whether a file system is mounted at that very path, as containers put files that a process
+/// serves over some of /proc: such a process may hang, and with it who opens or reads the file.
+/// False where nothing is there. Never waits for that file system. Any thread.
+bool isMountPoint(const std::string &path);
+
 } // namespace corvane

@@ -1,5 +1,6 @@
 #include "platform/KernelFile_linux.h"
 #include "support/FaultyCalls.h"
+#include "support/MachineTree.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -28,6 +29,7 @@ private slots:
     void init();
     void isAbsentWithoutARegularFile_data();
     void isAbsentWithoutARegularFile();
+    void knowsMountPoints();
     void readsAgainFromTheStart();
     void followsAFileThatGrowsAndShrinks();
     void readsAFileThatShrinksMeanwhile_data();
@@ -352,6 +354,16 @@ void TestKernelFile::keepsAFewFilesOpen()
     QCOMPARE(openDescriptors(), before + KernelFile::mostKeptOpen);
     files.clear();
     QCOMPARE(openDescriptors(), before);
+}
+
+void TestKernelFile::knowsMountPoints()
+{
+    const MachineTree tree;
+    tree.write("proc/stat", "cpu 1");
+    QVERIFY(isMountPoint("/proc"));
+    QVERIFY(!isMountPoint("/proc/self"));
+    QVERIFY(!isMountPoint(tree.root() + "/proc/stat"));
+    QVERIFY(!isMountPoint(tree.root() + "/proc/missing"));
 }
 
 QTEST_APPLESS_MAIN(TestKernelFile)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace corvane::test {
 
@@ -40,6 +41,9 @@ void waitForStalled();
 
 /// Ends the wait of the stalled call.
 void letGo();
+
+/// The paths that this thread has opened, or tried to, since it asked last.
+std::vector<std::string> takeOpenedHere();
 
 /// Removes all faults and ends all waits.
 void clear();

@@ -7,6 +7,7 @@
 #include <climits>
 #include <list>
 #include <optional>
+#include <utility>
 
 #include <cerrno>
 #include <csignal>
@@ -55,6 +56,8 @@ Plan &plan()
     static auto *made = new Plan;
     return *made;
 }
+
+thread_local std::vector<std::string> openedHere = {};
 
 void add(Fault fault)
 {
@@ -126,7 +129,18 @@ auto outcome(const Fault &fault, MakeCall makeCall)
     return result;
 }
 
+Fault takeFaultOfOpening(const std::string &path)
+{
+    openedHere.push_back(path);
+    return takeFault(FaultyCalls::Call::open, path);
+}
+
 } // namespace
+
+std::vector<std::string> FaultyCalls::takeOpenedHere()
+{
+    return std::exchange(openedHere, {});
+}
 
 void FaultyCalls::fail(Call call, const std::string &file, int error, int times)
 {
@@ -197,8 +211,7 @@ int __wrap_open(const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return outcome(takeFault(Call::open, std::string(path)),
-                   [&] { return __real_open(path, flags, mode); });
+    return outcome(takeFaultOfOpening(path), [&] { return __real_open(path, flags, mode); });
 }
 
 int __wrap_openat(int folder, const char *path, int flags, ...)
@@ -207,7 +220,7 @@ int __wrap_openat(int folder, const char *path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return outcome(takeFault(Call::open, std::string(path)),
+    return outcome(takeFaultOfOpening(path),
                    [&] { return __real_openat(folder, path, flags, mode); });
 }
 
