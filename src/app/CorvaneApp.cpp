@@ -31,6 +31,7 @@
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -235,9 +236,15 @@ void CorvaneApp::connectFocus()
 
 void CorvaneApp::connectRequests(const InstanceSocket &socket, const ApplicationService &service)
 {
-    const auto open = [this](const QByteArray &activationToken) {
-        useActivationToken(activationToken);
+    const auto openOnce = [this] {
+        m_isAskedToOpen = false;
         openMainWindow();
+    };
+    // A crowd of requests opens the window once.
+    const auto open = [this, openOnce](const QByteArray &activationToken) {
+        useActivationToken(activationToken);
+        if (!std::exchange(m_isAskedToOpen, true))
+            QMetaObject::invokeMethod(this, openOnce, Qt::QueuedConnection);
     };
     connect(&socket, &InstanceSocket::openRequested, this, open);
     connect(&service, &ApplicationService::openRequested, this, open);
@@ -375,6 +382,8 @@ int run(int argc, char **argv)
 
     if (!hasFiles)
         endWithout("open files");
+    if (!hasStack())
+        endWithout("memory for its stack");
     if (!prepareDesktopSession() || !canStartThread())
         endWithout("threads");
     const auto application = makeApplication(argc, argv);

@@ -63,6 +63,7 @@ private:
     QPointer<NoticeBar> m_trayAdvice;          ///< In the dashboard; null while there is none.
     QPointer<SettingsWindow> m_settings;       ///< Deletes itself when it is closed.
     int m_openings = 0;                        ///< Dashboards so far.
+    bool m_isAskedToOpen = false;              ///< The dashboard opens with the next events.
 };
 
 /// Runs the program until the user quits. Returns the exit status of the process.

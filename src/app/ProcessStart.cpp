@@ -1,8 +1,11 @@
 #include "app/ProcessStart.h"
 
 #include "threads/MainThread.h"
+#include "threads/TimedCalls.h"
 
+#include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <sstream>
 #include <string>
 
@@ -39,6 +42,18 @@ void keepAbsolute(const char *variable)
         setenv(variable, kept.c_str(), 1);
 }
 
+/// By the system's list of users, which may be on a server that hangs; "/" without an answer.
+std::string homeOfUser()
+{
+    constexpr std::chrono::seconds patience(2);
+    const std::function<std::string()> ask = [] {
+        const passwd *user = getpwuid(getuid());
+        const char *home = user ? user->pw_dir : nullptr;
+        return std::string(isAbsolute(home) ? home : "/");
+    };
+    return TimedCalls(1).call(ask, patience).value.value_or("/");
+}
+
 } // namespace
 
 void openStandardDescriptors()
@@ -54,11 +69,8 @@ void openStandardDescriptors()
 void dropRelativeFolders()
 {
     assertMainThread();
-    if (!isAbsolute(std::getenv("HOME"))) {
-        const passwd *user = getpwuid(getuid());
-        const char *home = user ? user->pw_dir : nullptr;
-        setenv("HOME", isAbsolute(home) ? home : "/", 1);
-    }
+    if (!isAbsolute(std::getenv("HOME")))
+        setenv("HOME", homeOfUser().c_str(), 1);
     for (const char *folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
                                "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
         if (const char *path = std::getenv(folder); path && !isAbsolute(path))
@@ -85,6 +97,13 @@ bool raiseDescriptorLimit()
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_NOFILE, &limit);
     return limit.rlim_max >= leastFiles;
+}
+
+bool hasStack()
+{
+    constexpr rlim_t leastBytes = 262'144; // A start needs some 100 KiB.
+    rlimit limit = {};
+    return getrlimit(RLIMIT_STACK, &limit) != 0 || limit.rlim_cur >= leastBytes;
 }
 
 } // namespace corvane

@@ -1,7 +1,7 @@
 // Preloaded into a program (LD_PRELOAD), this makes each call for some files hang for ever: opening
-// them, and reading or writing what was opened. It begins at once, or at the signal SIGUSR2 where
-// HANGING_LATER is set. HANGING_FILE is a pattern of paths as in a shell, and HANGING_REPORT a file
-// that is created once a call hangs.
+// and removing them, and reading or writing what was opened; for /etc/passwd, to ask for a user. It
+// begins at once, or at the signal SIGUSR2 where HANGING_LATER is set. HANGING_FILE is a pattern of
+// paths as in a shell, and HANGING_REPORT a file that is created once a call hangs.
 
 #include "preloaded_open.h"
 
@@ -10,8 +10,10 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fnmatch.h>
 #include <poll.h>
+#include <pwd.h>
 
 namespace {
 
@@ -48,18 +50,40 @@ void hangIf(int file)
         hang();
 }
 
+bool isNamed(const char *path)
+{
+    return pattern && fnmatch(pattern, path, 0) == 0;
+}
+
+void hangIfNamed(const char *path)
+{
+    if (isHanging && isNamed(path))
+        hang();
+}
+
 int openFile(int folder, const char *path, int flags, va_list arguments)
 {
-    const bool isNamed = pattern && fnmatch(pattern, path, 0) == 0;
-    if (isNamed && isHanging)
-        hang();
+    hangIfNamed(path);
     const auto file = systemOpen(folder, path, flags, arguments);
     if (file >= 0 && file < int(hangs.size()))
-        hangs[file] = isNamed;
+        hangs[file] = isNamed(path);
     return file;
 }
 
 } // namespace
+
+CORVANE_PRELOADED int unlink(const char *path) noexcept
+{
+    hangIfNamed(path);
+    return static_cast<int>(syscall(SYS_unlinkat, AT_FDCWD, path, 0));
+}
+
+CORVANE_PRELOADED passwd *getpwuid(uid_t user)
+{
+    hangIfNamed("/etc/passwd");
+    static const auto ask = reinterpret_cast<decltype(&getpwuid)>(dlsym(RTLD_NEXT, "getpwuid"));
+    return ask(user);
+}
 
 /// The number is used again, by a socket for one.
 CORVANE_PRELOADED int close(int file)

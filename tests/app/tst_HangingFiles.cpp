@@ -1,8 +1,11 @@
 #include "processes/LiveProcess.h"
+#include "support/OwnMounts.h"
 #include "support/ProgramRun.h"
 #include "support/ProgramSession.h"
+#include "support/TestMounts.h"
 #include "support/Waiting.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
@@ -16,6 +19,9 @@ using namespace corvane::test;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// The file, and those from which it is made.
+constexpr auto metricsFiles = "*/metrics*"_L1;
 
 /// Reads of files since the process began; 0 once it has ended.
 qint64 readsOf(qint64 process)
@@ -37,12 +43,18 @@ qint64 readsOf(qint64 process)
 class TestHangingFiles : public QObject {
     Q_OBJECT
 
+public:
+    explicit TestHangingFiles(bool mayMount) : m_mayMount(mayMount) { }
+
 private slots:
     void init();
     void samplesAndEnds_data();
     void samplesAndEnds();
 
 private:
+    bool writeFile(const QString &name, const QByteArray &text) const;
+
+    const bool m_mayMount;
     std::optional<ProgramSession> m_session;
 };
 
@@ -57,35 +69,65 @@ void TestHangingFiles::samplesAndEnds_data()
 {
     QTest::addColumn<QString>("files");
     QTest::addColumn<Phase>("phase");
-    QTest::newRow("the history from the start on") << u"*history.jsonl"_s << Phase::start;
-    QTest::newRow("the history later") << u"*history.jsonl"_s << Phase::later;
-    QTest::newRow("the preferences from the start on") << u"*Corvane.conf"_s << Phase::start;
-    QTest::newRow("the login item from the start on") << u"*Corvane.desktop"_s << Phase::start;
-    QTest::newRow("the pressure from the start on") << u"*pressure/memory"_s << Phase::start;
-    QTest::newRow("the pressure later") << u"*pressure/memory"_s << Phase::later;
-    QTest::newRow("the ZFS cache from the start on") << u"*arcstats"_s << Phase::start;
-    QTest::newRow("the command lines of processes") << u"*cmdline"_s << Phase::dashboard;
-    QTest::newRow("the memory of processes") << u"*statm"_s << Phase::dashboard;
-    QTest::newRow("the names of processes") << u"*comm"_s << Phase::dashboard;
-    QTest::newRow("the times of processes") << u"*[0-9]/stat"_s << Phase::dashboard;
+    QTest::addColumn<bool>("isMounted"); // Whether a file is mounted in its place.
+    const auto row = [](const char *name, const QString &files, Phase phase,
+                        bool isMounted = false) {
+        QTest::newRow(name) << files << phase << isMounted;
+    };
+    row("the history from the start on", u"*history.jsonl"_s, Phase::start);
+    row("the history later", u"*history.jsonl"_s, Phase::later);
+    row("the minutes of a week from the start on", u"*minutes.jsonl"_s, Phase::start);
+    row("the preferences from the start on", u"*Corvane.conf"_s, Phase::start);
+    row("the metrics file", QString(metricsFiles), Phase::later);
+    row("the list of users", u"/etc/passwd"_s, Phase::start);
+    row("the login item from the start on", u"*Corvane.desktop"_s, Phase::start);
+    row("the pressure from the start on", u"*pressure/memory"_s, Phase::start);
+    row("the pressure later", u"*pressure/memory"_s, Phase::later);
+    row("served memory from the start on", u"*/proc/meminfo"_s, Phase::start, true);
+    row("served memory later", u"*/proc/meminfo"_s, Phase::later, true);
+    row("served times of the CPUs from the start on", u"*/proc/stat"_s, Phase::start, true);
+    row("served times of the CPUs later", u"*/proc/stat"_s, Phase::later, true);
+    row("served names of the CPUs", u"*/proc/cpuinfo"_s, Phase::start, true);
+    row("the ZFS cache from the start on", u"*arcstats"_s, Phase::start);
+    row("the command lines of processes", u"*cmdline"_s, Phase::dashboard);
+    row("the memory of processes", u"*statm"_s, Phase::dashboard);
+    row("the names of processes", u"*comm"_s, Phase::dashboard);
+    row("the times of processes", u"*[0-9]/stat"_s, Phase::dashboard);
 }
 
-/// The main thread reads the memory once a sample, so it goes on when it reads.
+bool TestHangingFiles::writeFile(const QString &name, const QByteArray &text) const
+{
+    QFile file(m_session->path(name));
+    return file.open(QFile::WriteOnly) && file.write(text) == text.size();
+}
+
+/// The main thread reads the memory or the times of the CPUs once a sample, so it goes on when it
+/// reads.
 void TestHangingFiles::samplesAndEnds()
 {
     QFETCH(const QString, files);
     QFETCH(const Phase, phase);
+    QFETCH(const bool, isMounted);
     const QString report = m_session->path(u"report"_s);
     LiveProcess runner(u"llama-server"_s, {}, 208); // Its arguments are of interest.
     QVERIFY(runner.isReady());
     QVERIFY(m_session->makeFolder(u"config/Corvane"_s));
-    QFile preferences(m_session->path(u"config/Corvane/Corvane.conf"_s));
-    QVERIFY(preferences.open(QFile::WriteOnly) && preferences.write("[General]\n") > 0);
-    preferences.close();
+    QVERIFY(m_session->makeFolder(u"metrics"_s));
+    QByteArray preferences = "[General]\n";
+    if (files == metricsFiles)
+        preferences += "writeMetrics=true\nmetricsFolder="
+            + QFile::encodeName(m_session->path(u"metrics"_s)) + '\n';
+    QVERIFY(writeFile(u"config/Corvane/Corvane.conf"_s, preferences));
     QVERIFY(m_session->makeFolder(u"config/autostart"_s));
-    QFile loginItem(m_session->path(u"config/autostart/" CORVANE_IDENTIFIER ".desktop"_s));
-    QVERIFY(loginItem.open(QFile::WriteOnly) && loginItem.write("[Desktop Entry]\n") > 0);
-    loginItem.close();
+    QVERIFY(writeFile(u"config/autostart/" CORVANE_IDENTIFIER ".desktop"_s, "[Desktop Entry]\n"));
+    std::optional<BoundFile> mounted;
+    if (isMounted) {
+        const std::string file = files.mid(1).toStdString();
+        QVERIFY(QFile::copy(QString::fromStdString(file), m_session->path(u"served"_s)));
+        mounted.emplace(m_session->path(u"served"_s).toStdString(), file);
+        if (!m_mayMount || !mounted->isMounted())
+            QSKIP("This user may not mount a file");
+    }
     QVERIFY(m_session->startBus("gnome-shell"));
     QProcessEnvironment &environment = m_session->environment;
     environment.insert(u"LD_PRELOAD"_s,
@@ -94,6 +136,8 @@ void TestHangingFiles::samplesAndEnds()
     environment.insert(u"HANGING_REPORT"_s, report);
     if (phase != Phase::start)
         environment.insert(u"HANGING_LATER"_s, u"1"_s);
+    if (files == "/etc/passwd"_L1)
+        environment.remove(u"HOME"_s);
     ProgramRun corvane(environment);
     TRY_COMPARE(m_session->tray->items().size(), 1);
     if (phase != Phase::start)
@@ -102,7 +146,7 @@ void TestHangingFiles::samplesAndEnds()
         m_session->openDashboard();
     TRY_VERIFY(QFile::exists(report));
     const qint64 before = readsOf(corvane.id());
-    TRY_VERIFY(readsOf(corvane.id()) > before + 50);
+    TRY_VERIFY(readsOf(corvane.id()) > before + 20);
 
     QElapsedTimer elapsed;
     elapsed.start();
@@ -111,5 +155,12 @@ void TestHangingFiles::samplesAndEnds()
     QVERIFY2(elapsed.elapsed() < 8'000, qPrintable(QString::number(elapsed.elapsed())));
 }
 
-QTEST_GUILESS_MAIN(TestHangingFiles)
+int main(int argc, char **argv)
+{
+    const bool mayMount = unshareMounts(); // Before the first thread.
+    QCoreApplication application(argc, argv);
+    TestHangingFiles test(mayMount);
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_HangingFiles.moc"

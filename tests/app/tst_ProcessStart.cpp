@@ -52,6 +52,8 @@ private slots:
     void raisesTheDescriptorLimit();
     void noticesALimitThatIsTooLow_data();
     void noticesALimitThatIsTooLow();
+    void noticesAStackThatIsTooSmall_data();
+    void noticesAStackThatIsTooSmall();
 };
 
 void TestProcessStart::opensClosedStandardDescriptors_data()
@@ -196,6 +198,30 @@ void TestProcessStart::noticesALimitThatIsTooLow()
         return raiseDescriptorLimit() ? 1 : 0;
     });
     QCOMPARE(status, isEnough ? 1 : 0);
+}
+
+void TestProcessStart::noticesAStackThatIsTooSmall_data()
+{
+    QTest::addColumn<quint64>("bytes");
+    QTest::addColumn<bool>("isEnough");
+    QTest::newRow("a page less than 256 KiB") << quint64(252 * 1024) << false;
+    QTest::newRow("256 KiB") << quint64(256 * 1024) << true;
+    QTest::newRow("unlimited") << quint64(RLIM_INFINITY) << true;
+}
+
+void TestProcessStart::noticesAStackThatIsTooSmall()
+{
+    QFETCH(const quint64, bytes);
+    QFETCH(const bool, isEnough);
+    rlimit before = {};
+    QCOMPARE(getrlimit(RLIMIT_STACK, &before), 0);
+    if (bytes > before.rlim_max)
+        QSKIP("The system does not allow as much.");
+    const rlimit limit{.rlim_cur = bytes, .rlim_max = before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_STACK, &limit), 0);
+    const bool has = hasStack();
+    setrlimit(RLIMIT_STACK, &before);
+    QCOMPARE(has, isEnough);
 }
 
 QTEST_GUILESS_MAIN(TestProcessStart)

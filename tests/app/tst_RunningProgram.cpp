@@ -42,6 +42,17 @@ qint64 bytesRead(pid_t process)
     return file.readAll().split('\n').first().split(' ').last().toLongLong();
 }
 
+/// The most memory that the process has used so far, in KiB.
+qint64 peakKiB(qint64 process)
+{
+    QFile file(u"/proc/%1/status"_s.arg(process));
+    if (!file.open(QFile::ReadOnly))
+        return 0;
+    const QByteArray text = file.readAll();
+    const QByteArray line = text.mid(text.indexOf("VmHWM:")).split('\n').first();
+    return line.chopped(3).split('\t').last().trimmed().toLongLong();
+}
+
 } // namespace
 
 /// The real program in a session of its own, from its start to its end.
@@ -60,15 +71,18 @@ private slots:
     void runsWithLimits();
     void endsInOneLineWithoutThreads();
     void endsInOneLineWithoutDescriptors();
+    void endsInOneLineWithoutAStack();
     void runsOrEndsInOneLineWithFewThreads_data();
     void runsOrEndsInOneLineWithFewThreads();
     void runsWithoutRuntimeAndTemporaryFolders();
     void runsWithAnyHistory_data();
     void runsWithAnyHistory();
-    void runsWithPreferencesThatHang();
+    void runsWithAnyPreferences_data();
+    void runsWithAnyPreferences();
     void ignoresHostileClients();
 
     void theDesktopOpensTheDashboard();
+    void manyRequestsOpenOneDashboard();
     void theDesktopQuits();
     void aSecondStartReachesTheFirstOverTheBus();
     void startsNoBus();
@@ -80,6 +94,7 @@ private slots:
     void runsWhileItsBusHangs();
     void runsWithHalfABus();
     void endsWithItsDisplay();
+    void endsWhileItsDisplayHangs();
     void reportsAMissingDisplayInOneLine_data();
     void reportsAMissingDisplayInOneLine();
     void answersWithoutADisplay_data();
@@ -259,6 +274,7 @@ void TestRunningProgram::runsWithLimits_data()
 {
     QTest::addColumn<QString>("shell");
     QTest::newRow("no file may grow") << u"ulimit -f 0; exec "_s;
+    QTest::newRow("a small stack") << u"ulimit -s 256; exec "_s;
     QTest::newRow("without standard streams") << u"exec <&- >&- 2>&- "_s;
 }
 
@@ -314,6 +330,17 @@ void TestRunningProgram::runsOrEndsInOneLineWithFewThreads_data()
     QTest::addColumn<int>("most");
     for (const int most : {1, 3, 4, 5})
         QTest::addRow("ulimit -u %d", most) << most;
+}
+
+void TestRunningProgram::endsInOneLineWithoutAStack()
+{
+    if (*CORVANE_SANITIZERS)
+        QSKIP("Sanitizers need more of it themselves.");
+    ProgramRun corvane(m_session->environment, u"sh"_s,
+                       {u"-c"_s, u"ulimit -s 64; exec \"$0\""_s, programFile()});
+    QCOMPARE(corvane.exitStatus(), 1);
+    QCOMPARE(corvane.errors(),
+             "Corvane cannot start: the system allows it no more memory for its stack.\n"_ba);
 }
 
 /// Of a user who has no other process, as the limit counts all of a user's threads. On a display:
@@ -385,16 +412,26 @@ void TestRunningProgram::runsWithAnyHistory()
     QCOMPARE(first.exitStatus(), 0);
 }
 
-/// The file is a FIFO: whoever opens it waits for a writer.
-void TestRunningProgram::runsWithPreferencesThatHang()
+void TestRunningProgram::runsWithAnyPreferences_data()
 {
+    QTest::addColumn<PutOddFile>("put");
+    QTest::newRow("a FIFO without a reader or writer") << &putFIFO;
+    QTest::newRow("a file of half a gigabyte") << &putHugeFile;
+    QTest::newRow("a file without an end") << &putEndlessFile;
+    QTest::newRow("all byte values") << &putGarbage;
+}
+
+void TestRunningProgram::runsWithAnyPreferences()
+{
+    QFETCH(const PutOddFile, put);
     QVERIFY(m_session->makeFolder(u"config/Corvane"_s));
-    QVERIFY(putFIFO(m_session->path(u"config/Corvane/Corvane.conf"_s)));
+    QVERIFY(put(m_session->path(u"config/Corvane/Corvane.conf"_s)));
     QVERIFY(m_session->startBus());
     const ProgramRun corvane = start();
     TRY_VERIFY(m_session->hasLabel());
     TRY_VERIFY(isAnswering());
-    TRY_VERIFY(records().size() > 1);
+    QVERIFY(peakKiB(corvane.id()) > 0);
+    QVERIFY2(peakKiB(corvane.id()) < 400'000, qPrintable(QString::number(peakKiB(corvane.id()))));
     QElapsedTimer elapsed;
     elapsed.start();
     corvane.send(SIGTERM);
@@ -429,6 +466,26 @@ void TestRunningProgram::theDesktopOpensTheDashboard()
     const QVariantMap platformData{{u"activation-token"_s, u"token"_s}};
     QCOMPARE(callDesktop(u"Activate"_s, {platformData}).type(), QDBusMessage::ReplyMessage);
     TRY_COMPARE(m_session->display->visibleWindows(u"Corvane"_s), 1);
+}
+
+/// As a program on the bus may send them; nobody waits for the replies.
+void TestRunningProgram::manyRequestsOpenOneDashboard()
+{
+    QVERIFY(m_session->startBus());
+    QVERIFY(m_session->startDisplay());
+    const ProgramRun corvane = start();
+    TRY_VERIFY(bus().interface()->isServiceRegistered(identifier).value());
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(identifier, u"/io/github/corvane/Corvane"_s,
+                                       u"org.freedesktop.Application"_s, u"Activate"_s);
+    message.setArguments({QVariantMap{{u"activation-token"_s, QString(1000, u'x')}}});
+    for (int number = 0; number < 5000; ++number)
+        bus().send(message);
+    TRY_COMPARE(m_session->display->visibleWindows(u"Corvane"_s), 1);
+    const std::size_t known = records().size();
+    TRY_VERIFY(records().size() > known);
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.exitStatus(), 0);
 }
 
 void TestRunningProgram::theDesktopQuits()
@@ -578,6 +635,24 @@ void TestRunningProgram::endsWithItsDisplay()
     m_session->display->kill();
     QCOMPARE(corvane.exitStatus(), 1);
     QVERIFY(records().size() >= known);
+}
+
+/// While no window is open, nothing that is shown depends on the display.
+void TestRunningProgram::endsWhileItsDisplayHangs()
+{
+    QVERIFY(m_session->startBus());
+    QVERIFY(m_session->startDisplay());
+    const ProgramRun corvane = start();
+    TRY_VERIFY(m_session->hasLabel());
+    TRY_VERIFY(!records().empty());
+    m_session->display->hang();
+    const std::size_t known = records().size();
+    TRY_VERIFY(records().size() > known + 1);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    corvane.send(SIGTERM);
+    QCOMPARE(corvane.exitStatus(), 0);
+    QVERIFY2(elapsed.elapsed() < 8'000, qPrintable(QString::number(elapsed.elapsed())));
 }
 
 void TestRunningProgram::reportsAMissingDisplayInOneLine_data()

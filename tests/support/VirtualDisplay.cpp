@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+#include <csignal>
+
 namespace corvane::test {
 
 using namespace Qt::StringLiterals;
@@ -34,6 +36,11 @@ void VirtualDisplay::kill()
 {
     m_server.kill();
     m_server.waitForFinished();
+}
+
+void VirtualDisplay::hang() const
+{
+    ::kill(static_cast<pid_t>(m_server.processId()), SIGSTOP);
 }
 
 int VirtualDisplay::visibleWindows(const QString &title) const

@@ -15,6 +15,9 @@ public:
     bool start();
     void kill();
 
+    /// Suspends the server: it answers nobody. It can be killed while it is suspended.
+    void hang() const;
+
     /// The value for DISPLAY.
     const QString &name() const { return m_name; }
 
