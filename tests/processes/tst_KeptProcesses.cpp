@@ -5,6 +5,7 @@
 #include "processes/Surveyor.h"
 #include "support/DescriptorLimit.h"
 #include "support/ProcessState.h"
+#include "support/Waiting.h"
 
 #include <QProcess>
 #include <QTest>
@@ -57,7 +58,7 @@ QString difference(const Footprints &before, const Footprints &between, const Fo
             return u"%1 differs"_s.arg(pid);
     }
     for (const auto &[pid, bounds] : between) {
-        if (!before.contains(pid) && !after.contains(pid) && kill(pid, 0) == 0)
+        if (!before.contains(pid) && !after.contains(pid) && freshFootprints().contains(pid))
             return u"%1 was not there"_s.arg(pid);
     }
     return {};
@@ -239,9 +240,9 @@ void TestKeptProcesses::readsTheNameOfAnotherProgram()
     QVERIFY(shell.waitForStarted(-1));
     const auto pid = static_cast<std::int32_t>(shell.processId());
     KeptProcesses kept("/");
-    QTRY_VERIFY((kept.footprints(), kept.comm(pid)) == std::optional<std::string>("sh\n"));
+    TRY_VERIFY((kept.footprints(), kept.comm(pid)) == std::optional<std::string>("sh\n"));
     shell.write("\n");
-    QTRY_COMPARE(kept.comm(pid), std::optional<std::string>("sleep\n"));
+    TRY_COMPARE(kept.comm(pid), std::optional<std::string>("sleep\n"));
     QVERIFY(footprintsOf(kept).contains(pid));
     shell.kill();
     shell.waitForFinished(-1);

@@ -2,6 +2,7 @@
 #include "processes/ProcTree.h"
 #include "processes/ProcessSampler.h"
 #include "processes/Surveyor.h"
+#include "support/Waiting.h"
 
 #include <QFile>
 #include <QTest>
@@ -344,7 +345,7 @@ void TestSurveyor::readsNoMoreWhileTwoDoNotAnswer()
     QCOMPARE(silence->reads(), 2);
     silence.reset();
     // The third one was never asked.
-    QTRY_COMPARE(models(surveyor.take()), (QStringList{u"-"_s, u"-"_s, u"a"_s}));
+    TRY_COMPARE(models(surveyor.take()), (QStringList{u"-"_s, u"-"_s, u"a"_s}));
 }
 
 /// Six blocks of six megabytes would show in the memory of this process.
