@@ -12,11 +12,12 @@ namespace corvane {
 
 namespace {
 
-/// The kernel computes the averages of the pressure anew every two seconds.
-constexpr int readsPerRequest = 2;
+/// The ZFS cache frees gigabytes within seconds. What compressed disks hold changes slowly.
+constexpr int readsPerCacheRequest = 2;
+constexpr int readsPerRequest = 6;
 
 /// Seconds. Two requests, and half a second for a tick that is late.
-constexpr double oldestSlow = 4.5;
+constexpr double oldestSlow = 12.5;
 
 /// The `mm_stat` of every compressed RAM disk that exists now.
 std::vector<KernelFile> zramFiles(const std::string &root)
@@ -43,7 +44,6 @@ class MemoryFiles::SlowFiles {
 public:
     explicit SlowFiles(const std::string &root)
         : m_root(root),
-          m_pressure(root + "/proc/pressure/memory"),
           m_arcStats(root + "/proc/spl/kstat/zfs/arcstats", KernelFileKind::records)
     {
     }
@@ -51,8 +51,7 @@ public:
     SlowTexts read()
     {
         scan();
-        return {.pressure = textOf(m_pressure),
-                .arcStats = m_hasArcStats ? textOf(m_arcStats) : std::nullopt,
+        return {.arcStats = m_hasArcStats ? textOf(m_arcStats) : std::nullopt,
                 .zramBytes = zramBytes()};
     }
 
@@ -61,7 +60,7 @@ private:
     /// rarely.
     void scan()
     {
-        constexpr int readsBetweenScans = 15;
+        constexpr int readsBetweenScans = 8;
         if (m_readsUntilScan-- > 0)
             return;
         m_readsUntilScan = readsBetweenScans;
@@ -78,7 +77,6 @@ private:
     }
 
     std::string m_root;
-    KernelFile m_pressure;
     KernelFile m_arcStats;
     bool m_hasArcStats = false;
     std::vector<KernelFile> m_zram = {};
@@ -88,6 +86,7 @@ private:
 MemoryFiles::MemoryFiles(std::string root, std::function<double()> now, ReaderPatience patience)
     : m_now(std::move(now)),
       m_memInfo(root + "/proc/meminfo", m_now),
+      m_pressure(root + "/proc/pressure/memory", m_now),
       m_patience(patience),
       m_slow(
           [root = std::move(root)] {
@@ -100,21 +99,22 @@ MemoryFiles::MemoryFiles(std::string root, std::function<double()> now, ReaderPa
 MemoryCounters MemoryFiles::read()
 {
     m_thread.check();
-    const double now = m_now();
-    requestWhenDue(now);
-    const SlowTexts slow = m_slow.newest(now).value_or(SlowTexts());
+    const SlowTexts slow = slowTexts(m_now());
     return memoryCounters({.memInfo = m_memInfo.read(),
-                           .pressure = slow.pressure,
+                           .pressure = m_pressure.read(),
                            .arcStats = slow.arcStats,
                            .zramBytes = slow.zramBytes});
 }
 
-void MemoryFiles::requestWhenDue(double now)
+MemoryFiles::SlowTexts MemoryFiles::slowTexts(double now)
 {
-    if (m_readsUntilRequest-- > 0)
-        return;
-    m_readsUntilRequest = readsPerRequest - 1;
-    m_slow.request(now, m_patience);
+    const bool isDue = m_readsUntilRequest-- <= 0;
+    if (isDue)
+        m_slow.request(now, m_patience);
+    SlowTexts texts = m_slow.newest(now).value_or(SlowTexts());
+    if (isDue)
+        m_readsUntilRequest = (texts.arcStats ? readsPerCacheRequest : readsPerRequest) - 1;
+    return texts;
 }
 
 } // namespace corvane

@@ -81,8 +81,8 @@ void TestHangingFiles::samplesAndEnds_data()
     row("the metrics file", QString(metricsFiles), Phase::later);
     row("the list of users", u"/etc/passwd"_s, Phase::start);
     row("the login item from the start on", u"*Corvane.desktop"_s, Phase::start);
-    row("the pressure from the start on", u"*pressure/memory"_s, Phase::start);
-    row("the pressure later", u"*pressure/memory"_s, Phase::later);
+    row("served pressure from the start on", u"*/proc/pressure/memory"_s, Phase::start, true);
+    row("served pressure later", u"*/proc/pressure/memory"_s, Phase::later, true);
     row("served memory from the start on", u"*/proc/meminfo"_s, Phase::start, true);
     row("served memory later", u"*/proc/meminfo"_s, Phase::later, true);
     row("served times of the CPUs from the start on", u"*/proc/stat"_s, Phase::start, true);
