@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <optional>
+#include <utility>
 
 #include <csignal>
 
@@ -51,6 +52,8 @@ private slots:
 private:
     bool hasStarted(const QString &call, Phase phase) const;
     bool isSampling(const ProgramRun &corvane) const;
+    void survives(const QString &call, int number, Phase phase);
+    bool hasFailed() const { return QFile::exists(m_session->path(u"failed"_s)); }
 
     const bool m_isWhole;
     QList<int> m_numbers;
@@ -61,29 +64,22 @@ void TestFailingCalls::init()
 {
     if (*CORVANE_SANITIZERS)
         QSKIP("Sanitizers make such calls themselves.");
-    m_session.emplace();
 }
 
 void TestFailingCalls::goesOnOrEndsInOneLine_data()
 {
     QTest::addColumn<QString>("call");
-    QTest::addColumn<int>("number");
     QTest::addColumn<Phase>("phase");
-    // A program that runs makes few such calls.
-    const int mostLater = m_isWhole ? 10 : 1;
+    QTest::addColumn<bool>("isMade"); // Whether the program makes such a call for sure.
     for (const QString &call :
          {u"clone"_s, u"socket"_s, u"pipe"_s, u"eventfd"_s, u"mmap"_s, u"open"_s, u"connect"_s}) {
-        for (const int number : m_numbers) {
-            const auto row = [&](const char *when, Phase phase) {
-                QTest::addRow("%s %d %s", qPrintable(call), number, when)
-                    << call << number << phase;
-            };
-            row("from the start on", Phase::start);
-            if (number <= mostLater) {
-                row("from the opening of the dashboard on", Phase::dashboard);
-                row("later", Phase::later);
-            }
-        }
+        const auto row = [&call](const char *when, Phase phase, bool isMade) {
+            QTest::addRow("%s %s", qPrintable(call), when) << call << phase << isMade;
+        };
+        const bool isOfWindows = call == "clone"_L1 || call == "mmap"_L1 || call == "open"_L1;
+        row("from the start on", Phase::start, true);
+        row("from the opening of the dashboard on", Phase::dashboard, isOfWindows);
+        row("later", Phase::later, call == "open"_L1);
     }
 }
 
@@ -107,16 +103,32 @@ bool TestFailingCalls::isSampling(const ProgramRun &corvane) const
 void TestFailingCalls::goesOnOrEndsInOneLine()
 {
     QFETCH(const QString, call);
-    QFETCH(const int, number);
     QFETCH(const Phase, phase);
-    const QString failed = m_session->path(u"failed"_s);
+    QFETCH(const bool, isMade);
+    constexpr int mostNotReached = 3; // Their number differs a little from run to run.
+    int notReached = 0;
+    for (const int number : std::as_const(m_numbers)) {
+        if (notReached == mostNotReached || (!m_isWhole && phase != Phase::start && number > 1))
+            return;
+        m_session.emplace();
+        survives(call, number, phase);
+        if (QTest::currentTestFailed())
+            QFAIL(qPrintable(u"at call %1"_s.arg(number)));
+        if (isMade && number == 1)
+            QVERIFY2(hasFailed(), "the program makes no such call");
+        notReached = hasFailed() ? 0 : notReached + 1;
+    }
+}
+
+void TestFailingCalls::survives(const QString &call, int number, Phase phase)
+{
     QVERIFY(m_session->startBus("gnome-shell"));
     QProcessEnvironment &environment = m_session->environment;
     environment.insert(u"LD_PRELOAD"_s,
                        QStringLiteral(QUICK_CLOCK) + u':' + QStringLiteral(FAILING_CALL));
     environment.insert(u"FAILING_CALL"_s, call);
     environment.insert(u"FAILING_CALL_N"_s, QString::number(number));
-    environment.insert(u"FAILING_CALL_FILE"_s, failed);
+    environment.insert(u"FAILING_CALL_FILE"_s, m_session->path(u"failed"_s));
     if (phase != Phase::start)
         environment.insert(u"FAILING_CALL_LATER"_s, u"1"_s);
     ProgramRun corvane(environment);
@@ -126,8 +138,6 @@ void TestFailingCalls::goesOnOrEndsInOneLine()
     if (phase == Phase::dashboard)
         m_session->openDashboard();
     QVERIFY2(isSampling(corvane), "it hangs");
-    if (phase == Phase::start && number == 1)
-        QVERIFY2(QFile::exists(failed), "the program makes no such call");
     const bool goesOn = corvane.isRunning();
     if (goesOn)
         corvane.send(SIGTERM);
