@@ -526,6 +526,11 @@ void TestAIProcessDetector::keepsOfArgumentsOnlyWhatTheRulesMakeOfThem()
              (ArgumentFacts{.model = kept,
                             .ollamaModel = kept,
                             .interpreted = Match{AIFramework::vllm, kept}}));
+    const auto recognised = AIProcessDetector::takeFacts(
+        ArgumentRecord{.argv = {"llama-server", "-m", std::string(5000, 'x') + ".gguf"}},
+        u"llama-server"_s);
+    QCOMPARE(recognised.recognised.value().model, kept);
+    QCOMPARE(recognised.recognised->details.path, kept);
 }
 
 void TestAIProcessDetector::readsWithoutLockingTheCache()
