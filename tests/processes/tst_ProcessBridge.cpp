@@ -275,6 +275,8 @@ void TestProcessBridge::readsArguments_data()
         nulText({"a", large, large, "b"}), {}, Expected({"", {"a", large}}));
     row("256 KiB to the byte", nulText({"a", std::string((256 << 10) - 3, 'y')}), {},
         Expected({"", {"a", std::string((256 << 10) - 3, 'y')}}));
+    row("256 KiB and a byte", nulText({"a", std::string((256 << 10) - 2, 'y')}), {},
+        Expected({"", {"a"}}));
     row("one argument of megabytes", std::string(4 << 20, 'y'), "/usr/bin/a",
         Expected({"/usr/bin/a", {}}));
 }
