@@ -170,6 +170,7 @@ bool linuxDashboards(const Gallery &gallery)
     for (const ScriptedMachine &machine : allScriptedMachines()) {
         good &= gallery.save(*dashboard(machine, {1280, 900}), machine.name);
         good &= gallery.save(*dashboard(machine, {920, 760}), machine.name + u"-min"_s);
+        good &= gallery.save(*dashboard(machine, {2560, 1440}), machine.name + u"-large"_s);
     }
     return good;
 }
