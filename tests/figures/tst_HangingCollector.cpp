@@ -4,12 +4,16 @@
 #include "sampler/SystemSampler.h"
 #include "support/OwnMounts.h"
 #include "support/TestMounts.h"
+#include "threads/BackgroundJob.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <optional>
+#include <utility>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -32,8 +36,8 @@ void TestHangingCollector::theMainThreadGoesOn()
 {
     const QTemporaryDir answering;
     const QTemporaryDir folder;
-    const HangingMount hanging(folder.path().toStdString());
-    if (!m_mayMount || !hanging.isMounted())
+    std::optional<HangingMount> hanging(std::in_place, folder.path().toStdString());
+    if (!m_mayMount || !hanging->isMounted())
         QSKIP("This user may not mount a file system");
     AppSettings settings;
     SystemSampler sampler(settings, {}, keepsNoHistory);
@@ -49,6 +53,8 @@ void TestHangingCollector::theMainThreadGoesOn()
         metrics.setFolder(folder.path());
     }
     QVERIFY(elapsed.elapsed() < 10'000);
+    hanging.reset();
+    QTRY_VERIFY(!isRunningBackgroundJobs());
 }
 
 int main(int argc, char **argv)
