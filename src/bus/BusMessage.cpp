@@ -1,5 +1,7 @@
 #include "bus/BusMessage.h"
 
+#include <algorithm>
+
 namespace corvane {
 
 BusWriter &BusWriter::operator<<(bool value)
@@ -117,7 +119,7 @@ QList<int> BusReader::numbers()
     if (sd_bus_message_read_array(m_message, SD_BUS_TYPE_INT32, &values, &size) <= 0)
         return {};
     const int *first = static_cast<const int *>(values);
-    return {first, first + size / sizeof(int)};
+    return {first, first + std::min<std::size_t>(size / sizeof(int), mostElements)};
 }
 
 QStringList BusReader::texts()
@@ -126,7 +128,8 @@ QStringList BusReader::texts()
     if (sd_bus_message_enter_container(m_message, SD_BUS_TYPE_ARRAY, "s") <= 0)
         return all;
     const char *value = nullptr;
-    while (sd_bus_message_read_basic(m_message, SD_BUS_TYPE_STRING, &value) > 0)
+    while (all.size() < mostElements
+           && sd_bus_message_read_basic(m_message, SD_BUS_TYPE_STRING, &value) > 0)
         all.append(QString::fromUtf8(value));
     sd_bus_message_exit_container(m_message);
     return all;
@@ -142,7 +145,9 @@ void BusReader::structures(const char *members, const std::function<void(BusRead
     const QByteArray element = QByteArray("(") + members + ')';
     if (sd_bus_message_enter_container(m_message, SD_BUS_TYPE_ARRAY, element.constData()) <= 0)
         return;
-    while (sd_bus_message_enter_container(m_message, SD_BUS_TYPE_STRUCT, members) > 0) {
+    for (int count = 0; count < mostElements
+         && sd_bus_message_enter_container(m_message, SD_BUS_TYPE_STRUCT, members) > 0;
+         ++count) {
         read(*this);
         if (sd_bus_message_exit_container(m_message) < 0)
             return;

@@ -45,9 +45,13 @@ private:
 };
 
 /// Reads the values of a received message, which outlives this, in their order. What the message
-/// does not have there is 0 or empty. Any thread.
+/// does not have there is 0 or empty. Of an array the first `mostElements` are read, since a
+/// message may have millions; after one that is longer, and is not of numbers, nothing more can be
+/// read. Any thread.
 class BusReader {
 public:
+    static constexpr int mostElements = 256;
+
     explicit BusReader(sd_bus_message *message) : m_message(message) { }
 
     int number();

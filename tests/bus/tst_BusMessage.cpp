@@ -20,6 +20,7 @@ private slots:
     void isReadInOrder();
     void missingValuesAreEmpty_data();
     void missingValuesAreEmpty();
+    void theFirstElementsOfALongArrayAreRead();
     void nothingIsWrittenAfterAFailure();
 
 private:
@@ -137,6 +138,37 @@ void TestBusMessage::missingValuesAreEmpty()
     bool isRead = false;
     reader.structures("isvu", [&isRead](BusReader &) { isRead = true; });
     QVERIFY(!isRead);
+}
+
+/// A message may have millions of elements.
+void TestBusMessage::theFirstElementsOfALongArrayAreRead()
+{
+    constexpr int many = 100'000;
+    const Message message = written([](BusWriter &writer) {
+        writer.array("i", [](BusWriter &array) {
+            for (int number = 0; number < many; ++number)
+                array << number;
+        });
+        writer << 9 << QStringList(many, u"a"_s);
+    });
+    BusReader reader(message.get());
+    const QList<int> numbers = reader.numbers();
+    QCOMPARE(numbers.size(), BusReader::mostElements);
+    QCOMPARE(numbers.last(), BusReader::mostElements - 1);
+    QCOMPARE(reader.number(), 9);
+    QCOMPARE(reader.texts().size(), BusReader::mostElements);
+
+    const Message structures = written([](BusWriter &writer) {
+        writer.array("(i)", [](BusWriter &array) {
+            for (int number = 0; number < many; ++number)
+                array.structure("i", [number](BusWriter &members) { members << number; });
+        });
+    });
+    int count = 0;
+    BusReader(structures.get()).structures("i", [&count](BusReader &structure) {
+        QCOMPARE(structure.number(), count++);
+    });
+    QCOMPARE(count, BusReader::mostElements);
 }
 
 void TestBusMessage::nothingIsWrittenAfterAFailure()
