@@ -43,7 +43,8 @@ BusHandle openBusHandle(const QString &address)
     const char *name = nullptr; // Known once the bus has answered.
     const bool isOpen = sd_bus_set_address(created, address.toUtf8().constData()) >= 0
         && sd_bus_set_bus_client(created, 1) >= 0
-        && sd_bus_set_trusted(created, 1) >= 0 // Everybody on this bus is the user.
+        && sd_bus_set_trusted(created, 1) >= 0   // Everybody on this bus is the user.
+        && sd_bus_negotiate_fds(created, 0) >= 0 // No object takes descriptors.
         && sd_bus_start(created) >= 0 && sd_bus_get_unique_name(created, &name) >= 0;
     return isOpen ? std::move(bus) : nullptr;
 }
@@ -86,6 +87,10 @@ void LoopConnection::addObject(const BusInterface &interface, const sd_bus_vtabl
 void LoopConnection::emitSignal(const BusInterface &interface, const char *member,
                                 const BusWriter::Write &writeValues)
 {
+    if (isFull()) {
+        m_hasDropped = true;
+        return;
+    }
     sd_bus_message *created = nullptr;
     if (!m_bus
         || sd_bus_message_new_signal(m_bus.get(), &created, interface.path, interface.name, member)
@@ -122,18 +127,20 @@ void LoopConnection::call(const char *service, const BusInterface &interface, co
     awaitMessages();
 }
 
-/// Handles what has arrived, but not all of a flood at once.
+/// Handles what has arrived, but not all of a flood at once: the notifier reports the rest again.
 void LoopConnection::process()
 {
-    constexpr int mostAtOnce = 64;
+    constexpr int mostAtOnce = 16;
     int result = 1;
-    for (int count = 0; result > 0 && count < mostAtOnce; ++count)
+    for (int count = 0; result > 0 && count < mostAtOnce && (count == 0 || !isFull()); ++count)
         result = m_bus ? sd_bus_process(m_bus.get(), nullptr) : 0;
     if (result < 0)
         stop();
-    else if (result > 0)
-        QMetaObject::invokeMethod(this, &LoopConnection::process, Qt::QueuedConnection);
     awaitMessages();
+    if (m_hasDropped && m_bus && !m_writable->isEnabled()) {
+        m_hasDropped = false;
+        emit signalsWereDropped();
+    }
 }
 
 void LoopConnection::awaitMessages()
@@ -141,10 +148,21 @@ void LoopConnection::awaitMessages()
     if (!m_bus)
         return;
     const int events = sd_bus_get_events(m_bus.get());
-    if (events < 0)
+    if (events < 0) {
         stop();
-    else
-        m_writable->setEnabled((events & POLLOUT) != 0);
+        return;
+    }
+    m_readable->setEnabled(!isFull());
+    m_writable->setEnabled((events & POLLOUT) != 0);
+}
+
+/// Whether more messages wait than an item needs that is asked often. The library itself would
+/// keep hundreds of thousands.
+bool LoopConnection::isFull() const
+{
+    constexpr std::uint64_t mostWaiting = 64;
+    std::uint64_t waiting = 0;
+    return m_bus && sd_bus_get_n_queued_write(m_bus.get(), &waiting) >= 0 && waiting >= mostWaiting;
 }
 
 /// The notifiers are in use until the event loop is reached, so they are not deleted.

@@ -35,6 +35,9 @@ struct BusInterface {
 ///
 /// Without a handle, and once the bus has ended, nothing is sent and nobody calls. Objects are
 /// called from the event loop; they must not run an event loop within, nor delete the connection.
+///
+/// While the bus does not read, some messages wait here. Further signals are then dropped, and
+/// calls are answered once those are sent.
 class LoopConnection : public QObject {
     Q_OBJECT
 
@@ -56,16 +59,22 @@ public:
     void call(const char *service, const BusInterface &interface, const char *member,
               const BusWriter::Write &write, std::function<void(bool isReply)> onReply);
 
+signals:
+    /// Emitted once the bus reads again after signals were dropped.
+    void signalsWereDropped();
+
 private:
     void process();
     void awaitMessages();
+    bool isFull() const;
     void stop();
 
     BusHandle m_bus; ///< Null once the bus has ended.
     std::function<void(bool isReply)> m_onReply;
     std::unique_ptr<sd_bus_slot, BusReferences> m_call; ///< Null unless a reply is waited for.
-    std::optional<QSocketNotifier> m_readable;
-    std::optional<QSocketNotifier> m_writable; ///< Enabled while messages wait to be sent.
+    bool m_hasDropped = false;                          ///< Signals.
+    std::optional<QSocketNotifier> m_readable;          ///< Disabled while too many messages wait.
+    std::optional<QSocketNotifier> m_writable;          ///< Enabled while messages wait to be sent.
 };
 
 } // namespace corvane

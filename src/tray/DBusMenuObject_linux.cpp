@@ -166,6 +166,7 @@ void DBusMenuObject::exportOver(LoopConnection &bus)
                 writer.array("(ias)", [](BusWriter &) {});
             });
         });
+    QObject::connect(&bus, &LoopConnection::signalsWereDropped, &m_menu, &DBusMenu::announceLayout);
     QObject::connect(&m_menu, &DBusMenu::layoutUpdated, &bus, [&bus](uint revision) {
         bus.emitSignal(interface, "LayoutUpdated",
                        [revision](BusWriter &writer) { writer << revision << DBusMenu::rootId; });

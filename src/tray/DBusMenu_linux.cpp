@@ -137,7 +137,7 @@ bool DBusMenu::eventFilter(QObject *watched, QEvent *event)
             addAction(action);
         else
             m_actions.remove(m_actions.key(action));
-        emit layoutUpdated(++m_revision);
+        announceLayout();
     }
     return QObject::eventFilter(watched, event);
 }

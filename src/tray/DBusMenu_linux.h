@@ -57,6 +57,8 @@ public:
     QList<int> takeEvents(const QList<DBusMenuEvent> &events);
     /// Whether the item has changed.
     bool aboutToShow(int id);
+    /// Lets the desktop request the whole menu.
+    void announceLayout() { emit layoutUpdated(++m_revision); }
     /// Returns the ids of the items that have changed.
     QList<int> aboutToShowGroup(const QList<int> &ids, QList<int> &unknown);
 

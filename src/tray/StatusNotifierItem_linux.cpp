@@ -89,7 +89,20 @@ void StatusNotifierItem::showLabel(const QString &text, const QString &widest)
         return;
     m_label = text;
     m_widestLabel = widest;
-    announce("XAyatanaNewLabel", [&](BusWriter &writer) { writer << text << widest; });
+    announceLabel();
+}
+
+void StatusNotifierItem::announceLabel()
+{
+    announce("XAyatanaNewLabel", [this](BusWriter &writer) { writer << m_label << m_widestLabel; });
+}
+
+void StatusNotifierItem::announceAll()
+{
+    announce("NewTitle");
+    announce("NewIcon");
+    announce("NewToolTip");
+    announceLabel();
 }
 
 void StatusNotifierItem::registerAtWatcher()
@@ -229,6 +242,8 @@ void StatusNotifierItem::exportOver(BusHandle bus)
     m_bus = std::make_unique<LoopConnection>(std::move(bus));
     m_menu.exportOver(*m_bus);
     m_bus->addObject(interface, Exported::table, this);
+    connect(m_bus.get(), &LoopConnection::signalsWereDropped, this,
+            &StatusNotifierItem::announceAll);
 }
 
 } // namespace corvane

@@ -67,6 +67,8 @@ private:
 
     const StatusNotifierPixmaps &iconPixmaps();
     void announce(const char *signal, const BusWriter::Write &write = {});
+    void announceLabel();
+    void announceAll();
 
     const QString m_id;
     QString m_title;

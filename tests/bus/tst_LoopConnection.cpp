@@ -7,6 +7,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
+#include <QDBusUnixFileDescriptor>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -25,6 +26,7 @@ constexpr BusInterface interface {
 /// What the connection exports: counts its calls.
 struct Counter {
     int calls = 0;
+    int readings = 0;
     QString said = {};
 };
 
@@ -41,11 +43,26 @@ void writeCalls(BusWriter &writer, Counter &counter)
     writer << counter.calls;
 }
 
+void writeLongText(BusWriter &writer, Counter &counter)
+{
+    ++counter.readings;
+    writer << QString(200'000, u'x');
+}
+
 const sd_bus_vtable table[] = {
     SD_BUS_VTABLE_START(0),
     SD_BUS_METHOD("Say", "s", "i", say, 0),
     SD_BUS_PROPERTY("Calls", "i", (getProperty<Counter, writeCalls>), 0, 0),
     SD_BUS_SIGNAL("Changed", "s", 0),
+    SD_BUS_VTABLE_END,
+};
+
+/// An interface whose property takes more room than its request.
+constexpr BusInterface talker{"/counter", "corvane.test.Talker"};
+
+const sd_bus_vtable talkerTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("LongText", "s", (getProperty<Counter, writeLongText>), 0, 0),
     SD_BUS_VTABLE_END,
 };
 
@@ -71,6 +88,9 @@ private slots:
     void answersAFloodInParts();
     void emitsSignals();
     void sendsMoreThanTheSocketTakes();
+    void dropsSignalsThatTheBusDoesNotTake();
+    void answersNoFasterThanTheBusTakes();
+    void takesNoDescriptors();
     void callsAService_data();
     void callsAService();
     void dropsTheReplyToAnEarlierCall();
@@ -226,6 +246,57 @@ void TestLoopConnection::sendsMoreThanTheSocketTakes()
     m_daemon->goOn();
     TRY_COMPARE(m_changed.size(), many);
     QCOMPARE(m_changed.last(), longText);
+}
+
+/// The socket and the connection together take the same number after a second and after a day.
+void TestLoopConnection::dropsSignalsThatTheBusDoesNotTake()
+{
+    constexpr int many = 100'000;
+    const auto say = [this](const QString &text) {
+        m_connection->emitSignal(interface, "Changed", [&](BusWriter &writer) { writer << text; });
+    };
+    QSignalSpy dropped(m_connection.get(), &LoopConnection::signalsWereDropped);
+    m_daemon->hang();
+    for (int number = 0; number < many; ++number)
+        say(QString::number(number));
+    QCoreApplication::processEvents();
+    QCOMPARE(dropped.count(), 0);
+    m_daemon->goOn();
+    TRY_COMPARE(dropped.count(), 1);
+    say(u"again"_s);
+    TRY_VERIFY(!m_changed.isEmpty() && m_changed.last() == u"again"_s);
+    QVERIFY2(m_changed.size() < many / 2, qPrintable(QString::number(m_changed.size())));
+    QCOMPARE(dropped.count(), 1);
+}
+
+void TestLoopConnection::answersNoFasterThanTheBusTakes()
+{
+    constexpr int many = 200;
+    m_connection->addObject(talker, talkerTable, &m_counter);
+    QDBusMessage get =
+        QDBusMessage::createMethodCall(m_connection->name(), QLatin1StringView(talker.path),
+                                       u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    get << QString::fromLatin1(talker.name) << u"LongText"_s;
+    std::vector<QDBusPendingCall> calls;
+    for (int number = 0; number < many; ++number)
+        calls.push_back(m_client.asyncCall(get));
+    QVERIFY(m_client.interface()->isServiceRegistered(m_connection->name())); // The calls arrived.
+    m_daemon->hang();
+    TRY_VERIFY(m_counter.readings > 60);
+    for (int round = 0; round < many; ++round)
+        QCoreApplication::processEvents();
+    QVERIFY2(m_counter.readings < many * 3 / 4, qPrintable(QString::number(m_counter.readings)));
+    m_daemon->goOn();
+    for (const QDBusPendingCall &call : calls)
+        QCOMPARE(reply(call).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(m_counter.readings, many);
+}
+
+void TestLoopConnection::takesNoDescriptors()
+{
+    const QDBusMessage refusal =
+        reply(callOf(u"Say"_s, {QVariant::fromValue(QDBusUnixFileDescriptor(0))}));
+    QCOMPARE(refusal.errorName(), u"org.freedesktop.DBus.Error.NotSupported"_s);
 }
 
 void TestLoopConnection::callsAService_data()

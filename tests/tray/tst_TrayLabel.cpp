@@ -3,6 +3,7 @@
 #include "gallery/ScriptedMachines.h"
 #include "support/BusMonitor.h"
 #include "support/FakeTray.h"
+#include "support/NumberArgument.h"
 #include "support/PrivateBus.h"
 #include "support/TrayTypes.h"
 #include "support/Waiting.h"
@@ -69,6 +70,9 @@ const QStringList squareIds{u"corvane-1"_s, u"corvane-2"_s, u"corvane-3"_s};
 class TestTrayLabel : public QObject {
     Q_OBJECT
 
+public:
+    explicit TestTrayLabel(int signalsOfTray) : m_signals(signalsOfTray) { }
+
 private slots:
     void init();
     void cleanup();
@@ -113,6 +117,7 @@ private slots:
     void appearsInATrayThatAnswersWithErrors();
     void aTrayThatReadsAllTheTimeGetsAllItems();
     void manySignalsOfATrayAreOneQuestion();
+    void aBusThatHangsGetsTheNewestTextAfterwards();
     void aTrayThatHangsBlocksNothing();
     void reportsAMissingTrayOnce();
     void reportsNoMissingTrayWhereThereIsOne();
@@ -132,6 +137,7 @@ private:
     QStringList menuTexts();
     void changeSwap(int gigabytes);
 
+    const int m_signals; ///< Sent by a tray that repeats itself.
     QAction m_openWindow{u"Open Window"_s};
     QAction m_quit{u"Quit"_s};
     std::unique_ptr<PrivateBus> m_bus;
@@ -807,7 +813,7 @@ void TestTrayLabel::aTrayThatReadsAllTheTimeGetsAllItems()
 
 void TestTrayLabel::manySignalsOfATrayAreOneQuestion()
 {
-    constexpr int many = 5000;
+    const int many = m_signals;
     startTray("kded6");
     waitForTheCheck();
     BusMonitor monitor(m_bus->address());
@@ -820,6 +826,28 @@ void TestTrayLabel::manySignalsOfATrayAreOneQuestion()
     // The last signal counts.
     m_tray->setHost(false);
     TRY_VERIFY(m_tray->items().isEmpty());
+}
+
+/// Most texts were dropped in the meantime.
+void TestTrayLabel::aBusThatHangsGetsTheNewestTextAfterwards()
+{
+    constexpr int many = 40'000; // More than the socket takes.
+    startTray("gnome-shell");
+    waitForTheCheck();
+    BusMonitor monitor(m_bus->address());
+    m_bus->hang();
+    for (int number = 0; number < many; ++number) {
+        m_label->show(sample(number % 90));
+    }
+    m_bus->goOn();
+    QStringList members;
+    // Sent only because the desktop may have missed something.
+    TRY_VERIFY((members += membersSince(monitor)).contains("LayoutUpdated"_L1));
+    members += membersSince(monitor);
+    QVERIFY(members.lastIndexOf("XAyatanaNewLabel"_L1) > members.indexOf("LayoutUpdated"_L1));
+    QVERIFY(members.contains("NewToolTip"_L1));
+    const auto texts = members.count("XAyatanaNewLabel"_L1);
+    QVERIFY2(texts < many * 3 / 4, qPrintable(QString::number(texts)));
 }
 
 void TestTrayLabel::aTrayThatHangsBlocksNothing()
@@ -848,5 +876,13 @@ void TestTrayLabel::reportsNoMissingTrayWhereThereIsOne()
     QVERIFY(!missing.wait(static_cast<int>(TrayWaits().tray.count()) + 100));
 }
 
-QTEST_MAIN(TestTrayLabel)
+/// "--signals N" sends N signals of a tray instead of some thousands.
+int main(int argc, char **argv)
+{
+    const int signalsOfTray = takeNumber("--signals", 5000, argc, argv);
+    QApplication application(argc, argv);
+    TestTrayLabel test(signalsOfTray);
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_TrayLabel.moc"
